@@ -1,0 +1,14 @@
+# One set of warnings for every target; a warning is an error.
+add_library(quillmere_options INTERFACE)
+target_compile_options(quillmere_options INTERFACE
+  -Wall -Wextra -Wpedantic -Werror -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wconversion -Wno-sign-conversion
+  -fno-strict-overflow $<$<CXX_COMPILER_ID:Clang>:-D__cpp_impl_coroutine=201902L>)
+target_compile_definitions(quillmere_options INTERFACE
+  QT_NO_KEYWORDS QT_NO_CAST_FROM_BYTEARRAY QT_NO_FOREACH QT_NO_JAVA_STYLE_ITERATORS
+  QUILLMERE_VERSION="${PROJECT_VERSION}")
+if(QUILLMERE_SANITIZE)
+  target_compile_options(quillmere_options INTERFACE -fsanitize=${QUILLMERE_SANITIZE} -fno-omit-frame-pointer -g1)
+  target_link_options(quillmere_options INTERFACE -fsanitize=${QUILLMERE_SANITIZE})
+  # GCC's flow analysis reports false overflows in instrumented library code.
+  target_compile_options(quillmere_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-error=maybe-uninitialized -Wno-error=stringop-overflow -Wno-error=stringop-overread -Wno-error=array-bounds>)
+endif()

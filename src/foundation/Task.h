@@ -1,0 +1,136 @@
+#pragma once
+
+#include <coroutine>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace quillmere {
+
+/// A suspended coroutine that somebody promised to resume. Dropped without being resumed it destroys the coroutine, so
+/// that a service that goes away takes its waiters with it instead of leaking them.
+class Continuation {
+ public:
+  explicit Continuation(std::coroutine_handle<> handle) : handle_(handle) {}
+  Continuation(Continuation&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+  Continuation& operator=(Continuation&&) = delete;
+  ~Continuation() {
+    if (handle_) handle_.destroy();
+  }
+  void resume() {
+    if (const auto handle = std::exchange(handle_, nullptr)) handle.resume();
+  }
+
+ private:
+  std::coroutine_handle<> handle_;
+};
+
+namespace detail {
+
+/// What the handles of a task, its coroutine and its waiters share.
+struct TaskStateBase {
+  bool isCancelled = false;
+  bool isDone = false;
+  std::function<void()> onCancel;  ///< set while the task is suspended in something that can be cut short
+  std::vector<std::shared_ptr<Continuation>> waiters;
+
+  void cancel() {
+    if (isDone || isCancelled) return;
+    isCancelled = true;
+    if (const auto interrupt = std::exchange(onCancel, nullptr)) interrupt();
+  }
+  void finish() {
+    isDone = true;
+    onCancel = nullptr;
+    for (auto& waiter : std::exchange(waiters, {})) waiter->resume();
+  }
+};
+
+template <typename T>
+struct TaskState : TaskStateBase {
+  std::optional<T> value;
+};
+template <>
+struct TaskState<void> : TaskStateBase {};
+
+struct PromiseBase {
+  std::suspend_never initial_suspend() noexcept { return {}; }
+  std::suspend_never final_suspend() noexcept { return {}; }
+  /// Errors are values here; an exception that escapes a task is a defect.
+  void unhandled_exception() { std::terminate(); }
+};
+
+template <typename T>
+struct Promise : PromiseBase {
+  std::shared_ptr<TaskState<T>> state = std::make_shared<TaskState<T>>();
+  void return_value(T value) {
+    state->value.emplace(std::move(value));
+    state->finish();
+  }
+};
+template <>
+struct Promise<void> : PromiseBase {
+  std::shared_ptr<TaskState<void>> state = std::make_shared<TaskState<void>>();
+  void return_void() { state->finish(); }
+};
+
+}  // namespace detail
+
+/// Asynchronous work on the main thread. It starts at once and runs to its first wait; it can be awaited, cancelled and
+/// compared by identity. Dropping the last handle does not cancel it. Cancelling is a request: a sleep or a gate that
+/// the task waits in says so at once, everything else finds out by `co_await isCancelled`.
+template <typename T = void>
+class [[nodiscard]] Task {
+ public:
+  struct promise_type : detail::Promise<T> {
+    Task get_return_object() { return Task(this->state); }
+  };
+
+  Task() = default;
+  explicit operator bool() const { return state_ != nullptr; }
+  bool isDone() const { return state_ && state_->isDone; }
+  bool isCancelled() const { return state_ && state_->isCancelled; }
+  /// A copy, since cancelling may run the task to its end and with it the owner's last use of this handle.
+  void cancel() const {
+    if (const auto state = state_) state->cancel();
+  }
+  bool operator==(const Task& other) const { return state_ == other.state_; }
+
+  /// Lets the task go on without an owner. Whatever it touches must be held weakly.
+  void detach() && { state_ = nullptr; }
+
+  bool await_ready() const { return state_->isDone; }
+  void await_suspend(std::coroutine_handle<> waiter) const {
+    state_->waiters.push_back(std::make_shared<Continuation>(waiter));
+  }
+  T await_resume() const {
+    if constexpr (!std::is_void_v<T>) return *state_->value;
+  }
+
+ private:
+  explicit Task(std::shared_ptr<detail::TaskState<T>> state) : state_(std::move(state)) {}
+  std::shared_ptr<detail::TaskState<T>> state_;
+};
+
+/// `co_await isCancelled` tells a task whether it has been asked to stop.
+struct IsCancelled {
+  struct Tag {};
+  bool result = false;
+  bool await_ready() const { return false; }
+  template <typename Promise>
+  bool await_suspend(std::coroutine_handle<Promise> task) {
+    result = task.promise().state->isCancelled;
+    return false;
+  }
+  bool await_resume() const { return result; }
+};
+inline constexpr IsCancelled::Tag isCancelled{};
+inline IsCancelled operator co_await(IsCancelled::Tag) {
+  return {};
+}
+
+}  // namespace quillmere
