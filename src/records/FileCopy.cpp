@@ -1,0 +1,66 @@
+#include "records/FileCopy.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <algorithm>
+#include <cerrno>
+#include <vector>
+
+namespace quillmere {
+
+bool writeAll(int descriptor, const char* bytes, size_t count) {
+  while (count > 0) {
+    const ssize_t written = ::write(descriptor, bytes, count);
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return false;
+    bytes += written;
+    count -= static_cast<size_t>(written);
+  }
+  return true;
+}
+
+bool copyBytes(int from, int64_t offset, int64_t length, int to) {
+  off64_t position = offset;
+  while (length > 0) {
+    const ssize_t count = ::copy_file_range(from, &position, to, nullptr, static_cast<size_t>(length), 0);
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) break;
+    length -= count;
+  }
+  // Some file systems refuse to copy in the kernel, or stop short.
+  std::vector<char> buffer(length > 0 ? 1 << 20 : 0);
+  while (length > 0) {
+    const auto wanted = std::min<size_t>(static_cast<size_t>(length), buffer.size());
+    const ssize_t count = ::pread(from, buffer.data(), wanted, position);
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0 || !writeAll(to, buffer.data(), static_cast<size_t>(count))) return false;
+    position += count;
+    length -= count;
+  }
+  return true;
+}
+
+CopyResult copyFile(const FileURL& source, const FileURL& destination) {
+  const int from = ::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (from < 0) return CopyResult::failed;
+  struct stat status {};
+  if (::fstat(from, &status) != 0 || !S_ISREG(status.st_mode)) {
+    ::close(from);
+    return CopyResult::failed;
+  }
+  const int to = ::open(destination.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  if (to < 0) {
+    const bool exists = errno == EEXIST;
+    ::close(from);
+    return exists ? CopyResult::destinationExists : CopyResult::failed;
+  }
+  const bool copied = copyBytes(from, 0, status.st_size, to) && ::fsync(to) == 0;
+  const bool closed = ::close(to) == 0;
+  ::close(from);
+  if (copied && closed) return CopyResult::done;
+  ::unlink(destination.c_str());
+  return CopyResult::failed;
+}
+
+}  // namespace quillmere

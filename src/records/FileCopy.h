@@ -1,0 +1,19 @@
+#pragma once
+
+#include "foundation/FileURL.h"
+
+namespace quillmere {
+
+enum class CopyResult { done, destinationExists, failed };
+
+/// Copies a regular file to a name that must be free, and flushes the copy. A copy that fails leaves nothing behind.
+CopyResult copyFile(const FileURL& source, const FileURL& destination);
+
+/// Copies a range of bytes between two open files by the kernel where it can, else through memory. `to` is written at
+/// its present position. False on any failure, a source that ends early included.
+bool copyBytes(int from, int64_t offset, int64_t length, int to);
+
+/// Writes all of it; goes on after an interruption.
+bool writeAll(int descriptor, const char* bytes, size_t count);
+
+}  // namespace quillmere

@@ -1,0 +1,129 @@
+#include "records/ScreenshotListWriter.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <cstdio>
+#include <filesystem>
+
+#include "records/FileCopy.h"
+#include "records/ScreenshotCoding.h"
+
+namespace quillmere {
+namespace {
+
+constexpr size_t kBufferSize = 1 << 20;
+constexpr std::string_view kTemporarySuffix = ".saving";
+
+/// Gathers small pieces into large writes and counts the position.
+class BufferedWriter {
+ public:
+  explicit BufferedWriter(int descriptor) : descriptor_(descriptor) {
+    buffer_.reserve(kBufferSize + (kBufferSize >> 2));
+  }
+  std::string& buffer() { return buffer_; }
+  int64_t position() const { return flushed_ + static_cast<int64_t>(buffer_.size()); }
+  bool flushIfLarge() { return buffer_.size() < kBufferSize || flush(); }
+  bool flush() {
+    if (!writeAll(descriptor_, buffer_.data(), buffer_.size())) return false;
+    flushed_ += static_cast<int64_t>(buffer_.size());
+    buffer_.clear();
+    return true;
+  }
+  bool copy(int from, int64_t offset, int64_t length) {
+    if (!flush() || !copyBytes(from, offset, length, descriptor_)) return false;
+    flushed_ += length;
+    return true;
+  }
+
+ private:
+  int descriptor_;
+  std::string buffer_;
+  int64_t flushed_ = 0;
+};
+
+bool flushFolder(const FileURL& folder) {
+  const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (descriptor < 0) return false;
+  const bool flushed = ::fsync(descriptor) == 0;
+  ::close(descriptor);
+  return flushed;
+}
+
+}  // namespace
+
+ScreenshotListWriter::~ScreenshotListWriter() {
+  if (last_ >= 0) ::close(last_);
+}
+
+bool ScreenshotListWriter::save(ScreenshotList& list, const FileURL& file) {
+  const FileURL target = file.resolvingSymlinks().value_or(file);
+  std::error_code ignored;  // a folder that cannot be made shows when the file is opened
+  std::filesystem::create_directories(target.parent().path(), ignored);
+
+  const FileURL temporary = target.parent().appending(target.lastPathComponent().append(kTemporarySuffix));
+  ::unlink(temporary.c_str());
+  const int descriptor = ::open(temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
+  if (descriptor < 0) return false;
+
+  std::vector<ScreenshotList::Range> ranges;
+  const bool isWritten =
+      write(list, descriptor, ranges) && ::fsync(descriptor) == 0 && ::rename(temporary.c_str(), target.c_str()) == 0;
+  if (!isWritten) {
+    ::close(descriptor);
+    ::unlink(temporary.c_str());
+    return false;
+  }
+  if (last_ >= 0) ::close(last_);
+  last_ = descriptor;
+  lastSignature_ = signatureOf(descriptor);
+  for (size_t i = 0; i < ranges.size(); ++i) list.setRange(i, ranges[i]);
+  return flushFolder(target.parent());
+}
+
+ScreenshotListWriter::Signature ScreenshotListWriter::signatureOf(int descriptor) {
+  struct stat status {};
+  if (::fstat(descriptor, &status) != 0) return {};
+  constexpr int64_t kNanoseconds = 1'000'000'000;
+  return {status.st_size, status.st_mtim.tv_sec * kNanoseconds + status.st_mtim.tv_nsec};
+}
+
+bool ScreenshotListWriter::canCopyFromLast() const {
+  return last_ >= 0 && signatureOf(last_) == lastSignature_;
+}
+
+bool ScreenshotListWriter::write(ScreenshotList& list, int descriptor, std::vector<ScreenshotList::Range>& ranges) {
+  encodedCount_ = 0;
+  ranges.resize(list.size());
+  const bool canCopy = canCopyFromLast();
+  BufferedWriter out(descriptor);
+  out.buffer() += kListHead;
+  for (size_t i = 0; i < list.size();) {
+    if (i > 0) out.buffer().push_back(',');
+    const auto first = list.range(i);
+    if (!canCopy || first.length == 0) {
+      const int64_t start = out.position();
+      appendEncoded(out.buffer(), list[i]);
+      ranges[i] = {start, out.position() - start};
+      ++encodedCount_;
+      ++i;
+      if (!out.flushIfLarge()) return false;
+      continue;
+    }
+    // Neighbours that stood side by side go in one copy, the commas between them included.
+    int64_t end = first.offset;
+    const int64_t shift = out.position() - first.offset;
+    while (i < list.size()) {
+      const auto next = list.range(i);
+      if (next.length == 0 || (end != first.offset && next.offset != end + 1)) break;
+      ranges[i] = {next.offset + shift, next.length};
+      end = next.offset + next.length;
+      ++i;
+    }
+    if (!out.copy(last_, first.offset, end - first.offset)) return false;
+  }
+  out.buffer() += kListTail;
+  return out.flush();
+}
+
+}  // namespace quillmere
