@@ -1,0 +1,206 @@
+#include "monitor/FolderScan.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "foundation/FileStatus.h"
+
+namespace quillmere {
+namespace {
+
+std::optional<Fingerprint> fingerprintOf(const std::optional<FileStatus>& status) {
+  if (!status || !status->isRegular()) return std::nullopt;
+  return Fingerprint{status->size, status->modified};
+}
+
+struct Entry {
+  FileURL url;
+  std::optional<Fingerprint> fingerprint;
+};
+
+struct Listing {
+  std::vector<Entry> entries;                // names that are not known
+  std::unordered_set<const FileURL*> found;  // the known ones that are still there
+};
+
+/// None when the folder cannot be listed.
+std::optional<Listing> listUnknown(const FileURL& directory, const URLSet& known) {
+  Listing listing;
+  listing.found.reserve(known.size());
+  std::string path = directory.path() + "/";
+  const size_t prefix = path.size();
+  const bool listed = listDirectory(directory, [&](int folder, const char* name, EntryKind kind) {
+    if (kind == EntryKind::notRegular || !isWatchedName(name)) return;
+    path.resize(prefix);
+    path += name;
+    if (const auto it = known.find(std::string_view(path)); it != known.end()) {
+      listing.found.insert(&*it);
+      return;
+    }
+    if (auto fingerprint = fingerprintOf(fileStatus(folder, name))) {
+      listing.entries.push_back({FileURL::fromPath(path), fingerprint});
+    }
+  });
+  if (!listed) return std::nullopt;
+  return listing;
+}
+
+/// The tests of one file that has held still.
+class Examination {
+ public:
+  explicit Examination(const Snapshot& snapshot) : snapshot_(snapshot) {}
+
+  void examine(Observation& seen) {
+    if (!seen.fingerprint) return;
+    const auto ignored = snapshot_.ignored.find(seen.url);
+    if (ignored != snapshot_.ignored.end() && ignored->second == *seen.fingerprint) return;
+    const auto pending = snapshot_.pending.find(seen.url);
+    if (pending == snapshot_.pending.end() || pending->second.fingerprint != *seen.fingerprint) return;
+    const auto known = snapshot_.evidence.find(seen.url);
+    if (known == snapshot_.evidence.end()) return;
+
+    ArrivalEvidence evidence = known->second;
+    if (pending->second.complete || decodes(seen, evidence)) classify(seen, evidence);
+    seen.evidence = evidence;
+  }
+
+ private:
+  /// Whether the file is here and whole, so that it can be classified.
+  bool decodes(Observation& seen, ArrivalEvidence& evidence) {
+    if (seen.fingerprint->size < 1) return false;
+    if (!snapshot_.services.isDataless(seen.url)) {
+      evidence.datalessLooks = 0;
+      seen.decodesCompletely = snapshot_.services.decodesCompletely(seen.url);
+      return *seen.decodesCompletely;
+    }
+    evidence.datalessLooks += 1;
+    seen.decodesCompletely = false;
+    if (evidence.datalessLooks == 1) return false;
+    evidence.isFromElsewhere = true;
+    if (isSynced()) {
+      seen.isPlaceholder = true;
+      readTag(seen);
+    }
+    return false;
+  }
+
+  void classify(Observation& seen, ArrivalEvidence& evidence) {
+    readTag(seen);
+    const FileDates dates = snapshot_.services.fileDates(seen.url);
+    if (!dates.created) return;
+    // One-sided: a capture is never added to its folder before it is made.
+    if (dates.addedToDirectory && isSynced() &&
+        *dates.addedToDirectory - *dates.created > snapshot_.localArrivalTolerance) {
+      evidence.isFromElsewhere = true;
+    }
+    if (std::abs(evidence.firstSeen - *dates.created) > snapshot_.recentCaptureInterval) {
+      evidence.isFromElsewhere = true;
+    }
+  }
+
+  void readTag(Observation& seen) const {
+    if (!snapshot_.includesNonCaptureImages) {
+      seen.isScreenCapture = snapshot_.services.hasScreenCaptureTag(seen.url);
+    }
+  }
+
+  /// Asked at most once a scan: it can be slow on a network share.
+  bool isSynced() {
+    if (!wasAsked_) isSynced_ = snapshot_.services.isSynced(snapshot_.directory);
+    wasAsked_ = true;
+    return isSynced_;
+  }
+
+  const Snapshot& snapshot_;
+  bool wasAsked_ = false;
+  bool isSynced_ = false;
+};
+
+std::vector<Observation> observe(const Snapshot& snapshot, std::vector<Entry> entries, const URLSet& skipped) {
+  std::vector<Observation> observations;
+  Examination examination(snapshot);
+  for (Entry& entry : entries) {
+    if (skipped.contains(entry.url)) continue;
+    Observation& seen = observations.emplace_back();
+    seen.url = std::move(entry.url);
+    seen.fingerprint = entry.fingerprint;
+    examination.examine(seen);
+  }
+  return observations;
+}
+
+std::vector<Entry> lookAtPending(const Snapshot& snapshot) {
+  std::vector<Entry> entries;
+  for (const auto& [url, look] : snapshot.pending) entries.push_back({url, readFingerprint(url)});
+  return entries;
+}
+
+template <typename Table>
+std::vector<FileURL> absent(const Table& table, const URLSet& current) {
+  std::vector<FileURL> result;
+  for (const auto& [url, value] : table) {
+    if (!current.contains(url)) result.push_back(url);
+  }
+  return result;
+}
+
+}  // namespace
+
+bool isWatchedName(std::string_view name) {
+  constexpr std::array<std::string_view, 5> kExtensions{"png", "heic", "heif", "jpg", "jpeg"};
+  if (name.empty() || name.front() == '.') return false;
+  const auto dot = name.rfind('.');
+  if (dot == std::string_view::npos) return false;
+  const auto extension = name.substr(dot + 1);
+  const auto equalsInAnyCase = [&](std::string_view candidate) {
+    return std::equal(extension.begin(), extension.end(), candidate.begin(), candidate.end(),
+                      [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a + ('a' - 'A') : a) == b; });
+  };
+  return std::any_of(kExtensions.begin(), kExtensions.end(), equalsInAnyCase);
+}
+
+std::optional<Fingerprint> readFingerprint(const FileURL& url) {
+  return fingerprintOf(fileStatus(url));
+}
+
+ScanResult performScan(const Snapshot& snapshot) {
+  ScanResult result;
+  if (!snapshot.full) {
+    result.observations = observe(snapshot, lookAtPending(snapshot), *snapshot.known);
+    return result;
+  }
+
+  const bool isBaseline = snapshot.baselineStart.has_value();
+  const URLSet nothing;
+  const URLSet& known = isBaseline ? nothing : *snapshot.known;
+  // A mount point whose file system is away may still be a folder, an empty one: listing it would lose every record.
+  std::optional<Listing> listing;
+  const bool isMounted = snapshot.services.isVolumeMounted(snapshot.directory);
+  if (isMounted) listing = listUnknown(snapshot.directory, known);
+  if (!listing) {
+    result.unavailable = isMounted ? WatcherStatus::notFound : WatcherStatus::volumeNotConnected;
+    return result;
+  }
+
+  URLSet current;
+  for (const Entry& entry : listing->entries) {
+    current.insert(entry.url);
+    if (isBaseline && (!entry.fingerprint || entry.fingerprint->modified < *snapshot.baselineStart)) {
+      result.baseline.insert(entry.url);
+    }
+  }
+  if (listing->found.size() < known.size()) {
+    for (const FileURL& url : known) {
+      if (!listing->found.contains(&url)) result.removed.push_back(url);
+    }
+    std::sort(result.removed.begin(), result.removed.end());
+  }
+  result.absentPending = absent(snapshot.pending, current);
+  result.absentIgnored = absent(snapshot.ignored, current);
+  result.absentEvidence = absent(snapshot.evidence, current);
+  result.observations = observe(snapshot, std::move(listing->entries), result.baseline);
+  return result;
+}
+
+}  // namespace quillmere

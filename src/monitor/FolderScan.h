@@ -1,0 +1,99 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "foundation/Date.h"
+#include "foundation/FileURL.h"
+#include "monitor/ScreenshotMonitoring.h"
+
+namespace quillmere {
+
+/// Whether a file has stopped changing is told by two looks that see the same.
+struct Fingerprint {
+  int64_t size = 0;  ///< bytes
+  Date modified;
+  bool operator==(const Fingerprint&) const = default;
+};
+
+/// What is known of how a file came to be here. It outlives changes of the file.
+struct ArrivalEvidence {
+  Date firstSeen;
+  int datalessLooks = 0;         ///< consecutive looks at which the file's data was not on the disk
+  bool isFromElsewhere = false;  ///< never unset
+  bool operator==(const ArrivalEvidence&) const = default;
+};
+
+struct FileDates {
+  std::optional<Date> created;
+  std::optional<Date> addedToDirectory;  ///< where the file system keeps it
+};
+
+using URLSet = std::unordered_set<FileURL, FileURLHash, FileURLEqual>;
+template <typename T>
+using URLMap = std::unordered_map<FileURL, T, FileURLHash, FileURLEqual>;
+
+/// The questions that a scan asks of the world. Called on a background thread.
+struct ScanServices {
+  std::function<bool(const FileURL&)> isDataless;
+  std::function<bool(const FileURL&)> isSynced;
+  std::function<bool(const FileURL&)> isVolumeMounted;
+  std::function<bool(const FileURL&)> hasScreenCaptureTag;
+  std::function<bool(const FileURL&)> decodesCompletely;
+  std::function<FileDates(const FileURL&)> fileDates;
+};
+
+/// A scan's whole input.
+struct Snapshot {
+  struct PendingLook {
+    Fingerprint fingerprint;
+    bool complete = false;  ///< it decoded at an earlier look and need not be decoded again
+  };
+  FileURL directory;
+  bool full = false;                  ///< list the folder, instead of looking again at the pending files alone
+  std::optional<Date> baselineStart;  ///< files older than this make up the baseline that this scan establishes
+  std::shared_ptr<const URLSet> known = std::make_shared<URLSet>();
+  URLMap<PendingLook> pending;
+  URLMap<Fingerprint> ignored;
+  URLMap<ArrivalEvidence> evidence;
+  bool includesNonCaptureImages = false;
+  double localArrivalTolerance = 2.0;    ///< seconds
+  double recentCaptureInterval = 120.0;  ///< seconds
+  ScanServices services;
+};
+
+/// What one scan saw of one file.
+struct Observation {
+  FileURL url;
+  std::optional<Fingerprint> fingerprint;  ///< none when it cannot be read
+  std::optional<bool> decodesCompletely;   ///< none: not tested
+  std::optional<bool> isScreenCapture;     ///< none: not tested
+  bool isPlaceholder = false;              ///< of a synced folder, its data still elsewhere
+  std::optional<ArrivalEvidence> evidence;
+};
+
+/// A scan's whole output.
+struct ScanResult {
+  std::optional<std::vector<Observation>> observations;  ///< none: the folder could not be listed
+  std::optional<WatcherStatus> unavailable;              ///< why not
+  URLSet baseline;
+  std::vector<FileURL> removed;  ///< known files that are gone, by path
+  std::vector<FileURL> absentPending;
+  std::vector<FileURL> absentIgnored;
+  std::vector<FileURL> absentEvidence;
+};
+
+/// Only image files of the five types are looked at, by their extension in any case; hidden files never.
+bool isWatchedName(std::string_view name);
+
+/// Looks at one file. None for anything but a readable regular file.
+std::optional<Fingerprint> readFingerprint(const FileURL& url);
+
+/// Changes nothing but reads the file system. A name that is already known costs no look at its file.
+ScanResult performScan(const Snapshot& snapshot);
+
+}  // namespace quillmere

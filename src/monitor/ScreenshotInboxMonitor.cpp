@@ -1,0 +1,199 @@
+#include "monitor/ScreenshotInboxMonitor.h"
+
+#include "foundation/Localized.h"
+
+namespace quillmere {
+namespace {
+
+/// Gathers a burst of events into one scan.
+constexpr Duration kEventDebounce = std::chrono::milliseconds(50);
+
+}  // namespace
+
+QString statusText(WatcherStatus status) {
+  switch (status) {
+    case WatcherStatus::notChosen:
+      return localized("Choose a screenshot folder");
+    case WatcherStatus::watching:
+      return localized("Watching for new screenshots");
+    case WatcherStatus::notFound:
+      return localized("Quillmere can’t find the screenshot folder. Choose it again in Settings.");
+    case WatcherStatus::volumeNotConnected:
+      return localized(
+          "The screenshot folder is on a disk that isn’t connected. Connect the disk and Quillmere starts watching it "
+          "again.");
+  }
+  return {};
+}
+
+ScreenshotInboxMonitor::ScreenshotInboxMonitor(Executor& executor, SystemEvents& systemEvents,
+                                               FolderEventSource& eventSource, ScanServices services,
+                                               std::function<Date()> now)
+    : executor_(executor),
+      systemEvents_(systemEvents),
+      eventSource_(eventSource),
+      services_(std::move(services)),
+      now_(std::move(now)) {}
+
+ScreenshotInboxMonitor::~ScreenshotInboxMonitor() {
+  reconciliationTask_.cancel();
+  scanTask_.cancel();
+}
+
+void ScreenshotInboxMonitor::watch(std::optional<FileURL> directory) {
+  directorySource_.reset();
+  cancelScheduledScan();
+  pendingFiles_.clear();
+  ignoredFiles_.clear();
+  arrivalEvidence_.clear();
+  knownURLs_ = std::make_shared<URLSet>();
+  ++generation_;
+  lastStatus_.reset();
+  directory_ = std::move(directory);
+  needsBaseline_ = directory_.has_value();
+  queuedScan_.reset();
+  if (isRunning_) openDirectorySource();
+  if (directory_) scan(true);
+}
+
+void ScreenshotInboxMonitor::start() {
+  if (isRunning_) return;
+  isRunning_ = true;
+  openDirectorySource();
+  scan(true);
+  reconciliationTask_ = reconcileRegularly(lifetime_.weak(this));
+  systemObservers_.push_back(systemEvents_.didWake.connect([this] { refresh(); }));
+  systemObservers_.push_back(systemEvents_.volumesDidChange.connect([this] { refresh(); }));
+}
+
+void ScreenshotInboxMonitor::setIncludesNonCaptureImages(bool includes) {
+  if (includes == includesNonCaptureImages_) return;
+  includesNonCaptureImages_ = includes;
+  if (isRunning_) scheduleScan(Duration::zero(), true);
+}
+
+Task<> ScreenshotInboxMonitor::reconcileRegularly(Weak<ScreenshotInboxMonitor> self) {
+  while (self) {
+    const bool elapsed = co_await self->executor_.sleep(self->reconciliationInterval);
+    if (!elapsed || !self) co_return;
+    self->refresh();
+  }
+}
+
+void ScreenshotInboxMonitor::refresh() {
+  if (!isRunning_) return;
+  if (!directorySource_) openDirectorySource();
+  scheduleScan(Duration::zero(), true);
+}
+
+void ScreenshotInboxMonitor::openDirectorySource() {
+  if (!directory_) {
+    report(WatcherStatus::notChosen);
+    return;
+  }
+  // The folder under an unmounted file system can be opened too, and is the wrong one.
+  if (services_.isVolumeMounted(*directory_)) {
+    directorySource_ = eventSource_.open(*directory_, [this](FolderEvent event) { handleEvent(event); });
+  }
+  report(directorySource_ ? WatcherStatus::watching : absenceStatus());
+}
+
+void ScreenshotInboxMonitor::handleEvent(FolderEvent event) {
+  if (event == FolderEvent::lost) {
+    directorySource_.reset();
+    report(absenceStatus());
+  }
+  scheduleScan(kEventDebounce, true);
+}
+
+WatcherStatus ScreenshotInboxMonitor::absenceStatus() const {
+  const bool isConnected = !directory_ || services_.isVolumeMounted(*directory_);
+  return isConnected ? WatcherStatus::notFound : WatcherStatus::volumeNotConnected;
+}
+
+void ScreenshotInboxMonitor::report(WatcherStatus status) {
+  if (lastStatus_ == status) return;
+  lastStatus_ = status;
+  if (onStatusChange) onStatusChange(status);
+}
+
+void ScreenshotInboxMonitor::scheduleScan(Duration after, bool full) {
+  const Instant deadline = executor_.instant() + after;
+  if (scanTask_ && scanDeadline_ && *scanDeadline_ <= deadline) {
+    scheduledScanIsFull_ = scheduledScanIsFull_ || full;
+    return;
+  }
+  const bool isFull = full || (scanTask_ && scheduledScanIsFull_);
+  cancelScheduledScan();
+  scanDeadline_ = deadline;
+  scheduledScanIsFull_ = isFull;
+  scanTask_ = scanLater(lifetime_.weak(this), after);
+}
+
+Task<> ScreenshotInboxMonitor::scanLater(Weak<ScreenshotInboxMonitor> self, Duration delay) {
+  const bool elapsed = co_await self->executor_.sleep(delay);
+  if (!elapsed || !self) co_return;
+  const bool full = self->scheduledScanIsFull_;
+  self->scanTask_ = {};
+  self->scanDeadline_.reset();
+  self->scheduledScanIsFull_ = false;
+  self->scan(full);
+}
+
+void ScreenshotInboxMonitor::cancelScheduledScan() {
+  scanTask_.cancel();
+  scanTask_ = {};
+  scanDeadline_.reset();
+  scheduledScanIsFull_ = false;
+}
+
+void ScreenshotInboxMonitor::scan(bool full) {
+  if (!directory_) return;
+  if (isScanning_) {
+    queuedScan_ = full || queuedScan_.value_or(false);
+    return;
+  }
+  // A look at the pending files alone cannot stand in for a baseline that is owed.
+  const bool isFull = full || needsBaseline_;
+  if (isFull) {
+    cancelScheduledScan();
+  } else if (pendingFiles_.empty()) {
+    return;
+  }
+  isScanning_ = true;
+  runScan(lifetime_.weak(this), takeSnapshot(isFull), generation_).detach();
+}
+
+Task<> ScreenshotInboxMonitor::runScan(Weak<ScreenshotInboxMonitor> self, std::shared_ptr<Snapshot> snapshot,
+                                       int generation) {
+  const std::function<ScanResult()> work = [snapshot] { return performScan(*snapshot); };
+  ScanResult result = co_await self->executor_.background(work);
+  if (!self) co_return;
+  self->isScanning_ = false;
+  // The result of a folder that has been replaced meanwhile says nothing of the new one.
+  if (generation == self->generation_) self->apply(std::move(result), *snapshot);
+  if (!self || !self->queuedScan_) co_return;
+  const bool full = *self->queuedScan_;
+  self->queuedScan_.reset();
+  self->scan(full);
+}
+
+std::shared_ptr<Snapshot> ScreenshotInboxMonitor::takeSnapshot(bool full) const {
+  auto snapshot = std::make_shared<Snapshot>();
+  snapshot->directory = *directory_;
+  snapshot->full = full;
+  if (needsBaseline_) snapshot->baselineStart = arrivalsSince_.value_or(now_());
+  snapshot->known = knownURLs_;
+  for (const auto& [url, pending] : pendingFiles_) {
+    snapshot->pending[url] = {pending.fingerprint, pending.completeSince.has_value()};
+  }
+  snapshot->ignored = ignoredFiles_;
+  snapshot->evidence = arrivalEvidence_;
+  snapshot->includesNonCaptureImages = includesNonCaptureImages_;
+  snapshot->localArrivalTolerance = localArrivalTolerance;
+  snapshot->recentCaptureInterval = recentCaptureInterval;
+  snapshot->services = services_;
+  return snapshot;
+}
+
+}  // namespace quillmere

@@ -1,0 +1,117 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "foundation/Executor.h"
+#include "foundation/SystemEvents.h"
+#include "foundation/Weak.h"
+#include "monitor/FolderScan.h"
+#include "monitor/ScreenshotMonitoring.h"
+
+namespace quillmere {
+
+/// Tells, on the main thread, that something changed in a folder. Destroying it ends the watch.
+class FolderEventWatch {
+ public:
+  virtual ~FolderEventWatch() = default;
+};
+enum class FolderEvent {
+  changed,
+  lost,  ///< the folder itself was moved, deleted or unmounted
+};
+class FolderEventSource {
+ public:
+  virtual ~FolderEventSource() = default;
+  /// Null when the folder cannot be opened.
+  virtual std::unique_ptr<FolderEventWatch> open(const FileURL& folder, std::function<void(FolderEvent)> onEvent) = 0;
+};
+
+/// Watches a folder: turns every sign of change into at most one running scan at a time, and tells what the scans find.
+/// An event source makes it prompt; a full scan every minute catches what events miss; wake and mounts bring a folder
+/// back that was away.
+class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
+ public:
+  ScreenshotInboxMonitor(Executor& executor, SystemEvents& systemEvents, FolderEventSource& eventSource,
+                         ScanServices services, std::function<Date()> now);
+  ~ScreenshotInboxMonitor() override;
+
+  void watch(std::optional<FileURL> directory) override;
+  void start() override;
+  void scheduleScan(Duration after, bool full) override;
+  bool includesNonCaptureImages() const override { return includesNonCaptureImages_; }
+  void setIncludesNonCaptureImages(bool includes) override;
+  void expectArrivalsSince(Date moment) override { arrivalsSince_ = moment; }
+
+  bool isScanning() const { return isScanning_; }
+  std::optional<WatcherStatus> lastStatus() const { return lastStatus_; }
+
+  Duration reconciliationInterval = seconds(60);
+  /// How long a file that decoded completely may wait for its tag.
+  double screenCaptureTagGracePeriod = 2.0;
+  /// Largest gap between creation and adding of a local capture in a synced folder.
+  double localArrivalTolerance = 2.0;
+  /// Largest gap between a file's creation and its first sighting for it to count as captured just now.
+  double recentCaptureInterval = 120.0;
+
+ private:
+  struct Pending {
+    Fingerprint fingerprint;
+    Date firstSeen;
+    int attempts = 1;  ///< looks at this unchanged fingerprint
+    std::optional<Date> completeSince;
+  };
+
+  // When to look.
+  static Task<> reconcileRegularly(Weak<ScreenshotInboxMonitor> self);
+  static Task<> scanLater(Weak<ScreenshotInboxMonitor> self, Duration delay);
+  static Task<> runScan(Weak<ScreenshotInboxMonitor> self, std::shared_ptr<Snapshot> snapshot, int generation);
+  void refresh();
+  void openDirectorySource();
+  void handleEvent(FolderEvent event);
+  void cancelScheduledScan();
+  void scan(bool full);
+  std::shared_ptr<Snapshot> takeSnapshot(bool full) const;
+  WatcherStatus absenceStatus() const;
+  void report(WatcherStatus status);
+
+  // What a look means.
+  void apply(ScanResult result, Snapshot& snapshot);
+  void forgetAbsent(const ScanResult& result);
+  void applyObservation(const Observation& seen, bool isFullScan, Date now);
+  void applyRepeatedLook(const Observation& seen, Pending& pending, Date now);
+  void accept(const FileURL& url);
+  URLSet& knownURLs();
+
+  Executor& executor_;
+  SystemEvents& systemEvents_;
+  FolderEventSource& eventSource_;
+  ScanServices services_;
+  std::function<Date()> now_;
+
+  Task<> reconciliationTask_;
+  Task<> scanTask_;
+  std::optional<Instant> scanDeadline_;
+  bool scheduledScanIsFull_ = false;
+  std::unique_ptr<FolderEventWatch> directorySource_;
+  std::optional<FileURL> directory_;
+  bool isRunning_ = false;
+  std::optional<WatcherStatus> lastStatus_;
+  std::vector<Connection> systemObservers_;
+  int generation_ = 0;
+  bool needsBaseline_ = false;
+  std::optional<Date> arrivalsSince_;
+  bool isScanning_ = false;
+  std::optional<bool> queuedScan_;
+
+  bool includesNonCaptureImages_ = false;
+  // Shared with the running scan; copied when changed under one.
+  std::shared_ptr<URLSet> knownURLs_ = std::make_shared<URLSet>();
+  URLMap<Pending> pendingFiles_;
+  URLMap<Fingerprint> ignoredFiles_;
+  URLMap<ArrivalEvidence> arrivalEvidence_;
+
+  Lifetime lifetime_;
+};
+
+}  // namespace quillmere

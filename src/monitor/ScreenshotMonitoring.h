@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QtCore/QString>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "foundation/Date.h"
+#include "foundation/Executor.h"
+#include "foundation/FileURL.h"
+
+namespace quillmere {
+
+enum class WatcherStatus {
+  notChosen,
+  watching,
+  notFound,            ///< the volume is there: choosing the folder again is what helps
+  volumeNotConnected,  ///< a disk or network share is away: connecting it is what helps
+};
+QString statusText(WatcherStatus status);
+
+/// Watches one folder and tells what happens to the screenshots in it. Everything on the main thread.
+class ScreenshotMonitoring {
+ public:
+  virtual ~ScreenshotMonitoring() = default;
+
+  std::function<void(const FileURL&)> onScreenshot;            ///< captured here, just now
+  std::function<void(const FileURL&)> onArrivedScreenshot;     ///< came from elsewhere
+  std::function<void(const std::vector<FileURL>&)> onRemoval;  ///< known files left the folder, by path
+  std::function<void(WatcherStatus)> onStatusChange;
+
+  /// Sets or, with none, clears the folder.
+  virtual void watch(std::optional<FileURL> directory) = 0;
+  virtual void start() = 0;
+  virtual void scheduleScan(Duration after, bool full) = 0;
+  virtual bool includesNonCaptureImages() const = 0;
+  /// A change while the monitor runs asks for a full scan at once.
+  virtual void setIncludesNonCaptureImages(bool includes) = 0;
+  /// The next baseline takes only files older than this for known, instead of older than its own start: the files that
+  /// came since then are heard, as those of a run that ended without notice must be.
+  virtual void expectArrivalsSince(Date moment) = 0;
+};
+
+}  // namespace quillmere
