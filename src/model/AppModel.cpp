@@ -1,0 +1,279 @@
+#include "model/AppModel.h"
+
+#include <algorithm>
+
+namespace quillmere {
+namespace {
+
+constexpr int kShortestPopupSeconds = 3;
+constexpr int kLongestPopupSeconds = 300;
+
+int clampedPopupSeconds(int seconds) {
+  return std::clamp(seconds, kShortestPopupSeconds, kLongestPopupSeconds);
+}
+
+}  // namespace
+
+AppModel::AppModel(AppModelDependencies dependencies)
+    : dependencies_(std::move(dependencies)),
+      expirationScheduler_(*dependencies_.executor, *dependencies_.systemEvents, dependencies_.now),
+      popupAutoSaveScheduler_(*dependencies_.executor, dependencies_.now),
+      access_(*dependencies_.securityScope) {
+  readSettings();
+  auto loaded = dependencies_.recordStore.load(now());
+  items_ = ScreenshotList(std::move(loaded.items));
+  recordsReadOnly_ = loaded.isReadOnly;
+  if (recordsReadOnly_) backgroundIssue.set(BackgroundIssue{BackgroundIssue::Kind::recordsReadOnly});
+  dependencies_.monitor->setIncludesNonCaptureImages(*includesNonCaptureImages);
+  wireMonitor();
+}
+
+AppModel::~AppModel() {
+  saveTask_.cancel();
+  reconcileTask_.cancel();
+  // The monitor outlives the model and must not call it any more.
+  dependencies_.monitor->onScreenshot = nullptr;
+  dependencies_.monitor->onArrivedScreenshot = nullptr;
+  dependencies_.monitor->onRemoval = nullptr;
+  dependencies_.monitor->onStatusChange = nullptr;
+}
+
+void AppModel::readSettings() {
+  const UserDefaults& defaults = *dependencies_.defaults;
+  const auto readFlag = [&](Published<bool>& field, const char* key) {
+    field.set(defaults.boolean(QLatin1String(key)).value_or(*field));
+  };
+  readFlag(menuBarEnabled, "quillmere.menu-bar-enabled");
+  readFlag(showPopupThumbnail, "quillmere.popup-thumbnail");
+  readFlag(analyzeScreenshots, "quillmere.analyze");
+  readFlag(showsDeleteImmediately, "quillmere.delete-immediately-command");
+  readFlag(deletesChosenImmediately, "quillmere.delete-immediately-chosen");
+  readFlag(deletesExpiredImmediately, "quillmere.delete-immediately-expired");
+  readFlag(popupAutoSaveEnabled, "quillmere.popup-autosave");
+  readFlag(includesNonCaptureImages, "quillmere.include-non-capture-images");
+  readFlag(watchFolderHasReceivedScreenshot, "quillmere.watch-folder-received-screenshot");
+  readFlag(hasSeenWelcome, "quillmere.welcome-seen");
+  popupAutoSaveSeconds.set(
+      clampedPopupSeconds(defaults.integer(QStringLiteral("quillmere.popup-seconds")).value_or(*popupAutoSaveSeconds)));
+  const auto naming = defaults.text(QStringLiteral("quillmere.popup-naming"));
+  screenshotNaming.set(naming == QLatin1String("suggested") ? ScreenshotNaming::suggested : ScreenshotNaming::original);
+  const auto duration = temporaryDuration(defaults.integer(QStringLiteral("quillmere.last-duration")).value_or(0));
+  lastTemporaryDuration.set(duration.value_or(TemporaryDuration::fiveMinutes));
+  dismissedLocationMismatchPath.set(defaults.text(QStringLiteral("quillmere.dismissed-location-mismatch")));
+}
+
+void AppModel::wireMonitor() {
+  ScreenshotMonitoring& monitor = *dependencies_.monitor;
+  monitor.onScreenshot = [this](const FileURL& url) { record(url, false); };
+  monitor.onArrivedScreenshot = [this](const FileURL& url) { record(url, true); };
+  monitor.onRemoval = [this](const std::vector<FileURL>& urls) { handleRemoval(urls); };
+  monitor.onStatusChange = [this](WatcherStatus status) { handleStatus(status); };
+}
+
+void AppModel::start() {
+  if (didStart_) return;
+  didStart_ = true;
+  popupAutoSaveScheduler_.configure([this](const UUID& id) { return isPopupPaused(id); },
+                                    [this](const UUID& id) { popupTimedOut(id); });
+  expirationScheduler_.start([this](const UUID& id) { expire(id); });
+  restoreWatchFolder();
+  observeSystem();
+  if (dependencies_.interruptedSince) dependencies_.monitor->expectArrivalsSince(*dependencies_.interruptedSince);
+  dependencies_.monitor->watch(*watchFolderURL);
+  dependencies_.monitor->start();
+  ReconcileRequest everything;
+  everything.completions.push_back([this] { finishStart(); });
+  reconcile(std::move(everything));
+}
+
+/// After the first reconciliation: what comes back from an earlier run does so only when its file has been checked.
+void AppModel::finishStart() {
+  UUIDMap<Date> expirations;
+  items_.forEach([&](const ScreenshotItem& item) {
+    if (item.state == ScreenshotItem::State::temporary && item.expiresAt) expirations[item.id] = *item.expiresAt;
+  });
+  expirationScheduler_.schedule(expirations);
+  enqueueAllPending();
+}
+
+void AppModel::observeSystem() {
+  SystemEvents& events = *dependencies_.systemEvents;
+  const auto retryLostFolder = [this] {
+    if (*watcherStatus == WatcherStatus::notFound || *watcherStatus == WatcherStatus::volumeNotConnected) {
+      retryWatchFolder();
+    }
+  };
+  observers_.push_back(events.didBecomeActive.connect(retryLostFolder));
+  observers_.push_back(events.didWake.connect([this, retryLostFolder] {
+    retryLostFolder();
+    reconcile({.ids = std::nullopt, .polite = true, .dropsUnavailableFromQueue = false, .completions = {}});
+  }));
+  const auto observe = [this](Signal<>& event, bool& flag, bool value) {
+    observers_.push_back(event.connect([this, &flag, value] {
+      flag = value;
+      updateSystemPause();
+    }));
+  };
+  observe(events.screensDidSleep, screensAsleep_, true);
+  observe(events.screensDidWake, screensAsleep_, false);
+  observe(events.sessionDidResign, sessionLocked_, true);
+  observe(events.sessionDidBecomeActive, sessionLocked_, false);
+}
+
+/// A popup does not count down while nobody can see it.
+void AppModel::updateSystemPause() {
+  popupAutoSaveScheduler_.setSystemPaused(screensAsleep_ || sessionLocked_);
+}
+
+// --- Settings ---
+
+void AppModel::setFlag(Published<bool>& field, const char* key, bool isOn) {
+  if (field.set(isOn)) dependencies_.defaults->set(QLatin1String(key), isOn);
+}
+
+void AppModel::setMenuBarEnabled(bool isOn) {
+  setFlag(menuBarEnabled, "quillmere.menu-bar-enabled", isOn);
+}
+void AppModel::setShowPopupThumbnail(bool isOn) {
+  setFlag(showPopupThumbnail, "quillmere.popup-thumbnail", isOn);
+}
+void AppModel::setAnalyzeScreenshots(bool isOn) {
+  setFlag(analyzeScreenshots, "quillmere.analyze", isOn);
+}
+void AppModel::setShowsDeleteImmediately(bool isOn) {
+  setFlag(showsDeleteImmediately, "quillmere.delete-immediately-command", isOn);
+}
+void AppModel::setDeletesChosenImmediately(bool isOn) {
+  setFlag(deletesChosenImmediately, "quillmere.delete-immediately-chosen", isOn);
+}
+void AppModel::setDeletesExpiredImmediately(bool isOn) {
+  setFlag(deletesExpiredImmediately, "quillmere.delete-immediately-expired", isOn);
+}
+void AppModel::setWatchFolderHasReceivedScreenshot(bool hasReceived) {
+  setFlag(watchFolderHasReceivedScreenshot, "quillmere.watch-folder-received-screenshot", hasReceived);
+}
+void AppModel::setHasSeenWelcome(bool hasSeen) {
+  setFlag(hasSeenWelcome, "quillmere.welcome-seen", hasSeen);
+}
+
+void AppModel::setPopupAutoSaveEnabled(bool isOn) {
+  if (isOn == *popupAutoSaveEnabled) return;
+  setFlag(popupAutoSaveEnabled, "quillmere.popup-autosave", isOn);
+  // The visible popup's time starts over in full.
+  popupAutoSaveScheduler_.reset();
+  if (const auto head = queueHead()) beginCountdown(*head);
+}
+
+void AppModel::setPopupAutoSaveSeconds(int seconds) {
+  if (!popupAutoSaveSeconds.set(clampedPopupSeconds(seconds))) return;
+  dependencies_.defaults->set(QStringLiteral("quillmere.popup-seconds"), *popupAutoSaveSeconds);
+  popupAutoSaveScheduler_.reset();
+  if (const auto head = queueHead()) beginCountdown(*head);
+}
+
+void AppModel::setScreenshotNaming(ScreenshotNaming naming) {
+  if (!screenshotNaming.set(naming)) return;
+  dependencies_.defaults->set(QStringLiteral("quillmere.popup-naming"), naming == ScreenshotNaming::suggested
+                                                                            ? QStringLiteral("suggested")
+                                                                            : QStringLiteral("original"));
+}
+
+void AppModel::setIncludesNonCaptureImages(bool includes) {
+  setFlag(includesNonCaptureImages, "quillmere.include-non-capture-images", includes);
+  dependencies_.monitor->setIncludesNonCaptureImages(includes);
+}
+
+// --- Messages ---
+
+void AppModel::show(ErrorScope scope, const QString& title, const QString& message) {
+  const ScopedError error{UUID::createUuid(), title, message};
+  switch (scope) {
+    case ErrorScope::popup:
+      promptError.set(error);
+      announce(title + QLatin1Char(' ') + message, AnnouncementPriority::high);
+      return;
+    case ErrorScope::inbox:
+      inboxError.set(error);
+      return;
+    case ErrorScope::settings:
+      settingsError.set(error);
+      return;
+  }
+}
+
+void AppModel::dismissError(ErrorScope scope) {
+  switch (scope) {
+    case ErrorScope::popup:
+      promptError.set(std::nullopt);
+      return;
+    case ErrorScope::inbox:
+      inboxError.set(std::nullopt);
+      return;
+    case ErrorScope::settings:
+      settingsError.set(std::nullopt);
+      return;
+  }
+}
+
+void AppModel::announce(const QString& text, AnnouncementPriority priority) const {
+  dependencies_.announcer->announce(text, priority);
+}
+
+// --- Saving ---
+
+void AppModel::saveNow() {
+  saveTask_.cancel();
+  saveTask_ = {};
+  if (recordsReadOnly_) {
+    backgroundIssue.set(BackgroundIssue{BackgroundIssue::Kind::recordsReadOnly});
+    return;
+  }
+  const BackgroundIssue notSaved{BackgroundIssue::Kind::recordsNotSaved};
+  if (!listWriter_.save(items_, dependencies_.recordStore.fileURL)) {
+    backgroundIssue.set(notSaved);
+  } else if (*backgroundIssue == notSaved) {
+    backgroundIssue.set(std::nullopt);
+  }
+}
+
+void AppModel::scheduleSave() {
+  if (!saveTask_) saveTask_ = saveLater(lifetime_.weak(this));
+}
+
+/// Counted from the first change, so that a steady stream is saved too.
+Task<> AppModel::saveLater(Weak<AppModel> self) {
+  const bool elapsed = co_await self->dependencies_.executor->sleep(self->dependencies_.saveCoalescingDelay);
+  if (elapsed && self) self->saveNow();
+}
+
+// --- Records ---
+
+void AppModel::updateItem(size_t index, const std::function<void(ScreenshotItem&)>& change) {
+  const ScreenshotItem before = items_[index];
+  if (!items_.update(index, change)) return;
+  const ScreenshotItem& after = items_[index];
+  if (after.url != before.url || after.state != before.state || after.fileIdentity != before.fileIdentity) {
+    recordIndexCache_.reset();
+  }
+  changed(ModelChange{ModelField::items, ModelChange::Rows::changed, {index}});
+}
+
+void AppModel::insertNewest(ScreenshotItem item) {
+  // Added to the index rather than rebuilding it: a burst of arrivals must not read every record's path again.
+  if (recordIndexCache_) recordIndexCache_->add(item, watchFolderPaths_);
+  items_.insertNewest(std::move(item));
+  changed(ModelChange{ModelField::items, ModelChange::Rows::inserted, {0}});
+}
+
+void AppModel::setMember(Published<UUIDSet>& set, const UUID& id, bool isMember) {
+  if (set->contains(id) == isMember) return;
+  UUIDSet next = *set;
+  if (isMember) {
+    next.insert(id);
+  } else {
+    next.erase(id);
+  }
+  set.set(std::move(next));
+}
+
+}  // namespace quillmere

@@ -1,0 +1,259 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "foundation/Weak.h"
+#include "model/AppModelDependencies.h"
+#include "model/ExpirationScheduler.h"
+#include "model/FolderAccess.h"
+#include "model/ModelMessages.h"
+#include "model/PopupAutoSaveScheduler.h"
+#include "model/Published.h"
+#include "model/Reconciliation.h"
+#include "model/RecordIndex.h"
+#include "records/ScreenshotList.h"
+#include "records/ScreenshotListWriter.h"
+#include "records/ScreenshotNaming.h"
+#include "records/TemporaryDuration.h"
+
+namespace quillmere {
+
+/// All state of Quillmere, and every decision. Main thread only. Views follow the published fields and call the
+/// operations; they decide nothing about files. Each group of operations stands in a file of its own, named in the
+/// comment above it.
+class AppModel {
+ public:
+  explicit AppModel(AppModelDependencies dependencies);
+  ~AppModel();
+
+  /// What a change was; told after it.
+  Signal<const ModelChange&> changed;
+
+  // --- Frame, settings, saving: AppModel.cpp ---
+  void start();
+  /// Writes the list now. A failure is the banner.
+  void saveNow();
+  /// Writes the list soon; for streams of small changes.
+  void scheduleSave();
+  bool hasPendingSave() const { return static_cast<bool>(saveTask_); }
+  bool isRecordsReadOnly() const { return recordsReadOnly_; }
+
+  const ScreenshotList& items() const { return items_; }
+  Published<UUIDSet> selectedItemIDs{changed, ModelField::selectedItemIDs};
+  Published<TemporaryDuration> lastTemporaryDuration{changed, ModelField::lastTemporaryDuration,
+                                                     TemporaryDuration::fiveMinutes};
+  Published<bool> menuBarEnabled{changed, ModelField::menuBarEnabled, true};
+  Published<bool> showPopupThumbnail{changed, ModelField::showPopupThumbnail, true};
+  Published<bool> analyzeScreenshots{changed, ModelField::analyzeScreenshots, true};
+  Published<bool> showsDeleteImmediately{changed, ModelField::showsDeleteImmediately, false};
+  Published<bool> deletesChosenImmediately{changed, ModelField::deletesChosenImmediately, false};
+  Published<bool> deletesExpiredImmediately{changed, ModelField::deletesExpiredImmediately, false};
+  Published<bool> popupAutoSaveEnabled{changed, ModelField::popupAutoSaveEnabled, false};
+  Published<int> popupAutoSaveSeconds{changed, ModelField::popupAutoSaveSeconds, 10};
+  Published<ScreenshotNaming> screenshotNaming{changed, ModelField::screenshotNaming, ScreenshotNaming::original};
+  Published<bool> includesNonCaptureImages{changed, ModelField::includesNonCaptureImages, false};
+  Published<std::optional<ScopedError>> promptError{changed, ModelField::promptError};
+  Published<std::optional<ScopedError>> inboxError{changed, ModelField::inboxError};
+  Published<std::optional<ScopedError>> settingsError{changed, ModelField::settingsError};
+  Published<std::optional<BackgroundIssue>> backgroundIssue{changed, ModelField::backgroundIssue};
+  Published<std::optional<FileURL>> watchFolderURL{changed, ModelField::watchFolderURL};
+  Published<WatcherStatus> watcherStatus{changed, ModelField::watcherStatus, WatcherStatus::notChosen};
+  Published<bool> watchFolderHasReceivedScreenshot{changed, ModelField::watchFolderHasReceivedScreenshot, false};
+  Published<std::optional<QString>> dismissedLocationMismatchPath{changed, ModelField::dismissedLocationMismatchPath};
+  Published<bool> hasSeenWelcome{changed, ModelField::hasSeenWelcome, false};
+  Published<UUIDSet> unavailableItemIDs{changed, ModelField::unavailableItemIDs};
+  Published<UUIDSet> evictedItemIDs{changed, ModelField::evictedItemIDs};
+  Published<UUIDSet> iCloudItemIDs{changed, ModelField::iCloudItemIDs};
+  Published<std::vector<UUID>> promptQueue{changed, ModelField::promptQueue};
+  Published<int> promptFocusRequest{changed, ModelField::promptFocusRequest, 0};
+  Published<int> promptContentGeneration{changed, ModelField::promptContentGeneration, 0};
+
+  void setSelectedItemIDs(UUIDSet ids) { selectedItemIDs.set(std::move(ids)); }
+  void setMenuBarEnabled(bool isOn);
+  void setShowPopupThumbnail(bool isOn);
+  void setAnalyzeScreenshots(bool isOn);
+  void setShowsDeleteImmediately(bool isOn);
+  void setDeletesChosenImmediately(bool isOn);
+  void setDeletesExpiredImmediately(bool isOn);
+  void setPopupAutoSaveEnabled(bool isOn);
+  void setPopupAutoSaveSeconds(int seconds);
+  void setScreenshotNaming(ScreenshotNaming naming);
+  void setIncludesNonCaptureImages(bool includes);
+  void setHasSeenWelcome(bool hasSeen);
+  void show(ErrorScope scope, const QString& title, const QString& message);
+  void dismissError(ErrorScope scope);
+  void announce(const QString& text, AnnouncementPriority priority) const;
+  Date now() const { return dependencies_.now(); }
+
+  // --- Arrival and the decision queue: AppModelArrival.cpp ---
+  void record(const FileURL& url, bool arrivedFromElsewhere);
+  const RecordIndex& recordIndex();
+  void enqueuePrompt(const UUID& id);
+  void showNextPrompt();
+  /// Takes ids out of the queue; only the head's leaving changes what is on screen.
+  void resolvePrompts(const UUIDSet& ids);
+  /// The popup's close button: the record stays pending, and the next screenshot comes up.
+  void dismissPrompt();
+  /// Gives the popup the keyboard, filling the queue first if it is empty.
+  void reviewPending(bool announcesFocus);
+  /// The screenshot on screen.
+  const ScreenshotItem* headOfQueue() const;
+
+  // --- Reconciliation: AppModelReconciliation.cpp ---
+  struct ReconcileRequest {
+    std::optional<UUIDSet> ids;  ///< none: every record
+    bool polite = false;
+    bool dropsUnavailableFromQueue = false;
+    std::vector<std::function<void()>> completions;
+  };
+  void reconcile(ReconcileRequest request);
+  bool isReconciling() const { return static_cast<bool>(reconcileTask_); }
+
+  // --- Decisions: AppModelDecisions.cpp ---
+  void markTemporary(const UUID& id, TemporaryDuration duration, const std::optional<QString>& name = {});
+  void markTemporaryBatch(const std::vector<UUID>& ids, TemporaryDuration duration);
+  void keepPrompt(const UUID& id, const std::optional<QString>& name = {});
+  void keepBatch(const std::vector<UUID>& ids);
+  /// While a record's file is open in the program it cannot be disposed of, and its time does not run out.
+  void protect(const UUID& id) { protectedItems_.insert(id); }
+  void unprotect(const UUID& id) { protectedItems_.erase(id); }
+
+  // --- Popup timeout: AppModelTimeout.cpp ---
+  /// What stands in the popup's name field.
+  struct PromptNameEdit {
+    UUID id;
+    QString text;
+    bool isEdited = false;
+    bool isFocused = false;
+    bool operator==(const PromptNameEdit&) const = default;
+  };
+  void setPromptNameEdit(std::optional<PromptNameEdit> edit) { promptNameEdit_ = std::move(edit); }
+  const std::optional<PromptNameEdit>& promptNameEdit() const { return promptNameEdit_; }
+  bool isPopupPaused(const UUID& id) const;
+  const PopupAutoSaveScheduler& popupAutoSaveScheduler() const { return popupAutoSaveScheduler_; }
+
+  // --- Disposal: AppModelDisposal.cpp ---
+  enum class DisposalReason { chosen, expired, deleteImmediately };
+  enum class TrashOutcome { removed, notTracked, inUse, failed, unreachable };
+  void disposeItem(const ScreenshotItem& item, ErrorScope scope, DisposalReason reason);
+  void disposeBatch(const std::vector<ScreenshotItem>& items, ErrorScope scope, DisposalReason reason);
+  /// Forgets records; their files stay. The caller saves.
+  void removeRecords(const UUIDSet& ids);
+
+  // --- Renaming: AppModelRenaming.cpp ---
+  enum class RenameOutcome { renamed, unchanged, unavailable, failed };
+  bool rename(const UUID& id, const QString& name, ErrorScope scope);
+
+  // --- Watch folder: AppModelWatchFolder.cpp ---
+  FolderPanelStart folderPanelStart(const std::optional<FileURL>& preferred) const;
+  void chooseWatchFolder(const std::optional<FileURL>& preferred = {}, ErrorScope scope = ErrorScope::inbox);
+  void adoptWatchFolder(const FileURL& url, ErrorScope scope);
+
+  // --- Expiry: AppModelExpiry.cpp ---
+  void expire(const UUID& id);
+  void dismissBackgroundIssue();
+  const ExpirationScheduler& expirationScheduler() const { return expirationScheduler_; }
+
+ private:
+  // AppModel.cpp
+  void readSettings();
+  void wireMonitor();
+  void observeSystem();
+  void finishStart();
+  void updateSystemPause();
+  void setFlag(Published<bool>& field, const char* key, bool isOn);
+  void setWatchFolderHasReceivedScreenshot(bool hasReceived);
+  static Task<> saveLater(Weak<AppModel> self);
+  /// The only way to change a record.
+  void updateItem(size_t index, const std::function<void(ScreenshotItem&)>& change);
+  void insertNewest(ScreenshotItem item);
+  static void setMember(Published<UUIDSet>& set, const UUID& id, bool isMember);
+
+  // AppModelArrival.cpp
+  bool followRename(const FileURL& url, const FileIdentity& identity);
+  void setVisiblePrompt(const std::optional<UUID>& id);
+  void announcePrompt();
+  bool enqueueAllPending();
+  std::optional<UUID> queueHead() const;
+
+  // AppModelReconciliation.cpp
+  void handleRemoval(const std::vector<FileURL>& urls);
+  void handleStatus(WatcherStatus status);
+  static Task<> runReconciliation(Weak<AppModel> self, ReconcileRequest request);
+  std::vector<ReconcileInput> reconcileInputs(const std::optional<UUIDSet>& ids) const;
+  ReconcileEnvironment reconcileEnvironment();
+  void applyOutcomes(const UUIDMap<ReconcileOutcome>& outcomes, const std::vector<ReconcileInput>& inputs, bool polite,
+                     bool dropsUnavailable);
+  bool applyPresent(size_t index, const FilePresent& present);
+  void updateLocation(size_t index, const FileURL& url, const std::optional<FileURL>& scopedURL);
+  std::optional<FileURL> relocateByBookmark(size_t index);
+
+  // AppModelDecisions.cpp
+  void makeTemporary(size_t index, TemporaryDuration duration, Date moment);
+  void keepItem(size_t index);
+  void refreshExpirationBanner();
+
+  // AppModelTimeout.cpp
+  void beginCountdown(const UUID& id);
+  void popupTimedOut(const UUID& id);
+  std::optional<QString> timeoutName(const ScreenshotItem& item) const;
+
+  // AppModelDisposal.cpp
+  TrashOutcome dispose(const UUID& id, bool deletes);
+  bool deletes(DisposalReason reason) const;
+
+  // AppModelRenaming.cpp
+  RenameOutcome renameItem(size_t index, const QString& name);
+  NumberedSearchResult moveToStem(const FileURL& url, const QString& stem);
+
+  // AppModelWatchFolder.cpp
+  void restoreWatchFolder();
+  void retryWatchFolder();
+  void followMovedFolder(const FileURL& folder);
+  void setWatchFolder(const std::optional<FileURL>& url);
+  std::string pathKeyOf(const FileURL& url) const { return pathKey(url, watchFolderPaths_); }
+  void refreshBookmark(size_t index, const std::optional<QByteArray>& oldBookmark);
+  void refreshItemAccess(size_t index, const std::optional<FileURL>& resolved);
+  void refreshCloudMembership(const UUID& id, const FileURL& url);
+
+  // AppModelExpiry.cpp
+  void expireMissing(size_t index);
+  void expirePresent(size_t index);
+  void retryUnreachable(const UUID& id);
+  void recordExpirationFailure(const UUID& id);
+  void forget(const UUID& id);
+
+  AppModelDependencies dependencies_;
+  ScreenshotList items_;
+  ScreenshotListWriter listWriter_;
+  bool recordsReadOnly_ = false;
+  bool didStart_ = false;
+  Task<> saveTask_;
+  std::vector<Connection> observers_;
+  bool screensAsleep_ = false;
+  bool sessionLocked_ = false;
+
+  ExpirationScheduler expirationScheduler_;
+  PopupAutoSaveScheduler popupAutoSaveScheduler_;
+  FolderAccess access_;
+  std::optional<WatchFolderPaths> watchFolderPaths_;
+  std::optional<RecordIndex> recordIndexCache_;
+
+  std::optional<UUID> lastVisiblePromptID_;
+  std::optional<PromptNameEdit> promptNameEdit_;
+  bool announcesPromptChangesPolitely_ = false;
+  bool announcesShortcutHint_ = true;
+
+  Task<> reconcileTask_;
+  std::optional<ReconcileRequest> queuedReconcile_;
+
+  UUIDSet protectedItems_;
+  UUIDMap<int> expirationFailures_;      ///< failed Trash attempts
+  UUIDMap<int> unreachableExpirations_;  ///< attempts made while the file could not be reached
+
+  Lifetime lifetime_;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,123 @@
+#pragma once
+
+#include <QtCore/QTimeZone>
+#include <functional>
+#include <optional>
+
+#include "foundation/Executor.h"
+#include "foundation/SystemEvents.h"
+#include "foundation/UserDefaults.h"
+#include "model/ModelMessages.h"
+#include "monitor/ScreenshotMonitoring.h"
+#include "records/ScreenshotItem.h"
+#include "records/ScreenshotRecordStore.h"
+
+namespace quillmere {
+
+class AppModel;
+
+/// How an operation on one file ended.
+enum class FileOutcome {
+  done,
+  missing,            ///< there is no such file
+  destinationExists,  ///< nothing is ever replaced
+  failed,             ///< the file system refused
+};
+class FileOperations {
+ public:
+  virtual ~FileOperations() = default;
+  virtual FileOutcome trash(const FileURL& url) = 0;
+  virtual FileOutcome move(const FileURL& from, const FileURL& to) = 0;
+  virtual FileOutcome remove(const FileURL& url) = 0;
+};
+
+/// Bookmarks, which find a file again after it was renamed or moved, and counted access to places. `makeBookmark` and
+/// `resolve` may be called from any thread.
+class SecurityScopeAccess {
+ public:
+  struct Resolution {
+    FileURL url;
+    bool isStale = false;  ///< the file is in another place than the bookmark says: make a new one
+  };
+  virtual ~SecurityScopeAccess() = default;
+  virtual bool start(const FileURL& url) = 0;
+  /// Once for each successful `start`.
+  virtual void stop(const FileURL& url) = 0;
+  virtual std::optional<QByteArray> makeBookmark(const FileURL& url) = 0;
+  virtual std::optional<Resolution> resolve(const QByteArray& bookmark) = 0;
+};
+
+/// Keeps the bookmark of the chosen folder.
+class WatchFolderStore {
+ public:
+  virtual ~WatchFolderStore() = default;
+  virtual std::optional<QByteArray> bookmark() = 0;
+  virtual void setBookmark(const QByteArray& bookmark) = 0;
+};
+
+/// The popup, as the model drives it.
+class CapturePromptPresenting {
+ public:
+  virtual ~CapturePromptPresenting() = default;
+  virtual void present(const ScreenshotItem& item, AppModel& model) = 0;
+  virtual void hide() = 0;
+  /// Gives the popup the keyboard.
+  virtual void focusForReview() = 0;
+  /// The pointer is on the popup, or it has the keyboard.
+  virtual bool isPointerEngaged() const = 0;
+};
+
+/// What the folder panel opens with.
+struct FolderPanelStart {
+  std::optional<FileURL> directory;
+  QString message;
+};
+class FolderChoosing {
+ public:
+  virtual ~FolderChoosing() = default;
+  /// Runs modally; none when the person cancelled.
+  virtual std::optional<FileURL> chooseFolder(const FolderPanelStart& start) = 0;
+};
+
+class Announcing {
+ public:
+  virtual ~Announcing() = default;
+  virtual void announce(const QString& text, AnnouncementPriority priority) = 0;
+};
+
+/// All that the model knows of the world. The services are not owned and outlive the model; every closure that may run
+/// off the main thread says so.
+struct AppModelDependencies {
+  ScreenshotRecordStore recordStore;
+  Executor* executor = nullptr;
+  UserDefaults* defaults = nullptr;
+  FileOperations* fileOperations = nullptr;
+  SecurityScopeAccess* securityScope = nullptr;
+  WatchFolderStore* watchFolderStore = nullptr;
+  CapturePromptPresenting* promptPresenter = nullptr;
+  ScreenshotMonitoring* monitor = nullptr;
+  FolderChoosing* folderChooser = nullptr;
+  Announcing* announcer = nullptr;
+  SystemEvents* systemEvents = nullptr;
+
+  std::function<Date()> now;
+  std::function<QTimeZone()> timeZone;
+  Duration saveCoalescingDelay = std::chrono::milliseconds(750);
+  double unavailableRetryDelay = 60.0;  ///< seconds
+
+  std::function<bool(const FileURL&)> isInTrash;                            ///< any thread
+  std::function<std::optional<FileIdentity>(const FileURL&)> fileIdentity;  ///< any thread
+  std::function<bool(const FileURL&)> isFolderReachable;                    ///< any thread
+  std::function<bool(const FileURL&)> isDataless;                           ///< any thread
+  std::function<bool(const FileURL&)> isUbiquitous;                         ///< any thread
+  std::function<bool(const FileURL&)> isVolumeMounted;
+  std::function<std::optional<CaptureKind>(const FileURL&)> captureKind;
+  /// Where the desktop puts screenshots when nobody chose; where the first folder panel opens.
+  std::function<std::optional<FileURL>()> defaultScreenshotFolder;
+  /// The review shortcut in words, when one is set.
+  std::function<std::optional<QString>()> spokenReviewShortcut;
+  /// When the previous run was last known to be alive, if it ended without notice.
+  std::optional<Date> interruptedSince;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,151 @@
+#include <QtCore/QStringList>
+
+#include "foundation/Localized.h"
+#include "model/AppModel.h"
+
+namespace quillmere {
+
+bool AppModel::deletes(DisposalReason reason) const {
+  switch (reason) {
+    case DisposalReason::chosen:
+      return *deletesChosenImmediately;
+    case DisposalReason::expired:
+      return *deletesExpiredImmediately;
+    case DisposalReason::deleteImmediately:
+      return true;
+  }
+  return false;
+}
+
+AppModel::TrashOutcome AppModel::dispose(const UUID& id, bool deletes) {
+  if (protectedItems_.contains(id)) return TrashOutcome::inUse;
+  const ScreenshotItem* item = items_.find(id);
+  if (!item) return TrashOutcome::notTracked;
+  const FileURL url = item->url;
+  FileOperations& files = *dependencies_.fileOperations;
+  switch (deletes ? files.remove(url) : files.trash(url)) {
+    case FileOutcome::done:
+      return TrashOutcome::removed;
+    case FileOutcome::missing:
+      break;
+    case FileOutcome::destinationExists:
+    case FileOutcome::failed:
+      return TrashOutcome::failed;
+  }
+  // Gone by hand, if its folder can be seen; otherwise it may come back with its disk.
+  if (dependencies_.isFolderReachable(url.parent())) return TrashOutcome::removed;
+  setMember(unavailableItemIDs, id, true);
+  return TrashOutcome::unreachable;
+}
+
+void AppModel::disposeItem(const ScreenshotItem& item, ErrorScope scope, DisposalReason reason) {
+  const ScreenshotItem* present = items_.find(item.id);
+  const QString name = (present ? *present : item).url.displayName();
+  const UUID id = item.id;
+  const bool isDeleting = deletes(reason);
+  const QString title = isDeleting ? localized("Couldn’t Delete") : localized("Couldn’t Move to Trash");
+  switch (dispose(id, isDeleting)) {
+    case TrashOutcome::removed:
+      removeRecords({id});
+      saveNow();
+      return;
+    case TrashOutcome::notTracked:
+      return;
+    case TrashOutcome::inUse:
+      show(scope, localized("Screenshot Is in Use"),
+           localized("Close the crop editor or save dialog before deleting this screenshot."));
+      return;
+    case TrashOutcome::failed:
+      show(scope, title,
+           isDeleting ? localized("“%@” couldn’t be deleted. It is still in Quillmere. Check that you can change files "
+                                  "in its folder, then try again.",
+                                  {name})
+                      : localized("“%@” couldn’t be moved to Trash. It is still in Quillmere. Check that you can "
+                                  "change files in its folder, then try again.",
+                                  {name}));
+      return;
+    case TrashOutcome::unreachable:
+      show(scope, title,
+           localized("“%@” is on a disk or in a folder that isn’t available. Connect the disk or choose the folder "
+                     "again, then try again.",
+                     {name}));
+      return;
+  }
+}
+
+void AppModel::disposeBatch(const std::vector<ScreenshotItem>& items, ErrorScope scope, DisposalReason reason) {
+  if (items.size() == 1) {
+    disposeItem(items.front(), scope, reason);
+    return;
+  }
+  const bool isDeleting = deletes(reason);
+  UUIDSet removed;
+  int inUse = 0;
+  int failed = 0;
+  int unreachable = 0;
+  for (const ScreenshotItem& item : items) {
+    switch (dispose(item.id, isDeleting)) {
+      case TrashOutcome::removed:
+        removed.insert(item.id);
+        break;
+      case TrashOutcome::notTracked:
+        break;
+      case TrashOutcome::inUse:
+        ++inUse;
+        break;
+      case TrashOutcome::failed:
+        ++failed;
+        break;
+      case TrashOutcome::unreachable:
+        ++unreachable;
+        break;
+    }
+  }
+  if (!removed.empty()) {
+    removeRecords(removed);
+    saveNow();
+  }
+  QStringList sentences;
+  if (inUse > 0) sentences << localized("%lld screenshots are open in the crop editor or a save dialog.", {inUse});
+  if (failed > 0) {
+    sentences << localized("%lld screenshots couldn’t be moved. Check that you can change files in their folder.",
+                           {failed});
+  }
+  if (unreachable > 0) {
+    sentences << localized("%lld screenshots are on a disk or in a folder that isn’t available.", {unreachable});
+  }
+  if (sentences.isEmpty()) return;
+  sentences << localized("They are still in Quillmere.");
+  show(
+      scope,
+      isDeleting ? localized("Couldn’t Delete Every Screenshot") : localized("Couldn’t Move Every Screenshot to Trash"),
+      sentences.join(QLatin1Char(' ')));
+}
+
+void AppModel::removeRecords(const UUIDSet& ids) {
+  resolvePrompts(ids);
+  const auto without = [&](const UUIDSet& set) {
+    UUIDSet rest = set;
+    for (const UUID& id : ids) rest.erase(id);
+    return rest;
+  };
+  selectedItemIDs.set(without(*selectedItemIDs));
+  bool failureWent = false;
+  for (const UUID& id : ids) {
+    expirationScheduler_.cancel(id);
+    access_.closeItem(id);
+    unreachableExpirations_.erase(id);
+    failureWent = expirationFailures_.erase(id) > 0 || failureWent;
+    protectedItems_.erase(id);
+  }
+  unavailableItemIDs.set(without(*unavailableItemIDs));
+  evictedItemIDs.set(without(*evictedItemIDs));
+  iCloudItemIDs.set(without(*iCloudItemIDs));
+
+  auto indices = items_.remove(ids);
+  recordIndexCache_.reset();
+  if (!indices.empty()) changed(ModelChange{ModelField::items, ModelChange::Rows::removed, std::move(indices)});
+  if (failureWent) refreshExpirationBanner();
+}
+
+}  // namespace quillmere

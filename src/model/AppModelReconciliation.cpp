@@ -1,0 +1,189 @@
+#include "foundation/FileStatus.h"
+#include "model/AppModel.h"
+
+namespace quillmere {
+namespace {
+
+bool isLost(WatcherStatus status) {
+  return status == WatcherStatus::notFound || status == WatcherStatus::volumeNotConnected;
+}
+
+}  // namespace
+
+void AppModel::handleRemoval(const std::vector<FileURL>& urls) {
+  if (!didStart_) return;
+  UUIDSet ids;
+  for (const FileURL& url : urls) {
+    if (const auto id = recordIndex().atPath(pathKeyOf(url))) ids.insert(*id);
+  }
+  if (ids.empty()) return;
+  reconcile({.ids = std::move(ids), .polite = true, .dropsUnavailableFromQueue = true, .completions = {}});
+}
+
+void AppModel::handleStatus(WatcherStatus status) {
+  const WatcherStatus before = *watcherStatus;
+  watcherStatus.set(status);
+  if (!didStart_ || status == before) return;
+  // A folder that is back may be one whose access could not be had while it was away.
+  if (isLost(status) || !access_.folder()) retryWatchFolder();
+  if (!isLost(before) && !isLost(status)) return;
+  reconcile({.ids = std::nullopt, .polite = true, .dropsUnavailableFromQueue = isLost(status), .completions = {}});
+}
+
+void AppModel::reconcile(ReconcileRequest request) {
+  if (!reconcileTask_) {
+    reconcileTask_ = runReconciliation(lifetime_.weak(this), std::move(request));
+    // A run that ended at once has nothing to clear the handle after it.
+    if (reconcileTask_.isDone()) reconcileTask_ = {};
+    return;
+  }
+  if (!queuedReconcile_) {
+    queuedReconcile_ = std::move(request);
+    return;
+  }
+  ReconcileRequest& queued = *queuedReconcile_;
+  if (!request.ids) {
+    queued.ids.reset();
+  } else if (queued.ids) {
+    queued.ids->insert(request.ids->begin(), request.ids->end());
+  }
+  queued.polite = queued.polite || request.polite;
+  queued.dropsUnavailableFromQueue = queued.dropsUnavailableFromQueue || request.dropsUnavailableFromQueue;
+  for (auto& completion : request.completions) queued.completions.push_back(std::move(completion));
+}
+
+Task<> AppModel::runReconciliation(Weak<AppModel> self, ReconcileRequest request) {
+  auto inputs = std::make_shared<const std::vector<ReconcileInput>>(self->reconcileInputs(request.ids));
+  auto environment = std::make_shared<const ReconcileEnvironment>(self->reconcileEnvironment());
+  const std::function<UUIDMap<ReconcileOutcome>()> work = [inputs, environment] {
+    return resolveOutcomes(*inputs, *environment);
+  };
+  const auto outcomes = co_await self->dependencies_.executor->background(work);
+  if (!self) co_return;
+  self->applyOutcomes(outcomes, *inputs, request.polite, request.dropsUnavailableFromQueue);
+  for (const auto& completion : request.completions) {
+    if (self) completion();
+  }
+  if (!self) co_return;
+  self->reconcileTask_ = {};
+  if (auto next = std::exchange(self->queuedReconcile_, std::nullopt)) self->reconcile(std::move(*next));
+}
+
+std::vector<ReconcileInput> AppModel::reconcileInputs(const std::optional<UUIDSet>& ids) const {
+  std::vector<ReconcileInput> inputs;
+  inputs.reserve(ids ? ids->size() : items_.size());
+  items_.forEach([&](const ScreenshotItem& item) {
+    if (!ids || ids->contains(item.id)) inputs.push_back({item.id, item.url, item.fileBookmark, item.fileIdentity});
+  });
+  return inputs;
+}
+
+ReconcileEnvironment AppModel::reconcileEnvironment() {
+  ReconcileEnvironment environment;
+  environment.watchFolder = *watchFolderURL;
+  environment.watchFolderPaths = watchFolderPaths_;
+  environment.hasFolderAccess = access_.folder() == *watchFolderURL;
+  environment.trackedPaths = recordIndex().paths();
+  environment.scope = dependencies_.securityScope;
+  environment.isInTrash = dependencies_.isInTrash;
+  environment.fileIdentity = dependencies_.fileIdentity;
+  environment.isFolderReachable = dependencies_.isFolderReachable;
+  environment.isDataless = dependencies_.isDataless;
+  environment.isUbiquitous = dependencies_.isUbiquitous;
+  return environment;
+}
+
+void AppModel::applyOutcomes(const UUIDMap<ReconcileOutcome>& outcomes, const std::vector<ReconcileInput>& inputs,
+                             bool polite, bool dropsUnavailable) {
+  announcesPromptChangesPolitely_ = polite;
+  UUIDSet unavailable = *unavailableItemIDs;
+  UUIDSet evicted = *evictedItemIDs;
+  UUIDSet iCloud = *iCloudItemIDs;
+  UUIDSet gone;
+  bool recordsChanged = false;
+
+  for (const ReconcileInput& input : inputs) {
+    const auto outcome = outcomes.find(input.id);
+    const auto index = items_.indexOf(input.id);
+    // A record that changed during the run knows better.
+    if (outcome == outcomes.end() || !index || items_[*index].url != input.url) continue;
+    evicted.erase(input.id);
+    iCloud.erase(input.id);
+    if (std::holds_alternative<FileGone>(outcome->second)) {
+      gone.insert(input.id);
+    } else if (std::holds_alternative<FileUnavailable>(outcome->second)) {
+      unavailable.insert(input.id);
+    } else {
+      const auto& present = std::get<FilePresent>(outcome->second);
+      unavailable.erase(input.id);
+      if (present.isEvicted) evicted.insert(input.id);
+      if (present.isICloud) iCloud.insert(input.id);
+      recordsChanged = applyPresent(*index, present) || recordsChanged;
+    }
+  }
+
+  unavailableItemIDs.set(unavailable);
+  evictedItemIDs.set(std::move(evicted));
+  iCloudItemIDs.set(std::move(iCloud));
+  if (!gone.empty()) removeRecords(gone);
+  if (dropsUnavailable) {
+    UUIDSet lost;
+    for (const ReconcileInput& input : inputs) {
+      if (unavailable.contains(input.id)) lost.insert(input.id);
+    }
+    resolvePrompts(lost);
+  }
+  if (recordsChanged || !gone.empty()) saveNow();
+  announcesPromptChangesPolitely_ = false;
+}
+
+/// Answers whether the record changed.
+bool AppModel::applyPresent(size_t index, const FilePresent& present) {
+  const ScreenshotItem before = items_[index];
+  if (present.refreshedBookmark) {
+    updateItem(index, [&](ScreenshotItem& item) { item.fileBookmark = present.refreshedBookmark; });
+  }
+  const bool hasMoved = present.url != before.url && pathKeyOf(present.url) != pathKeyOf(before.url);
+  if (hasMoved) {
+    const auto oldBookmark = items_[index].fileBookmark;
+    updateLocation(index, present.url, present.scopedURL);
+    if (present.foundByIdentity) refreshBookmark(index, oldBookmark);
+  }
+  // A complete identity at the same path is kept: another file under this name must not pass for the old one.
+  const bool keepsIdentity = before.fileIdentity && before.fileIdentity->isComplete() && !hasMoved;
+  if (present.identity && !keepsIdentity) {
+    updateItem(index, [&](ScreenshotItem& item) { item.fileIdentity = present.identity; });
+  }
+  if (!items_[index].fileBookmark) refreshBookmark(index, std::nullopt);
+  return items_[index] != before;
+}
+
+void AppModel::updateLocation(size_t index, const FileURL& url, const std::optional<FileURL>& scopedURL) {
+  updateItem(index, [&](ScreenshotItem& item) { item.url = url; });
+  const ScreenshotItem& item = items_[index];
+  const UUID id = item.id;
+  const bool leftTheFolder = !watchFolderPaths_ || !watchFolderPaths_->contains(pathKeyOf(url));
+  const bool isDecided =
+      item.state == ScreenshotItem::State::temporary || (item.state == ScreenshotItem::State::pending && leftTheFolder);
+  // What the person moved or renamed is not to be thrown away.
+  if (isDecided) {
+    keepItem(index);
+    resolvePrompts({id});
+  }
+  refreshItemAccess(index, scopedURL);
+}
+
+std::optional<FileURL> AppModel::relocateByBookmark(size_t index) {
+  const ScreenshotItem& item = items_[index];
+  const auto resolved = resolveBookmark(*dependencies_.securityScope, item.fileBookmark);
+  if (!resolved || dependencies_.isInTrash(resolved->url) || pathKeyOf(resolved->url) == pathKeyOf(item.url) ||
+      !fileExists(resolved->url)) {
+    return std::nullopt;
+  }
+  if (resolved->refreshed) {
+    updateItem(index, [&](ScreenshotItem& record) { record.fileBookmark = resolved->refreshed; });
+  }
+  return resolved->url;
+}
+
+}  // namespace quillmere

@@ -1,0 +1,44 @@
+#include "model/FolderAccess.h"
+
+#include <utility>
+
+namespace quillmere {
+
+FolderAccess::~FolderAccess() {
+  endAccess(folder_);
+  for (const auto& [id, url] : items_) scope_.stop(url);
+}
+
+bool FolderAccess::openFolder(const FileURL& folder) {
+  if (!scope_.start(folder)) return false;
+  folder_ = folder;
+  return true;
+}
+
+std::optional<FileURL> FolderAccess::takeFolder() {
+  return std::exchange(folder_, std::nullopt);
+}
+
+void FolderAccess::endAccess(const std::optional<FileURL>& folder) {
+  if (folder) scope_.stop(*folder);
+}
+
+std::optional<FileURL> FolderAccess::item(const UUID& id) const {
+  const auto found = items_.find(id);
+  return found == items_.end() ? std::nullopt : std::optional(found->second);
+}
+
+void FolderAccess::openItem(const UUID& id, const FileURL& url) {
+  if (!scope_.start(url)) return;
+  closeItem(id);
+  items_[id] = url;
+}
+
+void FolderAccess::closeItem(const UUID& id) {
+  const auto found = items_.find(id);
+  if (found == items_.end()) return;
+  scope_.stop(found->second);
+  items_.erase(found);
+}
+
+}  // namespace quillmere

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <utility>
+#include <vector>
+
+#include "foundation/Signal.h"
+
+namespace quillmere {
+
+/// The fields of `AppModel` that observers can follow.
+enum class ModelField {
+  items,
+  selectedItemIDs,
+  lastTemporaryDuration,
+  menuBarEnabled,
+  showPopupThumbnail,
+  analyzeScreenshots,
+  showsDeleteImmediately,
+  deletesChosenImmediately,
+  deletesExpiredImmediately,
+  popupAutoSaveEnabled,
+  popupAutoSaveSeconds,
+  screenshotNaming,
+  includesNonCaptureImages,
+  promptError,
+  inboxError,
+  settingsError,
+  backgroundIssue,
+  watchFolderURL,
+  watcherStatus,
+  watchFolderHasReceivedScreenshot,
+  dismissedLocationMismatchPath,
+  hasSeenWelcome,
+  unavailableItemIDs,
+  evictedItemIDs,
+  iCloudItemIDs,
+  promptQueue,
+  promptFocusRequest,
+  promptContentGeneration,
+};
+
+/// What changed. It is told after the change.
+struct ModelChange {
+  enum class Rows { none, inserted, changed, removed };
+  ModelField field;
+  Rows rows = Rows::none;       ///< of `items` only
+  std::vector<size_t> indices;  ///< ascending; of removed rows those that they had before
+};
+
+/// A field that anyone may read and follow, and that only the model sets.
+template <typename T>
+class Published {
+ public:
+  Published(Signal<const ModelChange&>& changed, ModelField field, T value = {})
+      : changed_(changed), field_(field), value_(std::move(value)) {}
+  Published(const Published&) = delete;
+  Published& operator=(const Published&) = delete;
+
+  const T& operator*() const { return value_; }
+  const T* operator->() const { return &value_; }
+
+ private:
+  friend class AppModel;
+  /// Answers whether the value became another one; only then is it told.
+  bool set(T value) {
+    if (value == value_) return false;
+    value_ = std::move(value);
+    changed_(ModelChange{field_, ModelChange::Rows::none, {}});
+    return true;
+  }
+
+  Signal<const ModelChange&>& changed_;
+  ModelField field_;
+  T value_;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,122 @@
+#include "model/Reconciliation.h"
+
+#include <unordered_map>
+
+#include "foundation/FileStatus.h"
+
+namespace quillmere {
+namespace {
+
+/// One run over many records.
+class Resolver {
+ public:
+  explicit Resolver(const ReconcileEnvironment& environment) : world_(environment) {}
+
+  ReconcileOutcome resolve(const ReconcileInput& input) {
+    if (world_.isInTrash(input.url)) return FileGone{};
+    const auto bookmarked = resolveBookmark(*world_.scope, input.bookmark);
+    if (bookmarked) {
+      if (world_.isInTrash(bookmarked->url)) return FileGone{};
+      if (auto found = lookAtScoped(*bookmarked)) return *found;
+    }
+    if (fileExists(input.url)) {
+      auto found = look(input.url);
+      if (bookmarked) found.refreshedBookmark = bookmarked->refreshed;
+      return found;
+    }
+    if (auto found = searchByIdentity(input)) return *found;
+    if (isInWatchFolder(input.url) && canSeeFolder()) return FileGone{};
+    return FileUnavailable{};
+  }
+
+ private:
+  FilePresent look(const FileURL& url) const {
+    FilePresent found;
+    found.url = url;
+    found.identity = world_.fileIdentity(url);
+    found.isEvicted = world_.isDataless(url);
+    found.isICloud = found.isEvicted && world_.isUbiquitous(url);
+    return found;
+  }
+
+  std::optional<FilePresent> lookAtScoped(const ResolvedBookmark& bookmarked) const {
+    const bool hasAccess = world_.scope->start(bookmarked.url);
+    std::optional<FilePresent> found;
+    if (fileExists(bookmarked.url)) {
+      found = look(bookmarked.url);
+      found->scopedURL = bookmarked.url;
+      found->refreshedBookmark = bookmarked.refreshed;
+    }
+    if (hasAccess) world_.scope->stop(bookmarked.url);
+    return found;
+  }
+
+  std::optional<FilePresent> searchByIdentity(const ReconcileInput& input) {
+    if (!canSeeFolder() || !input.identity || !input.identity->isComplete()) return std::nullopt;
+    const auto names = namesByFileNumber().equal_range(input.identity->file);
+    for (auto name = names.first; name != names.second; ++name) {
+      const FileURL candidate = FileURL::fromPath(world_.watchFolderPaths->canonical).appending(name->second);
+      if (world_.trackedPaths.contains(candidate.path())) continue;  // another record's own file
+      const auto identity = world_.fileIdentity(candidate);
+      if (!identity || !identity->isSameFile(*input.identity)) continue;
+      FilePresent found = look(candidate);
+      found.foundByIdentity = true;
+      return found;
+    }
+    return std::nullopt;
+  }
+
+  const std::unordered_multimap<uint64_t, std::string>& namesByFileNumber() {
+    if (names_) return *names_;
+    names_.emplace();
+    listDirectory(FileURL::fromPath(world_.watchFolderPaths->canonical), [&](int folder, const char* name, EntryKind) {
+      if (const auto status = fileStatus(folder, name)) names_->emplace(status->inode, name);
+    });
+    return *names_;
+  }
+
+  bool isInWatchFolder(const FileURL& url) const {
+    if (!world_.watchFolderPaths) return false;
+    const std::string parent = url.standardized().parent().path();
+    return parent == world_.watchFolderPaths->standardized || parent == world_.watchFolderPaths->canonical;
+  }
+
+  /// Asked once a run. A folder whose disk has left shows nothing, which must not be taken for empty.
+  bool canSeeFolder() {
+    if (!canSeeFolder_) {
+      canSeeFolder_ = world_.hasFolderAccess && world_.watchFolder && world_.watchFolderPaths &&
+                      world_.isFolderReachable(*world_.watchFolder);
+    }
+    return *canSeeFolder_;
+  }
+
+  const ReconcileEnvironment& world_;
+  std::optional<std::unordered_multimap<uint64_t, std::string>> names_;
+  std::optional<bool> canSeeFolder_;
+};
+
+}  // namespace
+
+UUIDMap<ReconcileOutcome> resolveOutcomes(const std::vector<ReconcileInput>& inputs,
+                                          const ReconcileEnvironment& environment) {
+  Resolver resolver(environment);
+  UUIDMap<ReconcileOutcome> outcomes;
+  outcomes.reserve(inputs.size());
+  for (const ReconcileInput& input : inputs) outcomes.insert_or_assign(input.id, resolver.resolve(input));
+  return outcomes;
+}
+
+std::optional<ResolvedBookmark> resolveBookmark(SecurityScopeAccess& scope, const std::optional<QByteArray>& bookmark) {
+  if (!bookmark) return std::nullopt;
+  const auto resolution = scope.resolve(*bookmark);
+  if (!resolution) return std::nullopt;
+  ResolvedBookmark result{resolution->url, std::nullopt};
+  if (resolution->isStale) {
+    const bool hasAccess = scope.start(resolution->url);
+    result.refreshed = scope.makeBookmark(resolution->url);
+    if (hasAccess) scope.stop(resolution->url);
+  }
+  return result;
+}
+
+}  // namespace quillmere

@@ -1,0 +1,53 @@
+#include "model/RecordIndex.h"
+
+namespace quillmere {
+
+WatchFolderPaths watchFolderPaths(const FileURL& folder) {
+  const FileURL standardized = folder.standardized();
+  return {standardized.path(), standardized.resolvingSymlinks().value_or(standardized).path()};
+}
+
+std::string pathKey(const FileURL& url, const std::optional<WatchFolderPaths>& watchFolder) {
+  const FileURL standardized = url.standardized();
+  const FileURL parent = standardized.parent();
+  if (watchFolder && parent.path() == watchFolder->standardized) {
+    return watchFolder->canonical + "/" + standardized.lastPathComponent();
+  }
+  if (const auto resolved = standardized.resolvingSymlinks()) return resolved->path();
+  const bool hasTwoComponents = parent.path() != "/" && !parent.isEmpty();
+  if (hasTwoComponents) {
+    if (const auto resolved = parent.resolvingSymlinks()) {
+      return resolved->appending(standardized.lastPathComponent()).path();
+    }
+  }
+  return standardized.path();
+}
+
+RecordIndex::RecordIndex(const ScreenshotList& items, const std::optional<WatchFolderPaths>& watchFolder) {
+  paths_.reserve(items.size());
+  items.forEach([&](const ScreenshotItem& item) { add(item, watchFolder); });
+}
+
+void RecordIndex::add(const ScreenshotItem& item, const std::optional<WatchFolderPaths>& watchFolder) {
+  paths_.try_emplace(pathKey(item.url, watchFolder), item.id);
+  if (item.fileIdentity) inodes_[item.fileIdentity->file].push_back(item.id);
+}
+
+std::optional<UUID> RecordIndex::atPath(const std::string& key) const {
+  const auto found = paths_.find(key);
+  return found == paths_.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::vector<UUID> RecordIndex::withFileNumber(uint64_t file) const {
+  const auto found = inodes_.find(file);
+  return found == inodes_.end() ? std::vector<UUID>() : found->second;
+}
+
+std::unordered_set<std::string> RecordIndex::paths() const {
+  std::unordered_set<std::string> keys;
+  keys.reserve(paths_.size());
+  for (const auto& [key, id] : paths_) keys.insert(key);
+  return keys;
+}
+
+}  // namespace quillmere

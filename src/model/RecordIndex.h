@@ -1,0 +1,44 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "records/ScreenshotList.h"
+
+namespace quillmere {
+
+/// The watched folder's path as given and with symbolic links resolved.
+struct WatchFolderPaths {
+  std::string standardized;
+  std::string canonical;
+  bool operator==(const WatchFolderPaths&) const = default;
+
+  /// Whether a path key lies below the folder.
+  bool contains(const std::string& key) const { return key.starts_with(canonical + "/"); }
+};
+WatchFolderPaths watchFolderPaths(const FileURL& folder);
+
+/// The canonical path of a file, which stays the same after the file has vanished. A file directly in the watched
+/// folder costs no look at the disk.
+std::string pathKey(const FileURL& url, const std::optional<WatchFolderPaths>& watchFolder);
+
+/// Looks up records by the place and by the number of their file.
+class RecordIndex {
+ public:
+  RecordIndex(const ScreenshotList& items, const std::optional<WatchFolderPaths>& watchFolder);
+  void add(const ScreenshotItem& item, const std::optional<WatchFolderPaths>& watchFolder);
+
+  std::optional<UUID> atPath(const std::string& key) const;
+  std::vector<UUID> withFileNumber(uint64_t file) const;
+  std::unordered_set<std::string> paths() const;
+
+ private:
+  std::unordered_map<std::string, UUID> paths_;
+  std::unordered_map<uint64_t, std::vector<UUID>> inodes_;
+};
+
+}  // namespace quillmere
