@@ -1,0 +1,93 @@
+#include "controls/ActionButton.h"
+
+#include <QtGui/QPainter>
+
+#include "controls/Symbol.h"
+#include "controls/Theme.h"
+
+namespace quillmere {
+namespace {
+
+constexpr int kHeight = 36;
+constexpr int kIconSide = 28;
+constexpr int kPadding = 14;
+constexpr int kSymbol = 18;
+constexpr int kGap = 7;
+constexpr qreal kRadius = 10;
+
+}  // namespace
+
+ActionButton::ActionButton(Role role, const QString& symbol, const QString& text, QWidget* parent)
+    : QPushButton(text, parent), role_(role), symbol_(symbol) {
+  setFocusPolicy(Qt::TabFocus);
+  setAttribute(Qt::WA_Hover);
+  setAutoDefault(false);
+  setCursor(Qt::ArrowCursor);
+}
+
+void ActionButton::setSymbol(const QString& symbol) {
+  if (symbol == symbol_) return;
+  symbol_ = symbol;
+  update();
+}
+
+QSize ActionButton::sizeHint() const {
+  if (role_ == Role::icon) return {kIconSide, kIconSide};
+  const int textWidth = QFontMetrics(scaled(font(), 1, QFont::DemiBold)).horizontalAdvance(text());
+  const int symbolWidth = symbol_.isEmpty() ? 0 : kSymbol + kGap;
+  return {2 * kPadding + symbolWidth + textWidth, kHeight};
+}
+
+void ActionButton::paintEvent(QPaintEvent*) {
+  const Theme theme(palette());
+  QColor ground = theme.fill;
+  QColor ink = theme.text;
+  if (role_ == Role::primary) {
+    ground = isDown() ? theme.accentPressed : underMouse() ? theme.accentHover : theme.accent;
+    ink = theme.onAccent;
+  } else {
+    if (isDown()) {
+      ground = theme.fillPressed;
+    } else if (underMouse()) {
+      ground = theme.fillHover;
+    } else if (role_ == Role::icon) {
+      ground = Qt::transparent;
+    }
+    if (role_ == Role::destructive) ink = theme.danger;
+    if (role_ == Role::icon) ink = theme.secondaryText;
+  }
+
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  if (!isEnabled()) painter.setOpacity(0.4);
+  const qreal radius = role_ == Role::icon ? height() / 2.0 : kRadius;
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(ground);
+  painter.drawRoundedRect(rect(), radius, radius);
+
+  const QFont font = scaled(this->font(), 1, QFont::DemiBold);
+  const int textWidth = role_ == Role::icon ? 0 : QFontMetrics(font).horizontalAdvance(text());
+  const int symbolWidth = symbol_.isEmpty() ? 0 : kSymbol;
+  const int gap = textWidth > 0 && symbolWidth > 0 ? kGap : 0;
+  int x = (width() - symbolWidth - gap - textWidth) / 2;
+  if (symbolWidth > 0) {
+    painter.drawPixmap(x, (height() - kSymbol) / 2, symbolPixmap(symbol_, kSymbol, ink, devicePixelRatioF()));
+    x += symbolWidth + gap;
+  }
+  if (textWidth > 0) {
+    painter.setFont(font);
+    painter.setPen(ink);
+    painter.drawText(QRect(x, 0, textWidth + 1, height()), Qt::AlignVCenter | Qt::AlignLeft, text());
+  }
+  if (hasFocus()) paintFocusRing(painter, rect(), radius, role_ == Role::primary ? theme.onAccent : theme.accent);
+}
+
+void paintFocusRing(QPainter& painter, const QRectF& around, qreal radius, const QColor& color) {
+  constexpr qreal kInset = 2;
+  painter.setBrush(Qt::NoBrush);
+  painter.setPen(QPen(color, 2));
+  const QRectF ring = around.adjusted(kInset, kInset, -kInset, -kInset);
+  painter.drawRoundedRect(ring, radius - kInset, radius - kInset);
+}
+
+}  // namespace quillmere

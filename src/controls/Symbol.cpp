@@ -1,0 +1,38 @@
+#include "controls/Symbol.h"
+
+#include <QtCore/QFile>
+#include <QtGui/QPainter>
+#include <QtGui/QPixmapCache>
+#include <QtSvg/QSvgRenderer>
+
+static void loadSymbolResource() {
+  Q_INIT_RESOURCE(symbols);
+}
+
+namespace quillmere {
+
+QPixmap symbolPixmap(const QString& name, int points, const QColor& color, qreal devicePixelRatio) {
+  static const bool isLoaded = (loadSymbolResource(), true);
+  Q_UNUSED(isLoaded)
+  const QString key =
+      QStringLiteral("symbol|%1|%2|%3|%4").arg(name).arg(points).arg(color.rgba()).arg(devicePixelRatio);
+  QPixmap pixmap;
+  if (QPixmapCache::find(key, &pixmap)) return pixmap;
+
+  QFile file(QStringLiteral(":/symbols/%1.svg").arg(name));
+  if (!file.open(QIODevice::ReadOnly)) return {};
+  // Opaque in the drawing, faded as a whole: overlapping strokes must not show.
+  const QColor opaque(color.red(), color.green(), color.blue());
+  QSvgRenderer renderer(file.readAll().replace("currentColor", opaque.name().toLatin1()));
+  pixmap = QPixmap(QSize(points, points) * devicePixelRatio);
+  pixmap.setDevicePixelRatio(devicePixelRatio);
+  pixmap.fill(Qt::transparent);
+  QPainter painter(&pixmap);
+  painter.setOpacity(color.alphaF());
+  renderer.render(&painter, QRectF(0, 0, points, points));
+  painter.end();
+  QPixmapCache::insert(key, pixmap);
+  return pixmap;
+}
+
+}  // namespace quillmere

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QtCore/QString>
+#include <QtGui/QColor>
+#include <QtGui/QPixmap>
+
+namespace quillmere {
+
+/// One of the program's own symbols, drawn in one colour on a square of `points`.
+QPixmap symbolPixmap(const QString& name, int points, const QColor& color, qreal devicePixelRatio);
+
+}  // namespace quillmere

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QtWidgets/QWidget>
+#include <optional>
+
+#include "model/AppModel.h"
+
+namespace quillmere {
+
+class InboxBanner;
+
+/// What stands in the two slots above the list. The slots are independent.
+struct InboxBannerContent {
+  struct Banner {
+    QString symbol;
+    QString message;
+    QString action;
+    bool operator==(const Banner&) const = default;
+  };
+  std::optional<Banner> folder;
+  std::optional<Banner> background;
+
+  /// `showsFolderBanner` is false while the folder set-up fills the window, which asks the same.
+  static InboxBannerContent make(const AppModel& model, bool showsFolderBanner);
+};
+
+class InboxBanners final : public QWidget {
+ public:
+  InboxBanners(AppModel& model, QWidget* parent);
+  void update(bool showsFolderBanner);
+
+ private:
+  AppModel& model_;
+  InboxBanner* folder_;
+  InboxBanner* background_;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,90 @@
+#include <QtWidgets/QApplication>
+
+#include "imaging/ThumbnailLoader.h"
+#include "model/AppModel.h"
+#include "platform/linux/ApplicationBus.h"
+#include "platform/linux/CloudFiles.h"
+#include "platform/linux/LiveServices.h"
+#include "platform/linux/RunMarker.h"
+#include "platform/linux/ScreenCaptureAttributes.h"
+#include "platform/linux/TerminationSignals.h"
+#include "platform/linux/X11PanelWindowSystem.h"
+#include "popup/CapturePromptPanelController.h"
+#include "popup/LivePanelScreens.h"
+#include "shell/Confirmations.h"
+#include "shell/FolderPanel.h"
+#include "shell/QuillmereApp.h"
+
+using namespace quillmere;
+
+namespace {
+
+/// A Wayland client cannot place its own windows; there the application asks for the X server that runs beside it.
+void preferX11() {
+  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !qEnvironmentVariableIsEmpty("DISPLAY")) {
+    qputenv("QT_QPA_PLATFORM", "xcb");
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  preferX11();
+  std::function<void()> terminate;
+  QApplication application(argc, argv);
+  QApplication::setApplicationName(QStringLiteral("Quillmere"));
+  QApplication::setApplicationVersion(QStringLiteral(QUILLMERE_VERSION));
+  QGuiApplication::setDesktopFileName(QStringLiteral("com.quillmere.app"));
+  const TerminationSignals terminationSignals([&terminate] {
+    if (terminate) terminate();
+  });
+
+  QuillmereApp* app = nullptr;
+  ApplicationBus bus({[&app] {
+                        if (app) app->reopen();
+                      },
+                      [&app](const QString& action) {
+                        if (app) app->perform(action);
+                      }});
+  const ApplicationPaths paths = ApplicationPaths::standard();
+  const bool isFirst = bus.registerOnBus();
+  const RunMarker runMarker(paths.runMarker, paths.recordList);
+  if (!isFirst || runMarker.isTaken()) {
+    ApplicationBus::activateOther();
+    return 0;
+  }
+
+  LiveServices services(paths);
+  LivePanelScreens screens;
+  X11PanelWindowSystem windowSystem;
+  FolderPanel folderPanel;
+  ThumbnailLoader thumbnails(services.executor, &CloudFiles::isDataless);
+  CapturePromptPanelController::Services popupServices;
+  popupServices.executor = &services.executor;
+  popupServices.thumbnails = &thumbnails;
+  popupServices.screens = &screens;
+  popupServices.windowSystem = &windowSystem;
+  popupServices.isDataless = &CloudFiles::isDataless;
+  popupServices.captureRect = &ScreenCaptureAttributes::globalRect;
+  popupServices.confirmDeletion = &Confirmations::deletion;
+  CapturePromptPanelController popup(std::move(popupServices));
+
+  AppModelDependencies dependencies = services.dependencies(paths);
+  dependencies.promptPresenter = &popup;
+  dependencies.folderChooser = &folderPanel;
+  dependencies.interruptedSince = runMarker.interruptedSince();
+  AppModel model(std::move(dependencies));
+  const Connection watchedFolder = model.changed.connect([&](const ModelChange& change) {
+    if (change.field == ModelField::watchFolderURL) services.securityScope.setWatchedFolder(*model.watchFolderURL);
+  });
+
+  QuillmereApp quillmere(model, thumbnails, services.systemEvents);
+  app = &quillmere;
+  terminate = [&quillmere] { quillmere.quitWithoutAsking(); };
+  quillmere.didFinishLaunching({.isLoginLaunch = QApplication::arguments().contains(QStringLiteral("--autostart"))});
+  const int status = QApplication::exec();
+  quillmere.willTerminate();
+  app = nullptr;
+  terminate = nullptr;
+  return status;
+}

@@ -1,0 +1,98 @@
+#include "platform/linux/LiveServices.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QStandardPaths>
+
+#include "foundation/FileStatus.h"
+#include "imaging/ImageFile.h"
+#include "platform/linux/CloudFiles.h"
+#include "platform/linux/LiveFileIdentity.h"
+#include "platform/linux/ScreenCaptureAttributes.h"
+
+namespace quillmere {
+namespace {
+
+Date systemNow() {
+  timespec now{};
+  ::clock_gettime(CLOCK_REALTIME, &now);
+  return Date::fromUnix(now.tv_sec, static_cast<uint32_t>(now.tv_nsec));
+}
+
+FileDates fileDates(const FileURL& url) {
+  const auto status = fileStatus(url);
+  // No Linux file system keeps when a file was added to its folder.
+  return {status ? status->created : std::nullopt, std::nullopt};
+}
+
+std::optional<FileURL> defaultScreenshotFolder() {
+  const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+  for (const QString& folder : {pictures + QStringLiteral("/Screenshots"), pictures, QDir::homePath()}) {
+    if (QDir(folder).exists()) return FileURL::fromPath(folder);
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+ApplicationPaths ApplicationPaths::standard() {
+  const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+  const QString config = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+  const QString support = data + QStringLiteral("/Quillmere");
+  QDir().mkpath(support);
+  QDir().mkpath(config + QStringLiteral("/Quillmere"));
+  ApplicationPaths paths;
+  paths.support = FileURL::fromPath(support);
+  paths.settings = config + QStringLiteral("/Quillmere/settings.json");
+  paths.recordList = paths.support.appending("screenshots.json");
+  paths.runMarker = paths.support.appending("running");
+  return paths;
+}
+
+LiveServices::LiveServices(const ApplicationPaths& paths)
+    : defaults(paths.settings),
+      mounts(&systemEvents),
+      securityScope(mounts),
+      watchFolderStore(defaults, mounts),
+      monitor(executor, systemEvents, folderEvents, scanServices(), &systemNow) {}
+
+ScanServices LiveServices::scanServices() {
+  ScanServices services;
+  services.isDataless = &CloudFiles::isDataless;
+  services.isSynced = &CloudFiles::isSynced;
+  services.isVolumeMounted = [this](const FileURL& url) { return mounts.isVolumeMounted(url); };
+  services.hasScreenCaptureTag = &hasScreenCaptureTag;
+  services.decodesCompletely = &ImageFile::decodesCompletely;
+  services.fileDates = &fileDates;
+  return services;
+}
+
+bool LiveServices::isFolderReachable(const FileURL& url) const {
+  return isReadableDirectory(url) && mounts.isVolumeMounted(url);
+}
+
+AppModelDependencies LiveServices::dependencies(const ApplicationPaths& paths) {
+  AppModelDependencies dependencies;
+  dependencies.recordStore.fileURL = paths.recordList;
+  dependencies.executor = &executor;
+  dependencies.defaults = &defaults;
+  dependencies.fileOperations = &fileOperations;
+  dependencies.securityScope = &securityScope;
+  dependencies.watchFolderStore = &watchFolderStore;
+  dependencies.monitor = &monitor;
+  dependencies.announcer = &announcer;
+  dependencies.systemEvents = &systemEvents;
+  dependencies.now = &systemNow;
+  dependencies.timeZone = [] { return QTimeZone::systemTimeZone(); };
+  dependencies.isInTrash = [this](const FileURL& url) { return isInTrash(url, mounts); };
+  dependencies.fileIdentity = [this](const FileURL& url) { return liveFileIdentity(url, mounts); };
+  dependencies.isFolderReachable = [this](const FileURL& url) { return isFolderReachable(url); };
+  dependencies.isDataless = &CloudFiles::isDataless;
+  dependencies.isUbiquitous = [](const FileURL& url) { return CloudFiles::isSynced(url.parent()); };
+  dependencies.isVolumeMounted = [this](const FileURL& url) { return mounts.isVolumeMounted(url); };
+  dependencies.captureKind = &ScreenCaptureAttributes::captureKind;
+  dependencies.defaultScreenshotFolder = &defaultScreenshotFolder;
+  dependencies.spokenReviewShortcut = [] { return std::optional<QString>(); };
+  return dependencies;
+}
+
+}  // namespace quillmere

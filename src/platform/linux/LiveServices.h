@@ -1,0 +1,50 @@
+#pragma once
+
+#include "foundation/SystemEvents.h"
+#include "foundation/UserDefaults.h"
+#include "model/AppModelDependencies.h"
+#include "monitor/ScreenshotInboxMonitor.h"
+#include "platform/linux/LiveAnnouncer.h"
+#include "platform/linux/LiveFileOperations.h"
+#include "platform/linux/LiveFolderEventSource.h"
+#include "platform/linux/LiveSecurityScopeAccess.h"
+#include "platform/linux/MountTable.h"
+#include "platform/linux/QtExecutor.h"
+
+namespace quillmere {
+
+/// Where the application's own files are.
+struct ApplicationPaths {
+  FileURL support;   ///< the folder of the list
+  QString settings;  ///< the settings file
+  FileURL recordList;
+  FileURL runMarker;
+  /// By the XDG base directories; makes the data directory, without which nothing can be put in the Trash.
+  static ApplicationPaths standard();
+};
+
+/// Every service of the running application but its windows.
+class LiveServices {
+ public:
+  explicit LiveServices(const ApplicationPaths& paths);
+
+  /// What the model needs, less what the windows bring.
+  AppModelDependencies dependencies(const ApplicationPaths& paths);
+
+  QtExecutor executor;
+  SystemEvents systemEvents;
+  UserDefaults defaults;
+  MountTable mounts;
+  LiveFileOperations fileOperations;
+  LiveSecurityScopeAccess securityScope;
+  LiveWatchFolderStore watchFolderStore;
+  LiveFolderEventSource folderEvents;
+  LiveAnnouncer announcer;
+  ScreenshotInboxMonitor monitor;
+
+ private:
+  ScanServices scanServices();
+  bool isFolderReachable(const FileURL& url) const;
+};
+
+}  // namespace quillmere

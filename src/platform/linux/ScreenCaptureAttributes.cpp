@@ -1,0 +1,123 @@
+#include "platform/linux/ScreenCaptureAttributes.h"
+
+#include <plist/plist.h>
+#include <sys/xattr.h>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "monitor/CaptureMarks.h"
+
+namespace quillmere {
+namespace {
+
+constexpr ssize_t kLargestValue = 65536;
+
+using PropertyList = std::unique_ptr<void, decltype(&plist_free)>;
+
+std::optional<std::string> readValue(const FileURL& url, const std::string& name) {
+  const ssize_t length = ::lgetxattr(url.c_str(), name.c_str(), nullptr, 0);
+  if (length < 1 || length > kLargestValue) return std::nullopt;
+  std::string value(static_cast<size_t>(length), '\0');
+  if (::lgetxattr(url.c_str(), name.c_str(), value.data(), value.size()) != length) return std::nullopt;
+  return value;
+}
+
+/// File servers put the attribute under longer names that contain it.
+std::optional<std::string> readRenamedValue(const FileURL& url, const std::string& key) {
+  const ssize_t length = ::llistxattr(url.c_str(), nullptr, 0);
+  if (length < 1 || length > kLargestValue) return std::nullopt;
+  std::string names(static_cast<size_t>(length), '\0');
+  if (::llistxattr(url.c_str(), names.data(), names.size()) != length) return std::nullopt;
+  for (size_t at = 0; at < names.size();) {
+    const std::string name(names.c_str() + at);
+    if (name.find(key) != std::string::npos) return readValue(url, name);
+    at += name.size() + 1;
+  }
+  return std::nullopt;
+}
+
+PropertyList parse(const std::string& value) {
+  plist_t list = nullptr;
+  const auto length = static_cast<uint32_t>(value.size());
+  if (value.starts_with("bplist")) {
+    plist_from_bin(value.data(), length, &list);
+    // Some servers append one NUL, and a binary list is read from its end.
+    if (!list && value.back() == '\0') plist_from_bin(value.data(), length - 1, &list);
+  } else {
+    plist_from_xml(value.data(), length, &list);
+  }
+  return PropertyList(list, &plist_free);
+}
+
+/// Null without a value that can be parsed; `isPresent` tells whether there was a value at all.
+PropertyList readAttribute(const FileURL& url, const char* key, bool* isPresent = nullptr) {
+  const std::string name = std::string("com.apple.metadata:") + key;
+  auto value = readValue(url, "user." + name);
+  if (!value) value = readValue(url, name);
+  if (!value) value = readRenamedValue(url, key);
+  if (isPresent) *isPresent = value.has_value();
+  return value ? parse(*value) : PropertyList(nullptr, &plist_free);
+}
+
+std::optional<double> numberOf(plist_t node) {
+  if (plist_get_node_type(node) == PLIST_REAL) {
+    double value = 0;
+    plist_get_real_val(node, &value);
+    return std::isfinite(value) ? std::optional(value) : std::nullopt;
+  }
+  if (plist_get_node_type(node) == PLIST_UINT) {
+    uint64_t value = 0;
+    plist_get_uint_val(node, &value);
+    return static_cast<double>(static_cast<int64_t>(value));  // negative ones come as huge unsigned values
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<bool> ScreenCaptureAttributes::isScreenCapture(const FileURL& url) {
+  bool isPresent = false;
+  const PropertyList list = readAttribute(url, "kMDItemIsScreenCapture", &isPresent);
+  if (!isPresent) return std::nullopt;
+  if (!list) return false;
+  if (plist_get_node_type(list.get()) == PLIST_BOOLEAN) {
+    uint8_t value = 0;
+    plist_get_bool_val(list.get(), &value);
+    return value != 0;
+  }
+  return numberOf(list.get()).value_or(0) != 0;
+}
+
+std::optional<CaptureKind> ScreenCaptureAttributes::captureKind(const FileURL& url) {
+  const PropertyList list = readAttribute(url, "kMDItemScreenCaptureType");
+  if (!list || plist_get_node_type(list.get()) != PLIST_STRING) return std::nullopt;
+  char* text = nullptr;
+  plist_get_string_val(list.get(), &text);
+  const std::unique_ptr<char, decltype(&std::free)> owned(text, &std::free);
+  return text ? quillmere::captureKind(std::string_view(text)) : std::nullopt;
+}
+
+std::optional<QRectF> ScreenCaptureAttributes::globalRect(const FileURL& url) {
+  const PropertyList list = readAttribute(url, "kMDItemScreenCaptureGlobalRect");
+  if (!list || plist_get_node_type(list.get()) != PLIST_ARRAY || plist_array_get_size(list.get()) != 4) {
+    return std::nullopt;
+  }
+  std::array<double, 4> numbers{};
+  for (uint32_t i = 0; i < numbers.size(); ++i) {
+    const auto number = numberOf(plist_array_get_item(list.get(), i));
+    if (!number) return std::nullopt;
+    numbers[i] = *number;
+  }
+  return QRectF(numbers[0], numbers[1], numbers[2], numbers[3]);
+}
+
+bool hasScreenCaptureTag(const FileURL& url) {
+  const auto tag = ScreenCaptureAttributes::isScreenCapture(url);
+  return tag ? *tag : CaptureMarks::marksCapture(url);
+}
+
+}  // namespace quillmere

@@ -1,0 +1,34 @@
+#include "platform/linux/TerminationSignals.h"
+
+#include <pthread.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+#include <QtCore/QSocketNotifier>
+#include <csignal>
+
+namespace quillmere {
+
+TerminationSignals::TerminationSignals(std::function<void()> onTermination) {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGTERM);
+  sigaddset(&signals, SIGINT);
+  sigaddset(&signals, SIGHUP);
+  // Blocked before any thread starts, so that no thread takes one in the usual way.
+  ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  descriptor_ = ::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
+  notifier_ = std::make_unique<QSocketNotifier>(descriptor_, QSocketNotifier::Read);
+  QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this, onTermination] {
+    signalfd_siginfo info{};
+    while (::read(descriptor_, &info, sizeof info) > 0) {
+    }
+    onTermination();
+  });
+}
+
+TerminationSignals::~TerminationSignals() {
+  notifier_.reset();
+  ::close(descriptor_);
+}
+
+}  // namespace quillmere

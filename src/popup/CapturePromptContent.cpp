@@ -1,0 +1,50 @@
+#include "popup/CapturePromptContent.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "foundation/Localized.h"
+
+namespace quillmere {
+namespace {
+
+constexpr int kThumbnailWidth = 408;
+constexpr int kDefaultThumbnailHeight = 160;
+constexpr int kLeastThumbnailHeight = 96;
+constexpr int kMostThumbnailHeight = 230;
+
+}  // namespace
+
+std::optional<CapturePromptContent> CapturePromptContent::make(
+    const AppModel& model, const std::function<std::optional<QSize>(const ScreenshotItem&)>& pixelSize) {
+  const ScreenshotItem* head = model.headOfQueue();
+  if (!head) return std::nullopt;
+  CapturePromptContent content;
+  content.item = *head;
+  content.queuedCount = static_cast<int>(model.promptQueue->size()) - 1;
+  content.showThumbnail = *model.showPopupThumbnail;
+  content.thumbnailHeight = heightOfThumbnail(pixelSize(*head));
+  content.error = *model.promptError;
+  content.focusRequest = *model.promptFocusRequest;
+  content.contentGeneration = *model.promptContentGeneration;
+  content.naming = *model.screenshotNaming;
+  content.deletesChosen = *model.deletesChosenImmediately;
+  content.canReadImage = !model.unavailableItemIDs->contains(head->id) && !model.evictedItemIDs->contains(head->id);
+  return content;
+}
+
+int CapturePromptContent::heightOfThumbnail(const std::optional<QSize>& pixels) {
+  if (!pixels || pixels->width() <= 0 || pixels->height() <= 0) return kDefaultThumbnailHeight;
+  const double height = std::round(static_cast<double>(pixels->height()) * kThumbnailWidth / pixels->width());
+  return static_cast<int>(std::clamp<double>(height, kLeastThumbnailHeight, kMostThumbnailHeight));
+}
+
+QString nameCaption(const QString& nameText) {
+  if (sanitizedFileStem(nameText)) return localized("Filename");
+  if (nameText.trimmed().isEmpty()) {
+    return localized("No name typed, so the screenshot keeps its current filename.");
+  }
+  return localized("That name can’t be used, so the screenshot keeps its current filename.");
+}
+
+}  // namespace quillmere

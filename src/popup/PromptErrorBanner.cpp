@@ -1,0 +1,60 @@
+#include "popup/PromptErrorBanner.h"
+
+#include <QtGui/QPainter>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QVBoxLayout>
+
+#include "controls/ActionButton.h"
+#include "controls/Symbol.h"
+#include "controls/Theme.h"
+#include "foundation/Localized.h"
+
+namespace quillmere {
+namespace {
+
+constexpr int kSymbol = 18;
+constexpr qreal kRadius = 10;
+
+}  // namespace
+
+PromptErrorBanner::PromptErrorBanner(QWidget* parent)
+    : QWidget(parent), symbol_(new QLabel(this)), title_(new QLabel(this)), message_(new QLabel(this)) {
+  title_->setWordWrap(true);
+  title_->setFont(scaled(font(), 1, QFont::DemiBold));
+  message_->setWordWrap(true);
+  auto* dismiss = new ActionButton(ActionButton::Role::secondary, {}, localized("Dismiss"), this);
+  connect(dismiss, &QPushButton::clicked, this, [this] { onDismiss(); });
+
+  auto* texts = new QVBoxLayout;
+  texts->setSpacing(2);
+  texts->addWidget(title_);
+  texts->addWidget(message_);
+  auto* row = new QHBoxLayout(this);
+  row->setContentsMargins(12, 10, 10, 10);
+  row->setSpacing(10);
+  row->addWidget(symbol_, 0, Qt::AlignTop);
+  row->addLayout(texts, 1);
+  row->addWidget(dismiss, 0, Qt::AlignVCenter);
+}
+
+void PromptErrorBanner::show(const ScopedError& error) {
+  const Theme theme(palette());
+  symbol_->setPixmap(
+      symbolPixmap(QStringLiteral("exclamationmark.triangle"), kSymbol, theme.warning, devicePixelRatioF()));
+  title_->setText(error.title);
+  message_->setText(error.message);
+}
+
+void PromptErrorBanner::paintEvent(QPaintEvent*) {
+  const Theme theme(palette());
+  QColor ground = theme.warning;
+  ground.setAlphaF(theme.isDark ? 0.18F : 0.12F);
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(ground);
+  painter.drawRoundedRect(rect(), kRadius, kRadius);
+}
+
+}  // namespace quillmere

@@ -1,0 +1,43 @@
+#include "shell/Confirmations.h"
+
+#include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPushButton>
+
+#include "foundation/Localized.h"
+
+namespace quillmere {
+namespace {
+
+bool ask(const QString& question, const QString& details, const QString& action) {
+  QMessageBox box;
+  box.setWindowTitle(question);
+  box.setIcon(QMessageBox::Question);
+  box.setText(question);
+  box.setInformativeText(details);
+  QPushButton* confirm = box.addButton(action, QMessageBox::DestructiveRole);
+  QPushButton* cancel = box.addButton(localized("Cancel"), QMessageBox::RejectRole);
+  confirm->setAutoDefault(false);
+  box.setDefaultButton(cancel);
+  box.setEscapeButton(cancel);
+  box.exec();
+  return box.clickedButton() == confirm;
+}
+
+}  // namespace
+
+bool Confirmations::quit(int waitingScreenshots) {
+  return ask(localized("Quit Quillmere?"),
+             localized("%lld screenshots are still waiting for a decision. They’ll be waiting again the next time you "
+                       "open Quillmere, but a screenshot you take while it’s closed is saved without a popup.",
+                       {waitingScreenshots}),
+             localized("Quit Quillmere"));
+}
+
+bool Confirmations::deletion(const QString& fileName) {
+  return ask(
+      localized("Delete Screenshot?"),
+      localized("“%@” will be deleted from its folder and removed from Quillmere. This can’t be undone.", {fileName}),
+      localized("Delete"));
+}
+
+}  // namespace quillmere

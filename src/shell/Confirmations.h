@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QtCore/QString>
+
+namespace quillmere {
+
+/// Questions that stand on their own, asked modally. Return cancels: it must never do what cannot be undone.
+namespace Confirmations {
+
+bool quit(int waitingScreenshots);
+bool deletion(const QString& fileName);
+
+}  // namespace Confirmations
+}  // namespace quillmere

@@ -1,0 +1,92 @@
+#include "shell/QuillmereApp.h"
+
+#include <QtWidgets/QApplication>
+
+#include "inbox/InboxWindow.h"
+#include "shell/Confirmations.h"
+
+namespace quillmere {
+
+QuillmereApp::QuillmereApp(AppModel& model, ThumbnailLoader& thumbnails, SystemEvents& systemEvents)
+    : confirmQuit(&Confirmations::quit),
+      model_(model),
+      thumbnails_(thumbnails),
+      menuBarExtra_({[this] { openInbox(); }, [this] { model_.reviewPending(false); }, [this] { quit(); }}) {
+  // It stays and watches when the last window closes.
+  QApplication::setQuitOnLastWindowClosed(false);
+  menuBarExtra_.setShown(*model_.menuBarEnabled);
+  changes_ = model_.changed.connect([this](const ModelChange& change) {
+    if (change.field == ModelField::menuBarEnabled) menuBarExtra_.setShown(*model_.menuBarEnabled);
+  });
+  QObject::connect(qApp, &QGuiApplication::applicationStateChanged, &observer_, [&systemEvents](auto state) {
+    if (state == Qt::ApplicationActive) systemEvents.didBecomeActive();
+  });
+  QObject::connect(qApp, &QGuiApplication::commitDataRequest, &observer_, [this] { willTerminate(); });
+}
+
+QuillmereApp::~QuillmereApp() = default;
+
+void QuillmereApp::didFinishLaunching(Launch launch) {
+  model_.start();
+  // Started with the session and with a folder chosen, it stays silent.
+  if (!*model_.watchFolderURL || !launch.isLoginLaunch) openInbox();
+}
+
+void QuillmereApp::reopen() {
+  openInbox();
+}
+
+void QuillmereApp::perform(const QString& action) {
+  if (action == QLatin1String("inbox")) {
+    openInbox();
+  } else if (action == QLatin1String("review")) {
+    model_.reviewPending(false);
+  } else if (action == QLatin1String("quit")) {
+    quit();
+  }
+}
+
+void QuillmereApp::openInbox() {
+  if (!inbox_) {
+    inbox_ = std::make_unique<InboxWindow>(model_, thumbnails_);
+    // Later: the window is still in the middle of closing.
+    inbox_->onClosed = [this] {
+      QMetaObject::invokeMethod(
+          &observer_,
+          [this] {
+            if (!isInboxShown()) inbox_.reset();
+          },
+          Qt::QueuedConnection);
+    };
+  }
+  inbox_->setWindowState(inbox_->windowState() & ~Qt::WindowMinimized);
+  inbox_->show();
+  inbox_->raise();
+  inbox_->activateWindow();
+}
+
+bool QuillmereApp::isInboxShown() const {
+  return inbox_ && inbox_->isVisible();
+}
+
+void QuillmereApp::quit() {
+  if (isAskingToQuit_) return;
+  const int waiting = static_cast<int>(model_.promptQueue->size());
+  if (waiting > 0) {
+    isAskingToQuit_ = true;
+    const bool confirmed = confirmQuit(waiting);
+    isAskingToQuit_ = false;
+    if (!confirmed) return;
+  }
+  quitWithoutAsking();
+}
+
+void QuillmereApp::quitWithoutAsking() {
+  QApplication::exit(0);
+}
+
+void QuillmereApp::willTerminate() {
+  if (model_.hasPendingSave()) model_.saveNow();
+}
+
+}  // namespace quillmere

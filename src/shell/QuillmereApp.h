@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QtCore/QObject>
+#include <functional>
+#include <memory>
+
+#include "imaging/ThumbnailLoader.h"
+#include "model/AppModel.h"
+#include "shell/MenuBarExtra.h"
+
+namespace quillmere {
+
+class InboxWindow;
+
+/// The application around the model: its windows, its tray icon, and when it starts, comes to the front and ends. It
+/// lives on without a window.
+class QuillmereApp {
+ public:
+  struct Launch {
+    bool isLoginLaunch = false;  ///< started with the session, not by the person
+  };
+  QuillmereApp(AppModel& model, ThumbnailLoader& thumbnails, SystemEvents& systemEvents);
+  ~QuillmereApp();
+
+  void didFinishLaunching(Launch launch);
+  /// The person opened the application again.
+  void reopen();
+  /// What the launcher's menu and the session bus can ask for: "inbox", "review", "quit".
+  void perform(const QString& action);
+  void openInbox();
+  bool isInboxShown() const;
+  /// Asks first while screenshots wait.
+  void quit();
+  /// The session ends: nothing is asked.
+  void quitWithoutAsking();
+  /// The last thing: a change that is not yet saved is saved now.
+  void willTerminate();
+
+  std::function<bool(int waitingScreenshots)> confirmQuit;
+
+ private:
+  AppModel& model_;
+  ThumbnailLoader& thumbnails_;
+  std::unique_ptr<InboxWindow> inbox_;
+  MenuBarExtra menuBarExtra_;
+  Connection changes_;
+  QObject observer_;
+  bool isAskingToQuit_ = false;
+};
+
+}  // namespace quillmere
