@@ -9,6 +9,9 @@
 namespace quillmere {
 namespace {
 
+/// Room for a reader that wants a few bytes behind the text, so that a large file is not copied for them.
+constexpr size_t kSpareBytes = 32;
+
 FileStatus::Kind kindOf(uint16_t mode) {
   if (S_ISREG(mode)) return FileStatus::Kind::regular;
   if (S_ISDIR(mode)) return FileStatus::Kind::directory;
@@ -87,7 +90,9 @@ std::optional<std::string> readFile(const FileURL& url, int64_t limit) {
   struct stat status {};
   std::optional<std::string> result;
   if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_size <= limit) {
-    std::string bytes(static_cast<size_t>(status.st_size), '\0');
+    std::string bytes;
+    bytes.reserve(static_cast<size_t>(status.st_size) + kSpareBytes);
+    bytes.resize(static_cast<size_t>(status.st_size));
     size_t filled = 0;
     while (filled < bytes.size()) {
       const ssize_t count = ::read(descriptor, bytes.data() + filled, bytes.size() - filled);

@@ -20,22 +20,22 @@ struct NamePattern {
 constexpr std::array kNamePatterns{
     // Word, then date and time, of the desktops whose word is translated: only the shape of the date tells.
     NamePattern{"~ ####-##-## ##-##-##", "GNOME Shell, gnome-screenshot, mate-screenshot, niri"},
-    NamePattern{"~ ####-##-## ##-##-##-#", "the same, on a collision"},
-    NamePattern{"~ ####-##-## ##-##-## - #", "the same, on a collision"},
+    NamePattern{"~ ####-##-## ##-##-##-+", "the same, on a collision"},
+    NamePattern{"~ ####-##-## ##-##-## - +", "the same, on a collision"},
     NamePattern{"~ ####-##-## ##.##.##", "elementary, ChromeOS"},
     NamePattern{"~ ####-##-## ##.##.##@#x", "elementary, scaled"},
-    NamePattern{"~ ####-##-## ##.##.## (#)", "elementary, on a collision"},
+    NamePattern{"~ ####-##-## ##.##.## (+)", "elementary, on a collision"},
     NamePattern{"~_########_######", "Spectacle"},
-    NamePattern{"~_########_######-#", "Spectacle, on a collision"},
+    NamePattern{"~_########_######-+", "Spectacle, on a collision"},
     NamePattern{"~_####-##-##_##-##-##", "xfce4-screenshooter, COSMIC"},
-    NamePattern{"~_####-##-##_##-##-##-#", "xfce4-screenshooter, on a collision"},
+    NamePattern{"~_####-##-##_##-##-##-+", "xfce4-screenshooter, on a collision"},
     NamePattern{"~_##############", "deepin"},
     NamePattern{"####-##-##_##-##", "Flameshot"},
-    NamePattern{"####-##-##_##-##_#", "Flameshot, on a collision"},
+    NamePattern{"####-##-##_##-##_+", "Flameshot, on a collision"},
     NamePattern{"####-##-##_##-##-##", "Flameshot, older"},
     // Words that the tools do not translate.
     NamePattern{"ksnip_########-######", "ksnip"},
-    NamePattern{"ksnip_########-######-#", "ksnip, on a collision"},
+    NamePattern{"ksnip_########-######-+", "ksnip, on a collision"},
     NamePattern{"####-##-##-######_~_scrot", "scrot"},
     NamePattern{"####-##-##-######_~_scrot_###", "scrot, on a collision"},
     NamePattern{"########_##h##m##s_grim", "grim"},
@@ -43,14 +43,15 @@ constexpr std::array kNamePatterns{
     NamePattern{"####-##-##-######_hyprshot", "hyprshot"},
     // Other systems' names, as they arrive by sync.
     NamePattern{"screenshot_########-######~", "Android"},
-    NamePattern{"screenshot ####-##-## at #~.##.##~", "by sync"},
-    NamePattern{"screen shot ####-##-## at #~.##.##~", "by sync, older"},
-    NamePattern{"screenshot ####-##-## #~.##.##~", "ChromeOS, 12 hours"},
-    NamePattern{"screenshot (#)", "by sync"},
-    NamePattern{"screenshot (##)", "by sync"},
-    NamePattern{"screenshot (###)", "by sync"},
+    NamePattern{"screenshot ####-##-## at +.##.##~", "by sync"},
+    NamePattern{"screen shot ####-##-## at +.##.##~", "by sync, older"},
+    NamePattern{"screenshot ####-##-## +.##.##~", "ChromeOS, 12 hours"},
+    NamePattern{"screenshot (+)", "by sync"},
     NamePattern{"screenshot ####-##-## ######", "by sync"},
 };
+
+/// Beginnings of names that cameras, scanners and messengers give in the same shapes.
+constexpr std::array<std::string_view, 7> kOtherBeginnings{"img_", "mvimg_", "pano_", "pxl_", "photo_", "dsc_", "scan"};
 
 bool isDigit(char c) {
   return c >= '0' && c <= '9';
@@ -66,9 +67,13 @@ bool matches(std::string_view pattern, std::string_view text) {
       return pattern.empty() && text.empty();
     }
     if (text.empty()) return false;
-    if (pattern.front() == '#' ? !isDigit(text.front()) : pattern.front() != text.front()) return false;
+    const bool wantsDigit = pattern.front() == '#' || pattern.front() == '+';
+    if (wantsDigit ? !isDigit(text.front()) : pattern.front() != text.front()) return false;
+    const bool isRun = pattern.front() == '+';
+    do {
+      text.remove_prefix(1);
+    } while (isRun && !text.empty() && isDigit(text.front()));
     pattern.remove_prefix(1);
-    text.remove_prefix(1);
   }
   return text.empty();
 }
@@ -157,6 +162,8 @@ bool isCaptureText(const TextChunks& chunks) {
 
 bool isCaptureName(std::string_view fileName) {
   const std::string stem = lowerCase(stemOf(fileName));
+  const auto begins = [&](std::string_view beginning) { return stem.starts_with(beginning); };
+  if (std::any_of(kOtherBeginnings.begin(), kOtherBeginnings.end(), begins)) return false;
   return std::any_of(kNamePatterns.begin(), kNamePatterns.end(),
                      [&](const NamePattern& candidate) { return matches(candidate.pattern, stem); });
 }

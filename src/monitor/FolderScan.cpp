@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cmath>
 
 #include "foundation/FileStatus.h"
@@ -20,27 +21,33 @@ struct Entry {
 };
 
 struct Listing {
-  std::vector<Entry> entries;                // names that are not known
-  std::unordered_set<const FileURL*> found;  // the known ones that are still there
+  std::vector<Entry> entries;  // names that are not known
+  std::vector<bool> found;     // which of the known ones are still there, by their places
+  size_t foundCount = 0;
 };
 
 /// None when the folder cannot be listed.
 std::optional<Listing> listUnknown(const FileURL& directory, const URLSet& known) {
   Listing listing;
-  listing.found.reserve(known.size());
+  listing.found.resize(known.size());
+  size_t guess = 0;
   std::string path = directory.path() + "/";
   const size_t prefix = path.size();
   const bool listed = listDirectory(directory, [&](int folder, const char* name, EntryKind kind) {
     if (kind == EntryKind::notRegular || !isWatchedName(name)) return;
     path.resize(prefix);
     path += name;
-    if (const auto it = known.find(std::string_view(path)); it != known.end()) {
-      listing.found.insert(&*it);
+    if (const auto place = known.indexOf(path, guess)) {
+      if (!listing.found[*place]) ++listing.foundCount;
+      listing.found[*place] = true;
+      guess = *place + 1;
       return;
     }
-    if (auto fingerprint = fingerprintOf(fileStatus(folder, name))) {
-      listing.entries.push_back({FileURL::fromPath(path), fingerprint});
-    }
+    const auto status = fileStatus(folder, name);
+    // Listed as a file but closed to a look, as in a folder that may only be listed: there, and nothing known of it.
+    const bool isUnreadable = !status && kind == EntryKind::regular && errno != ENOENT;
+    if (!isUnreadable && !(status && status->isRegular())) return;
+    listing.entries.push_back({FileURL::fromPath(path), fingerprintOf(status)});
   });
   if (!listed) return std::nullopt;
   return listing;
@@ -190,9 +197,9 @@ ScanResult performScan(const Snapshot& snapshot) {
       result.baseline.insert(entry.url);
     }
   }
-  if (listing->found.size() < known.size()) {
-    for (const FileURL& url : known) {
-      if (!listing->found.contains(&url)) result.removed.push_back(url);
+  if (listing->foundCount < known.size()) {
+    for (size_t i = 0; i < known.size(); ++i) {
+      if (!listing->found[i]) result.removed.push_back(known[i]);
     }
     std::sort(result.removed.begin(), result.removed.end());
   }

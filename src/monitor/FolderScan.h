@@ -4,12 +4,12 @@
 #include <memory>
 #include <optional>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "foundation/Date.h"
 #include "foundation/FileURL.h"
 #include "monitor/ScreenshotMonitoring.h"
+#include "monitor/URLSet.h"
 
 namespace quillmere {
 
@@ -33,7 +33,6 @@ struct FileDates {
   std::optional<Date> addedToDirectory;  ///< where the file system keeps it
 };
 
-using URLSet = std::unordered_set<FileURL, FileURLHash, FileURLEqual>;
 template <typename T>
 using URLMap = std::unordered_map<FileURL, T, FileURLHash, FileURLEqual>;
 

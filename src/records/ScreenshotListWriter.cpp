@@ -84,8 +84,10 @@ bool ScreenshotListWriter::save(ScreenshotList& list, const FileURL& file) {
 ScreenshotListWriter::Signature ScreenshotListWriter::signatureOf(int descriptor) {
   struct stat status {};
   if (::fstat(descriptor, &status) != 0) return {};
-  constexpr int64_t kNanoseconds = 1'000'000'000;
-  return {status.st_size, status.st_mtim.tv_sec * kNanoseconds + status.st_mtim.tv_nsec};
+  const auto nanoseconds = [](const timespec& moment) {
+    return moment.tv_sec * int64_t{1'000'000'000} + moment.tv_nsec;
+  };
+  return {status.st_size, nanoseconds(status.st_mtim), nanoseconds(status.st_ctim)};
 }
 
 bool ScreenshotListWriter::canCopyFromLast() const {

@@ -29,6 +29,7 @@ class ScreenshotListWriter {
   struct Signature {
     int64_t size = -1;
     int64_t modified = 0;
+    int64_t changed = 0;  ///< unlike `modified` nobody can put it back after an edit
     bool operator==(const Signature&) const = default;
   };
   static Signature signatureOf(int descriptor);
