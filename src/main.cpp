@@ -30,10 +30,13 @@ void preferX11() {
 
 int main(int argc, char** argv) {
   preferX11();
+  TerminationSignals::block();
   std::function<void()> terminate;
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("Quillmere"));
   QApplication::setApplicationVersion(QStringLiteral(QUILLMERE_VERSION));
+  // The C locale's own forms of dates are made for machines.
+  if (QLocale().language() == QLocale::C) QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
   QGuiApplication::setDesktopFileName(QStringLiteral("com.quillmere.app"));
   const TerminationSignals terminationSignals([&terminate] {
     if (terminate) terminate();

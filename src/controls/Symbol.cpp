@@ -35,4 +35,19 @@ QPixmap symbolPixmap(const QString& name, int points, const QColor& color, qreal
   return pixmap;
 }
 
+QIcon applicationIcon() {
+  loadSymbolResource();
+  QSvgRenderer renderer(QStringLiteral(":/icons/com.quillmere.app.svg"));
+  QIcon icon;
+  for (const int side : {16, 24, 32, 48, 64, 128}) {
+    QPixmap pixmap(side, side);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    renderer.render(&painter);
+    painter.end();
+    icon.addPixmap(pixmap);
+  }
+  return icon;
+}
+
 }  // namespace quillmere

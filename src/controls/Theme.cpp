@@ -9,6 +9,8 @@ Theme::Theme(const QPalette& palette) {
   text = isDark ? QColor(0xf2f3f5) : QColor(0x1b1d21);
   secondaryText = isDark ? QColor(0xb3b7bf) : QColor(0x5b616b);
   hairline = isDark ? QColor(255, 255, 255, 28) : QColor(0, 0, 0, 26);
+  field = isDark ? QColor(0x1f2125) : QColor(Qt::white);
+  fieldBorder = isDark ? QColor(0x50545c) : QColor(0xc9cdd4);
   fill = isDark ? QColor(255, 255, 255, 22) : QColor(20, 28, 45, 15);
   fillHover = isDark ? QColor(255, 255, 255, 34) : QColor(20, 28, 45, 25);
   fillPressed = isDark ? QColor(255, 255, 255, 46) : QColor(20, 28, 45, 38);

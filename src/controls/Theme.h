@@ -15,6 +15,8 @@ struct Theme {
   QColor text;
   QColor secondaryText;
   QColor hairline;
+  QColor field;  ///< an input's ground
+  QColor fieldBorder;
   QColor fill;  ///< a quiet button or a well
   QColor fillHover;
   QColor fillPressed;

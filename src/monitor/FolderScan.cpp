@@ -127,6 +127,14 @@ class Examination {
 std::vector<Observation> observe(const Snapshot& snapshot, std::vector<Entry> entries, const URLSet& skipped) {
   std::vector<Observation> observations;
   Examination examination(snapshot);
+  // Neither a directory nor the table of pending files has an order; what comes in one burst is met in the order it was
+  // taken, so that the popups come oldest first.
+  std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
+    const auto key = [](const Entry& entry) {
+      return std::pair(entry.fingerprint ? entry.fingerprint->modified.seconds : 0, std::string_view(entry.url.path()));
+    };
+    return key(a) < key(b);
+  });
   for (Entry& entry : entries) {
     if (skipped.contains(entry.url)) continue;
     Observation& seen = observations.emplace_back();

@@ -112,7 +112,12 @@ void CaptureDecisionPanel::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
   const QRectF card = cardRect();
-  if (isCompositing_) paintShadow(painter, card);
+  if (isCompositing_) {
+    paintShadow(painter, card);
+  } else {
+    // Nothing shines through here: what the shape leaves of the corners has the card's colour.
+    painter.fillRect(rect(), theme.card);
+  }
   painter.setBrush(theme.card);
   painter.setPen(QPen(theme.hairline, 1));
   painter.drawRoundedRect(card.adjusted(0.5, 0.5, -0.5, -0.5), kCornerRadius, kCornerRadius);

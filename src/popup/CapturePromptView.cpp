@@ -21,6 +21,15 @@ constexpr int kRowSpacing = 12;
 constexpr int kActionSpacing = 8;
 constexpr int kContentWidth = 408;
 
+/// Of the same family as the buttons around it.
+QString nameFieldStyle(const Theme& theme) {
+  return QStringLiteral(
+             "QLineEdit { border: 1px solid %1; border-radius: 8px; padding: 0 8px; background: %2; color: %3;"
+             " selection-background-color: %4; selection-color: white; }"
+             "QLineEdit:focus { border: 2px solid %4; padding: 0 7px; }")
+      .arg(theme.fieldBorder.name(), theme.field.name(), theme.text.name(), theme.accent.name());
+}
+
 void setTextColor(QWidget* widget, const QColor& color) {
   QPalette palette = widget->palette();
   palette.setColor(QPalette::WindowText, color);
@@ -85,7 +94,8 @@ QWidget* CapturePromptView::makeNameBlock() {
   nameField_->setAccessibleDescription(localized(
       "Return saves this screenshot as Temporary with this name. Escape puts back the name it started with."));
   nameField_->setToolTip(localized("Rename this screenshot. Keep and Temporary save it with this name."));
-  nameField_->setMinimumHeight(32);
+  nameField_->setFixedHeight(34);
+  nameField_->setStyleSheet(nameFieldStyle(theme));
   nameField_->setFocusPolicy(Qt::StrongFocus);
   nameField_->installEventFilter(this);
   connect(nameField_, &QLineEdit::textChanged, this, [this] {

@@ -2,6 +2,7 @@
 
 #include <QtWidgets/QApplication>
 
+#include "controls/Symbol.h"
 #include "inbox/InboxWindow.h"
 #include "shell/Confirmations.h"
 
@@ -14,6 +15,7 @@ QuillmereApp::QuillmereApp(AppModel& model, ThumbnailLoader& thumbnails, SystemE
       menuBarExtra_({[this] { openInbox(); }, [this] { model_.reviewPending(false); }, [this] { quit(); }}) {
   // It stays and watches when the last window closes.
   QApplication::setQuitOnLastWindowClosed(false);
+  QApplication::setWindowIcon(applicationIcon());
   menuBarExtra_.setShown(*model_.menuBarEnabled);
   changes_ = model_.changed.connect([this](const ModelChange& change) {
     if (change.field == ModelField::menuBarEnabled) menuBarExtra_.setShown(*model_.menuBarEnabled);

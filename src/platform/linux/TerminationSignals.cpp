@@ -8,14 +8,26 @@
 
 namespace quillmere {
 
-TerminationSignals::TerminationSignals(std::function<void()> onTermination) {
+namespace {
+
+sigset_t terminationSignals() {
   sigset_t signals;
   sigemptyset(&signals);
   sigaddset(&signals, SIGTERM);
   sigaddset(&signals, SIGINT);
   sigaddset(&signals, SIGHUP);
-  // Blocked before any thread starts, so that no thread takes one in the usual way.
+  return signals;
+}
+
+}  // namespace
+
+void TerminationSignals::block() {
+  const sigset_t signals = terminationSignals();
   ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+}
+
+TerminationSignals::TerminationSignals(std::function<void()> onTermination) {
+  const sigset_t signals = terminationSignals();
   descriptor_ = ::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
   notifier_ = std::make_unique<QSocketNotifier>(descriptor_, QSocketNotifier::Read);
   QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this, onTermination] {

@@ -10,6 +10,8 @@ namespace quillmere {
 /// Turns SIGTERM, SIGINT and SIGHUP, by which sessions end programs, into a call on the main thread.
 class TerminationSignals {
  public:
+  /// Before any thread is started, so that none takes a signal in the usual way.
+  static void block();
   explicit TerminationSignals(std::function<void()> onTermination);
   ~TerminationSignals();
 
