@@ -7,6 +7,7 @@
 
 static void loadSymbolResource() {
   Q_INIT_RESOURCE(symbols);
+  Q_INIT_RESOURCE(application_icon);
 }
 
 namespace quillmere {

@@ -35,7 +35,7 @@ QString toDisplay(std::string_view bytes) {
 }  // namespace
 
 FileURL FileURL::fromPath(std::string_view path) {
-  if (path.empty() || path.front() != '/') return {};
+  if (path.empty() || path.front() != '/' || path.find('\0') != std::string_view::npos) return {};
   return FileURL(std::string(path));
 }
 

@@ -14,7 +14,7 @@ namespace quillmere {
 class FileURL {
  public:
   FileURL() = default;
-  /// `path` must begin with "/"; anything else gives an empty URL.
+  /// `path` must begin with "/" and hold no NUL; anything else gives an empty URL.
   static FileURL fromPath(std::string_view path);
   static FileURL fromPath(const QString& path);
   static FileURL fromPath(const char* path) { return fromPath(std::string_view(path)); }

@@ -40,13 +40,13 @@ class Signal {
   using Observer = std::function<void(Args...)>;
 
   [[nodiscard]] Connection connect(Observer observer) {
-    auto slot = std::make_shared<Observer>(std::move(observer));
+    auto slot = std::make_shared<Slot>(Slot{std::move(observer)});
     slots_->push_back(slot);
     return Connection([weakSlots = std::weak_ptr(slots_), weakSlot = std::weak_ptr(slot)] {
       const auto slots = weakSlots.lock();
       const auto gone = weakSlot.lock();
       if (!slots || !gone) return;
-      *gone = nullptr;
+      gone->isConnected = false;
       std::erase(*slots, gone);
     });
   }
@@ -54,12 +54,16 @@ class Signal {
   void operator()(Args... args) const {
     const auto present = *slots_;
     for (const auto& slot : present) {
-      if (*slot) (*slot)(args...);
+      if (slot->isConnected) slot->observer(args...);
     }
   }
 
  private:
-  using Slots = std::vector<std::shared_ptr<Observer>>;
+  struct Slot {
+    Observer observer;
+    bool isConnected = true;  ///< apart from the observer, which may be running when it is disconnected
+  };
+  using Slots = std::vector<std::shared_ptr<Slot>>;
   std::shared_ptr<Slots> slots_ = std::make_shared<Slots>();
 };
 

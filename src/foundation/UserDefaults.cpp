@@ -6,6 +6,7 @@
 #include <QtCore/QSettings>
 #include <QtCore/QVariant>
 #include <cmath>
+#include <limits>
 
 namespace quillmere {
 namespace {
@@ -45,7 +46,8 @@ std::optional<int> UserDefaults::integer(const QString& key) const {
   if (type == QMetaType::Int) return value.toInt();
   if (type != QMetaType::Double && type != QMetaType::LongLong) return std::nullopt;
   const double number = value.toDouble();
-  if (number != std::trunc(number) || std::abs(number) > 2147483647.0) return std::nullopt;
+  using Limits = std::numeric_limits<int>;
+  if (number != std::trunc(number) || number < Limits::min() || number > Limits::max()) return std::nullopt;
   return static_cast<int>(number);
 }
 

@@ -248,14 +248,15 @@ Task<> AppModel::saveLater(Weak<AppModel> self) {
 
 // --- Records ---
 
-void AppModel::updateItem(size_t index, const std::function<void(ScreenshotItem&)>& change) {
+bool AppModel::updateItem(size_t index, const std::function<void(ScreenshotItem&)>& change) {
   const ScreenshotItem before = items_[index];
-  if (!items_.update(index, change)) return;
+  if (!items_.update(index, change)) return false;
   const ScreenshotItem& after = items_[index];
   if (after.url != before.url || after.state != before.state || after.fileIdentity != before.fileIdentity) {
     recordIndexCache_.reset();
   }
   changed(ModelChange{ModelField::items, ModelChange::Rows::changed, {index}});
+  return true;
 }
 
 void AppModel::insertNewest(ScreenshotItem item) {

@@ -166,8 +166,8 @@ class AppModel {
   void setFlag(Published<bool>& field, const char* key, bool isOn);
   void setWatchFolderHasReceivedScreenshot(bool hasReceived);
   static Task<> saveLater(Weak<AppModel> self);
-  /// The only way to change a record.
-  void updateItem(size_t index, const std::function<void(ScreenshotItem&)>& change);
+  /// The only way to change a record; answers whether it became another.
+  bool updateItem(size_t index, const std::function<void(ScreenshotItem&)>& change);
   void insertNewest(ScreenshotItem item);
   static void setMember(Published<UUIDSet>& set, const UUID& id, bool isMember);
 

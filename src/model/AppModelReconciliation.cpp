@@ -139,23 +139,28 @@ void AppModel::applyOutcomes(const UUIDMap<ReconcileOutcome>& outcomes, const st
 
 /// Answers whether the record changed.
 bool AppModel::applyPresent(size_t index, const FilePresent& present) {
-  const ScreenshotItem before = items_[index];
+  const FileURL oldURL = items_[index].url;
+  const bool hadCompleteIdentity = items_[index].fileIdentity && items_[index].fileIdentity->isComplete();
+  bool hasChanged = false;
   if (present.refreshedBookmark) {
-    updateItem(index, [&](ScreenshotItem& item) { item.fileBookmark = present.refreshedBookmark; });
+    hasChanged = updateItem(index, [&](ScreenshotItem& item) { item.fileBookmark = present.refreshedBookmark; });
   }
-  const bool hasMoved = present.url != before.url && pathKeyOf(present.url) != pathKeyOf(before.url);
+  const bool hasMoved = present.url != oldURL && pathKeyOf(present.url) != pathKeyOf(oldURL);
   if (hasMoved) {
+    hasChanged = true;
     const auto oldBookmark = items_[index].fileBookmark;
     updateLocation(index, present.url, present.scopedURL);
     if (present.foundByIdentity) refreshBookmark(index, oldBookmark);
   }
   // A complete identity at the same path is kept: another file under this name must not pass for the old one.
-  const bool keepsIdentity = before.fileIdentity && before.fileIdentity->isComplete() && !hasMoved;
-  if (present.identity && !keepsIdentity) {
-    updateItem(index, [&](ScreenshotItem& item) { item.fileIdentity = present.identity; });
+  if (present.identity && (hasMoved || !hadCompleteIdentity)) {
+    hasChanged = updateItem(index, [&](ScreenshotItem& item) { item.fileIdentity = present.identity; }) || hasChanged;
   }
-  if (!items_[index].fileBookmark) refreshBookmark(index, std::nullopt);
-  return items_[index] != before;
+  if (!items_[index].fileBookmark) {
+    refreshBookmark(index, std::nullopt);
+    hasChanged = hasChanged || items_[index].fileBookmark;
+  }
+  return hasChanged;
 }
 
 void AppModel::updateLocation(size_t index, const FileURL& url, const std::optional<FileURL>& scopedURL) {

@@ -90,6 +90,7 @@ void QtExecutor::endDueDelays() {
   while (!delays_.empty() && delays_.begin()->first <= now) {
     auto node = delays_.extract(delays_.begin());
     deadlines_.erase(node.mapped().id);
+    arm();  // before the call, which may run an event loop of its own
     node.mapped().end(true);
   }
   arm();
