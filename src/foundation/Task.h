@@ -48,6 +48,10 @@ struct TaskStateBase {
     onCancel = nullptr;
     for (auto& waiter : std::exchange(waiters, {})) waiter->resume();
   }
+  /// The coroutine is gone without having finished. Its waiters, which hold this state, would keep each other for ever.
+  void abandon() {
+    if (!isDone) std::exchange(waiters, {}).clear();
+  }
 };
 
 template <typename T>
@@ -67,6 +71,7 @@ struct PromiseBase {
 template <typename T>
 struct Promise : PromiseBase {
   std::shared_ptr<TaskState<T>> state = std::make_shared<TaskState<T>>();
+  ~Promise() { state->abandon(); }
   void return_value(T value) {
     state->value.emplace(std::move(value));
     state->finish();
@@ -75,6 +80,7 @@ struct Promise : PromiseBase {
 template <>
 struct Promise<void> : PromiseBase {
   std::shared_ptr<TaskState<void>> state = std::make_shared<TaskState<void>>();
+  ~Promise() { state->abandon(); }
   void return_void() { state->finish(); }
 };
 

@@ -93,7 +93,11 @@ void AppModel::finishStart() {
     if (item.state == ScreenshotItem::State::temporary && item.expiresAt) expirations[item.id] = *item.expiresAt;
   });
   expirationScheduler_.schedule(expirations);
-  enqueueAllPending();
+  // A capture may have been found before its elders were checked; the person still meets the oldest first.
+  const auto early = *promptQueue;
+  for (const UUID& id : early) popupAutoSaveScheduler_.drop(id);
+  if (!early.empty()) promptQueue.set({});
+  if (!enqueueAllPending() && !early.empty()) showNextPrompt();
 }
 
 void AppModel::observeSystem() {

@@ -125,6 +125,66 @@ void appendEncoded(std::string& out, const FileIdentity& identity) {
 
 // --- Reading ---
 
+/// Builds the document, but reads numbers itself: the parser's own exact reading runs out of its tables on hostile
+/// exponents. What no number can hold ends the parsing.
+class DocumentBuilder {
+ public:
+  explicit DocumentBuilder(rapidjson::Document& document) : document_(document) {}
+
+  bool RawNumber(const char* text, rapidjson::SizeType length, bool) {
+    const std::string_view digits(text, length);
+    const bool isWhole = digits.find_first_of(".eE") == std::string_view::npos;
+    int64_t whole = 0;
+    if (isWhole && read(digits, whole)) return document_.Int64(whole);
+    uint64_t large = 0;
+    if (isWhole && read(digits, large)) return document_.Uint64(large);
+    double number = 0;
+    return read(digits, number) && document_.Double(number);
+  }
+
+  bool Null() { return document_.Null(); }
+  bool Bool(bool value) { return document_.Bool(value); }
+  bool Int(int value) { return document_.Int(value); }
+  bool Uint(unsigned value) { return document_.Uint(value); }
+  bool Int64(int64_t value) { return document_.Int64(value); }
+  bool Uint64(uint64_t value) { return document_.Uint64(value); }
+  bool Double(double value) { return document_.Double(value); }
+  bool String(const char* text, rapidjson::SizeType length, bool copy) { return document_.String(text, length, copy); }
+  bool Key(const char* text, rapidjson::SizeType length, bool copy) { return document_.Key(text, length, copy); }
+  bool StartObject() { return document_.StartObject(); }
+  bool EndObject(rapidjson::SizeType count) { return document_.EndObject(count); }
+  bool StartArray() { return document_.StartArray(); }
+  bool EndArray(rapidjson::SizeType count) { return document_.EndArray(count); }
+
+ private:
+  template <typename Number>
+  static bool read(std::string_view digits, Number& number) {
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    return error == std::errc() && end == digits.data() + digits.size();
+  }
+
+  rapidjson::Document& document_;
+};
+
+/// The document's texts point into `bytes`.
+bool parseInPlace(std::string& bytes, rapidjson::Document& document) {
+  // The parser reads whole blocks of 16 bytes, the last one past the text's end.
+  bytes.append(16, '\0');
+  // Iterative: deeply nested input must not exhaust the stack.
+  constexpr unsigned kFlags =
+      rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag;
+  bool isParsed = false;
+  auto generator = [&](rapidjson::Document& target) {
+    DocumentBuilder builder(target);
+    rapidjson::InsituStringStream stream(bytes.data());
+    rapidjson::Reader reader;
+    isParsed = !reader.Parse<kFlags>(stream, builder).IsError();
+    return isParsed;
+  };
+  document.Populate(generator);
+  return isParsed;
+}
+
 /// Reads the keys of one object. A key that is absent or null reads as none; a value of another type is a failure,
 /// which stays noted.
 class ObjectReader {
@@ -294,14 +354,8 @@ std::optional<DecodedList> decodeList(std::string& bytes) {
   if (bytes.find('\0') != std::string::npos) return std::nullopt;
   // At once and vectorised, where the parser would look at each byte.
   if (!QUtf8StringView(bytes.data(), static_cast<qsizetype>(bytes.size())).isValidUtf8()) return std::nullopt;
-  // The parser reads whole blocks of 16 bytes, the last one past the text's end.
-  bytes.append(16, '\0');
   rapidjson::Document document;
-  // Iterative: deeply nested input must not exhaust the stack. Full precision: a date reads back as it was written.
-  constexpr unsigned kFlags =
-      rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag | rapidjson::kParseFullPrecisionFlag;
-  document.ParseInsitu<kFlags>(bytes.data());
-  if (document.HasParseError()) return std::nullopt;
+  if (!parseInPlace(bytes, document)) return std::nullopt;
 
   DecodedList list;
   const Value* items = &document;

@@ -32,7 +32,7 @@ QByteArray Bookmark::encoded() const {
   if (file) object[QLatin1String("file")] = QString::number(*file);
   if (creationDate) object[QLatin1String("creationDate")] = creationDate->seconds;
   if (isDirectory) object[QLatin1String("directory")] = true;
-  if (mountPoint) object[QLatin1String("mountPoint")] = QString::fromStdString(*mountPoint);
+  if (mountPoint) object[QLatin1String("mountPoint")] = textOf(FileURL::fromPath(*mountPoint));
   return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
 
@@ -49,7 +49,8 @@ std::optional<Bookmark> Bookmark::decode(const QByteArray& bytes) {
   const QJsonValue created = object.value(QLatin1String("creationDate"));
   if (created.isDouble()) bookmark.creationDate = Date{created.toDouble()};
   bookmark.isDirectory = object.value(QLatin1String("directory")).toBool();
-  bookmark.mountPoint = optionalText(object.value(QLatin1String("mountPoint")));
+  const FileURL mountPoint = urlOf(object.value(QLatin1String("mountPoint")).toString());
+  if (!mountPoint.isEmpty()) bookmark.mountPoint = mountPoint.path();
   return bookmark;
 }
 

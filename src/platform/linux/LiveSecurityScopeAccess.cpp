@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <unistd.h>
 #include <cmath>
+#include <ctime>
 
 #include "foundation/FileStatus.h"
 
@@ -15,6 +16,15 @@ const QString kBookmarkKey = QStringLiteral("quillmere.staging-folder-bookmark")
 std::optional<FileStatus> statusThroughLinks(const FileURL& url) {
   const auto real = url.resolvingSymlinks();
   return real ? fileStatus(*real) : std::nullopt;
+}
+
+/// The dates of files stand still until the kernel's clock ticks: a folder listed right after a change may change again
+/// and keep its date.
+bool hasSettled(Date modified) {
+  constexpr double kTick = 0.02;
+  timespec now{};
+  ::clock_gettime(CLOCK_REALTIME, &now);
+  return std::abs(Date::fromUnix(now.tv_sec, static_cast<uint32_t>(now.tv_nsec)) - modified) > kTick;
 }
 
 }  // namespace
@@ -102,8 +112,9 @@ std::optional<FileURL> LiveSecurityScopeAccess::searchFolder(const Bookmark& boo
   std::vector<std::string> names;
   {
     const std::lock_guard lock(mutex_);
-    if (!numbers_ || numbers_->folder != folder || numbers_->modified != status->modified) {
-      numbers_ = FolderNumbers{folder, status->modified, {}};
+    const bool isKnown = numbers_ && numbers_->folder == folder && numbers_->modified == status->modified;
+    if (!isKnown || !numbers_->isSettled) {
+      numbers_ = FolderNumbers{folder, status->modified, hasSettled(status->modified), {}};
       if (DIR* stream = ::opendir(folder.c_str())) {
         while (const dirent* entry = ::readdir(stream)) numbers_->names.emplace(entry->d_ino, entry->d_name);
         ::closedir(stream);

@@ -36,6 +36,7 @@ class LiveSecurityScopeAccess final : public SecurityScopeAccess {
   struct FolderNumbers {
     FileURL folder;
     Date modified;
+    bool isSettled = false;  ///< a later change of the folder will show in its date
     std::multimap<uint64_t, std::string> names;
   };
 

@@ -8,6 +8,7 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 #include <QtCore/QSocketNotifier>
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstring>
@@ -92,18 +93,14 @@ std::vector<MountPoint> parseMountInfo(const std::string& text) {
   std::vector<MountPoint> mounts;
   std::istringstream lines(text);
   for (std::string line; std::getline(lines, line);) {
-    // id parent major:minor root mountpoint options [tags] - type source super-options
-    std::istringstream fields(line);
-    std::string skipped;
-    std::string path;
-    MountPoint mount;
-    fields >> skipped >> skipped >> skipped >> skipped >> path;
-    while (fields >> skipped && skipped != "-") {
-    }
-    if (!(fields >> mount.type >> mount.source)) continue;
-    mount.path = unescape(path);
-    mount.source = unescape(mount.source);
-    mounts.push_back(std::move(mount));
+    // id parent major:minor root mountpoint options [tags] - type source super-options; a field may be empty, and other
+    // white space than blanks stands in it as it is.
+    std::vector<std::string> fields;
+    std::istringstream words(line);
+    for (std::string word; std::getline(words, word, ' ');) fields.push_back(word);
+    const auto separator = std::find(fields.begin(), fields.end(), "-");
+    if (separator - fields.begin() < 6 || fields.end() - separator < 4) continue;
+    mounts.push_back({unescape(fields[4]), unescape(separator[2]), separator[1]});
   }
   return mounts;
 }
