@@ -67,8 +67,11 @@ bool ScreenshotListWriter::save(ScreenshotList& list, const FileURL& file) {
   if (descriptor < 0) return false;
 
   std::vector<ScreenshotList::Range> ranges;
-  const bool isWritten =
-      write(list, descriptor, ranges) && ::fsync(descriptor) == 0 && ::rename(temporary.c_str(), target.c_str()) == 0;
+  // The last save's file may have become unreadable; the records themselves are still here.
+  const bool isEncoded = (canCopyFromLast() && write(list, descriptor, Source::lastFile, ranges)) ||
+                         (::ftruncate(descriptor, 0) == 0 && ::lseek(descriptor, 0, SEEK_SET) == 0 &&
+                          write(list, descriptor, Source::memory, ranges));
+  const bool isWritten = isEncoded && ::fsync(descriptor) == 0 && ::rename(temporary.c_str(), target.c_str()) == 0;
   if (!isWritten) {
     ::close(descriptor);
     ::unlink(temporary.c_str());
@@ -94,16 +97,16 @@ bool ScreenshotListWriter::canCopyFromLast() const {
   return last_ >= 0 && signatureOf(last_) == lastSignature_;
 }
 
-bool ScreenshotListWriter::write(ScreenshotList& list, int descriptor, std::vector<ScreenshotList::Range>& ranges) {
+bool ScreenshotListWriter::write(const ScreenshotList& list, int descriptor, Source unchanged,
+                                 std::vector<ScreenshotList::Range>& ranges) {
   encodedCount_ = 0;
   ranges.resize(list.size());
-  const bool canCopy = canCopyFromLast();
   BufferedWriter out(descriptor);
   out.buffer() += kListHead;
   for (size_t i = 0; i < list.size();) {
     if (i > 0) out.buffer().push_back(',');
     const auto first = list.range(i);
-    if (!canCopy || first.length == 0) {
+    if (unchanged == Source::memory || first.length == 0) {
       const int64_t start = out.position();
       appendEncoded(out.buffer(), list[i]);
       ranges[i] = {start, out.position() - start};

@@ -20,7 +20,7 @@ class ScreenshotListWriter {
   ScreenshotListWriter& operator=(const ScreenshotListWriter&) = delete;
   ~ScreenshotListWriter();
 
-  /// False when anything failed; the file is then as it was, and so are the list's ranges.
+  /// False when anything failed. The file is then as it was, unless the folder's flush alone failed.
   bool save(ScreenshotList& list, const FileURL& file);
   /// How many records the last save encoded; for inspection.
   size_t encodedCount() const { return encodedCount_; }
@@ -34,7 +34,9 @@ class ScreenshotListWriter {
   };
   static Signature signatureOf(int descriptor);
   bool canCopyFromLast() const;
-  bool write(ScreenshotList& list, int descriptor, std::vector<ScreenshotList::Range>& ranges);
+  /// Where the records that did not change are taken from.
+  enum class Source { lastFile, memory };
+  bool write(const ScreenshotList& list, int descriptor, Source unchanged, std::vector<ScreenshotList::Range>& ranges);
 
   int last_ = -1;  ///< the file of the last save, open for reading
   Signature lastSignature_;

@@ -1,0 +1,171 @@
+#include "foundation/UserDefaults.h"
+
+#include <gtest/gtest.h>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <limits>
+
+#include "support/Files.h"
+#include "support/Printing.h"
+#include "support/TemporaryFolder.h"
+
+namespace quillmere {
+namespace {
+
+class UserDefaultsTest : public ::testing::Test {
+ protected:
+  UserDefaults open() const { return UserDefaults(file.displayPath()); }
+  QJsonObject json() const {
+    return QJsonDocument::fromJson(QByteArray::fromStdString(testing::readBytes(file))).object();
+  }
+  void write(std::string_view bytes) { testing::writeFile(file, bytes); }
+
+  const testing::TemporaryFolder folder;
+  const FileURL file = folder.file("settings.json");
+  const QString key = QStringLiteral("quillmere.test-key");
+};
+
+TEST_F(UserDefaultsTest, AbsentKeyIsNone) {
+  const UserDefaults defaults = open();
+  EXPECT_EQ(defaults.boolean(key), std::nullopt);
+  EXPECT_EQ(defaults.integer(key), std::nullopt);
+  EXPECT_EQ(defaults.text(key), std::nullopt);
+  EXPECT_EQ(defaults.data(key), std::nullopt);
+}
+
+TEST_F(UserDefaultsTest, BooleanSurvivesAReopen) {
+  for (const bool value : {true, false}) {
+    UserDefaults defaults = open();
+    defaults.set(key, value);
+    EXPECT_EQ(defaults.boolean(key), value);
+    EXPECT_EQ(open().boolean(key), value);
+    EXPECT_EQ(open().integer(key), std::nullopt);
+    EXPECT_EQ(open().text(key), std::nullopt);
+  }
+}
+
+TEST_F(UserDefaultsTest, WholeNumberSurvivesAReopen) {
+  for (const int value : {0, 1, -1, 3600, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
+    UserDefaults defaults = open();
+    defaults.set(key, value);
+    EXPECT_EQ(defaults.integer(key), value);
+    EXPECT_EQ(open().integer(key), value);
+    EXPECT_EQ(open().boolean(key), std::nullopt);
+    EXPECT_EQ(open().text(key), std::nullopt);
+  }
+}
+
+TEST_F(UserDefaultsTest, TextSurvivesAReopen) {
+  for (const char* value : {"", "plain", "ü 截图 \xF0\x9F\x96\xBC", "a\nb\t\"c\"\\", "true", "5", "@Invalid()",
+                            "@ByteArray(x)", "a,b;c", "%20"}) {
+    const QString text = QString::fromUtf8(value);
+    UserDefaults defaults = open();
+    defaults.set(key, text);
+    EXPECT_EQ(defaults.text(key), text);
+    EXPECT_EQ(open().text(key), text);
+    EXPECT_EQ(open().boolean(key), std::nullopt);
+    EXPECT_EQ(open().integer(key), std::nullopt);
+  }
+}
+
+TEST_F(UserDefaultsTest, DataSurvivesAReopenAsBase64) {
+  QByteArray all;
+  for (int byte = 0; byte < 256; ++byte) all.append(static_cast<char>(byte));
+  for (const QByteArray& value : {QByteArray(""), QByteArray("bookmark"), all}) {
+    UserDefaults defaults = open();
+    defaults.set(key, value);
+    EXPECT_EQ(defaults.data(key), value);
+    EXPECT_EQ(open().data(key), value);
+    EXPECT_EQ(json()[key].toString().toLatin1(), value.toBase64());
+  }
+}
+
+TEST_F(UserDefaultsTest, TextThatIsNoBase64IsNoData) {
+  UserDefaults defaults = open();
+  for (const char* value : {"not base64!", "ü", "ab==c"}) {
+    defaults.set(key, QString::fromUtf8(value));
+    EXPECT_EQ(defaults.data(key), std::nullopt) << value;
+  }
+}
+
+TEST_F(UserDefaultsTest, FileIsOneFlatObjectWhoseValuesKeepTheirType) {
+  UserDefaults defaults = open();
+  defaults.set(QStringLiteral("quillmere.a"), true);
+  defaults.set(QStringLiteral("quillmere.b"), -1);
+  defaults.set(QStringLiteral("quillmere.c"), QStringLiteral("x"));
+  EXPECT_EQ(json(), (QJsonObject{{QStringLiteral("quillmere.a"), true},
+                                 {QStringLiteral("quillmere.b"), -1},
+                                 {QStringLiteral("quillmere.c"), QStringLiteral("x")}}));
+}
+
+TEST_F(UserDefaultsTest, ValuesOfAnotherTypeAreNone) {
+  for (const char* value : {"null", "[1]", "{\"a\":1}", "1.5"}) {
+    write("{\"quillmere.test-key\":" + std::string(value) + "}");
+    const UserDefaults defaults = open();
+    EXPECT_EQ(defaults.boolean(key), std::nullopt) << value;
+    EXPECT_EQ(defaults.integer(key), std::nullopt) << value;
+    EXPECT_EQ(defaults.text(key), std::nullopt) << value;
+    EXPECT_EQ(defaults.data(key), std::nullopt) << value;
+  }
+}
+
+TEST_F(UserDefaultsTest, NumbersThatAreNotWholeOrTooLargeAreNone) {
+  for (const char* value : {"0.5", "2147483648", "-2147483649", "1e30", "9223372036854775807"}) {
+    write("{\"quillmere.test-key\":" + std::string(value) + "}");
+    EXPECT_EQ(open().integer(key), std::nullopt) << value;
+  }
+  write("{\"quillmere.test-key\":6e1}");
+  EXPECT_EQ(open().integer(key), 60);
+}
+
+TEST_F(UserDefaultsTest, RemovedKeyIsNone) {
+  UserDefaults defaults = open();
+  defaults.set(key, 5);
+  defaults.remove(key);
+  EXPECT_EQ(defaults.integer(key), std::nullopt);
+  EXPECT_EQ(open().integer(key), std::nullopt);
+  defaults.remove(key);
+}
+
+TEST_F(UserDefaultsTest, WriteIsOnTheDiskWhenItReturns) {
+  UserDefaults defaults = open();
+  defaults.set(key, 5);
+  EXPECT_EQ(json()[key].toInt(), 5);
+}
+
+TEST_F(UserDefaultsTest, FileOfGarbageReadsAsNoSettingsAndCanBeWritten) {
+  for (const std::string& bytes : {std::string(), std::string("garbage"), std::string("[1,2]"), std::string("{\"a\":"),
+                                   std::string(64, '\0'), std::string("\xff\xfe"), std::string(1'000'000, '[')}) {
+    write(bytes);
+    UserDefaults defaults = open();
+    EXPECT_EQ(defaults.boolean(key), std::nullopt);
+    defaults.set(key, true);
+    EXPECT_EQ(open().boolean(key), true);
+  }
+}
+
+TEST_F(UserDefaultsTest, KeysOfOthersSurviveAWrite) {
+  write(R"({"another":{"deep":[1,"x"]},"quillmere.kept":"text","number":12345678901})");
+  open().set(key, true);
+  EXPECT_EQ(json()[QStringLiteral("quillmere.kept")].toString(), QStringLiteral("text"));
+  EXPECT_EQ(json()[QStringLiteral("number")].toDouble(), 12345678901.0);
+  EXPECT_EQ(json()[QStringLiteral("another")].toObject()[QStringLiteral("deep")].toArray().size(), 2);
+}
+
+TEST_F(UserDefaultsTest, KeysTellCasesApart) {
+  UserDefaults defaults = open();
+  defaults.set(QStringLiteral("quillmere.a"), 1);
+  defaults.set(QStringLiteral("quillmere.A"), 2);
+  EXPECT_EQ(open().integer(QStringLiteral("quillmere.a")), 1);
+  EXPECT_EQ(open().integer(QStringLiteral("quillmere.A")), 2);
+}
+
+TEST_F(UserDefaultsTest, FolderThatIsMissingIsMade) {
+  const QString deep = folder.file("a/b/settings.json").displayPath();
+  UserDefaults(deep).set(key, 7);
+  EXPECT_EQ(UserDefaults(deep).integer(key), 7);
+}
+
+}  // namespace
+}  // namespace quillmere
