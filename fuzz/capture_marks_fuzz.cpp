@@ -1,9 +1,9 @@
-#include <cstdint>
-#include <cstdlib>
 #include <fcntl.h>
-#include <string>
 #include <sys/mman.h>
 #include <unistd.h>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
 
 #include "monitor/CaptureMarks.h"
 

@@ -90,6 +90,14 @@ bool isSideways(QImageIOHandler::Transformations transformation) {
   return transformation.testFlag(QImageIOHandler::TransformationRotate90);
 }
 
+/// Qt gives up at 128 MiB of pixels; a capture of several large screens, or of a page scrolled through, has more.
+QImage readAll(QImageReader& reader) {
+  constexpr int kMostMegabytes = 1024;
+  static const bool isLimitSet = (QImageReader::setAllocationLimit(kMostMegabytes), true);
+  Q_UNUSED(isLimitSet)
+  return reader.read();
+}
+
 QImage scaledDown(const QImage& image, int maxPixels) {
   if (image.isNull() || (image.width() <= maxPixels && image.height() <= maxPixels)) return image;
   return image.scaled(maxPixels, maxPixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
@@ -103,7 +111,7 @@ bool ImageFile::decodesCompletely(const FileURL& url) {
   if (isHeif(file.device())) return !HeifImage(file.device()).decode().isNull();
   if (!hasEndMarker(file.device())) return false;
   QImageReader reader(&file.device());
-  return !reader.read().isNull();
+  return !readAll(reader).isNull();
 }
 
 std::optional<QSize> ImageFile::pixelSize(const FileURL& url) {
@@ -122,7 +130,7 @@ QImage ImageFile::thumbnail(const FileURL& url, int maxPixels) {
   if (isHeif(file.device())) return scaledDown(HeifImage(file.device()).decode(), maxPixels);
   QImageReader reader(&file.device());
   reader.setAutoTransform(true);
-  return scaledDown(reader.read(), maxPixels);
+  return scaledDown(readAll(reader), maxPixels);
 }
 
 }  // namespace quillmere

@@ -29,20 +29,22 @@ QString symbolOf(const ScreenshotItem& item, bool isUnavailable) {
 
 }  // namespace
 
-InboxListModel::InboxListModel(AppModel& model, ThumbnailLoader& thumbnails)
-    : model_(model), thumbnails_(thumbnails), rows_(static_cast<int>(model.items().size())) {
+InboxListModel::InboxListModel(AppModel& model, ThumbnailLoader& thumbnails) : model_(model), thumbnails_(thumbnails) {
+  ids_.reserve(model.items().size());
+  for (size_t row = model.items().size(); row-- > 0;) ids_.push_back(model.items()[row].id);
   changes_ = model.changed.connect([this](const ModelChange& change) { follow(change); });
 }
 
 int InboxListModel::rowCount(const QModelIndex& parent) const {
-  return parent.isValid() ? 0 : rows_;
+  return parent.isValid() ? 0 : rows();
 }
 
 QVariant InboxListModel::data(const QModelIndex& index, int role) const {
+  if (!index.isValid() || index.row() >= rows()) return {};
+  const ScreenshotItem* found = model_.items().find(ids_[static_cast<size_t>(rows() - 1 - index.row())]);
   // Between the removal of several rows the views may ask for one that is gone already.
-  const auto row = static_cast<size_t>(index.row());
-  if (!index.isValid() || row >= model_.items().size()) return {};
-  const ScreenshotItem& item = model_.items()[row];
+  if (!found) return {};
+  const ScreenshotItem& item = *found;
   const bool unavailable = isUnavailable(item);
   const QString status = unavailable ? localized("Unavailable") : statusText(item.state);
   switch (role) {
@@ -72,8 +74,10 @@ QVariant InboxListModel::data(const QModelIndex& index, int role) const {
 }
 
 void InboxListModel::follow(const ModelChange& change) {
-  if (change.field == ModelField::unavailableItemIDs && rows_ > 0) {
-    Q_EMIT dataChanged(index(0), index(rows_ - 1));
+  const bool isAboutAvailability =
+      change.field == ModelField::unavailableItemIDs || change.field == ModelField::evictedItemIDs;
+  if (isAboutAvailability && rows() > 0) {
+    Q_EMIT dataChanged(index(0), index(rows() - 1));
     return;
   }
   if (change.field != ModelField::items) return;
@@ -83,7 +87,7 @@ void InboxListModel::follow(const ModelChange& change) {
     case ModelChange::Rows::inserted:
       for (const size_t row : change.indices) {
         beginInsertRows({}, static_cast<int>(row), static_cast<int>(row));
-        ++rows_;
+        ids_.insert(place(row), model_.items()[row].id);
         endInsertRows();
       }
       return;
@@ -97,7 +101,7 @@ void InboxListModel::follow(const ModelChange& change) {
       // From the last on, so that the indices before it stay true.
       for (auto row = change.indices.rbegin(); row != change.indices.rend(); ++row) {
         beginRemoveRows({}, static_cast<int>(*row), static_cast<int>(*row));
-        --rows_;
+        ids_.erase(place(*row) - 1);
         endRemoveRows();
       }
       return;

@@ -5,6 +5,7 @@
 #include <functional>
 #include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 #include "foundation/Weak.h"
 #include "imaging/ThumbnailLoader.h"
@@ -35,6 +36,8 @@ class InboxListModel final : public QAbstractListModel {
 
  private:
   void follow(const ModelChange& change);
+  int rows() const { return static_cast<int>(ids_.size()); }
+  std::vector<UUID>::iterator place(size_t row) { return ids_.end() - static_cast<std::ptrdiff_t>(row); }
   bool isUnavailable(const ScreenshotItem& item) const { return model_.unavailableItemIDs->contains(item.id); }
   QVariant thumbnail(const ScreenshotItem& item) const;
   static Task<> load(Weak<InboxListModel> self, UUID id, FileURL url);
@@ -48,7 +51,8 @@ class InboxListModel final : public QAbstractListModel {
     QImage image;
   };
   mutable UUIDMap<Picture> pictures_;
-  int rows_ = 0;  // as the views know them
+  // The rows as the views know them while they are told of a change. Oldest first, so that an arrival moves nothing.
+  std::vector<UUID> ids_;
   Lifetime lifetime_;
 };
 

@@ -30,6 +30,8 @@ MessageView::MessageView(const Content& content, QWidget* parent) : QWidget(pare
   QPalette secondary = text->palette();
   secondary.setColor(QPalette::WindowText, theme.secondaryText);
   text->setPalette(secondary);
+  // Aligned in its column, a label is no longer asked for its height at a width.
+  text->setMinimumHeight(text->heightForWidth(kTextWidth));
 
   auto* column = new QVBoxLayout(this);
   column->setSpacing(8);

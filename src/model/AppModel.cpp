@@ -78,7 +78,10 @@ void AppModel::start() {
   expirationScheduler_.start([this](const UUID& id) { expire(id); });
   restoreWatchFolder();
   observeSystem();
-  if (dependencies_.interruptedSince) dependencies_.monitor->expectArrivalsSince(*dependencies_.interruptedSince);
+  if (dependencies_.interruptedSince) {
+    isRecovering_ = true;
+    dependencies_.monitor->expectArrivalsSince(*dependencies_.interruptedSince);
+  }
   dependencies_.monitor->watch(*watchFolderURL);
   dependencies_.monitor->start();
   ReconcileRequest everything;
@@ -93,23 +96,23 @@ void AppModel::finishStart() {
     if (item.state == ScreenshotItem::State::temporary && item.expiresAt) expirations[item.id] = *item.expiresAt;
   });
   expirationScheduler_.schedule(expirations);
-  // A capture may have been found before its elders were checked; the person still meets the oldest first.
-  const auto early = *promptQueue;
-  for (const UUID& id : early) popupAutoSaveScheduler_.drop(id);
-  if (!early.empty()) promptQueue.set({});
-  if (!enqueueAllPending() && !early.empty()) showNextPrompt();
+  isRecovering_ = false;
+  enqueueAllPending();
 }
 
 void AppModel::observeSystem() {
   SystemEvents& events = *dependencies_.systemEvents;
-  const auto retryLostFolder = [this] {
-    if (*watcherStatus == WatcherStatus::notFound || *watcherStatus == WatcherStatus::volumeNotConnected) {
-      retryWatchFolder();
-    }
+  const auto findsLostFolder = [this] {
+    const bool isLost =
+        *watcherStatus == WatcherStatus::notFound || *watcherStatus == WatcherStatus::volumeNotConnected;
+    return isLost && retryWatchFolder();
   };
-  observers_.push_back(events.didBecomeActive.connect(retryLostFolder));
-  observers_.push_back(events.didWake.connect([this, retryLostFolder] {
-    retryLostFolder();
+  observers_.push_back(events.didBecomeActive.connect([this, findsLostFolder] {
+    // The monitor's own news of the folder will be no change any more, so its records are looked at from here.
+    if (findsLostFolder()) reconcile({});
+  }));
+  observers_.push_back(events.didWake.connect([this, findsLostFolder] {
+    findsLostFolder();
     reconcile({.ids = std::nullopt, .polite = true, .dropsUnavailableFromQueue = false, .completions = {}});
   }));
   const auto observe = [this](Signal<>& event, bool& flag, bool value) {

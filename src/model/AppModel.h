@@ -210,7 +210,7 @@ class AppModel {
 
   // AppModelWatchFolder.cpp
   void restoreWatchFolder();
-  void retryWatchFolder();
+  bool retryWatchFolder();
   void followMovedFolder(const FileURL& folder);
   void setWatchFolder(const std::optional<FileURL>& url);
   std::string pathKeyOf(const FileURL& url) const { return pathKey(url, watchFolderPaths_); }
@@ -230,6 +230,7 @@ class AppModel {
   ScreenshotListWriter listWriter_;
   bool recordsReadOnly_ = false;
   bool didStart_ = false;
+  bool isRecovering_ = false;  ///< arrivals wait, so that the lost run's screenshots come back oldest first
   Task<> saveTask_;
   std::vector<Connection> observers_;
   bool screensAsleep_ = false;

@@ -30,7 +30,7 @@ void AppModel::record(const FileURL& url, bool arrivedFromElsewhere) {
   refreshBookmark(0, std::nullopt);
   refreshItemAccess(0, std::nullopt);
   saveNow();
-  if (!arrivedFromElsewhere) enqueuePrompt(id);
+  if (!arrivedFromElsewhere && !isRecovering_) enqueuePrompt(id);
 }
 
 /// Whether the file is a known one under a new name; its record then follows it.

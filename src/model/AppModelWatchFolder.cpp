@@ -3,6 +3,12 @@
 #include "model/AppModel.h"
 
 namespace quillmere {
+namespace {
+
+/// Longer than it takes to hear of a folder's move and to find it again.
+constexpr double kFollowingMargin = 5.0;
+
+}  // namespace
 
 FolderPanelStart AppModel::folderPanelStart(const std::optional<FileURL>& preferred) const {
   const auto standard = dependencies_.defaultScreenshotFolder();
@@ -68,24 +74,26 @@ void AppModel::restoreWatchFolder() {
   setWatchFolder(resolved ? std::optional(resolved->url) : std::nullopt);
 }
 
-/// Looks again for a folder that was lost: where it was, or where its bookmark says it has gone.
-void AppModel::retryWatchFolder() {
-  if (!*watchFolderURL) return;
+/// Looks again for a folder that was lost: where it was, or where its bookmark says it has gone. Answers whether it is
+/// there.
+bool AppModel::retryWatchFolder() {
+  if (!*watchFolderURL) return false;
   const auto resolved = resolveBookmark(*dependencies_.securityScope, dependencies_.watchFolderStore->bookmark());
-  if (!resolved) return;
+  if (!resolved) return false;
   const FileURL folder = resolved->url.standardized();
   if (folder != (*watchFolderURL)->standardized()) {
-    if (!dependencies_.isFolderReachable(folder)) return;
+    if (!dependencies_.isFolderReachable(folder)) return false;
     if (resolved->refreshed) dependencies_.watchFolderStore->setBookmark(*resolved->refreshed);
     followMovedFolder(folder);
-    return;
+    return true;
   }
   if (resolved->refreshed) dependencies_.watchFolderStore->setBookmark(*resolved->refreshed);
-  if (!dependencies_.isFolderReachable(folder)) return;
+  if (!dependencies_.isFolderReachable(folder)) return false;
   const auto oldFolder = access_.takeFolder();
   const FileURL url = **watchFolderURL;
   setWatchFolder(url);
   access_.endAccess(oldFolder);
+  return true;
 }
 
 void AppModel::followMovedFolder(const FileURL& folder) {
@@ -99,6 +107,8 @@ void AppModel::followMovedFolder(const FileURL& folder) {
     updateItem(i, [&](ScreenshotItem& item) { item.url = moved; });
   }
   access_.endAccess(oldFolder);
+  // What was captured between the move and now is no old file.
+  dependencies_.monitor->expectArrivalsSince(now() + -kFollowingMargin);
   dependencies_.monitor->watch(folder);
   saveNow();
 }

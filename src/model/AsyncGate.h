@@ -3,6 +3,7 @@
 #include <coroutine>
 #include <list>
 #include <memory>
+#include <utility>
 
 #include "foundation/Task.h"
 
@@ -12,6 +13,11 @@ namespace quillmere {
 class AsyncGate {
  public:
   explicit AsyncGate(int limit) : limit_(limit) {}
+  /// Those that still wait go with the gate: nobody could let them in, and they would keep each other alive.
+  ~AsyncGate() {
+    const Waiters abandoned = std::exchange(*waiters_, {});
+    for (const Waiter& waiter : abandoned) waiter.task->onCancel = nullptr;
+  }
   AsyncGate(const AsyncGate&) = delete;
   AsyncGate& operator=(const AsyncGate&) = delete;
 

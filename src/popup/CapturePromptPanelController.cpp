@@ -53,7 +53,11 @@ void CapturePromptPanelController::makePanel(AppModel& model) {
   view_->onKeyboardWanted = [this] { takeKeyboard(); };
   view_->confirmDeletion = services_.confirmDeletion;
   panel_ = std::make_unique<CaptureDecisionPanel>(view_);
-  panel_->onDeactivated = [this] { previousWindow_ = 0; };
+  panel_->onDeactivated = [this] {
+    previousWindow_ = 0;
+    // The person has gone elsewhere: a click on a button must leave the keyboard there.
+    panel_->windowHandle()->setFlag(Qt::WindowDoesNotAcceptFocus, true);
+  };
   panel_->winId();
 }
 
@@ -132,7 +136,9 @@ void CapturePromptPanelController::hide() {
   const quintptr previous = std::exchange(previousWindow_, 0);
   panel_->hide();
   services_.executor->post([self = lifetime_.weak(this)] {
-    if (self && !self->panel_->isVisible()) self->content_.reset();
+    if (!self || self->panel_->isVisible()) return;
+    self->content_.reset();
+    self->view_->clear();
   });
   // A popup that never had the keyboard has none to give back.
   if (!hadKeyboard || previous == 0) return;

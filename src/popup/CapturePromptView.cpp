@@ -227,10 +227,17 @@ void CapturePromptView::runGated(const std::function<void()>& action) {
   if (gateAllows()) action();
 }
 
+/// None for the name that the file has: one that no person chose is not to be cleaned, nor one that is not text
+/// mangled.
+std::optional<QString> CapturePromptView::newName() const {
+  const QString name = nameField_->text();
+  return name == content_->item.url.displayStem() ? std::nullopt : std::optional(name);
+}
+
 void CapturePromptView::chooseTemporary() {
   if (!gateAllows()) return;
   const UUID id = content_->item.id;
-  model_.markTemporary(id, durationPicker_->duration(), nameField_->text());
+  model_.markTemporary(id, durationPicker_->duration(), newName());
   const ScreenshotItem* item = model_.items().find(id);
   if (item && item->state == ScreenshotItem::State::temporary) {
     model_.announce(localized("Screenshot marked as temporary."), AnnouncementPriority::low);
@@ -240,7 +247,7 @@ void CapturePromptView::chooseTemporary() {
 void CapturePromptView::chooseKeep() {
   if (!gateAllows()) return;
   const UUID id = content_->item.id;
-  model_.keepPrompt(id, nameField_->text());
+  model_.keepPrompt(id, newName());
   const ScreenshotItem* item = model_.items().find(id);
   if (item && item->state == ScreenshotItem::State::permanent) {
     model_.announce(localized("Screenshot kept."), AnnouncementPriority::low);

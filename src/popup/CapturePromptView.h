@@ -24,6 +24,8 @@ class CapturePromptView final : public QWidget {
   CapturePromptView(AppModel& model, Executor& executor, ThumbnailLoader& thumbnails, QWidget* parent);
 
   void show(const CapturePromptContent& content);
+  /// The popup has closed: whatever it shows next starts anew, also the same screenshot.
+  void clear() { content_.reset(); }
   /// The person clicked where the keyboard is needed.
   std::function<void()> onKeyboardWanted;
   /// Asks before a file is deleted for good; true to go on.
@@ -43,6 +45,7 @@ class CapturePromptView final : public QWidget {
   void refreshCaption();
   void reportEdit();
   bool gateAllows() const;
+  std::optional<QString> newName() const;
   void runGated(const std::function<void()>& action);
   void chooseTemporary();
   void chooseKeep();

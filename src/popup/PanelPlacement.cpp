@@ -25,6 +25,13 @@ const PanelScreen* largestOverlap(const QRectF& rect, const std::vector<PanelScr
   return best;
 }
 
+/// Whether the pixel under the pointer is the screen's: it lies right of the pointer's point and, with y upward, below
+/// it, which matters where two screens meet.
+bool holdsPointer(const QRectF& frame, const QPointF& pointer) {
+  return pointer.x() >= frame.x() && pointer.x() < frame.x() + frame.width() && pointer.y() > frame.y() &&
+         pointer.y() <= frame.y() + frame.height();
+}
+
 std::optional<QRectF> mainOrFirst(const std::vector<PanelScreen>& screens, const std::optional<PanelScreen>& main) {
   if (main) return main->visibleFrame;
   return screens.empty() ? std::nullopt : std::optional(screens.front().visibleFrame);
@@ -60,7 +67,7 @@ std::optional<QRectF> chooseScreen(const std::optional<QRectF>& captureRect, con
   }
   const QPointF mouse = provider.mouseLocation();
   const auto under = std::find_if(screens.begin(), screens.end(),
-                                  [&](const PanelScreen& screen) { return screen.frame.contains(mouse); });
+                                  [&](const PanelScreen& screen) { return holdsPointer(screen.frame, mouse); });
   return under != screens.end() ? under->visibleFrame : mainOrFirst(screens, main);
 }
 

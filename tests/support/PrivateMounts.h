@@ -26,7 +26,7 @@ inline std::string failureWithPrivateMounts(const std::function<std::string()>& 
   if (child < 0) return "no child process";
   if (child == 0) {
     std::string failure = "no private mount namespace: run the tests as root";
-    if (::unshare(CLONE_NEWNS) == 0 && ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0) {
+    if (::unshare(CLONE_NEWNS) == 0 && ::mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) == 0) {
       failure = work();
     }
     const bool isTold = ::write(ends[1], failure.data(), failure.size()) == static_cast<ssize_t>(failure.size());
@@ -52,7 +52,7 @@ inline bool run(const std::string& command) {
 /// A small ext4 disk made from an image file and mounted at `folder`; for the work of a child process.
 inline bool mountDisk(const std::string& image, const std::string& folder, const std::string& uuid = {}) {
   const std::string withUUID = uuid.empty() ? std::string() : "-U " + uuid + " ";
-  return run("truncate -s 8M '" + image + "' && mkfs.ext4 -q -F -O ^has_journal " + withUUID + "'" + image +
+  return run("truncate -s 8M '" + image + "' && mkfs.ext4 -q -F -I 256 -O ^has_journal " + withUUID + "'" + image +
              "' && mount -o loop '" + image + "' '" + folder + "'");
 }
 

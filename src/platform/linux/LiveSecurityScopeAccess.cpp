@@ -72,7 +72,9 @@ std::optional<QByteArray> LiveSecurityScopeAccess::makeBookmark(const FileURL& u
 std::optional<SecurityScopeAccess::Resolution> LiveSecurityScopeAccess::resolve(const QByteArray& bytes) {
   const auto bookmark = Bookmark::decode(bytes);
   if (!bookmark) return std::nullopt;
-  if (!bookmark->file || isSameFile(*bookmark, bookmark->url)) return Resolution{bookmark->url, false};
+  // A path alone is enough to find the place, and worth making anew: it would not survive a rename.
+  if (!bookmark->file) return Resolution{bookmark->url, fileExists(bookmark->url)};
+  if (isSameFile(*bookmark, bookmark->url)) return Resolution{bookmark->url, false};
   if (const auto found = search(*bookmark)) return Resolution{*found, true};
   // A folder made anew under its name is taken for the old one; a missing one may come back with its disk. Another file
   // under a file's name is another file.

@@ -5,6 +5,7 @@
 #include <unistd.h>
 #include <QtCore/QSocketNotifier>
 #include <csignal>
+#include <utility>
 
 namespace quillmere {
 
@@ -30,12 +31,13 @@ TerminationSignals::TerminationSignals(std::function<void()> onTermination) {
   const sigset_t signals = terminationSignals();
   descriptor_ = ::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
   notifier_ = std::make_unique<QSocketNotifier>(descriptor_, QSocketNotifier::Read);
-  QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this, onTermination] {
-    signalfd_siginfo info{};
-    while (::read(descriptor_, &info, sizeof info) > 0) {
-    }
-    onTermination();
-  });
+  QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
+                   [this, onTermination = std::move(onTermination)] {
+                     signalfd_siginfo info{};
+                     while (::read(descriptor_, &info, sizeof info) > 0) {
+                     }
+                     onTermination();
+                   });
 }
 
 TerminationSignals::~TerminationSignals() {

@@ -1,0 +1,260 @@
+#include "imaging/ImageFile.h"
+
+#include <libheif/heif.h>
+#include <sys/stat.h>
+#include <QtCore/QBuffer>
+
+#include "support/Files.h"
+#include "support/TemporaryFolder.h"
+
+namespace quillmere {
+namespace {
+
+using testing::TemporaryFolder;
+using testing::writeFile;
+
+/// Left half red, right half blue, with some noise so that it does not compress away.
+QImage picture(int width, int height) {
+  QImage image(width, height, QImage::Format_RGB32);
+  uint32_t noise = 1;
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      noise = noise * 1664525 + 1013904223;
+      const int gray = static_cast<int>(noise >> 27);
+      image.setPixel(x, y, x < width / 2 ? qRgb(220, gray, gray) : qRgb(gray, gray, 220));
+    }
+  }
+  return image;
+}
+
+std::string encoded(const QImage& image, const char* format) {
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  EXPECT_TRUE(image.save(&buffer, format, 90));
+  return bytes.toStdString();
+}
+
+/// By the encoder of the library that reads it.
+std::string encodedHeif(const QImage& source) {
+  const QImage image = source.convertToFormat(QImage::Format_RGB888);
+  heif_context* context = heif_context_alloc();
+  heif_encoder* encoder = nullptr;
+  heif_image* pixels = nullptr;
+  std::string bytes;
+  bool works = heif_context_get_encoder_for_format(context, heif_compression_HEVC, &encoder).code == heif_error_Ok;
+  EXPECT_TRUE(works) << "the library has no HEVC encoder here: libx265 is missing";
+  if (works) {
+    heif_image_create(image.width(), image.height(), heif_colorspace_RGB, heif_chroma_interleaved_RGB, &pixels);
+    heif_image_add_plane(pixels, heif_channel_interleaved, image.width(), image.height(), 8);
+    int stride = 0;
+    uint8_t* plane = heif_image_get_plane(pixels, heif_channel_interleaved, &stride);
+    for (int y = 0; y < image.height(); ++y) {
+      std::copy_n(image.constScanLine(y), image.width() * 3, plane + y * stride);
+    }
+    works = heif_context_encode_image(context, pixels, encoder, nullptr, nullptr).code == heif_error_Ok;
+    EXPECT_TRUE(works);
+    heif_writer writer{1, [](heif_context*, const void* data, size_t size, void* out) {
+                         static_cast<std::string*>(out)->assign(static_cast<const char*>(data), size);
+                         return heif_error{heif_error_Ok, heif_suberror_Unspecified, ""};
+                       }};
+    heif_context_write(context, &writer, &bytes);
+    heif_image_release(pixels);
+    heif_encoder_release(encoder);
+  }
+  heif_context_free(context);
+  return bytes;
+}
+
+/// With an orientation in its camera data.
+std::string oriented(std::string jpeg, char orientation) {
+  const std::string camera = std::string("Exif\0\0MM\0*\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0", 25) + orientation +
+                             std::string("\0\0\0\0\0\0", 6);
+  const auto length = static_cast<char>(camera.size() + 2);
+  return jpeg.insert(2, std::string("\xff\xe1\0", 3) + length + camera);
+}
+
+enum class Format { png, jpeg, heif };
+
+std::string bytesOf(Format format, const QImage& image) {
+  switch (format) {
+    case Format::png:
+      return encoded(image, "PNG");
+    case Format::jpeg:
+      return encoded(image, "JPEG");
+    case Format::heif:
+      return encodedHeif(image);
+  }
+  return {};
+}
+
+bool isAlike(QRgb a, QRgb b) {
+  return std::abs(qRed(a) - qRed(b)) + std::abs(qGreen(a) - qGreen(b)) + std::abs(qBlue(a) - qBlue(b)) < 120;
+}
+const QRgb kRed = qRgb(220, 16, 16);
+const QRgb kBlue = qRgb(16, 16, 220);
+
+class ImageFileTest : public ::testing::Test {
+ protected:
+  FileURL write(std::string_view bytes, std::string_view name = "a.png") {
+    const FileURL url = folder.file(name);
+    writeFile(url, bytes);
+    return url;
+  }
+  TemporaryFolder folder;
+};
+
+class FormatTest : public ImageFileTest, public ::testing::WithParamInterface<Format> {
+ protected:
+  std::string bytes(int width = 320, int height = 200) { return bytesOf(GetParam(), picture(width, height)); }
+};
+
+std::string nameOf(const ::testing::TestParamInfo<Format>& format) {
+  const char* names[] = {"PNG", "JPEG", "HEIF"};
+  return names[static_cast<size_t>(format.param)];
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, FormatTest, ::testing::Values(Format::png, Format::jpeg, Format::heif), &nameOf);
+
+TEST_P(FormatTest, AWholePictureDecodesCompletely) {
+  EXPECT_TRUE(ImageFile::decodesCompletely(write(bytes())));
+}
+
+TEST_P(FormatTest, ATruncatedPictureNeverDoes) {
+  const std::string whole = bytes();
+  constexpr size_t kPlaces = 40;
+  for (size_t i = 0; i < kPlaces; ++i) {
+    const size_t length = whole.size() * i / kPlaces;
+    EXPECT_FALSE(ImageFile::decodesCompletely(write(std::string_view(whole).substr(0, length)))) << length;
+  }
+  for (size_t missing = 1; missing <= 16; ++missing) {
+    const auto part = std::string_view(whole).substr(0, whole.size() - missing);
+    EXPECT_FALSE(ImageFile::decodesCompletely(write(part))) << missing << " bytes missing";
+  }
+}
+
+TEST_P(FormatTest, ItsSizeComesFromItsHeader) {
+  EXPECT_EQ(ImageFile::pixelSize(write(bytes(320, 200))), QSize(320, 200));
+}
+
+TEST_P(FormatTest, AThumbnailFitsAndKeepsTheShape) {
+  const FileURL url = write(bytes(320, 200));
+  const QImage thumbnail = ImageFile::thumbnail(url, 160);
+  EXPECT_EQ(thumbnail.size(), QSize(160, 100));
+  EXPECT_TRUE(isAlike(thumbnail.pixel(20, 50), kRed));
+  EXPECT_TRUE(isAlike(thumbnail.pixel(140, 50), kBlue));
+}
+
+TEST_P(FormatTest, AThumbnailOfATallPictureIsBoundByItsHeight) {
+  EXPECT_EQ(ImageFile::thumbnail(write(bytes(100, 400)), 200).size(), QSize(50, 200));
+}
+
+TEST_P(FormatTest, AThumbnailIsNeverEnlarged) {
+  EXPECT_EQ(ImageFile::thumbnail(write(bytes(320, 200)), 1000).size(), QSize(320, 200));
+  EXPECT_EQ(ImageFile::thumbnail(write(bytes(320, 200)), 320).size(), QSize(320, 200));
+}
+
+TEST_P(FormatTest, TheNameDoesNotMatter) {
+  for (const char* name : {"a.png", "a.jpg", "a.heic", "no extension", "caf\xe9\xff.png"}) {
+    const FileURL url = write(bytes(64, 64), name);
+    EXPECT_TRUE(ImageFile::decodesCompletely(url)) << name;
+    EXPECT_EQ(ImageFile::pixelSize(url), QSize(64, 64)) << name;
+  }
+}
+
+/// As a program that sets the length first leaves it for a moment. The decoder of HEIF conceals such damage.
+TEST_F(ImageFileTest, APngOrJpegWhoseSecondHalfIsNotWrittenYetIsIncomplete) {
+  for (const Format format : {Format::png, Format::jpeg}) {
+    std::string bytes = bytesOf(format, picture(320, 200));
+    std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(bytes.size() / 2), bytes.end(), '\0');
+    EXPECT_FALSE(ImageFile::decodesCompletely(write(bytes)));
+  }
+}
+
+// --- What is no picture ---
+
+class NoPictureTest : public ImageFileTest {
+ protected:
+  static void expectNone(const FileURL& url) {
+    EXPECT_FALSE(ImageFile::decodesCompletely(url)) << url.path();
+    EXPECT_EQ(ImageFile::pixelSize(url), std::nullopt) << url.path();
+    EXPECT_TRUE(ImageFile::thumbnail(url, 100).isNull()) << url.path();
+  }
+};
+
+TEST_F(NoPictureTest, AnEmptyFile) {
+  expectNone(write(""));
+}
+
+TEST_F(NoPictureTest, Zeros) {
+  expectNone(write(std::string(100000, '\0')));
+}
+
+TEST_F(NoPictureTest, Garbage) {
+  expectNone(write("This is a text."));
+  expectNone(write("\x89PNG\r\n\x1a\n and then nothing of the kind"));
+  expectNone(write("\xff\xd8\xff and then nothing of the kind"));
+  expectNone(
+      write(std::string("\0\0\0\x18"
+                        "ftypheic\0\0\0\0mif1heic and then nothing",
+                        44)));
+}
+
+TEST_F(NoPictureTest, AFolderAndAMissingFile) {
+  expectNone(folder.url());
+  expectNone(folder.file("missing.png"));
+  expectNone(FileURL());
+}
+
+TEST_F(NoPictureTest, ANamedPipeHoldsNobody) {
+  const FileURL pipe = folder.file("pipe.png");
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  expectNone(pipe);
+}
+
+// --- Orientation ---
+
+class OrientationTest : public ImageFileTest, public ::testing::WithParamInterface<int> {};
+
+INSTANTIATE_TEST_SUITE_P(Values, OrientationTest, ::testing::Range(1, 9));
+
+TEST_P(OrientationTest, FromFiveOnTheSidesAreSwapped) {
+  const FileURL url = write(oriented(encoded(picture(320, 200), "JPEG"), static_cast<char>(GetParam())));
+  const bool isSideways = GetParam() >= 5;
+  EXPECT_EQ(ImageFile::pixelSize(url), isSideways ? QSize(200, 320) : QSize(320, 200));
+  EXPECT_EQ(ImageFile::thumbnail(url, 160).size(), isSideways ? QSize(100, 160) : QSize(160, 100));
+}
+
+TEST_F(ImageFileTest, Orientation6IsTurnedClockwise) {
+  const QImage upright = ImageFile::thumbnail(write(oriented(encoded(picture(320, 200), "JPEG"), 6)), 320);
+  ASSERT_EQ(upright.size(), QSize(200, 320));
+  EXPECT_TRUE(isAlike(upright.pixel(100, 40), kRed)) << "the left becomes the top";
+  EXPECT_TRUE(isAlike(upright.pixel(100, 280), kBlue));
+}
+
+TEST_F(ImageFileTest, AVeryLongPictureStillHasAThumbnail) {
+  const FileURL url = write(encoded(picture(2000, 1), "PNG"));
+  EXPECT_EQ(ImageFile::thumbnail(url, 100).size(), QSize(100, 1)) << "neither side vanishes";
+}
+
+TEST_F(ImageFileTest, ACaptureOfManyLargeScreensIsRead) {
+  QImage wall(12000, 3000, QImage::Format_RGB32);
+  wall.fill(Qt::red);
+  const FileURL url = write(encoded(wall, "PNG"));
+  wall = {};
+  EXPECT_TRUE(ImageFile::decodesCompletely(url));
+  EXPECT_EQ(ImageFile::thumbnail(url, 100).size(), QSize(100, 25));
+}
+
+TEST_F(ImageFileTest, TransparencySurvives) {
+  QImage clear(100, 100, QImage::Format_ARGB32);
+  clear.fill(Qt::transparent);
+  EXPECT_EQ(qAlpha(ImageFile::thumbnail(write(encoded(clear, "PNG")), 50).pixel(25, 25)), 0);
+}
+
+TEST_F(ImageFileTest, WhatFollowsAPictureDoesNotMakeItIncomplete) {
+  EXPECT_TRUE(ImageFile::decodesCompletely(write(encoded(picture(64, 64), "PNG") + "appended by a tool")));
+}
+
+}  // namespace
+}  // namespace quillmere

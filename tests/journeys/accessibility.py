@@ -1,0 +1,169 @@
+"""The controls of a running program, as a screen reader finds them.
+
+Asked over the bus itself rather than through a library, since a library's cache outlives the program that it described
+when that is killed and started again.
+"""
+
+import re
+
+import gi
+
+gi.require_version("Gio", "2.0")
+from gi.repository import Gio, GLib  # noqa: E402
+
+_SHOWING, _VISIBLE, _ENABLED, _FOCUSED = 25, 30, 8, 12
+_SCREEN = 0
+_DEPTH = 40
+
+
+def connect(address):
+    flags = Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
+    return Gio.DBusConnection.new_for_address_sync(address, flags, None, None)
+
+
+def call(connection, name, path, interface, method, arguments=None, timeout=5.0):
+    reply = connection.call_sync(name, path, interface, method, arguments, None, Gio.DBusCallFlags.NONE,
+                                 int(timeout * 1000), None)
+    return reply.unpack() if reply is not None else ()
+
+
+class Control:
+    def __init__(self, connection, owner, path):
+        self._connection, self._owner, self._path = connection, owner, path
+        self.window = None  # the top-level window it stands in, once found
+        self.name = self._property("Accessible", "Name")
+        self.role = self._call("Accessible", "GetRoleName")[0]
+
+    def _call(self, interface, method, arguments=None):
+        return call(self._connection, self._owner, self._path, "org.a11y.atspi." + interface, method, arguments)
+
+    def _property(self, interface, name):
+        return call(self._connection, self._owner, self._path, "org.freedesktop.DBus.Properties", "Get",
+                    GLib.Variant("(ss)", ("org.a11y.atspi." + interface, name)))[0]
+
+    def children(self):
+        for owner, path in self._call("Accessible", "GetChildren")[0]:
+            try:
+                yield Control(self._connection, owner, path)
+            except GLib.Error:
+                continue  # gone between the two questions
+
+    def _has(self, state):
+        words = self._call("Accessible", "GetState")[0]
+        return bool(words[state // 32] >> (state % 32) & 1)
+
+    @property
+    def is_showing(self):
+        return self._has(_SHOWING) and self._has(_VISIBLE)
+
+    @property
+    def is_enabled(self):
+        return self._has(_ENABLED)
+
+    @property
+    def is_focused(self):
+        return self._has(_FOCUSED)
+
+    @property
+    def description(self):
+        return self._property("Accessible", "Description")
+
+    @property
+    def text(self):
+        return self._call("Text", "GetText", GLib.Variant("(ii)", (0, -1)))[0]
+
+    @property
+    def extents(self):
+        """x, y, width and height, on the screen as the program believes it stands there."""
+        return self._call("Component", "GetExtents", GLib.Variant("(u)", (_SCREEN,)))[0]
+
+    @property
+    def centre(self):
+        """Counted from the corner of its window."""
+        x, y, width, height = self.extents
+        left, top = self.window.extents[:2] if self.window else (0, 0)
+        return x + width // 2 - left, y + height // 2 - top
+
+    def walk(self, depth=_DEPTH):
+        yield self
+        if depth:
+            try:
+                children = list(self.children())
+            except GLib.Error:
+                return
+            for child in children:
+                yield from child.walk(depth - 1)
+
+    def __repr__(self):
+        return f"{self.role} “{self.name}”"
+
+
+class Tree:
+    """All windows of the process `pid`."""
+
+    def __init__(self, session_bus, pid):
+        address = call(session_bus, "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress")[0]
+        self._connection = connect(address)
+        self._pid = pid
+
+    def _application(self):
+        root = ("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
+        children = call(self._connection, *root, "org.a11y.atspi.Accessible", "GetChildren")[0]
+        for owner, path in children:
+            try:
+                pid = call(self._connection, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                           "GetConnectionUnixProcessID", GLib.Variant("(s)", (owner,)))[0]
+                if pid == self._pid:
+                    return Control(self._connection, owner, path)
+            except GLib.Error:
+                continue
+        return None
+
+    def windows(self):
+        application = self._application()
+        return list(application.children()) if application else []
+
+    def find_all(self, name=None, role=None, window=None, showing=True):
+        """`name` is the whole name or a compiled pattern; `window` the title of the window it stands in."""
+        found = []
+        try:
+            for top in self.windows():
+                if window is not None and top.name != window:
+                    continue
+                for control in top.walk():
+                    if name is not None and not _matches(name, control.name):
+                        continue
+                    if role is not None and control.role not in ((role,) if isinstance(role, str) else role):
+                        continue
+                    try:
+                        if not showing or control.is_showing:
+                            control.window = top
+                            found.append(control)
+                    except GLib.Error:
+                        continue
+        except GLib.Error:
+            pass  # the program is starting or ending
+        return found
+
+    def find(self, name=None, role=None, window=None, showing=True):
+        found = self.find_all(name, role, window, showing)
+        return found[0] if found else None
+
+    def describe(self):
+        lines = []
+
+        def add(control, indent):
+            lines.append("  " * indent + repr(control))
+            for child in control.children():
+                add(child, indent + 1)
+
+        try:
+            for top in self.windows():
+                add(top, 0)
+        except GLib.Error as error:
+            lines.append(f"(no more: {error.message})")
+        return "\n".join(lines)
+
+
+def _matches(wanted, name):
+    return bool(wanted.search(name)) if isinstance(wanted, re.Pattern) else wanted == name

@@ -1,0 +1,57 @@
+"""Screenshots: taken by the tools that people use, or made here and saved under a capture tool's name."""
+
+import datetime
+import itertools
+import os
+import struct
+import subprocess
+import zlib
+
+_seconds = itertools.count()
+
+
+def png(width=64, height=40, colour=(70, 130, 180)):
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
+
+    rows = (b"\0" + bytes(colour) * width) * height
+    header = struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0)
+    return b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b"")
+
+
+def capture_name():
+    """A name of the most common form; each call gives the next second."""
+    moment = datetime.datetime(2026, 1, 2, 3, 4, 5) + datetime.timedelta(seconds=next(_seconds))
+    return moment.strftime("Screenshot from %Y-%m-%d %H-%M-%S.png")
+
+
+def save(folder, name=None, **picture):
+    path = os.path.join(folder, name or capture_name())
+    with open(path, "xb") as file:
+        file.write(png(**picture))
+    return path
+
+
+def _take(desktop, folder, command, **options):
+    before = set(os.listdir(folder))
+    environment = {**desktop.environment, "NO_AT_BRIDGE": "1"}
+    done = subprocess.run(command, env=environment, stdin=subprocess.DEVNULL, capture_output=True, text=True,
+                          timeout=60, **options)
+    new = sorted(set(os.listdir(folder)) - before)
+    if len(new) != 1:
+        raise RuntimeError(f"{command[0]} left {new}: {done.stdout}{done.stderr}")
+    return os.path.join(folder, new[0])
+
+
+def scrot(desktop, folder):
+    return _take(desktop, folder, ["scrot"], cwd=folder)
+
+
+def gnome_screenshot(desktop, folder):
+    desktop.save_setting("org/gnome/gnome-screenshot", "auto-save-directory", f"'file://{folder}'")
+    return _take(desktop, folder, ["gnome-screenshot"])
+
+
+def xfce4_screenshooter(desktop, folder):
+    name = datetime.datetime.now().strftime("Screenshot_%Y-%m-%d_%H-%M-%S.png")
+    return _take(desktop, folder, ["xfce4-screenshooter", "-f", "-s", os.path.join(folder, name)])

@@ -1,0 +1,484 @@
+#include "model/ModelFixture.h"
+
+namespace quillmere::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr auto kLow = AnnouncementPriority::low;
+constexpr auto kHigh = AnnouncementPriority::high;
+
+class AppModelArrival : public ModelFixture {
+ protected:
+  void SetUp() override { launchWatching(); }
+};
+
+TEST_F(AppModelArrival, AScreenshotBecomesAPendingRecordOnTopOfTheList) {
+  arrive("before.png");
+  captureKinds[shots.appending("shot.png").path()] = CaptureKind::window;
+  advance(7);
+  const UUID id = arrive("shot.png");
+  const ScreenshotItem record = item(id);
+  EXPECT_EQ(record.url, shots.appending("shot.png"));
+  EXPECT_EQ(record.createdAt, now());
+  EXPECT_EQ(record.state, State::pending);
+  EXPECT_EQ(record.expiresAt, std::nullopt);
+  EXPECT_EQ(record.fileIdentity, identityOf(record.url));
+  EXPECT_EQ(record.captureKind, CaptureKind::window);
+  EXPECT_EQ(record.arrivedFromElsewhere, std::nullopt);
+  EXPECT_EQ(record.suggestedName, std::nullopt);
+  EXPECT_EQ(record.sourceItemID, std::nullopt);
+  EXPECT_EQ(record.fileBookmark, FakeSecurityScope::bookmarkOf(record.url));
+  EXPECT_EQ(model->items()[0].id, id);
+  EXPECT_EQ(savedRecord(id), record);
+}
+
+TEST_F(AppModelArrival, TheRecordIsSavedBeforeItsPopupShows) {
+  bool wasOnDisk = false;
+  const Connection watching = model->changed.connect([&](const ModelChange& change) {
+    if (change.field == ModelField::promptQueue) wasOnDisk = savedRecords().size() == 1;
+  });
+  arrive("shot.png");
+  EXPECT_TRUE(wasOnDisk);
+}
+
+TEST_F(AppModelArrival, TheFolderHasReceivedAScreenshot) {
+  EXPECT_FALSE(*model->watchFolderHasReceivedScreenshot);
+  arrive("shot.png");
+  EXPECT_TRUE(*model->watchFolderHasReceivedScreenshot);
+  EXPECT_EQ(settingsOnDisk()["quillmere.watch-folder-received-screenshot"], QJsonValue(true));
+}
+
+TEST_F(AppModelArrival, SameURLReportedTwiceGivesOneRecordAndOnePopup) {
+  const UUID id = arrive("shot.png");
+  monitor.onScreenshot(shots.appending("shot.png"));
+  monitor.onArrivedScreenshot(shots.appending("shot.png"));
+  EXPECT_EQ(model->items().size(), 1u);
+  EXPECT_THAT(queue(), ElementsAre(id));
+  EXPECT_THAT(presenter.presented, ElementsAre(id));
+}
+
+TEST_F(AppModelArrival, SameFileUnderAnotherSpellingOfItsPathGivesOneRecord) {
+  arrive("shot.png");
+  std::filesystem::create_directory_symlink(shots.path(), home.file("link").path());
+  monitor.onScreenshot(home.file("link").appending("shot.png"));
+  monitor.onScreenshot(FileURL::fromPath(shots.path() + "/../shots/./shot.png"));
+  EXPECT_EQ(model->items().size(), 1u);
+}
+
+TEST_F(AppModelArrival, RenamedScreenshotKeepsItsRecordAndItsPlaceInTheQueue) {
+  const UUID first = arrive("first.png");
+  const UUID second = arrive("second.png");
+  const UUID third = arrive("third.png");
+  const ScreenshotItem before = item(second);
+  const FileURL renamed = shots.appending("second again.png");
+  moveFile(before.url, renamed);
+  advance(30);
+  wasSaved();
+  monitor.onScreenshot(renamed);
+  EXPECT_EQ(model->items().size(), 3u);
+  ScreenshotItem expected = before;
+  expected.url = renamed;
+  expected.fileBookmark = FakeSecurityScope::bookmarkOf(renamed);
+  EXPECT_EQ(item(second), expected);
+  EXPECT_THAT(queue(), ElementsAre(first, second, third));
+  EXPECT_THAT(presenter.presented, ElementsAre(first));
+  EXPECT_TRUE(wasSaved());
+  EXPECT_EQ(savedRecord(second), expected);
+}
+
+TEST_F(AppModelArrival, RenamedScreenshotKeepsWhatAnalysisFound) {
+  auto stored = storedItem(1, "named.png", State::permanent);
+  stored.recognizedText = "Some text";
+  stored.imageDescription = "A window";
+  stored.suggestedName = "A name";
+  storeRecords({stored});
+  launchWatching();
+  moveFile(stored.url, shots.appending("renamed.png"));
+  monitor.onArrivedScreenshot(shots.appending("renamed.png"));
+  EXPECT_EQ(model->items().size(), 1u);
+  EXPECT_EQ(item(uuid(1)).recognizedText, stored.recognizedText);
+  EXPECT_EQ(item(uuid(1)).imageDescription, stored.imageDescription);
+  EXPECT_EQ(item(uuid(1)).suggestedName, stored.suggestedName);
+  EXPECT_EQ(item(uuid(1)).createdAt, stored.createdAt);
+  EXPECT_EQ(stateOf(uuid(1)), State::permanent);
+}
+
+TEST_F(AppModelArrival, RenamedTemporaryScreenshotIsKept) {
+  const UUID id = arriveTemporary("shot.png");
+  moveFile(shots.appending("shot.png"), shots.appending("wanted.png"));
+  monitor.onScreenshot(shots.appending("wanted.png"));
+  EXPECT_EQ(stateOf(id), State::permanent);
+  EXPECT_EQ(item(id).expiresAt, std::nullopt);
+  EXPECT_EQ(scheduledAt(id), std::nullopt);
+}
+
+TEST_F(AppModelArrival, RenamedScreenshotIsAvailableAgain) {
+  const UUID id = arrive("shot.png");
+  const FileURL url = item(id).url;
+  makeUnavailable(id);
+  moveFile(home.file("hidden shot.png"), shots.appending("back.png"));
+  dataless.insert(shots.appending("back.png").path());
+  ubiquitous.insert(shots.appending("back.png").path());
+  monitor.onScreenshot(shots.appending("back.png"));
+  EXPECT_EQ(item(id).url, shots.appending("back.png"));
+  EXPECT_FALSE(model->unavailableItemIDs->contains(id));
+  EXPECT_TRUE(model->evictedItemIDs->contains(id));
+  EXPECT_TRUE(model->iCloudItemIDs->contains(id));
+}
+
+TEST_F(AppModelArrival, BookmarkOfARenamedScreenshotSurvivesWhenNoneCanBeMade) {
+  const UUID id = arrive("shot.png");
+  moveFile(shots.appending("shot.png"), shots.appending("renamed.png"));
+  scope.refusesBookmarks = true;
+  monitor.onScreenshot(shots.appending("renamed.png"));
+  EXPECT_EQ(item(id).fileBookmark, FakeSecurityScope::bookmarkOf(shots.appending("shot.png")));
+}
+
+TEST_F(AppModelArrival, CopyOfATrackedFileBecomesANewRecord) {
+  const UUID original = arrive("shot.png");
+  std::filesystem::copy_file(shots.appending("shot.png").path(), shots.appending("copy.png").path());
+  monitor.onScreenshot(shots.appending("copy.png"));
+  EXPECT_EQ(model->items().size(), 2u);
+  EXPECT_EQ(item(original).url, shots.appending("shot.png"));
+}
+
+TEST_F(AppModelArrival, HardLinkWhoseOldPathStillExistsBecomesANewRecord) {
+  const UUID original = arrive("shot.png");
+  std::filesystem::create_hard_link(shots.appending("shot.png").path(), shots.appending("link.png").path());
+  monitor.onScreenshot(shots.appending("link.png"));
+  EXPECT_EQ(model->items().size(), 2u);
+  EXPECT_EQ(item(original).url, shots.appending("shot.png"));
+  EXPECT_EQ(model->items()[0].fileIdentity, item(original).fileIdentity);
+}
+
+TEST_F(AppModelArrival, ReusedFileNumberOfAnotherSizeBecomesANewRecord) {
+  const UUID original = arrive("shot.png");
+  auto other = item(original).fileIdentity;
+  other->size = 99999;
+  deleteFile(shots.appending("shot.png"));
+  writeFile(shots.appending("other.png"), "other");
+  identities[shots.appending("other.png").path()] = other;
+  monitor.onScreenshot(shots.appending("other.png"));
+  EXPECT_EQ(model->items().size(), 2u);
+  EXPECT_EQ(item(original).url, shots.appending("shot.png"));
+}
+
+TEST_F(AppModelArrival, AnIdentityThatIsNotCompleteIsNotFollowed) {
+  const FileIdentity partial{std::nullopt, 77, Date{5}, 4};
+  identities[shots.appending("shot.png").path()] = partial;
+  identities[shots.appending("renamed.png").path()] = partial;
+  const UUID id = arrive("shot.png");
+  EXPECT_EQ(item(id).fileIdentity, partial);
+  moveFile(shots.appending("shot.png"), shots.appending("renamed.png"));
+  monitor.onScreenshot(shots.appending("renamed.png"));
+  EXPECT_EQ(model->items().size(), 2u);
+}
+
+TEST_F(AppModelArrival, FileWithNoReadableIdentityBecomesARecordWithNone) {
+  identities[shots.appending("shot.png").path()] = std::nullopt;
+  const UUID id = arrive("shot.png");
+  EXPECT_EQ(item(id).fileIdentity, std::nullopt);
+  EXPECT_THAT(queue(), ElementsAre(id));
+}
+
+TEST_F(AppModelArrival, FileFromElsewhereIsListedWithItsOwnDateAndAsksNothing) {
+  const Date lastWeek = now() + -7.0 * 86400;
+  identities[shots.appending("old.png").path()] = FileIdentity{"volume", 5, lastWeek, 3};
+  arrive("newest so far.png");
+  presenter.presented.clear();
+  announcer.said.clear();
+  const UUID id = arriveFromElsewhere("old.png");
+  const ScreenshotItem record = item(id);
+  EXPECT_EQ(record.createdAt, lastWeek);
+  EXPECT_EQ(record.state, State::permanent);
+  EXPECT_EQ(record.arrivedFromElsewhere, true);
+  EXPECT_EQ(model->items()[0].id, id);
+  EXPECT_EQ(savedRecord(id), record);
+  EXPECT_THAT(presenter.presented, IsEmpty());
+  EXPECT_THAT(announcer.said, IsEmpty());
+  EXPECT_EQ(queue().size(), 1u);
+}
+
+TEST_F(AppModelArrival, FileFromElsewhereLeavesTheFolderWithoutAReceivedScreenshot) {
+  arriveFromElsewhere("old.png");
+  EXPECT_FALSE(*model->watchFolderHasReceivedScreenshot);
+}
+
+TEST_F(AppModelArrival, FileFromElsewhereWithNoBirthTimeIsDatedNow) {
+  identities[shots.appending("old.png").path()] = FileIdentity{"volume", 5, std::nullopt, 3};
+  EXPECT_EQ(item(arriveFromElsewhere("old.png")).createdAt, now());
+  identities[shots.appending("other.png").path()] = std::nullopt;
+  EXPECT_EQ(item(arriveFromElsewhere("other.png")).createdAt, now());
+}
+
+TEST_F(AppModelArrival, EvictedFileFromElsewhereIsKnownAsSuch) {
+  dataless.insert(shots.appending("cloud.png").path());
+  ubiquitous.insert(shots.appending("cloud.png").path());
+  dataless.insert(shots.appending("other.png").path());
+  const UUID cloud = arriveFromElsewhere("cloud.png");
+  const UUID other = arriveFromElsewhere("other.png");
+  EXPECT_EQ(*model->evictedItemIDs, (UUIDSet{cloud, other}));
+  EXPECT_EQ(*model->iCloudItemIDs, UUIDSet{cloud});
+}
+
+TEST_F(AppModelArrival, AFailedSaveDoesNotStopAnArrival) {
+  makeSavingFail();
+  const UUID id = arrive("shot.png");
+  EXPECT_THAT(presenter.presented, ElementsAre(id));
+  EXPECT_EQ(banner(), Issue::recordsNotSaved);
+  EXPECT_EQ(*model->promptError, std::nullopt);
+  EXPECT_EQ(*model->inboxError, std::nullopt);
+}
+
+TEST_F(AppModelArrival, ABurstIsIndexedOnceAndLooksAtNoOldFile) {
+  for (int i = 0; i < 50; ++i) arrive(std::to_string(i) + ".png");
+  const RecordIndex* before = &model->recordIndex();
+  const auto key = pathKey(shots.appending("17.png"), watchFolderPaths(shots));
+  EXPECT_EQ(before->atPath(key), model->items()[32].id);
+  arrive("another.png");
+  EXPECT_EQ(&model->recordIndex(), before);
+  EXPECT_TRUE(model->recordIndex().atPath(pathKey(shots.appending("another.png"), watchFolderPaths(shots))));
+}
+
+// --- The queue ---
+
+class AppModelQueue : public ModelFixture {
+ protected:
+  void SetUp() override { launchWatching(); }
+};
+
+TEST_F(AppModelQueue, ArrivalsWaitBehindTheVisibleScreenshot) {
+  const UUID first = arrive("first.png");
+  const UUID second = arrive("second.png");
+  const UUID third = arrive("third.png");
+  EXPECT_THAT(queue(), ElementsAre(first, second, third));
+  EXPECT_THAT(presenter.presented, ElementsAre(first));
+  EXPECT_EQ(announcer.said.size(), 1u);
+}
+
+TEST_F(AppModelQueue, TheNextAnnouncementCountsThoseThatWait) {
+  const UUID first = arrive("first.png");
+  arrive("second.png");
+  arrive("third.png");
+  announcer.said.clear();
+  model->keepPrompt(first);
+  EXPECT_THAT(announcer.said, ElementsAre(Announcement{"Screenshot ready for a decision. 1 more waiting.", kHigh}));
+}
+
+TEST_F(AppModelQueue, AnnouncementsFollowTheCountAndTheShortcut) {
+  struct Row {
+    int waiting;
+    std::optional<QString> shortcut;
+    const char* said;
+  };
+  const Row rows[] = {
+      {0, "Control Option S", "Screenshot ready for a decision. Press Control Option S to review it."},
+      {0, std::nullopt, "Screenshot ready for a decision."},
+      {1, "Control Option S", "Screenshot ready for a decision. 1 more waiting. Press Control Option S to review it."},
+      {1, std::nullopt, "Screenshot ready for a decision. 1 more waiting."},
+      {2, "Control Option S", "Screenshot ready for a decision. 2 more waiting. Press Control Option S to review it."},
+      {2, std::nullopt, "Screenshot ready for a decision. 2 more waiting."},
+  };
+  int number = 0;
+  for (const Row& row : rows) {
+    spokenShortcut = row.shortcut;
+    const auto name = [&] { return "shot " + std::to_string(++number) + ".png"; };
+    const UUID head = arrive(name());
+    for (int i = 0; i <= row.waiting; ++i) arrive(name());
+    announcer.said.clear();
+    model->keepPrompt(head);
+    EXPECT_THAT(announcer.said, ElementsAre(Announcement{QString::fromUtf8(row.said), kHigh}));
+    while (!queue().empty()) model->dismissPrompt();
+  }
+}
+
+TEST_F(AppModelQueue, DecisionInTheInboxOnAWaitingRecordDoesNotChangeThePopup) {
+  const UUID first = arrive("first.png");
+  const UUID second = arrive("second.png");
+  const UUID third = arrive("third.png");
+  announcer.said.clear();
+  const int generation = *model->promptContentGeneration;
+  model->keepBatch({second});
+  EXPECT_THAT(queue(), ElementsAre(first, third));
+  EXPECT_THAT(presenter.presented, ElementsAre(first));
+  EXPECT_EQ(presenter.visible, first);
+  EXPECT_THAT(announcer.said, IsEmpty());
+  EXPECT_EQ(*model->promptContentGeneration, generation);
+}
+
+TEST_F(AppModelQueue, ResolvingTheHeadAndOthersShowsTheNextThatIsLeft) {
+  const UUID first = arrive("first.png");
+  const UUID second = arrive("second.png");
+  const UUID third = arrive("third.png");
+  model->resolvePrompts({second, first});
+  EXPECT_THAT(queue(), ElementsAre(third));
+  EXPECT_THAT(presenter.presented, ElementsAre(first, third));
+}
+
+TEST_F(AppModelQueue, DrainedQueueHidesThePopup) {
+  const UUID id = arrive("first.png");
+  const int generation = *model->promptContentGeneration;
+  model->keepPrompt(id);
+  EXPECT_EQ(presenter.visible, std::nullopt);
+  EXPECT_EQ(presenter.hides, 1);
+  EXPECT_EQ(*model->promptContentGeneration, generation + 1);
+}
+
+TEST_F(AppModelQueue, DismissedScreenshotStaysPendingAndTheNextComesUp) {
+  const UUID first = arrive("first.png");
+  const UUID second = arrive("second.png");
+  model->dismissPrompt();
+  EXPECT_EQ(stateOf(first), State::pending);
+  EXPECT_EQ(presenter.visible, second);
+  EXPECT_THAT(queue(), ElementsAre(second));
+  model->dismissPrompt();
+  model->dismissPrompt();
+  EXPECT_THAT(queue(), IsEmpty());
+}
+
+TEST_F(AppModelQueue, AnIdIsQueuedOnce) {
+  const UUID id = arrive("first.png");
+  model->enqueuePrompt(id);
+  EXPECT_THAT(queue(), ElementsAre(id));
+  EXPECT_EQ(presenter.presented.size(), 1u);
+}
+
+TEST_F(AppModelQueue, VanishedAndDecidedRecordsAreSkipped) {
+  model->enqueuePrompt(uuid(404));
+  EXPECT_THAT(queue(), IsEmpty());
+  EXPECT_EQ(presenter.visible, std::nullopt);
+  const UUID first = arrive("first.png");
+  model->enqueuePrompt(uuid(405));
+  const UUID decided = arrivePermanent("decided.png");
+  model->enqueuePrompt(decided);
+  const UUID last = arrive("last.png");
+  ASSERT_THAT(queue(), ElementsAre(first, uuid(405), decided, last));
+  model->dismissPrompt();
+  EXPECT_THAT(queue(), ElementsAre(last));
+  EXPECT_EQ(presenter.visible, last);
+}
+
+TEST_F(AppModelQueue, AHeadWhoseRecordVanishedGivesWayToTheNextPendingOne) {
+  const UUID first = arrive("first.png");
+  const UUID second = arrive("second.png");
+  model->removeRecords({first});
+  EXPECT_THAT(queue(), ElementsAre(second));
+  EXPECT_EQ(presenter.visible, second);
+}
+
+TEST_F(AppModelQueue, TheNextScreenshotClearsTheErrorOfTheLast) {
+  arrive("first.png");
+  arrive("second.png");
+  model->show(ErrorScope::popup, "A title", "A message.");
+  model->dismissPrompt();
+  EXPECT_EQ(*model->promptError, std::nullopt);
+}
+
+TEST_F(AppModelQueue, AWaitingArrivalLeavesTheErrorOfTheVisibleScreenshot) {
+  arrive("first.png");
+  model->show(ErrorScope::popup, "A title", "A message.");
+  arrive("second.png");
+  EXPECT_TRUE(model->promptError->has_value());
+}
+
+TEST_F(AppModelQueue, AChangeOfTheVisibleScreenshotForgetsTheNameField) {
+  const UUID first = arrive("first.png");
+  model->setPromptNameEdit(AppModel::PromptNameEdit{first, "typed", true, true});
+  const int generation = *model->promptContentGeneration;
+  arrive("second.png");
+  EXPECT_TRUE(model->promptNameEdit());
+  EXPECT_EQ(*model->promptContentGeneration, generation);
+  model->dismissPrompt();
+  EXPECT_FALSE(model->promptNameEdit());
+  EXPECT_EQ(*model->promptContentGeneration, generation + 1);
+}
+
+TEST_F(AppModelQueue, ShowingTheSameScreenshotAgainIsNoChangeOfContent) {
+  const UUID first = arrive("first.png");
+  model->setPromptNameEdit(AppModel::PromptNameEdit{first, "typed", true, true});
+  const int generation = *model->promptContentGeneration;
+  model->showNextPrompt();
+  EXPECT_EQ(*model->promptContentGeneration, generation);
+  EXPECT_TRUE(model->promptNameEdit());
+}
+
+// --- The review shortcut ---
+
+class AppModelReview : public ModelFixture {
+ protected:
+  void SetUp() override { launchWatching(); }
+};
+
+TEST_F(AppModelReview, EmptyQueueWithTwoPendingRecordsShowsTheOlderWithoutAnnouncingTheFocus) {
+  spokenShortcut = "Control Option S";
+  const UUID older = arrive("older.png");
+  advance(5);
+  const UUID newer = arrive("newer.png");
+  model->dismissPrompt();
+  model->dismissPrompt();
+  announcer.said.clear();
+  presenter.presented.clear();
+  const int request = *model->promptFocusRequest;
+  model->reviewPending(true);
+  EXPECT_THAT(queue(), ElementsAre(older, newer));
+  EXPECT_THAT(presenter.presented, ElementsAre(older));
+  EXPECT_EQ(presenter.focuses, 1);
+  EXPECT_EQ(*model->promptFocusRequest, request + 1);
+  EXPECT_THAT(announcer.said, ElementsAre(Announcement{"Screenshot ready for a decision.", kHigh}))
+      << "neither the focus nor the shortcut that was just used is told";
+}
+
+TEST_F(AppModelReview, TheShortcutIsToldAgainAfterwards) {
+  spokenShortcut = "Control Option S";
+  arrive("older.png");
+  model->dismissPrompt();
+  model->reviewPending(false);
+  announcer.said.clear();
+  arrive("newer.png");
+  model->dismissPrompt();
+  EXPECT_TRUE(announcer.hasSaid("Screenshot ready for a decision. Press Control Option S to review it."));
+}
+
+TEST_F(AppModelReview, NothingPendingIsAnnounced) {
+  arrivePermanent("kept.png");
+  announcer.said.clear();
+  model->reviewPending(true);
+  EXPECT_THAT(announcer.said, ElementsAre(Announcement{"No screenshots are waiting for a decision.", kHigh}));
+  EXPECT_EQ(presenter.focuses, 0);
+  EXPECT_EQ(*model->promptFocusRequest, 0);
+}
+
+TEST_F(AppModelReview, VisiblePopupIsFocusedAndSaysSoOnlyWhenAsked) {
+  const UUID id = arrive("shot.png");
+  announcer.said.clear();
+  model->reviewPending(false);
+  EXPECT_THAT(announcer.said, IsEmpty());
+  model->reviewPending(true);
+  EXPECT_THAT(announcer.said, ElementsAre(Announcement{"Screenshot popup focused", kLow}));
+  EXPECT_EQ(presenter.focuses, 2);
+  EXPECT_EQ(*model->promptFocusRequest, 2);
+  EXPECT_THAT(presenter.presented, ElementsAre(id));
+}
+
+TEST_F(AppModelReview, AVisiblePopupIsNotJoinedByDismissedOnes) {
+  arrive("dismissed.png");
+  model->dismissPrompt();
+  const UUID visible = arrive("visible.png");
+  model->reviewPending(false);
+  EXPECT_THAT(queue(), ElementsAre(visible));
+}
+
+TEST_F(AppModelReview, UnavailableRecordsAreNotReviewed) {
+  const UUID id = arrive("shot.png");
+  model->dismissPrompt();
+  makeUnavailable(id);
+  announcer.said.clear();
+  model->reviewPending(false);
+  EXPECT_TRUE(announcer.hasSaid("No screenshots are waiting for a decision."));
+  EXPECT_THAT(queue(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace quillmere::testing

@@ -1,0 +1,297 @@
+#include "model/ModelFixture.h"
+
+namespace quillmere::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Reason = AppModel::DisposalReason;
+
+class AppModelDisposal : public ModelFixture {
+ protected:
+  void SetUp() override { launchWatching(); }
+
+  void dispose(const UUID& id, Reason reason = Reason::chosen) {
+    model->disposeItem(item(id), ErrorScope::inbox, reason);
+  }
+  void disposeAll(const std::vector<UUID>& ids, Reason reason = Reason::chosen) {
+    std::vector<ScreenshotItem> batch;
+    for (const UUID& id : ids) batch.push_back(item(id));
+    model->disposeBatch(batch, ErrorScope::inbox, reason);
+  }
+  QString title() const { return *model->inboxError ? (*model->inboxError)->title : QString(); }
+  QString text() const { return *model->inboxError ? (*model->inboxError)->message : QString(); }
+};
+
+TEST_F(AppModelDisposal, TheFileGoesToTrashAndItsRecordIsForgotten) {
+  const UUID id = arrivePermanent("shot.png");
+  dispose(id);
+  EXPECT_TRUE(isInTrashFolder("shot.png"));
+  EXPECT_FALSE(hasRecord(id));
+  EXPECT_THAT(savedRecords(), IsEmpty());
+  EXPECT_EQ(*model->inboxError, std::nullopt);
+}
+
+TEST_F(AppModelDisposal, ReasonsDecideBetweenTrashAndDeleting) {
+  struct Row {
+    Reason reason;
+    bool chosenImmediately;
+    bool expiredImmediately;
+    bool deletes;
+  };
+  const Row rows[] = {
+      {Reason::chosen, false, false, false},
+      {Reason::chosen, false, true, false},
+      {Reason::chosen, true, false, true},
+      {Reason::expired, false, false, false},
+      {Reason::expired, true, false, false},
+      {Reason::expired, false, true, true},
+      {Reason::deleteImmediately, false, false, true},
+      {Reason::deleteImmediately, true, true, true},
+  };
+  for (const Row& row : rows) {
+    model->setDeletesChosenImmediately(row.chosenImmediately);
+    model->setDeletesExpiredImmediately(row.expiredImmediately);
+    files.trashCalls = files.removeCalls = 0;
+    dispose(arrivePermanent("shot.png"), row.reason);
+    EXPECT_EQ(files.removeCalls, row.deletes ? 1 : 0);
+    EXPECT_EQ(files.trashCalls, row.deletes ? 0 : 1);
+    EXPECT_FALSE(fileExists(shots.appending("shot.png")));
+    std::filesystem::remove_all(trash.path());
+  }
+}
+
+TEST_F(AppModelDisposal, ShowingTheDeleteCommandChangesNoDisposal) {
+  model->setShowsDeleteImmediately(true);
+  dispose(arrivePermanent("shot.png"));
+  EXPECT_EQ(files.removeCalls, 0);
+}
+
+TEST_F(AppModelDisposal, FileDeletedByHandInAReachableFolderCountsAsRemoved) {
+  const UUID id = arrivePermanent("shot.png");
+  deleteFile(shots.appending("shot.png"));
+  dispose(id);
+  EXPECT_FALSE(hasRecord(id));
+  EXPECT_EQ(*model->inboxError, std::nullopt);
+  EXPECT_THAT(savedRecords(), IsEmpty());
+}
+
+TEST_F(AppModelDisposal, FileOnAnEjectedDiskIsUnreachableAndItsRecordStays) {
+  const UUID id = arrivePermanent("shot.png");
+  const ScreenshotItem before = item(id);
+  ejectDisk();
+  dispose(id);
+  EXPECT_EQ(item(id), before);
+  EXPECT_TRUE(model->unavailableItemIDs->contains(id));
+  EXPECT_EQ(title(), "Couldn’t Move to Trash");
+  EXPECT_EQ(text(),
+            "“shot.png” is on a disk or in a folder that isn’t available. Connect the disk or choose the folder again, "
+            "then try again.");
+}
+
+TEST_F(AppModelDisposal, UnreachableFileThatWasToBeDeletedSaysSo) {
+  const UUID id = arrivePermanent("shot.png");
+  ejectDisk();
+  dispose(id, Reason::deleteImmediately);
+  EXPECT_EQ(title(), "Couldn’t Delete");
+  EXPECT_TRUE(model->unavailableItemIDs->contains(id));
+}
+
+TEST_F(AppModelDisposal, RefusedTrashKeepsFileAndRecord) {
+  const UUID id = arriveTemporary("shot.png");
+  const ScreenshotItem before = item(id);
+  files.refuse(before.url);
+  dispose(id);
+  EXPECT_EQ(item(id), before);
+  EXPECT_TRUE(fileExists(before.url));
+  EXPECT_EQ(title(), "Couldn’t Move to Trash");
+  EXPECT_EQ(text(),
+            "“shot.png” couldn’t be moved to Trash. It is still in Quillmere. Check that you can change files in its "
+            "folder, then try again.");
+}
+
+TEST_F(AppModelDisposal, RefusedDeletionHasItsOwnWords) {
+  const UUID id = arrivePermanent("shot.png");
+  files.refuse(item(id).url);
+  dispose(id, Reason::deleteImmediately);
+  EXPECT_EQ(title(), "Couldn’t Delete");
+  EXPECT_EQ(text(),
+            "“shot.png” couldn’t be deleted. It is still in Quillmere. Check that you can change files in its folder, "
+            "then try again.");
+}
+
+TEST_F(AppModelDisposal, TheErrorNamesTheFileAsItIsCalledNow) {
+  const UUID id = arrivePermanent("shot.png");
+  const ScreenshotItem stale = item(id);
+  model->rename(id, "renamed", ErrorScope::inbox);
+  files.refuse(shots.appending("renamed.png"));
+  model->disposeItem(stale, ErrorScope::inbox, Reason::chosen);
+  EXPECT_TRUE(text().startsWith("“renamed.png” couldn’t be moved to Trash."));
+}
+
+TEST_F(AppModelDisposal, RecordInTheEditorIsInUseEvenWhenDeletedImmediately) {
+  const UUID id = arrivePermanent("shot.png");
+  model->protect(id);
+  for (const Reason reason : {Reason::chosen, Reason::deleteImmediately}) {
+    dispose(id, reason);
+    EXPECT_EQ(title(), "Screenshot Is in Use");
+    EXPECT_EQ(text(), "Close the crop editor or save dialog before deleting this screenshot.");
+  }
+  EXPECT_EQ(files.calls(), 0);
+  model->unprotect(id);
+  dispose(id);
+  EXPECT_FALSE(hasRecord(id));
+}
+
+TEST_F(AppModelDisposal, AnUnknownRecordIsNoError) {
+  ScreenshotItem unknown = bareItem(404);
+  model->disposeItem(unknown, ErrorScope::inbox, Reason::chosen);
+  EXPECT_EQ(*model->inboxError, std::nullopt);
+  EXPECT_EQ(files.calls(), 0);
+}
+
+TEST_F(AppModelDisposal, TheErrorShowsWhereThePersonActed) {
+  const UUID id = arrivePermanent("shot.png");
+  files.refuse(item(id).url);
+  model->disposeItem(item(id), ErrorScope::settings, Reason::chosen);
+  EXPECT_TRUE(model->settingsError->has_value());
+  EXPECT_EQ(*model->inboxError, std::nullopt);
+}
+
+TEST_F(AppModelDisposal, AScreenshotWhoseDisposalFailedStaysInThePopupWithTheError) {
+  const UUID id = arrive("shot.png");
+  files.refuse(item(id).url);
+  model->disposeItem(*model->headOfQueue(), ErrorScope::popup, Reason::chosen);
+  EXPECT_THAT(queue(), ElementsAre(id));
+  EXPECT_EQ(presenter.visible, id);
+  EXPECT_EQ(stateOf(id), State::pending);
+  EXPECT_EQ((*model->promptError)->title, "Couldn’t Move to Trash");
+}
+
+TEST_F(AppModelDisposal, DisposingOfTheVisibleScreenshotShowsTheNext) {
+  arrive("first.png");
+  const UUID second = arrive("second.png");
+  model->disposeItem(*model->headOfQueue(), ErrorScope::popup, Reason::chosen);
+  EXPECT_EQ(presenter.visible, second);
+  EXPECT_EQ(model->items().size(), 1u);
+}
+
+// --- Batches ---
+
+TEST_F(AppModelDisposal, BatchOfThreeWithOneProtectedAndOneRefusedRemovesOneAndShowsOneError) {
+  const UUID removed = arrivePermanent("removed.png");
+  const UUID open = arrivePermanent("open.png");
+  const UUID refused = arrivePermanent("refused.png");
+  model->protect(open);
+  files.refuse(item(refused).url);
+  disposeAll({removed, open, refused});
+  EXPECT_FALSE(hasRecord(removed));
+  EXPECT_TRUE(hasRecord(open));
+  EXPECT_TRUE(hasRecord(refused));
+  EXPECT_EQ(savedRecords().size(), 2u);
+  EXPECT_EQ(changesOf(ModelField::inboxError), 1u);
+  EXPECT_EQ(title(), "Couldn’t Move Every Screenshot to Trash");
+  EXPECT_EQ(text(),
+            "1 screenshot is open in the crop editor or a save dialog. 1 screenshot couldn’t be moved. Check that you "
+            "can change files in its folder. They are still in Quillmere.");
+}
+
+TEST_F(AppModelDisposal, BatchSentencesStandInTheirOrderWithPluralForms) {
+  std::vector<UUID> ids;
+  for (int i = 0; i < 6; ++i) ids.push_back(arrivePermanent("shot " + std::to_string(i) + ".png"));
+  model->protect(ids[2]);
+  model->protect(ids[5]);
+  files.refuse(item(ids[1]).url);
+  files.refuse(item(ids[4]).url);
+  ejectDisk();
+  files.answers[item(ids[0]).url.path()] = FileOutcome::missing;
+  files.answers[item(ids[3]).url.path()] = FileOutcome::missing;
+  disposeAll(ids, Reason::deleteImmediately);
+  EXPECT_EQ(title(), "Couldn’t Delete Every Screenshot");
+  EXPECT_EQ(text(),
+            "2 screenshots are open in the crop editor or a save dialog. 2 screenshots couldn’t be moved. Check that "
+            "you can change files in their folder. 2 screenshots are on a disk or in a folder that isn’t available. "
+            "They are still in Quillmere.");
+  EXPECT_EQ(model->items().size(), 6u);
+  EXPECT_EQ(*model->unavailableItemIDs, (UUIDSet{ids[0], ids[3]}));
+}
+
+TEST_F(AppModelDisposal, BatchThatWentWellShowsNothingAndSavesOnce) {
+  const UUID first = arrive("first.png");
+  const UUID second = arrive("second.png");
+  const UUID third = arrive("third.png");
+  presenter.presented.clear();
+  changes.clear();
+  disposeAll({first, second});
+  EXPECT_EQ(*model->inboxError, std::nullopt);
+  EXPECT_EQ(changesOf(ModelField::items), 1u) << "removed together";
+  EXPECT_THAT(presenter.presented, ElementsAre(third));
+  EXPECT_EQ(savedRecords().size(), 1u);
+}
+
+TEST_F(AppModelDisposal, BatchOfUnknownRecordsShowsNoError) {
+  wasSaved();
+  model->disposeBatch({bareItem(404), bareItem(405)}, ErrorScope::inbox, Reason::chosen);
+  EXPECT_EQ(*model->inboxError, std::nullopt);
+  EXPECT_FALSE(wasSaved());
+}
+
+TEST_F(AppModelDisposal, BatchOfNoneDoesNothing) {
+  model->disposeBatch({}, ErrorScope::inbox, Reason::chosen);
+  EXPECT_EQ(*model->inboxError, std::nullopt);
+}
+
+TEST_F(AppModelDisposal, BatchOfOneUsesTheWordsOfASingleScreenshot) {
+  const UUID id = arrivePermanent("shot.png");
+  files.refuse(item(id).url);
+  disposeAll({id});
+  EXPECT_EQ(title(), "Couldn’t Move to Trash");
+  EXPECT_TRUE(text().startsWith("“shot.png” couldn’t be moved to Trash."));
+}
+
+// --- Forgetting ---
+
+TEST_F(AppModelDisposal, AForgottenRecordLeavesEveryTable) {
+  const UUID temporary = arriveTemporary("temporary.png");
+  dataless.insert(shots.appending("cloud.png").path());
+  ubiquitous.insert(shots.appending("cloud.png").path());
+  const UUID cloud = arriveFromElsewhere("cloud.png");
+  const UUID lost = arrive("lost.png");
+  const UUID stays = arrivePermanent("stays.png");
+  makeUnavailable(lost);
+  model->setSelectedItemIDs({temporary, cloud, lost, stays});
+  model->protect(temporary);
+  model->removeRecords({temporary, cloud, lost, uuid(404)});
+  EXPECT_EQ(model->items().size(), 1u);
+  EXPECT_EQ(scheduledAt(temporary), std::nullopt);
+  EXPECT_EQ(*model->selectedItemIDs, UUIDSet{stays});
+  EXPECT_THAT(*model->unavailableItemIDs, IsEmpty());
+  EXPECT_THAT(*model->evictedItemIDs, IsEmpty());
+  EXPECT_THAT(*model->iCloudItemIDs, IsEmpty());
+  EXPECT_THAT(queue(), IsEmpty());
+  EXPECT_TRUE(fileExists(shots.appending("temporary.png"))) << "files stay";
+}
+
+TEST_F(AppModelDisposal, AForgottenFileThatIsReportedAgainBecomesANewRecord) {
+  const UUID id = arrivePermanent("shot.png");
+  model->removeRecords({id});
+  monitor.onArrivedScreenshot(shots.appending("shot.png"));
+  EXPECT_EQ(model->items().size(), 1u);
+  EXPECT_NE(model->items()[0].id, id);
+}
+
+TEST_F(AppModelDisposal, ForgettingARecordWhoseExpiryFailedTakesItOutOfTheBanner) {
+  const UUID first = arriveTemporary("first.png", TemporaryDuration::oneMinute);
+  const UUID second = arriveTemporary("second.png", TemporaryDuration::oneMinute);
+  files.refuse(item(first).url);
+  files.refuse(item(second).url);
+  advance(61);
+  ASSERT_EQ((*model->backgroundIssue)->count, 2);
+  model->removeRecords({first});
+  EXPECT_EQ((*model->backgroundIssue)->count, 1);
+  model->removeRecords({second});
+  EXPECT_EQ(banner(), std::nullopt);
+}
+
+}  // namespace
+}  // namespace quillmere::testing

@@ -1,0 +1,67 @@
+#include "platform/linux/LiveServices.h"
+
+#include "foundation/FileStatus.h"
+#include "support/Files.h"
+#include "support/Printing.h"
+#include "support/TemporaryFolder.h"
+
+namespace quillmere {
+namespace {
+
+TEST(ApplicationPathsTest, FollowTheBaseDirectoriesAndAreMade) {
+  const FileURL data = FileURL::fromPath(std::getenv("XDG_DATA_HOME"));
+  const FileURL config = FileURL::fromPath(std::getenv("XDG_CONFIG_HOME"));
+  std::filesystem::remove_all(data.path());
+  const ApplicationPaths paths = ApplicationPaths::standard();
+  EXPECT_EQ(paths.support, data.appending("Quillmere"));
+  EXPECT_EQ(paths.recordList, data.appending("Quillmere/screenshots.json"));
+  EXPECT_EQ(paths.runMarker.parent(), paths.support);
+  EXPECT_EQ(paths.settings, config.appending("Quillmere/settings.json").displayPath());
+  EXPECT_TRUE(isReadableDirectory(paths.support)) << "without it nothing can be put in the Trash";
+}
+
+class LiveServicesTest : public ::testing::Test {
+ protected:
+  testing::TemporaryFolder folder;
+  ApplicationPaths paths = ApplicationPaths::standard();
+  LiveServices services{paths};
+  AppModelDependencies dependencies = services.dependencies(paths);
+};
+
+TEST_F(LiveServicesTest, EveryDependencyButTheWindowsIsThere) {
+  EXPECT_TRUE(dependencies.executor && dependencies.defaults && dependencies.fileOperations &&
+              dependencies.securityScope && dependencies.watchFolderStore && dependencies.monitor &&
+              dependencies.announcer && dependencies.systemEvents);
+  EXPECT_TRUE(dependencies.now && dependencies.timeZone && dependencies.isInTrash && dependencies.fileIdentity &&
+              dependencies.isFolderReachable && dependencies.isDataless && dependencies.isUbiquitous &&
+              dependencies.isVolumeMounted && dependencies.captureKind && dependencies.defaultScreenshotFolder &&
+              dependencies.spokenReviewShortcut);
+}
+
+TEST_F(LiveServicesTest, TheClockIsTheWallClock) {
+  const FileURL file = folder.file("a");
+  testing::writeFile(file, "");
+  EXPECT_NEAR(dependencies.now().seconds, fileStatus(file)->modified.seconds, 60);
+}
+
+TEST_F(LiveServicesTest, AFolderIsReachableWhileItCanBeRead) {
+  EXPECT_TRUE(dependencies.isFolderReachable(folder.url()));
+  EXPECT_FALSE(dependencies.isFolderReachable(folder.file("missing")));
+}
+
+TEST_F(LiveServicesTest, TheDefaultFolderIsThePicturesScreenshotsElsePicturesElseHome) {
+  const FileURL home = FileURL::fromPath(std::getenv("HOME"));
+  EXPECT_EQ(dependencies.defaultScreenshotFolder(), home);
+  std::filesystem::create_directories(home.appending("Pictures").path());
+  EXPECT_EQ(dependencies.defaultScreenshotFolder(), home.appending("Pictures"));
+  std::filesystem::create_directories(home.appending("Pictures/Screenshots").path());
+  EXPECT_EQ(dependencies.defaultScreenshotFolder(), home.appending("Pictures/Screenshots"));
+  std::filesystem::remove_all(home.appending("Pictures").path());
+}
+
+TEST_F(LiveServicesTest, AnAnnouncementWithoutAssistiveTechnologyIsSilent) {
+  dependencies.announcer->announce(QStringLiteral("Nobody listens"), AnnouncementPriority::high);
+}
+
+}  // namespace
+}  // namespace quillmere

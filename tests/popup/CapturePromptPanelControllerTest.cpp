@@ -1,0 +1,444 @@
+#include "popup/CapturePromptPanelController.h"
+
+#include <qpa/qwindowsysteminterface.h>
+#include <QtGui/QScreen>
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QLineEdit>
+
+#include "model/ModelFixture.h"
+#include "popup/LivePanelScreens.h"
+
+namespace quillmere {
+namespace {
+
+class FakeScreens final : public PanelScreenProviding {
+ public:
+  std::vector<PanelScreen> screens() const override {
+    ++looks;
+    return all;
+  }
+  std::optional<PanelScreen> mainScreen() const override { return all.empty() ? std::nullopt : std::optional(all[0]); }
+  QPointF mouseLocation() const override { return mouse; }
+  std::vector<PanelScreen> all;
+  QPointF mouse{-10000, -10000};
+  mutable int looks = 0;
+};
+
+/// A window system that gives the keyboard to whom it is asked for; other applications' windows are numbers alone.
+class FakeWindowSystem final : public PanelWindowSystem {
+ public:
+  void prepare(QWindow& window) override {
+    calls.push_back("prepare");
+    refusesFocusWhenShown = window.flags().testFlag(Qt::WindowDoesNotAcceptFocus);
+  }
+  void finish(QWindow&) override { calls.push_back("finish"); }
+  void setClickableArea(QWindow&, const QRect& area) override { clickable = area; }
+  bool isCompositing() const override { return true; }
+  quintptr activeWindow() const override { return active; }
+  void activate(quintptr window) override {
+    activated.push_back(window);
+    give(window);
+  }
+  /// Gives one of this program's windows the keyboard, or with another number takes it away.
+  static void give(quintptr number) {
+    QWindow* ours = nullptr;
+    for (QWindow* window : QGuiApplication::allWindows()) {
+      if (window->handle() && window->winId() == number) ours = window;
+    }
+    QWindowSystemInterface::handleWindowActivated<QWindowSystemInterface::SynchronousDelivery>(ours);
+    QCoreApplication::processEvents();
+  }
+
+  quintptr active = 0;
+  std::vector<quintptr> activated;
+  std::vector<std::string> calls;
+  std::optional<QRect> clickable;
+  bool refusesFocusWhenShown = false;
+};
+
+constexpr quintptr kEditor = 4711;
+
+class CapturePromptPanelControllerTest : public testing::ModelFixture {
+ protected:
+  CapturePromptPanelControllerTest() {
+    screens.all = {{QRectF(0, 0, 800, 800), QRectF(0, 20, 800, 760)},
+                   {QRectF(800, 0, 900, 900), QRectF(800, 0, 900, 880)}};
+    windowSystem.active = kEditor;
+    CapturePromptPanelController::Services services;
+    services.executor = &executor;
+    services.thumbnails = &thumbnails;
+    services.screens = &screens;
+    services.windowSystem = &windowSystem;
+    services.isDataless = [this](const FileURL& url) { return dataless.contains(url.path()); };
+    services.captureRect = [this](const FileURL&) { return captureRect; };
+    services.confirmDeletion = [](const QString&) { return true; };
+    popup = std::make_unique<CapturePromptPanelController>(std::move(services));
+    chooseFolderBefore(shots);
+    defaults = std::make_unique<UserDefaults>(settingsFile.displayPath());
+    AppModelDependencies world = dependencies();
+    world.promptPresenter = popup.get();
+    model = std::make_unique<AppModel>(std::move(world));
+    model->start();
+    executor.drain();
+  }
+  ~CapturePromptPanelControllerTest() override { popup.reset(); }
+
+  UUID arrivePicture(const char* name, const QSize& size) {
+    const FileURL url = shots.appending(name);
+    QImage picture(size, QImage::Format_RGB32);
+    picture.fill(Qt::white);
+    EXPECT_TRUE(picture.save(url.displayPath()));
+    monitor.onScreenshot(url);
+    settle();
+    return model->items()[0].id;
+  }
+  UUID show() { return arrivePicture("1.png", QSize(800, 400)); }
+  /// The test platform gives each new window the keyboard; a popup must not have it.
+  void settle() {
+    QCoreApplication::processEvents();
+    FakeWindowSystem::give(kEditor);
+    executor.drain();
+  }
+  bool isVisible() const { return popup->panel() && popup->panel()->isVisible(); }
+  QLineEdit* field() const { return popup->panel()->findChild<QLineEdit*>(); }
+  /// The window's place, in the screens' coordinates.
+  QRectF frame() const {
+    const QRect frame = popup->panel()->geometry();
+    const int height = QGuiApplication::primaryScreen()->geometry().height();
+    return QRectF(frame.x(), height - frame.y() - frame.height(), frame.width(), frame.height());
+  }
+  /// On which screen the popup stands.
+  size_t screenOfPopup() const { return screens.all[0].frame.contains(frame().center()) ? 0 : 1; }
+
+  FakeScreens screens;
+  FakeWindowSystem windowSystem;
+  std::optional<QRectF> captureRect;
+  ThumbnailLoader thumbnails{executor, [](const FileURL&) { return false; }};
+  std::unique_ptr<CapturePromptPanelController> popup;
+};
+
+// --- Present and hide ---
+
+TEST_F(CapturePromptPanelControllerTest, NothingIsMadeBeforeTheFirstScreenshot) {
+  EXPECT_FALSE(popup->panel());
+  EXPECT_FALSE(popup->isPointerEngaged());
+  popup->hide();
+  popup->focusForReview();
+  EXPECT_FALSE(popup->panel());
+}
+
+TEST_F(CapturePromptPanelControllerTest, AScreenshotShowsThePanelInItsPlaceWithoutTheKeyboard) {
+  const UUID id = show();
+  ASSERT_TRUE(isVisible());
+  EXPECT_EQ(popup->content()->item.id, id);
+  EXPECT_EQ(popup->content()->thumbnailHeight, 204);
+  EXPECT_EQ(frame().width(), 488);
+  EXPECT_EQ(frame().right(), 800) << "24 points of margin about a card that is 24 points in";
+  EXPECT_EQ(frame().y(), 20);
+  EXPECT_TRUE(windowSystem.refusesFocusWhenShown);
+  EXPECT_EQ(windowSystem.calls, (std::vector<std::string>{"prepare", "finish"}));
+  EXPECT_TRUE(windowSystem.activated.empty());
+  EXPECT_EQ(windowSystem.clickable, popup->panel()->cardRect()) << "clicks on the margin go through";
+}
+
+TEST_F(CapturePromptPanelControllerTest, HidingLetsGoOfTheContentInALaterTurn) {
+  show();
+  model->dismissPrompt();
+  EXPECT_FALSE(isVisible());
+  EXPECT_TRUE(popup->content());
+  executor.drain();
+  EXPECT_FALSE(popup->content());
+}
+
+TEST_F(CapturePromptPanelControllerTest, AScreenshotThatComesBeforeThatStaysShown) {
+  show();
+  model->dismissPrompt();
+  const UUID second = arrive("2.png");
+  executor.drain();
+  EXPECT_TRUE(isVisible());
+  ASSERT_TRUE(popup->content());
+  EXPECT_EQ(popup->content()->item.id, second);
+}
+
+TEST_F(CapturePromptPanelControllerTest, WhatWasTypedIsForgottenOnceThePopupHasClosed) {
+  const UUID id = show();
+  field()->setText(QStringLiteral("Typed"));
+  model->dismissPrompt();
+  settle();
+  model->reviewPending(false);
+  settle();
+  ASSERT_TRUE(isVisible());
+  ASSERT_EQ(popup->content()->item.id, id);
+  EXPECT_EQ(field()->text(), QStringLiteral("1"));
+}
+
+TEST_F(CapturePromptPanelControllerTest, ThePanelIsMadeOnce) {
+  show();
+  const auto* panel = popup->panel();
+  model->dismissPrompt();
+  settle();
+  arrive("2.png");
+  settle();
+  EXPECT_EQ(popup->panel(), panel);
+}
+
+TEST_F(CapturePromptPanelControllerTest, AHiddenPopupDoesNotFollowTheModel) {
+  show();
+  model->dismissPrompt();
+  settle();
+  const int updates = popup->updateCount();
+  model->setShowPopupThumbnail(false);
+  executor.drain();
+  EXPECT_EQ(popup->updateCount(), updates);
+}
+
+TEST_F(CapturePromptPanelControllerTest, ItMayGoAwayWithAnUpdateUnderWay) {
+  show();
+  model->setShowPopupThumbnail(false);
+  model->dismissPrompt();
+  popup.reset();
+  executor.drain();
+}
+
+// --- Updates ---
+
+TEST_F(CapturePromptPanelControllerTest, AThousandChangesInOneTurnCostOneUpdate) {
+  show();
+  const int updates = popup->updateCount();
+  for (int i = 1; i <= 1000; ++i) model->show(ErrorScope::popup, QString::number(i), QStringLiteral("Message"));
+  EXPECT_EQ(popup->updateCount(), updates) << "never in the signal itself";
+  executor.drain();
+  EXPECT_EQ(popup->updateCount(), updates + 1);
+  EXPECT_EQ(popup->content()->error->title, QStringLiteral("1000"));
+}
+
+TEST_F(CapturePromptPanelControllerTest, AChangeThatShowsNowhereCostsNothing) {
+  show();
+  const int updates = popup->updateCount();
+  const int frames = popup->panel()->frameChangeCount();
+  model->setMenuBarEnabled(false);
+  model->setHasSeenWelcome(true);
+  model->show(ErrorScope::inbox, QStringLiteral("Title"), QStringLiteral("Message"));
+  executor.drain();
+  EXPECT_EQ(popup->updateCount(), updates);
+  EXPECT_EQ(popup->panel()->frameChangeCount(), frames);
+}
+
+TEST_F(CapturePromptPanelControllerTest, AChangeOfTheSameHeightMovesNothing) {
+  show();
+  const int frames = popup->panel()->frameChangeCount();
+  arrive("2.png");
+  executor.drain();
+  EXPECT_EQ(popup->content()->queuedCount, 1);
+  EXPECT_EQ(popup->panel()->frameChangeCount(), frames);
+}
+
+TEST_F(CapturePromptPanelControllerTest, AnErrorMakesItTallerUpwards) {
+  show();
+  const QRectF before = frame();
+  model->show(ErrorScope::popup, QStringLiteral("Title"), QStringLiteral("Message"));
+  executor.drain();
+  EXPECT_GT(frame().height(), before.height());
+  EXPECT_EQ(frame().y(), before.y());
+  EXPECT_EQ(windowSystem.clickable, popup->panel()->cardRect());
+  model->dismissError(ErrorScope::popup);
+  executor.drain();
+  EXPECT_EQ(frame(), before);
+}
+
+TEST_F(CapturePromptPanelControllerTest, WithoutThePreviewItIsShorterByIt) {
+  show();
+  const qreal before = frame().height();
+  model->setShowPopupThumbnail(false);
+  executor.drain();
+  EXPECT_EQ(frame().height(), before - 204 - 12) << "the preview and the space below it";
+}
+
+TEST_F(CapturePromptPanelControllerTest, OnAScreenTooShortTheContentScrolls) {
+  screens.all = {{QRectF(0, 0, 800, 800), QRectF(0, 0, 800, 250)}};
+  show();
+  EXPECT_TRUE(popup->content()->scrolls);
+  EXPECT_EQ(frame().height(), 250);
+  const int updates = popup->updateCount();
+  model->setMenuBarEnabled(false);
+  executor.drain();
+  EXPECT_EQ(popup->updateCount(), updates) << "also then";
+}
+
+TEST_F(CapturePromptPanelControllerTest, WithoutAnyScreenItStaysWhereItIs) {
+  show();
+  const QRectF before = frame();
+  model->dismissPrompt();
+  settle();
+  screens.all.clear();
+  arrive("2.png");
+  settle();
+  EXPECT_TRUE(isVisible());
+  EXPECT_EQ(frame().topLeft(), before.topLeft());
+}
+
+TEST_F(CapturePromptPanelControllerTest, AnEvictedFileIsNotMeasured) {
+  const FileURL url = shots.appending("1.png");
+  dataless.insert(url.path());
+  show();
+  EXPECT_EQ(popup->content()->thumbnailHeight, 160);
+}
+
+TEST_F(CapturePromptPanelControllerTest, TheSameFileIsMeasuredOnce) {
+  const UUID id = show();
+  ASSERT_EQ(::unlink(item(id).url.c_str()), 0);
+  arrive("2.png");
+  executor.drain();
+  EXPECT_EQ(popup->content()->thumbnailHeight, 204) << "an update reads no file";
+}
+
+// --- The screen ---
+
+TEST_F(CapturePromptPanelControllerTest, ItOpensWhereTheCaptureWasTaken) {
+  captureRect = QRectF(900, 100, 300, 300);
+  show();
+  EXPECT_EQ(screenOfPopup(), 1u);
+}
+
+TEST_F(CapturePromptPanelControllerTest, ASecondScreenshotDoesNotMoveIt) {
+  show();
+  ASSERT_EQ(screenOfPopup(), 0u);
+  captureRect = QRectF(900, 100, 300, 300);
+  screens.mouse = {1000, 100};
+  arrive("2.png");
+  model->dismissPrompt();
+  executor.drain();
+  EXPECT_EQ(popup->content()->item.url, shots.appending("2.png"));
+  EXPECT_EQ(screenOfPopup(), 0u);
+  EXPECT_EQ(windowSystem.calls.size(), 2u) << "nor show it anew";
+}
+
+TEST_F(CapturePromptPanelControllerTest, AScreenThatGoesAwayMovesItToAnother) {
+  captureRect = QRectF(900, 100, 300, 300);
+  show();
+  ASSERT_EQ(screenOfPopup(), 1u);
+  screens.all.pop_back();
+  Q_EMIT QGuiApplication::primaryScreen()->geometryChanged(QRect());
+  executor.drain();
+  EXPECT_EQ(screenOfPopup(), 0u);
+}
+
+// --- The keyboard ---
+
+TEST_F(CapturePromptPanelControllerTest, TheReviewTakesTheKeyboardAndClosingGivesItBack) {
+  show();
+  model->reviewPending(false);
+  ASSERT_EQ(windowSystem.activated, std::vector<quintptr>{popup->panel()->winId()});
+  ASSERT_TRUE(popup->panel()->isActiveWindow());
+  EXPECT_FALSE(popup->panel()->windowHandle()->flags().testFlag(Qt::WindowDoesNotAcceptFocus));
+  model->dismissPrompt();
+  executor.drain();
+  EXPECT_EQ(windowSystem.activated.back(), kEditor);
+}
+
+TEST_F(CapturePromptPanelControllerTest, ClosingAPopupThatNeverHadTheKeyboardActivatesNothing) {
+  show();
+  model->dismissPrompt();
+  executor.drain();
+  EXPECT_TRUE(windowSystem.activated.empty());
+}
+
+TEST_F(CapturePromptPanelControllerTest, AfterThePersonWentElsewhereClosingActivatesNothing) {
+  show();
+  model->reviewPending(false);
+  ASSERT_TRUE(popup->panel()->isActiveWindow());
+  FakeWindowSystem::give(0);
+  ASSERT_FALSE(popup->panel()->isActiveWindow());
+  windowSystem.activated.clear();
+  model->dismissPrompt();
+  executor.drain();
+  EXPECT_TRUE(windowSystem.activated.empty());
+}
+
+TEST_F(CapturePromptPanelControllerTest, FromAWindowOfThisProgramNothingIsGivenBack) {
+  QWidget inbox;
+  inbox.show();
+  QCoreApplication::processEvents();
+  show();
+  FakeWindowSystem::give(inbox.winId());
+  ASSERT_TRUE(inbox.isActiveWindow());
+  model->reviewPending(false);
+  ASSERT_TRUE(popup->panel()->isActiveWindow());
+  windowSystem.activated.clear();
+  model->dismissPrompt();
+  executor.drain();
+  EXPECT_TRUE(windowSystem.activated.empty());
+}
+
+TEST_F(CapturePromptPanelControllerTest, TheNextScreenshotKeepsTheKeyboard) {
+  show();
+  model->reviewPending(false);
+  arrive("2.png");
+  model->dismissPrompt();
+  executor.drain();
+  EXPECT_TRUE(popup->panel()->isActiveWindow());
+  model->dismissPrompt();
+  executor.drain();
+  EXPECT_EQ(windowSystem.activated.back(), kEditor);
+}
+
+TEST_F(CapturePromptPanelControllerTest, AClickIntoTheNameTakesTheKeyboard) {
+  show();
+  QTest::mouseClick(field(), Qt::LeftButton);
+  EXPECT_EQ(windowSystem.activated, std::vector<quintptr>{popup->panel()->winId()});
+  EXPECT_TRUE(popup->panel()->isActiveWindow());
+}
+
+TEST_F(CapturePromptPanelControllerTest, APopupShownAnewRefusesTheKeyboardAgain) {
+  show();
+  model->reviewPending(false);
+  model->dismissPrompt();
+  settle();
+  windowSystem.refusesFocusWhenShown = false;
+  arrive("2.png");
+  EXPECT_TRUE(windowSystem.refusesFocusWhenShown);
+}
+
+// --- The pointer ---
+
+TEST_F(CapturePromptPanelControllerTest, ThePointerOnTheCardEngagesAndOnTheMarginDoesNot) {
+  show();
+  screens.mouse = frame().center();
+  EXPECT_TRUE(popup->isPointerEngaged());
+  screens.mouse = QPointF(frame().x() + 23, frame().center().y());
+  EXPECT_FALSE(popup->isPointerEngaged());
+  screens.mouse = QPointF(frame().x() + 25, frame().center().y());
+  EXPECT_TRUE(popup->isPointerEngaged());
+  screens.mouse = QPointF(frame().center().x(), frame().y() + 23);
+  EXPECT_FALSE(popup->isPointerEngaged());
+}
+
+TEST_F(CapturePromptPanelControllerTest, APopupWithTheKeyboardIsEngagedWhereverThePointerIs) {
+  show();
+  EXPECT_FALSE(popup->isPointerEngaged());
+  model->reviewPending(false);
+  EXPECT_TRUE(popup->isPointerEngaged());
+}
+
+TEST_F(CapturePromptPanelControllerTest, AHiddenPopupIsNotEngaged) {
+  show();
+  screens.mouse = frame().center();
+  model->dismissPrompt();
+  EXPECT_FALSE(popup->isPointerEngaged());
+}
+
+// --- The desktop's own screens ---
+
+TEST(LivePanelScreensTest, TurnsTheDesktopsCoordinatesAndBack) {
+  const LivePanelScreens screens;
+  ASSERT_FALSE(screens.screens().empty());
+  const QRect geometry = QGuiApplication::primaryScreen()->geometry();
+  const PanelScreen main = *screens.mainScreen();
+  EXPECT_EQ(main.frame, QRectF(0, 0, geometry.width(), geometry.height()));
+  EXPECT_EQ(LivePanelScreens::toQt(main.frame), geometry);
+  EXPECT_EQ(LivePanelScreens::toQt(QRectF(10, 20, 30, 40)), QRect(10, geometry.height() - 60, 30, 40));
+}
+
+}  // namespace
+}  // namespace quillmere
