@@ -107,9 +107,12 @@ void AppModel::applyOutcomes(const UUIDMap<ReconcileOutcome>& outcomes, const st
     const auto index = items_.indexOf(input.id);
     // A record that changed during the run knows better.
     if (outcome == outcomes.end() || !index || items_[*index].url != input.url) continue;
+    const bool isGone = std::holds_alternative<FileGone>(outcome->second);
+    // A new file has taken the name during the run, and its arrival was taken for the known one.
+    if (isGone && fileExists(input.url) && !dependencies_.isInTrash(input.url)) continue;
     evicted.erase(input.id);
     iCloud.erase(input.id);
-    if (std::holds_alternative<FileGone>(outcome->second)) {
+    if (isGone) {
       gone.insert(input.id);
     } else if (std::holds_alternative<FileUnavailable>(outcome->second)) {
       unavailable.insert(input.id);
@@ -165,6 +168,7 @@ bool AppModel::applyPresent(size_t index, const FilePresent& present) {
 
 void AppModel::updateLocation(size_t index, const FileURL& url, const std::optional<FileURL>& scopedURL) {
   updateItem(index, [&](ScreenshotItem& item) { item.url = url; });
+  dependencies_.monitor->noteKnown(url);
   const ScreenshotItem& item = items_[index];
   const UUID id = item.id;
   const bool leftTheFolder = !watchFolderPaths_ || !watchFolderPaths_->contains(pathKeyOf(url));

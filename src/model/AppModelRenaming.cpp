@@ -34,6 +34,7 @@ AppModel::RenameOutcome AppModel::renameItem(size_t index, const QString& name) 
     record.url = result.url;
     if (identity) record.fileIdentity = identity;
   });
+  dependencies_.monitor->noteKnown(result.url);
   refreshBookmark(index, oldBookmark);
   refreshItemAccess(index, std::nullopt);
   return RenameOutcome::renamed;

@@ -47,6 +47,7 @@ void AppModel::adoptWatchFolder(const FileURL& url, ErrorScope scope) {
   setWatchFolder(url);
   for (size_t i = 0; i < items_.size(); ++i) refreshItemAccess(i, std::nullopt);
   access_.endAccess(oldFolder);
+  dependencies_.monitor->expectArrivalsSince(std::nullopt);
   dependencies_.monitor->watch(url);
   setWatchFolderHasReceivedScreenshot(false);
   if (didStart_) reconcile({});
@@ -90,9 +91,12 @@ bool AppModel::retryWatchFolder() {
   if (resolved->refreshed) dependencies_.watchFolderStore->setBookmark(*resolved->refreshed);
   if (!dependencies_.isFolderReachable(folder)) return false;
   const auto oldFolder = access_.takeFolder();
-  const FileURL url = **watchFolderURL;
-  setWatchFolder(url);
+  access_.openFolder(**watchFolderURL);
   access_.endAccess(oldFolder);
+  watchFolderPaths_ = watchFolderPaths(**watchFolderURL);
+  recordIndexCache_.reset();
+  // Whether it is watched again is the monitor's to say: being there is not enough.
+  dependencies_.monitor->refresh();
   return true;
 }
 

@@ -41,7 +41,9 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
   void scheduleScan(Duration after, bool full) override;
   bool includesNonCaptureImages() const override { return includesNonCaptureImages_; }
   void setIncludesNonCaptureImages(bool includes) override;
-  void expectArrivalsSince(Date moment) override { arrivalsSince_ = moment; }
+  void expectArrivalsSince(std::optional<Date> moment) override { arrivalsSince_ = moment; }
+  void noteKnown(const FileURL& url) override;
+  void refresh() override;
 
   bool isScanning() const { return isScanning_; }
   std::optional<WatcherStatus> lastStatus() const { return lastStatus_; }
@@ -66,7 +68,6 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
   static Task<> reconcileRegularly(Weak<ScreenshotInboxMonitor> self);
   static Task<> scanLater(Weak<ScreenshotInboxMonitor> self, Duration delay);
   static Task<> runScan(Weak<ScreenshotInboxMonitor> self, std::shared_ptr<Snapshot> snapshot, int generation);
-  void refresh();
   void openDirectorySource();
   void handleEvent(FolderEvent event);
   void cancelScheduledScan();

@@ -97,6 +97,14 @@ void ScreenshotInboxMonitor::applyRepeatedLook(const Observation& seen, Pending&
   pendingFiles_.erase(seen.url);
 }
 
+void ScreenshotInboxMonitor::noteKnown(const FileURL& url) {
+  if (!directory_ || url.parent() != *directory_) return;
+  pendingFiles_.erase(url);
+  ignoredFiles_.erase(url);
+  arrivalEvidence_.erase(url);
+  knownURLs().insert(url);
+}
+
 void ScreenshotInboxMonitor::accept(const FileURL& url) {
   const auto evidence = arrivalEvidence_.extract(url);
   const bool isFromElsewhere = evidence && evidence.mapped().isFromElsewhere;

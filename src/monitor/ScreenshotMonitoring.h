@@ -38,7 +38,12 @@ class ScreenshotMonitoring {
   virtual void setIncludesNonCaptureImages(bool includes) = 0;
   /// The next baseline takes only files older than this for known, instead of older than its own start: the files that
   /// came since then are heard, as those of a run that ended without notice must be.
-  virtual void expectArrivalsSince(Date moment) = 0;
+  /// None: the next baseline is an ordinary one.
+  virtual void expectArrivalsSince(std::optional<Date> moment) = 0;
+  /// A file of the folder has a record already, under a name that need not tell what it is: only its leaving is news.
+  virtual void noteKnown(const FileURL& url) = 0;
+  /// Opens a lost folder again, if it is there, and looks at all of it.
+  virtual void refresh() = 0;
 };
 
 }  // namespace quillmere

@@ -220,7 +220,9 @@ void CapturePromptView::reportEdit() {
 }
 
 bool CapturePromptView::gateAllows() const {
-  return content_ && gate_.allows(executor_.instant());
+  // The model may have gone on while the card still shows the last screenshot.
+  return content_ && content_->contentGeneration == *model_.promptContentGeneration &&
+         gate_.allows(executor_.instant());
 }
 
 void CapturePromptView::runGated(const std::function<void()>& action) {

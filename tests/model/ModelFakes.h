@@ -201,13 +201,21 @@ class FakeMonitor final : public ScreenshotMonitoring {
     log_.add(isOn ? "include other images" : "captures only");
     includes = isOn;
   }
-  void expectArrivalsSince(Date moment) override {
-    log_.add("expect arrivals");
+  void expectArrivalsSince(std::optional<Date> moment) override {
+    if (moment) log_.add("expect arrivals");
     expectedSince = moment;
+  }
+  void noteKnown(const FileURL& url) override { known.push_back(url); }
+  /// A folder that can be opened again is told as watched, as the real monitor tells it.
+  void refresh() override {
+    ++refreshes;
+    if (watched && isReadableDirectory(*watched) && onStatusChange) onStatusChange(WatcherStatus::watching);
   }
 
   std::optional<FileURL> watched;
   std::optional<Date> expectedSince;
+  std::vector<FileURL> known;
+  int refreshes = 0;
   int starts = 0;
   bool includes = false;
 
