@@ -30,7 +30,8 @@ InboxWindow::InboxWindow(AppModel& model, ThumbnailLoader& thumbnails) : model_(
   auto* split = new QHBoxLayout(this);
   split->setContentsMargins(0, 0, 0, 0);
   split->setSpacing(0);
-  split->addWidget(makeSidebar(thumbnails));
+  sidebar_ = makeSidebar(thumbnails);
+  split->addWidget(sidebar_);
   split->addWidget(makeDetail(thumbnails), 1);
   changes_ = model.changed.connect([this](const ModelChange& change) { follow(change); });
   refresh();
@@ -131,6 +132,8 @@ void InboxWindow::follow(const ModelChange& change) {
 void InboxWindow::refresh() {
   const bool isSettingUp = !*model_.watchFolderURL;
   const bool isEmpty = model_.items().empty();
+  // Before the first folder there is nothing to list.
+  sidebar_->setVisible(!isSettingUp || !isEmpty);
   banners_->update(!isSettingUp);
   count_->setText(localized("%lld screenshots", {static_cast<qsizetype>(model_.items().size())}));
   count_->setVisible(!isEmpty && model_.selectedItemIDs->empty());

@@ -36,6 +36,7 @@ class InboxWindow final : public QWidget {
   void showInboxError();
 
   AppModel& model_;
+  QWidget* sidebar_ = nullptr;
   InboxListModel* list_ = nullptr;
   QListView* listView_ = nullptr;
   QLabel* count_ = nullptr;

@@ -62,6 +62,30 @@ TEST_F(ApplyTest, AcceptedFileThatWentAndCameBackIsToldAgain) {
   EXPECT_EQ(told(), (Names{"captured a.png", "removed a.png", "captured a.png"}));
 }
 
+TEST_F(ApplyTest, FileThatTheProgramRenamedIsNotAnnouncedButItsLeavingIs) {
+  begin();
+  const auto url = make("a.png");
+  tellChange();
+  advance(0.1);
+  const FileURL renamed = folder.file("Invoice.png");
+  ASSERT_EQ(::rename(url.c_str(), renamed.c_str()), 0);
+  monitor->noteKnown(renamed);
+  services->file("Invoice.png").isTagged = false;  // its name was the only mark
+  tellChange();
+  advance(5);
+  EXPECT_EQ(told(), (Names{"captured a.png", "removed a.png"}));
+  remove(renamed);
+  tellChange();
+  EXPECT_EQ(told(), Names{"removed Invoice.png"});
+}
+
+TEST_F(ApplyTest, FileOfAnotherFolderIsNotNotedAsKnown) {
+  begin();
+  monitor->noteKnown(FileURL::fromPath("/elsewhere/a.png"));
+  tellChange();
+  EXPECT_TRUE(told().empty());
+}
+
 TEST_F(ApplyTest, EmptyFileIsNeverDecodedAndGetsNoQuickLookAfterTheTwentieth) {
   begin();
   make("a.png", "");

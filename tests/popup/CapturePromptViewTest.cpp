@@ -180,6 +180,26 @@ TEST_F(CapturePromptViewTest, AClickTooSoonAfterTheNextScreenshotCameUpDecidesNo
   EXPECT_EQ(stateOf(second), State::permanent);
 }
 
+TEST_F(CapturePromptViewTest, AClickBeforeTheCardHasFollowedTheModelDecidesNothing) {
+  const UUID next = arrive("Screenshot 2.png");
+  button("Dismiss Screenshot Popup")->click();
+  ASSERT_EQ(queue(), std::vector{next});
+  button("Dismiss Screenshot Popup")->click();
+  EXPECT_EQ(queue(), std::vector{next});
+}
+
+TEST_F(CapturePromptViewTest, AnUntouchedNameIsLeftAsItIs) {
+  model->dismissPrompt();
+  for (const std::string& name : {std::string("Screenshot 3:04.png"), std::string("Screenshot \xFF.png")}) {
+    const UUID odd = arrive(name);
+    refresh();
+    pastGate();
+    button("Keep")->click();
+    EXPECT_EQ(item(odd).state, ScreenshotItem::State::permanent);
+    EXPECT_EQ(item(odd).url.lastPathComponent(), name);
+  }
+}
+
 TEST_F(CapturePromptViewTest, ReturnTooSoonIsDroppedAndTheTextStays) {
   arrive("2.png");
   QTest::mouseClick(button("Keep"), Qt::LeftButton);
