@@ -1,10 +1,10 @@
 #include "inbox/InboxBanner.h"
 
-#include <QtGui/QPainter>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QVBoxLayout>
 
 #include "controls/ActionButton.h"
+#include "controls/Grounds.h"
 #include "controls/Symbol.h"
 #include "controls/Theme.h"
 
@@ -37,15 +37,7 @@ void InboxBanner::show(const QString& symbol, const QString& message, const QStr
 }
 
 void InboxBanner::paintEvent(QPaintEvent*) {
-  constexpr qreal kRadius = 10;
-  const Theme theme(palette());
-  QColor ground = theme.warning;
-  ground.setAlphaF(theme.isDark ? 0.18F : 0.12F);
-  QPainter painter(this);
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(Qt::NoPen);
-  painter.setBrush(ground);
-  painter.drawRoundedRect(rect(), kRadius, kRadius);
+  paintWarningGround(*this);
 }
 
 }  // namespace quillmere

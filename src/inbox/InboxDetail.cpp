@@ -5,6 +5,7 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QVBoxLayout>
 
+#include "controls/Grounds.h"
 #include "controls/Symbol.h"
 #include "controls/Theme.h"
 #include "foundation/Localized.h"
@@ -23,9 +24,7 @@ InboxDetail::InboxDetail(ThumbnailLoader& thumbnails, QWidget* parent)
   name_->setFont(scaled(font(), 1.2, QFont::DemiBold));
   name_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   name_->setWordWrap(true);
-  QPalette secondary = status_->palette();
-  secondary.setColor(QPalette::WindowText, theme.secondaryText);
-  status_->setPalette(secondary);
+  setTextColor(*status_, theme.secondaryText);
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(kPadding, kPadding, kPadding, kPadding);
   column->setSpacing(4);

@@ -8,6 +8,7 @@
 #include <QtWidgets/QStackedWidget>
 #include <QtWidgets/QVBoxLayout>
 
+#include "controls/Grounds.h"
 #include "controls/Theme.h"
 #include "foundation/Localized.h"
 #include "inbox/InboxBanners.h"
@@ -69,9 +70,7 @@ QWidget* InboxWindow::makeSidebar(ThumbnailLoader& thumbnails) {
   count_ = new QLabel(sidebar);
   count_->setFont(scaled(font(), 0.92));
   count_->setContentsMargins(16, 8, 16, 10);
-  QPalette secondary = count_->palette();
-  secondary.setColor(QPalette::WindowText, Theme(palette()).secondaryText);
-  count_->setPalette(secondary);
+  setTextColor(*count_, Theme(palette()).secondaryText);
 
   auto* column = new QVBoxLayout(sidebar);
   column->setContentsMargins(0, 0, 0, 0);

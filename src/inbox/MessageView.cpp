@@ -4,6 +4,7 @@
 #include <QtWidgets/QVBoxLayout>
 
 #include "controls/ActionButton.h"
+#include "controls/Grounds.h"
 #include "controls/Symbol.h"
 #include "controls/Theme.h"
 
@@ -27,9 +28,7 @@ MessageView::MessageView(const Content& content, QWidget* parent) : QWidget(pare
   text->setWordWrap(true);
   text->setAlignment(Qt::AlignCenter);
   text->setFixedWidth(kTextWidth);
-  QPalette secondary = text->palette();
-  secondary.setColor(QPalette::WindowText, theme.secondaryText);
-  text->setPalette(secondary);
+  setTextColor(*text, theme.secondaryText);
   // Aligned in its column, a label is no longer asked for its height at a width.
   text->setMinimumHeight(text->heightForWidth(kTextWidth));
 

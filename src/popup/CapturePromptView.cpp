@@ -7,6 +7,7 @@
 #include <QtWidgets/QVBoxLayout>
 
 #include "controls/ActionButton.h"
+#include "controls/Grounds.h"
 #include "controls/Theme.h"
 #include "foundation/Localized.h"
 #include "popup/DurationPicker.h"
@@ -28,13 +29,6 @@ QString nameFieldStyle(const Theme& theme) {
              " selection-background-color: %4; selection-color: white; }"
              "QLineEdit:focus { border: 2px solid %4; padding: 0 7px; }")
       .arg(theme.fieldBorder.name(), theme.field.name(), theme.text.name(), theme.accent.name());
-}
-
-void setTextColor(QWidget* widget, const QColor& color) {
-  QPalette palette = widget->palette();
-  palette.setColor(QPalette::WindowText, color);
-  palette.setColor(QPalette::Text, color);
-  widget->setPalette(palette);
 }
 
 }  // namespace
@@ -65,9 +59,9 @@ QWidget* CapturePromptView::makeHeader() {
   auto* header = new QWidget(this);
   auto* title = new QLabel(localized("Screenshot Captured"), header);
   title->setFont(scaled(font(), 1.1, QFont::DemiBold));
-  setTextColor(title, theme.text);
+  setTextColor(*title, theme.text);
   queueCount_ = new QLabel(header);
-  setTextColor(queueCount_, theme.secondaryText);
+  setTextColor(*queueCount_, theme.secondaryText);
   closeButton_ = new ActionButton(ActionButton::Role::icon, QStringLiteral("xmark"), {}, header);
   closeButton_->setAccessibleName(localized("Dismiss Screenshot Popup"));
   closeButton_->setToolTip(localized("Dismiss. The screenshot stays in the Inbox."));
@@ -88,7 +82,7 @@ QWidget* CapturePromptView::makeNameBlock() {
   auto* block = new QWidget(this);
   caption_ = new QLabel(block);
   caption_->setFont(scaled(font(), 0.9));
-  setTextColor(caption_, theme.secondaryText);
+  setTextColor(*caption_, theme.secondaryText);
   nameField_ = new QLineEdit(block);
   nameField_->setAccessibleName(localized("Filename"));
   nameField_->setAccessibleDescription(localized(
@@ -103,7 +97,7 @@ QWidget* CapturePromptView::makeNameBlock() {
     reportEdit();
   });
   extension_ = new QLabel(block);
-  setTextColor(extension_, theme.secondaryText);
+  setTextColor(*extension_, theme.secondaryText);
 
   auto* field = new QHBoxLayout;
   field->setSpacing(6);

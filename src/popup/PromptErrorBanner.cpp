@@ -1,11 +1,11 @@
 #include "popup/PromptErrorBanner.h"
 
-#include <QtGui/QPainter>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QVBoxLayout>
 
 #include "controls/ActionButton.h"
+#include "controls/Grounds.h"
 #include "controls/Symbol.h"
 #include "controls/Theme.h"
 #include "foundation/Localized.h"
@@ -14,7 +14,6 @@ namespace quillmere {
 namespace {
 
 constexpr int kSymbol = 18;
-constexpr qreal kRadius = 10;
 
 }  // namespace
 
@@ -47,14 +46,7 @@ void PromptErrorBanner::show(const ScopedError& error) {
 }
 
 void PromptErrorBanner::paintEvent(QPaintEvent*) {
-  const Theme theme(palette());
-  QColor ground = theme.warning;
-  ground.setAlphaF(theme.isDark ? 0.18F : 0.12F);
-  QPainter painter(this);
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(Qt::NoPen);
-  painter.setBrush(ground);
-  painter.drawRoundedRect(rect(), kRadius, kRadius);
+  paintWarningGround(*this);
 }
 
 }  // namespace quillmere
