@@ -49,11 +49,20 @@ inline bool run(const std::string& command) {
   return std::system(("PATH=$PATH:/usr/sbin:/sbin; { " + command + "; } >/dev/null 2>&1").c_str()) == 0;
 }
 
+/// Makes a disk in an image file of this size; `make` is the command that does so, less the image.
+inline bool makeDisk(const std::string& image, const std::string& size, const std::string& make) {
+  return run("rm -f '" + image + "' && truncate -s " + size + " '" + image + "' && " + make + " '" + image + "'");
+}
+
+/// Mounts such a disk at `folder`; for the work of a child process.
+inline bool connectDisk(const std::string& image, const std::string& folder) {
+  return run("mount -o loop '" + image + "' '" + folder + "'");
+}
+
 /// A small ext4 disk made from an image file and mounted at `folder`; for the work of a child process.
 inline bool mountDisk(const std::string& image, const std::string& folder, const std::string& uuid = {}) {
-  const std::string withUUID = uuid.empty() ? std::string() : "-U " + uuid + " ";
-  return run("truncate -s 8M '" + image + "' && mkfs.ext4 -q -F -I 256 -O ^has_journal " + withUUID + "'" + image +
-             "' && mount -o loop '" + image + "' '" + folder + "'");
+  const std::string withUUID = uuid.empty() ? std::string() : " -U " + uuid;
+  return makeDisk(image, "8M", "mkfs.ext4 -q -F -I 256 -O ^has_journal" + withUUID) && connectDisk(image, folder);
 }
 
 }  // namespace quillmere::testing

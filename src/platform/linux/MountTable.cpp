@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <linux/btrfs.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -48,22 +49,34 @@ bool covers(const std::string& folder, const std::string& path) {
   return folder == "/" || path == folder || path.starts_with(folder + "/");
 }
 
+/// None for zeros, which stand for no UUID.
+std::optional<std::string> textOf(const __u8 (&uuid)[16]) {
+  constexpr std::array<__u8, sizeof uuid> kNone{};
+  if (std::memcmp(uuid, kNone.data(), sizeof uuid) == 0) return std::nullopt;
+  constexpr std::string_view kHex = "0123456789abcdef";
+  std::string text;
+  for (size_t i = 0; i < sizeof uuid; ++i) {
+    if (i == 4 || i == 6 || i == 8 || i == 10) text.push_back('-');
+    text.push_back(kHex[uuid[i] >> 4]);
+    text.push_back(kHex[uuid[i] & 15]);
+  }
+  return text;
+}
+
 std::optional<std::string> uuidByIoctl(const FileURL& url) {
   const int descriptor = ::open(url.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (descriptor < 0) return std::nullopt;
+  std::optional<std::string> uuid;
   fsuuid2 answer{};
-  const bool answered = ::ioctl(descriptor, FS_IOC_GETFSUUID, &answer) == 0 && answer.len == sizeof answer.uuid;
-  ::close(descriptor);
-  constexpr std::array<__u8, 16> kNone{};
-  if (!answered || std::memcmp(answer.uuid, kNone.data(), kNone.size()) == 0) return std::nullopt;
-  constexpr std::string_view kHex = "0123456789abcdef";
-  std::string text;
-  for (size_t i = 0; i < sizeof answer.uuid; ++i) {
-    if (i == 4 || i == 6 || i == 8 || i == 10) text.push_back('-');
-    text.push_back(kHex[answer.uuid[i] >> 4]);
-    text.push_back(kHex[answer.uuid[i] & 15]);
+  // Btrfs has a question of its own. Its device numbers are made up at each mount, one a subvolume.
+  btrfs_ioctl_fs_info_args info{};
+  if (::ioctl(descriptor, FS_IOC_GETFSUUID, &answer) == 0) {
+    if (answer.len == sizeof answer.uuid) uuid = textOf(answer.uuid);
+  } else if (::ioctl(descriptor, BTRFS_IOC_FS_INFO, &info) == 0) {
+    uuid = textOf(info.fsid);
   }
-  return text;
+  ::close(descriptor);
+  return uuid;
 }
 
 std::optional<std::string> uuidOfDevice(const std::string& device) {
@@ -156,7 +169,11 @@ std::optional<std::string> MountTable::volume(const FileURL& url) const {
   }
   auto volume = uuidByIoctl(url);
   if (!volume) {
-    if (const auto mount = covering(url)) volume = uuidOfDevice(mount->source);
+    // A file that cannot be opened is on the volume of those that can.
+    if (const auto mount = covering(url)) {
+      volume = uuidByIoctl(FileURL::fromPath(mount->path));
+      if (!volume) volume = uuidOfDevice(mount->source);
+    }
   }
   if (!volume) volume = std::to_string(device.first) + ":" + std::to_string(device.second);
   const std::lock_guard lock(mutex_);
