@@ -7,12 +7,13 @@
 #include "platform/linux/LiveServices.h"
 #include "platform/linux/RunMarker.h"
 #include "platform/linux/ScreenCaptureAttributes.h"
+#include "platform/linux/SessionEvents.h"
 #include "platform/linux/TerminationSignals.h"
 #include "platform/linux/X11PanelWindowSystem.h"
 #include "popup/CapturePromptPanelController.h"
 #include "popup/LivePanelScreens.h"
 #include "shell/Confirmations.h"
-#include "shell/FolderPanel.h"
+#include "shell/FilePanels.h"
 #include "shell/QuillmereApp.h"
 
 using namespace quillmere;
@@ -60,7 +61,7 @@ int main(int argc, char** argv) {
   LiveServices services(paths);
   LivePanelScreens screens;
   X11PanelWindowSystem windowSystem;
-  FolderPanel folderPanel;
+  FilePanels filePanels;
   ThumbnailLoader thumbnails(services.executor, &CloudFiles::isDataless);
   CapturePromptPanelController::Services popupServices;
   popupServices.executor = &services.executor;
@@ -74,11 +75,17 @@ int main(int argc, char** argv) {
 
   AppModelDependencies dependencies = services.dependencies(paths);
   dependencies.promptPresenter = &popup;
-  dependencies.folderChooser = &folderPanel;
+  dependencies.fileChooser = &filePanels;
   dependencies.interruptedSince = runMarker.interruptedSince();
   AppModel model(std::move(dependencies));
-  const Connection watchedFolder = model.changed.connect([&](const ModelChange& change) {
-    if (change.field == ModelField::watchFolderURL) services.securityScope.setWatchedFolder(*model.watchFolderURL);
+  SessionEvents session(services.executor, services.systemEvents);
+  const Connection followers = model.changed.connect([&](const ModelChange& change) {
+    if (change.field == ModelField::watchFolderURL) {
+      services.securityScope.setWatchedFolder(*model.watchFolderURL);
+    } else if (change.field == ModelField::promptQueue || change.field == ModelField::popupAutoSaveEnabled) {
+      // A countdown stands still while the displays are off, which on X11 has to be asked.
+      session.setWatchesScreens(*model.popupAutoSaveEnabled && !model.promptQueue->empty());
+    }
   });
 
   QuillmereApp quillmere(model, thumbnails, services.systemEvents);

@@ -7,6 +7,7 @@
 #include "controls/Grounds.h"
 #include "controls/Symbol.h"
 #include "controls/Theme.h"
+#include "foundation/Localized.h"
 
 namespace quillmere {
 
@@ -14,13 +15,18 @@ InboxBanner::InboxBanner(QWidget* parent)
     : QWidget(parent),
       symbol_(new QLabel(this)),
       message_(new QLabel(this)),
-      action_(new ActionButton(ActionButton::Role::secondary, {}, {}, this)) {
+      action_(new ActionButton(ActionButton::Role::secondary, {}, {}, this)),
+      dismiss_(new ActionButton(ActionButton::Role::icon, QStringLiteral("xmark"), {}, this)) {
   message_->setWordWrap(true);
   connect(action_, &QPushButton::clicked, this, [this] { onAction(); });
+  dismiss_->setAccessibleName(localized("Dismiss"));
+  dismiss_->setToolTip(localized("Hide this notice"));
+  connect(dismiss_, &QPushButton::clicked, this, [this] { onDismiss(); });
   auto* row = new QHBoxLayout;
   row->setSpacing(10);
   row->addWidget(symbol_, 0, Qt::AlignTop);
   row->addWidget(message_, 1);
+  row->addWidget(dismiss_, 0, Qt::AlignTop);
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(12, 10, 12, 10);
   column->setSpacing(8);
@@ -28,11 +34,16 @@ InboxBanner::InboxBanner(QWidget* parent)
   column->addWidget(action_, 0, Qt::AlignRight);
 }
 
-void InboxBanner::show(const QString& symbol, const QString& message, const QString& action) {
+void InboxBanner::show(const QString& symbol, const QString& message, const QString& action, bool isDismissible) {
   constexpr int kSymbol = 18;
   symbol_->setPixmap(symbolPixmap(symbol, kSymbol, Theme(palette()).warning, devicePixelRatioF()));
   message_->setText(message);
   action_->setText(action);
+  dismiss_->setVisible(isDismissible);
+  // In line with the cross beside it, whose button is larger.
+  const int top = isDismissible ? (dismiss_->sizeHint().height() - kSymbol) / 2 : 0;
+  symbol_->setContentsMargins(0, top, 0, 0);
+  message_->setContentsMargins(0, top, 0, 0);
   setVisible(true);
 }
 

@@ -9,12 +9,13 @@ namespace quillmere {
 
 class ActionButton;
 
-/// A message above the list, with one action.
+/// A message above the list, with one action. Some can be waved away.
 class InboxBanner final : public QWidget {
  public:
   explicit InboxBanner(QWidget* parent);
-  void show(const QString& symbol, const QString& message, const QString& action);
+  void show(const QString& symbol, const QString& message, const QString& action, bool isDismissible = false);
   std::function<void()> onAction;
+  std::function<void()> onDismiss;
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -23,6 +24,7 @@ class InboxBanner final : public QWidget {
   QLabel* symbol_;
   QLabel* message_;
   ActionButton* action_;
+  ActionButton* dismiss_;
 };
 
 }  // namespace quillmere

@@ -8,29 +8,48 @@
 namespace quillmere {
 namespace {
 
+InboxBannerContent::Banner chooseFolder(const QString& symbol, const QString& message) {
+  InboxBannerContent::Banner banner;
+  banner.symbol = symbol;
+  banner.message = message;
+  banner.action = localized("Choose Screenshot Folder…");
+  return banner;
+}
+
+InboxBannerContent::Banner locationMismatch(const FileURL& folder) {
+  InboxBannerContent::Banner banner;
+  banner.symbol = QStringLiteral("folder.badge.questionmark");
+  banner.message =
+      localized("No screenshots have arrived yet. macOS saves screenshots to %@, not the folder Quillmere watches.",
+                {folder.displayName()});
+  banner.action = localized("Use This Folder…");
+  banner.panelStart = folder;
+  banner.isDismissible = true;
+  return banner;
+}
+
 std::optional<InboxBannerContent::Banner> folderBanner(const AppModel& model, bool showsFolderBanner) {
+  const QString warning = QStringLiteral("exclamationmark.triangle");
   if (!*model.watchFolderURL) {
     if (!showsFolderBanner) return std::nullopt;
-    return InboxBannerContent::Banner{
-        QStringLiteral("folder.badge.questionmark"),
-        localized("Choose the folder where macOS saves screenshots so Quillmere can find new ones."),
-        localized("Choose Screenshot Folder…")};
+    return chooseFolder(QStringLiteral("folder.badge.questionmark"),
+                        localized("Choose the folder where macOS saves screenshots so Quillmere can find new ones."));
   }
-  if (*model.watcherStatus == WatcherStatus::watching) return std::nullopt;
   // A disk that is away says so itself; choosing again is not what helps.
   if (*model.watcherStatus == WatcherStatus::volumeNotConnected) {
-    return InboxBannerContent::Banner{QStringLiteral("exclamationmark.triangle"), statusText(*model.watcherStatus),
-                                      localized("Choose Screenshot Folder…")};
+    return chooseFolder(warning, statusText(*model.watcherStatus));
   }
-  return InboxBannerContent::Banner{
-      QStringLiteral("exclamationmark.triangle"),
-      localized("Quillmere can’t access the screenshot folder. Choose it again to keep finding new screenshots."),
-      localized("Choose Screenshot Folder…")};
+  if (*model.watcherStatus != WatcherStatus::watching) {
+    return chooseFolder(warning, localized("Quillmere can’t access the screenshot folder. Choose it again to keep "
+                                           "finding new screenshots."));
+  }
+  if (model.showsLocationMismatch()) return locationMismatch(**model.macOSScreenshotFolder);
+  return std::nullopt;
 }
 
 void display(InboxBanner& banner, const std::optional<InboxBannerContent::Banner>& content) {
   if (content) {
-    banner.show(content->symbol, content->message, content->action);
+    banner.show(content->symbol, content->message, content->action, content->isDismissible);
   } else {
     banner.hide();
   }
@@ -43,15 +62,18 @@ InboxBannerContent InboxBannerContent::make(const AppModel& model, bool showsFol
   content.folder = folderBanner(model, showsFolderBanner);
   if (const auto& issue = *model.backgroundIssue) {
     const bool retries = issue->kind == BackgroundIssue::Kind::expiredScreenshotsNotTrashed;
-    content.background = Banner{QStringLiteral("exclamationmark.triangle"), message(*issue),
-                                retries ? localized("Try Again") : localized("Dismiss")};
+    content.background.emplace();
+    content.background->symbol = QStringLiteral("exclamationmark.triangle");
+    content.background->message = message(*issue);
+    content.background->action = retries ? localized("Try Again") : localized("Dismiss");
   }
   return content;
 }
 
 InboxBanners::InboxBanners(AppModel& model, QWidget* parent)
     : QWidget(parent), model_(model), folder_(new InboxBanner(this)), background_(new InboxBanner(this)) {
-  folder_->onAction = [this] { model_.chooseWatchFolder(); };
+  folder_->onAction = [this] { model_.chooseWatchFolder(folderPanelStart_); };
+  folder_->onDismiss = [this] { model_.dismissLocationMismatch(); };
   background_->onAction = [this] { model_.dismissBackgroundIssue(); };
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(10, 10, 10, 0);
@@ -62,6 +84,7 @@ InboxBanners::InboxBanners(AppModel& model, QWidget* parent)
 
 void InboxBanners::update(bool showsFolderBanner) {
   const auto content = InboxBannerContent::make(model_, showsFolderBanner);
+  folderPanelStart_ = content.folder ? content.folder->panelStart : std::nullopt;
   display(*folder_, content.folder);
   display(*background_, content.background);
   setVisible(content.folder || content.background);

@@ -15,6 +15,8 @@ struct InboxBannerContent {
     QString symbol;
     QString message;
     QString action;
+    std::optional<FileURL> panelStart;  ///< where the folder panel of the action opens
+    bool isDismissible = false;
     bool operator==(const Banner&) const = default;
   };
   std::optional<Banner> folder;
@@ -31,6 +33,7 @@ class InboxBanners final : public QWidget {
 
  private:
   AppModel& model_;
+  std::optional<FileURL> folderPanelStart_;
   InboxBanner* folder_;
   InboxBanner* background_;
 };

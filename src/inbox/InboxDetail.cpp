@@ -5,10 +5,12 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QVBoxLayout>
 
+#include "controls/ActionButton.h"
 #include "controls/Grounds.h"
 #include "controls/Symbol.h"
 #include "controls/Theme.h"
 #include "foundation/Localized.h"
+#include "inbox/DownloadStatusRow.h"
 
 namespace quillmere {
 namespace {
@@ -16,33 +18,105 @@ namespace {
 constexpr int kPictureSide = 1400;  // pixels; larger than the view is on most screens
 constexpr int kPadding = 20;
 
+QString shortTime(Date date) {
+  return QLocale().toString(date.toDateTime().toLocalTime(), QLocale::ShortFormat);
+}
+
+/// The date of capture and what becomes of the file.
+QString metadata(const ScreenshotItem& item) {
+  const bool isTemporary = item.state == ScreenshotItem::State::temporary && item.expiresAt;
+  const QString status =
+      isTemporary ? localized("Temporary until %@", {shortTime(*item.expiresAt)}) : statusText(item.state);
+  return localized("%@ · %@", {status, shortTime(item.createdAt)});
+}
+
 }  // namespace
 
-InboxDetail::InboxDetail(ThumbnailLoader& thumbnails, QWidget* parent)
-    : QWidget(parent), thumbnails_(thumbnails), name_(new QLabel(this)), status_(new QLabel(this)) {
+InboxDetail::InboxDetail(AppModel& model, ThumbnailLoader& thumbnails, QWidget* parent)
+    : QWidget(parent), model_(model), thumbnails_(thumbnails) {
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(kPadding, kPadding, kPadding, kPadding);
+  column->setSpacing(14);
+  column->addWidget(makeHeader());
+  picture_ = new QWidget(this);
+  column->addWidget(picture_, 1);
+  download_ = new DownloadStatusRow(this);
+  download_->onDownload = [this] { model_.download(id_); };
+  column->addWidget(download_);
+}
+
+QWidget* InboxDetail::makeHeader() {
   const Theme theme(palette());
+  auto* header = new QWidget(this);
+  name_ = new QLabel(header);
   name_->setFont(scaled(font(), 1.2, QFont::DemiBold));
   name_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   name_->setWordWrap(true);
+  status_ = new QLabel(header);
   setTextColor(*status_, theme.secondaryText);
-  auto* column = new QVBoxLayout(this);
-  column->setContentsMargins(kPadding, kPadding, kPadding, kPadding);
+  note_ = new QLabel(localized("Unavailable. The file can’t be found or its folder isn’t accessible."), header);
+  note_->setWordWrap(true);
+  setTextColor(*note_, theme.warning);
+
+  using Role = ActionButton::Role;
+  keep_ = new ActionButton(Role::secondary, QStringLiteral("checkmark"), localized("Keep"), header);
+  keep_->setToolTip(localized("Keep this screenshot without a deletion timer"));
+  connect(keep_, &QPushButton::clicked, this, [this] { model_.keepBatch({id_}); });
+  move_ = new ActionButton(Role::secondary, QStringLiteral("folder"), localized("Move and Rename…"), header);
+  move_->setToolTip(localized("Choose a new name and location, and keep the screenshot"));
+  connect(move_, &QPushButton::clicked, this, [this] { model_.moveAndRename(id_); });
+  trash_ = new ActionButton(Role::destructive, QStringLiteral("trash"), {}, header);
+  trash_->setToolTip(localized("Move this screenshot to Trash"));
+  connect(trash_, &QPushButton::clicked, this, [this] { moveToTrash(); });
+
+  auto* buttons = new QHBoxLayout;
+  buttons->setSpacing(8);
+  for (ActionButton* button : {keep_, move_, trash_}) buttons->addWidget(button);
+  buttons->addStretch();
+  auto* column = new QVBoxLayout(header);
+  column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(4);
-  column->addStretch();
-  column->addWidget(name_);
-  column->addWidget(status_);
+  for (QLabel* label : {name_, status_, note_}) column->addWidget(label);
+  column->addSpacing(6);
+  column->addLayout(buttons);
+  return header;
 }
 
-void InboxDetail::show(const ScreenshotItem& item, bool isUnavailable) {
+void InboxDetail::show(const ScreenshotItem& item) {
+  const bool isUnavailable = model_.unavailableItemIDs->contains(item.id);
+  const bool isEvicted = model_.evictedItemIDs->contains(item.id);
+  id_ = item.id;
   name_->setText(item.url.displayName());
-  const QString time = QLocale().toString(item.createdAt.toDateTime().toLocalTime(), QLocale::ShortFormat);
-  status_->setText(localized("%@ · %@", {isUnavailable ? localized("Unavailable") : statusText(item.state), time}));
-  if (item.url == url_ && item.fileIdentity == identity_) return;
+  status_->setText(metadata(item));
+  note_->setVisible(isUnavailable);
+  keep_->setVisible(item.state != ScreenshotItem::State::permanent && !isUnavailable);
+  move_->setVisible(!isUnavailable);
+  trash_->setText(*model_.deletesChosenImmediately ? localized("Delete") : localized("Move to Trash"));
+  if (isEvicted) {
+    const auto state = model_.downloadStates->find(item.id);
+    const bool hasState = state != model_.downloadStates->end();
+    download_->show(DownloadStatusContent::make(model_.canDownload(item.id),
+                                                hasState ? std::optional(state->second) : std::nullopt));
+  } else {
+    download_->hide();
+  }
+
+  const bool isReachable = !isUnavailable && !isEvicted;
+  if (item.url == url_ && item.fileIdentity == identity_ && isReachable == isReachable_) return;
   if (item.fileIdentity != identity_ || !identity_) image_ = {};
   url_ = item.url;
   identity_ = item.fileIdentity;
+  isReachable_ = isReachable;
   QWidget::update();
-  if (!isUnavailable) load(lifetime_.weak(this), url_).detach();
+  if (isReachable) load(lifetime_.weak(this), url_).detach();
+}
+
+void InboxDetail::moveToTrash() {
+  const ScreenshotItem* item = model_.items().find(id_);
+  if (!item) return;
+  const ScreenshotItem chosen = *item;
+  if (*model_.deletesChosenImmediately && !(confirmDeletion && confirmDeletion(chosen.url.displayName()))) return;
+  model_.disposeItem(chosen, ErrorScope::inbox, AppModel::DisposalReason::chosen);
 }
 
 Task<> InboxDetail::load(Weak<InboxDetail> self, FileURL url) {
@@ -54,21 +128,22 @@ Task<> InboxDetail::load(Weak<InboxDetail> self, FileURL url) {
   }
 }
 
-QRect InboxDetail::pictureArea() const {
-  return QRect(kPadding, kPadding, width() - 2 * kPadding, name_->y() - 2 * kPadding);
-}
-
 void InboxDetail::paintEvent(QPaintEvent*) {
-  const Theme theme(palette());
   QPainter painter(this);
   painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-  const QRect area = pictureArea();
+  paintPicture(painter, picture_->geometry());
+}
+
+void InboxDetail::paintPicture(QPainter& painter, const QRect& area) {
+  const Theme theme(palette());
   if (image_.isNull()) {
     constexpr int kSymbol = 48;
     QRect place(0, 0, kSymbol, kSymbol);
     place.moveCenter(area.center());
-    painter.drawPixmap(place.topLeft(),
-                       symbolPixmap(QStringLiteral("photo"), kSymbol, theme.secondaryText, devicePixelRatioF()));
+    const QString symbol = model_.evictedItemIDs->contains(id_)       ? QStringLiteral("icloud")
+                           : model_.unavailableItemIDs->contains(id_) ? QStringLiteral("exclamationmark.triangle")
+                                                                      : QStringLiteral("photo");
+    painter.drawPixmap(place.topLeft(), symbolPixmap(symbol, kSymbol, theme.secondaryText, devicePixelRatioF()));
     return;
   }
   QSizeF size = image_.size();

@@ -4,10 +4,10 @@
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QListView>
-#include <QtWidgets/QMessageBox>
 #include <QtWidgets/QStackedWidget>
 #include <QtWidgets/QVBoxLayout>
 
+#include "controls/Alert.h"
 #include "controls/Grounds.h"
 #include "controls/Theme.h"
 #include "foundation/Localized.h"
@@ -99,7 +99,8 @@ QWidget* InboxWindow::makeDetail(ThumbnailLoader& thumbnails) {
                                   localized("Select a screenshot to review, extract, or save it."),
                                   {}},
                                  detail_);
-  selected_ = new InboxDetail(thumbnails, detail_);
+  selected_ = new InboxDetail(model_, thumbnails, detail_);
+  selected_->confirmDeletion = [this](const QString& fileName) { return confirmDeletion && confirmDeletion(fileName); };
   for (QWidget* page : {static_cast<QWidget*>(setup_), static_cast<QWidget*>(noScreenshots_),
                         static_cast<QWidget*>(noSelection_), static_cast<QWidget*>(selected_)}) {
     detail_->addWidget(page);
@@ -118,6 +119,13 @@ void InboxWindow::follow(const ModelChange& change) {
     case ModelField::items:
     case ModelField::selectedItemIDs:
     case ModelField::unavailableItemIDs:
+    case ModelField::evictedItemIDs:
+    case ModelField::iCloudItemIDs:
+    case ModelField::downloadStates:
+    case ModelField::deletesChosenImmediately:
+    case ModelField::macOSScreenshotFolder:
+    case ModelField::watchFolderHasReceivedScreenshot:
+    case ModelField::dismissedLocationMismatchPath:
     case ModelField::watchFolderURL:
     case ModelField::watcherStatus:
     case ModelField::backgroundIssue:
@@ -143,7 +151,7 @@ void InboxWindow::refresh() {
   } else if (isEmpty) {
     detail_->setCurrentWidget(noScreenshots_);
   } else if (only) {
-    selected_->show(*only, model_.unavailableItemIDs->contains(only->id));
+    selected_->show(*only);
     detail_->setCurrentWidget(selected_);
   } else {
     detail_->setCurrentWidget(noSelection_);
@@ -154,9 +162,7 @@ void InboxWindow::showInboxError() {
   const auto error = *model_.inboxError;
   if (!error) return;
   model_.dismissError(ErrorScope::inbox);
-  QMessageBox box(QMessageBox::Warning, error->title, error->title, QMessageBox::Ok, this);
-  box.setInformativeText(error->message);
-  box.exec();
+  showAlert(this, error->title, error->message);
 }
 
 void InboxWindow::closeEvent(QCloseEvent* event) {

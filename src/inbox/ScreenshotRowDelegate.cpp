@@ -18,7 +18,8 @@ constexpr int kSymbol = 14;
 constexpr qreal kRowRadius = 9;
 constexpr qreal kPictureRadius = 5;
 
-void paintPicture(QPainter& painter, const QRect& place, const QImage& image, const Theme& theme, qreal ratio) {
+void paintPicture(QPainter& painter, const QRect& place, const QImage& image, const Theme& theme, const QColor& ink,
+                  qreal ratio) {
   QPainterPath shape;
   shape.addRoundedRect(place, kPictureRadius, kPictureRadius);
   painter.fillPath(shape, theme.fill);
@@ -26,8 +27,7 @@ void paintPicture(QPainter& painter, const QRect& place, const QImage& image, co
     constexpr int kPlaceholder = 20;
     QRect symbol(0, 0, kPlaceholder, kPlaceholder);
     symbol.moveCenter(place.center());
-    painter.drawPixmap(symbol.topLeft(),
-                       symbolPixmap(QStringLiteral("photo"), kPlaceholder, theme.secondaryText, ratio));
+    painter.drawPixmap(symbol.topLeft(), symbolPixmap(QStringLiteral("photo"), kPlaceholder, ink, ratio));
     return;
   }
   // Filled, not fitted: in a list the pictures' places should line up.
@@ -64,7 +64,7 @@ void ScreenshotRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem&
   const QColor secondary = isSelected ? theme.onAccent : theme.secondaryText;
 
   const QRect picture(QPoint(row.left() + kPadding, row.center().y() - kPicture.height() / 2), kPicture);
-  paintPicture(*painter, picture, index.data(InboxListModel::thumbnailRole).value<QImage>(), theme, ratio);
+  paintPicture(*painter, picture, index.data(InboxListModel::thumbnailRole).value<QImage>(), theme, secondary, ratio);
 
   const int textLeft = picture.right() + 1 + kPadding + 2;
   const int textWidth = row.right() - kPadding - textLeft;
@@ -81,9 +81,12 @@ void ScreenshotRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem&
                     QFontMetrics(nameFont).elidedText(index.data(InboxListModel::nameRole).toString().simplified(),
                                                       Qt::ElideMiddle, textWidth));
   const int statusTop = top + nameHeight + kLineGap;
+  QString symbol = index.data(InboxListModel::symbolRole).toString();
+  // The mark in a filled symbol is white, and so would be the symbol.
+  if (isSelected) symbol.remove(QStringLiteral(".fill"));
   painter->drawPixmap(
       textLeft, statusTop + (statusHeight - kSymbol) / 2,
-      symbolPixmap(index.data(InboxListModel::symbolRole).toString(), kSymbol,
+      symbolPixmap(symbol, kSymbol,
                    index.data(InboxListModel::unavailableRole).toBool() && !isSelected ? theme.warning : secondary,
                    ratio));
   const int statusLeft = textLeft + kSymbol + 5;

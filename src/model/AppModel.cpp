@@ -18,7 +18,11 @@ AppModel::AppModel(AppModelDependencies dependencies)
     : dependencies_(std::move(dependencies)),
       expirationScheduler_(*dependencies_.executor, *dependencies_.systemEvents, dependencies_.now),
       popupAutoSaveScheduler_(*dependencies_.executor, dependencies_.now),
-      access_(*dependencies_.securityScope) {
+      access_(*dependencies_.securityScope),
+      downloads_(dependencies_, [this](const UUID& id, std::optional<DownloadState> state) {
+        setDownloadState(id, state);
+        if (!state) refreshAfterDownload(id);
+      }) {
   readSettings();
   auto loaded = dependencies_.recordStore.load(now());
   items_ = ScreenshotList(std::move(loaded.items));
@@ -30,6 +34,8 @@ AppModel::AppModel(AppModelDependencies dependencies)
 
 AppModel::~AppModel() {
   saveTask_.cancel();
+  locationCheckTask_.cancel();
+  itemAccessTask_.cancel();
   reconcileTask_.cancel();
   // The monitor outlives the model and must not call it any more.
   dependencies_.monitor->onScreenshot = nullptr;
@@ -75,9 +81,11 @@ void AppModel::start() {
   didStart_ = true;
   popupAutoSaveScheduler_.configure([this](const UUID& id) { return isPopupPaused(id); },
                                     [this](const UUID& id) { popupTimedOut(id); });
-  expirationScheduler_.start([this](const UUID& id) { expire(id); });
+  expirationScheduler_.start([this](const UUID& id) { expireOne(id); }, [this] { saveAfterExpiry(); });
   restoreWatchFolder();
+  refreshScreenshotLocation();
   observeSystem();
+  checkLocationRegularly();
   if (dependencies_.interruptedSince) {
     isRecovering_ = true;
     dependencies_.monitor->expectArrivalsSince(*dependencies_.interruptedSince);
@@ -108,6 +116,7 @@ void AppModel::observeSystem() {
     return isLost && retryWatchFolder();
   };
   observers_.push_back(events.didBecomeActive.connect([this, findsLostFolder] {
+    refreshScreenshotLocation();
     // The monitor's own news of the folder will be no change any more, so its records are looked at from here.
     if (findsLostFolder()) reconcile({});
   }));
@@ -259,11 +268,16 @@ bool AppModel::updateItem(size_t index, const std::function<void(ScreenshotItem&
   const ScreenshotItem before = items_[index];
   if (!items_.update(index, change)) return false;
   const ScreenshotItem& after = items_[index];
-  if (after.url != before.url || after.state != before.state || after.fileIdentity != before.fileIdentity) {
-    recordIndexCache_.reset();
+  if (after.url != before.url || after.fileIdentity != before.fileIdentity) {
+    forgetInIndex(before);
+    if (recordIndexCache_) recordIndexCache_->add(after, watchFolderPaths_);
   }
   changed(ModelChange{ModelField::items, ModelChange::Rows::changed, {index}});
   return true;
+}
+
+void AppModel::forgetInIndex(const ScreenshotItem& item) {
+  if (recordIndexCache_ && !recordIndexCache_->remove(item)) recordIndexCache_.reset();
 }
 
 void AppModel::insertNewest(ScreenshotItem item) {

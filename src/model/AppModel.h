@@ -6,6 +6,7 @@
 
 #include "foundation/Weak.h"
 #include "model/AppModelDependencies.h"
+#include "model/CloudDownloads.h"
 #include "model/ExpirationScheduler.h"
 #include "model/FolderAccess.h"
 #include "model/ModelMessages.h"
@@ -13,6 +14,7 @@
 #include "model/Published.h"
 #include "model/Reconciliation.h"
 #include "model/RecordIndex.h"
+#include "model/ScreenshotFolderMatch.h"
 #include "records/ScreenshotList.h"
 #include "records/ScreenshotListWriter.h"
 #include "records/ScreenshotNaming.h"
@@ -60,12 +62,16 @@ class AppModel {
   Published<std::optional<BackgroundIssue>> backgroundIssue{changed, ModelField::backgroundIssue};
   Published<std::optional<FileURL>> watchFolderURL{changed, ModelField::watchFolderURL};
   Published<WatcherStatus> watcherStatus{changed, ModelField::watcherStatus, WatcherStatus::notChosen};
+  Published<std::optional<FileURL>> macOSScreenshotFolder{changed, ModelField::macOSScreenshotFolder};
+  Published<std::optional<ScreenshotLocationChange>> lastScreenshotLocationChange{
+      changed, ModelField::lastScreenshotLocationChange};
   Published<bool> watchFolderHasReceivedScreenshot{changed, ModelField::watchFolderHasReceivedScreenshot, false};
   Published<std::optional<QString>> dismissedLocationMismatchPath{changed, ModelField::dismissedLocationMismatchPath};
   Published<bool> hasSeenWelcome{changed, ModelField::hasSeenWelcome, false};
   Published<UUIDSet> unavailableItemIDs{changed, ModelField::unavailableItemIDs};
   Published<UUIDSet> evictedItemIDs{changed, ModelField::evictedItemIDs};
   Published<UUIDSet> iCloudItemIDs{changed, ModelField::iCloudItemIDs};
+  Published<UUIDMap<DownloadState>> downloadStates{changed, ModelField::downloadStates};
   Published<std::vector<UUID>> promptQueue{changed, ModelField::promptQueue};
   Published<int> promptFocusRequest{changed, ModelField::promptFocusRequest, 0};
   Published<int> promptContentGeneration{changed, ModelField::promptContentGeneration, 0};
@@ -142,14 +148,39 @@ class AppModel {
   /// Forgets records; their files stay. The caller saves.
   void removeRecords(const UUIDSet& ids);
 
-  // --- Renaming: AppModelRenaming.cpp ---
+  // --- Renaming and moving: AppModelRenaming.cpp ---
   enum class RenameOutcome { renamed, unchanged, unavailable, failed };
+  /// Answers false when there is no such record and when the file system refused, which is shown in `scope`.
   bool rename(const UUID& id, const QString& name, ErrorScope scope);
+  /// Gives each the name suggested from its image, where it has one. Failures are told together.
+  void applySuggestedNames(const std::vector<UUID>& ids, ErrorScope scope);
+  /// Asks where to, and moves the file there. Moving keeps it.
+  void moveAndRename(const UUID& id);
+  void move(const UUID& id, const FileURL& destination);
 
   // --- Watch folder: AppModelWatchFolder.cpp ---
-  FolderPanelStart folderPanelStart(const std::optional<FileURL>& preferred) const;
+  FolderPanelStart folderPanelStart(const std::optional<FileURL>& preferred);
   void chooseWatchFolder(const std::optional<FileURL>& preferred = {}, ErrorScope scope = ErrorScope::inbox);
   void adoptWatchFolder(const FileURL& url, ErrorScope scope);
+
+  // --- Where the desktop saves screenshots: AppModelScreenshotLocation.cpp ---
+  ScreenshotFolderMatch screenshotFolderMatch() const {
+    return ScreenshotFolderMatch::of(*watchFolderURL, *macOSScreenshotFolder);
+  }
+  /// Nothing has arrived and the desktop saves elsewhere, which the person has not waved away for that folder.
+  bool showsLocationMismatch() const;
+  bool canPointMacOSAtWatchFolder() const;
+  void pointMacOSAtWatchFolder();
+  void undoScreenshotLocationChange();
+  /// The change stands, and its undo is not offered any more.
+  void dismissScreenshotLocationChange() { lastScreenshotLocationChange.set(std::nullopt); }
+  void dismissLocationMismatch();
+  void refreshScreenshotLocation();
+
+  // --- Files whose data is elsewhere: AppModelCloud.cpp ---
+  bool canDownload(const UUID& id) const;
+  /// Asks the sync client for the file's data. Never done unasked.
+  void download(const UUID& id);
 
   // --- Expiry: AppModelExpiry.cpp ---
   void expire(const UUID& id);
@@ -169,6 +200,7 @@ class AppModel {
   /// The only way to change a record; answers whether it became another.
   bool updateItem(size_t index, const std::function<void(ScreenshotItem&)>& change);
   void insertNewest(ScreenshotItem item);
+  void forgetInIndex(const ScreenshotItem& item);
   static void setMember(Published<UUIDSet>& set, const UUID& id, bool isMember);
 
   // AppModelArrival.cpp
@@ -216,9 +248,22 @@ class AppModel {
   std::string pathKeyOf(const FileURL& url) const { return pathKey(url, watchFolderPaths_); }
   void refreshBookmark(size_t index, const std::optional<QByteArray>& oldBookmark);
   void refreshItemAccess(size_t index, const std::optional<FileURL>& resolved);
+  static Task<> refreshEveryItemAccess(Weak<AppModel> self);
+  void openItemAccess(size_t index, const std::optional<ResolvedBookmark>& bookmarked);
+
+  // AppModelScreenshotLocation.cpp
+  void checkLocationRegularly();
+  static Task<> checkLocation(Weak<AppModel> self);
+
+  // AppModelCloud.cpp
   void refreshCloudMembership(const UUID& id, const FileURL& url);
+  void endDownload(const UUID& id);
+  void setDownloadState(const UUID& id, std::optional<DownloadState> state);
+  void refreshAfterDownload(const UUID& id);
 
   // AppModelExpiry.cpp
+  void expireOne(const UUID& id);
+  void saveAfterExpiry();
   void expireMissing(size_t index);
   void expirePresent(size_t index);
   void retryUnreachable(const UUID& id);
@@ -239,6 +284,7 @@ class AppModel {
   ExpirationScheduler expirationScheduler_;
   PopupAutoSaveScheduler popupAutoSaveScheduler_;
   FolderAccess access_;
+  Task<> itemAccessTask_;
   std::optional<WatchFolderPaths> watchFolderPaths_;
   std::optional<RecordIndex> recordIndexCache_;
 
@@ -247,11 +293,16 @@ class AppModel {
   bool announcesPromptChangesPolitely_ = false;
   bool announcesShortcutHint_ = true;
 
+  Task<> locationCheckTask_;
+  CloudDownloads downloads_;
+
   Task<> reconcileTask_;
   std::optional<ReconcileRequest> queuedReconcile_;
+  UUIDSet arrivedDuringRun_;  ///< records under whose path a file came while a run was looking
 
   UUIDSet protectedItems_;
-  UUIDMap<int> expirationFailures_;      ///< failed Trash attempts
+  UUIDMap<int> expirationFailures_;  ///< failed Trash attempts
+  bool expiryChangedRecords_ = false;
   UUIDMap<int> unreachableExpirations_;  ///< attempts made while the file could not be reached
 
   Lifetime lifetime_;

@@ -7,7 +7,11 @@
 namespace quillmere {
 
 void AppModel::record(const FileURL& url, bool arrivedFromElsewhere) {
-  if (recordIndex().atPath(pathKeyOf(url))) return;
+  if (const auto known = recordIndex().atPath(pathKeyOf(url))) {
+    // A run that found the old file gone before this one came must not take the record away.
+    if (reconcileTask_) arrivedDuringRun_.insert(*known);
+    return;
+  }
   const auto identity = dependencies_.fileIdentity(url);
   if (identity && followRename(url, *identity)) return;
 
@@ -44,7 +48,6 @@ bool AppModel::followRename(const FileURL& url, const FileIdentity& identity) {
 
     const auto oldBookmark = item.fileBookmark;
     updateItem(*index, [&](ScreenshotItem& record) { record.fileIdentity = identity; });
-    recordIndexCache_.reset();
     setMember(unavailableItemIDs, id, false);
     refreshCloudMembership(id, url);
     updateLocation(*index, url, std::nullopt);

@@ -8,6 +8,7 @@
 #include "foundation/SystemEvents.h"
 #include "foundation/UserDefaults.h"
 #include "model/ModelMessages.h"
+#include "model/ScreenshotLocationProviding.h"
 #include "monitor/ScreenshotMonitoring.h"
 #include "records/ScreenshotItem.h"
 #include "records/ScreenshotRecordStore.h"
@@ -27,7 +28,12 @@ class FileOperations {
  public:
   virtual ~FileOperations() = default;
   virtual FileOutcome trash(const FileURL& url) = 0;
-  virtual FileOutcome move(const FileURL& from, const FileURL& to) = 0;
+  /// Also to another disk. `reason` becomes the system's own words for a failure.
+  virtual FileOutcome move(const FileURL& from, const FileURL& to, QString& reason) = 0;
+  FileOutcome move(const FileURL& from, const FileURL& to) {
+    QString unread;
+    return move(from, to, unread);
+  }
   virtual FileOutcome remove(const FileURL& url) = 0;
 };
 
@@ -71,12 +77,20 @@ class CapturePromptPresenting {
 struct FolderPanelStart {
   std::optional<FileURL> directory;
   QString message;
+  bool isMacOSScreenshotFolder = false;  ///< the directory is where the desktop saves screenshots
 };
-class FolderChoosing {
+/// What the save panel of Move and Rename opens with.
+struct SavePanelStart {
+  FileURL directory;
+  std::string name;           ///< the present name, extension included
+  std::string pathExtension;  ///< of the one type of file that is offered; empty for any
+};
+/// The desktop's own dialogs. Both run modally and give none when the person cancelled.
+class FileChoosing {
  public:
-  virtual ~FolderChoosing() = default;
-  /// Runs modally; none when the person cancelled.
+  virtual ~FileChoosing() = default;
   virtual std::optional<FileURL> chooseFolder(const FolderPanelStart& start) = 0;
+  virtual std::optional<FileURL> chooseDestination(const SavePanelStart& start) = 0;
 };
 
 class Announcing {
@@ -96,13 +110,17 @@ struct AppModelDependencies {
   WatchFolderStore* watchFolderStore = nullptr;
   CapturePromptPresenting* promptPresenter = nullptr;
   ScreenshotMonitoring* monitor = nullptr;
-  FolderChoosing* folderChooser = nullptr;
+  FileChoosing* fileChooser = nullptr;
+  ScreenshotLocationProviding* screenshotLocation = nullptr;
   Announcing* announcer = nullptr;
   SystemEvents* systemEvents = nullptr;
 
   std::function<Date()> now;
   std::function<QTimeZone()> timeZone;
   Duration saveCoalescingDelay = std::chrono::milliseconds(750);
+  Duration screenshotLocationCheckInterval = std::chrono::seconds(60);
+  Duration downloadPollInterval = std::chrono::seconds(2);
+  Duration downloadStallTimeout = std::chrono::seconds(120);
   double unavailableRetryDelay = 60.0;  ///< seconds
 
   std::function<bool(const FileURL&)> isInTrash;                            ///< any thread
@@ -110,9 +128,11 @@ struct AppModelDependencies {
   std::function<bool(const FileURL&)> isFolderReachable;                    ///< any thread
   std::function<bool(const FileURL&)> isDataless;                           ///< any thread
   std::function<bool(const FileURL&)> isUbiquitous;                         ///< any thread
+  /// Asks the sync client for the file's data; answers whether it took the request.
+  std::function<bool(const FileURL&)> startDownload;  ///< any thread
   std::function<bool(const FileURL&)> isVolumeMounted;
   std::function<std::optional<CaptureKind>(const FileURL&)> captureKind;
-  /// Where the desktop puts screenshots when nobody chose; where the first folder panel opens.
+  /// Where the folder panel opens when nothing better is known.
   std::function<std::optional<FileURL>()> defaultScreenshotFolder;
   /// The review shortcut in words, when one is set.
   std::function<std::optional<QString>()> spokenReviewShortcut;

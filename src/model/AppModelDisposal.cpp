@@ -134,16 +134,17 @@ void AppModel::removeRecords(const UUIDSet& ids) {
   for (const UUID& id : ids) {
     expirationScheduler_.cancel(id);
     access_.closeItem(id);
+    endDownload(id);
     unreachableExpirations_.erase(id);
     failureWent = expirationFailures_.erase(id) > 0 || failureWent;
     protectedItems_.erase(id);
+    if (const ScreenshotItem* item = items_.find(id)) forgetInIndex(*item);
   }
   unavailableItemIDs.set(without(*unavailableItemIDs));
   evictedItemIDs.set(without(*evictedItemIDs));
   iCloudItemIDs.set(without(*iCloudItemIDs));
 
   auto indices = items_.remove(ids);
-  recordIndexCache_.reset();
   if (!indices.empty()) changed(ModelChange{ModelField::items, ModelChange::Rows::removed, std::move(indices)});
   if (failureWent) refreshExpirationBanner();
 }

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "foundation/FileStatus.h"
 #include "model/AppModel.h"
@@ -22,6 +23,17 @@ double backOff(double first, int attempt) {
 }  // namespace
 
 void AppModel::expire(const UUID& id) {
+  expireOne(id);
+  saveAfterExpiry();
+}
+
+/// What fell due together is saved together: a record whose file has gone to the Trash is found out at the next start
+/// even if the program ends before.
+void AppModel::saveAfterExpiry() {
+  if (std::exchange(expiryChangedRecords_, false)) saveNow();
+}
+
+void AppModel::expireOne(const UUID& id) {
   if (protectedItems_.contains(id)) {
     expirationScheduler_.schedule(id, now() + kProtectedRetry);
     return;
@@ -47,11 +59,13 @@ void AppModel::expireMissing(size_t index) {
   // A screenshot that was moved was wanted.
   if (const auto moved = relocateByBookmark(index)) {
     updateLocation(index, *moved, std::nullopt);
-    saveNow();
+    expiryChangedRecords_ = true;
     return;
   }
   const bool hasAccess = access_.folder() || access_.item(item.id);
-  if (!hasAccess || !dependencies_.isFolderReachable(item.url.parent())) {
+  // A placeholder stands in its stead: the sync client has the file.
+  const bool isEvicted = dependencies_.isDataless(item.url);
+  if (!hasAccess || isEvicted || !dependencies_.isFolderReachable(item.url.parent())) {
     retryUnreachable(item.id);
   } else {
     forget(item.id);
@@ -64,7 +78,7 @@ void AppModel::expirePresent(size_t index) {
   const bool isWatched = access_.folder() && watchFolderPaths_ && watchFolderPaths_->contains(pathKeyOf(item.url));
   if (!isWatched) {
     keepItem(index);
-    saveNow();
+    expiryChangedRecords_ = true;
     return;
   }
   if (item.fileIdentity && item.fileIdentity->isComplete()) {
@@ -73,7 +87,7 @@ void AppModel::expirePresent(size_t index) {
       // Another file has taken this name.
       if (const auto moved = relocateByBookmark(index)) {
         updateLocation(index, *moved, std::nullopt);
-        saveNow();
+        expiryChangedRecords_ = true;
       } else {
         forget(item.id);
       }
@@ -97,7 +111,7 @@ void AppModel::expirePresent(size_t index) {
 
 void AppModel::forget(const UUID& id) {
   removeRecords({id});
-  saveNow();
+  expiryChangedRecords_ = true;
 }
 
 void AppModel::retryUnreachable(const UUID& id) {
@@ -110,7 +124,7 @@ void AppModel::recordExpirationFailure(const UUID& id) {
   const int attempt = ++expirationFailures_[id];
   if (attempt < kMaxFailures) expirationScheduler_.schedule(id, now() + backOff(kFirstFailureRetry, attempt));
   refreshExpirationBanner();
-  saveNow();
+  expiryChangedRecords_ = true;
 }
 
 void AppModel::dismissBackgroundIssue() {

@@ -53,6 +53,7 @@ void AppModel::reconcile(ReconcileRequest request) {
 }
 
 Task<> AppModel::runReconciliation(Weak<AppModel> self, ReconcileRequest request) {
+  self->arrivedDuringRun_.clear();
   auto inputs = std::make_shared<const std::vector<ReconcileInput>>(self->reconcileInputs(request.ids));
   auto environment = std::make_shared<const ReconcileEnvironment>(self->reconcileEnvironment());
   const std::function<UUIDMap<ReconcileOutcome>()> work = [inputs, environment] {
@@ -109,19 +110,20 @@ void AppModel::applyOutcomes(const UUIDMap<ReconcileOutcome>& outcomes, const st
     if (outcome == outcomes.end() || !index || items_[*index].url != input.url) continue;
     const bool isGone = std::holds_alternative<FileGone>(outcome->second);
     // A new file has taken the name during the run, and its arrival was taken for the known one.
-    if (isGone && fileExists(input.url) && !dependencies_.isInTrash(input.url)) continue;
+    if (isGone && arrivedDuringRun_.contains(input.id)) continue;
     evicted.erase(input.id);
     iCloud.erase(input.id);
+    const auto* present = std::get_if<FilePresent>(&outcome->second);
+    if (!present || !present->isEvicted) endDownload(input.id);
     if (isGone) {
       gone.insert(input.id);
-    } else if (std::holds_alternative<FileUnavailable>(outcome->second)) {
+    } else if (!present) {
       unavailable.insert(input.id);
     } else {
-      const auto& present = std::get<FilePresent>(outcome->second);
       unavailable.erase(input.id);
-      if (present.isEvicted) evicted.insert(input.id);
-      if (present.isICloud) iCloud.insert(input.id);
-      recordsChanged = applyPresent(*index, present) || recordsChanged;
+      if (present->isEvicted) evicted.insert(input.id);
+      if (present->isICloud) iCloud.insert(input.id);
+      recordsChanged = applyPresent(*index, *present) || recordsChanged;
     }
   }
 
@@ -142,31 +144,29 @@ void AppModel::applyOutcomes(const UUIDMap<ReconcileOutcome>& outcomes, const st
 
 /// Answers whether the record changed.
 bool AppModel::applyPresent(size_t index, const FilePresent& present) {
-  const FileURL oldURL = items_[index].url;
   const bool hadCompleteIdentity = items_[index].fileIdentity && items_[index].fileIdentity->isComplete();
+  const bool isInPlace = present.url == items_[index].url;
+  // Nearly all of them.
+  if (isInPlace && hadCompleteIdentity && !present.refreshedBookmark) return false;
+  const FileURL oldURL = items_[index].url;
   bool hasChanged = false;
   if (present.refreshedBookmark) {
     hasChanged = updateItem(index, [&](ScreenshotItem& item) { item.fileBookmark = present.refreshedBookmark; });
   }
-  const bool hasMoved = present.url != oldURL && pathKeyOf(present.url) != pathKeyOf(oldURL);
+  const bool hasMoved = !isInPlace && pathKeyOf(present.url) != pathKeyOf(oldURL);
   if (hasMoved) {
     hasChanged = true;
-    const auto oldBookmark = items_[index].fileBookmark;
     updateLocation(index, present.url, present.scopedURL);
-    if (present.foundByIdentity) refreshBookmark(index, oldBookmark);
   }
   // A complete identity at the same path is kept: another file under this name must not pass for the old one.
   if (present.identity && (hasMoved || !hadCompleteIdentity)) {
     hasChanged = updateItem(index, [&](ScreenshotItem& item) { item.fileIdentity = present.identity; }) || hasChanged;
   }
-  if (!items_[index].fileBookmark) {
-    refreshBookmark(index, std::nullopt);
-    hasChanged = hasChanged || items_[index].fileBookmark;
-  }
   return hasChanged;
 }
 
 void AppModel::updateLocation(size_t index, const FileURL& url, const std::optional<FileURL>& scopedURL) {
+  endDownload(items_[index].id);
   updateItem(index, [&](ScreenshotItem& item) { item.url = url; });
   dependencies_.monitor->noteKnown(url);
   const ScreenshotItem& item = items_[index];

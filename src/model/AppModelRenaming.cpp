@@ -1,3 +1,5 @@
+#include <QtCore/QStringList>
+
 #include "foundation/Localized.h"
 #include "model/AppModel.h"
 
@@ -64,6 +66,98 @@ bool AppModel::rename(const UUID& id, const QString& name, ErrorScope scope) {
       return false;
   }
   return false;
+}
+
+void AppModel::applySuggestedNames(const std::vector<UUID>& ids, ErrorScope scope) {
+  const auto suggestion = [this](const UUID& id) -> std::optional<QString> {
+    const ScreenshotItem* item = items_.find(id);
+    if (!item || !item->suggestedName || !item->imageDescription) return std::nullopt;
+    return sanitizedFileStem(QString::fromUtf8(*item->suggestedName));
+  };
+  if (ids.size() == 1) {
+    if (const auto name = suggestion(ids.front())) rename(ids.front(), *name, scope);
+    return;
+  }
+  int renamed = 0;
+  int unavailable = 0;
+  int failed = 0;
+  for (const UUID& id : ids) {
+    const auto name = suggestion(id);
+    if (!name) continue;
+    switch (renameItem(*items_.indexOf(id), *name)) {
+      case RenameOutcome::renamed:
+        ++renamed;
+        break;
+      case RenameOutcome::unchanged:
+        break;
+      case RenameOutcome::unavailable:
+        ++unavailable;
+        break;
+      case RenameOutcome::failed:
+        ++failed;
+        break;
+    }
+  }
+  if (renamed > 0) saveNow();
+  QStringList sentences;
+  if (failed > 0) {
+    sentences << localized("%lld screenshots couldn’t be renamed. Check that you can change files in their folder.",
+                           {failed});
+  }
+  if (unavailable > 0) {
+    sentences << localized("%lld screenshots are on a disk or in a folder that isn’t available.", {unavailable});
+  }
+  if (sentences.isEmpty()) return;
+  sentences << localized("They keep the names they have.");
+  show(scope, localized("Couldn’t Rename Every Screenshot"), sentences.join(QLatin1Char(' ')));
+}
+
+void AppModel::moveAndRename(const UUID& id) {
+  const ScreenshotItem* item = items_.find(id);
+  if (!item) return;
+  const SavePanelStart start{item->url.parent(), item->url.lastPathComponent(), item->url.pathExtension()};
+  // It must not run out of time under the open panel.
+  protect(id);
+  const auto destination = dependencies_.fileChooser->chooseDestination(start);
+  if (destination) move(id, *destination);
+  unprotect(id);
+}
+
+void AppModel::move(const UUID& id, const FileURL& destination) {
+  const auto index = items_.indexOf(id);
+  if (!index) return;
+  QString reason;
+  const auto outcome = dependencies_.fileOperations->move(items_[*index].url, destination, reason);
+  if (outcome != FileOutcome::done) {
+    const bool isTaken = outcome == FileOutcome::destinationExists;
+    show(ErrorScope::inbox, localized("Couldn’t Move Screenshot"),
+         isTaken ? localized("A file already exists with that name. Choose a different name to avoid replacing it.")
+                 : localized("%@ The screenshot wasn’t moved. Choose a different folder or name, then try again.",
+                             {reason}));
+    return;
+  }
+  const auto oldBookmark = items_[*index].fileBookmark;
+  const auto bookmark = dependencies_.securityScope->makeBookmark(destination);
+  const auto identity = dependencies_.fileIdentity(destination);
+  updateItem(*index, [&](ScreenshotItem& item) {
+    item.url = destination;
+    item.fileBookmark = bookmark ? bookmark : oldBookmark;
+    if (identity) item.fileIdentity = identity;  // another one on another disk
+  });
+  dependencies_.monitor->noteKnown(destination);
+  refreshItemAccess(*index, std::nullopt);
+  setMember(unavailableItemIDs, id, false);
+  refreshCloudMembership(id, destination);
+  // A screenshot with a place of its own is decided.
+  keepItem(*index);
+  resolvePrompts({id});
+  saveNow();
+  if (!bookmark) {
+    show(
+        ErrorScope::inbox, localized("Access Not Saved"),
+        localized("The screenshot was moved and kept, but access couldn’t be saved for the next launch. If it shows as "
+                  "unavailable later, move it again with Move and Rename."));
+  }
 }
 
 }  // namespace quillmere

@@ -10,20 +10,24 @@ constexpr double kFollowingMargin = 5.0;
 
 }  // namespace
 
-FolderPanelStart AppModel::folderPanelStart(const std::optional<FileURL>& preferred) const {
-  const auto standard = dependencies_.defaultScreenshotFolder();
+FolderPanelStart AppModel::folderPanelStart(const std::optional<FileURL>& preferred) {
+  refreshScreenshotLocation();
   FolderPanelStart start;
-  start.message = localized("Quillmere will watch this folder for new screenshots.");
-  for (const auto& candidate : {preferred, *watchFolderURL, standard}) {
+  const auto& saved = *macOSScreenshotFolder;
+  for (const auto& candidate : {preferred, *watchFolderURL, saved, dependencies_.defaultScreenshotFolder()}) {
     if (!candidate || !fileExists(*candidate)) continue;
     start.directory = candidate;
     break;
   }
+  start.isMacOSScreenshotFolder = start.directory && saved && isSameFolder(*start.directory, *saved);
+  start.message = start.isMacOSScreenshotFolder
+                      ? localized("macOS saves screenshots here. Choose it to let Quillmere watch it.")
+                      : localized("Quillmere will watch this folder for new screenshots.");
   return start;
 }
 
 void AppModel::chooseWatchFolder(const std::optional<FileURL>& preferred, ErrorScope scope) {
-  if (const auto chosen = dependencies_.folderChooser->chooseFolder(folderPanelStart(preferred))) {
+  if (const auto chosen = dependencies_.fileChooser->chooseFolder(folderPanelStart(preferred))) {
     adoptWatchFolder(*chosen, scope);
   }
 }
@@ -43,13 +47,15 @@ void AppModel::adoptWatchFolder(const FileURL& url, ErrorScope scope) {
     if (!items_[i].fileBookmark) refreshBookmark(i, std::nullopt);
   }
   // The old access ends last, so that no file is without access in between.
-  const auto oldFolder = access_.takeFolder();
+  access_.retireFolder();
   setWatchFolder(url);
-  for (size_t i = 0; i < items_.size(); ++i) refreshItemAccess(i, std::nullopt);
-  access_.endAccess(oldFolder);
+  itemAccessTask_.cancel();
+  itemAccessTask_ = refreshEveryItemAccess(lifetime_.weak(this));
   dependencies_.monitor->expectArrivalsSince(std::nullopt);
   dependencies_.monitor->watch(url);
   setWatchFolderHasReceivedScreenshot(false);
+  refreshScreenshotLocation();
+  checkLocationRegularly();
   if (didStart_) reconcile({});
   saveNow();
 }
@@ -90,9 +96,9 @@ bool AppModel::retryWatchFolder() {
   }
   if (resolved->refreshed) dependencies_.watchFolderStore->setBookmark(*resolved->refreshed);
   if (!dependencies_.isFolderReachable(folder)) return false;
-  const auto oldFolder = access_.takeFolder();
+  access_.retireFolder();
   access_.openFolder(**watchFolderURL);
-  access_.endAccess(oldFolder);
+  access_.endRetired();
   watchFolderPaths_ = watchFolderPaths(**watchFolderURL);
   recordIndexCache_.reset();
   // Whether it is watched again is the monitor's to say: being there is not enough.
@@ -102,7 +108,7 @@ bool AppModel::retryWatchFolder() {
 
 void AppModel::followMovedFolder(const FileURL& folder) {
   const std::string prefix = (*watchFolderURL)->standardized().path() + "/";
-  const auto oldFolder = access_.takeFolder();
+  access_.retireFolder();
   setWatchFolder(folder);
   for (size_t i = 0; i < items_.size(); ++i) {
     const std::string path = items_[i].url.standardized().path();
@@ -110,7 +116,7 @@ void AppModel::followMovedFolder(const FileURL& folder) {
     const FileURL moved = folder.appending(path.substr(prefix.size()));
     updateItem(i, [&](ScreenshotItem& item) { item.url = moved; });
   }
-  access_.endAccess(oldFolder);
+  access_.endRetired();
   // What was captured between the move and now is no old file.
   dependencies_.monitor->expectArrivalsSince(now() + -kFollowingMargin);
   dependencies_.monitor->watch(folder);
@@ -138,18 +144,65 @@ void AppModel::refreshItemAccess(size_t index, const std::optional<FileURL>& res
   if (const auto held = access_.item(id)) {
     if (*held == item.url || pathKeyOf(*held) == pathKeyOf(item.url)) return;
   }
-  const auto bookmarked = resolveBookmark(*dependencies_.securityScope, item.fileBookmark);
+  openItemAccess(index, resolveBookmark(*dependencies_.securityScope, item.fileBookmark));
+}
+
+void AppModel::openItemAccess(size_t index, const std::optional<ResolvedBookmark>& bookmarked) {
   if (!bookmarked) return;
   if (bookmarked->refreshed) {
     updateItem(index, [&](ScreenshotItem& record) { record.fileBookmark = bookmarked->refreshed; });
   }
-  access_.openItem(id, bookmarked->url);
+  access_.openItem(items_[index].id, bookmarked->url);
 }
 
-void AppModel::refreshCloudMembership(const UUID& id, const FileURL& url) {
-  const bool isEvicted = dependencies_.isDataless(url);
-  setMember(evictedItemIDs, id, isEvicted);
-  setMember(iCloudItemIDs, id, isEvicted && dependencies_.isUbiquitous(url));
+namespace {
+
+struct ItemAccess {
+  UUID id;
+  FileURL url;
+  std::optional<QByteArray> bookmark;
+  bool isInFolder = false;
+  std::optional<ResolvedBookmark> resolved;
+};
+
+}  // namespace
+
+/// For another watched folder: the files of the old one need access of their own, those of the new one none. Resolving
+/// so many bookmarks looks at the disk, so it is done off the main thread, and taken over a handful at a time.
+Task<> AppModel::refreshEveryItemAccess(Weak<AppModel> self) {
+  constexpr int kMostInOneTurn = 200;
+  const auto paths = self->watchFolderPaths_;
+  auto all = std::make_shared<std::vector<ItemAccess>>();
+  self->items_.forEach([&](const ScreenshotItem& item) {
+    all->push_back({item.id, item.url, item.fileBookmark, false, std::nullopt});
+  });
+  Executor& executor = *self->dependencies_.executor;
+  const std::function<bool()> work = [all, paths, scope = self->dependencies_.securityScope] {
+    for (ItemAccess& one : *all) {
+      one.isInFolder = paths && paths->contains(pathKey(one.url, paths));
+      if (!one.isInFolder) one.resolved = resolveBookmark(*scope, one.bookmark);
+    }
+    return true;
+  };
+  co_await executor.background(work);
+  int inThisTurn = 0;
+  for (const ItemAccess& one : *all) {
+    if (++inThisTurn > kMostInOneTurn) {
+      inThisTurn = 0;
+      co_await executor.sleep(Duration::zero());
+    }
+    // Another folder was chosen meanwhile: its own run ends the old access.
+    if (co_await isCancelled || !self) co_return;
+    const auto index = self->items_.indexOf(one.id);
+    // A record that changed meanwhile knows better.
+    if (!index || self->items_[*index].url != one.url) continue;
+    if (one.isInFolder) {
+      self->access_.closeItem(one.id);
+    } else if (self->access_.item(one.id) != one.url) {
+      self->openItemAccess(*index, one.resolved);
+    }
+  }
+  if (self) self->access_.endRetired();
 }
 
 }  // namespace quillmere

@@ -5,7 +5,8 @@
 namespace quillmere {
 
 FolderAccess::~FolderAccess() {
-  endAccess(folder_);
+  retireFolder();
+  endRetired();
   for (const auto& [id, url] : items_) scope_.stop(url);
 }
 
@@ -15,12 +16,12 @@ bool FolderAccess::openFolder(const FileURL& folder) {
   return true;
 }
 
-std::optional<FileURL> FolderAccess::takeFolder() {
-  return std::exchange(folder_, std::nullopt);
+void FolderAccess::retireFolder() {
+  if (folder_) retired_.push_back(*std::exchange(folder_, std::nullopt));
 }
 
-void FolderAccess::endAccess(const std::optional<FileURL>& folder) {
-  if (folder) scope_.stop(*folder);
+void FolderAccess::endRetired() {
+  for (const FileURL& folder : std::exchange(retired_, {})) scope_.stop(folder);
 }
 
 std::optional<FileURL> FolderAccess::item(const UUID& id) const {

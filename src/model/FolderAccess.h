@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include "foundation/FileURL.h"
 #include "model/AppModelDependencies.h"
@@ -17,11 +18,11 @@ class FolderAccess {
   ~FolderAccess();
 
   const std::optional<FileURL>& folder() const { return folder_; }
-  /// Starts access; the folder is held if that succeeds. Any folder held before must have been taken aside.
+  /// Starts access; the folder is held if that succeeds. Any folder held before must have been retired.
   bool openFolder(const FileURL& folder);
-  /// Gives up the held folder to the caller, who ends its access when nothing needs it any more.
-  std::optional<FileURL> takeFolder();
-  void endAccess(const std::optional<FileURL>& folder);
+  /// Sets the held folder aside; its access goes on until `endRetired`, when nothing needs it any more.
+  void retireFolder();
+  void endRetired();
 
   std::optional<FileURL> item(const UUID& id) const;
   void openItem(const UUID& id, const FileURL& url);
@@ -30,6 +31,7 @@ class FolderAccess {
  private:
   SecurityScopeAccess& scope_;
   std::optional<FileURL> folder_;
+  std::vector<FileURL> retired_;
   UUIDMap<FileURL> items_;
 };
 

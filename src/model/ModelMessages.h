@@ -33,6 +33,14 @@ struct BackgroundIssue {
 };
 QString message(const BackgroundIssue& issue);
 
+/// The state of a requested download.
+enum class DownloadState {
+  requesting,
+  downloading,
+  stalled,  ///< it takes long; the sync client still has the request
+  refused,
+};
+
 enum class AnnouncementPriority {
   low,   ///< results of the person's own action, and changes in the background
   high,  ///< what must be heard

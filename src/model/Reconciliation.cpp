@@ -13,6 +13,17 @@ class Resolver {
   explicit Resolver(const ReconcileEnvironment& environment) : world_(environment) {}
 
   ReconcileOutcome resolve(const ReconcileInput& input) {
+    ReconcileOutcome outcome = find(input);
+    auto* present = std::get_if<FilePresent>(&outcome);
+    // Here rather than where outcomes are applied: it looks at the disk.
+    if (present && !present->refreshedBookmark && (!input.bookmark || present->foundByIdentity)) {
+      present->refreshedBookmark = world_.scope->makeBookmark(present->url);
+    }
+    return outcome;
+  }
+
+ private:
+  ReconcileOutcome find(const ReconcileInput& input) {
     if (world_.isInTrash(input.url)) return FileGone{};
     const auto bookmarked = resolveBookmark(*world_.scope, input.bookmark);
     if (bookmarked) {
@@ -24,18 +35,27 @@ class Resolver {
       if (bookmarked) found.refreshedBookmark = bookmarked->refreshed;
       return found;
     }
+    // A sync client may have put a placeholder of another name in its stead.
+    if (world_.isDataless(input.url)) return lookAtPlaceholder(input.url);
     if (auto found = searchByIdentity(input)) return *found;
     if (isInWatchFolder(input.url) && canSeeFolder()) return FileGone{};
     return FileUnavailable{};
   }
 
- private:
   FilePresent look(const FileURL& url) const {
     FilePresent found;
     found.url = url;
     found.identity = world_.fileIdentity(url);
     found.isEvicted = world_.isDataless(url);
     found.isICloud = found.isEvicted && world_.isUbiquitous(url);
+    return found;
+  }
+
+  FilePresent lookAtPlaceholder(const FileURL& url) const {
+    FilePresent found;
+    found.url = url;
+    found.isEvicted = true;
+    found.isICloud = world_.isUbiquitous(url);
     return found;
   }
 

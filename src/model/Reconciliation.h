@@ -37,7 +37,7 @@ struct ReconcileEnvironment {
 struct FilePresent {
   FileURL url;
   std::optional<FileURL> scopedURL;
-  std::optional<QByteArray> refreshedBookmark;
+  std::optional<QByteArray> refreshedBookmark;  ///< of a stale or a missing one, and of a file found by its identity
   std::optional<FileIdentity> identity;
   bool foundByIdentity = false;
   bool isEvicted = false;

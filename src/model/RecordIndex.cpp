@@ -29,8 +29,26 @@ RecordIndex::RecordIndex(const ScreenshotList& items, const std::optional<WatchF
 }
 
 void RecordIndex::add(const ScreenshotItem& item, const std::optional<WatchFolderPaths>& watchFolder) {
-  paths_.try_emplace(pathKey(item.url, watchFolder), item.id);
+  const auto [entry, isNew] = paths_.try_emplace(pathKey(item.url, watchFolder), item.id);
+  if (isNew) {
+    keys_[item.id] = &entry->first;
+  } else {
+    hasSharedPaths_ = true;
+  }
   if (item.fileIdentity) inodes_[item.fileIdentity->file].push_back(item.id);
+}
+
+bool RecordIndex::remove(const ScreenshotItem& item) {
+  if (hasSharedPaths_) return false;
+  if (const auto key = keys_.find(item.id); key != keys_.end()) {
+    paths_.erase(*key->second);
+    keys_.erase(key);
+  }
+  if (item.fileIdentity) {
+    const auto ids = inodes_.find(item.fileIdentity->file);
+    if (ids != inodes_.end() && std::erase(ids->second, item.id) > 0 && ids->second.empty()) inodes_.erase(ids);
+  }
+  return true;
 }
 
 std::optional<UUID> RecordIndex::atPath(const std::string& key) const {

@@ -31,6 +31,8 @@ class RecordIndex {
  public:
   RecordIndex(const ScreenshotList& items, const std::optional<WatchFolderPaths>& watchFolder);
   void add(const ScreenshotItem& item, const std::optional<WatchFolderPaths>& watchFolder);
+  /// Forgets the record as it was added. False where two records shared a path, and the index must be made anew.
+  bool remove(const ScreenshotItem& item);
 
   std::optional<UUID> atPath(const std::string& key) const;
   std::vector<UUID> withFileNumber(uint64_t file) const;
@@ -38,6 +40,8 @@ class RecordIndex {
 
  private:
   std::unordered_map<std::string, UUID> paths_;
+  UUIDMap<const std::string*> keys_;  ///< of each record, in `paths_`: finding it anew would be a look at the disk
+  bool hasSharedPaths_ = false;
   std::unordered_map<uint64_t, std::vector<UUID>> inodes_;
 };
 

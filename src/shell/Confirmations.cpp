@@ -1,5 +1,6 @@
 #include "shell/Confirmations.h"
 
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
 
@@ -9,7 +10,7 @@ namespace quillmere {
 namespace {
 
 bool ask(const QString& question, const QString& details, const QString& action) {
-  QMessageBox box;
+  QMessageBox box(QApplication::activeWindow());
   box.setWindowTitle(question);
   box.setIcon(QMessageBox::Question);
   box.setText(question);
@@ -38,6 +39,13 @@ bool Confirmations::deletion(const QString& fileName) {
       localized("Delete Screenshot?"),
       localized("“%@” will be deleted from its folder and removed from Quillmere. This can’t be undone.", {fileName}),
       localized("Delete"));
+}
+
+bool Confirmations::savingScreenshotsIn(const QString& folder) {
+  return ask(localized("Save Screenshots to “%@”?", {folder}),
+             localized("Every screenshot taken on this Mac will be saved there from now on, in every app, not only in "
+                       "Quillmere. You can change it back in Screenshot (⇧⌘5) › Options, or here in Quillmere."),
+             localized("Save Screenshots Here"));
 }
 
 }  // namespace quillmere

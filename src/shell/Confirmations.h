@@ -9,6 +9,8 @@ namespace Confirmations {
 
 bool quit(int waitingScreenshots);
 bool deletion(const QString& fileName);
+/// Whether every screenshot of the desktop is to be saved in the folder of this name.
+bool savingScreenshotsIn(const QString& folder);
 
 }  // namespace Confirmations
 }  // namespace quillmere

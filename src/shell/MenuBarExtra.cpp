@@ -26,6 +26,7 @@ MenuBarExtra::MenuBarExtra(Actions actions)
   menu_->addAction(localized("Open Quillmere"), menu_.get(), [this] { actions_.openInbox(); });
   menu_->addAction(localized("Review Screenshot"), menu_.get(), [this] { actions_.review(); });
   menu_->addSeparator();
+  menu_->addAction(localized("Settings"), menu_.get(), [this] { actions_.openSettings(); });
   menu_->addAction(localized("Quit Quillmere"), menu_.get(), [this] { actions_.quit(); });
   icon_->setIcon(trayIcon());
   icon_->setToolTip(localized("Quillmere"));

@@ -14,6 +14,7 @@ class MenuBarExtra {
   struct Actions {
     std::function<void()> openInbox;
     std::function<void()> review;
+    std::function<void()> openSettings;
     std::function<void()> quit;
   };
   explicit MenuBarExtra(Actions actions);

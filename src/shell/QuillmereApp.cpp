@@ -5,14 +5,26 @@
 #include "controls/Symbol.h"
 #include "inbox/InboxWindow.h"
 #include "shell/Confirmations.h"
+#include "shell/SettingsWindow.h"
 
 namespace quillmere {
+namespace {
+
+void bringForward(QWidget& window) {
+  window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+  window.show();
+  window.raise();
+  window.activateWindow();
+}
+
+}  // namespace
 
 QuillmereApp::QuillmereApp(AppModel& model, ThumbnailLoader& thumbnails, SystemEvents& systemEvents)
     : confirmQuit(&Confirmations::quit),
       model_(model),
       thumbnails_(thumbnails),
-      menuBarExtra_({[this] { openInbox(); }, [this] { model_.reviewPending(false); }, [this] { quit(); }}) {
+      menuBarExtra_({[this] { openInbox(); }, [this] { model_.reviewPending(false); }, [this] { openSettings(); },
+                     [this] { quit(); }}) {
   // It stays and watches when the last window closes.
   QApplication::setQuitOnLastWindowClosed(false);
   QApplication::setWindowIcon(applicationIcon());
@@ -43,6 +55,8 @@ void QuillmereApp::perform(const QString& action) {
     openInbox();
   } else if (action == QLatin1String("review")) {
     model_.reviewPending(false);
+  } else if (action == QLatin1String("settings")) {
+    openSettings();
   } else if (action == QLatin1String("quit")) {
     quit();
   }
@@ -51,6 +65,7 @@ void QuillmereApp::perform(const QString& action) {
 void QuillmereApp::openInbox() {
   if (!inbox_) {
     inbox_ = std::make_unique<InboxWindow>(model_, thumbnails_);
+    inbox_->confirmDeletion = &Confirmations::deletion;
     // Later: the window is still in the middle of closing.
     inbox_->onClosed = [this] {
       QMetaObject::invokeMethod(
@@ -61,10 +76,15 @@ void QuillmereApp::openInbox() {
           Qt::QueuedConnection);
     };
   }
-  inbox_->setWindowState(inbox_->windowState() & ~Qt::WindowMinimized);
-  inbox_->show();
-  inbox_->raise();
-  inbox_->activateWindow();
+  bringForward(*inbox_);
+}
+
+void QuillmereApp::openSettings() {
+  if (!settings_) {
+    settings_ = std::make_unique<SettingsWindow>(model_);
+    settings_->confirmSavingHere = &Confirmations::savingScreenshotsIn;
+  }
+  bringForward(*settings_);
 }
 
 bool QuillmereApp::isInboxShown() const {

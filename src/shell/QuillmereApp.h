@@ -11,6 +11,7 @@
 namespace quillmere {
 
 class InboxWindow;
+class SettingsWindow;
 
 /// The application around the model: its windows, its tray icon, and when it starts, comes to the front and ends. It
 /// lives on without a window.
@@ -25,9 +26,10 @@ class QuillmereApp {
   void didFinishLaunching(Launch launch);
   /// The person opened the application again.
   void reopen();
-  /// What the launcher's menu and the session bus can ask for: "inbox", "review", "quit".
+  /// What the launcher's menu and the session bus can ask for: "inbox", "review", "settings", "quit".
   void perform(const QString& action);
   void openInbox();
+  void openSettings();
   bool isInboxShown() const;
   /// Asks first while screenshots wait.
   void quit();
@@ -42,6 +44,7 @@ class QuillmereApp {
   AppModel& model_;
   ThumbnailLoader& thumbnails_;
   std::unique_ptr<InboxWindow> inbox_;
+  std::unique_ptr<SettingsWindow> settings_;
   MenuBarExtra menuBarExtra_;
   Connection changes_;
   QObject observer_;

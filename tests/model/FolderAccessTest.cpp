@@ -39,17 +39,30 @@ TEST_F(FolderAccessTest, ARefusedFolderIsNotHeld) {
   EXPECT_EQ(scope.stops, 0);
 }
 
-TEST_F(FolderAccessTest, AFolderTakenAsideStaysOpenUntilItIsEnded) {
+TEST_F(FolderAccessTest, ARetiredFolderStaysOpenUntilItIsEnded) {
   access->openFolder(first);
-  const auto old = access->takeFolder();
-  EXPECT_EQ(old, first);
+  access->retireFolder();
   EXPECT_EQ(access->folder(), std::nullopt);
   access->openFolder(second);
   EXPECT_TRUE(scope.isOpen(first));
-  access->endAccess(old);
+  access->endRetired();
   EXPECT_FALSE(scope.isOpen(first));
   EXPECT_TRUE(scope.isOpen(second));
-  access->endAccess(std::nullopt);
+  access->endRetired();
+  EXPECT_EQ(scope.stopsWithoutStart, 0);
+}
+
+TEST_F(FolderAccessTest, WithoutAFolderNothingIsRetired) {
+  access->retireFolder();
+  access->endRetired();
+  EXPECT_EQ(scope.stops, 0);
+}
+
+TEST_F(FolderAccessTest, ARetiredFolderEndsWithTheRest) {
+  access->openFolder(first);
+  access->retireFolder();
+  access.reset();
+  EXPECT_EQ(scope.openCount(), 0);
 }
 
 TEST_F(FolderAccessTest, AnItemHasOneAccessAtATime) {

@@ -37,9 +37,11 @@ class FakeFileOperations final : public FileOperations {
     std::filesystem::create_directories(trashFolder_.path());
     return moving(url, trashFolder_.appending(url.lastPathComponent()));
   }
-  FileOutcome move(const FileURL& from, const FileURL& to) override {
+  using FileOperations::move;
+  FileOutcome move(const FileURL& from, const FileURL& to, QString& reason) override {
     ++moveCalls;
     if (onMove) onMove(from, to);
+    reason = failureReason;
     return moving(from, to);
   }
   FileOutcome remove(const FileURL& url) override {
@@ -52,6 +54,7 @@ class FakeFileOperations final : public FileOperations {
   void refuse(const FileURL& url) { answers[url.path()] = FileOutcome::failed; }
   void allow(const FileURL& url) { answers.erase(url.path()); }
 
+  QString failureReason = QStringLiteral("No space left on device.");
   std::map<std::string, FileOutcome> answers;  ///< by the path of the file, instead of doing it
   std::function<void(const FileURL&, const FileURL&)> onMove;
   int trashCalls = 0;
@@ -223,14 +226,48 @@ class FakeMonitor final : public ScreenshotMonitoring {
   CallLog& log_;
 };
 
-class FakeFolderChooser final : public FolderChoosing {
+class FakeFileChooser final : public FileChoosing {
  public:
   std::optional<FileURL> chooseFolder(const FolderPanelStart& start) override {
     starts.push_back(start);
     return answer;
   }
+  std::optional<FileURL> chooseDestination(const SavePanelStart& start) override {
+    saveStarts.push_back(start);
+    if (whileOpen) whileOpen();
+    return destination;
+  }
   std::optional<FileURL> answer;
+  std::optional<FileURL> destination;
+  std::function<void()> whileOpen;  ///< what happens while the save panel is open
   std::vector<FolderPanelStart> starts;
+  std::vector<SavePanelStart> saveStarts;
+};
+
+/// A capture tool whose configuration is one text, the path of its folder.
+class FakeScreenshotLocation final : public ScreenshotLocationProviding {
+ public:
+  std::optional<FileURL> folder() override {
+    ++reads;
+    return value ? std::optional(FileURL::fromPath(*value)) : standard;
+  }
+  std::optional<QString> rawValue() override { return value; }
+  QString rawValueOf(const FileURL& folder) override { return folder.displayPath(); }
+  bool canChange() override { return isChangeable; }
+  bool setRawValue(const std::optional<QString>& to) override {
+    ++writes;
+    if (refuses) return true;
+    if (!ignores) value = to;
+    return false;
+  }
+
+  std::optional<QString> value;
+  std::optional<FileURL> standard;
+  bool isChangeable = true;
+  bool refuses = false;
+  bool ignores = false;  ///< takes the change and goes on as before
+  int reads = 0;
+  int writes = 0;
 };
 
 struct Announcement {

@@ -97,7 +97,8 @@ class ModelFixture : public ::testing::Test {
     world.watchFolderStore = &folderStore;
     world.promptPresenter = &presenter;
     world.monitor = &monitor;
-    world.folderChooser = &chooser;
+    world.fileChooser = &chooser;
+    world.screenshotLocation = &location;
     world.announcer = &announcer;
     world.systemEvents = &systemEvents;
     world.now = [this] { return now(); };
@@ -107,8 +108,16 @@ class ModelFixture : public ::testing::Test {
     world.isFolderReachable = [this](const FileURL& url) {
       return !unreachableFolders.contains(url.path()) && isReadableDirectory(url);
     };
-    world.isDataless = [this](const FileURL& url) { return dataless.contains(url.path()); };
+    world.isDataless = [this](const FileURL& url) {
+      ++datalessLooks;
+      // A placeholder stands in a folder that can be seen.
+      return dataless.contains(url.path()) && fileExists(url.parent());
+    };
     world.isUbiquitous = [this](const FileURL& url) { return ubiquitous.contains(url.path()); };
+    world.startDownload = [this](const FileURL& url) {
+      downloads.push_back(url);
+      return !refusesDownloads;
+    };
     world.isVolumeMounted = [this](const FileURL&) { return isVolumeMounted; };
     world.captureKind = [this](const FileURL& url) -> std::optional<CaptureKind> {
       const auto found = captureKinds.find(url.path());
@@ -272,14 +281,18 @@ class ModelFixture : public ::testing::Test {
   FakeWatchFolderStore folderStore{log};
   FakePresenter presenter{log};
   FakeMonitor monitor{log};
-  FakeFolderChooser chooser;
+  FakeFileChooser chooser;
+  FakeScreenshotLocation location;
   FakeAnnouncer announcer{log};
 
   std::map<std::string, std::optional<FileIdentity>> identities;
   std::map<std::string, CaptureKind> captureKinds;
   std::set<std::string> unreachableFolders;
   std::set<std::string> dataless;
+  int datalessLooks = 0;
   std::set<std::string> ubiquitous;
+  std::vector<FileURL> downloads;  ///< asked for
+  bool refusesDownloads = false;
   bool isVolumeMounted = true;
   std::optional<FileURL> standardFolder;
   std::optional<QString> spokenShortcut;

@@ -88,5 +88,31 @@ TEST(RecordIndex, ARecordCanBeAdded) {
   EXPECT_THAT(index.withFileNumber(7), ElementsAre(uuid(1)));
 }
 
+TEST(RecordIndexTest, ARemovedRecordIsNotFoundByPathOrNumber) {
+  ScreenshotItem item;
+  item.id = uuid(1);
+  item.url = FileURL::fromPath("/nowhere/shots/a.png");
+  item.fileIdentity = FileIdentity{"volume", 7, Date{1}, 8};
+  ScreenshotItem other = item;
+  other.id = uuid(2);
+  other.url = FileURL::fromPath("/nowhere/shots/b.png");
+  RecordIndex index(ScreenshotList({item, other}), std::nullopt);
+  EXPECT_TRUE(index.remove(item));
+  EXPECT_EQ(index.atPath("/nowhere/shots/a.png"), std::nullopt);
+  EXPECT_THAT(index.withFileNumber(7), ElementsAre(uuid(2)));
+  EXPECT_EQ(index.atPath("/nowhere/shots/b.png"), uuid(2));
+  EXPECT_TRUE(index.remove(item)) << "twice is once";
+}
+
+TEST(RecordIndexTest, WhereRecordsSharedAPathTheIndexMustBeMadeAnew) {
+  ScreenshotItem item;
+  item.id = uuid(1);
+  item.url = FileURL::fromPath("/nowhere/shots/a.png");
+  ScreenshotItem second = item;
+  second.id = uuid(2);
+  RecordIndex index(ScreenshotList({item, second}), std::nullopt);
+  EXPECT_FALSE(index.remove(item));
+}
+
 }  // namespace
 }  // namespace quillmere::testing

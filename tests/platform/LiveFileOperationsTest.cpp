@@ -18,6 +18,7 @@ namespace {
 using testing::failureWithPrivateMounts;
 using testing::namesIn;
 using testing::readBytes;
+using testing::run;
 using testing::TemporaryFolder;
 using testing::writeFile;
 
@@ -188,15 +189,106 @@ TEST_F(LiveFileOperationsTest, MoveToItsOwnPlaceIsDone) {
   EXPECT_EQ(readBytes(shot), "the picture");
 }
 
-TEST_F(LiveFileOperationsTest, MoveToAnotherFileSystemIsRefused) {
-  std::filesystem::create_directory(folder.file("disk").path());
-  writeFile(shot, "the picture");
+// --- Moving to another disk ---
+
+class MoveAcrossDisksTest : public LiveFileOperationsTest {
+ protected:
+  MoveAcrossDisksTest() {
+    std::filesystem::create_directory(disk.path());
+    writeFile(shot, "the picture");
+  }
+  bool mount(const char* options = "size=1m") const { return ::mount("tmpfs", disk.c_str(), "tmpfs", 0, options) == 0; }
+  /// Nothing but what is asked for may lie in the folder.
+  static bool isAlone(const FileURL& in, std::string_view name) {
+    int others = 0;
+    listDirectory(in, [&](int, const char* entry, EntryKind) { others += name != entry; });
+    return others == 0;
+  }
+
+  FileURL disk = folder.file("disk");
+  FileURL there = disk.appending("a.png");
+};
+
+TEST_F(MoveAcrossDisksTest, TheWholeFileGoesWithItsDatesAndTags) {
   EXPECT_EQ(failureWithPrivateMounts([&]() -> std::string {
-              const FileURL disk = folder.file("disk");
-              MUST(::mount("tmpfs", disk.c_str(), "tmpfs", 0, "size=1m") == 0);
-              MUST(files.move(shot, disk.appending("a.png")) == FileOutcome::failed);
+              MUST(run("mkfs.ext4 -q -F -I 256 -O ^has_journal '" + folder.file("image").path() + "' 8M"));
+              MUST(run("mount -o loop '" + folder.file("image").path() + "' '" + disk.path() + "'"));
+              MUST(run("setfattr -n user.test -v tag '" + shot.path() + "'; chmod 640 '" + shot.path() + "'"));
+              const auto before = fileStatus(shot);
+              MUST(files.move(shot, there) == FileOutcome::done);
+              MUST(!fileExists(shot));
+              MUST(readFile(there) == "the picture");
+              MUST(fileStatus(there)->modified == before->modified);
+              MUST(run("getfattr --only-values -n user.test '" + there.path() + "' | grep -qx tag"));
+              MUST(run("test $(stat -c %a '" + there.path() + "') = 640"));
+              return {};
+            }),
+            "");
+}
+
+TEST_F(MoveAcrossDisksTest, ATakenNameIsNotReplaced) {
+  EXPECT_EQ(failureWithPrivateMounts([&]() -> std::string {
+              MUST(mount());
+              MUST(run("echo other > '" + there.path() + "'"));
+              MUST(files.move(shot, there) == FileOutcome::destinationExists);
+              MUST(readFile(there) == "other\n");
               MUST(fileExists(shot));
-              MUST(!fileExists(disk.appending("a.png")));
+              MUST(isAlone(disk, "a.png"));
+              return {};
+            }),
+            "");
+}
+
+TEST_F(MoveAcrossDisksTest, AFullDiskLeavesTheFileAndNothingBesideIt) {
+  writeFile(shot, std::string(3 << 20, 'x'));
+  EXPECT_EQ(failureWithPrivateMounts([&]() -> std::string {
+              MUST(mount());
+              QString reason;
+              MUST(files.move(shot, there, reason) == FileOutcome::failed);
+              MUST(reason == QStringLiteral("No space left on device."));
+              MUST(fileExists(shot));
+              MUST(isAlone(disk, {}));
+              return {};
+            }),
+            "");
+}
+
+TEST_F(MoveAcrossDisksTest, ADiskThatCannotBeWrittenLeavesTheFile) {
+  EXPECT_EQ(failureWithPrivateMounts([&]() -> std::string {
+              MUST(mount("size=1m,ro"));
+              MUST(files.move(shot, there) == FileOutcome::failed);
+              MUST(fileExists(shot));
+              return {};
+            }),
+            "");
+}
+
+TEST_F(MoveAcrossDisksTest, AFileThatCannotLeaveItsFolderIsNotDoubled) {
+  EXPECT_EQ(
+      failureWithPrivateMounts([&]() -> std::string {
+        MUST(mount());
+        MUST(run("mkdir '" + folder.file("kept").path() + "' && mv '" + shot.path() + "' '" +
+                 folder.file("kept").path() + "/a.png'"));
+        const FileURL kept = folder.file("kept").appending("a.png");
+        MUST(::mount(folder.file("kept").c_str(), folder.file("kept").c_str(), nullptr, MS_BIND, nullptr) == 0);
+        MUST(::mount(nullptr, folder.file("kept").c_str(), nullptr, MS_BIND | MS_REMOUNT | MS_RDONLY, nullptr) == 0);
+        QString reason;
+        MUST(files.move(kept, there, reason) == FileOutcome::failed);
+        MUST(reason == QStringLiteral("Read-only file system."));
+        MUST(fileExists(kept));
+        MUST(isAlone(disk, {}));
+        return {};
+      }),
+      "");
+}
+
+TEST_F(MoveAcrossDisksTest, AFolderThatIsNotThereIsToldInTheSystemsWords) {
+  EXPECT_EQ(failureWithPrivateMounts([&]() -> std::string {
+              MUST(mount());
+              QString reason;
+              MUST(files.move(shot, disk.appending("missing").appending("a.png"), reason) == FileOutcome::failed);
+              MUST(reason == QStringLiteral("No such file or directory."));
+              MUST(fileExists(shot));
               return {};
             }),
             "");

@@ -3,17 +3,25 @@
 #include <fcntl.h>
 #include <gio/gio.h>
 #include <unistd.h>
+#include <QtCore/QString>
+#include <array>
 #include <cerrno>
-#include <cstdio>
+#include <climits>
 
 #include "foundation/FileStatus.h"
+#include "platform/linux/MoveAcrossDisks.h"
 
 namespace quillmere {
 namespace {
 
+/// Whether the system says that nothing is there. A look that was refused says nothing.
+bool isNothingAt(const FileURL& url) {
+  return !fileStatus(url) && (errno == ENOENT || errno == ENOTDIR);
+}
+
 /// Why the operation on `url` failed. A new place whose folder is away does not make the file itself missing.
 FileOutcome outcomeOf(int error, const FileURL& url) {
-  const bool isMissing = (error == ENOENT || error == ENOTDIR) && !fileStatus(url);
+  const bool isMissing = (error == ENOENT || error == ENOTDIR) && isNothingAt(url);
   if (isMissing) return FileOutcome::missing;
   return error == EEXIST ? FileOutcome::destinationExists : FileOutcome::failed;
 }
@@ -28,34 +36,69 @@ bool hasRoomForTrashInfo(const FileURL& url) {
   return url.lastPathComponent().size() + kNumber + kSuffix.size() <= kLongestName;
 }
 
+/// Knows a file's place also after it was moved.
+class PlaceOfFile {
+ public:
+  explicit PlaceOfFile(const FileURL& url) : descriptor_(::open(url.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC)) {}
+  PlaceOfFile(const PlaceOfFile&) = delete;
+  PlaceOfFile& operator=(const PlaceOfFile&) = delete;
+  ~PlaceOfFile() {
+    if (isKnown()) ::close(descriptor_);
+  }
+  bool isKnown() const { return descriptor_ >= 0; }
+  FileURL now() const {
+    std::array<char, PATH_MAX> path{};
+    const ssize_t length =
+        ::readlink(("/proc/self/fd/" + std::to_string(descriptor_)).c_str(), path.data(), path.size());
+    return length > 0 ? FileURL::fromPath(std::string_view(path.data(), static_cast<size_t>(length))) : FileURL();
+  }
+
+ private:
+  int descriptor_;
+};
+
+/// Where the Trash keeps what is needed to restore a file that lies in it.
+FileURL trashInfo(const FileURL& trashed) {
+  return trashed.parent().parent().appending("info").appending(trashed.lastPathComponent() + ".trashinfo");
+}
+
+bool isRestorable(const FileURL& trashed) {
+  const auto info = readFile(trashInfo(trashed));
+  return info && info->starts_with("[Trash Info]\n") && info->find("\nPath=") != std::string::npos;
+}
+
 }  // namespace
 
 FileOutcome LiveFileOperations::trash(const FileURL& url) {
-  // Asked first: GIO words the lack of a file and the lack of a Trash alike.
-  if (!fileStatus(url)) return FileOutcome::missing;
+  const PlaceOfFile place(url);
+  if (!place.isKnown()) return isNothingAt(url) ? FileOutcome::missing : FileOutcome::failed;
   if (!hasRoomForTrashInfo(url)) return FileOutcome::failed;
   // The local file system's own implementation: no daemon is asked.
   GFile* file = g_vfs_get_file_for_path(g_vfs_get_local(), url.c_str());
-  GError* error = nullptr;
-  const bool done = g_file_trash(file, nullptr, &error);
-  const bool isMissing = !done && g_error_matches(error, G_IO_ERROR, G_IO_ERROR_NOT_FOUND);
-  g_clear_error(&error);
+  const bool isDone = g_file_trash(file, nullptr, nullptr);
   g_object_unref(file);
-  if (done) return FileOutcome::done;
-  return isMissing && !fileStatus(url) ? FileOutcome::missing : FileOutcome::failed;
+  // Asked of the file system: GIO words the lack of a file and the lack of a Trash alike.
+  if (!isDone) return isNothingAt(url) ? FileOutcome::missing : FileOutcome::failed;
+  // GIO does not look whether it could write the info file, on a full disk above all. What nobody could restore comes
+  // back.
+  const FileURL trashed = place.now();
+  const bool isInFiles = trashed.parent().lastPathComponent() == "files";
+  if (!isInFiles || isRestorable(trashed) || move(trashed, url) != FileOutcome::done) return FileOutcome::done;
+  ::unlink(trashInfo(trashed).c_str());
+  return FileOutcome::failed;
 }
 
-FileOutcome LiveFileOperations::move(const FileURL& from, const FileURL& to) {
+FileOutcome LiveFileOperations::move(const FileURL& from, const FileURL& to, QString& reason) {
   if (from.standardized() == to.standardized()) return FileOutcome::done;
-  if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return FileOutcome::done;
-  if (errno != EINVAL) return outcomeOf(errno, from);
-  // A file system without that promise: look first.
-  if (fileStatus(to)) return FileOutcome::destinationExists;
-  return ::rename(from.c_str(), to.c_str()) == 0 ? FileOutcome::done : outcomeOf(errno, from);
+  int error = renameWithoutReplacing(from, to);
+  if (error == EXDEV && from.parent() != to.parent()) error = moveAcrossDisks(from, to);
+  if (error == 0) return FileOutcome::done;
+  reason = qt_error_string(error) + QLatin1Char('.');
+  return outcomeOf(error, from);
 }
 
 FileOutcome LiveFileOperations::remove(const FileURL& url) {
-  return ::unlink(url.c_str()) == 0 ? FileOutcome::done : outcomeOf(errno, url);
+  return TEMP_FAILURE_RETRY(::unlink(url.c_str())) == 0 ? FileOutcome::done : outcomeOf(errno, url);
 }
 
 bool isInTrash(const FileURL& url, const MountTable& mounts) {

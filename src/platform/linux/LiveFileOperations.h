@@ -8,8 +8,9 @@ namespace quillmere {
 /// The freedesktop Trash by way of GIO, and moves that never replace anything.
 class LiveFileOperations final : public FileOperations {
  public:
+  using FileOperations::move;
   FileOutcome trash(const FileURL& url) override;
-  FileOutcome move(const FileURL& from, const FileURL& to) override;
+  FileOutcome move(const FileURL& from, const FileURL& to, QString& reason) override;
   FileOutcome remove(const FileURL& url) override;
 };
 

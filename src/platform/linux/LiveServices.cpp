@@ -78,6 +78,7 @@ AppModelDependencies LiveServices::dependencies(const ApplicationPaths& paths) {
   dependencies.fileOperations = &fileOperations;
   dependencies.securityScope = &securityScope;
   dependencies.watchFolderStore = &watchFolderStore;
+  dependencies.screenshotLocation = &screenshotLocation;
   dependencies.monitor = &monitor;
   dependencies.announcer = &announcer;
   dependencies.systemEvents = &systemEvents;
@@ -88,6 +89,7 @@ AppModelDependencies LiveServices::dependencies(const ApplicationPaths& paths) {
   dependencies.isFolderReachable = [this](const FileURL& url) { return isFolderReachable(url); };
   dependencies.isDataless = &CloudFiles::isDataless;
   dependencies.isUbiquitous = [](const FileURL& url) { return CloudFiles::isSynced(url.parent()); };
+  dependencies.startDownload = &CloudFiles::startDownload;
   dependencies.isVolumeMounted = [this](const FileURL& url) { return mounts.isVolumeMounted(url); };
   dependencies.captureKind = &ScreenCaptureAttributes::captureKind;
   dependencies.defaultScreenshotFolder = &defaultScreenshotFolder;

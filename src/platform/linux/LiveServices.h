@@ -7,6 +7,7 @@
 #include "platform/linux/LiveAnnouncer.h"
 #include "platform/linux/LiveFileOperations.h"
 #include "platform/linux/LiveFolderEventSource.h"
+#include "platform/linux/LiveScreenshotLocationProvider.h"
 #include "platform/linux/LiveSecurityScopeAccess.h"
 #include "platform/linux/MountTable.h"
 #include "platform/linux/QtExecutor.h"
@@ -39,6 +40,7 @@ class LiveServices {
   LiveSecurityScopeAccess securityScope;
   LiveWatchFolderStore watchFolderStore;
   LiveFolderEventSource folderEvents;
+  LiveScreenshotLocationProvider screenshotLocation;
   LiveAnnouncer announcer;
   ScreenshotInboxMonitor monitor;
 

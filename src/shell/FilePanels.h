@@ -4,10 +4,11 @@
 
 namespace quillmere {
 
-/// The folder dialog, by way of Qt the desktop's own where it has one.
-class FolderPanel final : public FolderChoosing {
+/// The desktop's own folder and save dialogs.
+class FilePanels final : public FileChoosing {
  public:
   std::optional<FileURL> chooseFolder(const FolderPanelStart& start) override;
+  std::optional<FileURL> chooseDestination(const SavePanelStart& start) override;
 };
 
 }  // namespace quillmere

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QtWidgets/QWidget>
+#include <functional>
+
+#include "model/AppModel.h"
+
+class QLabel;
+
+namespace quillmere {
+
+class ActionButton;
+
+/// What the row says of the folder that the desktop saves to.
+struct ScreenshotLocationContent {
+  QString symbol;  ///< none when empty
+  QString status;  ///< nothing is shown when empty
+  QString watched;
+  QString hint;
+  bool offersUndo = false;
+  bool offersThisFolder = false;
+  bool offersSavingHere = false;
+
+  static ScreenshotLocationContent make(const AppModel& model);
+  bool operator==(const ScreenshotLocationContent&) const = default;
+};
+
+/// Compares the watched folder with the one that the desktop saves screenshots to, and brings the two together.
+class ScreenshotLocationRow final : public QWidget {
+ public:
+  ScreenshotLocationRow(AppModel& model, QWidget* parent);
+  void update();
+
+  /// Asks whether every screenshot is to be saved in the folder of this name.
+  std::function<bool(const QString& folder)> confirmSavingHere;
+
+ private:
+  AppModel& model_;
+  QLabel* symbol_;
+  QLabel* text_;
+  QLabel* hint_;
+  ActionButton* undo_;
+  ActionButton* dismiss_;
+  ActionButton* useThisFolder_;
+  ActionButton* saveHere_;
+};
+
+}  // namespace quillmere

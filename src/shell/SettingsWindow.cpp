@@ -1,0 +1,188 @@
+#include "shell/SettingsWindow.h"
+
+#include <QtWidgets/QCheckBox>
+#include <QtWidgets/QGroupBox>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QSpinBox>
+#include <QtWidgets/QTabWidget>
+#include <QtWidgets/QVBoxLayout>
+
+#include "controls/ActionButton.h"
+#include "controls/Alert.h"
+#include "controls/Grounds.h"
+#include "controls/Symbol.h"
+#include "controls/Theme.h"
+#include "foundation/Localized.h"
+#include "shell/ScreenshotLocationRow.h"
+
+namespace quillmere {
+namespace {
+
+constexpr int kWidth = 560;
+constexpr int kPadding = 18;
+constexpr int kSymbol = 18;
+constexpr int kShortestSeconds = 3;
+constexpr int kLongestSeconds = 300;
+
+QString symbolOf(WatcherStatus status) {
+  switch (status) {
+    case WatcherStatus::watching:
+      return QStringLiteral("checkmark.circle.fill");
+    case WatcherStatus::notChosen:
+      return QStringLiteral("folder.badge.questionmark");
+    case WatcherStatus::notFound:
+      return QStringLiteral("exclamationmark.triangle.fill");
+    case WatcherStatus::volumeNotConnected:
+      return QStringLiteral("externaldrive.badge.xmark");
+  }
+  return {};
+}
+
+QVBoxLayout* makePane(QWidget* pane) {
+  auto* column = new QVBoxLayout(pane);
+  column->setContentsMargins(kPadding, kPadding, kPadding, kPadding);
+  column->setSpacing(14);
+  return column;
+}
+
+QVBoxLayout* addGroup(QVBoxLayout* pane, const QString& title, QWidget* parent) {
+  auto* group = new QGroupBox(title, parent);
+  auto* column = new QVBoxLayout(group);
+  column->setSpacing(10);
+  pane->addWidget(group);
+  return column;
+}
+
+QLabel* makeFooter(const QString& text, QWidget* parent) {
+  auto* footer = new QLabel(text, parent);
+  footer->setWordWrap(true);
+  footer->setFont(scaled(parent->font(), 0.92));
+  setTextColor(*footer, Theme(parent->palette()).secondaryText);
+  return footer;
+}
+
+}  // namespace
+
+SettingsWindow::SettingsWindow(AppModel& model) : model_(model) {
+  setWindowTitle(localized("Settings"));
+  auto* tabs = new QTabWidget(this);
+  tabs->setDocumentMode(true);
+  tabs->addTab(makeScreenshotsPane(), localized("Screenshots"));
+  tabs->addTab(makePopupPane(), localized("Popup"));
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(0, 8, 0, 0);
+  column->addWidget(tabs);
+  setMinimumWidth(kWidth);
+  changes_ = model.changed.connect([this](const ModelChange& change) { follow(change); });
+  refresh();
+}
+
+QWidget* SettingsWindow::makeScreenshotsPane() {
+  auto* pane = new QWidget(this);
+  auto* column = makePane(pane);
+  auto* folder = addGroup(column, localized("Folder"), pane);
+
+  folderName_ = new QLabel(pane);
+  folderName_->setFont(scaled(font(), 1, QFont::DemiBold));
+  auto* choose = new ActionButton(ActionButton::Role::secondary, {}, localized("Choose…"), pane);
+  choose->setAccessibleName(localized("Choose Screenshot Folder"));
+  choose->setToolTip(localized("Choose the folder where macOS saves screenshots"));
+  connect(choose, &QPushButton::clicked, this, [this] { model_.chooseWatchFolder({}, ErrorScope::settings); });
+  auto* nameRow = new QHBoxLayout;
+  nameRow->addWidget(new QLabel(localized("Screenshot folder"), pane));
+  nameRow->addStretch();
+  nameRow->addWidget(folderName_);
+  nameRow->addSpacing(8);
+  nameRow->addWidget(choose);
+  folder->addLayout(nameRow);
+
+  folderSymbol_ = new QLabel(pane);
+  folderStatus_ = new QLabel(pane);
+  folderStatus_->setWordWrap(true);
+  auto* statusRow = new QHBoxLayout;
+  statusRow->setSpacing(8);
+  statusRow->addWidget(folderSymbol_, 0, Qt::AlignTop);
+  statusRow->addWidget(folderStatus_, 1);
+  folder->addLayout(statusRow);
+
+  location_ = new ScreenshotLocationRow(model_, pane);
+  location_->confirmSavingHere = [this](const QString& name) { return confirmSavingHere && confirmSavingHere(name); };
+  folder->addWidget(location_);
+
+  includesOthers_ = new QCheckBox(localized("Also detect images from other apps"), pane);
+  connect(includesOthers_, &QCheckBox::toggled, this, [this](bool isOn) { model_.setIncludesNonCaptureImages(isOn); });
+  folder->addWidget(includesOthers_);
+  folder->addWidget(
+      makeFooter(localized("Includes other new images saved to this folder, such as downloads or exports."), pane));
+  column->addStretch();
+  return pane;
+}
+
+QWidget* SettingsWindow::makePopupPane() {
+  auto* pane = new QWidget(this);
+  auto* column = makePane(pane);
+  showsThumbnail_ = new QCheckBox(localized("Show image thumbnail in popup"), pane);
+  connect(showsThumbnail_, &QCheckBox::toggled, this, [this](bool isOn) { model_.setShowPopupThumbnail(isOn); });
+  column->addWidget(showsThumbnail_);
+
+  auto* timeout = addGroup(column, localized("Timeout"), pane);
+  dismissesPopup_ = new QCheckBox(localized("Automatically dismiss the popup"), pane);
+  connect(dismissesPopup_, &QCheckBox::toggled, this, [this](bool isOn) { model_.setPopupAutoSaveEnabled(isOn); });
+  timeout->addWidget(dismissesPopup_);
+  secondsLabel_ = new QLabel(pane);
+  seconds_ = new QSpinBox(pane);
+  seconds_->setRange(kShortestSeconds, kLongestSeconds);
+  seconds_->setAccessibleName(localized("Popup timeout in seconds"));
+  // Each digit on the way to a number is no setting.
+  seconds_->setKeyboardTracking(false);
+  connect(seconds_, &QSpinBox::valueChanged, this, [this](int value) { model_.setPopupAutoSaveSeconds(value); });
+  auto* secondsRow = new QHBoxLayout;
+  secondsRow->addWidget(secondsLabel_);
+  secondsRow->addStretch();
+  secondsRow->addWidget(seconds_);
+  timeout->addLayout(secondsRow);
+  timeout->addWidget(makeFooter(
+      localized("A screenshot whose popup closes on its own is kept without a deletion timer, under the name in the "
+                "popup’s filename field. The countdown pauses while you use the popup or type a name."),
+      pane));
+  column->addStretch();
+  return pane;
+}
+
+void SettingsWindow::follow(const ModelChange& change) {
+  if (change.field == ModelField::settingsError) {
+    // In a later turn: the failing operation must be over before its message waits for an answer.
+    QMetaObject::invokeMethod(
+        this, [this] { showError(); }, Qt::QueuedConnection);
+  } else if (change.field != ModelField::items) {
+    refresh();
+  }
+}
+
+void SettingsWindow::refresh() {
+  const Theme theme(palette());
+  const auto& folder = *model_.watchFolderURL;
+  const WatcherStatus status = *model_.watcherStatus;
+  folderName_->setText(folder ? folder->displayName() : localized("Not selected"));
+  folderName_->setToolTip(folder ? folder->displayPath() : QString());
+  const QColor color = status == WatcherStatus::watching ? theme.secondaryText : theme.warning;
+  folderSymbol_->setPixmap(symbolPixmap(symbolOf(status), kSymbol, color, devicePixelRatioF()));
+  folderStatus_->setText(statusText(status));
+  location_->update();
+  includesOthers_->setChecked(*model_.includesNonCaptureImages);
+  showsThumbnail_->setChecked(*model_.showPopupThumbnail);
+  dismissesPopup_->setChecked(*model_.popupAutoSaveEnabled);
+  secondsLabel_->setText(localized("Dismiss after %lld seconds", {*model_.popupAutoSaveSeconds}));
+  seconds_->setValue(*model_.popupAutoSaveSeconds);
+  seconds_->setEnabled(*model_.popupAutoSaveEnabled);
+  secondsLabel_->setEnabled(*model_.popupAutoSaveEnabled);
+}
+
+void SettingsWindow::showError() {
+  const auto error = *model_.settingsError;
+  if (!error) return;
+  model_.dismissError(ErrorScope::settings);
+  showAlert(this, error->title, error->message);
+}
+
+}  // namespace quillmere

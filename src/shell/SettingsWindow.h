@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QtWidgets/QWidget>
+#include <functional>
+
+#include "model/AppModel.h"
+
+class QCheckBox;
+class QLabel;
+class QSpinBox;
+class QTabWidget;
+
+namespace quillmere {
+
+class ScreenshotLocationRow;
+
+/// The settings. Each control writes at once what it shows; there is nothing to apply.
+class SettingsWindow final : public QWidget {
+ public:
+  explicit SettingsWindow(AppModel& model);
+
+  /// Asks whether every screenshot is to be saved in the folder of this name.
+  std::function<bool(const QString& folder)> confirmSavingHere;
+
+ private:
+  QWidget* makeScreenshotsPane();
+  QWidget* makePopupPane();
+  void follow(const ModelChange& change);
+  void refresh();
+  void showError();
+
+  AppModel& model_;
+  QLabel* folderName_ = nullptr;
+  QLabel* folderSymbol_ = nullptr;
+  QLabel* folderStatus_ = nullptr;
+  ScreenshotLocationRow* location_ = nullptr;
+  QCheckBox* includesOthers_ = nullptr;
+  QCheckBox* showsThumbnail_ = nullptr;
+  QCheckBox* dismissesPopup_ = nullptr;
+  QLabel* secondsLabel_ = nullptr;
+  QSpinBox* seconds_ = nullptr;
+  Connection changes_;
+};
+
+}  // namespace quillmere
