@@ -57,6 +57,10 @@ bool fileExists(const FileURL& url) {
   return !url.isEmpty() && look(AT_FDCWD, url.c_str(), 0).has_value();
 }
 
+bool isAbsent(const FileURL& url) {
+  return !fileExists(url) && (url.isEmpty() || errno == ENOENT || errno == ENOTDIR);
+}
+
 bool isReadableDirectory(const FileURL& url) {
   if (url.isEmpty()) return false;
   const auto status = look(AT_FDCWD, url.c_str(), 0);

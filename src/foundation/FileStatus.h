@@ -31,6 +31,9 @@ std::optional<FileStatus> fileStatus(int folder, const char* name);
 
 /// Whether anything stands at the path; a link counts by what it points to.
 bool fileExists(const FileURL& url);
+/// Whether the system itself says that nothing stands at the path. A look that was refused says nothing: `fileExists`
+/// and this may both be false.
+bool isAbsent(const FileURL& url);
 /// Exists, is a directory and can be read by this process.
 bool isReadableDirectory(const FileURL& url);
 

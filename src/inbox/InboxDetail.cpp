@@ -103,7 +103,7 @@ void InboxDetail::show(const ScreenshotItem& item) {
 
   const bool isReachable = !isUnavailable && !isEvicted;
   if (item.url == url_ && item.fileIdentity == identity_ && isReachable == isReachable_) return;
-  if (item.fileIdentity != identity_ || !identity_) image_ = {};
+  if (item.fileIdentity != identity_ || !identity_ || !isReachable) image_ = {};
   url_ = item.url;
   identity_ = item.fileIdentity;
   isReachable_ = isReachable;

@@ -44,7 +44,11 @@ bool AppModel::followRename(const FileURL& url, const FileIdentity& identity) {
     const auto index = items_.indexOf(id);
     if (!index) continue;
     const ScreenshotItem& item = items_[*index];
-    if (!item.fileIdentity || !item.fileIdentity->isSameFile(identity) || fileExists(item.url)) continue;
+    if (!item.fileIdentity || !item.fileIdentity->isSameFile(identity)) continue;
+    // A second link to the file is no rename; another file that has taken the old name does not matter.
+    const auto atOldPlace = dependencies_.fileIdentity(item.url);
+    const bool isAnother = atOldPlace && atOldPlace->isComplete() && !atOldPlace->isSameFile(identity);
+    if (fileExists(item.url) && !isAnother) continue;
 
     const auto oldBookmark = item.fileBookmark;
     updateItem(*index, [&](ScreenshotItem& record) { record.fileIdentity = identity; });

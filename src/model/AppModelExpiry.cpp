@@ -20,6 +20,14 @@ double backOff(double first, int attempt) {
   return std::min(first * std::pow(2.0, std::min(attempt, kMaxDoublings) - 1), kLongestRetry);
 }
 
+/// Whether the file could be looked at closely enough to tell it from another one. What is no regular file has no
+/// identity.
+bool isKnown(const std::optional<FileIdentity>& present, const FileURL& url) {
+  if (present) return present->volume.has_value();
+  const auto status = fileStatus(url);
+  return status && !status->isRegular();
+}
+
 }  // namespace
 
 void AppModel::expire(const UUID& id) {
@@ -65,7 +73,9 @@ void AppModel::expireMissing(size_t index) {
   const bool hasAccess = access_.folder() || access_.item(item.id);
   // A placeholder stands in its stead: the sync client has the file.
   const bool isEvicted = dependencies_.isDataless(item.url);
-  if (!hasAccess || isEvicted || !dependencies_.isFolderReachable(item.url.parent())) {
+  // Looked at again: a look that was refused does not make it missing.
+  const bool isMissing = isAbsent(item.url) && dependencies_.isFolderReachable(item.url.parent());
+  if (!hasAccess || isEvicted || !isMissing) {
     retryUnreachable(item.id);
   } else {
     forget(item.id);
@@ -83,6 +93,10 @@ void AppModel::expirePresent(size_t index) {
   }
   if (item.fileIdentity && item.fileIdentity->isComplete()) {
     const auto present = dependencies_.fileIdentity(item.url);
+    if (!isKnown(present, item.url)) {
+      retryUnreachable(item.id);
+      return;
+    }
     if (!present || !present->isSameFile(*item.fileIdentity)) {
       // Another file has taken this name.
       if (const auto moved = relocateByBookmark(index)) {

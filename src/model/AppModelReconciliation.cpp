@@ -85,6 +85,7 @@ ReconcileEnvironment AppModel::reconcileEnvironment() {
   environment.watchFolderPaths = watchFolderPaths_;
   environment.hasFolderAccess = access_.folder() == *watchFolderURL;
   environment.trackedPaths = recordIndex().paths();
+  environment.sharedPaths = recordIndex().sharedPaths();
   environment.scope = dependencies_.securityScope;
   environment.isInTrash = dependencies_.isInTrash;
   environment.fileIdentity = dependencies_.fileIdentity;
@@ -167,7 +168,14 @@ bool AppModel::applyPresent(size_t index, const FilePresent& present) {
 
 void AppModel::updateLocation(size_t index, const FileURL& url, const std::optional<FileURL>& scopedURL) {
   endDownload(items_[index].id);
+  const auto other = recordIndex().atPath(pathKeyOf(url));
+  const FileURL oldURL = items_[index].url;
   updateItem(index, [&](ScreenshotItem& item) { item.url = url; });
+  dependencies_.monitor->noteUnknown(oldURL);
+  // The place was another record's, whose file has gone from there.
+  if (didStart_ && other && *other != items_[index].id) {
+    reconcile({.ids = UUIDSet{*other}, .polite = true, .dropsUnavailableFromQueue = false, .completions = {}});
+  }
   dependencies_.monitor->noteKnown(url);
   const ScreenshotItem& item = items_[index];
   const UUID id = item.id;

@@ -26,6 +26,15 @@ AppModel::RenameOutcome AppModel::renameItem(size_t index, const QString& name) 
   if (!stem || stem->toStdString() == item.url.stem()) return RenameOutcome::unchanged;
   if (unavailableItemIDs->contains(item.id)) return RenameOutcome::unavailable;
 
+  // Another file may have taken the name: it must not be taken for the record's own.
+  const auto present = dependencies_.fileIdentity(item.url);
+  const bool isAnother = present && item.fileIdentity && item.fileIdentity->isComplete() && present->isComplete() &&
+                         !present->isSameInode(*item.fileIdentity);
+  if (isAnother) {
+    const auto own = relocateByBookmark(index);
+    if (!own) return RenameOutcome::failed;
+    updateLocation(index, *own, std::nullopt);
+  }
   const auto result = moveToStem(item.url, *stem);
   if (result.outcome == NumberedSearchResult::Outcome::alreadyNamed) return RenameOutcome::unchanged;
   if (result.outcome != NumberedSearchResult::Outcome::moved) return RenameOutcome::failed;
@@ -47,10 +56,11 @@ bool AppModel::rename(const UUID& id, const QString& name, ErrorScope scope) {
   if (!index) return false;
   const FileURL before = items_[*index].url;
   const QString title = localized("Couldn’t Rename Screenshot");
-  switch (renameItem(*index, name)) {
+  const RenameOutcome outcome = renameItem(*index, name);
+  if (items_[*index].url != before) saveNow();
+  switch (outcome) {
     case RenameOutcome::renamed:
     case RenameOutcome::unchanged:
-      if (items_[*index].url != before) saveNow();
       return true;
     case RenameOutcome::unavailable:
       show(scope, title,

@@ -3,12 +3,6 @@
 #include "model/AppModel.h"
 
 namespace quillmere {
-namespace {
-
-/// Longer than it takes to hear of a folder's move and to find it again.
-constexpr double kFollowingMargin = 5.0;
-
-}  // namespace
 
 FolderPanelStart AppModel::folderPanelStart(const std::optional<FileURL>& preferred) {
   refreshScreenshotLocation();
@@ -117,9 +111,7 @@ void AppModel::followMovedFolder(const FileURL& folder) {
     updateItem(i, [&](ScreenshotItem& item) { item.url = moved; });
   }
   access_.endRetired();
-  // What was captured between the move and now is no old file.
-  dependencies_.monitor->expectArrivalsSince(now() + -kFollowingMargin);
-  dependencies_.monitor->watch(folder);
+  dependencies_.monitor->follow(folder);
   saveNow();
 }
 

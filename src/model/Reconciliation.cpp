@@ -30,7 +30,8 @@ class Resolver {
       if (world_.isInTrash(bookmarked->url)) return FileGone{};
       if (auto found = lookAtScoped(*bookmarked)) return *found;
     }
-    if (fileExists(input.url)) {
+    const bool isTaken = isAnothers(input);
+    if (fileExists(input.url) && !isTaken) {
       auto found = look(input.url);
       if (bookmarked) found.refreshedBookmark = bookmarked->refreshed;
       return found;
@@ -38,8 +39,18 @@ class Resolver {
     // A sync client may have put a placeholder of another name in its stead.
     if (world_.isDataless(input.url)) return lookAtPlaceholder(input.url);
     if (auto found = searchByIdentity(input)) return *found;
-    if (isInWatchFolder(input.url) && canSeeFolder()) return FileGone{};
+    // A look that was refused says nothing.
+    const bool hasLeft = isTaken || isAbsent(input.url);
+    if (hasLeft && isInWatchFolder(input.url) && canSeeFolder()) return FileGone{};
     return FileUnavailable{};
+  }
+
+  /// Several records have the place, and the file there is not this one's.
+  bool isAnothers(const ReconcileInput& input) const {
+    if (!input.identity || !input.identity->isComplete() || world_.sharedPaths.empty()) return false;
+    if (!world_.sharedPaths.contains(pathKey(input.url, world_.watchFolderPaths))) return false;
+    const auto identity = world_.fileIdentity(input.url);
+    return identity && !identity->isSameFile(*input.identity);
   }
 
   FilePresent look(const FileURL& url) const {

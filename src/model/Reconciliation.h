@@ -25,6 +25,7 @@ struct ReconcileEnvironment {
   std::optional<WatchFolderPaths> watchFolderPaths;
   bool hasFolderAccess = false;
   std::unordered_set<std::string> trackedPaths;
+  std::unordered_set<std::string> sharedPaths;  ///< that several records have
   SecurityScopeAccess* scope = nullptr;
   std::function<bool(const FileURL&)> isInTrash;
   std::function<std::optional<FileIdentity>(const FileURL&)> fileIdentity;

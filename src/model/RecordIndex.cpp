@@ -33,13 +33,13 @@ void RecordIndex::add(const ScreenshotItem& item, const std::optional<WatchFolde
   if (isNew) {
     keys_[item.id] = &entry->first;
   } else {
-    hasSharedPaths_ = true;
+    shared_.insert(entry->first);
   }
   if (item.fileIdentity) inodes_[item.fileIdentity->file].push_back(item.id);
 }
 
 bool RecordIndex::remove(const ScreenshotItem& item) {
-  if (hasSharedPaths_) return false;
+  if (!shared_.empty()) return false;
   if (const auto key = keys_.find(item.id); key != keys_.end()) {
     paths_.erase(*key->second);
     keys_.erase(key);

@@ -37,11 +37,13 @@ class RecordIndex {
   std::optional<UUID> atPath(const std::string& key) const;
   std::vector<UUID> withFileNumber(uint64_t file) const;
   std::unordered_set<std::string> paths() const;
+  /// Paths that several records have; the file there is only one's.
+  const std::unordered_set<std::string>& sharedPaths() const { return shared_; }
 
  private:
   std::unordered_map<std::string, UUID> paths_;
   UUIDMap<const std::string*> keys_;  ///< of each record, in `paths_`: finding it anew would be a look at the disk
-  bool hasSharedPaths_ = false;
+  std::unordered_set<std::string> shared_;
   std::unordered_map<uint64_t, std::vector<UUID>> inodes_;
 };
 

@@ -41,6 +41,24 @@ ScreenshotInboxMonitor::~ScreenshotInboxMonitor() {
 }
 
 void ScreenshotInboxMonitor::watch(std::optional<FileURL> directory) {
+  startOver(std::move(directory));
+  needsBaseline_ = directory_.has_value();
+  watchedSince_ = now_();
+  lookAtFolder();
+}
+
+void ScreenshotInboxMonitor::follow(const FileURL& directory) {
+  const auto known = knownURLs_;
+  const auto evidence = arrivalEvidence_;
+  startOver(directory);
+  for (const FileURL& url : *known) knownURLs().insert(directory.appending(url.lastPathComponent()));
+  for (const auto& [url, one] : evidence) arrivalEvidence_[directory.appending(url.lastPathComponent())] = one;
+  // A first look that is still owed counts from when the folder was given, or what came before its move would be old.
+  if (needsBaseline_ && !arrivalsSince_) arrivalsSince_ = watchedSince_;
+  lookAtFolder();
+}
+
+void ScreenshotInboxMonitor::startOver(std::optional<FileURL> directory) {
   directorySource_.reset();
   cancelScheduledScan();
   pendingFiles_.clear();
@@ -50,8 +68,10 @@ void ScreenshotInboxMonitor::watch(std::optional<FileURL> directory) {
   ++generation_;
   lastStatus_.reset();
   directory_ = std::move(directory);
-  needsBaseline_ = directory_.has_value();
   queuedScan_.reset();
+}
+
+void ScreenshotInboxMonitor::lookAtFolder() {
   if (isRunning_) openDirectorySource();
   if (directory_) scan(true);
 }

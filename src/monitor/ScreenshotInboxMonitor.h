@@ -37,12 +37,14 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
   ~ScreenshotInboxMonitor() override;
 
   void watch(std::optional<FileURL> directory) override;
+  void follow(const FileURL& directory) override;
   void start() override;
   void scheduleScan(Duration after, bool full) override;
   bool includesNonCaptureImages() const override { return includesNonCaptureImages_; }
   void setIncludesNonCaptureImages(bool includes) override;
   void expectArrivalsSince(std::optional<Date> moment) override { arrivalsSince_ = moment; }
   void noteKnown(const FileURL& url) override;
+  void noteUnknown(const FileURL& url) override;
   void refresh() override;
 
   bool isScanning() const { return isScanning_; }
@@ -70,6 +72,8 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
   static Task<> runScan(Weak<ScreenshotInboxMonitor> self, std::shared_ptr<Snapshot> snapshot, int generation);
   void openDirectorySource();
   void handleEvent(FolderEvent event);
+  void startOver(std::optional<FileURL> directory);
+  void lookAtFolder();
   void cancelScheduledScan();
   void scan(bool full);
   std::shared_ptr<Snapshot> takeSnapshot(bool full) const;
@@ -102,6 +106,7 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
   int generation_ = 0;
   bool needsBaseline_ = false;
   std::optional<Date> arrivalsSince_;
+  Date watchedSince_;  ///< when the folder was given
   bool isScanning_ = false;
   std::optional<bool> queuedScan_;
 

@@ -105,6 +105,13 @@ void ScreenshotInboxMonitor::noteKnown(const FileURL& url) {
   knownURLs().insert(url);
 }
 
+void ScreenshotInboxMonitor::noteUnknown(const FileURL& url) {
+  if (!directory_ || !knownURLs_->contains(url)) return;
+  knownURLs().erase(url);
+  // Something may stand there already.
+  scheduleScan(Duration::zero(), true);
+}
+
 void ScreenshotInboxMonitor::accept(const FileURL& url) {
   const auto evidence = arrivalEvidence_.extract(url);
   const bool isFromElsewhere = evidence && evidence.mapped().isFromElsewhere;

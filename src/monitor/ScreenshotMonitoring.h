@@ -31,6 +31,8 @@ class ScreenshotMonitoring {
 
   /// Sets or, with none, clears the folder.
   virtual void watch(std::optional<FileURL> directory) = 0;
+  /// The watched folder has another name now; what is known of its files stays known.
+  virtual void follow(const FileURL& directory) { watch(directory); }
   virtual void start() = 0;
   virtual void scheduleScan(Duration after, bool full) = 0;
   virtual bool includesNonCaptureImages() const = 0;
@@ -42,6 +44,8 @@ class ScreenshotMonitoring {
   virtual void expectArrivalsSince(std::optional<Date> moment) = 0;
   /// A file of the folder has a record already, under a name that need not tell what it is: only its leaving is news.
   virtual void noteKnown(const FileURL& url) = 0;
+  /// No record has this name any more: a file that stands there is news.
+  virtual void noteUnknown(const FileURL&) {}
   /// Opens a lost folder again, if it is there, and looks at all of it.
   virtual void refresh() = 0;
 };

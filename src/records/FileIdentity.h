@@ -20,6 +20,12 @@ struct FileIdentity {
   bool isComplete() const { return volume && creationDate && size; }
   /// Identities that are not complete never match: inode numbers alone are reused too readily to follow a file by them.
   bool isSameFile(const FileIdentity& other) const;
+  /// The same but for its size: the file was written to.
+  bool isSameInode(const FileIdentity& other) const {
+    FileIdentity resized = other;
+    resized.size = size;
+    return isSameFile(resized);
+  }
 };
 
 }  // namespace quillmere

@@ -43,9 +43,10 @@ class BufferedWriter {
 };
 
 bool flushFolder(const FileURL& folder) {
-  const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  const auto descriptor =
+      static_cast<int>(TEMP_FAILURE_RETRY(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)));
   if (descriptor < 0) return false;
-  const bool flushed = ::fsync(descriptor) == 0;
+  const bool flushed = TEMP_FAILURE_RETRY(::fsync(descriptor)) == 0;
   ::close(descriptor);
   return flushed;
 }
@@ -63,15 +64,17 @@ bool ScreenshotListWriter::save(ScreenshotList& list, const FileURL& file) {
 
   const FileURL temporary = target.parent().appending(target.lastPathComponent().append(kTemporarySuffix));
   ::unlink(temporary.c_str());
-  const int descriptor = ::open(temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
+  constexpr int kFlags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
+  const auto descriptor = static_cast<int>(TEMP_FAILURE_RETRY(::open(temporary.c_str(), kFlags, 0600)));
   if (descriptor < 0) return false;
 
   std::vector<ScreenshotList::Range> ranges;
   // The last save's file may have become unreadable; the records themselves are still here.
   const bool isEncoded = (canCopyFromLast() && write(list, descriptor, Source::lastFile, ranges)) ||
-                         (::ftruncate(descriptor, 0) == 0 && ::lseek(descriptor, 0, SEEK_SET) == 0 &&
-                          write(list, descriptor, Source::memory, ranges));
-  const bool isWritten = isEncoded && ::fsync(descriptor) == 0 && ::rename(temporary.c_str(), target.c_str()) == 0;
+                         (TEMP_FAILURE_RETRY(::ftruncate(descriptor, 0)) == 0 &&
+                          ::lseek(descriptor, 0, SEEK_SET) == 0 && write(list, descriptor, Source::memory, ranges));
+  const bool isWritten = isEncoded && TEMP_FAILURE_RETRY(::fsync(descriptor)) == 0 &&
+                         TEMP_FAILURE_RETRY(::rename(temporary.c_str(), target.c_str())) == 0;
   if (!isWritten) {
     ::close(descriptor);
     ::unlink(temporary.c_str());

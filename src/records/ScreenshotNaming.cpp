@@ -1,6 +1,7 @@
 #include "records/ScreenshotNaming.h"
 
 #include <QtCore/QTextBoundaryFinder>
+#include <algorithm>
 #include <array>
 
 #include "foundation/FileStatus.h"
@@ -20,12 +21,25 @@ bool isControl(char32_t c) {
   return category == QChar::Other_Control || category == QChar::Other_Format || category == QChar::Other_Surrogate;
 }
 
+/// Of one character as a person sees it. A mark on top does not make a slash another character; a joiner inside an
+/// emoji or a word is part of it.
+bool separates(const QList<uint>& codes) {
+  const char32_t base = codes.front();
+  const bool isForbidden = base < 0x10000 && kForbidden.contains(QChar(static_cast<char16_t>(base)));
+  return isForbidden || std::all_of(codes.begin(), codes.end(), isControl);
+}
+
 QString replacingForbidden(const QString& name) {
   QString result;
   result.reserve(name.size());
-  for (const char32_t c : name.toUcs4()) {
-    const bool isForbidden = c < 0x10000 && kForbidden.contains(QChar(static_cast<char16_t>(c)));
-    result += isForbidden || isControl(c) ? QStringLiteral(" ") : QString::fromUcs4(&c, 1);
+  QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, name);
+  qsizetype begin = 0;
+  for (qsizetype end = characters.toNextBoundary(); end > 0; end = characters.toNextBoundary()) {
+    const auto codes = QStringView(name).mid(begin, end - begin).toUcs4();
+    // Written anew from its codes: half a character must not reach the file system.
+    result += separates(codes) ? QStringLiteral(" ")
+                               : QString::fromUcs4(reinterpret_cast<const char32_t*>(codes.data()), codes.size());
+    begin = end;
   }
   return result;
 }

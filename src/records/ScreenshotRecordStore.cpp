@@ -18,8 +18,10 @@ std::string reasonText(ScreenshotRecordStore::BackupReason reason) {
 }  // namespace
 
 ScreenshotRecordStore::LoadResult ScreenshotRecordStore::load(Date now) const {
-  if (!fileExists(fileURL)) return {};
-  if (auto bytes = readFile(fileURL.resolvingSymlinks().value_or(fileURL))) {
+  auto bytes = readFile(fileURL.resolvingSymlinks().value_or(fileURL));
+  // What could not be read must not be written over.
+  if (!bytes && isAbsent(fileURL)) return {};
+  if (bytes) {
     if (auto list = decodeList(*bytes)) {
       const bool isWhole = list->dropped == 0 && list->version <= kListVersion;
       return {std::move(list->items), !isWhole && !backup(BackupReason::backup, now)};

@@ -32,7 +32,8 @@ def save(folder, name=None, **picture):
     return path
 
 
-def _take(desktop, folder, command, **options):
+def take(desktop, folder, command, **options):
+    """The file that the tool leaves in the folder, wherever it was told to save."""
     before = set(os.listdir(folder))
     environment = {**desktop.environment, "NO_AT_BRIDGE": "1"}
     done = subprocess.run(command, env=environment, stdin=subprocess.DEVNULL, capture_output=True, text=True,
@@ -44,14 +45,14 @@ def _take(desktop, folder, command, **options):
 
 
 def scrot(desktop, folder):
-    return _take(desktop, folder, ["scrot"], cwd=folder)
+    return take(desktop, folder, ["scrot"], cwd=folder)
 
 
 def gnome_screenshot(desktop, folder):
     desktop.save_setting("org/gnome/gnome-screenshot", "auto-save-directory", f"'file://{folder}'")
-    return _take(desktop, folder, ["gnome-screenshot"])
+    return take(desktop, folder, ["gnome-screenshot"])
 
 
 def xfce4_screenshooter(desktop, folder):
     name = datetime.datetime.now().strftime("Screenshot_%Y-%m-%d_%H-%M-%S.png")
-    return _take(desktop, folder, ["xfce4-screenshooter", "-f", "-s", os.path.join(folder, name)])
+    return take(desktop, folder, ["xfce4-screenshooter", "-f", "-s", os.path.join(folder, name)])

@@ -3,18 +3,16 @@
 found once, and no record is lost meanwhile."""
 
 import collections
-import ctypes
 import os
 import shutil
-import subprocess
 
 import captures
+from disks import Disk, can_mount
 from harness import expect, hold_for, path_of, run_side_by_side, wait_until
 from steps import choose_folder_in_dialog
 
 # The folder is looked for again every minute.
 FOUND_AGAIN = 75
-_CLONE_NEWNS = 0x20000
 
 
 def names(desktop):
@@ -88,36 +86,8 @@ def linked(desktop):
     check_found_afterwards(desktop, desktop.folder, shots, captures.save(desktop.folder))
 
 
-class Disk:
-    """A file system of its own that comes and goes where removable disks do, seen by this journey alone."""
-
-    def __init__(self, desktop):
-        self._desktop = desktop
-        libc = ctypes.CDLL(None, use_errno=True)
-        expect("this process has its own mounts", libc.unshare(_CLONE_NEWNS) == 0)
-        self._run("mount", "--make-rprivate", "/")
-        self._run("mount", "-t", "tmpfs", "none", "/media")
-        self._image = os.path.join(desktop.scratch, "disk.img")
-        with open(self._image, "wb") as file:
-            file.truncate(16 << 20)
-        self._run("mkfs.ext4", "-q", self._image)
-        self.point = os.path.join("/media", "someone", "DISK")
-
-    def _run(self, *command):
-        subprocess.run(command, check=True, capture_output=True)
-
-    def connect(self):
-        os.makedirs(self.point)
-        self._run("mount", "-o", "loop", self._image, self.point)
-
-    def disconnect(self):
-        # Plainly: a watched folder must not keep its disk busy.
-        self._run("umount", self.point)
-        os.rmdir(self.point)
-
-
 def unmounted(desktop):
-    if os.geteuid():
+    if not can_mount:
         print("Only root can mount a disk; left out.")
         return
     disk = Disk(desktop)

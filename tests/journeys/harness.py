@@ -237,10 +237,14 @@ class Desktop:
         with open(os.path.join(directory, "keyfile"), "w", encoding="utf-8") as file:
             file.write(f"[{group}]\n{key}={value}\n")
 
+    @property
+    def list_file(self):
+        return os.path.join(self.data_home, "Quillmere", "screenshots.json")
+
     def records(self):
         """The list as it stands on disk, newest first; empty while there is none."""
         try:
-            with open(os.path.join(self.data_home, "Quillmere", "screenshots.json"), encoding="utf-8") as file:
+            with open(self.list_file, encoding="utf-8") as file:
                 return json.load(file)["items"]
         except FileNotFoundError:
             return []
@@ -264,9 +268,17 @@ class Desktop:
 
     def click(self, control):
         """A press and a release of the pointer in the middle of it, where the window really is on the screen."""
+        x, y = self.place_of(control)
+        self.run("xdotool", "mousemove", str(x), str(y), "click", "1", check=True)
+
+    def place_of(self, control):
+        """The middle of it, counted from the corner of the screen."""
         x, y = control.centre
         left, top = self._corner_of(control.window)
-        self.run("xdotool", "mousemove", str(left + x), str(top + y), "click", "1", check=True)
+        return left + x, top + y
+
+    def move_pointer(self, place):
+        self.run("xdotool", "mousemove", str(place[0]), str(place[1]), check=True)
 
     def _corner_of(self, window):
         identifiers = self.window_ids(window.name) if window.name else []

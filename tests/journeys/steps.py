@@ -2,25 +2,84 @@
 
 import configparser
 import datetime
+import json
 import os
 import urllib.parse
 
-from harness import expect, wait_until
+from harness import expect, path_of, wait_until
 
-DIALOG = "Choose Screenshot Folder"
+FOLDER_DIALOG = "Choose Screenshot Folder"
+
+
+def answer_file_dialog(desktop, title, path):
+    """Types the path and confirms."""
+    wait_until(f"the dialog “{title}” has the keyboard", lambda: desktop.active_title() == title)
+    # The field has the keyboard from the start; what stands in it is replaced.
+    desktop.key("ctrl+a")
+    desktop.type(path)
+    desktop.key("Return")
+    wait_until(f"the dialog “{title}” is gone", lambda: not desktop.window_ids(title))
 
 
 def choose_folder_in_dialog(desktop, folder):
     """From the Inbox's set-up view, as on the first start."""
     desktop.click(desktop.wait_for("Choose Screenshot Folder…", "push button", "Quillmere"))
-    wait_until("the folder dialog has the keyboard", lambda: desktop.active_title() == DIALOG)
-    # The field has the keyboard from the start; what stands in it is replaced.
-    desktop.key("ctrl+a")
-    desktop.type(folder)
-    desktop.key("Return")
-    wait_until("the folder dialog is gone", lambda: not desktop.window_ids(DIALOG))
+    answer_file_dialog(desktop, FOLDER_DIALOG, folder)
     wait_until("the chosen folder is watched",
                lambda: not desktop.find("Choose Your Screenshot Folder", "label", "Quillmere"))
+
+
+def open_settings(desktop):
+    desktop.action("settings")
+    wait_until("the settings have the keyboard", lambda: desktop.active_title() == "Settings")
+
+
+def row_of(desktop, shot):
+    """Its row in the Inbox."""
+    return desktop.wait_for(os.path.basename(shot), "list item", "Quillmere")
+
+
+def wait_for_row(desktop, shot, status):
+    """A row with another status is another object to a screen reader: asked for anew each time."""
+    name = os.path.basename(shot)
+
+    def shows():
+        row = desktop.find(name, "list item", "Quillmere")
+        return row and row.description.startswith(status)
+
+    wait_until(f"the Inbox lists “{name}” as {status}", shows)
+
+
+def select_row(desktop, shot):
+    """Until it is chosen, since the window may still be moving to its place."""
+    wait_until("the row is chosen", lambda: (desktop.click(row := row_of(desktop, shot)), row.is_focused)[1])
+
+
+def make_temporary(desktop, shot):
+    desktop.popup.wait_for(shot)
+    desktop.popup.press("Temporary")
+    desktop.popup.wait_gone()
+    wait_until("the screenshot is temporary", lambda: desktop.state_of(shot) == "temporary")
+
+
+def quit_program(desktop):
+    desktop.action("quit")
+    expect("it ends with 0", desktop.program.wait() == 0)
+
+
+def make_overdue(desktop, shot):
+    """Its time is moved into the past, in the list of the program that is not running."""
+    with open(desktop.list_file, encoding="utf-8") as file:
+        written = json.load(file)
+    record = next(item for item in written["items"] if path_of(item) == shot)
+    record["expiresAt"] -= datetime.timedelta(days=1).total_seconds()
+    with open(desktop.list_file, "w", encoding="utf-8") as file:
+        json.dump(written, file)
+
+
+def trashed_files(desktop):
+    directory = os.path.join(desktop.data_home, "Trash", "files")
+    return os.listdir(directory) if os.path.isdir(directory) else []
 
 
 class TrashEntry:

@@ -164,13 +164,17 @@ TEST_F(AppModelExpiry, FileReplacedByAnotherIsFollowedToWhereItWent) {
   EXPECT_EQ(files.calls(), 0);
 }
 
-TEST_F(AppModelExpiry, FileWhoseIdentityCannotBeReadIsNotSentToTrash) {
+TEST_F(AppModelExpiry, FileWhoseIdentityCannotBeReadIsNotSentToTrashAndIsTriedAgain) {
   const UUID id = arriveTemporary("shot.png", TemporaryDuration::oneMinute);
   identities[shots.appending("shot.png").path()] = std::nullopt;
   advance(61);
-  EXPECT_FALSE(hasRecord(id));
-  EXPECT_TRUE(fileExists(shots.appending("shot.png")));
   EXPECT_EQ(files.calls(), 0);
+  EXPECT_EQ(stateOf(id), State::temporary);
+  EXPECT_TRUE(model->unavailableItemIDs->contains(id));
+  identities.clear();
+  advance(60);
+  EXPECT_FALSE(hasRecord(id));
+  EXPECT_TRUE(isInTrashFolder("shot.png"));
 }
 
 TEST_F(AppModelExpiry, AnIncompleteIdentityIsNotCompared) {

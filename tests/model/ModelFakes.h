@@ -64,7 +64,11 @@ class FakeFileOperations final : public FileOperations {
 
  private:
   FileOutcome moving(const FileURL& from, const FileURL& to) {
-    if (const auto answer = answers.find(from.path()); answer != answers.end()) return answer->second;
+    if (const auto answer = answers.find(from.path()); answer != answers.end()) {
+      // What is said to be missing has vanished.
+      if (answer->second == FileOutcome::missing) std::filesystem::remove(from.path());
+      return answer->second;
+    }
     if (!fileExists(from)) return FileOutcome::missing;
     if (fileExists(to)) return FileOutcome::destinationExists;
     std::filesystem::rename(from.path(), to.path());

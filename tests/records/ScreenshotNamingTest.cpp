@@ -143,6 +143,19 @@ TEST(ScreenshotNaming, HalfACharacterDoesNotReachTheFileSystem) {
   EXPECT_TRUE(stem->isValidUtf16());
 }
 
+TEST(ScreenshotNaming, AJoinerInsideACharacterOrAWordIsPartOfIt) {
+  const QString family = QStringLiteral("👩‍👩‍👧 at home");
+  EXPECT_EQ(sanitizedFileStem(family), family);
+  const QString persian = QStringLiteral("می‌خواهم");
+  EXPECT_EQ(sanitizedFileStem(persian), persian);
+  EXPECT_EQ(sanitizedFileStem(QStringLiteral("\u200da")), QStringLiteral("a")) << "alone it joins nothing";
+}
+
+TEST(ScreenshotNaming, AMarkOnTopDoesNotMakeASlashAnotherCharacter) {
+  EXPECT_EQ(sanitizedFileStem(QStringLiteral("a/\u0301b")), QStringLiteral("a b"));
+  EXPECT_EQ(sanitizedFileStem(QStringLiteral("a\u202e\u0301b")), sanitizedFileStem(QStringLiteral("a \u0301b")));
+}
+
 // --- Display name ---
 
 ScreenshotItem described() {

@@ -53,14 +53,12 @@ PropertyList parse(const std::string& value) {
   return PropertyList(list, &plist_free);
 }
 
-/// Null without a value that can be parsed; `isPresent` tells whether there was a value at all.
-PropertyList readAttribute(const FileURL& url, const char* key, bool* isPresent = nullptr) {
+std::optional<std::string> readAttribute(const FileURL& url, const char* key) {
   const std::string name = std::string("com.apple.metadata:") + key;
   auto value = readValue(url, "user." + name);
   if (!value) value = readValue(url, name);
   if (!value) value = readRenamedValue(url, key);
-  if (isPresent) *isPresent = value.has_value();
-  return value ? parse(*value) : PropertyList(nullptr, &plist_free);
+  return value;
 }
 
 std::optional<double> numberOf(plist_t node) {
@@ -79,21 +77,19 @@ std::optional<double> numberOf(plist_t node) {
 
 }  // namespace
 
-std::optional<bool> ScreenCaptureAttributes::isScreenCapture(const FileURL& url) {
-  bool isPresent = false;
-  const PropertyList list = readAttribute(url, "kMDItemIsScreenCapture", &isPresent);
-  if (!isPresent) return std::nullopt;
+bool ScreenCaptureValues::isScreenCapture(const std::string& value) {
+  const PropertyList list = parse(value);
   if (!list) return false;
   if (plist_get_node_type(list.get()) == PLIST_BOOLEAN) {
-    uint8_t value = 0;
-    plist_get_bool_val(list.get(), &value);
-    return value != 0;
+    uint8_t boolean = 0;
+    plist_get_bool_val(list.get(), &boolean);
+    return boolean != 0;
   }
   return numberOf(list.get()).value_or(0) != 0;
 }
 
-std::optional<CaptureKind> ScreenCaptureAttributes::captureKind(const FileURL& url) {
-  const PropertyList list = readAttribute(url, "kMDItemScreenCaptureType");
+std::optional<CaptureKind> ScreenCaptureValues::captureKind(const std::string& value) {
+  const PropertyList list = parse(value);
   if (!list || plist_get_node_type(list.get()) != PLIST_STRING) return std::nullopt;
   char* text = nullptr;
   plist_get_string_val(list.get(), &text);
@@ -101,8 +97,8 @@ std::optional<CaptureKind> ScreenCaptureAttributes::captureKind(const FileURL& u
   return text ? quillmere::captureKind(std::string_view(text)) : std::nullopt;
 }
 
-std::optional<QRectF> ScreenCaptureAttributes::globalRect(const FileURL& url) {
-  const PropertyList list = readAttribute(url, "kMDItemScreenCaptureGlobalRect");
+std::optional<QRectF> ScreenCaptureValues::globalRect(const std::string& value) {
+  const PropertyList list = parse(value);
   if (!list || plist_get_node_type(list.get()) != PLIST_ARRAY || plist_array_get_size(list.get()) != 4) {
     return std::nullopt;
   }
@@ -113,6 +109,21 @@ std::optional<QRectF> ScreenCaptureAttributes::globalRect(const FileURL& url) {
     numbers[i] = *number;
   }
   return QRectF(numbers[0], numbers[1], numbers[2], numbers[3]);
+}
+
+std::optional<bool> ScreenCaptureAttributes::isScreenCapture(const FileURL& url) {
+  const auto value = readAttribute(url, "kMDItemIsScreenCapture");
+  return value ? std::optional(ScreenCaptureValues::isScreenCapture(*value)) : std::nullopt;
+}
+
+std::optional<CaptureKind> ScreenCaptureAttributes::captureKind(const FileURL& url) {
+  const auto value = readAttribute(url, "kMDItemScreenCaptureType");
+  return value ? ScreenCaptureValues::captureKind(*value) : std::nullopt;
+}
+
+std::optional<QRectF> ScreenCaptureAttributes::globalRect(const FileURL& url) {
+  const auto value = readAttribute(url, "kMDItemScreenCaptureGlobalRect");
+  return value ? ScreenCaptureValues::globalRect(*value) : std::nullopt;
 }
 
 bool hasScreenCaptureTag(const FileURL& url) {

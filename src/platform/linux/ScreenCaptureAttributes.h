@@ -2,6 +2,7 @@
 
 #include <QtCore/QRectF>
 #include <optional>
+#include <string>
 
 #include "foundation/FileURL.h"
 #include "records/ScreenshotItem.h"
@@ -19,6 +20,17 @@ std::optional<CaptureKind> captureKind(const FileURL& url);
 std::optional<QRectF> globalRect(const FileURL& url);
 
 }  // namespace ScreenCaptureAttributes
+
+/// The values of those attributes, as property lists in the binary or the XML form. Some file servers append one NUL.
+namespace ScreenCaptureValues {
+
+/// False for what is not a Boolean or a number.
+bool isScreenCapture(const std::string& value);
+std::optional<CaptureKind> captureKind(const std::string& value);
+/// Four whole or real numbers: x, y, width, height.
+std::optional<QRectF> globalRect(const std::string& value);
+
+}  // namespace ScreenCaptureValues
 
 /// The attribute where it is present, else the marks of the capture tools.
 bool hasScreenCaptureTag(const FileURL& url);

@@ -1,0 +1,166 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <QtCore/QByteArray>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "foundation/FileStatus.h"
+#include "foundation/ManualExecutor.h"
+#include "model/ModelFakes.h"
+#include "platform/linux/CloudFiles.h"
+#include "platform/linux/LiveFileIdentity.h"
+#include "platform/linux/LiveFileOperations.h"
+#include "platform/linux/LiveSecurityScopeAccess.h"
+#include "platform/linux/MountTable.h"
+#include "records/ScreenshotListWriter.h"
+#include "records/ScreenshotRecordStore.h"
+#include "support/Files.h"
+#include "support/Records.h"
+#include "support/TemporaryFolder.h"
+
+namespace quillmere::testing {
+
+/// The home of this test program. GIO reads where the Trash is once a process, so the Trash is shared by all tests of
+/// it and emptied for each.
+inline FileURL privateHome() {
+  return FileURL::fromPath(std::getenv("HOME"));
+}
+inline FileURL homeTrash() {
+  return FileURL::fromPath(std::getenv("XDG_DATA_HOME")).appending("Trash");
+}
+
+/// One screenshot among two others, with everything of the file system real: the operations, bookmarks, identities,
+/// mounts and the list. Time, the popup and the monitor are the test's.
+class LiveModel {
+ public:
+  using State = ScreenshotItem::State;
+  static constexpr const char* kOldName = "Screenshot 1.png";
+  static constexpr const char* kNewName = "Invoice.png";
+  static constexpr double kLifetime = 300;
+
+  /// Writes the files and the list; launches the model, which reconciles and saves.
+  explicit LiveModel(State state) {
+    std::filesystem::remove_all(homeTrash().path());
+    std::filesystem::create_directory(shots.path());
+    std::filesystem::create_directory(listFile.parent().path());
+    std::vector<ScreenshotItem> records;
+    for (const int number : {3, 1, 2}) {
+      ScreenshotItem record = bareItem(number);
+      record.url = shots.appending("Screenshot " + std::to_string(number) + ".png");
+      writeFile(record.url, bytesOf(number));
+      record.createdAt = now() + -60;
+      record.state = number == 1 ? state : State::permanent;
+      if (record.state == State::temporary) record.expiresAt = now() + kLifetime;
+      record.imageDescription = QByteArray("An invoice");
+      record.suggestedName = QByteArray("Invoice");
+      record.fileIdentity = liveFileIdentity(record.url, *mounts_);
+      record.fileBookmark = scope_->makeBookmark(record.url);
+      records.push_back(std::move(record));
+    }
+    ScreenshotList list(std::move(records));
+    EXPECT_TRUE(ScreenshotListWriter().save(list, listFile));
+    folderStore_.stored = scope_->makeBookmark(shots);
+    launch();
+    // From the second save on records are copied out of the last one's file.
+    model->saveNow();
+  }
+
+  /// A fresh run of the program over what stands on the disk.
+  void launch() {
+    model.reset();
+    mounts_ = std::make_unique<MountTable>(nullptr);
+    scope_ = std::make_unique<LiveSecurityScopeAccess>(*mounts_);
+    model = std::make_unique<AppModel>(dependencies());
+    model->start();
+    executor.drain();
+  }
+  void advance(double bySeconds) { executor.advance(seconds(bySeconds)); }
+  Date now() const {
+    return Date{700000000.0 + std::chrono::duration<double>(executor.instant().time_since_epoch()).count()};
+  }
+
+  static std::string bytesOf(int number) {
+    return "picture " + std::to_string(number) + " " + std::string(20'000, static_cast<char>('a' + number));
+  }
+  const ScreenshotItem* record() const { return model->items().find(id); }
+  std::vector<ScreenshotItem> records() const {
+    std::vector<ScreenshotItem> all;
+    model->items().forEach([&](const ScreenshotItem& item) { all.push_back(item); });
+    return all;
+  }
+  /// What the list on the disk says; none when it cannot be read whole.
+  std::optional<std::vector<ScreenshotItem>> savedRecords() const {
+    auto bytes = readFile(listFile);
+    if (!bytes) return std::nullopt;
+    auto list = decodeList(*bytes);
+    if (!list || list->dropped > 0) return std::nullopt;
+    return std::move(list->items);
+  }
+  std::optional<BackgroundIssue::Kind> banner() const {
+    return *model->backgroundIssue ? std::optional((*model->backgroundIssue)->kind) : std::nullopt;
+  }
+
+  const UUID id = uuid(1);
+  TemporaryFolder home{privateHome().path()};
+  const FileURL shots = home.file("shots");
+  const FileURL listFile = home.file("support").appending("screenshots.json");
+  const FileURL oldPlace = shots.appending(kOldName);
+  const FileURL newPlace = shots.appending(kNewName);
+
+  CallLog log;
+  ManualExecutor executor;
+  FakePresenter presenter{log};
+
+ private:
+  AppModelDependencies dependencies() {
+    AppModelDependencies world;
+    world.recordStore.fileURL = listFile;
+    world.executor = &executor;
+    world.defaults = &defaults_;
+    world.fileOperations = &files_;
+    world.securityScope = scope_.get();
+    world.watchFolderStore = &folderStore_;
+    world.promptPresenter = &presenter;
+    world.monitor = &monitor_;
+    world.fileChooser = &chooser_;
+    world.screenshotLocation = &screenshotLocation_;
+    world.announcer = &announcer_;
+    world.systemEvents = &systemEvents_;
+    world.now = [this] { return now(); };
+    world.timeZone = [] { return QTimeZone::utc(); };
+    world.isInTrash = [this](const FileURL& url) { return isInTrash(url, *mounts_); };
+    world.fileIdentity = [this](const FileURL& url) { return liveFileIdentity(url, *mounts_); };
+    world.isFolderReachable = [this](const FileURL& url) {
+      return isReadableDirectory(url) && mounts_->isVolumeMounted(url);
+    };
+    world.isDataless = &CloudFiles::isDataless;
+    world.isUbiquitous = [](const FileURL& url) { return CloudFiles::isSynced(url.parent()); };
+    world.startDownload = [](const FileURL&) { return false; };
+    world.isVolumeMounted = [this](const FileURL& url) { return mounts_->isVolumeMounted(url); };
+    world.captureKind = [](const FileURL&) { return std::optional<CaptureKind>(); };
+    world.defaultScreenshotFolder = [] { return std::optional<FileURL>(); };
+    world.spokenReviewShortcut = [] { return std::optional<QString>(); };
+    return world;
+  }
+
+  SystemEvents systemEvents_;
+  UserDefaults defaults_{home.file("settings.json").displayPath()};
+  std::unique_ptr<MountTable> mounts_ = std::make_unique<MountTable>(nullptr);
+  LiveFileOperations files_;
+  std::unique_ptr<LiveSecurityScopeAccess> scope_ = std::make_unique<LiveSecurityScopeAccess>(*mounts_);
+  FakeWatchFolderStore folderStore_{log};
+  FakeMonitor monitor_{log};
+  FakeFileChooser chooser_;
+  FakeScreenshotLocation screenshotLocation_;
+  FakeAnnouncer announcer_{log};
+
+ public:
+  std::unique_ptr<AppModel> model;  ///< last, as it uses all of the above
+};
+
+}  // namespace quillmere::testing
