@@ -54,14 +54,20 @@ void AppModel::reconcile(ReconcileRequest request) {
 
 Task<> AppModel::runReconciliation(Weak<AppModel> self, ReconcileRequest request) {
   self->arrivedDuringRun_.clear();
-  auto inputs = std::make_shared<const std::vector<ReconcileInput>>(self->reconcileInputs(request.ids));
-  auto environment = std::make_shared<const ReconcileEnvironment>(self->reconcileEnvironment());
-  const std::function<UUIDMap<ReconcileOutcome>()> work = [inputs, environment] {
-    return resolveOutcomes(*inputs, *environment);
+  Executor& executor = *self->dependencies_.executor;
+  auto run = std::make_shared<ReconcileRun>();
+  run->inputs = self->reconcileInputs(request.ids);
+  run->environment = self->reconcileEnvironment();
+  std::function<bool()> work = [run] {
+    run->outcomes = resolveOutcomes(run->inputs, run->environment);
+    return true;
   };
-  const auto outcomes = co_await self->dependencies_.executor->background(work);
+  co_await executor.background(work);
+  work = nullptr;
   if (!self) co_return;
-  self->applyOutcomes(outcomes, *inputs, request.polite, request.dropsUnavailableFromQueue);
+  self->applyOutcomes(run->outcomes, run->inputs, request.polite, request.dropsUnavailableFromQueue);
+  // Freeing so many texts takes as long as applying them.
+  executor.runInBackground([garbage = std::move(run)]() mutable { garbage.reset(); }, [] {});
   for (const auto& completion : request.completions) {
     if (self) completion();
   }
@@ -112,16 +118,16 @@ void AppModel::applyOutcomes(const UUIDMap<ReconcileOutcome>& outcomes, const st
     const bool isGone = std::holds_alternative<FileGone>(outcome->second);
     // A new file has taken the name during the run, and its arrival was taken for the known one.
     if (isGone && arrivedDuringRun_.contains(input.id)) continue;
-    evicted.erase(input.id);
-    iCloud.erase(input.id);
+    if (!evicted.empty()) evicted.erase(input.id);
+    if (!iCloud.empty()) iCloud.erase(input.id);
     const auto* present = std::get_if<FilePresent>(&outcome->second);
-    if (!present || !present->isEvicted) endDownload(input.id);
+    if (!downloadStates->empty() && (!present || !present->isEvicted)) endDownload(input.id);
     if (isGone) {
       gone.insert(input.id);
     } else if (!present) {
       unavailable.insert(input.id);
     } else {
-      unavailable.erase(input.id);
+      if (!unavailable.empty()) unavailable.erase(input.id);
       if (present->isEvicted) evicted.insert(input.id);
       if (present->isICloud) iCloud.insert(input.id);
       recordsChanged = applyPresent(*index, *present) || recordsChanged;

@@ -55,6 +55,13 @@ struct FileUnavailable {
 };
 using ReconcileOutcome = std::variant<FilePresent, FileGone, FileUnavailable>;
 
+/// What one run works on and what came of it.
+struct ReconcileRun {
+  std::vector<ReconcileInput> inputs;
+  ReconcileEnvironment environment;
+  UUIDMap<ReconcileOutcome> outcomes;
+};
+
 /// Compares records with the file system. Changes nothing; lists the watched folder at most once, and only when a
 /// record needs it.
 UUIDMap<ReconcileOutcome> resolveOutcomes(const std::vector<ReconcileInput>& inputs,
