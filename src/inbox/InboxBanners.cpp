@@ -47,6 +47,15 @@ std::optional<InboxBannerContent::Banner> folderBanner(const AppModel& model, bo
   return std::nullopt;
 }
 
+InboxBannerContent::Banner backgroundBanner(const BackgroundIssue& issue) {
+  const bool retries = issue.kind == BackgroundIssue::Kind::expiredScreenshotsNotTrashed;
+  InboxBannerContent::Banner banner;
+  banner.symbol = QStringLiteral("exclamationmark.triangle");
+  banner.message = message(issue);
+  banner.action = retries ? localized("Try Again") : localized("Dismiss");
+  return banner;
+}
+
 void display(InboxBanner& banner, const std::optional<InboxBannerContent::Banner>& content) {
   if (content) {
     banner.show(content->symbol, content->message, content->action, content->isDismissible);
@@ -60,13 +69,7 @@ void display(InboxBanner& banner, const std::optional<InboxBannerContent::Banner
 InboxBannerContent InboxBannerContent::make(const AppModel& model, bool showsFolderBanner) {
   InboxBannerContent content;
   content.folder = folderBanner(model, showsFolderBanner);
-  if (const auto& issue = *model.backgroundIssue) {
-    const bool retries = issue->kind == BackgroundIssue::Kind::expiredScreenshotsNotTrashed;
-    content.background.emplace();
-    content.background->symbol = QStringLiteral("exclamationmark.triangle");
-    content.background->message = message(*issue);
-    content.background->action = retries ? localized("Try Again") : localized("Dismiss");
-  }
+  if (const auto& issue = *model.backgroundIssue) content.background = backgroundBanner(*issue);
   return content;
 }
 
