@@ -5,7 +5,8 @@
 namespace quillmere {
 
 void showAlert(QWidget* parent, const QString& title, const QString& message) {
-  QMessageBox box(QMessageBox::Warning, title, title, QMessageBox::Ok, parent);
+  QWidget* above = parent && parent->isVisible() ? parent : nullptr;
+  QMessageBox box(QMessageBox::Warning, title, title, QMessageBox::Ok, above);
   box.setInformativeText(message);
   box.exec();
 }

@@ -101,6 +101,10 @@ void InboxDetail::show(const ScreenshotItem& item) {
     download_->hide();
   }
 
+  picture_->setToolTip(isEvicted ? localized("The image isn’t on this Mac. Choose Download, or open the screenshot in "
+                                             "Finder, to bring it back.")
+                                 : QString());
+
   const bool isReachable = !isUnavailable && !isEvicted;
   if (item.url == url_ && item.fileIdentity == identity_ && isReachable == isReachable_) return;
   if (item.fileIdentity != identity_ || !identity_ || !isReachable) image_ = {};

@@ -5,11 +5,8 @@
 namespace quillmere {
 namespace {
 
-constexpr int kShortestPopupSeconds = 3;
-constexpr int kLongestPopupSeconds = 300;
-
 int clampedPopupSeconds(int seconds) {
-  return std::clamp(seconds, kShortestPopupSeconds, kLongestPopupSeconds);
+  return std::clamp(seconds, AppModel::kShortestPopupSeconds, AppModel::kLongestPopupSeconds);
 }
 
 }  // namespace

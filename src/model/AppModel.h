@@ -84,6 +84,9 @@ class AppModel {
   void setDeletesChosenImmediately(bool isOn);
   void setDeletesExpiredImmediately(bool isOn);
   void setPopupAutoSaveEnabled(bool isOn);
+  static constexpr int kShortestPopupSeconds = 3;
+  static constexpr int kLongestPopupSeconds = 300;
+  /// Cut to those limits.
   void setPopupAutoSaveSeconds(int seconds);
   void setScreenshotNaming(ScreenshotNaming naming);
   void setIncludesNonCaptureImages(bool includes);
@@ -155,7 +158,7 @@ class AppModel {
   /// Gives each the name suggested from its image, where it has one. Failures are told together.
   void applySuggestedNames(const std::vector<UUID>& ids, ErrorScope scope);
   /// Asks where to, and moves the file there. Moving keeps it.
-  void moveAndRename(const UUID& id);
+  void moveAndRename(UUID id);
   void move(const UUID& id, const FileURL& destination);
 
   // --- Watch folder: AppModelWatchFolder.cpp ---
@@ -238,12 +241,14 @@ class AppModel {
 
   // AppModelRenaming.cpp
   RenameOutcome renameItem(size_t index, const QString& name);
+  bool isOfARecord(const FileIdentity& identity);
   NumberedSearchResult moveToStem(const FileURL& url, const QString& stem);
 
   // AppModelWatchFolder.cpp
   void restoreWatchFolder();
   bool retryWatchFolder();
   void followMovedFolder(const FileURL& folder);
+  void moveRecords(const FileURL& from, const FileURL& to);
   void setWatchFolder(const std::optional<FileURL>& url);
   std::string pathKeyOf(const FileURL& url) const { return pathKey(url, watchFolderPaths_); }
   void refreshBookmark(size_t index, const std::optional<QByteArray>& oldBookmark);

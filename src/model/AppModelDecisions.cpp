@@ -6,6 +6,9 @@ void AppModel::markTemporary(const UUID& id, TemporaryDuration duration, const s
   const ScreenshotItem* item = items_.find(id);
   if (!item || item->state != ScreenshotItem::State::pending) return;
   if (name) rename(id, *name, ErrorScope::popup);
+  // Its file turned out to have been moved away by the person, which keeps it.
+  item = items_.find(id);
+  if (!item || item->state != ScreenshotItem::State::pending) return;
   lastTemporaryDuration.set(duration);
   dependencies_.defaults->set(QStringLiteral("quillmere.last-duration"), static_cast<int>(duration));
   makeTemporary(*items_.indexOf(id), duration, now());

@@ -43,7 +43,8 @@ class SecurityScopeAccess {
  public:
   struct Resolution {
     FileURL url;
-    bool isStale = false;  ///< the file is in another place than the bookmark says: make a new one
+    bool isStale = false;                            ///< make a new bookmark
+    std::optional<FileURL> previous = std::nullopt;  ///< where the bookmark says, when the file is in another place now
   };
   virtual ~SecurityScopeAccess() = default;
   virtual bool start(const FileURL& url) = 0;

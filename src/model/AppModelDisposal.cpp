@@ -32,6 +32,8 @@ AppModel::TrashOutcome AppModel::dispose(const UUID& id, bool deletes) {
     case FileOutcome::failed:
       return TrashOutcome::failed;
   }
+  // A sync client has put a placeholder in its stead: the screenshot still is.
+  if (dependencies_.isDataless(url)) return TrashOutcome::failed;
   // Gone by hand, if its folder can be seen; otherwise it may come back with its disk.
   if (dependencies_.isFolderReachable(url.parent())) return TrashOutcome::removed;
   setMember(unavailableItemIDs, id, true);

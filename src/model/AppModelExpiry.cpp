@@ -109,7 +109,7 @@ void AppModel::expirePresent(size_t index) {
     }
   }
   FileOperations& files = *dependencies_.fileOperations;
-  switch (*deletesExpiredImmediately ? files.remove(item.url) : files.trash(item.url)) {
+  switch (deletes(DisposalReason::expired) ? files.remove(item.url) : files.trash(item.url)) {
     case FileOutcome::done:
       forget(item.id);
       return;

@@ -1,4 +1,5 @@
 #include <QtCore/QStringList>
+#include <algorithm>
 
 #include "foundation/Localized.h"
 #include "model/AppModel.h"
@@ -26,15 +27,20 @@ AppModel::RenameOutcome AppModel::renameItem(size_t index, const QString& name) 
   if (!stem || stem->toStdString() == item.url.stem()) return RenameOutcome::unchanged;
   if (unavailableItemIDs->contains(item.id)) return RenameOutcome::unavailable;
 
-  // Another file may have taken the name: it must not be taken for the record's own.
+  // Another file may have taken the name. If the record's own is nowhere else and this one no other record's, an editor
+  // has saved it anew: then what stands here is renamed, but never thrown away for the old one.
   const auto present = dependencies_.fileIdentity(item.url);
-  const bool isAnother = present && item.fileIdentity && item.fileIdentity->isComplete() && present->isComplete() &&
-                         !present->isSameInode(*item.fileIdentity);
+  bool isAnother = present && item.fileIdentity && item.fileIdentity->isComplete() && present->isComplete() &&
+                   !present->isSameInode(*item.fileIdentity);
   if (isAnother) {
-    const auto own = relocateByBookmark(index);
-    if (!own) return RenameOutcome::failed;
-    updateLocation(index, *own, std::nullopt);
+    if (const auto own = relocateByBookmark(index)) {
+      updateLocation(index, *own, std::nullopt);
+      isAnother = false;
+    } else if (isOfARecord(*present)) {
+      return RenameOutcome::failed;
+    }
   }
+  const FileURL before = item.url;
   const auto result = moveToStem(item.url, *stem);
   if (result.outcome == NumberedSearchResult::Outcome::alreadyNamed) return RenameOutcome::unchanged;
   if (result.outcome != NumberedSearchResult::Outcome::moved) return RenameOutcome::failed;
@@ -43,12 +49,21 @@ AppModel::RenameOutcome AppModel::renameItem(size_t index, const QString& name) 
   const auto identity = dependencies_.fileIdentity(result.url);
   updateItem(index, [&](ScreenshotItem& record) {
     record.url = result.url;
-    if (identity) record.fileIdentity = identity;
+    if (identity && !isAnother) record.fileIdentity = identity;
   });
+  dependencies_.monitor->noteUnknown(before);
   dependencies_.monitor->noteKnown(result.url);
-  refreshBookmark(index, oldBookmark);
+  if (!isAnother) refreshBookmark(index, oldBookmark);
   refreshItemAccess(index, std::nullopt);
   return RenameOutcome::renamed;
+}
+
+bool AppModel::isOfARecord(const FileIdentity& identity) {
+  const auto ids = recordIndex().withFileNumber(identity.file);
+  return std::any_of(ids.begin(), ids.end(), [&](const UUID& id) {
+    const ScreenshotItem* item = items_.find(id);
+    return item && item->fileIdentity && item->fileIdentity->isSameInode(identity);
+  });
 }
 
 bool AppModel::rename(const UUID& id, const QString& name, ErrorScope scope) {
@@ -88,16 +103,18 @@ void AppModel::applySuggestedNames(const std::vector<UUID>& ids, ErrorScope scop
     if (const auto name = suggestion(ids.front())) rename(ids.front(), *name, scope);
     return;
   }
-  int renamed = 0;
+  bool hasChanged = false;
   int unavailable = 0;
   int failed = 0;
   for (const UUID& id : ids) {
     const auto name = suggestion(id);
     if (!name) continue;
-    switch (renameItem(*items_.indexOf(id), *name)) {
+    const size_t index = *items_.indexOf(id);
+    const FileURL before = items_[index].url;
+    const RenameOutcome outcome = renameItem(index, *name);
+    hasChanged = hasChanged || items_[index].url != before;
+    switch (outcome) {
       case RenameOutcome::renamed:
-        ++renamed;
-        break;
       case RenameOutcome::unchanged:
         break;
       case RenameOutcome::unavailable:
@@ -108,7 +125,7 @@ void AppModel::applySuggestedNames(const std::vector<UUID>& ids, ErrorScope scop
         break;
     }
   }
-  if (renamed > 0) saveNow();
+  if (hasChanged) saveNow();
   QStringList sentences;
   if (failed > 0) {
     sentences << localized("%lld screenshots couldn’t be renamed. Check that you can change files in their folder.",
@@ -122,7 +139,7 @@ void AppModel::applySuggestedNames(const std::vector<UUID>& ids, ErrorScope scop
   show(scope, localized("Couldn’t Rename Every Screenshot"), sentences.join(QLatin1Char(' ')));
 }
 
-void AppModel::moveAndRename(const UUID& id) {
+void AppModel::moveAndRename(UUID id) {
   const ScreenshotItem* item = items_.find(id);
   if (!item) return;
   const SavePanelStart start{item->url.parent(), item->url.lastPathComponent(), item->url.pathExtension()};
@@ -136,8 +153,9 @@ void AppModel::moveAndRename(const UUID& id) {
 void AppModel::move(const UUID& id, const FileURL& destination) {
   const auto index = items_.indexOf(id);
   if (!index) return;
+  const FileURL before = items_[*index].url;
   QString reason;
-  const auto outcome = dependencies_.fileOperations->move(items_[*index].url, destination, reason);
+  const auto outcome = dependencies_.fileOperations->move(before, destination, reason);
   if (outcome != FileOutcome::done) {
     const bool isTaken = outcome == FileOutcome::destinationExists;
     show(ErrorScope::inbox, localized("Couldn’t Move Screenshot"),
@@ -154,6 +172,7 @@ void AppModel::move(const UUID& id, const FileURL& destination) {
     item.fileBookmark = bookmark ? bookmark : oldBookmark;
     if (identity) item.fileIdentity = identity;  // another one on another disk
   });
+  dependencies_.monitor->noteUnknown(before);
   dependencies_.monitor->noteKnown(destination);
   refreshItemAccess(*index, std::nullopt);
   setMember(unavailableItemIDs, id, false);

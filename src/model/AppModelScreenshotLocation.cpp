@@ -4,8 +4,10 @@
 namespace quillmere {
 
 bool AppModel::showsLocationMismatch() const {
+  // Asked first: comparing the folders looks at the disk.
+  if (*watchFolderHasReceivedScreenshot) return false;
   const auto match = screenshotFolderMatch();
-  return match.kind == ScreenshotFolderMatch::Kind::differs && !*watchFolderHasReceivedScreenshot &&
+  return match.kind == ScreenshotFolderMatch::Kind::differs &&
          *dismissedLocationMismatchPath != match.folder->standardized().displayPath();
 }
 

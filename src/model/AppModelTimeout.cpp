@@ -34,6 +34,7 @@ void AppModel::popupTimedOut(const UUID& id) {
     item.expiresAt.reset();
   });
   if (hasMoved) {
+    dependencies_.monitor->noteUnknown(before);
     dependencies_.monitor->noteKnown(moved.url);
     refreshBookmark(*index, oldBookmark);
     refreshItemAccess(*index, std::nullopt);

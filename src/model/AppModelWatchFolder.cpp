@@ -73,6 +73,11 @@ void AppModel::restoreWatchFolder() {
   const auto resolved = resolveBookmark(*dependencies_.securityScope, stored);
   if (resolved && resolved->refreshed) dependencies_.watchFolderStore->setBookmark(*resolved->refreshed);
   setWatchFolder(resolved ? std::optional(resolved->url) : std::nullopt);
+  // Renamed or moved while the program was closed: its files have not been moved one by one, which would keep them.
+  if (resolved && resolved->previous && *watcherStatus == WatcherStatus::watching) {
+    moveRecords(*resolved->previous, resolved->url);
+    saveNow();
+  }
 }
 
 /// Looks again for a folder that was lost: where it was, or where its bookmark says it has gone. Answers whether it is
@@ -101,18 +106,23 @@ bool AppModel::retryWatchFolder() {
 }
 
 void AppModel::followMovedFolder(const FileURL& folder) {
-  const std::string prefix = (*watchFolderURL)->standardized().path() + "/";
+  const FileURL before = **watchFolderURL;
   access_.retireFolder();
   setWatchFolder(folder);
-  for (size_t i = 0; i < items_.size(); ++i) {
-    const std::string path = items_[i].url.standardized().path();
-    if (!path.starts_with(prefix)) continue;
-    const FileURL moved = folder.appending(path.substr(prefix.size()));
-    updateItem(i, [&](ScreenshotItem& item) { item.url = moved; });
-  }
+  moveRecords(before, folder);
   access_.endRetired();
   dependencies_.monitor->follow(folder);
   saveNow();
+}
+
+void AppModel::moveRecords(const FileURL& from, const FileURL& to) {
+  const std::string prefix = from.standardized().path() + "/";
+  for (size_t i = 0; i < items_.size(); ++i) {
+    const std::string path = items_[i].url.standardized().path();
+    if (!path.starts_with(prefix)) continue;
+    const FileURL moved = to.standardized().appending(path.substr(prefix.size()));
+    updateItem(i, [&](ScreenshotItem& item) { item.url = moved; });
+  }
 }
 
 void AppModel::refreshBookmark(size_t index, const std::optional<QByteArray>& oldBookmark) {

@@ -141,7 +141,7 @@ std::optional<ResolvedBookmark> resolveBookmark(SecurityScopeAccess& scope, cons
   if (!bookmark) return std::nullopt;
   const auto resolution = scope.resolve(*bookmark);
   if (!resolution) return std::nullopt;
-  ResolvedBookmark result{resolution->url, std::nullopt};
+  ResolvedBookmark result{resolution->url, std::nullopt, resolution->previous};
   if (resolution->isStale) {
     const bool hasAccess = scope.start(resolution->url);
     result.refreshed = scope.makeBookmark(resolution->url);

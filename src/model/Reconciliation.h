@@ -71,6 +71,7 @@ UUIDMap<ReconcileOutcome> resolveOutcomes(const std::vector<ReconcileInput>& inp
 struct ResolvedBookmark {
   FileURL url;
   std::optional<QByteArray> refreshed;
+  std::optional<FileURL> previous = std::nullopt;  ///< where the bookmark said, when the file is in another place now
 };
 std::optional<ResolvedBookmark> resolveBookmark(SecurityScopeAccess& scope, const std::optional<QByteArray>& bookmark);
 

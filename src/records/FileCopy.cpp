@@ -20,6 +20,15 @@ bool writeAll(int descriptor, const char* bytes, size_t count) {
   return true;
 }
 
+bool flushFolder(const FileURL& folder) {
+  const auto descriptor =
+      static_cast<int>(TEMP_FAILURE_RETRY(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)));
+  if (descriptor < 0) return false;
+  const bool flushed = TEMP_FAILURE_RETRY(::fsync(descriptor)) == 0;
+  ::close(descriptor);
+  return flushed;
+}
+
 bool copyBytes(int from, int64_t offset, int64_t length, int to) {
   off64_t position = offset;
   while (length > 0) {

@@ -13,6 +13,9 @@ CopyResult copyFile(const FileURL& source, const FileURL& destination);
 /// its present position. False on any failure, a source that ends early included.
 bool copyBytes(int from, int64_t offset, int64_t length, int to);
 
+/// Makes the names in a folder survive a power cut.
+bool flushFolder(const FileURL& folder);
+
 /// Writes all of it; goes on after an interruption.
 bool writeAll(int descriptor, const char* bytes, size_t count);
 

@@ -42,15 +42,6 @@ class BufferedWriter {
   int64_t flushed_ = 0;
 };
 
-bool flushFolder(const FileURL& folder) {
-  const auto descriptor =
-      static_cast<int>(TEMP_FAILURE_RETRY(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)));
-  if (descriptor < 0) return false;
-  const bool flushed = TEMP_FAILURE_RETRY(::fsync(descriptor)) == 0;
-  ::close(descriptor);
-  return flushed;
-}
-
 }  // namespace
 
 ScreenshotListWriter::~ScreenshotListWriter() {

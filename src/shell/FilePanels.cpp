@@ -45,7 +45,7 @@ std::optional<FileURL> FilePanels::chooseFolder(const FolderPanelStart& start) {
   dialog.setFileMode(QFileDialog::Directory);
   dialog.setOption(QFileDialog::ShowDirsOnly);
   dialog.setLabelText(QFileDialog::Accept, localized("Choose"));
-  if (start.directory) dialog.setDirectory(start.directory->displayPath());
+  if (start.directory) dialog.setDirectory(QFile::decodeName(start.directory->c_str()));
   explain(dialog, start.message);
   return chosen(dialog);
 }
@@ -62,8 +62,8 @@ std::optional<FileURL> FilePanels::chooseDestination(const SavePanelStart& start
     // Only where none was typed.
     dialog.setDefaultSuffix(QString::fromStdString(start.pathExtension));
   }
-  dialog.setDirectory(start.directory.displayPath());
-  dialog.selectFile(QString::fromStdString(start.name));
+  dialog.setDirectory(QFile::decodeName(start.directory.c_str()));
+  dialog.selectFile(QFile::decodeName(QByteArray::fromStdString(start.name)));
   explain(dialog, localized("The screenshot will be kept permanently at the location you choose."));
   return chosen(dialog);
 }

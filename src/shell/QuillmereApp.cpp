@@ -71,7 +71,7 @@ void QuillmereApp::openInbox() {
       QMetaObject::invokeMethod(
           &observer_,
           [this] {
-            if (!isInboxShown()) inbox_.reset();
+            if (!isInboxShown() && !QApplication::activeModalWidget()) inbox_.reset();
           },
           Qt::QueuedConnection);
     };

@@ -21,8 +21,6 @@ namespace {
 constexpr int kWidth = 560;
 constexpr int kPadding = 18;
 constexpr int kSymbol = 18;
-constexpr int kShortestSeconds = 3;
-constexpr int kLongestSeconds = 300;
 
 QString symbolOf(WatcherStatus status) {
   switch (status) {
@@ -36,6 +34,23 @@ QString symbolOf(WatcherStatus status) {
       return QStringLiteral("externaldrive.badge.xmark");
   }
   return {};
+}
+
+/// Whether a control of the window shows the field.
+bool isShown(ModelField field) {
+  switch (field) {
+    case ModelField::watchFolderURL:
+    case ModelField::watcherStatus:
+    case ModelField::macOSScreenshotFolder:
+    case ModelField::lastScreenshotLocationChange:
+    case ModelField::includesNonCaptureImages:
+    case ModelField::showPopupThumbnail:
+    case ModelField::popupAutoSaveEnabled:
+    case ModelField::popupAutoSaveSeconds:
+      return true;
+    default:
+      return false;
+  }
 }
 
 QVBoxLayout* makePane(QWidget* pane) {
@@ -74,7 +89,6 @@ SettingsWindow::SettingsWindow(AppModel& model) : model_(model) {
   column->addWidget(tabs);
   setMinimumWidth(kWidth);
   changes_ = model.changed.connect([this](const ModelChange& change) { follow(change); });
-  refresh();
 }
 
 QWidget* SettingsWindow::makeScreenshotsPane() {
@@ -131,7 +145,7 @@ QWidget* SettingsWindow::makePopupPane() {
   timeout->addWidget(dismissesPopup_);
   secondsLabel_ = new QLabel(pane);
   seconds_ = new QSpinBox(pane);
-  seconds_->setRange(kShortestSeconds, kLongestSeconds);
+  seconds_->setRange(AppModel::kShortestPopupSeconds, AppModel::kLongestPopupSeconds);
   seconds_->setAccessibleName(localized("Popup timeout in seconds"));
   // Each digit on the way to a number is no setting.
   seconds_->setKeyboardTracking(false);
@@ -154,9 +168,14 @@ void SettingsWindow::follow(const ModelChange& change) {
     // In a later turn: the failing operation must be over before its message waits for an answer.
     QMetaObject::invokeMethod(
         this, [this] { showError(); }, Qt::QueuedConnection);
-  } else if (change.field != ModelField::items) {
+  } else if (isVisible() && isShown(change.field)) {
     refresh();
   }
+}
+
+void SettingsWindow::showEvent(QShowEvent* event) {
+  refresh();
+  QWidget::showEvent(event);
 }
 
 void SettingsWindow::refresh() {

@@ -22,6 +22,9 @@ class SettingsWindow final : public QWidget {
   /// Asks whether every screenshot is to be saved in the folder of this name.
   std::function<bool(const QString& folder)> confirmSavingHere;
 
+ protected:
+  void showEvent(QShowEvent* event) override;
+
  private:
   QWidget* makeScreenshotsPane();
   QWidget* makePopupPane();

@@ -89,6 +89,16 @@ TEST_F(AppModelDisposal, FileOnAnEjectedDiskIsUnreachableAndItsRecordStays) {
             "then try again.");
 }
 
+TEST_F(AppModelDisposal, FileWithAPlaceholderInItsSteadKeepsItsRecord) {
+  const UUID id = arrivePermanent("shot.png");
+  const ScreenshotItem before = item(id);
+  deleteFile(before.url);
+  dataless.insert(before.url.path());
+  dispose(id);
+  EXPECT_EQ(item(id), before);
+  EXPECT_EQ(title(), "Couldn’t Move to Trash");
+}
+
 TEST_F(AppModelDisposal, UnreachableFileThatWasToBeDeletedSaysSo) {
   const UUID id = arrivePermanent("shot.png");
   ejectDisk();

@@ -44,6 +44,56 @@ TEST_F(AppModelRenaming, TheIdentityIsReadAnewWhereItCanBe) {
   EXPECT_EQ(item(id).fileIdentity, other);
 }
 
+TEST_F(AppModelRenaming, TheMonitorLearnsBothNames) {
+  const UUID id = arrivePermanent("shot.png");
+  rename(id, "A window");
+  EXPECT_THAT(monitor.unknown, ElementsAre(shots.appending("shot.png")));
+  EXPECT_THAT(monitor.known, ElementsAre(shots.appending("A window.png")));
+}
+
+TEST_F(AppModelRenaming, AFileThatAnEditorSavedAnewIsRenamedButNeverThrownAwayForTheOldOne) {
+  const UUID id = arriveTemporary("shot.png");
+  const FileURL url = item(id).url;
+  const auto before = item(id).fileIdentity;
+  writeFile(elsewhere.appending("saved anew"), "an edited picture");
+  moveFile(elsewhere.appending("saved anew"), url);
+  ASSERT_NE(identityOf(url), before);
+  EXPECT_TRUE(rename(id, "A window"));
+  EXPECT_EQ(item(id).url, shots.appending("A window.png"));
+  EXPECT_EQ(item(id).fileIdentity, before);
+  EXPECT_EQ(item(id).fileBookmark, FakeSecurityScope::bookmarkOf(url)) << "still of the old file";
+  advance(3600);
+  EXPECT_EQ(readBytes(shots.appending("A window.png")), "an edited picture");
+  EXPECT_EQ(files.trashCalls + files.removeCalls, 0);
+}
+
+TEST_F(AppModelRenaming, AnotherRecordsFileUnderTheNameIsNotRenamed) {
+  const UUID first = arrivePermanent("first.png");
+  const UUID second = arrivePermanent("second.png");
+  const FileURL place = item(second).url;
+  deleteFile(place);
+  moveFile(item(first).url, place);
+  scope.lose(place);
+  EXPECT_FALSE(rename(second, "A window"));
+  EXPECT_TRUE(fileExists(place));
+  EXPECT_EQ(item(second).url, place);
+}
+
+TEST_F(AppModelRenaming, AScreenshotThatWasMovedAwayIsRenamedWhereItIs) {
+  const UUID id = arrive("shot.png");
+  const FileURL url = item(id).url;
+  const FileURL own = elsewhere.appending("shot.png");
+  moveFile(url, own);
+  scope.follow(url, own);
+  writeFile(url, "another picture");
+  model->markTemporary(id, TemporaryDuration::fiveMinutes, QStringLiteral("A window"));
+  EXPECT_EQ(item(id).url, elsewhere.appending("A window.png"));
+  EXPECT_EQ(readBytes(url), "another picture");
+  // Moving it was the person's decision to keep it.
+  EXPECT_EQ(stateOf(id), State::permanent);
+  EXPECT_EQ(scheduledAt(id), std::nullopt);
+}
+
 TEST_F(AppModelRenaming, ARenameInTheProgramDoesNotKeepATemporaryScreenshot) {
   const UUID id = arriveTemporary("shot.png");
   const auto expiresAt = item(id).expiresAt;

@@ -280,6 +280,20 @@ TEST_F(AppModelMovedFolder, AFolderThatCannotBeReachedWhereItWentIsNotFollowed) 
   EXPECT_EQ(folderStore.stored, bookmarkOf(shots));
 }
 
+TEST_F(AppModelMovedFolder, AFolderRenamedWhileTheProgramWasClosedDecidesNothing) {
+  const auto expiresAt = item(temporary).expiresAt;
+  launch();
+  EXPECT_EQ(*model->watchFolderURL, moved);
+  EXPECT_EQ(item(temporary).url, moved.appending("temporary.png"));
+  EXPECT_EQ(stateOf(temporary), State::temporary);
+  EXPECT_EQ(scheduledAt(temporary), expiresAt);
+  EXPECT_EQ(stateOf(pending), State::pending);
+  EXPECT_EQ(item(deeper).url, moved.appending("deeper/kept.png"));
+  EXPECT_EQ(item(outside).url, elsewhere.appending("outside.png"));
+  EXPECT_EQ(savedRecord(pending)->url, moved.appending("pending.png"));
+  EXPECT_THAT(*model->unavailableItemIDs, IsEmpty());
+}
+
 TEST_F(AppModelMovedFolder, AFolderWithALongerNameIsAnotherFolder) {
   const UUID id = uuid(77);
   auto neighbour = bareItem(77);

@@ -85,7 +85,7 @@ class HistoryScope final : public SecurityScopeAccess {
 
  private:
   std::optional<Resolution> resolveFolder(const FileURL& place) const {
-    if (world_.isMounted && place != world_.folder) return Resolution{world_.folder, true};
+    if (world_.isMounted && place != world_.folder) return Resolution{world_.folder, true, place};
     return Resolution{place, !world_.isMounted && isReadableDirectory(place)};
   }
   std::optional<Resolution> resolveFile(int number, int series, const FileURL& place) {
@@ -98,7 +98,7 @@ class HistoryScope final : public SecurityScopeAccess {
     const bool isInReach =
         world_.reach == HistoryWorld::BookmarkReach::everywhere || parent == place.parent() || parent == world_.folder;
     if (!isOnline || !isInReach) return std::nullopt;
-    return Resolution{file->url, true};
+    return Resolution{file->url, true, place};
   }
   HistoryWorld& world_;
 };

@@ -112,7 +112,7 @@ class FakeSecurityScope final : public SecurityScopeAccess {
   }
 
   /// Bookmarks of `from` resolve to `to`, and are stale.
-  void follow(const FileURL& from, const FileURL& to) { places[bookmarkOf(from)] = Resolution{to, true}; }
+  void follow(const FileURL& from, const FileURL& to) { places[bookmarkOf(from)] = Resolution{to, true, from}; }
   /// Bookmarks of `url` do not resolve.
   void lose(const FileURL& url) { places[bookmarkOf(url)] = std::nullopt; }
 
@@ -213,6 +213,7 @@ class FakeMonitor final : public ScreenshotMonitoring {
     expectedSince = moment;
   }
   void noteKnown(const FileURL& url) override { known.push_back(url); }
+  void noteUnknown(const FileURL& url) override { unknown.push_back(url); }
   /// A folder that can be opened again is told as watched, as the real monitor tells it.
   void refresh() override {
     ++refreshes;
@@ -222,6 +223,7 @@ class FakeMonitor final : public ScreenshotMonitoring {
   std::optional<FileURL> watched;
   std::optional<Date> expectedSince;
   std::vector<FileURL> known;
+  std::vector<FileURL> unknown;
   int refreshes = 0;
   int starts = 0;
   bool includes = false;

@@ -179,6 +179,14 @@ TEST_F(ScreenCaptureAttributesTest, TheBytesOfAKindAreTheKind) {
   }
 }
 
+TEST_F(ScreenCaptureAttributesTest, AKindWithANulInsideIsNone) {
+  // "bplist00", a text of nine bytes whose second is NUL, its offset and the trailer.
+  std::string value("bplist00\x59s\0lection", 18);
+  value += std::string("\x08", 1) + std::string(6, '\0') + "\x01\x01" + std::string(7, '\0') + "\x01" +
+           std::string(15, '\0') + "\x12";
+  EXPECT_EQ(ScreenCaptureValues::captureKind(value), std::nullopt);
+}
+
 TEST_F(ScreenCaptureAttributesTest, AKindThatIsNotKnownIsNone) {
   for (const std::string& value : {binaryList({stringObject("hologram")}), binaryList({stringObject("")}),
                                    binaryList({stringObject("Window")}), kTrue, std::string("garbage")}) {

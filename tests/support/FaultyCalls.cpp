@@ -32,6 +32,7 @@ struct Rule {
   std::string pathEnd;
   int error = 0;
   bool isShort = false;
+  bool isDone = false;
   std::optional<FaultyCalls::Moment> end;
 };
 
@@ -66,6 +67,7 @@ std::string placeOf(int folder, const char* path) {
 struct Verdict {
   int error = 0;
   bool isShort = false;
+  bool isDone = false;
   bool endsAfter = false;
 };
 
@@ -88,6 +90,7 @@ Verdict judge(Call call, Place... place) {
         if (!path.ends_with(rule.pathEnd)) continue;
         if (rule.error != 0) verdict.error = rule.error;
         verdict.isShort = verdict.isShort || rule.isShort;
+        verdict.isDone = verdict.isDone || rule.isDone;
         endsNow = endsNow || rule.end == FaultyCalls::Moment::before;
         verdict.endsAfter = verdict.endsAfter || rule.end == FaultyCalls::Moment::after;
       }
@@ -111,7 +114,9 @@ Result failure(int error) {
 /// Makes the call, unless it is to fail.
 template <typename Result, typename... Parameters, typename... Arguments>
 Result carryOut(const Verdict& verdict, Result (*real)(Parameters...), Arguments... arguments) {
-  const Result result = verdict.error != 0 ? failure<Result>(verdict.error) : real(arguments...);
+  const bool isMade = verdict.error == 0 || verdict.isDone;
+  Result result = isMade ? real(arguments...) : Result();
+  if (verdict.error != 0) result = failure<Result>(verdict.error);
   if (verdict.endsAfter) ::_exit(FaultyCalls::kEnded);
   return result;
 }
@@ -148,19 +153,34 @@ FaultyCalls::~FaultyCalls() {
 }
 
 void FaultyCalls::fail(size_t number, int error) {
-  add({.call = {}, .number = number, .pathEnd = {}, .error = error, .isShort = false, .end = {}});
+  add({.call = {}, .number = number, .pathEnd = {}, .error = error, .isShort = false, .isDone = false, .end = {}});
 }
 void FaultyCalls::failOnly(Call call, size_t nth, int error) {
-  add({.call = call, .number = nth, .pathEnd = {}, .error = error, .isShort = false, .end = {}});
+  add({.call = call, .number = nth, .pathEnd = {}, .error = error, .isShort = false, .isDone = false, .end = {}});
 }
 void FaultyCalls::failEvery(Call call, int error, std::string pathEnd) {
-  add({.call = call, .number = 0, .pathEnd = std::move(pathEnd), .error = error, .isShort = false, .end = {}});
+  add({.call = call,
+       .number = 0,
+       .pathEnd = std::move(pathEnd),
+       .error = error,
+       .isShort = false,
+       .isDone = false,
+       .end = {}});
+}
+void FaultyCalls::refuseAfterTheDeed(Call call, int error, std::string pathEnd) {
+  add({.call = call,
+       .number = 0,
+       .pathEnd = std::move(pathEnd),
+       .error = error,
+       .isShort = false,
+       .isDone = true,
+       .end = {}});
 }
 void FaultyCalls::shorten(size_t number) {
-  add({.call = {}, .number = number, .pathEnd = {}, .error = 0, .isShort = true, .end = {}});
+  add({.call = {}, .number = number, .pathEnd = {}, .error = 0, .isShort = true, .isDone = false, .end = {}});
 }
 void FaultyCalls::endProcess(size_t number, Moment moment) {
-  add({.call = {}, .number = number, .pathEnd = {}, .error = 0, .isShort = false, .end = moment});
+  add({.call = {}, .number = number, .pathEnd = {}, .error = 0, .isShort = false, .isDone = false, .end = moment});
 }
 
 std::vector<FaultyCalls::Made> FaultyCalls::made() const {

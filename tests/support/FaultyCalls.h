@@ -71,6 +71,8 @@ class FaultyCalls {
   void failOnly(Call call, size_t nth, int error);
   /// Every call of this kind on a path that ends so.
   void failEvery(Call call, int error, std::string pathEnd = {});
+  /// Every call of this kind on a path that ends so does its deed and then says that it failed, as a server may.
+  void refuseAfterTheDeed(Call call, int error, std::string pathEnd);
   /// The call with this number transfers half of what it was asked to. Only a read, write or copy can.
   void shorten(size_t number);
   /// Ends the process right before or right after the call, as a crash would: nothing is flushed or cleaned up.

@@ -15,13 +15,6 @@ namespace {
 
 constexpr int64_t kLargestFile = 16 << 20;
 
-void flushFolder(const FileURL& folder) {
-  const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (descriptor < 0) return;
-  ::fsync(descriptor);
-  ::close(descriptor);
-}
-
 /// A file keeps its mode and, where this process may give it, its owner.
 bool writeTemporary(int descriptor, const std::string& text, const std::optional<struct stat>& replaced) {
   if (replaced) {

@@ -75,7 +75,7 @@ std::optional<SecurityScopeAccess::Resolution> LiveSecurityScopeAccess::resolve(
   // A path alone is enough to find the place, and worth making anew: it would not survive a rename.
   if (!bookmark->file) return Resolution{bookmark->url, fileExists(bookmark->url)};
   if (isSameFile(*bookmark, bookmark->url)) return Resolution{bookmark->url, false};
-  if (const auto found = search(*bookmark)) return Resolution{*found, true};
+  if (const auto found = search(*bookmark)) return Resolution{*found, true, bookmark->url};
   // A folder made anew under its name is taken for the old one; a missing one may come back with its disk. Another file
   // under a file's name is another file.
   if (bookmark->isDirectory) return Resolution{bookmark->url, isReadableDirectory(bookmark->url)};
@@ -113,7 +113,8 @@ std::optional<FileURL> LiveSecurityScopeAccess::searchFolder(const Bookmark& boo
   if (!status) return std::nullopt;
   std::vector<std::string> names;
   {
-    const std::lock_guard lock(mutex_);
+    // A lock of its own: listing a slow folder must not hold those who only open or end access.
+    const std::lock_guard lock(numbersMutex_);
     const bool isKnown = numbers_ && numbers_->folder == folder && numbers_->modified == status->modified;
     if (!isKnown || !numbers_->isSettled) {
       numbers_ = FolderNumbers{folder, status->modified, hasSettled(status->modified), {}};

@@ -44,6 +44,7 @@ class LiveSecurityScopeAccess final : public SecurityScopeAccess {
   mutable std::mutex mutex_;
   std::map<std::string, int> openCounts_;
   std::optional<FileURL> watchedFolder_;
+  std::mutex numbersMutex_;
   std::optional<FolderNumbers> numbers_;
 };
 

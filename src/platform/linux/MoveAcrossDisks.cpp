@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -56,6 +57,13 @@ bool isUnchanged(const struct stat& before, const FileURL& url) {
          now.st_mtim.tv_nsec == before.st_mtim.tv_nsec;
 }
 
+/// Whether an open file still has a name somewhere; nullopt where the disk does not say.
+std::optional<bool> hasName(const Descriptor& file) {
+  struct statx status {};
+  if (::statx(file.get(), "", AT_EMPTY_PATH | AT_STATX_FORCE_SYNC, STATX_NLINK, &status) != 0) return std::nullopt;
+  return status.stx_nlink > 0;
+}
+
 /// Fills the open copy. Gives 0 or the error number.
 int copyWhole(const Descriptor& source, const struct stat& status, Descriptor& copy) {
   errno = 0;
@@ -68,11 +76,6 @@ int copyWhole(const Descriptor& source, const struct stat& status, Descriptor& c
   return 0;
 }
 
-void flushFolder(const FileURL& folder) {
-  const Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (descriptor.isOpen()) ::fsync(descriptor.get());
-}
-
 }  // namespace
 
 int renameWithoutReplacing(const FileURL& from, const FileURL& to) {
@@ -81,7 +84,15 @@ int renameWithoutReplacing(const FileURL& from, const FileURL& to) {
   };
   if (TEMP_FAILURE_RETRY(moveUnlessTaken()) == 0) return 0;
   if (errno != EINVAL) return errno;
-  // A file system without that promise: look first. A look that was refused does not say that the name is free.
+  // A file system without that promise: a second link takes the name only if it is free.
+  if (TEMP_FAILURE_RETRY(::link(from.c_str(), to.c_str())) == 0) {
+    if (TEMP_FAILURE_RETRY(::unlink(from.c_str())) == 0) return 0;
+    const int error = errno;
+    ::unlink(to.c_str());
+    return error;
+  }
+  if (errno == EEXIST) return EEXIST;
+  // Nor with links: look first. A look that was refused does not say that the name is free.
   if (fileStatus(to)) return EEXIST;
   if (errno != ENOENT) return errno;
   return TEMP_FAILURE_RETRY(::rename(from.c_str(), to.c_str())) == 0 ? 0 : errno;
@@ -105,13 +116,18 @@ int moveAcrossDisks(const FileURL& from, const FileURL& to) {
     ::unlink(temporary.c_str());
     return error;
   }
-  // The copy's name is safe before the original goes.
+  // The copy's name is safe before the original goes. That may take seconds, in which someone may save the original or
+  // take it away: the copy is one too many only where the original is known to be.
   flushFolder(to.parent());
-  if (::unlink(from.c_str()) == 0) return 0;
-  error = errno;
-  // Taken away meanwhile: the copy is the only one.
-  if (error == ENOENT && !fileStatus(from) && errno == ENOENT) return 0;
-  ::unlink(to.c_str());
+  if (isUnchanged(status, from)) {
+    if (::unlink(from.c_str()) == 0) return 0;
+    error = errno;
+  } else {
+    error = EBUSY;
+  }
+  const auto isThere = hasName(source);
+  if (isThere && !*isThere) return 0;
+  if (isThere || isUnchanged(status, from)) ::unlink(to.c_str());
   return error;
 }
 

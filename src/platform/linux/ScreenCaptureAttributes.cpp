@@ -91,10 +91,10 @@ bool ScreenCaptureValues::isScreenCapture(const std::string& value) {
 std::optional<CaptureKind> ScreenCaptureValues::captureKind(const std::string& value) {
   const PropertyList list = parse(value);
   if (!list || plist_get_node_type(list.get()) != PLIST_STRING) return std::nullopt;
-  char* text = nullptr;
-  plist_get_string_val(list.get(), &text);
-  const std::unique_ptr<char, decltype(&std::free)> owned(text, &std::free);
-  return text ? quillmere::captureKind(std::string_view(text)) : std::nullopt;
+  // Not a copy: the library ends the process when a text with a NUL inside is to be copied.
+  uint64_t length = 0;
+  const char* text = plist_get_string_ptr(list.get(), &length);
+  return text ? quillmere::captureKind(std::string_view(text, length)) : std::nullopt;
 }
 
 std::optional<QRectF> ScreenCaptureValues::globalRect(const std::string& value) {
