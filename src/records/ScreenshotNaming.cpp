@@ -1,10 +1,10 @@
 #include "records/ScreenshotNaming.h"
 
-#include <QtCore/QTextBoundaryFinder>
 #include <algorithm>
 #include <array>
 
 #include "foundation/FileStatus.h"
+#include "foundation/Graphemes.h"
 
 namespace quillmere {
 namespace {
@@ -21,20 +21,21 @@ bool isControl(char32_t c) {
   return category == QChar::Other_Control || category == QChar::Other_Format || category == QChar::Other_Surrogate;
 }
 
-/// Of one character as a person sees it. A mark on top does not make a slash another character; a joiner inside an
-/// emoji or a word is part of it.
+bool isForbidden(char32_t c) {
+  return c < 0x10000 && kForbidden.contains(QChar(static_cast<char16_t>(c)));
+}
+
+/// Of one character as a person sees it. A mark on top of a slash, or a number sign before it, does not make it another
+/// character; a joiner inside an emoji or a word is part of it.
 bool separates(const QList<uint>& codes) {
-  const char32_t base = codes.front();
-  const bool isForbidden = base < 0x10000 && kForbidden.contains(QChar(static_cast<char16_t>(base)));
-  return isForbidden || std::all_of(codes.begin(), codes.end(), isControl);
+  return std::any_of(codes.begin(), codes.end(), isForbidden) || std::all_of(codes.begin(), codes.end(), isControl);
 }
 
 QString replacingForbidden(const QString& name) {
   QString result;
   result.reserve(name.size());
-  QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, name);
   qsizetype begin = 0;
-  for (qsizetype end = characters.toNextBoundary(); end > 0; end = characters.toNextBoundary()) {
+  for (const qsizetype end : graphemeEnds(name)) {
     const auto codes = QStringView(name).mid(begin, end - begin).toUcs4();
     // Written anew from its codes: half a character must not reach the file system.
     result += separates(codes) ? QStringLiteral(" ")
@@ -57,10 +58,9 @@ QString trimmingStopsAndBlanks(const QString& text) {
 QString cutToBytes(const QString& text, qsizetype limit) {
   // Every UTF-16 unit takes a byte or more, so the limit lies within these units however long the text is.
   const QString start = text.left(limit + 1);
-  QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, start);
   qsizetype bytes = 0;
   qsizetype end = 0;
-  for (qsizetype next = characters.toNextBoundary(); next > 0; next = characters.toNextBoundary()) {
+  for (const qsizetype next : graphemeEnds(start)) {
     bytes += QStringView(start).mid(end, next - end).toUtf8().size();
     if (bytes > limit) break;
     end = next;

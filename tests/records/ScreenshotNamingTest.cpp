@@ -151,8 +151,17 @@ TEST(ScreenshotNaming, AJoinerInsideACharacterOrAWordIsPartOfIt) {
   EXPECT_EQ(sanitizedFileStem(QStringLiteral("\u200da")), QStringLiteral("a")) << "alone it joins nothing";
 }
 
+TEST(ScreenshotNaming, ALongNameIsCutBetweenWholeCharacters) {
+  // A joiner before what is no picture joins nothing, and no character is taken for two halves.
+  const QString name = (QStringLiteral("\U0001F469\u200d") + QStringLiteral("\U0002F800")).repeated(30);
+  EXPECT_LE(cleaned(name)->size(), 160u);
+  EXPECT_EQ(sanitizedFileStem(*sanitizedFileStem(name)), sanitizedFileStem(name));
+}
+
 TEST(ScreenshotNaming, AMarkOnTopDoesNotMakeASlashAnotherCharacter) {
   EXPECT_EQ(sanitizedFileStem(QStringLiteral("a/\u0301b")), QStringLiteral("a b"));
+  // An Arabic number sign joins what follows it.
+  EXPECT_EQ(sanitizedFileStem(QStringLiteral("a\u0600/b")), QStringLiteral("a b"));
   EXPECT_EQ(sanitizedFileStem(QStringLiteral("a\u202e\u0301b")), sanitizedFileStem(QStringLiteral("a \u0301b")));
 }
 
