@@ -14,8 +14,9 @@ class MedianReporter final : public benchmark::ConsoleReporter {
   void ReportRuns(const std::vector<Run>& runs) override {
     for (const Run& run : runs) {
       if (run.run_type == Run::RT_Iteration && !run.error_occurred) {
-        times_[run.run_name.function_name].push_back(run.real_accumulated_time / static_cast<double>(run.iterations) *
-                                                     1e3);
+        const auto& name = run.run_name;
+        times_[name.args.empty() ? name.function_name : name.function_name + "/" + name.args].push_back(
+            run.real_accumulated_time / static_cast<double>(run.iterations) * 1e3);
       }
     }
   }
@@ -56,7 +57,8 @@ int runWithLimits(int argc, char** argv, const std::vector<RatioLimit>& ratios, 
   reporter.print();
   for (const RatioLimit& limit : ratios) {
     const double peer = reporter.median(limit.peer);
-    const double ratio = peer > 0 ? reporter.median(limit.benchmark) / peer : 0;
+    if (peer <= 0) continue;  // filtered out
+    const double ratio = reporter.median(limit.benchmark) / peer;
     std::printf("%s / %s = %.2f, limit %.2f: %s\n", limit.benchmark.c_str(), limit.peer.c_str(), ratio, limit.atMost,
                 ratio <= limit.atMost ? "kept" : "MISSED");
   }

@@ -1,15 +1,24 @@
 #include "imaging/ImageFile.h"
 
 #include <fcntl.h>
-#include <libheif/heif.h>
 #include <unistd.h>
+#include <QtCore/QBuffer>
 #include <QtCore/QFile>
 #include <QtGui/QImageReader>
-#include <array>
-#include <memory>
+#include <algorithm>
+
+#include "foundation/FileStatus.h"
+#include "imaging/HeifFile.h"
+#include "imaging/PngChunks.h"
+#include "imaging/PngReader.h"
 
 namespace quillmere {
 namespace {
+
+using ImageFile::Format;
+
+constexpr int64_t kMostFileBytes = int64_t{1} << 30;
+constexpr std::string_view kJpegStart = "\xFF\xD8";
 
 /// Qt takes a name as text; a descriptor reaches any file, whatever bytes its name has.
 class OpenFile {
@@ -25,77 +34,70 @@ class OpenFile {
   QFile file_;
 };
 
-bool isHeif(QFile& file) {
-  const QByteArray head = file.peek(16);
-  const auto verdict =
-      heif_check_filetype(reinterpret_cast<const uint8_t*>(head.constData()), static_cast<int>(head.size()));
-  return verdict == heif_filetype_yes_supported || verdict == heif_filetype_maybe;
-}
-
-/// The decoders of PNG and JPEG forgive a file that ends early; its end marker does not.
-bool hasEndMarker(QFile& file) {
-  constexpr qint64 kTail = 64 * 1024;
-  const QByteArray head = file.peek(4);
-  const bool isPng = head.startsWith("\x89PNG");
-  const bool isJpeg = head.startsWith("\xFF\xD8");
-  if (!isPng && !isJpeg) return true;
-  file.seek(std::max<qint64>(0, file.size() - kTail));
-  const QByteArray tail = file.read(kTail);
-  file.seek(0);
-  const QByteArray marker = isPng ? QByteArray("IEND\xAE\x42\x60\x82", 8) : QByteArray("\xFF\xD9", 2);
-  return tail.contains(marker);
-}
-
-/// libheif's objects, released in the right order.
-class HeifImage {
+/// Qt's, for PNG and JPEG: what it would try on other files was never meant to be a screenshot.
+class GeneralReader {
  public:
-  explicit HeifImage(QFile& file) : bytes_(file.readAll()), context_(heif_context_alloc(), &heif_context_free) {
-    if (!ok(heif_context_read_from_memory_without_copy(context_.get(), bytes_.constData(),
-                                                       static_cast<size_t>(bytes_.size()), nullptr))) {
-      return;
-    }
-    heif_image_handle* handle = nullptr;
-    if (ok(heif_context_get_primary_image_handle(context_.get(), &handle))) handle_.reset(handle);
+  GeneralReader(QIODevice& device, Format format) : reader_(&device, format == Format::png ? "png" : "jpeg") {
+    reader_.setAutoDetectImageFormat(false);
+    reader_.setAutoTransform(true);
+    // Qt gives up at 128 MiB of pixels; a capture of several large screens, or of a page scrolled through, has more.
+    constexpr int kMostMegabytes = 1024;
+    static const bool isLimitSet = (QImageReader::setAllocationLimit(kMostMegabytes), true);
+    Q_UNUSED(isLimitSet)
   }
 
   std::optional<QSize> size() const {
-    if (!handle_) return std::nullopt;
-    return QSize(heif_image_handle_get_width(handle_.get()), heif_image_handle_get_height(handle_.get()));
+    const QSize size = reader_.size();
+    if (size.isEmpty()) return std::nullopt;
+    const bool isSideways = reader_.transformation().testFlag(QImageIOHandler::TransformationRotate90);
+    return isSideways ? size.transposed() : size;
   }
-
-  QImage decode() const {
-    heif_image* decoded = nullptr;
-    if (!handle_ ||
-        !ok(heif_decode_image(handle_.get(), &decoded, heif_colorspace_RGB, heif_chroma_interleaved_RGBA, nullptr))) {
-      return {};
-    }
-    const std::unique_ptr<heif_image, decltype(&heif_image_release)> owned(decoded, &heif_image_release);
-    int stride = 0;
-    const uint8_t* pixels = heif_image_get_plane_readonly(decoded, heif_channel_interleaved, &stride);
-    if (!pixels) return {};
-    return QImage(pixels, heif_image_get_width(decoded, heif_channel_interleaved),
-                  heif_image_get_height(decoded, heif_channel_interleaved), stride, QImage::Format_RGBA8888)
-        .copy();
-  }
+  QImage read() { return reader_.read(); }
 
  private:
-  static bool ok(const heif_error& error) { return error.code == heif_error_Ok; }
-
-  QByteArray bytes_;
-  std::unique_ptr<heif_context, decltype(&heif_context_free)> context_;
-  std::unique_ptr<heif_image_handle, decltype(&heif_image_handle_release)> handle_{nullptr, &heif_image_handle_release};
+  QImageReader reader_;
 };
 
-bool isSideways(QImageIOHandler::Transformations transformation) {
-  return transformation.testFlag(QImageIOHandler::TransformationRotate90);
+/// The decoder of JPEG takes memory for whatever the header says and fills in what is not there. Even a white picture
+/// has a bit for each block of 64 pixels.
+bool isJpegBomb(QSize size, size_t bytes) {
+  constexpr size_t kMostPixelsInAByte = 1024;
+  return static_cast<size_t>(size.width()) * static_cast<size_t>(size.height()) / kMostPixelsInAByte > bytes;
 }
 
-/// Qt gives up at 128 MiB of pixels; a capture of several large screens, or of a page scrolled through, has more.
-QImage readAll(QImageReader& reader) {
-  constexpr int kMostMegabytes = 1024;
-  static const bool isLimitSet = (QImageReader::setAllocationLimit(kMostMegabytes), true);
-  Q_UNUSED(isLimitSet)
+QImage readGenerally(std::string_view bytes, Format format) {
+  if (format == Format::png && PngReader::isBomb(bytes)) return {};
+  QByteArray view = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
+  QBuffer buffer(&view);
+  GeneralReader reader(buffer, format);
+  const auto size = reader.size();
+  if (!size || (format == Format::jpeg && isJpegBomb(*size, bytes.size()))) return {};
   return reader.read();
+}
+
+QImage decoded(std::string_view bytes) {
+  const auto format = ImageFile::formatOf(bytes);
+  if (!format) return {};
+  if (format == Format::heif) return HeifFile(bytes).decoded();
+  if (format == Format::png) {
+    if (auto picture = PngReader::read(bytes)) return *std::move(picture);
+  }
+  return readGenerally(bytes, *format);
+}
+
+/// The decoders of PNG and JPEG forgive a file that ends early; its end marker does not.
+bool hasEndMarker(std::string_view bytes, Format format) {
+  constexpr size_t kTail = 64 * 1024;
+  const std::string_view marker = format == Format::png ? "IEND\xAE\x42\x60\x82" : "\xFF\xD9";
+  return bytes.substr(bytes.size() - std::min(kTail, bytes.size())).find(marker) != std::string_view::npos;
+}
+
+bool isWhole(std::string_view bytes) {
+  const auto format = ImageFile::formatOf(bytes);
+  if (!format) return false;
+  if (format == Format::heif) return !HeifFile(bytes).decoded().isNull();
+  if (format == Format::png && PngReader::canRead(bytes)) return true;
+  return hasEndMarker(bytes, *format) && !readGenerally(bytes, *format).isNull();
 }
 
 QImage scaledDown(const QImage& image, int maxPixels) {
@@ -105,32 +107,39 @@ QImage scaledDown(const QImage& image, int maxPixels) {
 
 }  // namespace
 
+std::optional<Format> ImageFile::formatOf(std::string_view head) {
+  if (head.starts_with(kPngSignature)) return Format::png;
+  if (head.starts_with(kJpegStart)) return Format::jpeg;
+  if (HeifFile::isHeif(head)) return Format::heif;
+  return std::nullopt;
+}
+
+std::optional<std::string> ImageFile::bytesOf(const FileURL& url) {
+  return readFile(url, kMostFileBytes);
+}
+
 bool ImageFile::decodesCompletely(const FileURL& url) {
-  OpenFile file(url);
-  if (!file.isOpen()) return false;
-  if (isHeif(file.device())) return !HeifImage(file.device()).decode().isNull();
-  if (!hasEndMarker(file.device())) return false;
-  QImageReader reader(&file.device());
-  return !readAll(reader).isNull();
+  const auto bytes = bytesOf(url);
+  return bytes && isWhole(*bytes);
 }
 
 std::optional<QSize> ImageFile::pixelSize(const FileURL& url) {
   OpenFile file(url);
   if (!file.isOpen()) return std::nullopt;
-  if (isHeif(file.device())) return HeifImage(file.device()).size();
-  QImageReader reader(&file.device());
-  const QSize size = reader.size();
-  if (!size.isValid() || size.isEmpty()) return std::nullopt;
-  return isSideways(reader.transformation()) ? size.transposed() : size;
+  const auto format = formatOf(file.device().peek(16).toStdString());
+  if (!format) return std::nullopt;
+  if (format != Format::heif) return GeneralReader(file.device(), *format).size();
+  const auto bytes = bytesOf(url);
+  return bytes ? HeifFile(*bytes).size() : std::nullopt;
+}
+
+QImage ImageFile::picture(const FileURL& url) {
+  const auto bytes = bytesOf(url);
+  return bytes ? decoded(*bytes) : QImage();
 }
 
 QImage ImageFile::thumbnail(const FileURL& url, int maxPixels) {
-  OpenFile file(url);
-  if (!file.isOpen()) return {};
-  if (isHeif(file.device())) return scaledDown(HeifImage(file.device()).decode(), maxPixels);
-  QImageReader reader(&file.device());
-  reader.setAutoTransform(true);
-  return scaledDown(readAll(reader), maxPixels);
+  return scaledDown(picture(url), maxPixels);
 }
 
 }  // namespace quillmere

@@ -8,7 +8,10 @@
 
 namespace quillmere {
 
-/// Reading picture files: PNG, JPEG, HEIC and HEIF. Any thread.
+/// Reading picture files: PNG, JPEG, HEIC and HEIF, whatever their names say. Any thread.
+///
+/// A file is read into memory once before it is decoded, so what becomes of it meanwhile changes nothing. Pictures that
+/// would take more than 1 GB decoded are refused.
 namespace ImageFile {
 
 /// Whether the file is a whole picture: its format's end is there and it decodes without error.
@@ -17,9 +20,19 @@ bool decodesCompletely(const FileURL& url);
 /// The upright size in pixels, from the header alone.
 std::optional<QSize> pixelSize(const FileURL& url);
 
+/// The upright picture at full size. Null when the file cannot be read.
+QImage picture(const FileURL& url);
+
 /// The upright picture, made small enough that neither side is above `maxPixels`; never enlarged. Null when the file
 /// cannot be read.
 QImage thumbnail(const FileURL& url, int maxPixels);
+
+enum class Format { png, jpeg, heif };
+/// By the first bytes; 16 are enough. None for any other file.
+std::optional<Format> formatOf(std::string_view head);
+
+/// The bytes of a regular file that is not larger than any picture.
+std::optional<std::string> bytesOf(const FileURL& url);
 
 }  // namespace ImageFile
 }  // namespace quillmere

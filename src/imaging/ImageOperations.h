@@ -6,6 +6,7 @@
 #include <QtGui/QImage>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <variant>
 
@@ -50,6 +51,8 @@ Result<QByteArray, OperationError> encode(const QImage& image, ImageType type);
 /// replaced. Gives its place.
 Result<FileURL, Failure> writeNewFile(const QByteArray& data, const FileURL& url, const QString& stem);
 
+/// What the names of replacements begin with.
+inline constexpr std::string_view kReplacementPrefix = ".quillmere-replacing-";
 /// Writes a hidden file of the same extension beside `original`, to take its place in one move. Gives its place.
 Result<FileURL, Failure> writeReplacement(const QByteArray& data, const FileURL& original);
 

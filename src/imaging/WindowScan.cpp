@@ -21,12 +21,16 @@ bool isBetter(const DetectedWindow& a, const DetectedWindow& b) {
 std::vector<DetectedWindow> detectWindows(const QImage& image, std::optional<double> scale) {
   // One gray copy for the outlines and the shadows.
   const auto gray = grayImage(image);
-  if (!gray) return {};
-  const QRectF whole(0, 0, image.width(), image.height());
+  return gray ? detectWindows(*gray, scale, &WindowDetector::visionRectangles) : std::vector<DetectedWindow>();
+}
+
+std::vector<DetectedWindow> detectWindows(const GrayImage& gray, std::optional<double> scale,
+                                          const WindowDetector::RectangleFinder& rectangles) {
+  const QRectF whole(0, 0, static_cast<double>(gray.width()), static_cast<double>(gray.height()));
   std::vector<DetectedWindow> windows;
-  for (const auto& found : WindowDetector::find(*gray, &WindowDetector::visionRectangles).windows) {
+  for (const auto& found : WindowDetector::find(gray, rectangles).windows) {
     const QRectF frame = commonRect(integralRect(found.frame), whole);
-    windows.push_back({frame, WindowShadow::measure(*gray, frame, scale).margin, found.hasTitleBarButtons,
+    windows.push_back({frame, WindowShadow::measure(gray, frame, scale).margin, found.hasTitleBarButtons,
                        found.isFullyDrawn, found.isCovered, found.isEnclosed});
   }
   return windows;

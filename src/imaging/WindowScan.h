@@ -32,6 +32,8 @@ struct WindowScan {
 
 /// `scale` is the picture's pixels per point, where known. Not for the main thread.
 std::vector<DetectedWindow> detectWindows(const QImage& image, std::optional<double> scale);
+std::vector<DetectedWindow> detectWindows(const GrayImage& gray, std::optional<double> scale,
+                                          const WindowDetector::RectangleFinder& rectangles);
 
 /// The window to take without asking; none of none, or where all are enclosed in others.
 std::optional<DetectedWindow> primaryWindow(const std::vector<DetectedWindow>& windows);

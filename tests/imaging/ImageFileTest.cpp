@@ -2,38 +2,22 @@
 
 #include <libheif/heif.h>
 #include <sys/stat.h>
-#include <QtCore/QBuffer>
 
+#include "imaging/Pictures.h"
 #include "support/Files.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmere {
 namespace {
 
+using testing::encoded;
+using testing::isAlike;
+using testing::kBlue;
+using testing::kRed;
+using testing::oriented;
+using testing::redAndBlue;
 using testing::TemporaryFolder;
 using testing::writeFile;
-
-/// Left half red, right half blue, with some noise so that it does not compress away.
-QImage picture(int width, int height) {
-  QImage image(width, height, QImage::Format_RGB32);
-  uint32_t noise = 1;
-  for (int y = 0; y < height; ++y) {
-    for (int x = 0; x < width; ++x) {
-      noise = noise * 1664525 + 1013904223;
-      const int gray = static_cast<int>(noise >> 27);
-      image.setPixel(x, y, x < width / 2 ? qRgb(220, gray, gray) : qRgb(gray, gray, 220));
-    }
-  }
-  return image;
-}
-
-std::string encoded(const QImage& image, const char* format) {
-  QByteArray bytes;
-  QBuffer buffer(&bytes);
-  buffer.open(QIODevice::WriteOnly);
-  EXPECT_TRUE(image.save(&buffer, format, 90));
-  return bytes.toStdString();
-}
 
 /// By the encoder of the library that reads it.
 std::string encodedHeif(const QImage& source) {
@@ -66,14 +50,6 @@ std::string encodedHeif(const QImage& source) {
   return bytes;
 }
 
-/// With an orientation in its camera data.
-std::string oriented(std::string jpeg, char orientation) {
-  const std::string camera = std::string("Exif\0\0MM\0*\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0", 25) + orientation +
-                             std::string("\0\0\0\0\0\0", 6);
-  const auto length = static_cast<char>(camera.size() + 2);
-  return jpeg.insert(2, std::string("\xff\xe1\0", 3) + length + camera);
-}
-
 enum class Format { png, jpeg, heif };
 
 std::string bytesOf(Format format, const QImage& image) {
@@ -88,12 +64,6 @@ std::string bytesOf(Format format, const QImage& image) {
   return {};
 }
 
-bool isAlike(QRgb a, QRgb b) {
-  return std::abs(qRed(a) - qRed(b)) + std::abs(qGreen(a) - qGreen(b)) + std::abs(qBlue(a) - qBlue(b)) < 120;
-}
-const QRgb kRed = qRgb(220, 16, 16);
-const QRgb kBlue = qRgb(16, 16, 220);
-
 class ImageFileTest : public ::testing::Test {
  protected:
   FileURL write(std::string_view bytes, std::string_view name = "a.png") {
@@ -106,7 +76,7 @@ class ImageFileTest : public ::testing::Test {
 
 class FormatTest : public ImageFileTest, public ::testing::WithParamInterface<Format> {
  protected:
-  std::string bytes(int width = 320, int height = 200) { return bytesOf(GetParam(), picture(width, height)); }
+  std::string bytes(int width = 320, int height = 200) { return bytesOf(GetParam(), redAndBlue(width, height)); }
 };
 
 std::string nameOf(const ::testing::TestParamInfo<Format>& format) {
@@ -165,7 +135,7 @@ TEST_P(FormatTest, TheNameDoesNotMatter) {
 /// As a program that sets the length first leaves it for a moment. The decoder of HEIF conceals such damage.
 TEST_F(ImageFileTest, APngOrJpegWhoseSecondHalfIsNotWrittenYetIsIncomplete) {
   for (const Format format : {Format::png, Format::jpeg}) {
-    std::string bytes = bytesOf(format, picture(320, 200));
+    std::string bytes = bytesOf(format, redAndBlue(320, 200));
     std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(bytes.size() / 2), bytes.end(), '\0');
     EXPECT_FALSE(ImageFile::decodesCompletely(write(bytes)));
   }
@@ -206,6 +176,23 @@ TEST_F(NoPictureTest, AFolderAndAMissingFile) {
   expectNone(FileURL());
 }
 
+/// Each is a picture to Qt; none was ever a screenshot, and fewer decoders mean fewer ways in.
+TEST_F(NoPictureTest, OtherFormats) {
+  expectNone(write("<svg xmlns='http://www.w3.org/2000/svg' width='8' height='8'><rect width='8' height='8'/></svg>"));
+  expectNone(write(encoded(redAndBlue(8, 8), "BMP")));
+  expectNone(write("P3 1 1 255 1 2 3\n"));
+  expectNone(write(std::string("GIF89a\1\0\1\0\0\0\0,\0\0\0\0\1\0\1\0\0\2\2D\1\0;", 26)));
+}
+
+TEST_F(NoPictureTest, AJpegWhoseHeaderPromisesMuchMoreThanItHolds) {
+  std::string bytes = encoded(redAndBlue(16, 16), "JPEG");
+  const size_t size = bytes.find("\xff\xc0") + 5;
+  bytes.replace(size, 4, "\x3f\xff\x3f\xff");
+  const FileURL url = write(bytes);
+  EXPECT_FALSE(ImageFile::decodesCompletely(url));
+  EXPECT_TRUE(ImageFile::picture(url).isNull());
+}
+
 TEST_F(NoPictureTest, ANamedPipeHoldsNobody) {
   const FileURL pipe = folder.file("pipe.png");
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
@@ -219,21 +206,48 @@ class OrientationTest : public ImageFileTest, public ::testing::WithParamInterfa
 INSTANTIATE_TEST_SUITE_P(Values, OrientationTest, ::testing::Range(1, 9));
 
 TEST_P(OrientationTest, FromFiveOnTheSidesAreSwapped) {
-  const FileURL url = write(oriented(encoded(picture(320, 200), "JPEG"), static_cast<char>(GetParam())));
+  const FileURL url = write(oriented(encoded(redAndBlue(320, 200), "JPEG"), static_cast<char>(GetParam())));
   const bool isSideways = GetParam() >= 5;
   EXPECT_EQ(ImageFile::pixelSize(url), isSideways ? QSize(200, 320) : QSize(320, 200));
   EXPECT_EQ(ImageFile::thumbnail(url, 160).size(), isSideways ? QSize(100, 160) : QSize(160, 100));
 }
 
 TEST_F(ImageFileTest, Orientation6IsTurnedClockwise) {
-  const QImage upright = ImageFile::thumbnail(write(oriented(encoded(picture(320, 200), "JPEG"), 6)), 320);
+  const QImage upright = ImageFile::thumbnail(write(oriented(encoded(redAndBlue(320, 200), "JPEG"), 6)), 320);
   ASSERT_EQ(upright.size(), QSize(200, 320));
   EXPECT_TRUE(isAlike(upright.pixel(100, 40), kRed)) << "the left becomes the top";
   EXPECT_TRUE(isAlike(upright.pixel(100, 280), kBlue));
 }
 
+TEST_P(OrientationTest, ThePictureIsUprightAtFullSize) {
+  QImage corners(64, 48, QImage::Format_RGB32);
+  corners.fill(Qt::black);
+  for (int y = 0; y < 24; ++y) {
+    for (int x = 0; x < 32; ++x) {
+      corners.setPixel(x, y, qRgb(255, 0, 0));
+      corners.setPixel(x + 32, y, qRgb(0, 255, 0));
+      corners.setPixel(x, y + 24, qRgb(0, 0, 255));
+    }
+  }
+  // Where the stored picture's top left, top right and bottom left are in the upright one (Exif, "Orientation").
+  enum Corner { TL, TR, BL, BR };
+  constexpr std::array<std::array<Corner, 3>, 8> kPlaces{
+      {{TL, TR, BL}, {TR, TL, BR}, {BR, BL, TR}, {BL, BR, TL}, {TL, BL, TR}, {TR, BR, TL}, {BR, TR, BL}, {BL, TL, BR}}};
+  const auto& places = kPlaces.at(static_cast<size_t>(GetParam() - 1));
+  const QImage upright = ImageFile::picture(write(oriented(encoded(corners, "JPEG"), static_cast<char>(GetParam()))));
+  ASSERT_EQ(upright.size(), GetParam() >= 5 ? QSize(48, 64) : QSize(64, 48));
+  const auto at = [&](Corner corner) {
+    const bool isRight = corner == TR || corner == BR;
+    const bool isBottom = corner == BL || corner == BR;
+    return upright.pixel(isRight ? upright.width() - 8 : 8, isBottom ? upright.height() - 8 : 8);
+  };
+  EXPECT_TRUE(isAlike(at(places[0]), qRgb(255, 0, 0)));
+  EXPECT_TRUE(isAlike(at(places[1]), qRgb(0, 255, 0)));
+  EXPECT_TRUE(isAlike(at(places[2]), qRgb(0, 0, 255)));
+}
+
 TEST_F(ImageFileTest, AVeryLongPictureStillHasAThumbnail) {
-  const FileURL url = write(encoded(picture(2000, 1), "PNG"));
+  const FileURL url = write(encoded(redAndBlue(2000, 1), "PNG"));
   EXPECT_EQ(ImageFile::thumbnail(url, 100).size(), QSize(100, 1)) << "neither side vanishes";
 }
 
@@ -253,7 +267,7 @@ TEST_F(ImageFileTest, TransparencySurvives) {
 }
 
 TEST_F(ImageFileTest, WhatFollowsAPictureDoesNotMakeItIncomplete) {
-  EXPECT_TRUE(ImageFile::decodesCompletely(write(encoded(picture(64, 64), "PNG") + "appended by a tool")));
+  EXPECT_TRUE(ImageFile::decodesCompletely(write(encoded(redAndBlue(64, 64), "PNG") + "appended by a tool")));
 }
 
 }  // namespace

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quillmere {
+
+/// One chunk of a PNG; all texts are views into the file's bytes.
+struct PngChunk {
+  std::string_view type;  ///< four letters
+  std::string_view data;
+  std::string_view whole;  ///< with its length, type and checksum
+
+  /// Whether its checksum is right.
+  bool isIntact() const;
+};
+
+inline constexpr std::string_view kPngSignature("\x89PNG\r\n\x1a\n", 8);
+
+/// Goes through the chunks of a PNG in their order.
+class PngChunks {
+ public:
+  explicit PngChunks(std::string_view file);
+  /// None at the end, and where what follows is no whole chunk.
+  std::optional<PngChunk> next();
+
+ private:
+  std::string_view rest_;
+};
+
+/// A chunk with its length and checksum.
+std::string encodedPngChunk(std::string_view type, std::string_view data);
+
+/// The number in the first four bytes, as PNG and JPEG have it: most significant first.
+uint32_t bigEndian32(std::string_view bytes);
+
+}  // namespace quillmere

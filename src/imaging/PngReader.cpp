@@ -1,0 +1,245 @@
+#include "imaging/PngReader.h"
+
+#include <libdeflate.h>
+#include <sys/mman.h>
+#include <QtCore/QBuffer>
+#include <QtGui/QColorSpace>
+#include <QtGui/QImageReader>
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <numeric>
+#include <vector>
+
+#include "imaging/PngChunks.h"
+#include "imaging/PngFilters.h"
+
+namespace quillmere {
+namespace {
+
+/// That of the library behind the general reader.
+constexpr uint32_t kMostPixelsOnASide = 1'000'000;
+constexpr size_t kMostBytes = size_t{1} << 30;
+/// Deflate's best: a back reference of 258 bytes in two bits.
+constexpr size_t kBestCompression = 1032;
+
+struct Header {
+  explicit Header(std::string_view data)
+      : width(bigEndian32(data)),
+        height(bigEndian32(data.substr(4))),
+        depth(static_cast<uint8_t>(data[8])),
+        colourType(static_cast<uint8_t>(data[9])),
+        isPlain(data[10] == 0 && data[11] == 0 && data[12] == 0) {}
+  static constexpr size_t kBytes = 13;
+
+  uint32_t width;
+  uint32_t height;
+  uint8_t depth;  ///< bits in a channel
+  uint8_t colourType;
+  bool isPlain;  ///< not interlaced, and compressed and filtered by the methods that there are
+
+  int channels() const {
+    constexpr int kChannels[] = {1, 0, 3, 1, 2, 0, 4};
+    return colourType < std::size(kChannels) ? kChannels[colourType] : 0;
+  }
+  size_t rowBytes() const { return (size_t{width} * channels() * depth + 7) / 8; }
+  /// Every row has the number of its filter before it.
+  size_t filteredBytes() const { return height * (1 + rowBytes()); }
+};
+
+std::optional<Header> headerOf(PngChunks& chunks) {
+  const auto first = chunks.next();
+  if (!first || first->type != "IHDR" || first->data.size() != Header::kBytes || !first->isIntact()) return std::nullopt;
+  return Header(first->data);
+}
+
+/// A file of a plain form, with all its checksums right.
+struct PlainPng {
+  Header header;
+  /// What tells the colour space and the resolution, as whole chunks.
+  std::string description;
+  std::vector<std::string_view> compressed;
+
+  size_t compressedBytes() const {
+    return std::accumulate(compressed.begin(), compressed.end(), size_t{0},
+                           [](size_t sum, std::string_view part) { return sum + part.size(); });
+  }
+};
+
+bool isTooLarge(const Header& header) {
+  return header.width > kMostPixelsOnASide || header.height > kMostPixelsOnASide;
+}
+
+bool isReadable(const Header& header) {
+  constexpr uint8_t kRgb = 2;
+  constexpr uint8_t kRgba = 6;
+  return header.isPlain && header.depth == 8 && (header.colourType == kRgb || header.colourType == kRgba) &&
+         header.width >= 1 && header.height >= 1 && !isTooLarge(header) &&
+         size_t{4} * header.width * header.height <= kMostBytes;
+}
+
+bool describes(std::string_view type) {
+  constexpr std::string_view kTypes[] = {"cHRM", "gAMA", "iCCP", "pHYs", "sRGB"};
+  return std::find(std::begin(kTypes), std::end(kTypes), type) != std::end(kTypes);
+}
+
+/// The other critical chunks, and the transparent colour.
+bool changesPixels(std::string_view type) {
+  constexpr char kLowerCase = 0x20;
+  return (type[0] & kLowerCase) == 0 || type == "tRNS";
+}
+
+std::optional<PlainPng> parse(std::string_view file) {
+  PngChunks chunks(file);
+  const auto header = headerOf(chunks);
+  if (!header || !isReadable(*header)) return std::nullopt;
+  PlainPng png{*header, {}, {}};
+  bool isDataOver = false;
+  while (const auto chunk = chunks.next()) {
+    if (!chunk->isIntact()) return std::nullopt;
+    if (chunk->type == "IEND") {
+      if (!chunk->data.empty() || png.compressed.empty()) return std::nullopt;
+      return png;
+    }
+    if (chunk->type == "IDAT") {
+      if (isDataOver) return std::nullopt;
+      png.compressed.push_back(chunk->data);
+      continue;
+    }
+    if (changesPixels(chunk->type)) return std::nullopt;
+    isDataOver = !png.compressed.empty();
+    if (!isDataOver && describes(chunk->type)) png.description += chunk->whole;
+  }
+  return std::nullopt;
+}
+
+/// Memory for tens of megabytes. In large pages, the kernel hands it out many times as fast.
+class LargeBuffer {
+ public:
+  explicit LargeBuffer(size_t bytes) {
+    constexpr size_t kLargePage = size_t{2} << 20;
+    const bool isLarge = bytes >= 2 * kLargePage;
+    const size_t unit = isLarge ? kLargePage : 64;
+    const size_t rounded = (bytes + unit - 1) / unit * unit;
+    bytes_.reset(static_cast<uint8_t*>(std::aligned_alloc(unit, rounded)));
+    if (bytes_ && isLarge) ::madvise(bytes_.get(), rounded, MADV_HUGEPAGE);
+  }
+  explicit operator bool() const { return bytes_ != nullptr; }
+  uint8_t* data() const { return bytes_.get(); }
+  uint8_t* release() { return bytes_.release(); }
+
+ private:
+  struct Free {
+    void operator()(uint8_t* bytes) const { std::free(bytes); }
+  };
+  std::unique_ptr<uint8_t, Free> bytes_;
+};
+
+/// The general reader checks that no reference reaches back farther than the stream declares; this one cannot, so the
+/// declaration must allow everything.
+bool allowsAllReferences(std::string_view stream, size_t inflatedBytes) {
+  constexpr size_t kFarthest = 32 * 1024;
+  const auto declared = size_t{1} << ((static_cast<uint8_t>(stream.front()) >> 4) + 8);
+  return declared >= std::min(kFarthest, inflatedBytes);
+}
+
+/// Fills `filtered` with exactly what the header says.
+bool inflate(const PlainPng& png, uint8_t* filtered) {
+  std::string joined;
+  std::string_view stream = png.compressed.front();
+  if (png.compressed.size() > 1) {
+    joined.reserve(png.compressedBytes());
+    for (const std::string_view part : png.compressed) joined += part;
+    stream = joined;
+  }
+  const size_t wanted = png.header.filteredBytes();
+  if (stream.empty() || !allowsAllReferences(stream, wanted)) return false;
+  const std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)> inflater(
+      libdeflate_alloc_decompressor(), &libdeflate_free_decompressor);
+  size_t used = 0;
+  size_t given = 0;
+  return inflater &&
+         libdeflate_zlib_decompress_ex(inflater.get(), stream.data(), stream.size(), filtered, wanted, &used, &given) ==
+             LIBDEFLATE_SUCCESS &&
+         used == stream.size() && given == wanted;
+}
+
+bool areFiltersKnown(const Header& header, const uint8_t* filtered) {
+  for (uint32_t y = 0; y < header.height; ++y) {
+    if (filtered[y * (1 + header.rowBytes())] >= PngFilters::kKinds) return false;
+  }
+  return true;
+}
+
+/// A picture of one pixel whose chunks say the same of colour space and resolution, read by the general reader: so what
+/// it makes of them, and of their contradictions, is known without doing it again.
+QImage describedPixel(const PlainPng& png) {
+  std::string header("\0\0\0\1\0\0\0\1\x08\x02\0\0\0", Header::kBytes);
+  header[9] = static_cast<char>(png.header.colourType);
+  // One row: its filter and a pixel, not compressed.
+  const std::string_view data = png.header.channels() == 3
+                                    ? std::string_view("\x78\x01\x01\x04\0\xFB\xFF\0\0\0\0\0\x04\0\x01", 15)
+                                    : std::string_view("\x78\x01\x01\x05\0\xFA\xFF\0\0\0\0\0\0\x05\0\x01", 16);
+  const std::string file = std::string(kPngSignature) + encodedPngChunk("IHDR", header) + png.description +
+                           encodedPngChunk("IDAT", data) + encodedPngChunk("IEND", {});
+  QByteArray bytes = QByteArray::fromStdString(file);
+  QBuffer buffer(&bytes);
+  return QImageReader(&buffer, "png").read();
+}
+
+/// Undoes the filters from the top down. The finished rows follow the filtered ones in the same memory, close behind.
+void undoFilters(const Header& header, const uint8_t* filtered, uint32_t* pixels) {
+  const std::vector<uint32_t> nothing(header.width + PngFilters::kSlack / sizeof(uint32_t));
+  const uint32_t* above = nothing.data();
+  for (uint32_t y = 0; y < header.height; ++y) {
+    const uint8_t* row = filtered + y * (1 + header.rowBytes());
+    PngFilters::undo(row[0], header.channels(), {row + 1, above, pixels, header.width});
+    above = pixels;
+    pixels += header.width;
+  }
+}
+
+}  // namespace
+
+std::optional<QImage> PngReader::read(std::string_view file) {
+  const auto png = parse(file);
+  if (!png || isBomb(file)) return std::nullopt;
+  const QImage pixel = describedPixel(*png);
+  if (pixel.isNull()) return std::nullopt;
+
+  // The data stands so far behind the picture that no finished row reaches the next filtered one: one block of memory
+  // instead of two, and the caches stay warm.
+  const Header& header = png->header;
+  const size_t finishedRow = size_t{4} * header.width;
+  const size_t gain = std::max(finishedRow, 1 + header.rowBytes()) - (1 + header.rowBytes());
+  const size_t distance = finishedRow + (header.height - 1) * gain + PngFilters::kSlack;
+  LargeBuffer buffer(distance + header.filteredBytes() + PngFilters::kSlack);
+  if (!buffer) return std::nullopt;
+  uint8_t* filtered = buffer.data() + distance;
+  if (!inflate(*png, filtered) || !areFiltersKnown(header, filtered)) return std::nullopt;
+  undoFilters(header, filtered, reinterpret_cast<uint32_t*>(buffer.data()));
+
+  uint8_t* bytes = buffer.release();
+  QImage image(bytes, static_cast<int>(header.width), static_cast<int>(header.height),
+               static_cast<qsizetype>(finishedRow), pixel.format(), &std::free, bytes);
+  image.setColorSpace(pixel.colorSpace());
+  image.setDotsPerMeterX(pixel.dotsPerMeterX());
+  image.setDotsPerMeterY(pixel.dotsPerMeterY());
+  return image;
+}
+
+bool PngReader::canRead(std::string_view file) {
+  const auto png = parse(file);
+  if (!png || isBomb(file)) return false;
+  const LargeBuffer filtered(png->header.filteredBytes());
+  return filtered && inflate(*png, filtered.data()) && areFiltersKnown(png->header, filtered.data()) &&
+         !describedPixel(*png).isNull();
+}
+
+bool PngReader::isBomb(std::string_view file) {
+  PngChunks chunks(file);
+  const auto header = headerOf(chunks);
+  return header && (isTooLarge(*header) || header->filteredBytes() / kBestCompression > file.size());
+}
+
+}  // namespace quillmere
