@@ -13,6 +13,7 @@ int clampedPopupSeconds(int seconds) {
 
 AppModel::AppModel(AppModelDependencies dependencies)
     : dependencies_(std::move(dependencies)),
+      replacementJournal_(dependencies_.recordStore.fileURL.parent().appending("replacing.json")),
       expirationScheduler_(*dependencies_.executor, *dependencies_.systemEvents, dependencies_.now),
       popupAutoSaveScheduler_(*dependencies_.executor, dependencies_.now),
       access_(*dependencies_.securityScope),
@@ -80,6 +81,7 @@ void AppModel::start() {
                                     [this](const UUID& id) { popupTimedOut(id); });
   expirationScheduler_.start([this](const UUID& id) { expireOne(id); }, [this] { saveAfterExpiry(); });
   restoreWatchFolder();
+  finishReplacements();
   refreshScreenshotLocation();
   observeSystem();
   checkLocationRegularly();

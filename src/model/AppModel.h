@@ -1,9 +1,12 @@
 #pragma once
 
+#include <QtCore/QRectF>
+#include <QtGui/QImage>
 #include <memory>
 #include <optional>
 #include <vector>
 
+#include "foundation/Result.h"
 #include "foundation/Weak.h"
 #include "model/AppModelDependencies.h"
 #include "model/CloudDownloads.h"
@@ -15,6 +18,7 @@
 #include "model/Reconciliation.h"
 #include "model/RecordIndex.h"
 #include "model/ScreenshotFolderMatch.h"
+#include "records/ReplacementJournal.h"
 #include "records/ScreenshotList.h"
 #include "records/ScreenshotListWriter.h"
 #include "records/ScreenshotNaming.h"
@@ -126,8 +130,9 @@ class AppModel {
   void keepPrompt(const UUID& id, const std::optional<QString>& name = {});
   void keepBatch(const std::vector<UUID>& ids);
   /// While a record's file is open in the program it cannot be disposed of, and its time does not run out.
-  void protect(const UUID& id) { protectedItems_.insert(id); }
-  void unprotect(const UUID& id) { protectedItems_.erase(id); }
+  /// As often as it was protected.
+  void protect(const UUID& id) { ++protectedItems_[id]; }
+  void unprotect(const UUID& id);
 
   // --- Popup timeout: AppModelTimeout.cpp ---
   /// What stands in the popup's name field.
@@ -160,6 +165,13 @@ class AppModel {
   /// Asks where to, and moves the file there. Moving keeps it.
   void moveAndRename(UUID id);
   void move(const UUID& id, const FileURL& destination);
+
+  // --- Crops: AppModelReplacing.cpp ---
+  /// Puts the part of `image` inside `rect` in the place of the record's file, which goes to Trash. Gives why it
+  /// failed, in words; nothing has changed then.
+  Task<std::optional<QString>> replaceOriginal(UUID id, QImage image, QRectF rect);
+  /// Writes that part as a new file into the watched folder, with a record of its own. Gives why it failed, in words.
+  Task<Result<UUID, QString>> saveAsNew(UUID id, QImage image, QRectF rect);
 
   // --- Watch folder: AppModelWatchFolder.cpp ---
   FolderPanelStart folderPanelStart(const std::optional<FileURL>& preferred);
@@ -244,6 +256,15 @@ class AppModel {
   bool isOfARecord(const FileIdentity& identity);
   NumberedSearchResult moveToStem(const FileURL& url, const QString& stem);
 
+  // AppModelReplacing.cpp
+  static Task<std::optional<QString>> runReplacement(Weak<AppModel> self, UUID id, QImage image, QRectF rect);
+  static Task<Result<UUID, QString>> runSaveAsNew(Weak<AppModel> self, UUID id, QImage image, QRectF rect);
+  std::optional<QString> putInPlace(const UUID& id, const FileURL& original, const FileURL& temporary);
+  void finishReplacement(size_t index);
+  void finishReplacements();
+  static Task<> sweepTemporaries(Weak<AppModel> self, std::vector<Replacement> begun);
+  UUID addDerived(const FileURL& url, const UUID& source);
+
   // AppModelWatchFolder.cpp
   void restoreWatchFolder();
   bool retryWatchFolder();
@@ -278,6 +299,8 @@ class AppModel {
   AppModelDependencies dependencies_;
   ScreenshotList items_;
   ScreenshotListWriter listWriter_;
+  ReplacementJournal replacementJournal_;
+  Task<> sweepTask_;
   bool recordsReadOnly_ = false;
   bool didStart_ = false;
   bool isRecovering_ = false;  ///< arrivals wait, so that the lost run's screenshots come back oldest first
@@ -305,7 +328,7 @@ class AppModel {
   std::optional<ReconcileRequest> queuedReconcile_;
   UUIDSet arrivedDuringRun_;  ///< records under whose path a file came while a run was looking
 
-  UUIDSet protectedItems_;
+  UUIDMap<int> protectedItems_;
   UUIDMap<int> expirationFailures_;  ///< failed Trash attempts
   bool expiryChangedRecords_ = false;
   UUIDMap<int> unreachableExpirations_;  ///< attempts made while the file could not be reached

@@ -24,10 +24,21 @@ enum class FileOutcome {
   destinationExists,  ///< nothing is ever replaced
   failed,             ///< the file system refused
 };
+/// What more there is to say of a move to Trash.
+struct TrashReport {
+  std::optional<FileURL> place;  ///< where the file lies now, if that is known
+  QString reason;                ///< the system's own words for a failure
+};
 class FileOperations {
  public:
   virtual ~FileOperations() = default;
-  virtual FileOutcome trash(const FileURL& url) = 0;
+  virtual FileOutcome trash(const FileURL& url, TrashReport& report) = 0;
+  FileOutcome trash(const FileURL& url) {
+    TrashReport unread;
+    return trash(url, unread);
+  }
+  /// Takes a file back out of Trash, from where it lies there.
+  virtual FileOutcome restore(const FileURL& place, const FileURL& url) = 0;
   /// Also to another disk. `reason` becomes the system's own words for a failure.
   virtual FileOutcome move(const FileURL& from, const FileURL& to, QString& reason) = 0;
   FileOutcome move(const FileURL& from, const FileURL& to) {

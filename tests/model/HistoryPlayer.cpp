@@ -147,11 +147,17 @@ void HistoryPlayer::pass(double bySeconds) {
   }
 }
 
+void HistoryPlayer::closeEditors() {
+  for (const UUID& id : openEditors_) program_.model->unprotect(id);
+  openEditors_.clear();
+}
+
 void HistoryPlayer::startProgram() {
   std::optional<Date> interruptedSince;
   if (aliveUntil_) interruptedSince = *aliveUntil_ + -kArrivalMargin;
   oracle_.restarts(interruptedSince);
   const bool wasWaiting = waiting_.has_value();
+  openEditors_.clear();
   program_.start(interruptedSince);
   finishStep();
   // What happens during the first reconciliation may bring back files that it could not reach.
@@ -181,7 +187,7 @@ void HistoryPlayer::settle() {
   }
   world_.executor.release();
   if (!program_.isRunning()) startProgram();
-  for (const ScreenshotItem& item : program_.records()) program_.model->unprotect(item.id);
+  closeEditors();
   pass(130);
   program_.model->reconcile({});
   finishStep();

@@ -103,6 +103,7 @@ class HistoryPlayer {
   void pass(double bySeconds);
   void finishStep();
   void startProgram();
+  void closeEditors();
   void endProgram(bool isKilled);
   void say(const std::string& line);
   void tellChange(const HistoryStep& step);
@@ -120,6 +121,7 @@ class HistoryPlayer {
   std::vector<std::string> story_;
   int captures_ = 0;
   int renames_ = 0;
+  UUIDSet openEditors_;
   std::optional<HistoryStep> waiting_;  ///< for a question of background work
   uint32_t questionsLeft_ = 0;
 

@@ -10,7 +10,8 @@ class HistoryFileOperations final : public FileOperations {
  public:
   explicit HistoryFileOperations(HistoryWorld& world) : world_(world) {}
 
-  FileOutcome trash(const FileURL& url) override {
+  using FileOperations::trash;
+  FileOutcome trash(const FileURL& url, TrashReport&) override {
     HistoryWorld::File* file = world_.at(url);
     if (!file) return FileOutcome::missing;
     if (refuses) return FileOutcome::failed;
@@ -19,6 +20,8 @@ class HistoryFileOperations final : public FileOperations {
     didChange();
     return FileOutcome::done;
   }
+  /// No history cuts pictures.
+  FileOutcome restore(const FileURL&, const FileURL&) override { return FileOutcome::failed; }
   FileOutcome remove(const FileURL& url) override {
     HistoryWorld::File* file = world_.at(url);
     if (!file) return FileOutcome::missing;

@@ -322,7 +322,7 @@ void HistoryPlayer::renameInProgram(const HistoryStep& step) {
 
 void HistoryPlayer::openEditor(const HistoryStep& step) {
   const auto item = pickRecord(step);
-  if (!item) return;
+  if (!item || !openEditors_.insert(item->id).second) return;
   say("the editor opens " + quoted(*item));
   program_.model->protect(item->id);
 }
@@ -330,7 +330,7 @@ void HistoryPlayer::openEditor(const HistoryStep& step) {
 void HistoryPlayer::closeEditor(const HistoryStep&) {
   if (!program_.isRunning()) return;
   say("all editors close");
-  for (const ScreenshotItem& item : program_.records()) program_.model->unprotect(item.id);
+  closeEditors();
 }
 
 void HistoryPlayer::dismissBanner(const HistoryStep&) {

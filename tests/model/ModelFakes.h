@@ -31,17 +31,26 @@ class FakeFileOperations final : public FileOperations {
  public:
   explicit FakeFileOperations(FileURL trash) : trashFolder_(std::move(trash)) {}
 
-  FileOutcome trash(const FileURL& url) override {
+  using FileOperations::trash;
+  FileOutcome trash(const FileURL& url, TrashReport& report) override {
     ++trashCalls;
     trashed.push_back(url);
+    if (onTrash) onTrash();
     std::filesystem::create_directories(trashFolder_.path());
-    return moving(url, trashFolder_.appending(url.lastPathComponent()));
+    const FileURL place = trashFolder_.appending(url.lastPathComponent());
+    const FileOutcome outcome = moving(url, place);
+    report.reason = failureReason;
+    if (outcome == FileOutcome::done && tellsPlaceInTrash) report.place = place;
+    return outcome;
   }
+  FileOutcome restore(const FileURL& place, const FileURL& url) override { return moving(place, url); }
   using FileOperations::move;
   FileOutcome move(const FileURL& from, const FileURL& to, QString& reason) override {
     ++moveCalls;
     if (onMove) onMove(from, to);
     reason = failureReason;
+    if (refusesReplacements && from.lastPathComponent().starts_with(".quillmere-replacing-"))
+      return FileOutcome::failed;
     return moving(from, to);
   }
   FileOutcome remove(const FileURL& url) override {
@@ -57,6 +66,9 @@ class FakeFileOperations final : public FileOperations {
   QString failureReason = QStringLiteral("No space left on device.");
   std::map<std::string, FileOutcome> answers;  ///< by the path of the file, instead of doing it
   std::function<void(const FileURL&, const FileURL&)> onMove;
+  std::function<void()> onTrash;
+  bool tellsPlaceInTrash = true;
+  bool refusesReplacements = false;
   int trashCalls = 0;
   int moveCalls = 0;
   int removeCalls = 0;

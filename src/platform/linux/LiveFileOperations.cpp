@@ -26,6 +26,10 @@ FileOutcome outcomeOf(int error, const FileURL& url) {
   return error == EEXIST ? FileOutcome::destinationExists : FileOutcome::failed;
 }
 
+QString systemReason(int error) {
+  return qt_error_string(error) + QLatin1Char('.');
+}
+
 /// GIO writes the info file by way of a temporary one with a longer name, and where that is too long it leaves the info
 /// file empty: nobody could restore the screenshot then.
 bool hasRoomForTrashInfo(const FileURL& url) {
@@ -69,23 +73,41 @@ bool isRestorable(const FileURL& trashed) {
 
 }  // namespace
 
-FileOutcome LiveFileOperations::trash(const FileURL& url) {
+FileOutcome LiveFileOperations::trash(const FileURL& url, TrashReport& report) {
+  const auto refused = [&](int error) {
+    report.reason = systemReason(error);
+    return FileOutcome::failed;
+  };
   const PlaceOfFile place(url);
-  if (!place.isKnown()) return isNothingAt(url) ? FileOutcome::missing : FileOutcome::failed;
-  if (!hasRoomForTrashInfo(url)) return FileOutcome::failed;
+  if (!place.isKnown()) {
+    const int error = errno;
+    return isNothingAt(url) ? FileOutcome::missing : refused(error);
+  }
+  if (!hasRoomForTrashInfo(url)) return refused(ENAMETOOLONG);
   // The local file system's own implementation: no daemon is asked.
   GFile* file = g_vfs_get_file_for_path(g_vfs_get_local(), url.c_str());
-  const bool isDone = g_file_trash(file, nullptr, nullptr);
+  GError* error = nullptr;
+  const bool isDone = g_file_trash(file, nullptr, &error);
   g_object_unref(file);
+  if (error) {
+    report.reason = QString::fromUtf8(error->message) + QLatin1Char('.');
+    g_error_free(error);
+  }
   // Asked of the file system: GIO words the lack of a file and the lack of a Trash alike.
   if (!isDone) return isNothingAt(url) ? FileOutcome::missing : FileOutcome::failed;
   // GIO does not look whether it could write the info file, on a full disk above all. What nobody could restore comes
   // back.
   const FileURL trashed = place.now();
   const bool isInFiles = trashed.parent().lastPathComponent() == "files";
-  if (!isInFiles || isRestorable(trashed) || move(trashed, url) != FileOutcome::done) return FileOutcome::done;
-  ::unlink(trashInfo(trashed).c_str());
-  return FileOutcome::failed;
+  if (isInFiles && !isRestorable(trashed) && restore(trashed, url) == FileOutcome::done) return refused(ENOSPC);
+  if (isInFiles) report.place = trashed;
+  return FileOutcome::done;
+}
+
+FileOutcome LiveFileOperations::restore(const FileURL& place, const FileURL& url) {
+  const FileOutcome outcome = move(place, url);
+  if (outcome == FileOutcome::done) ::unlink(trashInfo(place).c_str());
+  return outcome;
 }
 
 FileOutcome LiveFileOperations::move(const FileURL& from, const FileURL& to, QString& reason) {
@@ -93,7 +115,7 @@ FileOutcome LiveFileOperations::move(const FileURL& from, const FileURL& to, QSt
   int error = renameWithoutReplacing(from, to);
   if (error == EXDEV && from.parent() != to.parent()) error = moveAcrossDisks(from, to);
   if (error == 0) return FileOutcome::done;
-  reason = qt_error_string(error) + QLatin1Char('.');
+  reason = systemReason(error);
   return outcomeOf(error, from);
 }
 

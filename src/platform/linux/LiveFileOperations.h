@@ -9,7 +9,9 @@ namespace quillmere {
 class LiveFileOperations final : public FileOperations {
  public:
   using FileOperations::move;
-  FileOutcome trash(const FileURL& url) override;
+  using FileOperations::trash;
+  FileOutcome trash(const FileURL& url, TrashReport& report) override;
+  FileOutcome restore(const FileURL& place, const FileURL& url) override;
   FileOutcome move(const FileURL& from, const FileURL& to, QString& reason) override;
   FileOutcome remove(const FileURL& url) override;
 };

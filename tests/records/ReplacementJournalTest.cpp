@@ -1,0 +1,58 @@
+#include "records/ReplacementJournal.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <filesystem>
+
+#include "foundation/FileStatus.h"
+#include "support/Files.h"
+#include "support/Printing.h"
+#include "support/Records.h"
+#include "support/TemporaryFolder.h"
+
+namespace quillmere::testing {
+namespace {
+
+using ::testing::IsEmpty;
+
+class ReplacementJournalTest : public ::testing::Test {
+ protected:
+  static Replacement replacement(int number, const std::string& name) {
+    return {uuid(number), FileURL::fromPath("/shots/" + name), FileURL::fromPath("/shots/.new " + name),
+            uint64_t{0xfedcba9876543210}};
+  }
+  TemporaryFolder home;
+  const FileURL file = home.file("data").appending("replacing.json");
+  const ReplacementJournal journal{file};
+};
+
+TEST_F(ReplacementJournalTest, WhatWasSavedIsLoaded) {
+  const std::vector<Replacement> saved{replacement(1, "a.png"), replacement(2, "not \xff text.png")};
+  ASSERT_TRUE(journal.save(saved));
+  EXPECT_EQ(journal.load(), saved);
+  EXPECT_THAT(namesIn(file.parent()), ::testing::ElementsAre("replacing.json"));
+}
+
+TEST_F(ReplacementJournalTest, NoneLeavesNoFile) {
+  ASSERT_TRUE(journal.save({replacement(1, "a.png")}));
+  EXPECT_TRUE(journal.save({}));
+  EXPECT_FALSE(fileExists(file));
+  EXPECT_TRUE(journal.save({})) << "there is none already";
+  EXPECT_THAT(journal.load(), IsEmpty());
+}
+
+TEST_F(ReplacementJournalTest, WhatIsNoJournalHasNoEntries) {
+  std::filesystem::create_directories(file.parent().path());
+  for (const char* text : {"", "{}", "[1, {}, {\"id\": \"x\"}]", "[{\"id\": \"", "\xff\xfe"}) {
+    writeFile(file, text);
+    EXPECT_THAT(journal.load(), IsEmpty()) << text;
+  }
+}
+
+TEST_F(ReplacementJournalTest, AFolderThatCannotBeWrittenIsTold) {
+  writeFile(home.file("data"), "a file where the folder should be");
+  EXPECT_FALSE(journal.save({replacement(1, "a.png")}));
+}
+
+}  // namespace
+}  // namespace quillmere::testing
