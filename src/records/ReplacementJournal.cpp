@@ -38,7 +38,8 @@ std::vector<Replacement> ReplacementJournal::load() const {
   std::vector<Replacement> result;
   if (!text) return result;
   const QJsonArray entries = QJsonDocument::fromJson(QByteArray::fromStdString(*text)).array();
-  for (const QJsonValue& entry : entries) {
+  for (const auto& value : entries) {
+    const QJsonObject entry = value.toObject();
     const auto id = uuidFromText(entry["id"].toString().toStdString());
     const auto original = fileURL(entry["original"]);
     const auto temporary = fileURL(entry["temporary"]);
