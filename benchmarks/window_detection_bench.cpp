@@ -1,6 +1,10 @@
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 #include <QtGui/QGuiApplication>
+#include <cstdio>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <opencv2/imgproc.hpp>
 
 #include "Limits.h"
@@ -8,6 +12,7 @@
 #include "imaging/EdgeMaps.h"
 #include "imaging/VisionRectangles.h"
 #include "imaging/WindowDetector.h"
+#include "imaging/WindowScan.h"
 #include "imaging/WindowShadow.h"
 
 using namespace quillmere;
@@ -30,6 +35,18 @@ cv::Mat grayMatrix(int64_t width) {
   const GrayImage& image = gray(width);
   return {static_cast<int>(image.height()), static_cast<int>(image.width()), CV_8UC1,
           const_cast<uint8_t*>(image.row(0))};
+}
+
+/// The picture as the file that a capture tool leaves.
+const FileURL& file(int64_t width) {
+  static const auto write = [](const QImage& image, const char* name) {
+    const FileURL url = FileURL::fromPath((std::filesystem::temp_directory_path() / name).string());
+    if (!image.save(url.displayPath())) std::abort();
+    return url;
+  };
+  static const FileURL small = write(picture(2560), "quillmere-bench-2560.png");
+  static const FileURL large = write(picture(5120), "quillmere-bench-5120.png");
+  return width == 2560 ? small : large;
 }
 
 /// Ten frames all over the picture, as a full desktop has windows.
@@ -118,6 +135,45 @@ void RectanglesOfTheLibrary(benchmark::State& state) {
 }
 BENCHMARK(RectanglesOfTheLibrary)->Arg(2560)->Arg(5120)->Unit(benchmark::kMillisecond);
 
+void LoadImage(benchmark::State& state) {
+  const FileURL& url = file(state.range(0));
+  for (auto _ : state) benchmark::DoNotOptimize(ImageOperations::loadImage(url));
+}
+BENCHMARK(LoadImage)->Arg(2560)->Arg(5120)->Unit(benchmark::kMillisecond);
+
+/// The picture and its windows with their shadows, from the file.
+void ScanWindows(benchmark::State& state) {
+  const FileURL& url = file(state.range(0));
+  for (auto _ : state) benchmark::DoNotOptimize(ImageOperations::scanWindowsNow(url));
+}
+BENCHMARK(ScanWindows)->Arg(2560)->Arg(5120)->Unit(benchmark::kMillisecond);
+
+/// Resident kilobytes: the most since it was last reset, or now.
+int64_t residentKilobytes(const char* field) {
+  std::ifstream status("/proc/self/status");
+  std::string word;
+  while (status >> word) {
+    if (word != field) continue;
+    int64_t kilobytes = 0;
+    status >> kilobytes;
+    return kilobytes;
+  }
+  return 0;
+}
+
+/// What the search for windows takes beside the picture itself.
+void printMemory(int64_t width) {
+  const QImage& image = picture(width);
+  ::malloc_trim(0);
+  std::ofstream("/proc/self/clear_refs") << 5;
+  const int64_t before = residentKilobytes("VmRSS:");
+  benchmark::DoNotOptimize(ImageOperations::detectWindows(image, std::nullopt));
+  const double bytes = 1024.0 * static_cast<double>(residentKilobytes("VmHWM:") - before);
+  const double perPixel = bytes / (static_cast<double>(image.width()) * image.height());
+  std::printf("Memory/%d = %.2f bytes a pixel beside the picture, limit 3.20: %s\n", image.width(), perPixel,
+              perPixel <= 3.2 ? "kept" : "MISSED");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -128,6 +184,9 @@ int main(int argc, char** argv) {
     limits.push_back({"Detect" + size, "Canny" + size, 0.5});
     limits.push_back({"EdgeMapsOfOneThreshold" + size, "CopyOfGray" + size, 4});
     limits.push_back({"ShadowsOfTenWindows" + size, "Detect" + size, 1});
+    limits.push_back({"ScanWindows" + size, "LoadImage" + size, 1.5});
   }
-  return runWithLimits(argc, argv, limits, {});
+  const int result = runWithLimits(argc, argv, limits, {});
+  for (const int64_t width : {2560, 5120}) printMemory(width);
+  return result;
 }
