@@ -99,7 +99,8 @@ std::optional<QByteArray> encodedHeic(const QImage& image, int quality) {
   const Owned<heif_context> context(heif_context_alloc(), &heif_context_free);
 
   heif_encoder* foundEncoder = nullptr;
-  if (!isOk(heif_context_get_encoder_for_format(context.get(), heif_compression_HEVC, &foundEncoder))) return std::nullopt;
+  if (!isOk(heif_context_get_encoder_for_format(context.get(), heif_compression_HEVC, &foundEncoder)))
+    return std::nullopt;
   const Owned<heif_encoder> encoder(foundEncoder, &heif_encoder_release);
   heif_encoder_set_lossy_quality(encoder.get(), quality);
 
@@ -109,7 +110,8 @@ std::optional<QByteArray> encodedHeic(const QImage& image, int quality) {
     return std::nullopt;
   }
   const OwnedImage pixels(made, &heif_image_release);
-  if (!isOk(heif_image_add_plane(made, heif_channel_interleaved, source.width(), source.height(), 8))) return std::nullopt;
+  if (!isOk(heif_image_add_plane(made, heif_channel_interleaved, source.width(), source.height(), 8)))
+    return std::nullopt;
   int stride = 0;
   uint8_t* plane = heif_image_get_plane(made, heif_channel_interleaved, &stride);
   for (int y = 0; y < source.height(); ++y) {
@@ -123,7 +125,8 @@ std::optional<QByteArray> encodedHeic(const QImage& image, int quality) {
   if (!isOk(heif_context_encode_image(context.get(), made, encoder.get(), nullptr, nullptr))) return std::nullopt;
   QByteArray bytes;
   heif_writer writer{1, [](heif_context*, const void* data, size_t size, void* out) {
-                       static_cast<QByteArray*>(out)->append(static_cast<const char*>(data), static_cast<qsizetype>(size));
+                       static_cast<QByteArray*>(out)->append(static_cast<const char*>(data),
+                                                             static_cast<qsizetype>(size));
                        return heif_error{heif_error_Ok, heif_suberror_Unspecified, ""};
                      }};
   if (!isOk(heif_context_write(context.get(), &writer, &bytes))) return std::nullopt;

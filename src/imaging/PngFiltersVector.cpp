@@ -88,8 +88,8 @@ WITH_SSE41 void undoAverage(const Row& row) {
 struct PaethPair {
   __m128i difference;
   __m128i above;
-  __m128i corner;            // with the difference added
-  __m128i cornerLessAbove;   // three times the corner less the one above
+  __m128i corner;           // with the difference added
+  __m128i cornerLessAbove;  // three times the corner less the one above
 };
 
 WITH_SSE41 inline PaethPair paethPair(__m128i difference, __m128i up, __m128i corner) {
@@ -109,8 +109,8 @@ WITH_SSE41 inline __m128i paeth(const PaethPair& pair, __m128i left) {
   const __m128i threshold = _mm_sub_epi16(pair.cornerLessAbove, left);
   const __m128i smaller = _mm_min_epi16(left, pair.above);
   const __m128i larger = _mm_max_epi16(left, pair.above);
-  const __m128i smallerOrCorner = _mm_blendv_epi8(_mm_add_epi8(smaller, pair.difference), pair.corner,
-                                                  _mm_cmpgt_epi16(larger, threshold));
+  const __m128i smallerOrCorner =
+      _mm_blendv_epi8(_mm_add_epi8(smaller, pair.difference), pair.corner, _mm_cmpgt_epi16(larger, threshold));
   return _mm_blendv_epi8(_mm_add_epi8(larger, pair.difference), smallerOrCorner, _mm_cmpgt_epi16(threshold, smaller));
 }
 
@@ -133,8 +133,7 @@ WITH_SSE41 void undoPaeth(const Row& row) {
     const __m128i pixel2 = paeth(upper, pixel1);
     left = paeth(second(upper), pixel2);
     before = upperUps;
-    store<kChannels>(row, x,
-                     _mm_packus_epi16(_mm_unpacklo_epi64(pixel0, pixel1), _mm_unpacklo_epi64(pixel2, left)));
+    store<kChannels>(row, x, _mm_packus_epi16(_mm_unpacklo_epi64(pixel0, pixel1), _mm_unpacklo_epi64(pixel2, left)));
   }
 }
 

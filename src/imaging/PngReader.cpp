@@ -49,7 +49,8 @@ struct Header {
 
 std::optional<Header> headerOf(PngChunks& chunks) {
   const auto first = chunks.next();
-  if (!first || first->type != "IHDR" || first->data.size() != Header::kBytes || !first->isIntact()) return std::nullopt;
+  if (!first || first->type != "IHDR" || first->data.size() != Header::kBytes || !first->isIntact())
+    return std::nullopt;
   return Header(first->data);
 }
 

@@ -5,13 +5,14 @@
 namespace quillmere {
 namespace {
 
-/// Numbers in the order of bytes that the file chose; what lies outside it reads as zero.
+/// Numbers in the order of bytes that the file chose; what lies outside reads as zero.
 class TiffBytes {
  public:
   explicit TiffBytes(std::string_view bytes) : bytes_(bytes), isBigEndian_(bytes.starts_with("MM")) {}
 
+  bool has(size_t offset, size_t count) const { return offset <= bytes_.size() && count <= bytes_.size() - offset; }
   uint32_t number(size_t offset, size_t count) const {
-    if (offset > bytes_.size() || bytes_.size() - offset < count) return 0;
+    if (!has(offset, count)) return 0;
     uint32_t number = 0;
     for (size_t i = 0; i < count; ++i) {
       number = number << 8 | static_cast<uint8_t>(bytes_[offset + (isBigEndian_ ? i : count - 1 - i)]);
@@ -44,6 +45,7 @@ std::optional<double> tiffResolution(std::string_view tiff) {
   uint32_t unit = kInch;  // unless told otherwise
   for (size_t i = 0; i < bytes.short16(directory); ++i) {
     const size_t entry = directory + 2 + i * kEntry;
+    if (!bytes.has(entry, kEntry)) break;
     const uint32_t tag = bytes.short16(entry);
     if (tag == kResolutionUnit) unit = bytes.short16(entry + 8);
     if (tag != kXResolution || bytes.short16(entry + 2) != kRational) continue;

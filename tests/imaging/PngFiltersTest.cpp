@@ -117,7 +117,8 @@ TEST(PngFilters, PaethChoosesTheSameNeighbourInAnyForm) {
         PngFilters::undo(kPaeth, 4, {filtered.data(), above.data(), fast.data(), 2});
         ASSERT_EQ(qRed(plain[0]), left);
         ASSERT_EQ(plain[0], fast[0]);
-        ASSERT_EQ(plain[1], fast[1]) << "left " << left << ", corner " << corner << ", above " << up << " to " << up + 3;
+        ASSERT_EQ(plain[1], fast[1]) << "left " << left << ", corner " << corner << ", above " << up << " to "
+                                     << up + 3;
       }
     }
   }

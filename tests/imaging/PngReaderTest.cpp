@@ -44,7 +44,8 @@ std::string compressed(std::string_view bytes, int level = 6) {
 
 std::string header(const Form& form) {
   return pngChunk("IHDR", bigEndian32(form.width) + bigEndian32(form.height) + static_cast<char>(form.depth) +
-                              static_cast<char>(form.type) + std::string(2, '\0') + static_cast<char>(form.isInterlaced));
+                              static_cast<char>(form.type) + std::string(2, '\0') +
+                              static_cast<char>(form.isInterlaced));
 }
 
 /// Random rows, with any filter: as good a picture as any other.
@@ -166,7 +167,7 @@ TEST_F(PngReaderTest, WhatQtWritesIsReadFast) {
 
 TEST_F(PngReaderTest, OtherFormsAreLeftToTheGeneralReader) {
   constexpr std::pair<ColourType, int> kForms[] = {
-      {kGray, 1}, {kGray, 2}, {kGray, 4},    {kGray, 8},       {kGray, 16},       {kRgb, 16}, {kPalette, 1},
+      {kGray, 1},    {kGray, 2},    {kGray, 4},    {kGray, 8},      {kGray, 16},      {kRgb, 16}, {kPalette, 1},
       {kPalette, 2}, {kPalette, 4}, {kPalette, 8}, {kGrayAlpha, 8}, {kGrayAlpha, 16}, {kRgba, 16}};
   for (const auto& [type, depth] : kForms) {
     for (const bool isInterlaced : {false, true}) {
@@ -210,19 +211,41 @@ TEST_F(PngReaderTest, ColourSpaceAndResolutionAreThoseOfTheGeneralReader) {
   const std::string standard = chromaticities({31270, 32900, 64000, 33000, 30000, 60000, 15000, 6000});
   const std::string wide = chromaticities({31270, 32900, 68000, 32000, 26500, 69000, 15000, 6000});
   const std::string nonsense = chromaticities({0, 0, 0, 0, 0, 0, 0, 0});
-  const std::string profile =
-      pngChunk("iCCP", std::string("p\0\0", 3) + compressed(QColorSpace(QColorSpace::AdobeRgb).iccProfile().toStdString()));
+  const std::string profile = pngChunk(
+      "iCCP", std::string("p\0\0", 3) + compressed(QColorSpace(QColorSpace::AdobeRgb).iccProfile().toStdString()));
   const std::string brokenProfile = pngChunk("iCCP", std::string("p\0\0", 3) + compressed("no profile"));
   const auto resolution = [](uint32_t across, uint32_t down, char unit) {
     return pngChunk("pHYs", bigEndian32(across) + bigEndian32(down) + unit);
   };
-  for (const std::string& chunks :
-       {srgb, gamma, otherGamma, standard, wide, nonsense, profile, brokenProfile, srgb + gamma + standard,
-        gamma + standard + srgb, otherGamma + srgb, wide + srgb, srgb + wide, gamma + wide, otherGamma + wide,
-        gamma + nonsense, profile + gamma, profile + srgb, srgb + profile, srgb + srgb, pngChunk("sRGB", "\x09"),
-        pngChunk("gAMA", bigEndian32(0)), pngChunk("gAMA", "x"), resolution(5669, 5669, 1), resolution(2835, 5669, 1),
-        resolution(5669, 5669, 0), resolution(0, 0, 1), resolution(0xFFFFFFFF, 1, 1),
-        resolution(5669, 5669, 1) + resolution(1, 1, 1)}) {
+  for (const std::string& chunks : {srgb,
+                                    gamma,
+                                    otherGamma,
+                                    standard,
+                                    wide,
+                                    nonsense,
+                                    profile,
+                                    brokenProfile,
+                                    srgb + gamma + standard,
+                                    gamma + standard + srgb,
+                                    otherGamma + srgb,
+                                    wide + srgb,
+                                    srgb + wide,
+                                    gamma + wide,
+                                    otherGamma + wide,
+                                    gamma + nonsense,
+                                    profile + gamma,
+                                    profile + srgb,
+                                    srgb + profile,
+                                    srgb + srgb,
+                                    pngChunk("sRGB", "\x09"),
+                                    pngChunk("gAMA", bigEndian32(0)),
+                                    pngChunk("gAMA", "x"),
+                                    resolution(5669, 5669, 1),
+                                    resolution(2835, 5669, 1),
+                                    resolution(5669, 5669, 0),
+                                    resolution(0, 0, 1),
+                                    resolution(0xFFFFFFFF, 1, 1),
+                                    resolution(5669, 5669, 1) + resolution(1, 1, 1)}) {
     for (const ColourType type : {kRgb, kRgba}) {
       const Form form{type};
       expectFast(file(form, compressed(randomRows(form)), chunks));
@@ -251,8 +274,8 @@ TEST_F(PngReaderTest, DataMayBeCutIntoManyPartsAndEmptyOnes) {
 TEST_F(PngReaderTest, DataThatIsInterruptedIsLeftToTheGeneralReader) {
   const Form form;
   const std::string stream = compressed(randomRows(form));
-  const std::string parts = pngChunk("IDAT", stream.substr(0, 9)) + testing::textChunk("a", "b") +
-                            pngChunk("IDAT", stream.substr(9));
+  const std::string parts =
+      pngChunk("IDAT", stream.substr(0, 9)) + testing::textChunk("a", "b") + pngChunk("IDAT", stream.substr(9));
   expectLeftToTheGeneralReader(kPNGSignature + header(form) + parts + pngChunk("IEND", {}));
 }
 
@@ -346,9 +369,10 @@ TEST_F(PngReaderTest, ChunksOutOfPlaceAreReadAlike) {
   const std::string end = pngChunk("IEND", {});
   const std::string colours = pngChunk("PLTE", std::string(9, '\x55'));
   for (const std::string& chunks :
-       {data + end, header(form) + end, header(form) + header(form) + data + end, header(form) + data + header(form) + end,
-        header(form) + colours + data + end, header(form) + data + colours + end, header(form) + data + data + end,
-        header(form) + data, header(form) + data + pngChunk("IEND", "x"), header(form) + pngChunk("ABCD", {}) + data + end,
+       {data + end, header(form) + end, header(form) + header(form) + data + end,
+        header(form) + data + header(form) + end, header(form) + colours + data + end,
+        header(form) + data + colours + end, header(form) + data + data + end, header(form) + data,
+        header(form) + data + pngChunk("IEND", "x"), header(form) + pngChunk("ABCD", {}) + data + end,
         header(form) + data + pngChunk("ABCD", {}) + end, header(form) + data + end + end,
         testing::textChunk("a", "b") + header(form) + data + end, header(form) + data + pngChunk("sRGB", "\1") + end}) {
     expectAgreement(kPNGSignature + chunks);
