@@ -8,111 +8,17 @@
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
-#include <numeric>
 #include <vector>
 
+#include "imaging/PlainPng.h"
 #include "imaging/PngChunks.h"
 #include "imaging/PngFilters.h"
 
 namespace quillmere {
 namespace {
 
-/// That of the library behind the general reader.
-constexpr uint32_t kMostPixelsOnASide = 1'000'000;
-constexpr size_t kMostBytes = size_t{1} << 30;
 /// Deflate's best: a back reference of 258 bytes in two bits.
 constexpr size_t kBestCompression = 1032;
-
-struct Header {
-  explicit Header(std::string_view data)
-      : width(bigEndian32(data)),
-        height(bigEndian32(data.substr(4))),
-        depth(static_cast<uint8_t>(data[8])),
-        colourType(static_cast<uint8_t>(data[9])),
-        isPlain(data[10] == 0 && data[11] == 0 && data[12] == 0) {}
-  static constexpr size_t kBytes = 13;
-
-  uint32_t width;
-  uint32_t height;
-  uint8_t depth;  ///< bits in a channel
-  uint8_t colourType;
-  bool isPlain;  ///< not interlaced, and compressed and filtered by the methods that there are
-
-  int channels() const {
-    constexpr int kChannels[] = {1, 0, 3, 1, 2, 0, 4};
-    return colourType < std::size(kChannels) ? kChannels[colourType] : 0;
-  }
-  size_t rowBytes() const { return (size_t{width} * channels() * depth + 7) / 8; }
-  /// Every row has the number of its filter before it.
-  size_t filteredBytes() const { return height * (1 + rowBytes()); }
-};
-
-std::optional<Header> headerOf(PngChunks& chunks) {
-  const auto first = chunks.next();
-  if (!first || first->type != "IHDR" || first->data.size() != Header::kBytes || !first->isIntact())
-    return std::nullopt;
-  return Header(first->data);
-}
-
-/// A file of a plain form, with all its checksums right.
-struct PlainPng {
-  Header header;
-  /// What tells the colour space and the resolution, as whole chunks.
-  std::string description;
-  std::vector<std::string_view> compressed;
-
-  size_t compressedBytes() const {
-    return std::accumulate(compressed.begin(), compressed.end(), size_t{0},
-                           [](size_t sum, std::string_view part) { return sum + part.size(); });
-  }
-};
-
-bool isTooLarge(const Header& header) {
-  return header.width > kMostPixelsOnASide || header.height > kMostPixelsOnASide;
-}
-
-bool isReadable(const Header& header) {
-  constexpr uint8_t kRgb = 2;
-  constexpr uint8_t kRgba = 6;
-  return header.isPlain && header.depth == 8 && (header.colourType == kRgb || header.colourType == kRgba) &&
-         header.width >= 1 && header.height >= 1 && !isTooLarge(header) &&
-         size_t{4} * header.width * header.height <= kMostBytes;
-}
-
-bool describes(std::string_view type) {
-  constexpr std::string_view kTypes[] = {"cHRM", "gAMA", "iCCP", "pHYs", "sRGB"};
-  return std::find(std::begin(kTypes), std::end(kTypes), type) != std::end(kTypes);
-}
-
-/// The other critical chunks, and the transparent colour.
-bool changesPixels(std::string_view type) {
-  constexpr char kLowerCase = 0x20;
-  return (type[0] & kLowerCase) == 0 || type == "tRNS";
-}
-
-std::optional<PlainPng> parse(std::string_view file) {
-  PngChunks chunks(file);
-  const auto header = headerOf(chunks);
-  if (!header || !isReadable(*header)) return std::nullopt;
-  PlainPng png{*header, {}, {}};
-  bool isDataOver = false;
-  while (const auto chunk = chunks.next()) {
-    if (!chunk->isIntact()) return std::nullopt;
-    if (chunk->type == "IEND") {
-      if (!chunk->data.empty() || png.compressed.empty()) return std::nullopt;
-      return png;
-    }
-    if (chunk->type == "IDAT") {
-      if (isDataOver) return std::nullopt;
-      png.compressed.push_back(chunk->data);
-      continue;
-    }
-    if (changesPixels(chunk->type)) return std::nullopt;
-    isDataOver = !png.compressed.empty();
-    if (!isDataOver && describes(chunk->type)) png.description += chunk->whole;
-  }
-  return std::nullopt;
-}
 
 /// Memory for tens of megabytes. In large pages, the kernel hands it out many times as fast.
 class LargeBuffer {
@@ -149,7 +55,9 @@ bool inflate(const PlainPng& png, uint8_t* filtered) {
   std::string joined;
   std::string_view stream = png.compressed.front();
   if (png.compressed.size() > 1) {
-    joined.reserve(png.compressedBytes());
+    size_t bytes = 0;
+    for (const std::string_view part : png.compressed) bytes += part.size();
+    joined.reserve(bytes);
     for (const std::string_view part : png.compressed) joined += part;
     stream = joined;
   }
@@ -165,7 +73,7 @@ bool inflate(const PlainPng& png, uint8_t* filtered) {
          used == stream.size() && given == wanted;
 }
 
-bool areFiltersKnown(const Header& header, const uint8_t* filtered) {
+bool areFiltersKnown(const PngHeader& header, const uint8_t* filtered) {
   for (uint32_t y = 0; y < header.height; ++y) {
     if (filtered[y * (1 + header.rowBytes())] >= PngFilters::kKinds) return false;
   }
@@ -175,7 +83,7 @@ bool areFiltersKnown(const Header& header, const uint8_t* filtered) {
 /// A picture of one pixel whose chunks say the same of colour space and resolution, read by the general reader: so what
 /// it makes of them, and of their contradictions, is known without doing it again.
 QImage describedPixel(const PlainPng& png) {
-  std::string header("\0\0\0\1\0\0\0\1\x08\x02\0\0\0", Header::kBytes);
+  std::string header("\0\0\0\1\0\0\0\1\x08\x02\0\0\0", 13);
   header[9] = static_cast<char>(png.header.colourType);
   // One row: its filter and a pixel, not compressed.
   const std::string_view data = png.header.channels() == 3
@@ -189,7 +97,7 @@ QImage describedPixel(const PlainPng& png) {
 }
 
 /// Undoes the filters from the top down. The finished rows follow the filtered ones in the same memory, close behind.
-void undoFilters(const Header& header, const uint8_t* filtered, uint32_t* pixels) {
+void undoFilters(const PngHeader& header, const uint8_t* filtered, uint32_t* pixels) {
   const std::vector<uint32_t> nothing(header.width + PngFilters::kSlack / sizeof(uint32_t));
   const uint32_t* above = nothing.data();
   for (uint32_t y = 0; y < header.height; ++y) {
@@ -203,14 +111,14 @@ void undoFilters(const Header& header, const uint8_t* filtered, uint32_t* pixels
 }  // namespace
 
 std::optional<QImage> PngReader::read(std::string_view file) {
-  const auto png = parse(file);
+  const auto png = PlainPng::of(file);
   if (!png || isBomb(file)) return std::nullopt;
   const QImage pixel = describedPixel(*png);
   if (pixel.isNull()) return std::nullopt;
 
   // The data stands so far behind the picture that no finished row reaches the next filtered one: one block of memory
   // instead of two, and the caches stay warm.
-  const Header& header = png->header;
+  const PngHeader& header = png->header;
   const size_t finishedRow = size_t{4} * header.width;
   const size_t gain = std::max(finishedRow, 1 + header.rowBytes()) - (1 + header.rowBytes());
   const size_t distance = finishedRow + (header.height - 1) * gain + PngFilters::kSlack;
@@ -230,7 +138,7 @@ std::optional<QImage> PngReader::read(std::string_view file) {
 }
 
 bool PngReader::canRead(std::string_view file) {
-  const auto png = parse(file);
+  const auto png = PlainPng::of(file);
   if (!png || isBomb(file)) return false;
   const LargeBuffer filtered(png->header.filteredBytes());
   return filtered && inflate(*png, filtered.data()) && areFiltersKnown(png->header, filtered.data()) &&
@@ -238,9 +146,8 @@ bool PngReader::canRead(std::string_view file) {
 }
 
 bool PngReader::isBomb(std::string_view file) {
-  PngChunks chunks(file);
-  const auto header = headerOf(chunks);
-  return header && (isTooLarge(*header) || header->filteredBytes() / kBestCompression > file.size());
+  const auto header = PngHeader::of(file);
+  return header && (header->isTooLarge() || header->filteredBytes() / kBestCompression > file.size());
 }
 
 }  // namespace quillmere

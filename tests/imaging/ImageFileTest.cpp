@@ -167,7 +167,7 @@ TEST_F(NoPictureTest, Garbage) {
   expectNone(
       write(std::string("\0\0\0\x18"
                         "ftypheic\0\0\0\0mif1heic and then nothing",
-                        44)));
+                        41)));
 }
 
 TEST_F(NoPictureTest, AFolderAndAMissingFile) {

@@ -2,6 +2,11 @@
 
 #include "support/PrivateEnvironment.h"
 
+/// The encoder of HEVC frees its own memory but for a kilobyte a picture.
+extern "C" const char* __lsan_default_suppressions() {
+  return "leak:libx265\n";
+}
+
 int main(int argc, char** argv) {
   const quillmere::testing::PrivateEnvironment environment;
   ::testing::InitGoogleTest(&argc, argv);
