@@ -40,8 +40,10 @@ QColorSpace colorSpaceOf(const heif_image_handle* handle) {
 }  // namespace
 
 bool HeifFile::isHeif(std::string_view head) {
-  const auto verdict =
-      heif_check_filetype(reinterpret_cast<const uint8_t*>(head.data()), static_cast<int>(head.substr(0, 16).size()));
+  // Of fewer bytes the library says that they may become one.
+  constexpr size_t kEnough = 12;
+  if (head.size() < kEnough) return false;
+  const auto verdict = heif_check_filetype(reinterpret_cast<const uint8_t*>(head.data()), kEnough);
   return verdict == heif_filetype_yes_supported || verdict == heif_filetype_maybe;
 }
 
