@@ -3,6 +3,9 @@
 #include <libheif/heif.h>
 #include <QtCore/QtEndian>
 #include <QtGui/QColorSpace>
+#include <exception>
+
+#include "imaging/HeifReferences.h"
 
 namespace quillmere {
 namespace {
@@ -12,6 +15,16 @@ constexpr int64_t kMostBytes = int64_t{1} << 30;
 
 bool isOk(const heif_error& error) {
   return error.code == heif_error_Ok;
+}
+
+/// Runs out of memory, and refused threads, come out of the library as exceptions.
+template <typename Work>
+bool succeeds(const Work& work) {
+  try {
+    return isOk(work());
+  } catch (const std::exception&) {
+    return false;
+  }
 }
 
 template <typename T>
@@ -49,9 +62,12 @@ bool HeifFile::isHeif(std::string_view head) {
 
 HeifFile::HeifFile(std::string_view bytes)
     : context_(heif_context_alloc(), &heif_context_free), handle_(nullptr, &heif_image_handle_release) {
-  if (!isOk(heif_context_read_from_memory_without_copy(context_.get(), bytes.data(), bytes.size(), nullptr))) return;
   heif_image_handle* handle = nullptr;
-  if (isOk(heif_context_get_primary_image_handle(context_.get(), &handle))) handle_.reset(handle);
+  const auto read = [&] {
+    return heif_context_read_from_memory_without_copy(context_.get(), bytes.data(), bytes.size(), nullptr);
+  };
+  const auto find = [&] { return heif_context_get_primary_image_handle(context_.get(), &handle); };
+  if (areHeifReferencesSound(bytes) && succeeds(read) && succeeds(find)) handle_.reset(handle);
 }
 
 std::optional<QSize> HeifFile::size() const {
@@ -66,10 +82,10 @@ QImage HeifFile::decoded() const {
   const Owned<heif_decoding_options> options(heif_decoding_options_alloc(), &heif_decoding_options_free);
   options->convert_hdr_to_8bit = 1;
   heif_image* decoded = nullptr;
-  if (!isOk(heif_decode_image(handle_.get(), &decoded, heif_colorspace_RGB, heif_chroma_interleaved_RGBA,
-                              options.get()))) {
-    return {};
-  }
+  const auto decode = [&] {
+    return heif_decode_image(handle_.get(), &decoded, heif_colorspace_RGB, heif_chroma_interleaved_RGBA, options.get());
+  };
+  if (!succeeds(decode)) return {};
   const OwnedImage owned(decoded, &heif_image_release);
   int stride = 0;
   const uint8_t* pixels = heif_image_get_plane_readonly(decoded, heif_channel_interleaved, &stride);
@@ -124,7 +140,8 @@ std::optional<QByteArray> encodedHeic(const QImage& image, int quality) {
     heif_image_set_raw_color_profile(made, "prof", profile.constData(), static_cast<size_t>(profile.size()));
   }
 
-  if (!isOk(heif_context_encode_image(context.get(), made, encoder.get(), nullptr, nullptr))) return std::nullopt;
+  const auto encode = [&] { return heif_context_encode_image(context.get(), made, encoder.get(), nullptr, nullptr); };
+  if (!succeeds(encode)) return std::nullopt;
   QByteArray bytes;
   heif_writer writer{1, [](heif_context*, const void* data, size_t size, void* out) {
                        static_cast<QByteArray*>(out)->append(static_cast<const char*>(data),

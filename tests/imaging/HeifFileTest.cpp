@@ -129,6 +129,19 @@ TEST(HeifFile, ThatPromisesMoreThanAGigabyteIsNotDecoded) {
   EXPECT_TRUE(file.decoded().isNull());
 }
 
+/// Of an odd size, the encoder makes a grid of one picture. One that is made of itself keeps the library busy until
+/// there is no memory left.
+TEST(HeifFile, ThatIsMadeOfItselfIsNotDecoded) {
+  std::string bytes = encodedByUs(redAndBlue(9, 5));
+  EXPECT_FALSE(HeifFile(bytes).decoded().isNull());
+  const size_t reference = bytes.find("dimg");
+  ASSERT_NE(reference, std::string::npos);
+  char* from = bytes.data() + reference + 4;
+  char* to = from + 4;
+  std::copy_n(from, 2, to);
+  EXPECT_TRUE(HeifFile(bytes).decoded().isNull());
+}
+
 TEST(HeifFile, HasNoCameraDataUnlessWritten) {
   const std::string bytes = encodedByUs(redAndBlue(64, 64));
   EXPECT_TRUE(HeifFile(bytes).exif().isEmpty());

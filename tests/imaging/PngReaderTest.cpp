@@ -298,7 +298,7 @@ TEST_F(PngReaderTest, AFilterThatDoesNotExistIsLeftToTheGeneralReader) {
   }
 }
 
-/// A stream says how far back it may refer; the general reader holds it to that.
+/// A stream says how far back it may refer; neither reader holds it to that.
 TEST_F(PngReaderTest, AStreamThatDeclaresASmallWindowIsReadAlike) {
   const Form form{kRgb, 8, 300, 100};
   std::string rows = randomRows(form);
