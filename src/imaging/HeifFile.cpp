@@ -3,6 +3,7 @@
 #include <libheif/heif.h>
 #include <QtCore/QtEndian>
 #include <QtGui/QColorSpace>
+#include <algorithm>
 #include <exception>
 
 #include "imaging/HeifReferences.h"
@@ -17,7 +18,7 @@ bool isOk(const heif_error& error) {
   return error.code == heif_error_Ok;
 }
 
-/// Runs out of memory, and refused threads, come out of the library as exceptions.
+/// Memory that ran out and threads that were refused come out of the library as exceptions.
 template <typename Work>
 bool succeeds(const Work& work) {
   try {

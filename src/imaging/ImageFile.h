@@ -3,6 +3,8 @@
 #include <QtCore/QSize>
 #include <QtGui/QImage>
 #include <optional>
+#include <string>
+#include <string_view>
 
 #include "foundation/FileURL.h"
 
