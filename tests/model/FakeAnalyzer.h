@@ -1,0 +1,107 @@
+#pragma once
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+#include "model/ScreenshotAnalyzing.h"
+
+namespace quillmere::testing {
+
+/// Answers at once as it was told, or leaves a call open until the test answers it. Counts what runs at a time.
+class FakeAnalyzer final : public ScreenshotAnalyzing {
+ public:
+  /// A call that waits for its answer.
+  template <typename Value>
+  struct Call {
+    FileURL url;
+    std::optional<QString> text;
+    std::optional<Value> value;
+    std::shared_ptr<Continuation> waiter;
+    bool isCancelled = false;
+  };
+  using Description = Call<DescribeOutcome>;
+  using Reading = Call<std::optional<QString>>;
+
+  Task<std::optional<AnalysisError::Unavailability>> availability() override {
+    ++availabilityLooks;
+    co_return unavailability;
+  }
+  Task<DescribeOutcome> describe(FileURL url, std::optional<QString> text) override {
+    if (!holdsDescriptions && immediateDescriptions.empty()) co_return DescribeOutcome(description);
+    if (!holdsDescriptions) {
+      DescribeOutcome next = immediateDescriptions.front();
+      immediateDescriptions.erase(immediateDescriptions.begin());
+      described.push_back({url, text});
+      co_return next;
+    }
+    auto call = std::make_shared<Description>(Description{url, text, std::nullopt, nullptr, false});
+    descriptions.push_back(call);
+    ++describing;
+    mostDescribing = std::max(mostDescribing, describing);
+    Open<DescribeOutcome> open{call};
+    co_await open;
+    --describing;
+    co_return call->isCancelled ? DescribeOutcome(AnalysisCancelled()) : *call->value;
+  }
+  Task<std::optional<QString>> recognizeText(FileURL url) override {
+    if (!holdsReadings) {
+      read.push_back(url);
+      co_return text;
+    }
+    auto call = std::make_shared<Reading>(Reading{url, std::nullopt, std::nullopt, nullptr, false});
+    readings.push_back(call);
+    ++reading;
+    mostReading = std::max(mostReading, reading);
+    Open<std::optional<QString>> open{call};
+    co_await open;
+    --reading;
+    co_return call->isCancelled ? std::nullopt : *call->value;
+  }
+
+  template <typename Value>
+  static void answer(const std::shared_ptr<Call<Value>>& call, Value value) {
+    call->value = std::move(value);
+    if (const auto waiter = std::exchange(call->waiter, nullptr)) waiter->resume();
+  }
+
+  std::optional<AnalysisError::Unavailability> unavailability;
+  DescribeOutcome description = AnalysisCancelled();
+  std::vector<DescribeOutcome> immediateDescriptions;
+  std::optional<QString> text;
+  bool holdsDescriptions = false;
+  bool holdsReadings = false;
+
+  int availabilityLooks = 0;
+  struct Asked {
+    FileURL url;
+    std::optional<QString> text;
+  };
+  std::vector<Asked> described;
+  std::vector<FileURL> read;
+  std::vector<std::shared_ptr<Description>> descriptions;
+  std::vector<std::shared_ptr<Reading>> readings;
+  int describing = 0;
+  int mostDescribing = 0;
+  int reading = 0;
+  int mostReading = 0;
+
+ private:
+  template <typename Value>
+  struct Open {
+    std::shared_ptr<Call<Value>> call;
+    bool await_ready() const { return false; }
+    template <typename Promise>
+    void await_suspend(std::coroutine_handle<Promise> task) {
+      auto state = task.promise().state;
+      call->waiter = std::make_shared<Continuation>(task);
+      state->onCancel = [open = call] {
+        open->isCancelled = true;
+        if (const auto waiter = std::exchange(open->waiter, nullptr)) waiter->resume();
+      };
+    }
+    void await_resume() const {}
+  };
+};
+
+}  // namespace quillmere::testing
