@@ -1,5 +1,6 @@
 #include "model/AnalysisPipeline.h"
 
+#include <QtCore/QScopeGuard>
 #include <algorithm>
 
 namespace quillmere {
@@ -109,14 +110,12 @@ void AnalysisPipeline::tellAnalyzing() {
   records_.analyzingChanged(ids);
 }
 
+/// It ends at the first wait after which it is not wanted any more.
 Task<> AnalysisPipeline::run(Weak<AnalysisPipeline> self, UUID id, UUID token) {
-  const Task<> described = describe(self, id, token);
-  co_await described;
-  if (self) self->finish(id, token);
-}
-
-/// The job without its clean-up. It ends at the first wait after which it is not wanted any more.
-Task<> AnalysisPipeline::describe(Weak<AnalysisPipeline> self, UUID id, UUID token) {
+  // On every way out, after the place in the gate has been left.
+  const auto cleanUp = qScopeGuard([&] {
+    if (self) self->finish(id, token);
+  });
   const ScreenshotItem* item = self->records_.find(id);
   if (!item) co_return;
   if (!item->recognizedText) {

@@ -66,7 +66,6 @@ class AnalysisPipeline {
   };
 
   static Task<> run(Weak<AnalysisPipeline> self, UUID id, UUID token);
-  static Task<> describe(Weak<AnalysisPipeline> self, UUID id, UUID token);
   static Task<DescribeOutcome> attempt(Weak<AnalysisPipeline> self, UUID id, UUID token);
   static Task<std::optional<QString>> recognize(Weak<AnalysisPipeline> self, UUID id, UUID token, FileURL url);
   static Task<> refresh(Weak<AnalysisPipeline> self, std::function<void()> becameAvailable);

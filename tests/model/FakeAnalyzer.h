@@ -27,15 +27,15 @@ class FakeAnalyzer final : public ScreenshotAnalyzing {
     ++availabilityLooks;
     co_return unavailability;
   }
-  Task<DescribeOutcome> describe(FileURL url, std::optional<QString> text) override {
+  Task<DescribeOutcome> describe(FileURL url, std::optional<QString> known) override {
     if (!holdsDescriptions && immediateDescriptions.empty()) co_return DescribeOutcome(description);
     if (!holdsDescriptions) {
       DescribeOutcome next = immediateDescriptions.front();
       immediateDescriptions.erase(immediateDescriptions.begin());
-      described.push_back({url, text});
+      described.push_back({url, known});
       co_return next;
     }
-    auto call = std::make_shared<Description>(Description{url, text, std::nullopt, nullptr, false});
+    auto call = std::make_shared<Description>(Description{url, known, std::nullopt, nullptr, false});
     descriptions.push_back(call);
     ++describing;
     mostDescribing = std::max(mostDescribing, describing);
