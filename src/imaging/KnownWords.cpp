@@ -1,7 +1,8 @@
 #include "imaging/KnownWords.h"
 
 #include <algorithm>
-#include <numeric>
+#include <array>
+#include <bit>
 
 #include "foundation/Graphemes.h"
 #include "imaging/StopWords.h"
@@ -23,6 +24,13 @@ char32_t firstCode(QStringView character) {
 
 bool isOfAWord(QStringView character) {
   return isLetterOrDigit(character) || character == u"'";
+}
+
+/// An edit changes two bits at most: what differs in more is farther off than it may be.
+uint32_t lettersOf(const CharacterCodes& codes) {
+  uint32_t letters = 0;
+  for (const uint32_t code : codes) letters |= uint32_t{1} << (code % 32);
+  return letters;
 }
 
 bool isPluralOf(const CharacterCodes& plural, const CharacterCodes& word) {
@@ -78,7 +86,8 @@ KnownWords::KnownWords(const QString& text) {
   for (const auto& [key, spelling] : words_) {
     CharacterCodes codes = codesOf(key, graphemeEnds(key));
     const Group group{codes.front(), codes.size()};
-    groups_[group].push_back({key, std::move(codes)});
+    const uint32_t letters = lettersOf(codes);
+    groups_[group].push_back({key, std::move(codes), letters});
   }
 }
 
@@ -109,6 +118,7 @@ QString KnownWords::spellCheck(const QString& word) const {
   if (graphemeEnds(word).size() < kShortestChecked || isStopWord(lower) || contains(lower)) return word;
 
   const CharacterCodes codes = codesOf(lower, graphemeEnds(lower));
+  const uint32_t letters = lettersOf(codes);
   const size_t limit = graphemeEnds(word).size() < kLong ? 1 : 2;
   const Word* closest = nullptr;
   size_t smallest = limit + 1;
@@ -117,6 +127,7 @@ QString KnownWords::spellCheck(const QString& word) const {
     const auto group = groups_.find({codes.front(), length});
     if (group == groups_.end()) continue;
     for (const Word& known : group->second) {
+      if (static_cast<size_t>(std::popcount(letters ^ known.letters)) > 2 * limit) continue;
       const size_t distance = editDistance(codes, known.codes, limit);
       // A plural is no misspelling.
       if (distance > limit || isPluralOf(codes, known.codes) || isPluralOf(known.codes, codes)) continue;
@@ -133,22 +144,32 @@ QString KnownWords::spellCheck(const QString& word) const {
 }
 
 size_t editDistance(const CharacterCodes& a, const CharacterCodes& b, size_t limit) {
-  std::vector<size_t> row(b.size() + 1);
-  std::iota(row.begin(), row.end(), size_t{0});
+  const size_t beyond = limit + 1;
+  if (std::max(a.size(), b.size()) - std::min(a.size(), b.size()) > limit) return beyond;
+  // Only the cells of the table that are at most `limit` off its diagonal can end within the limit. Entry k of a row i
+  // is the cell of column i + k - limit; one entry at the end stays beyond.
+  std::array<size_t, 2 * kLargestEditLimit + 2> row{};
+  const size_t width = 2 * limit + 1;
+  for (size_t k = 0; k <= width; ++k) row[k] = k >= limit && k < width ? k - limit : beyond;
   for (size_t i = 1; i <= a.size(); ++i) {
-    size_t diagonal = row[0];
-    row[0] = i;
-    size_t least = row[0];
-    for (size_t j = 1; j <= b.size(); ++j) {
-      const size_t replaced = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
-      diagonal = row[j];
-      row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
-      least = std::min(least, row[j]);
+    size_t least = beyond;
+    for (size_t k = 0; k < width; ++k) {
+      const size_t column = i + k;
+      if (column < limit || column > b.size() + limit) {
+        row[k] = beyond;
+        continue;
+      }
+      size_t distance = row[k + 1] + 1;
+      if (k > 0) distance = std::min(distance, row[k - 1] + 1);
+      // Column 0 has no neighbour before it.
+      if (column > limit) distance = std::min(distance, row[k] + (a[i - 1] == b[column - limit - 1] ? 0 : 1));
+      row[k] = std::min(distance, beyond);
+      least = std::min(least, row[k]);
     }
     // No later row is below the least of this one.
-    if (least > limit) return limit + 1;
+    if (least == beyond) return beyond;
   }
-  return std::min(row.back(), limit + 1);
+  return row[b.size() + limit - a.size()];
 }
 
 }  // namespace quillmere

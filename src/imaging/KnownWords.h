@@ -27,17 +27,19 @@ class KnownWords {
   struct Word {
     QString key;
     CharacterCodes codes;
+    uint32_t letters;  ///< which of 32 kinds of characters it holds
   };
   /// Within a group all keys have one first character and one length: what is far off is never looked at.
   using Group = std::pair<uint32_t, size_t>;
 
   CharacterCodes codesOf(const QString& word, const std::vector<qsizetype>& ends) const;
 
-  std::map<QString, QString> words_;  // key, the lowercased word, to its spelling
+  std::map<QString, QString> words_;              // key, the lowercased word, to its spelling
   mutable std::map<QString, uint32_t> composed_;  // characters of several code points
   std::map<Group, std::vector<Word>> groups_;
 };
 
+constexpr size_t kLargestEditLimit = 15;
 /// The number of characters to insert, delete or replace to make one word of another; `limit` + 1 if it is more.
 size_t editDistance(const CharacterCodes& a, const CharacterCodes& b, size_t limit);
 
