@@ -1,7 +1,7 @@
 # One command for each thing a developer does; CI runs the same ones.
 
 JOBS := $(shell nproc)
-SOURCES = $$(find src tests benchmarks fuzz -name '*.cpp' -o -name '*.h')
+SOURCES = $$(find src tests benchmarks fuzz tools -name '*.cpp' -o -name '*.h')
 
 .PHONY: build setup run test bench fuzz format lint
 
