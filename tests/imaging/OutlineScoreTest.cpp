@@ -107,18 +107,21 @@ TEST(OutlineScoreTest, RowsAreMeasuredLikeColumns) {
 }
 
 TEST(OutlineScoreTest, ASideOnThePicturesRingIsSkipped) {
-  // At 0 and at 100, which is the last pixel's place or the last but one.
+  // The last pixel but one is a place for a side; the first and the last are not.
+  const QRectF around(-20, -20, 200, 200);
   for (const int64_t size : {101, 102}) {
     Marks marks(size, size);
     marks.column(98, 0, size);
     marks.row(98, 0, size);
-    const QRectF around(-20, -20, 200, 200);
-    const auto upright =
-        outlineScore(QRectF(0, -50, 100, 300), around, LineProfiles(marks.maps(), {0, 100}, {}), size, 500);
-    const auto level =
-        outlineScore(QRectF(-50, 0, 300, 100), around, LineProfiles(marks.maps(), {}, {0, 100}), 500, size);
-    EXPECT_FALSE(upright && size == 101);
-    EXPECT_FALSE(level && size == 101);
+    const std::optional<double> wanted = size == 102 ? std::optional(1.0) : std::nullopt;
+    EXPECT_EQ(outlineScore(QRectF(0, 10, 100, 80), around, LineProfiles(marks.maps(), {0, 100}, {}), size, size),
+              wanted);
+    EXPECT_EQ(outlineScore(QRectF(10, 0, 80, 100), around, LineProfiles(marks.maps(), {}, {0, 100}), size, size),
+              wanted);
+    marks.column(2, 0, size);
+    marks.row(2, 0, size);
+    EXPECT_EQ(outlineScore(QRectF(1, 10, 99, 80), around, LineProfiles(marks.maps(), {1}, {}), size, size), 1.0);
+    EXPECT_EQ(outlineScore(QRectF(10, 1, 80, 99), around, LineProfiles(marks.maps(), {}, {1}), size, size), 1.0);
   }
 }
 

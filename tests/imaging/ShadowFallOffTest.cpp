@@ -26,21 +26,27 @@ Profile darkened(size_t length, const std::vector<double>& byHowMuch) {
   for (size_t i = 0; i < byHowMuch.size(); ++i) profile[i] -= byHowMuch[i];
   return profile;
 }
-/// A profile of 19 samples more than residuals, which it has exactly: each sample is set off from the line through
-/// those beyond it. The levels stay between 128 and 256, where differences of halves and quarters are exact.
-Profile profileOf(const std::vector<double>& residuals) {
-  const size_t count = residuals.size();
-  Profile profile = flat(count + 19, 190);
-  for (size_t i = count; i-- > 0;) {
-    double meanY = 0;
-    for (size_t j = i + 4; j <= i + 19; ++j) meanY += profile[j];
-    meanY /= 16;
-    const double meanX = static_cast<double>(i) + 11.5;
-    double products = 0;
-    for (size_t j = i + 4; j <= i + 19; ++j) products += (static_cast<double>(j) - meanX) * (profile[j] - meanY);
-    const double slope = products / 340;
-    profile[i] = slope * static_cast<double>(i) + (meanY - slope * meanX) - residuals[i];
-  }
+/// What sample `i` must be for its residual: set off from the line through those beyond it.
+double sampleWith(double residual, const Profile& profile, size_t i) {
+  double meanY = 0;
+  for (size_t j = i + 4; j <= i + 19; ++j) meanY += profile[j];
+  meanY /= 16;
+  const double meanX = static_cast<double>(i) + 11.5;
+  double products = 0;
+  for (size_t j = i + 4; j <= i + 19; ++j) products += (static_cast<double>(j) - meanX) * (profile[j] - meanY);
+  const double slope = products / 340;
+  const double line = slope * static_cast<double>(i) + (meanY - slope * meanX);
+  double sample = line - residual;
+  // The last digit may have been rounded away.
+  for (int step = 0; step < 4 && line - sample < residual; ++step) sample = std::nextafter(sample, -1e9);
+  for (int step = 0; step < 4 && line - sample > residual; ++step) sample = std::nextafter(sample, 1e9);
+  return sample;
+}
+/// A profile of 19 samples more than residuals, which it has. The levels stay between 128 and 256, or by 0, where these
+/// are exact.
+Profile profileOf(const std::vector<double>& residuals, double level = 190) {
+  Profile profile = flat(residuals.size() + 19, level);
+  for (size_t i = residuals.size(); i-- > 0;) profile[i] = sampleWith(residuals[i], profile, i);
   return profile;
 }
 using Places = std::initializer_list<std::pair<size_t, double>>;
@@ -150,6 +156,16 @@ TEST(ShadowFallOffTest, ABusyBackgroundIsUnreadable) {
   EXPECT_EQ(readResiduals({{1, 2.5}}, 1.3490).kind, Kind::unreadable);
   EXPECT_EQ(readResiduals({{10, 9}, {9, 9}, {2, 9}}, 1.3489).extent, 11);
   EXPECT_EQ(readResiduals({{10, 9}, {9, 9}, {2, 9}}, 1.3490), (FallOff{Kind::unreadable, 0, 0}));
+}
+
+TEST(ShadowFallOffTest, AThresholdOfExactlySixIsBusy) {
+  double far = 2 / 1.4826;
+  while (1.4826 * far < 2) far = std::nextafter(far, 2);
+  ASSERT_EQ(3 * (1.4826 * far), 6.0);
+  std::vector<double> residuals(102);
+  for (size_t i = 50; i < 102; ++i) residuals[i] = i % 2 == 0 ? far : -far;
+  const Profile profile = profileOf(residuals, 0);
+  EXPECT_EQ(read(profile).kind, Kind::unreadable);
 }
 
 TEST(ShadowFallOffTest, TheFartherHalfBeginsInTheMiddle) {

@@ -183,9 +183,9 @@ TEST(TitleBarButtonsTest, AButtonHasFortyToSixThousandPixels) {
 
 TEST(TitleBarButtonsTest, AButtonIsRoughlySquare) {
   EXPECT_TRUE(haveButtons(14, 20, 200)) << "0.7";
-  EXPECT_FALSE(haveButtons(14, 21, 200));
+  EXPECT_FALSE(haveButtons(36, 52, 1200));
   EXPECT_TRUE(haveButtons(29, 20, 400)) << "1.45";
-  EXPECT_FALSE(haveButtons(30, 20, 400));
+  EXPECT_FALSE(haveButtons(51, 35, 1100));
 }
 
 TEST(TitleBarButtonsTest, AButtonIsFilledLikeADisc) {

@@ -111,7 +111,7 @@ TEST_F(WindowRankingTest, ARectangleMatchesWithinTwoInAHundredOfThePicture) {
     };
     seen = {away(1)};
     EXPECT_EQ(order({drawn(kA), drawn(kB)}).front(), kB);
-    seen = {away(1.05)};
+    seen = {away(1.01)};
     EXPECT_EQ(order({drawn(kA), drawn(kB)}).front(), kA);
   }
   gray = plain::Gray(600, 1000, 200);
