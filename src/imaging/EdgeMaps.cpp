@@ -83,11 +83,9 @@ struct Kernels {
   int (*countMarks)(const uint64_t* words, int64_t count);
 };
 
-Kernels fastestKernels() {
+Kernels kernelsOf([[maybe_unused]] Instructions instructions) {
 #if defined(__x86_64__)
-  if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("popcnt")) {
-    return {&markBlocksWithAvx2, &countMarksWithPopcnt};
-  }
+  if (instructions == Instructions::avx2) return {&markBlocksWithAvx2, &countMarksWithPopcnt};
 #endif
   return {&markBlocks, &countMarks};
 }
@@ -122,8 +120,8 @@ EdgeMaps::EdgeMaps(int64_t imageWidth, int64_t imageHeight)
       columnCounts(static_cast<size_t>(imageWidth)),
       rowCounts(static_cast<size_t>(imageHeight)) {}
 
-EdgeMaps edgeMaps(const GrayImage& gray, int threshold) {
-  static const Kernels kernels = fastestKernels();
+EdgeMaps edgeMaps(const GrayImage& gray, int threshold, Instructions instructions) {
+  const Kernels kernels = kernelsOf(instructions);
   constexpr int kMostRows = 255;
   EdgeMaps maps(gray.width(), gray.height());
   const int64_t words = maps.verticalEdges.wordsPerRow();

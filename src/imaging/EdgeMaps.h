@@ -40,6 +40,6 @@ struct EdgeMaps {
 };
 
 /// Of thresholds from 0 to 254; a change must be above it.
-EdgeMaps edgeMaps(const GrayImage& gray, int threshold);
+EdgeMaps edgeMaps(const GrayImage& gray, int threshold, Instructions instructions = bestInstructions());
 
 }  // namespace quillmere::WindowDetector

@@ -88,11 +88,10 @@ GrayImage::GrayImage(int64_t width, int64_t height)
   std::memset(pixels_.get() + width * height, 0, kPadding);
 }
 
-void grayRow(const uint32_t* pixels, uint8_t* gray, int64_t count) {
+void grayRow(const uint32_t* pixels, uint8_t* gray, int64_t count, [[maybe_unused]] Instructions instructions) {
   int64_t done = 0;
 #if defined(__x86_64__)
-  static const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
-  done = hasAvx2 ? grayWithAvx2(pixels, gray, count) : grayWithSse2(pixels, gray, count);
+  done = instructions == Instructions::avx2 ? grayWithAvx2(pixels, gray, count) : grayWithSse2(pixels, gray, count);
 #endif
   grayPixels(pixels, gray, done, count);
 }

@@ -5,6 +5,8 @@
 #include <memory>
 #include <optional>
 
+#include "imaging/Instructions.h"
+
 namespace quillmere {
 
 /// 8-bit luminance of a picture, row-major with a stride of exactly `width`; row 0 is the top one.
@@ -33,6 +35,6 @@ class GrayImage {
 std::optional<GrayImage> grayImage(const QImage& image);
 
 /// The luminance of `count` pixels of 0xffRRGGBB. Exposed for the tests.
-void grayRow(const uint32_t* pixels, uint8_t* gray, int64_t count);
+void grayRow(const uint32_t* pixels, uint8_t* gray, int64_t count, Instructions instructions = bestInstructions());
 
 }  // namespace quillmere

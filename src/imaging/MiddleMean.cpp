@@ -74,9 +74,9 @@ int64_t sumClamped(const uint8_t* samples, int64_t steps, uint8_t least, uint8_t
   return sum;
 }
 
-Kernels fastestKernels() {
+Kernels kernelsOf([[maybe_unused]] Instructions instructions) {
 #if defined(__x86_64__)
-  if (__builtin_cpu_supports("avx2")) return {&countBelowWithAvx2, &sumClampedWithAvx2};
+  if (instructions == Instructions::avx2) return {&countBelowWithAvx2, &sumClampedWithAvx2};
 #endif
   return {&countBelow, &sumClamped};
 }
@@ -131,8 +131,9 @@ class PlaceSearch {
 
 }  // namespace
 
-std::vector<double> middleMeans(const uint8_t* samples, int64_t stride, int64_t count, int64_t rows) {
-  static const Kernels kernels = fastestKernels();
+std::vector<double> middleMeans(const uint8_t* samples, int64_t stride, int64_t count, int64_t rows,
+                                Instructions instructions) {
+  const Kernels kernels = kernelsOf(instructions);
   const int64_t begin = count / 4;
   const int64_t end = std::max(begin + 1, 3 * count / 4);
   const int64_t steps = (count + kSampleStep - 1) / kSampleStep;

@@ -39,9 +39,7 @@ bool isRectangle(const Polygon& polygon, double leastSide) {
          cv::contourArea(polygon) >= kLeastConfidence * box.area();
 }
 
-}  // namespace
-
-std::vector<QRectF> visionRectangles(const GrayImage& gray) {
+std::vector<QRectF> rectanglesOf(const GrayImage& gray) {
   const cv::Mat whole(static_cast<int>(gray.height()), static_cast<int>(gray.width()), CV_8UC1,
                       const_cast<uint8_t*>(gray.row(0)));
   const double scale = std::min(1.0, kLongestReducedSide / std::max(whole.cols, whole.rows));
@@ -67,6 +65,17 @@ std::vector<QRectF> visionRectangles(const GrayImage& gray) {
     result.emplace_back(box.x / scale, box.y / scale, box.width / scale, box.height / scale);
   }
   return result;
+}
+
+}  // namespace
+
+std::vector<QRectF> visionRectangles(const GrayImage& gray) {
+  try {
+    return rectanglesOf(gray);
+  } catch (const cv::Exception&) {
+    // Such as of a picture so narrow that nothing of it is left at the reduced size.
+    return {};
+  }
 }
 
 }  // namespace quillmere::WindowDetector

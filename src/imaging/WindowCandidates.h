@@ -14,8 +14,6 @@ struct Candidate {
   /// Of left, right, top and bottom: the fraction of the side that is backed by edges, 0 to 1.
   std::array<double, 4> support{};
   QRectF frame;  ///< whole-numbered
-  bool hasTitleBarButtons = false;
-  bool matchesVisionRectangle = false;
 
   /// The mean of the support.
   double strength() const { return (support[0] + support[1] + support[2] + support[3]) / 4; }
