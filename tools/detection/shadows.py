@@ -11,13 +11,13 @@ def plain_ground(width, height):
 
 
 def drawn_extents(picture, frame):
-    """Of left, top, right and bottom: the pixels beside the middle of a side that differ from the ground."""
+    """Of left, top, right and bottom: the pixels beside the middle of a side up to the first of the ground."""
     gray = numpy.asarray(picture.convert("L")).astype(int)
     x, y, width, height = frame
     row, column = gray[y + height // 2], gray[:, x + width // 2]
     outward = (row[:x][::-1], column[:y][::-1], row[x + width:], column[y + height:])
     extents = []
     for line in outward:
-        differing = numpy.nonzero(abs(line - GROUND) >= _VISIBLE)[0]
-        extents.append(int(differing[-1]) + 1 if len(differing) else 0)
+        plain = numpy.nonzero(abs(line - GROUND) < _VISIBLE)[0]
+        extents.append(int(plain[0]) if len(plain) else len(line))
     return tuple(extents)
