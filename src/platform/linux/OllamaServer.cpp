@@ -29,9 +29,11 @@ bool runsElsewhere(const QJsonObject& model) {
 
 QStringList modelNames(const QJsonObject& tags) {
   QStringList names;
-  for (const QJsonValue& model : tags[QLatin1String("models")].toArray()) {
+  const QJsonArray list = tags[QLatin1String("models")].toArray();
+  for (const auto& entry : list) {
+    const QJsonObject model = entry.toObject();
     const QString name = model[QLatin1String("name")].toString();
-    if (!name.isEmpty() && !runsElsewhere(model.toObject())) names << name;
+    if (!name.isEmpty() && !runsElsewhere(model)) names << name;
   }
   return names.mid(0, kMostModels);
 }
