@@ -2,20 +2,13 @@
 
 #include <QtCore/QString>
 #include <optional>
-#include <variant>
 
 #include "foundation/FileURL.h"
 #include "foundation/Task.h"
 #include "imaging/AnalysisError.h"
-#include "imaging/ModelAnswer.h"
+#include "imaging/DescribeOutcome.h"
 
 namespace quillmere {
-
-struct AnalysisCancelled {
-  bool operator==(const AnalysisCancelled&) const = default;
-};
-/// What one attempt to describe a screenshot gave.
-using DescribeOutcome = std::variant<ScreenshotAnalysisResult, AnalysisError, AnalysisCancelled>;
 
 /// Recognises text and asks the model of this machine. Each task may be cancelled; it then ends soon, without a result.
 /// Nothing leaves the machine.

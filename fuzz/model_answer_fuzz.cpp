@@ -1,0 +1,48 @@
+#include <QtCore/QChar>
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+#include "imaging/ModelAnswer.h"
+#include "platform/linux/HttpReply.h"
+#include "platform/linux/LlamaServer.h"
+#include "platform/linux/OllamaServer.h"
+
+using namespace quillmere;
+
+namespace {
+
+/// Whatever a server says, the name that comes of it is short, is text, names no other folder and hides nothing.
+void check(const ScreenshotAnalysisResult& result) {
+  const QByteArray bytes = result.filename.toUtf8();
+  if (bytes.isEmpty() || bytes.size() > 160 || QString::fromUtf8(bytes) != result.filename) std::abort();
+  for (const char32_t c : result.filename.toUcs4()) {
+    const bool turnsText = (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) || c == 0x200E || c == 0x200F;
+    if (c == U'/' || c == U'\\' || turnsText || QChar::category(c) == QChar::Other_Control) std::abort();
+  }
+  if (result.description.trimmed().isEmpty()) std::abort();
+}
+
+}  // namespace
+
+/// The input is what was recognised in the picture, up to the first NUL, and then all bytes that a server sends.
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  const std::string_view input(reinterpret_cast<const char*>(data), size);
+  const auto end = input.find('\0');
+  const std::string_view text = input.substr(0, end);
+  const std::string_view sent = end == std::string_view::npos ? std::string_view() : input.substr(end + 1);
+  HttpReplyParser parser;
+  parser.add(QByteArrayView(sent.data(), static_cast<qsizetype>(sent.size())));
+  if (parser.end() != HttpReplyParser::State::whole) return 0;
+
+  const OllamaServer ollama;
+  const LlamaServer llama;
+  for (const ModelServer* server :
+       {static_cast<const ModelServer*>(&ollama), static_cast<const ModelServer*>(&llama)}) {
+    const ModelResponse response = server->answer(parser.reply(), Date{0});
+    if (!response) continue;
+    const QString recognized = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    if (const auto result = cleanedAnswer(response->description, response->filename, recognized)) check(*result);
+  }
+  return 0;
+}
