@@ -1,4 +1,5 @@
 #include <QtCore/QChar>
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>
@@ -6,6 +7,7 @@
 #include "imaging/ModelAnswer.h"
 #include "platform/linux/HttpReply.h"
 #include "platform/linux/LlamaServer.h"
+#include "platform/linux/ModelServerReplies.h"
 #include "platform/linux/OllamaServer.h"
 
 using namespace quillmere;
@@ -23,26 +25,34 @@ void check(const ScreenshotAnalysisResult& result) {
   if (result.description.trimmed().isEmpty()) std::abort();
 }
 
+QString toText(std::string_view bytes) {
+  return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
+}
+
+void checkResponse(const ModelResponse& response, const QString& recognized) {
+  if (!response) return;
+  if (const auto result = cleanedAnswer(response->description, response->filename, recognized)) check(*result);
+}
+
 }  // namespace
 
-/// The input is what was recognised in the picture, up to the first NUL, and then all bytes that a server sends.
+/// The input is what was recognised in the picture, up to the first NUL, and what comes from the server. Few changes
+/// leave an answer an answer, so that this is taken for all bytes that are sent, then for what the model wrote, and
+/// then for the two fields with a line end between them.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string_view input(reinterpret_cast<const char*>(data), size);
   const auto end = input.find('\0');
-  const std::string_view text = input.substr(0, end);
   const std::string_view sent = end == std::string_view::npos ? std::string_view() : input.substr(end + 1);
+  const QString recognized = toText(input.substr(0, end));
+
   HttpReplyParser parser;
   parser.add(QByteArrayView(sent.data(), static_cast<qsizetype>(sent.size())));
-  if (parser.end() != HttpReplyParser::State::whole) return 0;
-
-  const OllamaServer ollama;
-  const LlamaServer llama;
-  for (const ModelServer* server :
-       {static_cast<const ModelServer*>(&ollama), static_cast<const ModelServer*>(&llama)}) {
-    const ModelResponse response = server->answer(parser.reply(), Date{0});
-    if (!response) continue;
-    const QString recognized = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-    if (const auto result = cleanedAnswer(response->description, response->filename, recognized)) check(*result);
+  if (parser.end() == HttpReplyParser::State::whole) {
+    checkResponse(OllamaServer().answer(parser.reply(), Date{0}), recognized);
+    checkResponse(LlamaServer().answer(parser.reply(), Date{0}), recognized);
   }
+  checkResponse(ModelServerReplies::fields(toText(sent)), recognized);
+  const auto lineEnd = std::min(sent.find('\n'), sent.size());
+  checkResponse(ModelAnswerFields{toText(sent.substr(0, lineEnd)), toText(sent.substr(lineEnd))}, recognized);
   return 0;
 }

@@ -51,6 +51,7 @@ void HttpExchange::send() {
 
 void HttpExchange::read() {
   using State = HttpReplyParser::State;
+  const auto self = shared_from_this();  // finishing may let the last other owner go
   std::array<char, 16 * 1024> buffer;
   qint64 count = 0;
   while (finished_ && (count = socket_->read(buffer.data(), buffer.size())) > 0) {
