@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <unordered_map>
 
 namespace quillmere {
 namespace {
@@ -15,9 +16,13 @@ constexpr int kSmallestSide = 10;
 constexpr int kTallestLetter = 110;
 /// How much of its box a ground fills, its letters notwithstanding.
 constexpr double kFilled = 0.5;
-/// A letter has two holes at most, and none or one if it is broad; what is written on a ground makes holes in it.
+/// A letter has two holes at most, none or one if it is broad, and none if its four sides are straight; what is written
+/// on a ground makes holes in it.
 constexpr int kLetterHoles = 2;
 constexpr double kBroad = 1.6;
+constexpr double kStraight = 0.55;
+/// No stroke of a letter is as broad, so that no holes are asked for.
+constexpr int kBroadestStroke = 160;
 
 bool agree(uint32_t a, uint32_t b) {
   if (a == b) return true;
@@ -33,9 +38,14 @@ constexpr int kRuleThickness = 4;
 
 struct Area {
   int32_t parent;
-  int left, right, top, bottom;  ///< inclusive
-  int64_t pixels;
-  int64_t euler = 0;  ///< one less the holes
+  int32_t left, right, top, bottom;  ///< inclusive
+  int32_t pixels = 0;
+  int32_t euler = 0;  ///< one less the holes
+};
+
+/// How many pixels of an area lie on each side of its box.
+struct Sides {
+  int left = 0, right = 0, top = 0, bottom = 0;
 };
 
 int32_t root(std::vector<Area>& areas, int32_t area) {
@@ -77,30 +87,50 @@ bool isDoubtful(const Area& area) {
 /// Straight, an angle or a frame: it has about as many pixels as its sides are long.
 bool isRule(const Area& area) {
   if (std::max(width(area), height(area)) < kShortestRule) return false;
-  return area.pixels <= static_cast<int64_t>(kRuleThickness) * (width(area) + height(area));
+  return area.pixels <= kRuleThickness * (width(area) + height(area));
 }
 
-bool isGround(const Area& area) {
+bool isRectangle(const Area& area, const Sides& sides) {
+  return std::min(sides.left, sides.right) >= kStraight * height(area) &&
+         std::min(sides.top, sides.bottom) >= kStraight * width(area);
+}
+
+bool isGround(const Area& area, const Sides& sides) {
   if (height(area) > kTallestLetter) return width(area) >= kSmallestSide;
   if (!isDoubtful(area)) return false;
-  const int64_t holes = 1 - area.euler;
-  return holes > kLetterHoles || (holes > 0 && width(area) > kBroad * height(area));
+  const int holes = 1 - area.euler;
+  return holes > kLetterHoles || width(area) > kBroadestStroke ||
+         (holes > 0 && (width(area) > kBroad * height(area) || isRectangle(area, sides)));
 }
 
-/// By Euler's formula: pixels less the pairs side by side and one above the other, plus the squares of four.
-template <typename Label>
-void count(std::vector<Area>& areas, const std::vector<Label>& labels, int width) {
-  std::vector<uint8_t> doubtful(areas.size());
-  for (size_t i = 0; i < areas.size(); ++i) doubtful[i] = isDoubtful(areas[i]);
-  const auto size = static_cast<int64_t>(labels.size());
-  for (int64_t i = 0; i < size; ++i) {
-    const Label label = labels[i];
-    if (!doubtful[label]) continue;
-    const bool hasRight = (i + 1) % width != 0 && labels[i + 1] == label;
-    const bool hasBelow = i + width < size && labels[i + width] == label;
-    areas[label].euler += 1 - (hasRight ? 1 : 0) - (hasBelow ? 1 : 0);
-    if (hasRight && hasBelow && labels[i + width + 1] == label) ++areas[label].euler;
+/// Of the areas that may be grounds or letters. Holes are counted by Euler's formula: the pixels less the pairs side by
+/// side and one above the other, plus the squares of four.
+std::unordered_map<int32_t, Sides> measureDoubtful(std::vector<Area>& areas, const std::vector<int32_t>& labels,
+                                                   int imageWidth) {
+  std::unordered_map<int32_t, Sides> found;
+  for (size_t i = 0; i < areas.size(); ++i) {
+    if (areas[i].parent == static_cast<int32_t>(i) && isDoubtful(areas[i])) found[static_cast<int32_t>(i)];
   }
+  for (auto& [label, sides] : found) {
+    Area& area = areas[label];
+    const auto has = [&, wanted = label](int x, int y) {
+      return x <= area.right && y <= area.bottom &&
+             labels[static_cast<size_t>(y) * static_cast<size_t>(imageWidth) + static_cast<size_t>(x)] == wanted;
+    };
+    for (int y = area.top; y <= area.bottom; ++y) {
+      for (int x = area.left; x <= area.right; ++x) {
+        if (!has(x, y)) continue;
+        const bool hasRight = has(x + 1, y), hasBelow = has(x, y + 1);
+        area.euler += 1 - (hasRight ? 1 : 0) - (hasBelow ? 1 : 0);
+        if (hasRight && hasBelow && has(x + 1, y + 1)) ++area.euler;
+        sides.left += x == area.left ? 1 : 0;
+        sides.right += x == area.right ? 1 : 0;
+        sides.top += y == area.top ? 1 : 0;
+        sides.bottom += y == area.bottom ? 1 : 0;
+      }
+    }
+  }
+  return found;
 }
 
 }  // namespace
@@ -118,7 +148,7 @@ TextGrounds::TextGrounds(const QImage& image)
     int32_t joinedAbove = -1;
     for (int x = 0; x < width_; ++x) {
       if (x == 0 || !agree(pixels[x], pixels[x - 1])) {
-        areas.push_back({static_cast<int32_t>(areas.size()), x, x, y, y, 0, 0});
+        areas.push_back({static_cast<int32_t>(areas.size()), x, x, y, y});
         joinedAbove = -1;
       }
       const auto area = static_cast<int32_t>(areas.size() - 1);
@@ -141,9 +171,13 @@ TextGrounds::TextGrounds(const QImage& image)
   std::vector<int32_t> roots(areas.size());
   for (int32_t i = 0; i < static_cast<int32_t>(areas.size()); ++i) roots[i] = root(areas, i);
   for (Ground& label : grounds_) label = roots[label];
-  count(areas, grounds_, width_);
-  for (int32_t i = 0; i < static_cast<int32_t>(areas.size()); ++i)
-    roots[i] = isRule(areas[i]) ? kRule : isGround(areas[i]) ? i : kInk;
+  const auto doubtful = measureDoubtful(areas, grounds_, width_);
+  for (int32_t i = 0; i < static_cast<int32_t>(areas.size()); ++i) {
+    const auto sides = doubtful.find(i);
+    roots[i] = isRule(areas[i])                                                        ? kRule
+               : isGround(areas[i], sides == doubtful.end() ? Sides() : sides->second) ? i
+                                                                                       : kInk;
+  }
   for (Ground& label : grounds_) label = roots[label];
 }
 

@@ -17,6 +17,8 @@ constexpr int kTallestBar = 60;
 /// Less contrast is decoration.
 constexpr int kFaintest = 16;
 constexpr int kSmallestSolid = 10;
+/// More pieces are a photograph's; looking for lines among them would take seconds.
+constexpr size_t kMostPieces = 30000;
 constexpr int kLowestLine = 5;
 /// How many times their height two pieces of one line may be apart.
 constexpr double kGap = 1.5;
@@ -116,12 +118,18 @@ bool findGround(InkPiece& piece, const QImage& image, const TextGrounds& grounds
   };
   std::map<TextGrounds::Ground, Contact> contacts;
   int total = 0;
+  const auto touch = [&](int x, int y) {
+    if (x < 0 || x >= grounds.width() || y < 0 || y >= grounds.height() || grounds.row(y)[x] < 0) return;
+    Contact& contact = contacts[grounds.row(y)[x]];
+    if (contact.count++ == 0) contact.color = pixelRow(image, y)[x];
+    ++total;
+  };
   for (const InkPiece::Run& run : piece.runs) {
-    for (const int x : {run.begin - 1, run.end}) {
-      if (x < 0 || x >= grounds.width() || grounds.row(run.y)[x] < 0) continue;
-      Contact& contact = contacts[grounds.row(run.y)[x]];
-      if (contact.count++ == 0) contact.color = pixelRow(image, run.y)[x];
-      ++total;
+    touch(run.begin - 1, run.y);
+    touch(run.end, run.y);
+    for (int x = run.begin; x < run.end; ++x) {
+      touch(x, run.y - 1);
+      touch(x, run.y + 1);
     }
   }
   const auto most = std::max_element(contacts.begin(), contacts.end(),
@@ -192,25 +200,27 @@ std::vector<TextLine> joined(std::vector<TextLine> lines, Test test) {
 
 /// Dots, accents and quotes stand above or below what their neighbours reach.
 void attachSmall(std::vector<TextLine>& lines) {
-  std::sort(lines.begin(), lines.end(), [](const TextLine& a, const TextLine& b) { return a.box.top() < b.box.top(); });
+  const auto isHigher = [](const TextLine& a, const TextLine& b) { return a.box.top() < b.box.top(); };
+  std::sort(lines.begin(), lines.end(), isHigher);
   for (TextLine& small : lines) {
     if (small.pieces.empty()) continue;
+    TextLine nearest;
+    nearest.box.moveTop(small.box.top() - 2 * kTallest);
     TextLine* best = nullptr;
     double bestDistance = 0;
-    for (TextLine& line : lines) {
-      if (line.box.top() > small.box.bottom() + kTallest) break;
-      if (&line == &small || line.pieces.empty() || line.pieces[0].ground != small.pieces[0].ground) continue;
-      const int height = line.box.height();
-      if (small.box.height() * 10 > 6 * height || gap(line.box, small.box) > 1.2 * height) continue;
-      const double distance =
-          std::max(line.box.top() - small.box.center().y(), small.box.center().y() - line.box.bottom());
-      if (distance > 0.35 * height) continue;
-      if (!best || distance < bestDistance) {
-        best = &line;
-        bestDistance = distance;
-      }
+    for (auto line = std::lower_bound(lines.begin(), lines.end(), nearest, isHigher);
+         line != lines.end() && line->box.top() <= small.box.bottom() + kTallest; ++line) {
+      if (&*line == &small || line->pieces.empty() || line->pieces[0].ground != small.pieces[0].ground) continue;
+      const int height = line->box.height();
+      if (small.box.height() * 10 > 6 * height || gap(line->box, small.box) > 1.2 * height) continue;
+      const int middle = small.box.center().y();
+      const int distance = std::max(line->box.top() - middle, middle - line->box.bottom());
+      if (distance > 0.35 * height || (best && distance >= bestDistance)) continue;
+      best = &*line;
+      bestDistance = distance;
     }
     if (!best) continue;
+    // The order by top holds well enough while a box grows by a dot.
     best->box |= small.box;
     std::move(small.pieces.begin(), small.pieces.end(), std::back_inserter(best->pieces));
     small.pieces.clear();
@@ -250,6 +260,7 @@ std::vector<TextLine> textLines(const QImage& image, const TextGrounds& grounds)
     line.pieces.push_back(std::move(piece));
     lines.push_back(std::move(line));
   }
+  if (lines.size() > kMostPieces) return {};
   const Test neighbours = [](const TextLine& a, const TextLine& b) { return standSideBySide(a.box, b.box); };
   lines = joined(std::move(lines), neighbours);
   attachSmall(lines);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtCore/QLocale>
 #include <QtCore/QString>
 #include <QtGui/QImage>
 #include <atomic>
@@ -8,19 +9,24 @@
 
 namespace quillmere {
 
-/// Recognises text in pictures. Its engine is loaded with the first picture and stays. One thread at a time.
+/// The engine's names of the languages to read, the likeliest first: that of the locale, and English, which stands on
+/// every screen. More would cost time for each line, and guesses in scripts that are not there.
+QString recognitionLanguages(const QLocale& locale);
+
+/// Recognises text in pictures. The engine is loaded with the first picture and stays. One thread at a time, which the
+/// engine does not multiply.
 class TextRecognizer {
  public:
-  TextRecognizer();
+  explicit TextRecognizer(const QLocale& locale = QLocale::system());
   ~TextRecognizer();
 
-  /// The lines of text joined with "\n", top to bottom; empty where there is none, nothing when it was cancelled or
-  /// failed. `scale` is in pixels per point, where it is known. Ends within a tenth of a second of being cancelled.
-  std::optional<QString> recognizeText(const QImage& image, std::optional<double> scale,
-                                       const std::atomic<bool>& isCancelled);
+  /// The lines of text joined with "\n", top to bottom; empty where there is none. Nothing when it was cancelled,
+  /// within a tenth of a second, and when the engine cannot be loaded or fails.
+  std::optional<QString> recognizeText(const QImage& image, const std::atomic<bool>& isCancelled);
 
  private:
   class Engine;
+  QLocale locale_;
   std::unique_ptr<Engine> engine_;
 };
 

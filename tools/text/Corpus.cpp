@@ -18,6 +18,11 @@ QStringList lines(std::vector<Fragment> fragments) {
   std::vector<Line> found;
   for (const Fragment& fragment : fragments) {
     if (fragment.text.trimmed().isEmpty()) continue;
+    // What is painted in parts, or with a shadow, comes more than once.
+    const auto isTheSame = [&](const Fragment& other) {
+      return other.text == fragment.text && (other.box.topLeft() - fragment.box.topLeft()).manhattanLength() < 4;
+    };
+    if (std::any_of(static_cast<const Fragment*>(fragments.data()), &fragment, isTheSame)) continue;
     const double height = fragment.box.height();
     const auto continued = std::find_if(found.begin(), found.end(), [&](const Line& line) {
       const double gap = fragment.box.left() - line.box.right();

@@ -101,7 +101,7 @@ Reading byRecognizer(TextRecognizer& recognizer, const QString& picture, const Q
   const double before = seconds(RUSAGE_SELF);
   const auto url = FileURL::fromPath(picture.toStdString());
   const auto image = ImageOperations::loadImage(url);
-  const auto text = recognizer.recognizeText(image.value(), ImageOperations::imageScale(url), isCancelled);
+  const auto text = recognizer.recognizeText(image.value(), isCancelled);
   const double taken = seconds(RUSAGE_SELF) - before;
   QFile file(output);
   if (text && file.open(QFile::WriteOnly)) file.write(text->toUtf8());
