@@ -93,6 +93,8 @@ class TrashEntry:
             parser = configparser.RawConfigParser()
             parser.optionxform = str
             parser.read(os.path.join(directory, name), encoding="utf-8")
+            if not parser.has_section("Trash Info"):
+                continue  # being written
             entry = parser["Trash Info"]
             if urllib.parse.unquote(entry["Path"]) == path:
                 expect(f"{path} is in the Trash once", self.info is None)

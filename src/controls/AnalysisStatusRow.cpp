@@ -1,0 +1,54 @@
+#include "controls/AnalysisStatusRow.h"
+
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+
+#include "controls/ActionButton.h"
+#include "controls/Grounds.h"
+#include "controls/Symbol.h"
+#include "controls/Theme.h"
+#include "foundation/Localized.h"
+
+namespace quillmere {
+namespace {
+
+constexpr int kSymbol = 16;
+
+}  // namespace
+
+AnalysisStatusRow::AnalysisStatusRow(QWidget* parent)
+    : QWidget(parent),
+      symbol_(new QLabel(this)),
+      text_(new QLabel(this)),
+      button_(new ActionButton(ActionButton::Role::icon, QStringLiteral("arrow.clockwise"), {}, this)) {
+  text_->setObjectName(QStringLiteral("analysisStatus"));
+  text_->setWordWrap(true);
+  // What a model wrote is text and nothing else.
+  text_->setTextFormat(Qt::PlainText);
+  text_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  text_->setFocusPolicy(Qt::NoFocus);
+  setTextColor(*text_, Theme(palette()).secondaryText);
+  button_->setAccessibleName(localized("Analyze Again"));
+  button_->setToolTip(localized("Analyze Again"));
+  connect(button_, &QPushButton::clicked, this, [this] {
+    if (onAnalyze) onAnalyze();
+  });
+  auto* row = new QHBoxLayout(this);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->setSpacing(8);
+  row->addWidget(symbol_, 0, Qt::AlignTop);
+  row->addWidget(text_, 1);
+  row->addWidget(button_, 0, Qt::AlignTop);
+}
+
+void AnalysisStatusRow::show(const QString& text, bool isFailure, bool offersAnalysis) {
+  symbol_->setVisible(isFailure);
+  if (isFailure) {
+    symbol_->setPixmap(symbolPixmap(QStringLiteral("exclamationmark.bubble"), kSymbol, Theme(palette()).secondaryText,
+                                    devicePixelRatioF()));
+  }
+  text_->setText(text);
+  button_->setVisible(offersAnalysis);
+}
+
+}  // namespace quillmere

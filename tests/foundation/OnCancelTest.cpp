@@ -1,0 +1,41 @@
+#include "foundation/OnCancel.h"
+
+#include <gtest/gtest.h>
+
+#include "foundation/ManualExecutor.h"
+
+namespace quillmere::testing {
+namespace {
+
+Task<int> working(ManualExecutor& executor, int& calls) {
+  const std::function<void()> action = [&] { ++calls; };
+  co_await onCancel(action);
+  const std::function<int()> work = [] { return 7; };
+  const int result = co_await executor.background(work);
+  co_return result;
+}
+
+TEST(OnCancel, TheActionIsCalledOnceWhenTheTaskIsAskedToStop) {
+  ManualExecutor executor;
+  int calls = 0;
+  const auto task = working(executor, calls);
+  EXPECT_EQ(calls, 0);
+  task.cancel();
+  task.cancel();
+  EXPECT_EQ(calls, 1);
+  EXPECT_FALSE(task.isDone()) << "it goes on until its work ends";
+  executor.drain();
+  EXPECT_EQ(task.await_resume(), 7);
+}
+
+TEST(OnCancel, ATaskThatEndsByItselfCallsNothing) {
+  ManualExecutor executor;
+  int calls = 0;
+  const auto task = working(executor, calls);
+  executor.drain();
+  task.cancel();
+  EXPECT_EQ(calls, 0);
+}
+
+}  // namespace
+}  // namespace quillmere::testing
