@@ -49,6 +49,8 @@ void AnalysisStatusRow::show(const QString& text, bool isFailure, bool offersAna
   }
   text_->setText(text);
   button_->setVisible(offersAnalysis);
+  // Told at once: whoever measures the card in this turn of the loop must not find the old height.
+  updateGeometry();
 }
 
 }  // namespace quillmere

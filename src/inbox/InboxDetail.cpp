@@ -6,6 +6,7 @@
 #include <QtWidgets/QVBoxLayout>
 
 #include "controls/ActionButton.h"
+#include "controls/AnalysisStatusRow.h"
 #include "controls/Grounds.h"
 #include "controls/Symbol.h"
 #include "controls/Theme.h"
@@ -43,6 +44,9 @@ InboxDetail::InboxDetail(AppModel& model, ThumbnailLoader& thumbnails, QWidget* 
   download_ = new DownloadStatusRow(this);
   download_->onDownload = [this] { model_.download(id_); };
   column->addWidget(download_);
+  analysis_ = new AnalysisStatusRow(this);
+  analysis_->onAnalyze = [this] { model_.startAnalysis(id_); };
+  column->addWidget(analysis_);
 }
 
 QWidget* InboxDetail::makeHeader() {
@@ -100,6 +104,10 @@ void InboxDetail::show(const ScreenshotItem& item) {
   } else {
     download_->hide();
   }
+
+  const AnalysisStatus status =
+      analysisStatus(item, model_.analyzingIDs->contains(item.id), model_.analysisAvailability());
+  analysis_->show(status.text, status.isFailure, status.offersAnalysis);
 
   picture_->setToolTip(isEvicted ? localized("The image isn’t on this Mac. Choose Download, or open the screenshot in "
                                              "Finder, to bring it back.")

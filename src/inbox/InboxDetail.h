@@ -11,6 +11,7 @@ class QLabel;
 namespace quillmere {
 
 class ActionButton;
+class AnalysisStatusRow;
 class DownloadStatusRow;
 
 /// One screenshot, large, with its name, its status and what can be done with it.
@@ -40,6 +41,7 @@ class InboxDetail final : public QWidget {
   ActionButton* move_ = nullptr;
   ActionButton* trash_ = nullptr;
   DownloadStatusRow* download_ = nullptr;
+  AnalysisStatusRow* analysis_ = nullptr;
   QWidget* picture_ = nullptr;  ///< the place of the picture, which is painted
   UUID id_;
   FileURL url_;

@@ -17,10 +17,12 @@ AppModel::AppModel(AppModelDependencies dependencies)
       expirationScheduler_(*dependencies_.executor, *dependencies_.systemEvents, dependencies_.now),
       popupAutoSaveScheduler_(*dependencies_.executor, dependencies_.now),
       access_(*dependencies_.securityScope),
-      downloads_(dependencies_, [this](const UUID& id, std::optional<DownloadState> state) {
-        setDownloadState(id, state);
-        if (!state) refreshAfterDownload(id);
-      }) {
+      downloads_(dependencies_,
+                 [this](const UUID& id, std::optional<DownloadState> state) {
+                   setDownloadState(id, state);
+                   if (!state) refreshAfterDownload(id);
+                 }),
+      analysis_(*dependencies_.analyzer, *dependencies_.executor, dependencies_.now, *this) {
   readSettings();
   auto loaded = dependencies_.recordStore.load(now());
   items_ = ScreenshotList(std::move(loaded.items));
@@ -63,6 +65,7 @@ void AppModel::readSettings() {
   screenshotNaming.set(naming == QLatin1String("suggested") ? ScreenshotNaming::suggested : ScreenshotNaming::original);
   const auto duration = temporaryDuration(defaults.integer(QStringLiteral("quillmere.last-duration")).value_or(0));
   lastTemporaryDuration.set(duration.value_or(TemporaryDuration::fiveMinutes));
+  modelAddress.set(defaults.text(QStringLiteral("quillmere.model-address")).value_or(QString()));
   dismissedLocationMismatchPath.set(defaults.text(QStringLiteral("quillmere.dismissed-location-mismatch")));
 }
 
@@ -91,6 +94,7 @@ void AppModel::start() {
   }
   dependencies_.monitor->watch(*watchFolderURL);
   dependencies_.monitor->start();
+  refreshModelAvailability();
   ReconcileRequest everything;
   everything.completions.push_back([this] { finishStart(); });
   reconcile(std::move(everything));
@@ -105,6 +109,7 @@ void AppModel::finishStart() {
   expirationScheduler_.schedule(expirations);
   isRecovering_ = false;
   enqueueAllPending();
+  if (*analyzeScreenshots) startMissingAnalysis();
 }
 
 void AppModel::observeSystem() {
@@ -116,6 +121,7 @@ void AppModel::observeSystem() {
   };
   observers_.push_back(events.didBecomeActive.connect([this, findsLostFolder] {
     refreshScreenshotLocation();
+    if (*analyzeScreenshots) refreshModelAvailability();
     // The monitor's own news of the folder will be no change any more, so its records are looked at from here.
     if (findsLostFolder()) reconcile({});
   }));
@@ -153,7 +159,19 @@ void AppModel::setShowPopupThumbnail(bool isOn) {
   setFlag(showPopupThumbnail, "quillmere.popup-thumbnail", isOn);
 }
 void AppModel::setAnalyzeScreenshots(bool isOn) {
+  if (isOn == *analyzeScreenshots) return;
   setFlag(analyzeScreenshots, "quillmere.analyze", isOn);
+  if (isOn) {
+    refreshModelAvailability();
+    startMissingAnalysis();
+  } else {
+    cancelAllAnalysis();
+  }
+}
+void AppModel::setModelAddress(const QString& address) {
+  if (!modelAddress.set(address.trimmed())) return;
+  dependencies_.defaults->set(QStringLiteral("quillmere.model-address"), *modelAddress);
+  if (*analyzeScreenshots) refreshModelAvailability();
 }
 void AppModel::setShowsDeleteImmediately(bool isOn) {
   setFlag(showsDeleteImmediately, "quillmere.delete-immediately-command", isOn);

@@ -8,6 +8,8 @@
 
 #include "foundation/Result.h"
 #include "foundation/Weak.h"
+#include "model/AnalysisPipeline.h"
+#include "model/AnalysisStatus.h"
 #include "model/AppModelDependencies.h"
 #include "model/CloudDownloads.h"
 #include "model/ExpirationScheduler.h"
@@ -29,7 +31,7 @@ namespace quillmere {
 /// All state of Quillmere, and every decision. Main thread only. Views follow the published fields and call the
 /// operations; they decide nothing about files. Each group of operations stands in a file of its own, named in the
 /// comment above it.
-class AppModel {
+class AppModel : private AnalysisRecords {
  public:
   explicit AppModel(AppModelDependencies dependencies);
   ~AppModel();
@@ -53,6 +55,7 @@ class AppModel {
   Published<bool> menuBarEnabled{changed, ModelField::menuBarEnabled, true};
   Published<bool> showPopupThumbnail{changed, ModelField::showPopupThumbnail, true};
   Published<bool> analyzeScreenshots{changed, ModelField::analyzeScreenshots, true};
+  Published<QString> modelAddress{changed, ModelField::modelAddress};  ///< empty: found by itself
   Published<bool> showsDeleteImmediately{changed, ModelField::showsDeleteImmediately, false};
   Published<bool> deletesChosenImmediately{changed, ModelField::deletesChosenImmediately, false};
   Published<bool> deletesExpiredImmediately{changed, ModelField::deletesExpiredImmediately, false};
@@ -76,6 +79,8 @@ class AppModel {
   Published<UUIDSet> evictedItemIDs{changed, ModelField::evictedItemIDs};
   Published<UUIDSet> iCloudItemIDs{changed, ModelField::iCloudItemIDs};
   Published<UUIDMap<DownloadState>> downloadStates{changed, ModelField::downloadStates};
+  Published<UUIDSet> analyzingIDs{changed, ModelField::analyzingIDs};
+  Published<std::optional<AnalysisError>> intelligenceUnavailability{changed, ModelField::intelligenceUnavailability};
   Published<std::vector<UUID>> promptQueue{changed, ModelField::promptQueue};
   Published<int> promptFocusRequest{changed, ModelField::promptFocusRequest, 0};
   Published<int> promptContentGeneration{changed, ModelField::promptContentGeneration, 0};
@@ -84,6 +89,7 @@ class AppModel {
   void setMenuBarEnabled(bool isOn);
   void setShowPopupThumbnail(bool isOn);
   void setAnalyzeScreenshots(bool isOn);
+  void setModelAddress(const QString& address);
   void setShowsDeleteImmediately(bool isOn);
   void setDeletesChosenImmediately(bool isOn);
   void setDeletesExpiredImmediately(bool isOn);
@@ -172,6 +178,16 @@ class AppModel {
   Task<std::optional<QString>> replaceOriginal(UUID id, QImage image, QRectF rect);
   /// Writes that part as a new file into the watched folder, with a record of its own. Gives why it failed, in words.
   Task<Result<UUID, QString>> saveAsNew(UUID id, QImage image, QRectF rect);
+
+  // --- Analysis: AppModelAnalysis.cpp ---
+  /// Describes the screenshot anew or for the first time, unless that is being done.
+  void startAnalysis(const UUID& id);
+  void cancelAnalysis(const UUID& id);
+  void cancelAllAnalysis();
+  AnalysisAvailability analysisAvailability() const;
+  /// The text in the screenshot, recognised if need be. Nothing when that failed or was cancelled.
+  Task<std::optional<QString>> recognizedText(const UUID& id);
+  const AnalysisPipeline& analysisPipeline() const { return analysis_; }
 
   // --- Watch folder: AppModelWatchFolder.cpp ---
   FolderPanelStart folderPanelStart(const std::optional<FileURL>& preferred);
@@ -265,6 +281,18 @@ class AppModel {
   static Task<> sweepTemporaries(Weak<AppModel> self, std::vector<Replacement> begun);
   UUID addDerived(const FileURL& url, const UUID& source);
 
+  // AppModelAnalysis.cpp
+  void startMissingAnalysis();
+  void refreshModelAvailability();
+  const ScreenshotItem* find(const UUID& id) const override { return items_.find(id); }
+  void change(const UUID& id, const std::function<void(ScreenshotItem&)>& change) override;
+  void saveRecords() override { saveNow(); }
+  void saveRecordsSoon() override { scheduleSave(); }
+  void analyzingChanged(const UUIDSet& ids) override { analyzingIDs.set(ids); }
+  void unavailabilityChanged(const std::optional<AnalysisError>& error) override {
+    intelligenceUnavailability.set(error);
+  }
+
   // AppModelWatchFolder.cpp
   void restoreWatchFolder();
   bool retryWatchFolder();
@@ -332,6 +360,8 @@ class AppModel {
   UUIDMap<int> expirationFailures_;  ///< failed Trash attempts
   bool expiryChangedRecords_ = false;
   UUIDMap<int> unreachableExpirations_;  ///< attempts made while the file could not be reached
+
+  AnalysisPipeline analysis_;
 
   Lifetime lifetime_;
 };

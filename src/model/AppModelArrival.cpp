@@ -34,7 +34,9 @@ void AppModel::record(const FileURL& url, bool arrivedFromElsewhere) {
   refreshBookmark(0, std::nullopt);
   refreshItemAccess(0, std::nullopt);
   saveNow();
-  if (!arrivedFromElsewhere && !isRecovering_) enqueuePrompt(id);
+  if (arrivedFromElsewhere) return;
+  if (!isRecovering_) enqueuePrompt(id);
+  if (*analyzeScreenshots) startAnalysis(id);
 }
 
 /// Whether the file is a known one under a new name; its record then follows it.

@@ -8,6 +8,7 @@
 #include "foundation/SystemEvents.h"
 #include "foundation/UserDefaults.h"
 #include "model/ModelMessages.h"
+#include "model/ScreenshotAnalyzing.h"
 #include "model/ScreenshotLocationProviding.h"
 #include "monitor/ScreenshotMonitoring.h"
 #include "records/ScreenshotItem.h"
@@ -125,6 +126,7 @@ struct AppModelDependencies {
   FileChoosing* fileChooser = nullptr;
   ScreenshotLocationProviding* screenshotLocation = nullptr;
   Announcing* announcer = nullptr;
+  ScreenshotAnalyzing* analyzer = nullptr;
   SystemEvents* systemEvents = nullptr;
 
   std::function<Date()> now;

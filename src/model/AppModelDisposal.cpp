@@ -135,6 +135,7 @@ void AppModel::removeRecords(const UUIDSet& ids) {
   bool failureWent = false;
   for (const UUID& id : ids) {
     expirationScheduler_.cancel(id);
+    cancelAnalysis(id);
     access_.closeItem(id);
     endDownload(id);
     unreachableExpirations_.erase(id);

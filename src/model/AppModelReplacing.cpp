@@ -93,8 +93,11 @@ std::optional<QString> AppModel::putInPlace(const UUID& id, const FileURL& origi
 
 /// The record's file is another one now, of which nothing is known yet.
 void AppModel::finishReplacement(size_t index) {
+  const UUID id = items_[index].id;
   const FileURL url = items_[index].url;
   const auto identity = dependencies_.fileIdentity(url);
+  // Whatever is being read is the old picture.
+  cancelAnalysis(id);
   updateItem(index, [&](ScreenshotItem& item) {
     item.fileIdentity = identity;
     item.fileBookmark.reset();
@@ -106,11 +109,12 @@ void AppModel::finishReplacement(size_t index) {
     item.captureKind.reset();
   });
   // A look at the files that is under way saw the old one.
-  if (reconcileTask_) arrivedDuringRun_.insert(items_[index].id);
+  if (reconcileTask_) arrivedDuringRun_.insert(id);
   dependencies_.monitor->noteKnown(url);
   refreshBookmark(index, std::nullopt);
   refreshItemAccess(index, std::nullopt);
   saveNow();
+  if (*analyzeScreenshots) startAnalysis(id);
 }
 
 /// Brings replacements to their end that an earlier run had begun.

@@ -30,6 +30,8 @@ std::optional<CapturePromptContent> CapturePromptContent::make(
   content.naming = *model.screenshotNaming;
   content.deletesChosen = *model.deletesChosenImmediately;
   content.canReadImage = !model.unavailableItemIDs->contains(head->id) && !model.evictedItemIDs->contains(head->id);
+  content.isAnalyzing = model.analyzingIDs->contains(head->id);
+  content.availability = model.analysisAvailability();
   return content;
 }
 

@@ -20,6 +20,8 @@ struct CapturePromptContent {
   ScreenshotNaming naming = ScreenshotNaming::original;
   bool deletesChosen = false;  ///< Move to Trash deletes instead
   bool canReadImage = true;
+  bool isAnalyzing = false;
+  AnalysisAvailability availability = AnalysisAvailability::enabled;
   bool scrolls = false;
   bool operator==(const CapturePromptContent&) const = default;
 

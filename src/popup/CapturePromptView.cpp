@@ -7,6 +7,7 @@
 #include <QtWidgets/QVBoxLayout>
 
 #include "controls/ActionButton.h"
+#include "controls/AnalysisStatusRow.h"
 #include "controls/Grounds.h"
 #include "controls/Theme.h"
 #include "foundation/Localized.h"
@@ -42,6 +43,11 @@ CapturePromptView::CapturePromptView(AppModel& model, Executor& executor, Thumbn
   thumbnail_ = new PromptThumbnail(thumbnails, this);
   thumbnail_->setFixedWidth(kContentWidth);
   rows->addWidget(thumbnail_);
+  analysis_ = new AnalysisStatusRow(this);
+  analysis_->onAnalyze = [this] {
+    if (content_) model_.startAnalysis(content_->item.id);
+  };
+  rows->addWidget(analysis_);
   rows->addWidget(makeNameBlock());
   errorBanner_ = new PromptErrorBanner(this);
   errorBanner_->onDismiss = [this] { runGated([this] { model_.dismissError(ErrorScope::popup); }); };
@@ -158,6 +164,8 @@ void CapturePromptView::show(const CapturePromptContent& content) {
     thumbnail_->setFixedHeight(content.thumbnailHeight);
     thumbnail_->show(content.item.url, content.item.fileIdentity, content.canReadImage);
   }
+  const AnalysisStatus status = analysisStatus(content.item, content.isAnalyzing, content.availability);
+  analysis_->show(status.text, status.isFailure, status.offersAnalysis);
   if (content.error) errorBanner_->show(*content.error);
   errorBanner_->setVisible(content.error.has_value());
   refreshTexts();

@@ -13,6 +13,7 @@ class QLineEdit;
 namespace quillmere {
 
 class ActionButton;
+class AnalysisStatusRow;
 class DurationPicker;
 class PromptErrorBanner;
 class PromptThumbnail;
@@ -61,6 +62,7 @@ class CapturePromptView final : public QWidget {
   QLabel* queueCount_ = nullptr;
   ActionButton* closeButton_ = nullptr;
   PromptThumbnail* thumbnail_ = nullptr;
+  AnalysisStatusRow* analysis_ = nullptr;
   QLabel* caption_ = nullptr;
   QLineEdit* nameField_ = nullptr;
   QLabel* extension_ = nullptr;

@@ -43,6 +43,8 @@ void PromptErrorBanner::show(const ScopedError& error) {
       symbolPixmap(QStringLiteral("exclamationmark.triangle"), kSymbol, theme.warning, devicePixelRatioF()));
   title_->setText(error.title);
   message_->setText(error.message);
+  // Told at once: the card is measured in this turn of the loop.
+  updateGeometry();
 }
 
 void PromptErrorBanner::paintEvent(QPaintEvent*) {

@@ -1,8 +1,10 @@
 #include "shell/SettingsWindow.h"
 
 #include <QtWidgets/QCheckBox>
+#include <QtWidgets/QComboBox>
 #include <QtWidgets/QGroupBox>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QSpinBox>
 #include <QtWidgets/QTabWidget>
 #include <QtWidgets/QVBoxLayout>
@@ -36,6 +38,26 @@ QString symbolOf(WatcherStatus status) {
   return {};
 }
 
+struct ModelStatus {
+  QString text;
+  QString symbol;
+};
+ModelStatus modelStatus(AnalysisError::Unavailability reason) {
+  const QString warning = QStringLiteral("exclamationmark.triangle");
+  switch (reason) {
+    case AnalysisError::Unavailability::appleIntelligenceNotEnabled:
+      return {localized("Apple Intelligence is turned off in System Settings, so screenshots aren’t described. Text "
+                        "extraction still works."),
+              warning};
+    case AnalysisError::Unavailability::deviceNotEligible:
+      return {localized("This Mac can’t create on-device descriptions. Text extraction still works."), warning};
+    case AnalysisError::Unavailability::modelNotReady:
+      return {localized("Apple Intelligence is still getting ready. Descriptions start once it has finished."),
+              QStringLiteral("arrow.down.circle")};
+  }
+  return {};
+}
+
 /// Whether a control of the window shows the field.
 bool isShown(ModelField field) {
   switch (field) {
@@ -47,6 +69,10 @@ bool isShown(ModelField field) {
     case ModelField::showPopupThumbnail:
     case ModelField::popupAutoSaveEnabled:
     case ModelField::popupAutoSaveSeconds:
+    case ModelField::screenshotNaming:
+    case ModelField::analyzeScreenshots:
+    case ModelField::intelligenceUnavailability:
+    case ModelField::modelAddress:
       return true;
     default:
       return false;
@@ -82,13 +108,70 @@ SettingsWindow::SettingsWindow(AppModel& model) : model_(model) {
   setWindowTitle(localized("Settings"));
   auto* tabs = new QTabWidget(this);
   tabs->setDocumentMode(true);
+  tabs->addTab(makeGeneralPane(), localized("General"));
   tabs->addTab(makeScreenshotsPane(), localized("Screenshots"));
   tabs->addTab(makePopupPane(), localized("Popup"));
+  tabs->addTab(makeIntelligencePane(), localized("Intelligence"));
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 8, 0, 0);
   column->addWidget(tabs);
   setMinimumWidth(kWidth);
   changes_ = model.changed.connect([this](const ModelChange& change) { follow(change); });
+}
+
+QWidget* SettingsWindow::makeGeneralPane() {
+  auto* pane = new QWidget(this);
+  auto* column = makePane(pane);
+  auto* group = addGroup(column, localized("Naming"), pane);
+  naming_ = new QComboBox(pane);
+  naming_->addItem(localized("The macOS filename"));
+  naming_->addItem(localized("The suggested filename"));
+  naming_->setAccessibleName(localized("New screenshots keep"));
+  connect(naming_, &QComboBox::currentIndexChanged, this, [this](int index) {
+    model_.setScreenshotNaming(index == 1 ? ScreenshotNaming::suggested : ScreenshotNaming::original);
+  });
+  auto* row = new QHBoxLayout;
+  row->addWidget(new QLabel(localized("New screenshots keep"), pane));
+  row->addStretch();
+  row->addWidget(naming_);
+  group->addLayout(row);
+  namingFooter_ = makeFooter({}, pane);
+  group->addWidget(namingFooter_);
+  column->addStretch();
+  return pane;
+}
+
+QWidget* SettingsWindow::makeIntelligencePane() {
+  auto* pane = new QWidget(this);
+  auto* column = makePane(pane);
+  analyzes_ = new QCheckBox(localized("Analyze screenshots"), pane);
+  connect(analyzes_, &QCheckBox::toggled, this, [this](bool isOn) { model_.setAnalyzeScreenshots(isOn); });
+  column->addWidget(analyzes_);
+  modelSymbol_ = new QLabel(pane);
+  modelStatus_ = new QLabel(pane);
+  modelStatus_->setWordWrap(true);
+  auto* status = new QHBoxLayout;
+  status->setSpacing(8);
+  status->addWidget(modelSymbol_, 0, Qt::AlignTop);
+  status->addWidget(modelStatus_, 1);
+  column->addLayout(status);
+
+  modelAddress_ = new QLineEdit(pane);
+  modelAddress_->setAccessibleName(localized("Model server address"));
+  modelAddress_->setPlaceholderText(localized("Found by itself"));
+  connect(modelAddress_, &QLineEdit::editingFinished, this, [this] { model_.setModelAddress(modelAddress_->text()); });
+  auto* address = new QHBoxLayout;
+  address->addWidget(new QLabel(localized("Model server address"), pane));
+  address->addSpacing(8);
+  address->addWidget(modelAddress_, 1);
+  column->addLayout(address);
+  column->addWidget(makeFooter(
+      localized(
+          "Descriptions and filename suggestions use Apple Intelligence on this Mac. Screenshot content isn’t sent "
+          "to a cloud service."),
+      pane));
+  column->addStretch();
+  return pane;
 }
 
 QWidget* SettingsWindow::makeScreenshotsPane() {
@@ -195,6 +278,28 @@ void SettingsWindow::refresh() {
   seconds_->setValue(*model_.popupAutoSaveSeconds);
   seconds_->setEnabled(*model_.popupAutoSaveEnabled);
   secondsLabel_->setEnabled(*model_.popupAutoSaveEnabled);
+  const bool usesSuggested = *model_.screenshotNaming == ScreenshotNaming::suggested;
+  naming_->setCurrentIndex(usesSuggested ? 1 : 0);
+  const QString footer = localized(
+      "This is the name the popup’s filename field starts with. You can change it there before choosing Keep or "
+      "Temporary.");
+  namingFooter_->setText(usesSuggested ? footer + QLatin1Char('\n') +
+                                             localized("If no suggested name is ready, the macOS filename is used.")
+                                       : footer);
+  refreshIntelligence();
+}
+
+void SettingsWindow::refreshIntelligence() {
+  analyzes_->setChecked(*model_.analyzeScreenshots);
+  if (!modelAddress_->hasFocus()) modelAddress_->setText(*model_.modelAddress);
+  const auto& error = *model_.intelligenceUnavailability;
+  const bool isShown = *model_.analyzeScreenshots && error;
+  modelSymbol_->setVisible(isShown);
+  modelStatus_->setVisible(isShown);
+  if (!isShown) return;
+  const ModelStatus status = modelStatus(error->unavailability);
+  modelStatus_->setText(status.text);
+  modelSymbol_->setPixmap(symbolPixmap(status.symbol, kSymbol, Theme(palette()).warning, devicePixelRatioF()));
 }
 
 void SettingsWindow::showError() {

@@ -6,7 +6,9 @@
 #include "model/AppModel.h"
 
 class QCheckBox;
+class QComboBox;
 class QLabel;
+class QLineEdit;
 class QSpinBox;
 class QTabWidget;
 
@@ -26,13 +28,18 @@ class SettingsWindow final : public QWidget {
   void showEvent(QShowEvent* event) override;
 
  private:
+  QWidget* makeGeneralPane();
   QWidget* makeScreenshotsPane();
   QWidget* makePopupPane();
+  QWidget* makeIntelligencePane();
+  void refreshIntelligence();
   void follow(const ModelChange& change);
   void refresh();
   void showError();
 
   AppModel& model_;
+  QComboBox* naming_ = nullptr;
+  QLabel* namingFooter_ = nullptr;
   QLabel* folderName_ = nullptr;
   QLabel* folderSymbol_ = nullptr;
   QLabel* folderStatus_ = nullptr;
@@ -42,6 +49,10 @@ class SettingsWindow final : public QWidget {
   QCheckBox* dismissesPopup_ = nullptr;
   QLabel* secondsLabel_ = nullptr;
   QSpinBox* seconds_ = nullptr;
+  QCheckBox* analyzes_ = nullptr;
+  QLabel* modelSymbol_ = nullptr;
+  QLabel* modelStatus_ = nullptr;
+  QLineEdit* modelAddress_ = nullptr;
   Connection changes_;
 };
 

@@ -11,6 +11,7 @@
 
 #include "foundation/FileStatus.h"
 #include "foundation/ManualExecutor.h"
+#include "model/FakeAnalyzer.h"
 #include "model/ModelFakes.h"
 #include "platform/linux/CloudFiles.h"
 #include "platform/linux/LiveFileIdentity.h"
@@ -130,6 +131,7 @@ class LiveModel {
     world.fileChooser = &chooser_;
     world.screenshotLocation = &screenshotLocation_;
     world.announcer = &announcer_;
+    world.analyzer = &analyzer_;
     world.systemEvents = &systemEvents_;
     world.now = [this] { return now(); };
     world.timeZone = [] { return QTimeZone::utc(); };
@@ -158,6 +160,7 @@ class LiveModel {
   FakeFileChooser chooser_;
   FakeScreenshotLocation screenshotLocation_;
   FakeAnnouncer announcer_{log};
+  FakeAnalyzer analyzer_;
 
  public:
   std::unique_ptr<AppModel> model;  ///< last, as it uses all of the above

@@ -5,7 +5,10 @@ import itertools
 import os
 import struct
 import subprocess
+import time
 import zlib
+
+from waiting import wait_until
 
 _seconds = itertools.count()
 
@@ -42,6 +45,18 @@ def take(desktop, folder, command, **options):
     if len(new) != 1:
         raise RuntimeError(f"{command[0]} left {new}: {done.stdout}{done.stderr}")
     return os.path.join(folder, new[0])
+
+
+def text(desktop, words):
+    """The screen with a terminal that shows these words, captured into the watched folder."""
+    terminal = desktop.start(["xterm", "-T", words, "-fa", "DejaVu Sans Mono", "-fs", "18", "-bg", "white", "-fg",
+                              "black", "-geometry", "60x6+40+40", "-e", "sh", "-c", f"echo '{words}'; sleep 60"])
+    wait_until("the terminal", lambda: desktop.window_ids(words))
+    time.sleep(0.5)  # until the words are drawn
+    path = os.path.join(desktop.folder, capture_name())
+    desktop.run("scrot", path, check=True)
+    terminal.kill()
+    return path
 
 
 def scrot(desktop, folder):

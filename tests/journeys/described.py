@@ -3,14 +3,14 @@
 
 import captures
 from fake_model_server import FakeModelServer
-from harness import expect, run_journey, wait_until
+from harness import POPUP_TITLE, expect, run_journey, wait_until
 from steps import quit_program
 
 TEXT = "Invoice 4711 paid by card"
 
 
 def texts_of(desktop, shot):
-    record = desktop.record_of(shot)
+    record = desktop.record_of(shot) or {}
     return [record.get(key) for key in ("recognizedText", "imageDescription", "suggestedName")]
 
 
@@ -36,7 +36,8 @@ def journey(desktop):
     server.filename = "another invoice"
     typed = captures.text(desktop, TEXT)
     wait_until("the popup", lambda: desktop.popup.is_shown)
-    desktop.popup.tab_to("Filename")
+    desktop.click(desktop.popup.find("Filename", ("text", "entry")))
+    wait_until("the popup has the keyboard", lambda: desktop.active_title() == POPUP_TITLE)
     desktop.key("ctrl+a")
     desktop.type("Mine")
     wait_until("the suggestion is there", lambda: texts_of(desktop, typed)[2] == "Another invoice", 30)

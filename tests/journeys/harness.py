@@ -219,10 +219,11 @@ class Desktop:
 
     # Settings and records
 
-    def choose_folder(self, folder=None):
+    def choose_folder(self, folder=None, settings=None):
+        """The folder is chosen before the program starts, and what else is set."""
         bookmark = json.dumps({"path": folder or self.folder}).encode()
         self.write_settings({"quillmere.staging-folder-bookmark": base64.b64encode(bookmark).decode(),
-                             "quillmere.welcome-seen": True})
+                             "quillmere.welcome-seen": True, **(settings or {})})
 
     def write_settings(self, settings):
         directory = os.path.join(self.config_home, "Quillmere")

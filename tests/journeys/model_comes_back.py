@@ -7,7 +7,7 @@ from harness import expect, run_journey, wait_until
 
 
 def description_of(desktop, shot):
-    return desktop.record_of(shot).get("imageDescription")
+    return (desktop.record_of(shot) or {}).get("imageDescription")
 
 
 def journey(desktop):
@@ -22,7 +22,7 @@ def journey(desktop):
 
     server.stop()
     second = captures.text(desktop, "The second")
-    wait_until("its text is saved", lambda: "second" in desktop.record_of(second).get("recognizedText", ""), 30)
+    wait_until("its text is saved", lambda: "second" in (desktop.record_of(second) or {}).get("recognizedText", ""), 30)
     desktop.popup.press("Keep")
     wait_until("the next popup", lambda: desktop.popup.is_shown)
 

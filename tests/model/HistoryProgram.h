@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/FakeAnalyzer.h"
 #include "model/HistoryWorld.h"
 #include "model/ModelFakes.h"
 
@@ -181,6 +182,7 @@ class HistoryProgram {
   FakeFileChooser chooser;
   FakeScreenshotLocation location;
   FakeAnnouncer announcer{log};
+  FakeAnalyzer analyzer;
   Date startedAt;
   std::unique_ptr<ScreenshotInboxMonitor> monitor;
   std::unique_ptr<AppModel> model;
@@ -200,6 +202,7 @@ class HistoryProgram {
     all.screenshotLocation = &location;
     all.startDownload = [](const FileURL&) { return false; };
     all.announcer = &announcer;
+    all.analyzer = &analyzer;
     all.systemEvents = &systemEvents;
     all.now = [this] { return world_.now(); };
     all.timeZone = [] { return QTimeZone::utc(); };

@@ -6,6 +6,7 @@
 #include <QtCore/QJsonObject>
 
 #include "foundation/ManualExecutor.h"
+#include "model/FakeAnalyzer.h"
 #include "model/ModelFakes.h"
 #include "support/Files.h"
 #include "support/Printing.h"
@@ -100,6 +101,7 @@ class ModelFixture : public ::testing::Test {
     world.fileChooser = &chooser;
     world.screenshotLocation = &location;
     world.announcer = &announcer;
+    world.analyzer = &analyzer;
     world.systemEvents = &systemEvents;
     world.now = [this] { return now(); };
     world.timeZone = [] { return QTimeZone::utc(); };
@@ -284,6 +286,7 @@ class ModelFixture : public ::testing::Test {
   FakeFileChooser chooser;
   FakeScreenshotLocation location;
   FakeAnnouncer announcer{log};
+  FakeAnalyzer analyzer;
 
   std::map<std::string, std::optional<FileIdentity>> identities;
   std::map<std::string, CaptureKind> captureKinds;

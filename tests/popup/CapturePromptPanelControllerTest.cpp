@@ -247,6 +247,17 @@ TEST_F(CapturePromptPanelControllerTest, AnErrorMakesItTallerUpwards) {
   EXPECT_EQ(frame(), before);
 }
 
+TEST_F(CapturePromptPanelControllerTest, ADescriptionOfSeveralLinesMakesItTallerUpwards) {
+  const UUID id = show();
+  const QRectF before = frame();
+  analyzer.immediateDescriptions = {
+      ScreenshotAnalysisResult{QStringLiteral("A word ").repeated(30), QStringLiteral("Name")}};
+  model->startAnalysis(id);
+  settle();
+  EXPECT_GT(frame().height(), before.height());
+  EXPECT_EQ(frame().top(), before.top()) << "the lower edge, as the screens count upwards";
+}
+
 TEST_F(CapturePromptPanelControllerTest, WithoutThePreviewItIsShorterByIt) {
   show();
   const qreal before = frame().height();

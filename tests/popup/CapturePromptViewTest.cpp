@@ -13,6 +13,7 @@
 namespace quillmere {
 namespace {
 
+using testing::FakeAnalyzer;
 using testing::State;
 
 /// The view over a model, shown in a window that has the keyboard.
@@ -309,6 +310,34 @@ TEST_F(CapturePromptViewTest, AClickIntoTheNameWantsTheKeyboard) {
 }
 
 // --- The name ---
+
+TEST_F(CapturePromptViewTest, TheDescriptionOrWhyThereIsNoneStandsUnderThePicture) {
+  const auto status = [&] { return view->findChild<QLabel*>(QStringLiteral("analysisStatus"))->text(); };
+  EXPECT_EQ(status(), QStringLiteral("No description yet."));
+  analyzer.holdsDescriptions = true;
+  model->startAnalysis(id);
+  refresh();
+  EXPECT_EQ(status(), QStringLiteral("Analyzing screenshot…"));
+  FakeAnalyzer::answer<DescribeOutcome>(analyzer.descriptions[0],
+                                        AnalysisError{.kind = AnalysisError::Kind::contentBlocked});
+  refresh();
+  EXPECT_EQ(status(), analysisNote(AnalysisFailureCode::contentBlocked));
+  EXPECT_FALSE(button("Analyze Again")->isVisible()) << "it would be refused again";
+}
+
+TEST_F(CapturePromptViewTest, AFailureThatMayPassOffersToTryAgain) {
+  analyzer.immediateDescriptions = {
+      AnalysisError{.kind = AnalysisError::Kind::invalidResponse},
+      ScreenshotAnalysisResult{QStringLiteral("<b>An invoice</b>"), QStringLiteral("Invoice")}};
+  model->startAnalysis(id);
+  refresh();
+  ASSERT_TRUE(button("Analyze Again")->isVisible());
+  button("Analyze Again")->click();
+  refresh();
+  const auto* text = view->findChild<QLabel*>(QStringLiteral("analysisStatus"));
+  EXPECT_EQ(text->text(), QStringLiteral("<b>An invoice</b>"));
+  EXPECT_EQ(text->textFormat(), Qt::PlainText) << "a model's words are no markup";
+}
 
 TEST_F(CapturePromptViewTest, ALateSuggestionTakesThePlaceOfANameThatNobodyTouched) {
   model->setScreenshotNaming(ScreenshotNaming::suggested);

@@ -50,17 +50,17 @@ Task<DescribeOutcome> LiveScreenshotAnalyzer::describe(FileURL url, std::optiona
 }
 
 Task<std::optional<QString>> LiveScreenshotAnalyzer::recognizeText(FileURL url) {
-  const auto isCancelled = std::make_shared<std::atomic<bool>>(false);
-  const std::function<void()> cancel = [isCancelled] { *isCancelled = true; };
-  const std::function<Text(TextRecognizer&)> work = [isDataless = isDataless_, url, isCancelled](TextRecognizer& one) {
-    if (*isCancelled || isDataless(url)) return Text();
+  const auto mayStop = std::make_shared<std::atomic<bool>>(false);
+  const std::function<void()> cancel = [mayStop] { *mayStop = true; };
+  const std::function<Text(TextRecognizer&)> work = [isDataless = isDataless_, url, mayStop](TextRecognizer& one) {
+    if (*mayStop || isDataless(url)) return Text();
     const auto image = ImageOperations::loadImage(url);
-    return image ? one.recognizeText(*image, *isCancelled) : Text();
+    return image ? one.recognizeText(*image, *mayStop) : Text();
   };
   co_await onCancel(cancel);
   Recognition recognition(engines_, executor_, work);
   Text text = co_await recognition;
-  co_return *isCancelled ? std::nullopt : text;
+  co_return *mayStop ? std::nullopt : text;
 }
 
 }  // namespace quillmere

@@ -53,6 +53,8 @@ LiveServices::LiveServices(const ApplicationPaths& paths)
       mounts(&systemEvents),
       securityScope(mounts),
       watchFolderStore(defaults, mounts),
+      languageModel(executor, ModelServerPlaces::standard(defaults), &systemNow),
+      analyzer(executor, languageModel, &CloudFiles::isDataless),
       monitor(executor, systemEvents, folderEvents, scanServices(), &systemNow) {}
 
 ScanServices LiveServices::scanServices() {
@@ -81,6 +83,7 @@ AppModelDependencies LiveServices::dependencies(const ApplicationPaths& paths) {
   dependencies.screenshotLocation = &screenshotLocation;
   dependencies.monitor = &monitor;
   dependencies.announcer = &announcer;
+  dependencies.analyzer = &analyzer;
   dependencies.systemEvents = &systemEvents;
   dependencies.now = &systemNow;
   dependencies.timeZone = [] { return QTimeZone::systemTimeZone(); };

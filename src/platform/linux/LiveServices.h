@@ -7,6 +7,8 @@
 #include "platform/linux/LiveAnnouncer.h"
 #include "platform/linux/LiveFileOperations.h"
 #include "platform/linux/LiveFolderEventSource.h"
+#include "platform/linux/LiveLanguageModel.h"
+#include "platform/linux/LiveScreenshotAnalyzer.h"
 #include "platform/linux/LiveScreenshotLocationProvider.h"
 #include "platform/linux/LiveSecurityScopeAccess.h"
 #include "platform/linux/MountTable.h"
@@ -42,6 +44,8 @@ class LiveServices {
   LiveFolderEventSource folderEvents;
   LiveScreenshotLocationProvider screenshotLocation;
   LiveAnnouncer announcer;
+  LiveLanguageModel languageModel;
+  LiveScreenshotAnalyzer analyzer;
   ScreenshotInboxMonitor monitor;
 
  private:
