@@ -129,9 +129,10 @@ std::optional<GrayImage> readPgm(const std::string& bytes) {
 }
 
 Input read(const FileURL& url) {
-  const auto head = readFile(url, 2);
+  std::string head(2, '\0');
+  std::ifstream(url.path(), std::ios::binary).read(head.data(), 2);
   Input input;
-  if (head && head->starts_with("P5")) {
+  if (head == "P5") {
     const auto bytes = readFile(url);
     input.gray = bytes ? readPgm(*bytes) : std::nullopt;
     if (!input.gray) stop("this is no 8-bit binary PGM");
