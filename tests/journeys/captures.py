@@ -53,14 +53,20 @@ def text(desktop, words):
                               "black", "-geometry", "60x6+40+40", "-e", "sh", "-c", f"echo '{words}'; sleep 60"])
     wait_until("the terminal", lambda: desktop.window_ids(words))
     time.sleep(0.5)  # until the words are drawn
-    path = os.path.join(desktop.folder, capture_name())
-    desktop.run("scrot", path, check=True)
+    path = scrot_named(desktop)
     terminal.kill()
     return path
 
 
 def scrot(desktop, folder):
     return take(desktop, folder, ["scrot"], cwd=folder)
+
+
+def scrot_named(desktop):
+    """A capture under a name of its own, which a second one does not wait for."""
+    path = os.path.join(desktop.folder, capture_name())
+    desktop.run("scrot", path, check=True)
+    return path
 
 
 def gnome_screenshot(desktop, folder):

@@ -26,7 +26,7 @@ def journey(desktop):
     desktop.launch()
     desktop.wait_for(MISMATCH, "label", "Quillmere")
 
-    open_settings(desktop)
+    open_settings(desktop, "Screenshots")
     desktop.wait_for(DIFFERS, "label", "Settings")
     desktop.click(desktop.wait_for("Save Screenshots to Screenshots", "push button", "Settings"))
     desktop.click(desktop.wait_for("Save Screenshots Here", "push button", QUESTION))

@@ -18,7 +18,7 @@ def journey(desktop):
 
     other = os.path.join(desktop.home, "Captures")
     os.mkdir(other)
-    open_settings(desktop)
+    open_settings(desktop, "Screenshots")
     desktop.click(desktop.wait_for("Choose Screenshot Folder", "push button", "Settings"))
     answer_file_dialog(desktop, FOLDER_DIALOG, other)
     desktop.wait_for("Captures", "label", "Settings")

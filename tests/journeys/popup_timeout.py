@@ -13,8 +13,7 @@ ELSEWHERE = (5, 5)
 
 
 def switch_on(desktop):
-    open_settings(desktop)
-    desktop.click(desktop.wait_for("Popup", "page tab", "Settings"))
+    open_settings(desktop, "Popup")
     field = desktop.wait_for("Popup timeout in seconds", "spin box", "Settings")
     expect("the seconds do not count yet", not field.is_enabled)
     desktop.click(desktop.wait_for("Automatically dismiss the popup", "check box", "Settings"))

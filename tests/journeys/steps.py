@@ -29,9 +29,10 @@ def choose_folder_in_dialog(desktop, folder):
                lambda: not desktop.find("Choose Your Screenshot Folder", "label", "Quillmere"))
 
 
-def open_settings(desktop):
+def open_settings(desktop, pane):
     desktop.action("settings")
     wait_until("the settings have the keyboard", lambda: desktop.active_title() == "Settings")
+    desktop.click(desktop.wait_for(pane, "page tab", "Settings"))
 
 
 def row_of(desktop, shot):
