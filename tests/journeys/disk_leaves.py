@@ -6,7 +6,7 @@ import os
 import captures
 from disks import Disk, can_mount
 from harness import expect, run_journey, wait_until
-from steps import choose_folder_in_dialog, select_row, wait_for_row
+from steps import choose_folder_in_dialog, select_row, settled_record, wait_for_row
 
 AWAY = ("The screenshot folder is on a disk that isn’t connected. Connect the disk and Quillmere starts watching it "
         "again.")
@@ -26,7 +26,7 @@ def journey(desktop):
     shot = captures.save(folder)
     desktop.popup.wait_for(shot)
     wait_until("it is pending", lambda: desktop.state_of(shot) == "pending")
-    before = desktop.record_of(shot)
+    before = settled_record(desktop, shot)
 
     disk.pull_out()
     desktop.popup.wait_gone()

@@ -5,7 +5,7 @@ import os
 
 import captures
 from harness import expect, run_journey, wait_until
-from steps import answer_file_dialog, row_of, select_row, wait_for_row
+from steps import answer_file_dialog, row_of, select_row, settled_record, wait_for_row
 
 DIALOG = "Move and Rename Screenshot"
 ALERT = "Couldn’t Move Screenshot"

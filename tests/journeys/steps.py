@@ -35,6 +35,12 @@ def open_settings(desktop, pane):
     desktop.click(desktop.wait_for(pane, "page tab", "Settings"))
 
 
+def settled_record(desktop, shot):
+    """The record when its text has been read, after which nothing changes it by itself."""
+    wait_until("its text is read", lambda: "recognizedText" in (desktop.record_of(shot) or {}), 30)
+    return desktop.record_of(shot)
+
+
 def row_of(desktop, shot):
     """Its row in the Inbox."""
     return desktop.wait_for(os.path.basename(shot), "list item", "Quillmere")

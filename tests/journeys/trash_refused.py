@@ -6,7 +6,7 @@ import subprocess
 
 import captures
 from harness import expect, run_journey, wait_until
-from steps import TrashEntry
+from steps import TrashEntry, settled_record
 
 
 def set_refusing(folder, refuses):
@@ -22,7 +22,7 @@ def journey(desktop):
     shot = captures.scrot(desktop, desktop.folder)
     desktop.popup.wait_for(shot)
     wait_until("it is listed", lambda: desktop.state_of(shot) == "pending")
-    before = desktop.record_of(shot)
+    before = settled_record(desktop, shot)
     set_refusing(desktop.folder, True)
     try:
         desktop.popup.press("Move to Trash")
