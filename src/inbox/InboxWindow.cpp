@@ -122,6 +122,9 @@ void InboxWindow::follow(const ModelChange& change) {
     case ModelField::evictedItemIDs:
     case ModelField::iCloudItemIDs:
     case ModelField::downloadStates:
+    case ModelField::analyzingIDs:
+    case ModelField::analyzeScreenshots:
+    case ModelField::intelligenceUnavailability:
     case ModelField::deletesChosenImmediately:
     case ModelField::macOSScreenshotFolder:
     case ModelField::watchFolderHasReceivedScreenshot:
