@@ -9,7 +9,9 @@ namespace {
 
 /// Neighbours that differ by no more in any channel are of one area: gradients and the noise of JPEG pass, the smoothed
 /// edge of a letter does not.
-constexpr int kTolerance = 4;
+const int kTolerance = std::getenv("M_T") ? atoi(std::getenv("M_T")) : 4;
+/// Two colours that take turns pixel by pixel may be this far apart; less than what text needs to be seen.
+constexpr int kDither = 24;
 /// The smallest ground, as behind a line of the smallest text.
 constexpr int kSmallestSide = 10;
 /// Nothing that is higher is a letter.
@@ -24,12 +26,17 @@ constexpr double kStraight = 0.55;
 /// No stroke of a letter is as broad, so that no holes are asked for.
 constexpr int kBroadestStroke = 160;
 
-bool agree(uint32_t a, uint32_t b) {
+bool agree(uint32_t a, uint32_t b, int tolerance = kTolerance) {
   if (a == b) return true;
   const auto differs = [&](int shift) {
-    return std::abs(static_cast<int>((a >> shift) & 255) - static_cast<int>((b >> shift) & 255)) > kTolerance;
+    return std::abs(static_cast<int>((a >> shift) & 255) - static_cast<int>((b >> shift) & 255)) > tolerance;
   };
   return !differs(0) && !differs(8) && !differs(16);
+}
+
+/// Whether `pixel` goes on from the one before it, or takes part in a dither with the two before it.
+bool continues(uint32_t pixel, uint32_t before, const uint32_t* twoBefore) {
+  return agree(pixel, before) || (twoBefore && pixel == *twoBefore && agree(pixel, before, kDither));
 }
 
 /// Shorter ones are dashes and bars of text.
@@ -140,31 +147,25 @@ TextGrounds::TextGrounds(const QImage& image)
       height_(image.height()),
       grounds_(static_cast<size_t>(image.width()) * static_cast<size_t>(image.height())) {
   std::vector<Area> areas;  // begins with one for each run of a row
+  const auto rowOf = [&](int y) { return y < 0 ? nullptr : reinterpret_cast<const uint32_t*>(image.constScanLine(y)); };
   for (int y = 0; y < height_; ++y) {
-    const auto* pixels = reinterpret_cast<const uint32_t*>(image.constScanLine(y));
-    const auto* above = y ? reinterpret_cast<const uint32_t*>(image.constScanLine(y - 1)) : nullptr;
+    const auto *pixels = rowOf(y), *above = rowOf(y - 1), *twoAbove = rowOf(y - 2);
     Ground* labels = grounds_.data() + static_cast<size_t>(y) * static_cast<size_t>(width_);
     const Ground* labelsAbove = labels - width_;
-    int32_t joinedAbove = -1;
-    for (int x = 0; x < width_; ++x) {
-      if (x == 0 || !agree(pixels[x], pixels[x - 1])) {
-        areas.push_back({static_cast<int32_t>(areas.size()), x, x, y, y});
-        joinedAbove = -1;
-      }
-      const auto area = static_cast<int32_t>(areas.size() - 1);
-      labels[x] = area;
-      if (above && labelsAbove[x] != joinedAbove && agree(pixels[x], above[x])) {
-        join(areas, area, labelsAbove[x]);
+    for (int begin = 0, end = 0; begin < width_; begin = end) {
+      end = begin + 1;
+      while (end < width_ && continues(pixels[end], pixels[end - 1], end > begin + 1 ? pixels + end - 2 : nullptr))
+        ++end;
+      const auto area = static_cast<int32_t>(areas.size());
+      areas.push_back({area, begin, end - 1, y, y, end - begin});
+      std::fill(labels + begin, labels + end, area);
+      if (!above) continue;
+      int32_t joinedAbove = -1;
+      for (int x = begin; x < end; ++x) {
+        if (labelsAbove[x] == joinedAbove || !continues(pixels[x], above[x], twoAbove ? twoAbove + x : nullptr))
+          continue;
         joinedAbove = labelsAbove[x];
-      }
-      // The run itself may have been joined to an older one by now.
-      if (x + 1 == width_ || !agree(pixels[x + 1], pixels[x])) {
-        const int length = x + 1 - areas[area].left;
-        Area& whole = areas[root(areas, area)];
-        whole.left = std::min(whole.left, x + 1 - length);
-        whole.right = std::max(whole.right, x);
-        whole.bottom = std::max(whole.bottom, y);
-        whole.pixels += length;
+        join(areas, area, joinedAbove);
       }
     }
   }

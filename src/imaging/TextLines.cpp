@@ -20,11 +20,25 @@ constexpr int kSmallestSolid = 10;
 /// More pieces are a photograph's; looking for lines among them would take seconds.
 constexpr size_t kMostPieces = 30000;
 constexpr int kLowestLine = 5;
+/// Alone, nothing of this size is a word: the corner of a field.
+constexpr int kSpeck = 6;
 /// How many times their height two pieces of one line may be apart.
 constexpr double kGap = 1.5;
+/// How much of the taller one's height two neighbours have in common at least.
+constexpr double kLeastCommon = 0.42;
 
 /// How much of the ink's sides its ground must touch, in percent.
 constexpr int kEnclosed = 80;
+
+/// Dots, accents, quotes and dashes have at most this size, in heights of their line, and are at most so far away.
+constexpr size_t kSmallPieces = 3;
+constexpr double kSmallHeight = 0.6;
+constexpr double kSmallWidth = 1;
+constexpr double kReachAbove = 0.35;
+constexpr double kReachBeside = 1.2;
+/// The branches of a tree, a graph's curve: large and nearly empty.
+constexpr int kSmallestSparse = 900;
+constexpr double kSparse = 0.12;
 
 class Groups {
  public:
@@ -98,12 +112,23 @@ bool isFrame(const InkPiece& piece) {
          ink * 2 < static_cast<int64_t>(box.width()) * box.height();
 }
 
+bool isRule(QSize size) {
+  return (size.height() <= kRuleThickness && size.width() > kLongestDash) ||
+         (size.width() <= kRuleThickness && size.height() > kTallestBar);
+}
+
+int64_t inkOf(const InkPiece& piece) {
+  return std::accumulate(piece.runs.begin(), piece.runs.end(), int64_t{0},
+                         [](int64_t sum, const InkPiece::Run& run) { return sum + run.end - run.begin; });
+}
+
+bool isSparse(const InkPiece& piece) {
+  const int64_t room = static_cast<int64_t>(piece.box.width()) * piece.box.height();
+  return room >= kSmallestSparse && static_cast<double>(inkOf(piece)) < kSparse * static_cast<double>(room);
+}
+
 bool canBeText(const InkPiece& piece) {
-  const QSize size = piece.box.size();
-  if (size.height() > kTallest) return false;
-  if (size.height() <= kRuleThickness && size.width() > kLongestDash) return false;
-  if (size.width() <= kRuleThickness && size.height() > kTallestBar) return false;
-  return !isFrame(piece);
+  return piece.box.height() <= kTallest && !isRule(piece.box.size()) && !isFrame(piece) && !isSparse(piece);
 }
 
 const uint32_t* pixelRow(const QImage& image, int y) {
@@ -167,7 +192,7 @@ int gap(const QRect& a, const QRect& b) {
 bool standSideBySide(const QRect& a, const QRect& b) {
   const int tall = std::max(a.height(), b.height()), low = std::min(a.height(), b.height());
   const int common = overlap(a, b);
-  return common * 100 >= 42 * tall && common * 10 >= 6 * low && gap(a, b) <= kGap * tall;
+  return common >= kLeastCommon * tall && common * 10 >= 6 * low && gap(a, b) <= kGap * tall;
 }
 
 using Test = bool (*)(const TextLine&, const TextLine&);
@@ -178,7 +203,8 @@ std::vector<TextLine> joined(std::vector<TextLine> lines, Test test) {
             [](const TextLine& a, const TextLine& b) { return a.box.left() < b.box.left(); });
   Groups groups(lines.size());
   for (size_t i = 0; i < lines.size(); ++i) {
-    const int reach = lines[i].box.right() + 2 * kTallest;
+    // Nothing that stands side by side with it is so much taller that it could be farther away.
+    const int reach = lines[i].box.right() + static_cast<int>(kGap * lines[i].box.height() / kLeastCommon) + 1;
     for (size_t j = i + 1; j < lines.size() && lines[j].box.left() <= reach; ++j) {
       if (lines[i].pieces[0].ground == lines[j].pieces[0].ground && test(lines[i], lines[j])) groups.join(i, j);
     }
@@ -198,32 +224,47 @@ std::vector<TextLine> joined(std::vector<TextLine> lines, Test test) {
   return result;
 }
 
+bool isSmallBeside(const TextLine& small, const TextLine& line) {
+  return small.pieces.size() <= kSmallPieces && small.box.height() <= kSmallHeight * line.box.height() &&
+         small.box.width() <= kSmallWidth * line.box.height();
+}
+
 /// Dots, accents and quotes stand above or below what their neighbours reach.
 void attachSmall(std::vector<TextLine>& lines) {
   const auto isHigher = [](const TextLine& a, const TextLine& b) { return a.box.top() < b.box.top(); };
   std::sort(lines.begin(), lines.end(), isHigher);
-  for (TextLine& small : lines) {
-    if (small.pieces.empty()) continue;
+  // The boxes stay what they were meanwhile: a line must not grow along a dotted one.
+  std::vector<size_t> owners(lines.size(), SIZE_MAX);
+  for (size_t i = 0; i < lines.size(); ++i) {
+    const QRect& small = lines[i].box;
     TextLine nearest;
-    nearest.box.moveTop(small.box.top() - 2 * kTallest);
-    TextLine* best = nullptr;
+    nearest.box.moveTop(small.top() - 2 * kTallest);
     double bestDistance = 0;
-    for (auto line = std::lower_bound(lines.begin(), lines.end(), nearest, isHigher);
-         line != lines.end() && line->box.top() <= small.box.bottom() + kTallest; ++line) {
-      if (&*line == &small || line->pieces.empty() || line->pieces[0].ground != small.pieces[0].ground) continue;
-      const int height = line->box.height();
-      if (small.box.height() * 10 > 6 * height || gap(line->box, small.box) > 1.2 * height) continue;
-      const int middle = small.box.center().y();
-      const int distance = std::max(line->box.top() - middle, middle - line->box.bottom());
-      if (distance > 0.35 * height || (best && distance >= bestDistance)) continue;
-      best = &*line;
+    const auto first = std::lower_bound(lines.begin(), lines.end(), nearest, isHigher);
+    for (auto j = static_cast<size_t>(first - lines.begin());
+         j < lines.size() && lines[j].box.top() <= small.bottom() + kTallest; ++j) {
+      if (j == i || !isSmallBeside(lines[i], lines[j]) || lines[j].pieces[0].ground != lines[i].pieces[0].ground)
+        continue;
+      const QRect& line = lines[j].box;
+      const int distance = std::max(line.top() - small.center().y(), small.center().y() - line.bottom());
+      const double reach = distance > 0 ? kReachAbove : kReachBeside;
+      if (gap(line, small) > reach * line.height()) continue;
+      if (distance > kReachAbove * line.height() || (owners[i] != SIZE_MAX && distance >= bestDistance)) continue;
+      owners[i] = j;
       bestDistance = distance;
     }
-    if (!best) continue;
-    // The order by top holds well enough while a box grows by a dot.
-    best->box |= small.box;
-    std::move(small.pieces.begin(), small.pieces.end(), std::back_inserter(best->pieces));
-    small.pieces.clear();
+  }
+  // Lowest first, as what is attached to something small goes along with it.
+  std::vector<size_t> order(lines.size());
+  std::iota(order.begin(), order.end(), size_t{0});
+  std::sort(order.begin(), order.end(),
+            [&](size_t a, size_t b) { return lines[a].box.height() < lines[b].box.height(); });
+  for (const size_t i : order) {
+    if (owners[i] == SIZE_MAX) continue;
+    TextLine& line = lines[owners[i]];
+    line.box |= lines[i].box;
+    std::move(lines[i].pieces.begin(), lines[i].pieces.end(), std::back_inserter(line.pieces));
+    lines[i].pieces.clear();
   }
   std::erase_if(lines, [](const TextLine& line) { return line.pieces.empty(); });
 }
@@ -263,9 +304,12 @@ std::vector<TextLine> textLines(const QImage& image, const TextGrounds& grounds)
   if (lines.size() > kMostPieces) return {};
   const Test neighbours = [](const TextLine& a, const TextLine& b) { return standSideBySide(a.box, b.box); };
   lines = joined(std::move(lines), neighbours);
+  std::erase_if(lines, [](const TextLine& line) { return isRule(line.box.size()); });  // a dotted one
   attachSmall(lines);
   lines = joined(std::move(lines), neighbours);
-  std::erase_if(lines, [](const TextLine& line) { return line.box.height() < kLowestLine; });
+  std::erase_if(lines, [](const TextLine& line) {
+    return line.box.height() < kLowestLine || std::max(line.box.width(), line.box.height()) <= kSpeck;
+  });
   sortByRows(lines);
   return lines;
 }

@@ -14,7 +14,7 @@ namespace {
 
 /// Pictures are looked through in bands, so that memory does not grow with them. Neighbours share twice the margin,
 /// which is higher than a line; each line belongs to the band in whose inner part its middle is.
-constexpr int kBandPixels = 4'000'000;
+constexpr int kBandPixels = 2'000'000;
 constexpr int kBandMargin = 120;
 constexpr int kLowestBand = 4 * kBandMargin;
 /// Wider pictures are reduced.
@@ -22,7 +22,7 @@ constexpr int kWidest = 32767;
 
 /// A line read with less confidence is read once more in the other way, which also looks for the words' places. Most
 /// lines are read best as they are.
-constexpr int kDoubtful = 85;
+constexpr int kDoubtful = 75;
 /// Of one or two characters below this, none is there: corners and icons.
 constexpr int kUnbelievable = 65;
 /// What is printed; the engine's own guess at it from so small a picture costs time and is wrong.
@@ -54,7 +54,10 @@ class TextRecognizer::Engine {
   /// False when there is no data of any of the languages.
   bool load(const QLocale& locale) {
     api_.SetVariable("debug_file", "/dev/null");
-    return api_.Init(nullptr, recognitionLanguages(locale).toLatin1().constData(), tesseract::OEM_LSTM_ONLY) == 0;
+    if (api_.Init(nullptr, recognitionLanguages(locale).toLatin1().constData(), tesseract::OEM_LSTM_ONLY) != 0)
+      return false;
+    // Lines are dark on white already; no doubtful one is to be tried the other way round.
+    return api_.SetVariable("tessedit_do_invert", "0");
   }
 
   /// Empty when nothing is there or when it was cancelled.

@@ -1,4 +1,4 @@
-#include <QtCore/QCoreApplication>
+#include <QtGui/QGuiApplication>
 
 #include "support/PrivateEnvironment.h"
 
@@ -10,6 +10,6 @@ extern "C" const char* __lsan_default_suppressions() {
 int main(int argc, char** argv) {
   const quillmere::testing::PrivateEnvironment environment;
   ::testing::InitGoogleTest(&argc, argv);
-  const QCoreApplication application(argc, argv);
+  const QGuiApplication application(argc, argv);
   return RUN_ALL_TESTS();
 }
