@@ -7,9 +7,9 @@
 namespace quillmere {
 namespace {
 
-/// Neighbours that differ by no more in any channel are of one area: gradients and the noise of JPEG pass, the smoothed
-/// edge of a letter does not.
-const int kTolerance = std::getenv("M_T") ? atoi(std::getenv("M_T")) : 4;
+/// Neighbours that differ by no more in any channel are of one area. Less, and the noise that JPEG puts around letters
+/// would be ink; more, and the smoothed edges of faint letters would be ground.
+constexpr int kTolerance = 16;
 /// Two colours that take turns pixel by pixel may be this far apart; less than what text needs to be seen.
 constexpr int kDither = 24;
 /// The smallest ground, as behind a line of the smallest text.

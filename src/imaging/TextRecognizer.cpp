@@ -138,9 +138,13 @@ std::optional<QString> TextRecognizer::recognizeText(const QImage& image, const 
     for (const TextLine& line : textLines(plain, grounds)) {
       const int middle = line.box.center().y();
       if (middle < first || middle >= last) continue;
-      const QString text = engine_->read(preparedLine(plain, line), isCancelled);
-      if (isCancelled) return std::nullopt;
-      if (!text.isEmpty()) texts += text;
+      QStringList parts;
+      for (const QImage& part : preparedLine(plain, grounds, line)) {
+        const QString text = engine_->read(part, isCancelled);
+        if (isCancelled) return std::nullopt;
+        if (!text.isEmpty()) parts += text;
+      }
+      if (!parts.isEmpty()) texts += parts.join(' ');
     }
   }
   return texts.join('\n');
