@@ -41,6 +41,10 @@ AnalysisStatusRow::AnalysisStatusRow(QWidget* parent)
   row->addWidget(button_, 0, Qt::AlignTop);
 }
 
+QWidget* AnalysisStatusRow::control() const {
+  return button_;
+}
+
 void AnalysisStatusRow::show(const QString& text, bool isFailure, bool offersAnalysis) {
   symbol_->setVisible(isFailure);
   if (isFailure) {

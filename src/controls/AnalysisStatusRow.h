@@ -16,6 +16,8 @@ class AnalysisStatusRow final : public QWidget {
 
   void show(const QString& text, bool isFailure, bool offersAnalysis);
   std::function<void()> onAnalyze;
+  /// What of it takes the keyboard, for the order of a window's controls.
+  QWidget* control() const;
 
  private:
   QLabel* symbol_;

@@ -187,7 +187,6 @@ class AppModel : private AnalysisRecords {
   AnalysisAvailability analysisAvailability() const;
   /// The text in the screenshot, recognised if need be. Nothing when that failed or was cancelled.
   Task<std::optional<QString>> recognizedText(const UUID& id);
-  const AnalysisPipeline& analysisPipeline() const { return analysis_; }
 
   // --- Watch folder: AppModelWatchFolder.cpp ---
   FolderPanelStart folderPanelStart(const std::optional<FileURL>& preferred);

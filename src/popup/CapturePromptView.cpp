@@ -53,7 +53,8 @@ CapturePromptView::CapturePromptView(AppModel& model, Executor& executor, Thumbn
   errorBanner_->onDismiss = [this] { runGated([this] { model_.dismissError(ErrorScope::popup); }); };
   rows->addWidget(errorBanner_);
   rows->addWidget(makeActions());
-  setTabOrder(closeButton_, nameField_);
+  setTabOrder(closeButton_, analysis_->control());
+  setTabOrder(analysis_->control(), nameField_);
   setTabOrder(nameField_, temporaryButton_);
   setTabOrder(temporaryButton_, keepButton_);
   setTabOrder(keepButton_, durationPicker_);

@@ -332,6 +332,11 @@ TEST_F(CapturePromptViewTest, AFailureThatMayPassOffersToTryAgain) {
   model->startAnalysis(id);
   refresh();
   ASSERT_TRUE(button("Analyze Again")->isVisible());
+  button("Dismiss Screenshot Popup")->setFocus();
+  press(Qt::Key_Tab);
+  EXPECT_EQ(QApplication::focusWidget(), button("Analyze Again")) << "where it stands on the card";
+  press(Qt::Key_Tab);
+  EXPECT_EQ(QApplication::focusWidget(), field());
   button("Analyze Again")->click();
   refresh();
   const auto* text = view->findChild<QLabel*>(QStringLiteral("analysisStatus"));

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <memory>
 
+#include "foundation/Interruptible.h"
 #include "foundation/OnCancel.h"
 #include "imaging/ImageOperations.h"
 
@@ -10,10 +11,6 @@ namespace quillmere {
 namespace {
 
 using Text = std::optional<QString>;
-
-Task<DescribeOutcome> ended(DescribeOutcome outcome) {
-  co_return outcome;
-}
 
 /// `co_await` gives what the work returns on one of the pool's threads. The pool outlives the wait.
 class Recognition {
@@ -45,8 +42,14 @@ LiveScreenshotAnalyzer::LiveScreenshotAnalyzer(Executor& executor, LanguageModel
     : executor_(executor), service_(model, executor), isDataless_(std::move(isDataless)) {}
 
 Task<DescribeOutcome> LiveScreenshotAnalyzer::describe(FileURL url, std::optional<QString> text) {
-  if (isDataless_(url)) return ended(AnalysisError::other(true));
-  return service_.describe(std::move(url), std::move(text));
+  // Off the main thread: a share may be slow to answer.
+  const std::function<bool()> look = [isDataless = isDataless_, url] { return isDataless(url); };
+  const bool isAway = co_await executor_.background(look);
+  if (co_await isCancelled) co_return AnalysisCancelled();
+  if (isAway) co_return AnalysisError::other(true);
+  const auto described = service_.describe(url, text);
+  DescribeOutcome outcome = co_await interruptible(described);
+  co_return outcome;
 }
 
 Task<std::optional<QString>> LiveScreenshotAnalyzer::recognizeText(FileURL url) {
