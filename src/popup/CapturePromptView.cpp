@@ -242,7 +242,7 @@ std::optional<QString> CapturePromptView::newName() const {
 void CapturePromptView::chooseTemporary() {
   if (!gateAllows()) return;
   const UUID id = content_->item.id;
-  model_.markTemporary(id, durationPicker_->duration(), newName());
+  model_.markTemporary(id, durationPicker_->duration(), newName()).detach();
   const ScreenshotItem* item = model_.items().find(id);
   if (item && item->state == ScreenshotItem::State::temporary) {
     model_.announce(localized("Screenshot marked as temporary."), AnnouncementPriority::low);
@@ -252,7 +252,7 @@ void CapturePromptView::chooseTemporary() {
 void CapturePromptView::chooseKeep() {
   if (!gateAllows()) return;
   const UUID id = content_->item.id;
-  model_.keepPrompt(id, newName());
+  model_.keepPrompt(id, newName()).detach();
   const ScreenshotItem* item = model_.items().find(id);
   if (item && item->state == ScreenshotItem::State::permanent) {
     model_.announce(localized("Screenshot kept."), AnnouncementPriority::low);
