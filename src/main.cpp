@@ -1,5 +1,6 @@
 #include <QtWidgets/QApplication>
 
+#include "controls/ApplicationAppearance.h"
 #include "imaging/ThumbnailLoader.h"
 #include "model/AppModel.h"
 #include "platform/linux/ApplicationBus.h"
@@ -59,6 +60,7 @@ int main(int argc, char** argv) {
   }
 
   LiveServices services(paths);
+  ApplicationAppearance look;
   LivePanelScreens screens;
   X11PanelWindowSystem windowSystem;
   FilePanels filePanels;

@@ -2,6 +2,7 @@
 
 #include <QtGui/QPainter>
 
+#include "controls/Grounds.h"
 #include "controls/Symbol.h"
 #include "controls/Theme.h"
 
@@ -61,9 +62,7 @@ void ActionButton::paintEvent(QPaintEvent*) {
   painter.setRenderHint(QPainter::Antialiasing);
   if (!isEnabled()) painter.setOpacity(0.4);
   const qreal radius = role_ == Role::icon ? height() / 2.0 : kRadius;
-  painter.setPen(Qt::NoPen);
-  painter.setBrush(ground);
-  painter.drawRoundedRect(rect(), radius, radius);
+  paintGround(painter, rect(), radius, ground, theme);
 
   const QFont font = scaled(this->font(), 1, QFont::DemiBold);
   const int textWidth = role_ == Role::icon ? 0 : QFontMetrics(font).horizontalAdvance(text());
@@ -79,7 +78,7 @@ void ActionButton::paintEvent(QPaintEvent*) {
     painter.setPen(ink);
     painter.drawText(QRect(x, 0, textWidth + 1, height()), Qt::AlignVCenter | Qt::AlignLeft, text());
   }
-  if (hasFocus()) paintFocusRing(painter, rect(), radius, role_ == Role::primary ? theme.onAccent : theme.accent);
+  if (hasFocus()) paintFocusRing(painter, rect(), radius, role_ == Role::primary ? theme.onAccent : theme.focusRing);
 }
 
 void paintFocusRing(QPainter& painter, const QRectF& around, qreal radius, const QColor& color) {

@@ -1,12 +1,10 @@
 #include "controls/AnalysisStatusRow.h"
 
 #include <QtWidgets/QHBoxLayout>
-#include <QtWidgets/QLabel>
 
 #include "controls/ActionButton.h"
-#include "controls/Grounds.h"
-#include "controls/Symbol.h"
-#include "controls/Theme.h"
+#include "controls/SymbolLabel.h"
+#include "controls/ThemedLabel.h"
 #include "foundation/Localized.h"
 
 namespace quillmere {
@@ -18,8 +16,8 @@ constexpr int kSymbol = 16;
 
 AnalysisStatusRow::AnalysisStatusRow(QWidget* parent)
     : QWidget(parent),
-      symbol_(new QLabel(this)),
-      text_(new QLabel(this)),
+      symbol_(new SymbolLabel(kSymbol, Ink::secondary, this, QStringLiteral("exclamationmark.bubble"))),
+      text_(new ThemedLabel(Ink::secondary, this)),
       button_(new ActionButton(ActionButton::Role::icon, QStringLiteral("arrow.clockwise"), {}, this)) {
   text_->setObjectName(QStringLiteral("analysisStatus"));
   text_->setWordWrap(true);
@@ -27,7 +25,6 @@ AnalysisStatusRow::AnalysisStatusRow(QWidget* parent)
   text_->setTextFormat(Qt::PlainText);
   text_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   text_->setFocusPolicy(Qt::NoFocus);
-  setTextColor(*text_, Theme(palette()).secondaryText);
   button_->setAccessibleName(localized("Analyze Again"));
   button_->setToolTip(localized("Analyze Again"));
   connect(button_, &QPushButton::clicked, this, [this] {
@@ -47,10 +44,6 @@ QWidget* AnalysisStatusRow::control() const {
 
 void AnalysisStatusRow::show(const QString& text, bool isFailure, bool offersAnalysis) {
   symbol_->setVisible(isFailure);
-  if (isFailure) {
-    symbol_->setPixmap(symbolPixmap(QStringLiteral("exclamationmark.bubble"), kSymbol, Theme(palette()).secondaryText,
-                                    devicePixelRatioF()));
-  }
   text_->setText(text);
   button_->setVisible(offersAnalysis);
   // Told at once: whoever measures the card in this turn of the loop must not find the old height.

@@ -8,6 +8,7 @@ class QLabel;
 namespace quillmere {
 
 class ActionButton;
+class SymbolLabel;
 
 /// The one line about what analysis made of a screenshot: its description, or why there is none.
 class AnalysisStatusRow final : public QWidget {
@@ -20,7 +21,7 @@ class AnalysisStatusRow final : public QWidget {
   QWidget* control() const;
 
  private:
-  QLabel* symbol_;
+  SymbolLabel* symbol_;
   QLabel* text_;
   ActionButton* button_;
 };

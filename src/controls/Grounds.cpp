@@ -6,16 +6,19 @@
 
 namespace quillmere {
 
+void paintGround(QPainter& painter, const QRectF& place, qreal radius, const QColor& color, const Theme& theme) {
+  const qreal half = theme.isHighContrast ? 0.5 : 0;
+  painter.setPen(theme.isHighContrast ? QPen(theme.hairline, 1) : QPen(Qt::NoPen));
+  painter.setBrush(color);
+  painter.drawRoundedRect(place.adjusted(half, half, -half, -half), radius, radius);
+}
+
 void paintWarningGround(QWidget& widget) {
   constexpr qreal kRadius = 10;
   const Theme theme(widget.palette());
-  QColor ground = theme.warning;
-  ground.setAlphaF(theme.isDark ? 0.18F : 0.12F);
   QPainter painter(&widget);
   painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(Qt::NoPen);
-  painter.setBrush(ground);
-  painter.drawRoundedRect(widget.rect(), kRadius, kRadius);
+  paintGround(painter, widget.rect(), kRadius, theme.warningGround, theme);
 }
 
 void setTextColor(QWidget& widget, const QColor& color) {

@@ -3,7 +3,15 @@
 #include <QtGui/QColor>
 #include <QtWidgets/QWidget>
 
+class QPainter;
+
 namespace quillmere {
+
+struct Theme;
+
+/// The rounded ground of a control; with an outline where higher contrast is wanted, and a faint ground says too
+/// little.
+void paintGround(QPainter& painter, const QRectF& place, qreal radius, const QColor& color, const Theme& theme);
 
 /// The rounded ground of a message that warns; for a widget's paint event.
 void paintWarningGround(QWidget& widget);

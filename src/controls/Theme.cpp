@@ -1,25 +1,104 @@
 #include "controls/Theme.h"
 
+#include "controls/Contrast.h"
+
 namespace quillmere {
+namespace {
+
+constexpr int kHalf = 128;
+// Of black on white 21 is left; a little less for themes that stop just short of it.
+constexpr double kHighContrast = 20;
+
+QColor withAlpha(QColor color, float alpha) {
+  color.setAlphaF(alpha);
+  return color;
+}
+
+void setLight(Theme& theme) {
+  theme.card = QColor(0xfcfcfd);
+  theme.text = QColor(0x1c1d20);
+  theme.secondaryText = QColor(0x595c63);
+  theme.hairline = withAlpha(Qt::black, 0.11F);
+  theme.field = Qt::white;
+  theme.fieldBorder = QColor(0xc6c8ce);
+  theme.fill = withAlpha(QColor(0x14161c), 0.055F);
+  theme.fillHover = withAlpha(QColor(0x14161c), 0.09F);
+  theme.fillPressed = withAlpha(QColor(0x14161c), 0.125F);
+  theme.danger = QColor(0xb0241c);
+  theme.warning = QColor(0x855000);
+  theme.warningGround = withAlpha(QColor(0xe08a00), 0.14F);
+}
+
+void setDark(Theme& theme) {
+  theme.card = QColor(0x2a2b2e);
+  theme.text = QColor(0xf2f2f4);
+  theme.secondaryText = QColor(0xb9bbc1);
+  theme.hairline = withAlpha(Qt::white, 0.12F);
+  theme.field = QColor(0x1d1e20);
+  theme.fieldBorder = QColor(0x505258);
+  theme.fill = withAlpha(Qt::white, 0.07F);
+  theme.fillHover = withAlpha(Qt::white, 0.10F);
+  theme.fillPressed = withAlpha(Qt::white, 0.13F);
+  theme.danger = QColor(0xffa59e);
+  theme.warning = QColor(0xf2b84b);
+  theme.warningGround = withAlpha(theme.warning, 0.14F);
+}
+
+void raiseContrast(Theme& theme) {
+  const bool isDark = theme.isDark;
+  theme.card = isDark ? Qt::black : Qt::white;
+  theme.text = isDark ? Qt::white : Qt::black;
+  theme.secondaryText = isDark ? QColor(0xe2e2e4) : QColor(0x2c2c2e);
+  theme.hairline = withAlpha(theme.text, 0.6F);
+  theme.field = theme.card;
+  theme.fieldBorder = theme.text;
+  theme.danger = isDark ? QColor(0xffb4ae) : QColor(0x8c1007);
+  theme.warning = isDark ? QColor(0xffd27a) : QColor(0x5e3800);
+}
+
+/// White text where the accent is dark enough for it, or nearly so; else black.
+void setAccent(Theme& theme, const QColor& told) {
+  constexpr double kNearlyEnough = 2.9;
+  const bool isWhite = contrastRatio(told, Qt::white) >= kNearlyEnough;
+  theme.onAccent = isWhite ? Qt::white : Qt::black;
+  theme.accent = standingOut(told, theme.onAccent, kTextContrast, isWhite ? Qt::black : Qt::white);
+  theme.accentHover = mixed(theme.accent, isWhite ? Qt::black : Qt::white, 0.1);
+  theme.accentPressed = mixed(theme.accent, Qt::black, isWhite ? 0.2 : 0.08);
+}
+
+/// The pressed ground is the one that the accent stands out from least.
+QColor ringIn(const Theme& theme, const QColor& told, const QColor& window) {
+  if (theme.isHighContrast) return theme.text;
+  const QColor onCard = standingOut(told, painted(theme.fillPressed, theme.card), kMarkContrast, theme.text);
+  return standingOut(onCard, painted(theme.fillPressed, window), kMarkContrast, theme.text);
+}
+
+}  // namespace
 
 Theme::Theme(const QPalette& palette) {
-  constexpr int kHalf = 128;
-  isDark = palette.color(QPalette::Window).lightness() < kHalf;
-  card = isDark ? QColor(0x2a2c31) : QColor(0xfbfbfc);
-  text = isDark ? QColor(0xf2f3f5) : QColor(0x1b1d21);
-  secondaryText = isDark ? QColor(0xb3b7bf) : QColor(0x5b616b);
-  hairline = isDark ? QColor(255, 255, 255, 28) : QColor(0, 0, 0, 26);
-  field = isDark ? QColor(0x1f2125) : QColor(Qt::white);
-  fieldBorder = isDark ? QColor(0x50545c) : QColor(0xc9cdd4);
-  fill = isDark ? QColor(255, 255, 255, 22) : QColor(20, 28, 45, 15);
-  fillHover = isDark ? QColor(255, 255, 255, 34) : QColor(20, 28, 45, 25);
-  fillPressed = isDark ? QColor(255, 255, 255, 46) : QColor(20, 28, 45, 38);
-  accent = QColor(0x2563d9);
-  accentHover = QColor(0x1f57c4);
-  accentPressed = QColor(0x1a4aa8);
-  onAccent = Qt::white;
-  danger = isDark ? QColor(0xff8078) : QColor(0xc02b21);
-  warning = isDark ? QColor(0xf0b248) : QColor(0xa85f00);
+  // Of the active state: a control that is dimmed or behind is still of the same desktop.
+  const QColor window = palette.color(QPalette::Active, QPalette::Window);
+  isDark = window.lightness() < kHalf;
+  isHighContrast = contrastRatio(window, palette.color(QPalette::Active, QPalette::ButtonText)) >= kHighContrast;
+  isDark ? setDark(*this) : setLight(*this);
+  if (isHighContrast) raiseContrast(*this);
+  const QColor told = palette.color(QPalette::Active, QPalette::Highlight);
+  setAccent(*this, told);
+  focusRing = ringIn(*this, told, window);
+}
+
+QColor Theme::color(Ink ink) const {
+  switch (ink) {
+    case Ink::text:
+      return text;
+    case Ink::secondary:
+      return secondaryText;
+    case Ink::warning:
+      return warning;
+    case Ink::danger:
+      return danger;
+  }
+  return text;
 }
 
 QFont scaled(QFont font, qreal factor, QFont::Weight weight) {

@@ -6,12 +6,22 @@
 
 namespace quillmere {
 
-/// The colours of the program's own surfaces, from the desktop's palette. Text keeps a contrast of at least 4.5:1.
+/// What a text or symbol is written in.
+enum class Ink { text, secondary, warning, danger };
+
+/// The colours of the program's own surfaces, from the desktop's palette: of its own are light or dark (Window), the
+/// accent (Highlight) and the contrast. Texts keep a contrast of at least 4.5:1 on every ground here, the focus ring
+/// one of 3:1.
+///
+/// A palette asks for higher contrast by having its Window and its ButtonText as far apart as black and white, as the
+/// desktops' own high-contrast themes do: so the choice reaches every widget with the colours themselves. ButtonText,
+/// since WindowText may be a label's own.
 struct Theme {
   explicit Theme(const QPalette& palette);
 
   bool isDark = false;
-  QColor card;  ///< the popup's and the panels' ground
+  bool isHighContrast = false;
+  QColor card;  ///< the popup's and the panels' ground; opaque
   QColor text;
   QColor secondaryText;
   QColor hairline;
@@ -20,12 +30,16 @@ struct Theme {
   QColor fill;  ///< a quiet button or a well
   QColor fillHover;
   QColor fillPressed;
-  QColor accent;
+  QColor accent;  ///< the ground of what is chosen or comes first, under texts in onAccent
   QColor accentHover;
   QColor accentPressed;
   QColor onAccent;
-  QColor danger;  ///< text of what throws away
+  QColor focusRing;  ///< the accent, as far from the grounds as a ring must be
+  QColor danger;     ///< text of what throws away
   QColor warning;
+  QColor warningGround;
+
+  QColor color(Ink ink) const;
 };
 
 /// The font at another size and weight.

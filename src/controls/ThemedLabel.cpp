@@ -11,8 +11,7 @@ ThemedLabel::ThemedLabel(Ink ink, QWidget* parent, const QString& text) : QLabel
 }
 
 void ThemedLabel::followTheme() {
-  const Theme theme(palette());
-  const QColor color = ink_ == Ink::text ? theme.text : theme.secondaryText;
+  const QColor color = Theme(palette()).color(ink_);
   // Setting a colour is itself a change of the palette.
   if (palette().color(QPalette::WindowText) != color) setTextColor(*this, color);
 }

@@ -9,7 +9,7 @@ namespace quillmere {
 /// A label in one of the theme's colours, whichever the desktop has now.
 class ThemedLabel final : public QLabel {
  public:
-  enum class Ink { text, secondary };
+  using Ink = quillmere::Ink;
   ThemedLabel(Ink ink, QWidget* parent, const QString& text = {});
 
  protected:

@@ -4,11 +4,15 @@
 #include <QtWidgets/QLabel>
 
 #include "controls/ActionButton.h"
-#include "controls/Symbol.h"
-#include "controls/Theme.h"
+#include "controls/SymbolLabel.h"
 #include "foundation/Localized.h"
 
 namespace quillmere {
+namespace {
+
+constexpr int kSymbol = 20;
+
+}  // namespace
 
 DownloadStatusContent DownloadStatusContent::make(bool canDownload, std::optional<DownloadState> state) {
   const QString cloud = QStringLiteral("icloud");
@@ -45,7 +49,7 @@ DownloadStatusContent DownloadStatusContent::make(bool canDownload, std::optiona
 
 DownloadStatusRow::DownloadStatusRow(QWidget* parent)
     : QWidget(parent),
-      symbol_(new QLabel(this)),
+      symbol_(new SymbolLabel(kSymbol, Ink::secondary, this)),
       text_(new QLabel(this)),
       button_(new ActionButton(ActionButton::Role::secondary, {}, {}, this)) {
   text_->setWordWrap(true);
@@ -60,8 +64,7 @@ DownloadStatusRow::DownloadStatusRow(QWidget* parent)
 
 void DownloadStatusRow::show(const DownloadStatusContent& content) {
   using Offer = DownloadStatusContent::Offer;
-  constexpr int kSymbol = 20;
-  symbol_->setPixmap(symbolPixmap(content.symbol, kSymbol, Theme(palette()).secondaryText, devicePixelRatioF()));
+  symbol_->setSymbol(content.symbol);
   text_->setText(content.text);
   const bool isRetry = content.offer == Offer::retry;
   button_->setSymbol(isRetry ? QStringLiteral("arrow.clockwise") : QStringLiteral("arrow.down.circle"));

@@ -11,6 +11,7 @@ class QLabel;
 namespace quillmere {
 
 class ActionButton;
+class SymbolLabel;
 
 /// What is said and offered of a screenshot whose data is not on this machine.
 struct DownloadStatusContent {
@@ -31,7 +32,7 @@ class DownloadStatusRow final : public QWidget {
   std::function<void()> onDownload;
 
  private:
-  QLabel* symbol_;
+  SymbolLabel* symbol_;
   QLabel* text_;
   ActionButton* button_;
 };

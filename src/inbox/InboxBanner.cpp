@@ -5,15 +5,19 @@
 
 #include "controls/ActionButton.h"
 #include "controls/Grounds.h"
-#include "controls/Symbol.h"
-#include "controls/Theme.h"
+#include "controls/SymbolLabel.h"
 #include "foundation/Localized.h"
 
 namespace quillmere {
+namespace {
+
+constexpr int kSymbol = 18;
+
+}  // namespace
 
 InboxBanner::InboxBanner(QWidget* parent)
     : QWidget(parent),
-      symbol_(new QLabel(this)),
+      symbol_(new SymbolLabel(kSymbol, Ink::warning, this)),
       message_(new QLabel(this)),
       action_(new ActionButton(ActionButton::Role::secondary, {}, {}, this)),
       dismiss_(new ActionButton(ActionButton::Role::icon, QStringLiteral("xmark"), {}, this)) {
@@ -35,8 +39,7 @@ InboxBanner::InboxBanner(QWidget* parent)
 }
 
 void InboxBanner::show(const QString& symbol, const QString& message, const QString& action, bool isDismissible) {
-  constexpr int kSymbol = 18;
-  symbol_->setPixmap(symbolPixmap(symbol, kSymbol, Theme(palette()).warning, devicePixelRatioF()));
+  symbol_->setSymbol(symbol);
   message_->setText(message);
   action_->setText(action);
   dismiss_->setVisible(isDismissible);

@@ -8,6 +8,7 @@ class QLabel;
 namespace quillmere {
 
 class ActionButton;
+class SymbolLabel;
 
 /// A message above the list, with one action. Some can be waved away.
 class InboxBanner final : public QWidget {
@@ -21,7 +22,7 @@ class InboxBanner final : public QWidget {
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  QLabel* symbol_;
+  SymbolLabel* symbol_;
   QLabel* message_;
   ActionButton* action_;
   ActionButton* dismiss_;

@@ -7,9 +7,8 @@
 
 #include "controls/ActionButton.h"
 #include "controls/AnalysisStatusRow.h"
-#include "controls/Grounds.h"
 #include "controls/Symbol.h"
-#include "controls/Theme.h"
+#include "controls/ThemedLabel.h"
 #include "foundation/Localized.h"
 #include "inbox/DownloadStatusRow.h"
 
@@ -50,17 +49,15 @@ InboxDetail::InboxDetail(AppModel& model, ThumbnailLoader& thumbnails, QWidget* 
 }
 
 QWidget* InboxDetail::makeHeader() {
-  const Theme theme(palette());
   auto* header = new QWidget(this);
   name_ = new QLabel(header);
   name_->setFont(scaled(font(), 1.2, QFont::DemiBold));
   name_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   name_->setWordWrap(true);
-  status_ = new QLabel(header);
-  setTextColor(*status_, theme.secondaryText);
-  note_ = new QLabel(localized("Unavailable. The file can’t be found or its folder isn’t accessible."), header);
+  status_ = new ThemedLabel(Ink::secondary, header);
+  note_ = new ThemedLabel(Ink::warning, header,
+                          localized("Unavailable. The file can’t be found or its folder isn’t accessible."));
   note_->setWordWrap(true);
-  setTextColor(*note_, theme.warning);
 
   using Role = ActionButton::Role;
   keep_ = new ActionButton(Role::secondary, QStringLiteral("checkmark"), localized("Keep"), header);

@@ -8,8 +8,7 @@
 #include <QtWidgets/QVBoxLayout>
 
 #include "controls/Alert.h"
-#include "controls/Grounds.h"
-#include "controls/Theme.h"
+#include "controls/ThemedLabel.h"
 #include "foundation/Localized.h"
 #include "inbox/InboxBanners.h"
 #include "inbox/InboxDetail.h"
@@ -67,10 +66,9 @@ QWidget* InboxWindow::makeSidebar(ThumbnailLoader& thumbnails) {
     }
     model_.setSelectedItemIDs(std::move(ids));
   });
-  count_ = new QLabel(sidebar);
+  count_ = new ThemedLabel(Ink::secondary, sidebar);
   count_->setFont(scaled(font(), 0.92));
   count_->setContentsMargins(16, 8, 16, 10);
-  setTextColor(*count_, Theme(palette()).secondaryText);
 
   auto* column = new QVBoxLayout(sidebar);
   column->setContentsMargins(0, 0, 0, 0);

@@ -1,12 +1,10 @@
 #include "shell/ScreenshotLocationRow.h"
 
 #include <QtWidgets/QGridLayout>
-#include <QtWidgets/QLabel>
 
 #include "controls/ActionButton.h"
-#include "controls/Grounds.h"
-#include "controls/Symbol.h"
-#include "controls/Theme.h"
+#include "controls/SymbolLabel.h"
+#include "controls/ThemedLabel.h"
 #include "foundation/Localized.h"
 
 namespace quillmere {
@@ -21,8 +19,8 @@ ActionButton* makeButton(ActionButton::Role role, const QString& symbol, const Q
   return button;
 }
 
-QLabel* makeText(QWidget* parent) {
-  auto* label = new QLabel(parent);
+QLabel* makeText(Ink ink, QWidget* parent) {
+  auto* label = new ThemedLabel(ink, parent);
   label->setWordWrap(true);
   return label;
 }
@@ -52,9 +50,9 @@ ScreenshotLocationContent ScreenshotLocationContent::make(const AppModel& model)
 ScreenshotLocationRow::ScreenshotLocationRow(AppModel& model, QWidget* parent)
     : QWidget(parent),
       model_(model),
-      symbol_(new QLabel(this)),
-      text_(makeText(this)),
-      hint_(makeText(this)),
+      symbol_(new SymbolLabel(kSymbol, Ink::secondary, this)),
+      text_(makeText(Ink::text, this)),
+      hint_(makeText(Ink::secondary, this)),
       undo_(makeButton(ActionButton::Role::secondary, {}, localized("Undo"), {}, this)),
       dismiss_(makeButton(ActionButton::Role::icon, QStringLiteral("xmark"), {}, localized("Hide this notice"), this)),
       useThisFolder_(makeButton(ActionButton::Role::secondary, {}, localized("Use This Folder…"),
@@ -62,7 +60,6 @@ ScreenshotLocationRow::ScreenshotLocationRow(AppModel& model, QWidget* parent)
       saveHere_(makeButton(ActionButton::Role::secondary, {}, localized("Save Screenshots Here…"),
                            localized("Save every screenshot on this Mac in this folder"), this)) {
   dismiss_->setAccessibleName(localized("Dismiss"));
-  setTextColor(*hint_, Theme(palette()).secondaryText);
   auto* buttons = new QHBoxLayout;
   buttons->setSpacing(8);
   for (ActionButton* button : {useThisFolder_, saveHere_, undo_}) buttons->addWidget(button);
@@ -92,9 +89,7 @@ void ScreenshotLocationRow::update() {
   const auto content = ScreenshotLocationContent::make(model_);
   setVisible(!content.status.isEmpty());
   symbol_->setVisible(!content.symbol.isEmpty());
-  if (!content.symbol.isEmpty()) {
-    symbol_->setPixmap(symbolPixmap(content.symbol, kSymbol, Theme(palette()).secondaryText, devicePixelRatioF()));
-  }
+  symbol_->setSymbol(content.symbol);
   text_->setText(content.watched.isEmpty() ? content.status : content.status + QLatin1Char('\n') + content.watched);
   hint_->setText(content.hint);
   hint_->setVisible(!content.hint.isEmpty());

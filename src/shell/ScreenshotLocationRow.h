@@ -10,6 +10,7 @@ class QLabel;
 namespace quillmere {
 
 class ActionButton;
+class SymbolLabel;
 
 /// What the row says of the folder that the desktop saves to.
 struct ScreenshotLocationContent {
@@ -36,7 +37,7 @@ class ScreenshotLocationRow final : public QWidget {
 
  private:
   AppModel& model_;
-  QLabel* symbol_;
+  SymbolLabel* symbol_;
   QLabel* text_;
   QLabel* hint_;
   ActionButton* undo_;

@@ -11,9 +11,8 @@
 
 #include "controls/ActionButton.h"
 #include "controls/Alert.h"
-#include "controls/Grounds.h"
-#include "controls/Symbol.h"
-#include "controls/Theme.h"
+#include "controls/SymbolLabel.h"
+#include "controls/ThemedLabel.h"
 #include "foundation/Localized.h"
 #include "shell/ScreenshotLocationRow.h"
 
@@ -95,10 +94,9 @@ QVBoxLayout* addGroup(QVBoxLayout* pane, const QString& title, QWidget* parent) 
 }
 
 QLabel* makeFooter(const QString& text, QWidget* parent) {
-  auto* footer = new QLabel(text, parent);
+  auto* footer = new ThemedLabel(Ink::secondary, parent, text);
   footer->setWordWrap(true);
   footer->setFont(scaled(parent->font(), 0.92));
-  setTextColor(*footer, Theme(parent->palette()).secondaryText);
   return footer;
 }
 
@@ -147,7 +145,7 @@ QWidget* SettingsWindow::makeIntelligencePane() {
   analyzes_ = new QCheckBox(localized("Analyze screenshots"), pane);
   connect(analyzes_, &QCheckBox::toggled, this, [this](bool isOn) { model_.setAnalyzeScreenshots(isOn); });
   column->addWidget(analyzes_);
-  modelSymbol_ = new QLabel(pane);
+  modelSymbol_ = new SymbolLabel(kSymbol, Ink::warning, pane);
   modelStatus_ = new QLabel(pane);
   modelStatus_->setWordWrap(true);
   auto* status = new QHBoxLayout;
@@ -193,7 +191,7 @@ QWidget* SettingsWindow::makeScreenshotsPane() {
   nameRow->addWidget(choose);
   folder->addLayout(nameRow);
 
-  folderSymbol_ = new QLabel(pane);
+  folderSymbol_ = new SymbolLabel(kSymbol, Ink::secondary, pane);
   folderStatus_ = new QLabel(pane);
   folderStatus_->setWordWrap(true);
   auto* statusRow = new QHBoxLayout;
@@ -262,13 +260,11 @@ void SettingsWindow::showEvent(QShowEvent* event) {
 }
 
 void SettingsWindow::refresh() {
-  const Theme theme(palette());
   const auto& folder = *model_.watchFolderURL;
   const WatcherStatus status = *model_.watcherStatus;
   folderName_->setText(folder ? folder->displayName() : localized("Not selected"));
   folderName_->setToolTip(folder ? folder->displayPath() : QString());
-  const QColor color = status == WatcherStatus::watching ? theme.secondaryText : theme.warning;
-  folderSymbol_->setPixmap(symbolPixmap(symbolOf(status), kSymbol, color, devicePixelRatioF()));
+  folderSymbol_->setSymbol(symbolOf(status), status == WatcherStatus::watching ? Ink::secondary : Ink::warning);
   folderStatus_->setText(statusText(status));
   location_->update();
   includesOthers_->setChecked(*model_.includesNonCaptureImages);
@@ -299,7 +295,7 @@ void SettingsWindow::refreshIntelligence() {
   if (!isShown) return;
   const ModelStatus status = modelStatus(error->unavailability);
   modelStatus_->setText(status.text);
-  modelSymbol_->setPixmap(symbolPixmap(status.symbol, kSymbol, Theme(palette()).warning, devicePixelRatioF()));
+  modelSymbol_->setSymbol(status.symbol);
 }
 
 void SettingsWindow::showError() {

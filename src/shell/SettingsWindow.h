@@ -15,6 +15,7 @@ class QTabWidget;
 namespace quillmere {
 
 class ScreenshotLocationRow;
+class SymbolLabel;
 
 /// The settings. Each control writes at once what it shows; there is nothing to apply.
 class SettingsWindow final : public QWidget {
@@ -41,7 +42,7 @@ class SettingsWindow final : public QWidget {
   QComboBox* naming_ = nullptr;
   QLabel* namingFooter_ = nullptr;
   QLabel* folderName_ = nullptr;
-  QLabel* folderSymbol_ = nullptr;
+  SymbolLabel* folderSymbol_ = nullptr;
   QLabel* folderStatus_ = nullptr;
   ScreenshotLocationRow* location_ = nullptr;
   QCheckBox* includesOthers_ = nullptr;
@@ -50,7 +51,7 @@ class SettingsWindow final : public QWidget {
   QLabel* secondsLabel_ = nullptr;
   QSpinBox* seconds_ = nullptr;
   QCheckBox* analyzes_ = nullptr;
-  QLabel* modelSymbol_ = nullptr;
+  SymbolLabel* modelSymbol_ = nullptr;
   QLabel* modelStatus_ = nullptr;
   QLineEdit* modelAddress_ = nullptr;
   Connection changes_;
