@@ -95,7 +95,8 @@ Task<std::optional<QString>> AppModel::runWindowSaving(Weak<AppModel> self, UUID
     co_return description(OperationError::unreadable);
   }
   self->promptWindowExtraction.set(Extraction{id, Extraction::Saving{window->crop}});
-  const auto reason = co_await self->replaceOriginal(id, window->image, window->crop);
+  const auto replacing = self->replaceOriginal(id, window->image, window->crop);
+  const auto reason = co_await replacing;
   if (!self || !self->isSavingWindow(id)) co_return reason;
   if (reason) {
     self->promptWindowExtraction.set(Extraction{id, Extraction::Extracted{window->crop}});

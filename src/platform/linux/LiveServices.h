@@ -12,6 +12,7 @@
 #include "platform/linux/LiveScreenshotAnalyzer.h"
 #include "platform/linux/LiveScreenshotLocationProvider.h"
 #include "platform/linux/LiveSecurityScopeAccess.h"
+#include "platform/linux/LiveSharing.h"
 #include "platform/linux/MountTable.h"
 #include "platform/linux/QtExecutor.h"
 
@@ -47,6 +48,7 @@ class LiveServices {
   LiveScreenshotLocationProvider screenshotLocation;
   LiveAnnouncer announcer;
   LivePasteboard pasteboard;
+  LiveSharing sharing;
   LiveLanguageModel languageModel;
   LiveScreenshotAnalyzer analyzer;
   ScreenshotInboxMonitor monitor;
