@@ -8,7 +8,7 @@ using ImageOperations::Failure;
 PromptPreviewTransfer AppModel::transfer(const ScreenshotItem& item, const std::optional<QString>& name) const {
   PromptPreviewTransfer transfer;
   transfer.url = item.url;
-  if (const auto window = extractedWindow(item.id)) transfer.crop.emplace(window->image, window->crop);
+  if (const auto window = extractedWindow(item.id)) transfer.crop = PromptPreviewTransfer::Crop{window->image, window->crop};
   transfer.filename = transferName(name, item.url, transfer.crop.has_value());
   return transfer;
 }

@@ -62,7 +62,7 @@ class ScreenshotTransfer : public ::testing::Test {
     PromptPreviewTransfer result = transfer(name);
     QImage image(60, 50, QImage::Format_RGB32);
     image.fill(Qt::red);
-    result.crop.emplace(image, rect);
+    result.crop = PromptPreviewTransfer::Crop{image, rect};
     return result;
   }
   TemporaryFolder home;
