@@ -23,7 +23,6 @@ ThumbnailLoader::Outcome ThumbnailLoader::loadNow(const FileURL& url, int pixels
   if (const auto image = cached(key)) return *image;
   QImage image = ImageFile::thumbnail(url, pixels);
   if (image.isNull()) return Unreadable{};
-  image.convertTo(QImage::Format_ARGB32_Premultiplied);  // what the screen wants, so that drawing converts nothing
   keep(key, image);
   return image;
 }
