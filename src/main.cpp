@@ -5,6 +5,7 @@
 #include "model/AppModel.h"
 #include "platform/linux/ApplicationBus.h"
 #include "platform/linux/CloudFiles.h"
+#include "platform/linux/DesktopAppearance.h"
 #include "platform/linux/LiveServices.h"
 #include "platform/linux/RunMarker.h"
 #include "platform/linux/ScreenCaptureAttributes.h"
@@ -61,6 +62,8 @@ int main(int argc, char** argv) {
 
   LiveServices services(paths);
   ApplicationAppearance look;
+  const DesktopAppearance desktop(services.executor, AppearanceSources::live(),
+                                  [&look](const Appearance& appearance) { look.show(appearance); });
   LivePanelScreens screens;
   X11PanelWindowSystem windowSystem;
   FilePanels filePanels;

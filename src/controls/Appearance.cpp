@@ -52,6 +52,16 @@ QPalette groundsFor(const Appearance& appearance, const std::optional<QPalette>&
 
 }  // namespace
 
+Appearance merged(const Appearance& first, const Appearance& second) {
+  Appearance both = first;
+  if (both.scheme == Appearance::Scheme::unknown) both.scheme = second.scheme;
+  if (!both.accent) both.accent = second.accent;
+  if (!both.font) both.font = second.font;
+  both.isHighContrast = first.isHighContrast || second.isHighContrast;
+  both.isMotionReduced = first.isMotionReduced || second.isMotionReduced;
+  return both;
+}
+
 QPalette paletteFor(const Appearance& appearance, const std::optional<QPalette>& themed) {
   QPalette palette = groundsFor(appearance, themed);
   const QColor themedAccent = themed ? themed->color(QPalette::Active, QPalette::Highlight) : QColor(kAccent);

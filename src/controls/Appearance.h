@@ -19,6 +19,9 @@ struct Appearance {
   bool operator==(const Appearance&) const = default;
 };
 
+/// What the first tells, and of the rest what the second does.
+Appearance merged(const Appearance& first, const Appearance& second);
+
 /// The colours of all windows. `themed` is what the desktop's own theme for Qt says, where it has one: that stands as
 /// far as it agrees with the appearance. Otherwise the colours are the program's own.
 QPalette paletteFor(const Appearance& appearance, const std::optional<QPalette>& themed);

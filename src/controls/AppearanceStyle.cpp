@@ -9,14 +9,14 @@
 namespace quillmere {
 namespace {
 
-/// Styles draw edges in a shade of the window, which on black is black again.
+/// Styles draw edges in a darker shade of the window, which in the dark nobody sees.
 void drawEdge(const QStyleOption& option, QPainter& painter) {
   const Theme theme(option.palette);
-  if (!theme.isHighContrast) return;
+  if (!theme.isHighContrast && !theme.isDark) return;
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(option.palette.color(QPalette::ButtonText), 1));
+  painter.setPen(QPen(theme.fieldBorder, 1));
   painter.drawRoundedRect(QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
   painter.restore();
 }
@@ -36,7 +36,6 @@ void AppearanceStyle::drawPrimitive(PrimitiveElement element, const QStyleOption
     case PE_PanelButtonCommand:
     case PE_PanelLineEdit:
     case PE_IndicatorCheckBox:
-    case PE_FrameGroupBox:
       drawEdge(*option, *painter);
       break;
     default:

@@ -5,7 +5,7 @@
 namespace quillmere {
 
 /// The desktop's widget style, with what it leaves out of the appearance: no animations where less motion is wanted,
-/// and outlines around controls where higher contrast is.
+/// and edges of controls that are seen in the dark and in higher contrast.
 class AppearanceStyle final : public QProxyStyle {
  public:
   void setMotionReduced(bool isReduced) { isMotionReduced_ = isReduced; }

@@ -35,7 +35,7 @@ void setDark(Theme& theme) {
   theme.secondaryText = QColor(0xb9bbc1);
   theme.hairline = withAlpha(Qt::white, 0.12F);
   theme.field = QColor(0x1d1e20);
-  theme.fieldBorder = QColor(0x505258);
+  theme.fieldBorder = QColor(0x6d7078);
   theme.fill = withAlpha(Qt::white, 0.07F);
   theme.fillHover = withAlpha(Qt::white, 0.10F);
   theme.fillPressed = withAlpha(Qt::white, 0.13F);

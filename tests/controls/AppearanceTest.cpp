@@ -30,6 +30,27 @@ QColor window(const QPalette& palette) {
   return palette.color(QPalette::Window);
 }
 
+TEST(AppearanceTest, OfTwoThatTellTheFirstCountsAndTheSecondFillsIn) {
+  Appearance first = of(Scheme::dark);
+  Appearance second = of(Scheme::light);
+  second.accent = kViolet;
+  second.font = QFont(QStringLiteral("DejaVu Sans"), 12);
+  const Appearance both = merged(first, second);
+  EXPECT_EQ(both.scheme, Scheme::dark);
+  EXPECT_EQ(both.accent, kViolet);
+  EXPECT_EQ(both.font, second.font);
+  EXPECT_EQ(merged({}, second), second);
+  first.accent = kNight;
+  EXPECT_EQ(merged(first, second).accent, kNight);
+}
+
+TEST(AppearanceTest, WhoeverAsksForContrastOrLessMotionGetsIt) {
+  Appearance wanting;
+  wanting.isHighContrast = wanting.isMotionReduced = true;
+  EXPECT_EQ(merged(wanting, {}), wanting);
+  EXPECT_EQ(merged({}, wanting), wanting);
+}
+
 TEST(AppearanceTest, WithoutAWordFromTheDesktopItIsLight) {
   EXPECT_FALSE(Theme(paletteFor({}, std::nullopt)).isDark);
   EXPECT_EQ(paletteFor({}, std::nullopt), paletteFor(of(Scheme::light), std::nullopt));

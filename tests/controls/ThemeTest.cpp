@@ -108,6 +108,12 @@ TEST_P(EveryLookTest, AnyAccentCarriesItsTextAndAVisibleRing) {
   }
 }
 
+TEST_P(EveryLookTest, EdgesAreSeenWhereStylesDrawNone) {
+  if (!theme.isDark && !theme.isHighContrast) return;
+  EXPECT_GE(contrastRatio(theme.fieldBorder, theme.field), kMarkContrast);
+  EXPECT_GE(contrastRatio(theme.fieldBorder, palette.color(QPalette::Base)), kMarkContrast);
+}
+
 TEST_P(EveryLookTest, IsTheSameWhereAControlIsDimmedOrALabelHasItsOwnColour) {
   QPalette changed = palette;
   changed.setCurrentColorGroup(QPalette::Disabled);
