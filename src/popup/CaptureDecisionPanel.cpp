@@ -149,12 +149,10 @@ void CaptureDecisionPanel::paintEvent(QPaintEvent*) {
     edge = theme.text;
     edge.setAlphaF(kOpaqueEdge);
   }
-  if (isCompositing_) {
-    shadow_.paint(painter, card);
-  } else {
-    // The window ends at whole pixels, and what of these lies beyond the card would be black.
-    painter.strokePath(path, QPen(theme.fieldBorder, 2));
-  }
+  // Without a compositor the window system cuts the window to the card, and with it the shadow.
+  shadow_.paint(painter, card);
+  // It cuts at whole pixels, and what of these lies beyond the card would be black.
+  if (!isCompositing_) painter.strokePath(path, QPen(theme.fieldBorder, 2));
   painter.fillPath(path, isOpaque_ ? palette().color(QPalette::Window) : theme.card);
   painter.setPen(QPen(edge, 1));
   painter.drawPath(CardShape::path(QRectF(card).adjusted(0.5, 0.5, -0.5, -0.5)));

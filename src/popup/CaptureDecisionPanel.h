@@ -16,7 +16,7 @@ class CaptureDecisionPanel final : public QWidget {
   explicit CaptureDecisionPanel(QWidget* card);
 
   void setScrolls(bool scrolls);
-  /// Without a compositor no shadow can shine through, and a stronger edge tells the card from what lies below.
+  /// Without a compositor there is no shadow, and a stronger edge tells the card from what lies below.
   void setCompositing(bool isCompositing);
   /// The desktop's own window colour and a strong edge, for people who want more contrast.
   void setOpaque(bool isOpaque);

@@ -2,8 +2,10 @@
 
 #include <QtGui/private/qtx11extras_p.h>
 #include <xcb/shape.h>
-#include <QtCore/QCoreApplication>
+#include <QtGui/QGuiApplication>
 #include <QtGui/QScreen>
+#include <algorithm>
+#include <array>
 
 #include "platform/linux/X11CardShape.h"
 #include "platform/linux/X11Display.h"
@@ -29,7 +31,7 @@ X11PanelWindowSystem::X11PanelWindowSystem() : display_(X11Display::ofApplicatio
   if (!display_) return;
   companion_ = std::make_unique<X11FullScreenCompanion>(*display_);
   isCompositing_ = display_->hasCompositor();
-  QCoreApplication::instance()->installNativeEventFilter(this);
+  qGuiApp->installNativeEventFilter(this);
 }
 
 X11PanelWindowSystem::~X11PanelWindowSystem() = default;
@@ -54,6 +56,7 @@ void X11PanelWindowSystem::finish(QWindow& window) {
   // For the window managers that read the property only of windows that belong to no other.
   display_->askWindowManager(identifier(window), "_NET_WM_DESKTOP", {kAllDesktops, kSourcePager, 0, 0, 0});
   companion_->begin(identifier(window));
+  available_ = availableGeometries();
 }
 
 void X11PanelWindowSystem::setClickableArea(QWindow& window, const QRect& area) {
@@ -116,26 +119,35 @@ bool X11PanelWindowSystem::nativeEventFilter(const QByteArray&, void* message, q
 }
 
 void X11PanelWindowSystem::hear(const xcb_property_notify_event_t& event) {
-  const bool isOfRoot = event.window == display_->root();
-  if (isOfRoot && event.atom == display_->atom("_NET_WORKAREA")) {
-    availableGeometryChanged();
-    return;
-  }
   if (!panel_ || !panel_->isVisible()) return;
   if (event.window == identifier(*panel_)) {
     if (event.atom == display_->atom("WM_STATE")) companion_->stayShown(event.window);
-  } else if (isOfRoot && (event.atom == display_->atom("_NET_CLIENT_LIST_STACKING") ||
-                          event.atom == display_->atom("_NET_ACTIVE_WINDOW"))) {
-    // Window managers write both at nearly every change; one look afterwards is enough.
-    if (std::exchange(isLookPosted_, true)) return;
-    QMetaObject::invokeMethod(
-        &context_, [this] { look(); }, Qt::QueuedConnection);
+    return;
   }
+  if (event.window != display_->root()) return;
+  constexpr std::array kTelling{"_NET_CLIENT_LIST_STACKING", "_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST", "_NET_WORKAREA"};
+  const bool isTelling =
+      std::any_of(kTelling.begin(), kTelling.end(), [&](auto* name) { return event.atom == display_->atom(name); });
+  // Window managers write several of these at nearly every change; one look afterwards is enough.
+  if (!isTelling || std::exchange(isLookPosted_, true)) return;
+  QMetaObject::invokeMethod(
+      &context_, [this] { look(); }, Qt::QueuedConnection);
 }
 
 void X11PanelWindowSystem::look() {
   isLookPosted_ = false;
-  if (panel_ && panel_->isVisible()) companion_->follow(identifier(*panel_));
+  if (!panel_ || !panel_->isVisible()) return;
+  companion_->follow(identifier(*panel_));
+  auto available = availableGeometries();
+  if (available == available_) return;
+  available_ = std::move(available);
+  availableGeometryChanged();
+}
+
+std::vector<QRect> X11PanelWindowSystem::availableGeometries() const {
+  std::vector<QRect> result;
+  for (const QScreen* screen : QGuiApplication::screens()) result.push_back(availableGeometry(*screen));
+  return result;
 }
 
 }  // namespace quillmere

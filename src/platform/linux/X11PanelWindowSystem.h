@@ -5,6 +5,7 @@
 #include <QtCore/QObject>
 #include <QtCore/QPointer>
 #include <memory>
+#include <vector>
 
 #include "platform/linux/X11FullScreenCompanion.h"
 #include "popup/PanelWindowSystem.h"
@@ -33,11 +34,13 @@ class X11PanelWindowSystem final : public PanelWindowSystem, private QAbstractNa
   void hear(const xcb_property_notify_event_t& event);
   void look();
   void outline();
+  std::vector<QRect> availableGeometries() const;
 
   std::unique_ptr<X11Display> display_;  // none where there is no X server
   std::unique_ptr<X11FullScreenCompanion> companion_;
   QPointer<QWindow> panel_;
-  QRect card_;  // in the window's points
+  QRect card_;                    // in the window's points
+  std::vector<QRect> available_;  // of the screens, when last looked at
   bool isCompositing_ = true;
   bool isLookPosted_ = false;
   QObject context_;
