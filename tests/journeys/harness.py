@@ -45,14 +45,14 @@ _PICOM = ["picom", "--config", "/dev/null", "--backend", "xrender"]
 
 
 class WindowManager:
-    def __init__(self, command, environment=None, beside=None, is_compositing=False):
-        self.command, self.environment, self.beside = command, environment or {}, beside
-        self.is_compositing = is_compositing or beside is not None
+    def __init__(self, command, environment=None, needs_picom=False, is_compositing=False):
+        self.command, self.environment = command, environment or {}
+        self.needs_picom, self.is_compositing = needs_picom, is_compositing
 
 
 WINDOW_MANAGERS = {
     "openbox": WindowManager(["openbox"]),
-    "openbox+picom": WindowManager(["openbox"], beside=_PICOM),
+    "openbox+picom": WindowManager(["openbox"], needs_picom=True),
     "xfwm4": WindowManager(["xfwm4", "--compositor=off"]),
     "xfwm4+compositor": WindowManager(["xfwm4", "--compositor=on"], is_compositing=True),
     "kwin": WindowManager(["kwin_x11"], {"KWIN_COMPOSE": "N"}),
@@ -175,10 +175,16 @@ class Desktop:
         self.start(manager.command, environment=manager.environment, **quiet)
         wait_until("the window manager runs",
                    lambda: "window id" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), 20)
-        if manager.beside:
-            self.start(manager.beside, **quiet)
+        if manager.needs_picom:
+            self.start_compositor()
         if manager.is_compositing:
-            wait_until("a compositor runs", lambda: self.has_compositor, 20)
+            wait_until("it composites", lambda: self.has_compositor, 20)
+
+    def start_compositor(self):
+        """One beside the window manager."""
+        process = self.start(_PICOM, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        wait_until("the compositor runs", lambda: self.has_compositor)
+        return process
 
     @property
     def has_compositor(self):
@@ -457,9 +463,12 @@ def run_journey(name, journey, **desktop_options):
 
 
 def run_side_by_side(name, journeys):
-    """Journeys that mostly wait, each in a process and on a desktop of its own; or the one named as the argument."""
+    """Journeys that mostly wait, each in a process and on a desktop of its own; or the one named as the argument. One
+    that needs a desktop of some kind comes with the options of it."""
     if len(sys.argv) > 1:
-        run_journey(f"{name}-{sys.argv[1]}", journeys[sys.argv[1]])
+        journey = journeys[sys.argv[1]]
+        journey, options = journey if isinstance(journey, tuple) else (journey, {})
+        run_journey(f"{name}-{sys.argv[1]}", journey, **options)
     running = [subprocess.Popen([sys.executable, os.path.abspath(sys.argv[0]), variant], stdin=subprocess.DEVNULL,
                                 stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
                                 preexec_fn=_die_with_parent) for variant in journeys]

@@ -5,6 +5,7 @@ import re
 import Xlib.display
 import Xlib.ext.shape
 import Xlib.X
+import Xlib.Xatom
 
 from harness import POPUP_MARGIN, POPUP_TITLE
 from waiting import wait_until
@@ -110,3 +111,28 @@ class Windows:
     def close(self, title):
         self._desktop.run("wmctrl", "-i", "-c", str(self.find(title)), check=True)
         wait_until(f"“{title}” is closed", lambda: not self._desktop.window_ids(title))
+
+
+class Dock:
+    """A panel of the desktop at the edge of a screen, which reserves `bottom` or `right` pixels of the display."""
+
+    def __init__(self, desktop, x, y, width, height, bottom=0, right=0):
+        self._display = Xlib.display.Display(desktop.environment["DISPLAY"])
+        screen = self._display.screen()
+        self._window = screen.root.create_window(x, y, width, height, 0, screen.root_depth,
+                                                 background_pixel=screen.black_pixel)
+        self._set("_NET_WM_WINDOW_TYPE", Xlib.Xatom.ATOM, [self._display.get_atom("_NET_WM_WINDOW_TYPE_DOCK")])
+        strut = [0, right, 0, bottom, 0, 0, y if right else 0, y + height - 1 if right else 0, 0, 0,
+                 x if bottom else 0, x + width - 1 if bottom else 0]
+        self._set("_NET_WM_STRUT_PARTIAL", Xlib.Xatom.CARDINAL, strut)
+
+    def _set(self, name, kind, values):
+        self._window.change_property(self._display.get_atom(name), kind, 32, values)
+
+    def __enter__(self):
+        self._window.map()
+        self._display.sync()
+        return self
+
+    def __exit__(self, *_):
+        self._display.close()
