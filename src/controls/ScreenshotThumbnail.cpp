@@ -96,6 +96,12 @@ void ScreenshotThumbnail::take(const Outcome& outcome, qreal displayScale) {
   setOutcome(outcome);
   if (const auto* image = std::get_if<QImage>(&outcome)) picture_ = FittedPicture(*image, displayScale);
   update();
+  if (onPictureChanged) onPictureChanged();
+}
+
+QRectF ScreenshotThumbnail::picturePlace() const {
+  if (isPlaceholder() || picture_.isNull()) return rect();
+  return picture_.placeIn(rect(), content_.alignment, devicePixelRatioF());
 }
 
 void ScreenshotThumbnail::setOutcome(const std::optional<Outcome>& outcome) {
@@ -135,7 +141,7 @@ void ScreenshotThumbnail::paintEvent(QPaintEvent*) {
     return;
   }
   const qreal displayScale = devicePixelRatioF();
-  const QRectF place = picture_.placeIn(rect(), content_.alignment, displayScale);
+  const QRectF place = picturePlace();
   picture_.paint(painter, place, content_.cornerRadius, displayScale);
   painter.setBrush(Qt::NoBrush);
   painter.setPen(QPen(Theme(palette()).hairline, 1));

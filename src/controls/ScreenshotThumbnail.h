@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtWidgets/QWidget>
+#include <functional>
 
 #include "controls/FittedPicture.h"
 #include "foundation/Weak.h"
@@ -33,6 +34,9 @@ class ScreenshotThumbnail : public QWidget {
   const std::optional<ThumbnailLoader::Outcome>& outcome() const { return outcome_; }
   /// What is shown now; null before the first picture.
   const QImage& image() const { return picture_.image(); }
+  /// Where it is shown, in the widget's points; the whole widget while there is none.
+  QRectF picturePlace() const;
+  std::function<void()> onPictureChanged;
 
  protected:
   void paintEvent(QPaintEvent* event) override;
