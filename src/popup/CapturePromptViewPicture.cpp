@@ -1,10 +1,9 @@
 // What the card does with the picture that it shows.
 
-#include <QtCore/QPointer>
 #include <QtGui/QDrag>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QIcon>
-#include <QtGui/QWindow>
+#include <QtGui/QRasterWindow>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 
@@ -37,21 +36,23 @@ class Protection {
   UUID id_;
 };
 
-/// While it lives keys come here, so that Escape ends a drag of a window that never had the keyboard. The other
-/// application keeps it meanwhile, and has it again afterwards.
+/// While it lives keys come to this program, so that Escape ends a drag of a window that never had the keyboard; the
+/// other application keeps it for afterwards. They come by a window of which the window manager knows nothing: some
+/// take a window that gets all keys for the active one.
 class GrabbedKeyboard {
  public:
-  explicit GrabbedKeyboard(QWindow* window) : window_(window) {
-    if (window_) window_->setKeyboardGrabEnabled(true);
+  GrabbedKeyboard() {
+    window_.setFlags(Qt::ToolTip | Qt::WindowTransparentForInput | Qt::WindowDoesNotAcceptFocus);
+    window_.setGeometry(-1, -1, 1, 1);
+    window_.show();
+    window_.setKeyboardGrabEnabled(true);
   }
-  ~GrabbedKeyboard() {
-    if (window_) window_->setKeyboardGrabEnabled(false);
-  }
+  ~GrabbedKeyboard() { window_.setKeyboardGrabEnabled(false); }
   GrabbedKeyboard(const GrabbedKeyboard&) = delete;
   GrabbedKeyboard& operator=(const GrabbedKeyboard&) = delete;
 
  private:
-  QPointer<QWindow> window_;
+  QRasterWindow window_;
 };
 
 /// The target that the person chooses; none when the menu is closed without a choice.
@@ -147,7 +148,8 @@ Task<> CapturePromptView::drag(Weak<CapturePromptView> self) {
   const QPixmap picture = self->preview_->dragPicture();
   drag->setPixmap(picture);
   drag->setHotSpot(QRectF(QPointF(), picture.deviceIndependentSize()).center().toPoint());
-  const GrabbedKeyboard keyboard(self->window()->windowHandle());
+  std::optional<GrabbedKeyboard> keyboard;
+  if (!self->isActiveWindow()) keyboard.emplace();
   drag->exec(Qt::CopyAction);
 }
 

@@ -35,22 +35,28 @@ class Drag:
             desktop.move_pointer((self._x - 8 * step, self._y))
         wait_until("the picture is dragged", lambda: self._cursor.picture != self._usual)
         # The card itself takes nothing.
-        self._refused = self._cursor.picture
+        self._refused = self._settled_picture()
 
-    def move_to(self, place):
-        """Until what stands there would take it; one that has not seen the drag come hears of it by a movement."""
+    def _settled_picture(self):
+        """Of the cursor, when the program has done what the last movement asks of it."""
+        self._desktop.action("none", wait=True)
+        return self._cursor.picture
+
+    def move_to(self, place, is_there=lambda: True):
+        """Until what stands there would take it, and says so itself if it can; one that has not seen the drag come
+        hears of it by a movement."""
         places = [(place[0] - 6, place[1]), place]
 
         def is_accepted():
             self._desktop.move_pointer(places[0])
             places.reverse()
-            return self._cursor.picture not in (self._usual, self._refused)
+            return self._settled_picture() not in (self._usual, self._refused) and is_there()
 
         wait_until("the receiver would take it", is_accepted)
 
     def release(self):
         self._desktop.run("xdotool", "mouseup", "1", check=True)
 
-    def drop(self, place):
-        self.move_to(place)
+    def drop(self, place, is_there=lambda: True):
+        self.move_to(place, is_there)
         self.release()

@@ -2,11 +2,11 @@
 """Of two windows that overlap the popup shows the front one alone, and Keep saves it in the screenshot's place; the
 whole screenshot can be had back from the Trash. A picture without a window says so."""
 
-import json
 import os
 import subprocess
 
 import captures
+from detection import main_window
 from harness import expect, run_journey, wait_until
 from pictures import png_size
 from steps import TrashEntry, popup_shows_picture
@@ -42,7 +42,7 @@ def the_window_takes_the_place(desktop, windows):
     shot = captures.scrot_named(desktop)
     with open(shot, "rb") as file:
         whole = file.read()
-    frame = frame_in(shot)
+    frame = main_window(shot)
     expect("the front window is found", is_near(frame, outer_frame(desktop, windows)))
 
     desktop.popup.wait_for(shot)
@@ -84,14 +84,6 @@ def a_picture_without_one(desktop):
     desktop.popup.wait_gone()
     wait_until("it is kept", lambda: desktop.state_of(region) == "permanent")
     expect("as it was", bytes_of(region) == before)
-
-
-def frame_in(picture):
-    """x, y, width and height of the main window, by the program's own detector."""
-    found = subprocess.run([os.environ["QUILLMERE_DETECT_WINDOWS"], picture], capture_output=True, text=True, check=True)
-    result = json.loads(found.stdout)
-    window = result["windows"][result["primary"]]
-    return window["x"], window["y"], window["width"], window["height"]
 
 
 def outer_frame(desktop, windows):
