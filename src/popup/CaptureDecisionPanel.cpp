@@ -61,7 +61,7 @@ void CaptureDecisionPanel::makeScrollBar() {
   QScrollBar* hidden = scroll_->verticalScrollBar();
   const auto follow = [this, hidden] {
     scrollBar_->setRange(hidden->minimum(), hidden->maximum());
-    scrollBar_->setPageStep(hidden->pageStep());
+    scrollBar_->setPageStep(scroll_->viewport()->height());  // theirs is told only after the range
     scrollBar_->setSingleStep(hidden->singleStep());
     scrollBar_->setValue(hidden->value());
   };
