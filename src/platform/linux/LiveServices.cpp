@@ -53,6 +53,7 @@ LiveServices::LiveServices(const ApplicationPaths& paths)
       mounts(&systemEvents),
       securityScope(mounts),
       watchFolderStore(defaults, mounts),
+      announcer(executor),
       languageModel(executor, ModelServerPlaces::standard(defaults), &systemNow),
       analyzer(executor, languageModel, &CloudFiles::isDataless),
       monitor(executor, systemEvents, folderEvents, scanServices(), &systemNow) {}
