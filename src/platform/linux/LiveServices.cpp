@@ -55,6 +55,7 @@ LiveServices::LiveServices(const ApplicationPaths& paths)
       mounts(&systemEvents),
       securityScope(mounts),
       watchFolderStore(defaults, mounts),
+      announcer(executor),
       sharing(executor),
       languageModel(executor, ModelServerPlaces::standard(defaults), &systemNow),
       analyzer(executor, languageModel, &CloudFiles::isDataless),
