@@ -66,6 +66,8 @@ PromptPreviewNotice AppModel::tell(PromptPreviewNotice notice) const {
 std::optional<AppModel::ExtractedWindow> AppModel::extractedWindow(const UUID& id) const {
   const auto& extraction = *promptWindowExtraction;
   if (!extraction || extraction->itemID != id || promptExtractionImage_.isNull()) return std::nullopt;
+  // A file that is not here can't be replaced, and its popup offers no way to turn this off.
+  if (unavailableItemIDs->contains(id) || evictedItemIDs->contains(id)) return std::nullopt;
   const auto part = Extraction::shownPart(extraction->phase);
   return part ? std::optional(ExtractedWindow{promptExtractionImage_, *part}) : std::nullopt;
 }

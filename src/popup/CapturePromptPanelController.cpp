@@ -176,7 +176,10 @@ void CapturePromptPanelController::hide() {
   // A popup that never had the keyboard has none to give back.
   if (!hadKeyboard || previous == 0) return;
   services_.executor->post([self = lifetime_.weak(this), previous] {
-    if (self) self->services_.windowSystem->activate(previous);
+    // The window manager may have given it back by itself.
+    if (self && self->services_.windowSystem->activeWindow() != previous) {
+      self->services_.windowSystem->activate(previous);
+    }
   });
 }
 

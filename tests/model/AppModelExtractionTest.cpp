@@ -268,6 +268,27 @@ TEST_F(AppModelExtraction, SavingWithoutAWindowSucceedsAndDoesNothing) {
   EXPECT_EQ(sizeOf(item(other).url), picture().size());
 }
 
+TEST_F(AppModelExtraction, GoesOffWithThePreviewThatShowsIt) {
+  const UUID id = arriveExtracted("shot.png");
+  model->setShowPopupThumbnail(false);
+  EXPECT_EQ(phase(), std::nullopt);
+  model->keepPrompt(id).detach();
+  executor.drain();
+  EXPECT_EQ(sizeOf(item(id).url), picture().size());
+}
+
+TEST_F(AppModelExtraction, OfAFileThatIsNotHereAnyMoreHoldsNothingUp) {
+  const UUID id = arriveExtracted("shot.png");
+  dataless.insert(item(id).url.path());
+  reconcileAll();
+  ASSERT_TRUE(model->evictedItemIDs->contains(id));
+  model->keepPrompt(id).detach();
+  executor.drain();
+  EXPECT_EQ(stateOf(id), State::permanent);
+  EXPECT_FALSE(model->promptError->has_value());
+  EXPECT_TRUE(files.trashed.empty());
+}
+
 class ExtractionAtTimeout : public AppModelExtraction {
  protected:
   void SetUp() override {

@@ -43,7 +43,8 @@ class FakeWindowSystem final : public PanelWindowSystem {
     give(window);
   }
   /// Gives one of this program's windows the keyboard, or with another number takes it away.
-  static void give(quintptr number) {
+  void give(quintptr number) {
+    active = number;
     QWindow* ours = nullptr;
     for (QWindow* window : QGuiApplication::allWindows()) {
       if (window->handle() && window->winId() == number) ours = window;
@@ -100,7 +101,7 @@ class CapturePromptPanelControllerTest : public testing::ModelFixture {
   /// The test platform gives each new window the keyboard; a popup must not have it.
   void settle() {
     QCoreApplication::processEvents();
-    FakeWindowSystem::give(kEditor);
+    windowSystem.give(kEditor);
     executor.drain();
   }
   bool isVisible() const { return popup->panel() && popup->panel()->isVisible(); }
@@ -470,6 +471,16 @@ TEST_F(CapturePromptPanelControllerTest, TheReviewTakesTheKeyboardAndClosingGive
   EXPECT_EQ(windowSystem.activated.back(), kEditor);
 }
 
+TEST_F(CapturePromptPanelControllerTest, WhereTheWindowManagerGaveTheKeyboardBackNothingIsActivated) {
+  show();
+  model->reviewPending(false);
+  windowSystem.activated.clear();
+  model->dismissPrompt();
+  windowSystem.active = kEditor;
+  executor.drain();
+  EXPECT_TRUE(windowSystem.activated.empty());
+}
+
 TEST_F(CapturePromptPanelControllerTest, ClosingAPopupThatNeverHadTheKeyboardActivatesNothing) {
   show();
   model->dismissPrompt();
@@ -481,7 +492,7 @@ TEST_F(CapturePromptPanelControllerTest, AfterThePersonWentElsewhereClosingActiv
   show();
   model->reviewPending(false);
   ASSERT_TRUE(popup->panel()->isActiveWindow());
-  FakeWindowSystem::give(0);
+  windowSystem.give(0);
   ASSERT_FALSE(popup->panel()->isActiveWindow());
   windowSystem.activated.clear();
   model->dismissPrompt();
@@ -494,7 +505,7 @@ TEST_F(CapturePromptPanelControllerTest, FromAWindowOfThisProgramNothingIsGivenB
   inbox.show();
   QCoreApplication::processEvents();
   show();
-  FakeWindowSystem::give(inbox.winId());
+  windowSystem.give(inbox.winId());
   ASSERT_TRUE(inbox.isActiveWindow());
   model->reviewPending(false);
   ASSERT_TRUE(popup->panel()->isActiveWindow());
