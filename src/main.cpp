@@ -79,6 +79,7 @@ int main(int argc, char** argv) {
   CapturePromptPanelController::Services popupServices;
   popupServices.executor = &services.executor;
   popupServices.thumbnails = &thumbnails;
+  popupServices.sharing = &services.sharing;
   popupServices.screens = &screens;
   popupServices.windowSystem = &windowSystem;
   popupServices.isDataless = &CloudFiles::isDataless;

@@ -6,8 +6,10 @@
 #include <QtCore/QFile>
 #include <QtGui/QImageReader>
 #include <algorithm>
+#include <functional>
 
 #include "foundation/FileStatus.h"
+#include "imaging/Downscaler.h"
 #include "imaging/HeifFile.h"
 #include "imaging/PngChunks.h"
 #include "imaging/PngReader.h"
@@ -49,12 +51,27 @@ class GeneralReader {
   std::optional<QSize> size() const {
     const QSize size = reader_.size();
     if (size.isEmpty()) return std::nullopt;
-    const bool isSideways = reader_.transformation().testFlag(QImageIOHandler::TransformationRotate90);
-    return isSideways ? size.transposed() : size;
+    return isSideways() ? size.transposed() : size;
   }
   QImage read() { return reader_.read(); }
+  /// With sides divided by 2, 4 or 8 where they then are still at least twice as long as those of `wanted`, which is
+  /// upright. The decoder of JPEG does that while it decodes, and has only so many samples to compute.
+  QImage readReduced(QSize wanted) {
+    const QSize least = 2 * (isSideways() ? wanted.transposed() : wanted);
+    for (const int divisor : {8, 4, 2}) {
+      const QSize full = reader_.size();
+      const QSize reduced(full.width() / divisor, full.height() / divisor);
+      if (reduced.width() < least.width() || reduced.height() < least.height()) continue;
+      // A rest, which is less than half a pixel in the end, would have the reader scale once more by itself.
+      reader_.setClipRect(QRect(QPoint(), reduced * divisor));
+      reader_.setScaledSize(reduced);
+      break;
+    }
+    return reader_.read();
+  }
 
  private:
+  bool isSideways() const { return reader_.transformation().testFlag(QImageIOHandler::TransformationRotate90); }
   QImageReader reader_;
 };
 
@@ -65,14 +82,17 @@ bool isJpegBomb(QSize size, size_t bytes) {
   return static_cast<size_t>(size.width()) * static_cast<size_t>(size.height()) / kMostPixelsInAByte > bytes;
 }
 
-QImage readGenerally(std::string_view bytes, Format format) {
+QImage readGenerally(std::string_view bytes, Format format, const std::function<QImage(GeneralReader&)>& read) {
   if (format == Format::png && PngReader::isBomb(bytes)) return {};
   QByteArray view = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
   QBuffer buffer(&view);
   GeneralReader reader(buffer, format);
   const auto size = reader.size();
   if (!size || (format == Format::jpeg && isJpegBomb(*size, bytes.size()))) return {};
-  return reader.read();
+  return read(reader);
+}
+QImage readGenerally(std::string_view bytes, Format format) {
+  return readGenerally(bytes, format, [](GeneralReader& reader) { return reader.read(); });
 }
 
 QImage decoded(std::string_view bytes) {
@@ -100,9 +120,24 @@ bool isWhole(std::string_view bytes) {
   return hasEndMarker(bytes, *format) && !readGenerally(bytes, *format).isNull();
 }
 
-QImage scaledDown(const QImage& image, int maxPixels) {
-  if (image.isNull() || (image.width() <= maxPixels && image.height() <= maxPixels)) return image;
-  return image.scaled(maxPixels, maxPixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+QImage fitted(const QImage& picture, int maxPixels) {
+  return Downscaler::scaled(picture, Downscaler::fitting(picture.size(), maxPixels));
+}
+
+QImage smallJpeg(std::string_view bytes, int maxPixels) {
+  return readGenerally(bytes, Format::jpeg, [maxPixels](GeneralReader& reader) {
+    const QSize size = Downscaler::fitting(*reader.size(), maxPixels);
+    return Downscaler::scaled(reader.readReduced(size), size);
+  });
+}
+
+QImage decodedSmall(std::string_view bytes, int maxPixels) {
+  const auto format = ImageFile::formatOf(bytes);
+  if (format == Format::jpeg) return smallJpeg(bytes, maxPixels);
+  if (format == Format::png) {
+    if (auto picture = PngReader::readSmall(bytes, maxPixels)) return *std::move(picture);
+  }
+  return fitted(decoded(bytes), maxPixels);
 }
 
 }  // namespace
@@ -139,7 +174,8 @@ QImage ImageFile::picture(const FileURL& url) {
 }
 
 QImage ImageFile::thumbnail(const FileURL& url, int maxPixels) {
-  return scaledDown(picture(url), maxPixels);
+  const auto bytes = maxPixels > 0 ? bytesOf(url) : std::nullopt;
+  return bytes ? decodedSmall(*bytes, maxPixels) : QImage();
 }
 
 }  // namespace quillmere

@@ -25,8 +25,8 @@ std::optional<QSize> pixelSize(const FileURL& url);
 /// The upright picture at full size. Null when the file cannot be read.
 QImage picture(const FileURL& url);
 
-/// The upright picture, made small enough that neither side is above `maxPixels`; never enlarged. Null when the file
-/// cannot be read.
+/// The upright picture, made small enough that neither side is above `maxPixels`; never enlarged. RGB32 without alpha,
+/// else premultiplied: what the screen wants. Null when the file cannot be read.
 QImage thumbnail(const FileURL& url, int maxPixels);
 
 enum class Format { png, jpeg, heif };

@@ -6,10 +6,12 @@
 #include <QtGui/QColorSpace>
 #include <QtGui/QImageReader>
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <memory>
 #include <vector>
 
+#include "imaging/Downscaler.h"
 #include "imaging/PlainPng.h"
 #include "imaging/PngChunks.h"
 #include "imaging/PngFilters.h"
@@ -99,24 +101,45 @@ void undoFilters(const PngHeader& header, const uint8_t* filtered, uint32_t* pix
   }
 }
 
-}  // namespace
+/// Undoes the filters of a few rows at a time, which the caches hold, and makes the picture smaller at once.
+QImage undoFilters(const PngHeader& header, const uint8_t* filtered, Downscaler& scaler) {
+  const size_t stride = header.width + PngFilters::kSlack / sizeof(uint32_t);
+  // With the one above them.
+  const auto room = static_cast<size_t>(scaler.rowsWanted()) + 1;
+  std::vector<uint32_t> memory(stride * room);
+  const auto place = [&](size_t y) { return memory.data() + stride * (y % room); };
+  std::vector<const QRgb*> rows;
+  for (size_t y = 0; y < header.height;) {
+    rows.clear();
+    for (int i = scaler.rowsWanted(); i > 0; --i, ++y) {
+      const uint8_t* row = filtered + y * (1 + header.rowBytes());
+      PngFilters::undo(row[0], header.channels(), {row + 1, place(y + room - 1), place(y), header.width});
+      rows.push_back(place(y));
+    }
+    scaler.add(rows.data());
+  }
+  return scaler.result();
+}
 
-std::optional<QImage> PngReader::read(std::string_view file) {
-  const auto png = PlainPng::of(file);
-  if (!png || isBomb(file)) return std::nullopt;
-  const QImage pixel = describedPixel(*png);
-  if (pixel.isNull()) return std::nullopt;
+QSize sizeOf(const PngHeader& header) {
+  return {static_cast<int>(header.width), static_cast<int>(header.height)};
+}
 
+std::optional<PlainPng> plainPng(std::string_view file) {
+  return PngReader::isBomb(file) ? std::nullopt : PlainPng::of(file);
+}
+
+QImage pictureOf(const PlainPng& png, const QImage& pixel) {
   // The data stands so far behind the picture that no finished row reaches the next filtered one: one block of memory
   // instead of two, and the caches stay warm.
-  const PngHeader& header = png->header;
+  const PngHeader& header = png.header;
   const size_t finishedRow = size_t{4} * header.width;
   const size_t gain = std::max(finishedRow, 1 + header.rowBytes()) - (1 + header.rowBytes());
   const size_t distance = finishedRow + (header.height - 1) * gain + PngFilters::kSlack;
   LargeBuffer buffer(distance + header.filteredBytes() + PngFilters::kSlack);
-  if (!buffer) return std::nullopt;
+  if (!buffer) return {};
   uint8_t* filtered = buffer.data() + distance;
-  if (!inflate(*png, filtered) || !areFiltersKnown(header, filtered)) return std::nullopt;
+  if (!inflate(png, filtered) || !areFiltersKnown(header, filtered)) return {};
   undoFilters(header, filtered, reinterpret_cast<uint32_t*>(buffer.data()));
 
   uint8_t* bytes = buffer.release();
@@ -128,9 +151,40 @@ std::optional<QImage> PngReader::read(std::string_view file) {
   return image;
 }
 
+QImage smallPictureOf(const PlainPng& png, const QImage& pixel, QSize size) {
+  const LargeBuffer filtered(png.header.filteredBytes() + PngFilters::kSlack);
+  if (!filtered || !inflate(png, filtered.data()) || !areFiltersKnown(png.header, filtered.data())) return {};
+  Downscaler scaler(sizeOf(png.header), size, pixel.format());
+  QImage image = undoFilters(png.header, filtered.data(), scaler);
+  image.setColorSpace(pixel.colorSpace());
+  return image;
+}
+
+std::optional<QImage> unlessNull(QImage image) {
+  return image.isNull() ? std::nullopt : std::optional(std::move(image));
+}
+
+}  // namespace
+
+std::optional<QImage> PngReader::read(std::string_view file) {
+  const auto png = plainPng(file);
+  const QImage pixel = png ? describedPixel(*png) : QImage();
+  return pixel.isNull() ? std::nullopt : unlessNull(pictureOf(*png, pixel));
+}
+
+std::optional<QImage> PngReader::readSmall(std::string_view file, int maxPixels) {
+  const auto png = plainPng(file);
+  const QImage pixel = png ? describedPixel(*png) : QImage();
+  if (pixel.isNull()) return std::nullopt;
+  const QSize full = sizeOf(png->header);
+  const QSize size = Downscaler::fitting(full, maxPixels);
+  if (size != full) return unlessNull(smallPictureOf(*png, pixel, size));
+  return unlessNull(Downscaler::scaled(pictureOf(*png, pixel), size));
+}
+
 bool PngReader::canRead(std::string_view file) {
-  const auto png = PlainPng::of(file);
-  if (!png || isBomb(file)) return false;
+  const auto png = plainPng(file);
+  if (!png) return false;
   const LargeBuffer filtered(png->header.filteredBytes());
   return filtered && inflate(*png, filtered.data()) && areFiltersKnown(png->header, filtered.data()) &&
          !describedPixel(*png).isNull();

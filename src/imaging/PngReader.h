@@ -16,6 +16,10 @@ namespace PngReader {
 
 std::optional<QImage> read(std::string_view file);
 
+/// The same picture made smaller, as `Downscaler` does, where it has a side above `maxPixels`; without memory for the
+/// large one.
+std::optional<QImage> readSmall(std::string_view file, int maxPixels);
+
 /// Whether `read` gives a picture, told without making it.
 bool canRead(std::string_view file);
 

@@ -16,6 +16,7 @@
 #include "model/FolderAccess.h"
 #include "model/ModelMessages.h"
 #include "model/PopupAutoSaveScheduler.h"
+#include "model/PromptWindowExtraction.h"
 #include "model/Published.h"
 #include "model/Reconciliation.h"
 #include "model/RecordIndex.h"
@@ -84,6 +85,7 @@ class AppModel : private AnalysisRecords {
   Published<std::vector<UUID>> promptQueue{changed, ModelField::promptQueue};
   Published<int> promptFocusRequest{changed, ModelField::promptFocusRequest, 0};
   Published<int> promptContentGeneration{changed, ModelField::promptContentGeneration, 0};
+  Published<std::optional<PromptWindowExtraction>> promptWindowExtraction{changed, ModelField::promptWindowExtraction};
 
   void setSelectedItemIDs(UUIDSet ids) { selectedItemIDs.set(std::move(ids)); }
   void setMenuBarEnabled(bool isOn);
@@ -131,9 +133,11 @@ class AppModel : private AnalysisRecords {
   bool isReconciling() const { return static_cast<bool>(reconcileTask_); }
 
   // --- Decisions: AppModelDecisions.cpp ---
-  void markTemporary(const UUID& id, TemporaryDuration duration, const std::optional<QString>& name = {});
+  /// Both decide at once, unless an extracted window must take the screenshot's place first; where that fails nothing
+  /// is decided.
+  Task<> markTemporary(UUID id, TemporaryDuration duration, std::optional<QString> name = {});
+  Task<> keepPrompt(UUID id, std::optional<QString> name = {});
   void markTemporaryBatch(const std::vector<UUID>& ids, TemporaryDuration duration);
-  void keepPrompt(const UUID& id, const std::optional<QString>& name = {});
   void keepBatch(const std::vector<UUID>& ids);
   /// While a record's file is open in the program it cannot be disposed of, and its time does not run out.
   /// As often as it was protected.
@@ -178,6 +182,23 @@ class AppModel : private AnalysisRecords {
   Task<std::optional<QString>> replaceOriginal(UUID id, QImage image, QRectF rect);
   /// Writes that part as a new file into the watched folder, with a record of its own. Gives why it failed, in words.
   Task<Result<UUID, QString>> saveAsNew(UUID id, QImage image, QRectF rect);
+
+  // --- Extract Window: AppModelExtraction.cpp ---
+  /// Turns it on or off for the screenshot in the popup; gives what the popup is to tell.
+  Task<std::optional<PromptPreviewNotice>> setPromptWindowExtraction(ScreenshotItem item, bool enabled);
+  void clearPromptWindowExtraction();
+  /// Puts the extracted window in the screenshot's place, if there is one. Gives why it failed, in words.
+  Task<std::optional<QString>> saveExtractedWindow(UUID id);
+  /// The same before a decision; false when the decision must not be made, which is shown.
+  Task<bool> commitPromptExtraction(UUID id);
+
+  // --- Copy, drag and share: AppModelTransfer.cpp ---
+  /// Puts the picture, or the extracted window, on the clipboard. A failure is shown in `scope`.
+  Task<> copy(ScreenshotItem item, ErrorScope scope);
+  /// Puts the text in the screenshot on the clipboard; gives what the popup is to tell.
+  Task<std::optional<PromptPreviewNotice>> copyRecognizedText(ScreenshotItem item);
+  /// The file, or a copy of it under another name, or the extracted window. Nothing when that failed, which is shown.
+  Task<std::optional<PreparedTransfer>> prepareTransfer(ScreenshotItem item, std::optional<QString> name);
 
   // --- Analysis: AppModelAnalysis.cpp ---
   /// Describes the screenshot anew or for the first time, unless that is being done.
@@ -253,6 +274,9 @@ class AppModel : private AnalysisRecords {
   std::optional<FileURL> relocateByBookmark(size_t index);
 
   // AppModelDecisions.cpp
+  static Task<> runMarkTemporary(Weak<AppModel> self, UUID id, TemporaryDuration duration, std::optional<QString> name);
+  static Task<> runKeepPrompt(Weak<AppModel> self, UUID id, std::optional<QString> name);
+  bool isUndecided(const UUID& id) const;
   void makeTemporary(size_t index, TemporaryDuration duration, Date moment);
   void keepItem(size_t index);
   void refreshExpirationBanner();
@@ -260,6 +284,7 @@ class AppModel : private AnalysisRecords {
   // AppModelTimeout.cpp
   void beginCountdown(const UUID& id);
   void popupTimedOut(const UUID& id);
+  static Task<> keepAfterTimeout(Weak<AppModel> self, UUID id);
   std::optional<QString> timeoutName(const ScreenshotItem& item) const;
 
   // AppModelDisposal.cpp
@@ -279,6 +304,27 @@ class AppModel : private AnalysisRecords {
   void finishReplacements();
   static Task<> sweepTemporaries(Weak<AppModel> self, std::vector<Replacement> begun);
   UUID addDerived(const FileURL& url, const UUID& source);
+
+  // AppModelExtraction.cpp
+  struct ExtractedWindow {
+    QImage image;
+    QRectF crop;
+  };
+  static Task<std::optional<PromptPreviewNotice>> runWindowExtraction(Weak<AppModel> self, ScreenshotItem item,
+                                                                      bool enabled);
+  static Task<std::optional<QString>> runWindowSaving(Weak<AppModel> self, UUID id);
+  static Task<bool> runPromptCommit(Weak<AppModel> self, UUID id);
+  std::optional<ExtractedWindow> extractedWindow(const UUID& id) const;
+  bool isSeekingWindow(const UUID& id) const;
+  bool isSavingWindow(const UUID& id) const;
+  PromptPreviewNotice tell(PromptPreviewNotice notice) const;
+
+  // AppModelTransfer.cpp
+  PromptPreviewTransfer transfer(const ScreenshotItem& item, const std::optional<QString>& name) const;
+  static Task<> runCopy(Weak<AppModel> self, ScreenshotItem item, ErrorScope scope);
+  static Task<std::optional<PromptPreviewNotice>> runTextCopy(Weak<AppModel> self, ScreenshotItem item);
+  static Task<std::optional<PreparedTransfer>> runTransfer(Weak<AppModel> self, ScreenshotItem item,
+                                                           std::optional<QString> name);
 
   // AppModelAnalysis.cpp
   void startMissingAnalysis();
@@ -345,6 +391,9 @@ class AppModel : private AnalysisRecords {
 
   std::optional<UUID> lastVisiblePromptID_;
   std::optional<PromptNameEdit> promptNameEdit_;
+  QImage promptExtractionImage_;                          ///< the scanned picture, so that saving reads nothing
+  std::optional<FileIdentity> promptExtractionIdentity_;  ///< of the file that it was read from
+  Task<Result<ImageOperations::WindowScan, ImageOperations::OperationError>> promptWindowScan_;
   bool announcesPromptChangesPolitely_ = false;
   bool announcesShortcutHint_ = true;
 

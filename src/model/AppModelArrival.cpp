@@ -131,6 +131,7 @@ void AppModel::setVisiblePrompt(const std::optional<UUID>& id) {
   if (id == lastVisiblePromptID_) return;
   lastVisiblePromptID_ = id;
   promptNameEdit_.reset();
+  clearPromptWindowExtraction();
   promptContentGeneration.set(*promptContentGeneration + 1);
 }
 
@@ -161,7 +162,9 @@ void AppModel::resolvePrompts(const UUIDSet& ids) {
 }
 
 void AppModel::dismissPrompt() {
-  if (const auto head = queueHead()) resolvePrompts({*head});
+  const auto head = queueHead();
+  // A decision that is being carried out can't be waved away any more.
+  if (head && !isSavingWindow(*head)) resolvePrompts({*head});
 }
 
 void AppModel::reviewPending(bool announcesFocus) {

@@ -2,18 +2,28 @@
 
 namespace quillmere {
 
-void AppModel::markTemporary(const UUID& id, TemporaryDuration duration, const std::optional<QString>& name) {
+bool AppModel::isUndecided(const UUID& id) const {
   const ScreenshotItem* item = items_.find(id);
-  if (!item || item->state != ScreenshotItem::State::pending) return;
-  if (name) rename(id, *name, ErrorScope::popup);
+  return item && item->state == ScreenshotItem::State::pending;
+}
+
+Task<> AppModel::markTemporary(UUID id, TemporaryDuration duration, std::optional<QString> name) {
+  return runMarkTemporary(lifetime_.weak(this), id, duration, std::move(name));
+}
+
+Task<> AppModel::runMarkTemporary(Weak<AppModel> self, UUID id, TemporaryDuration duration,
+                                  std::optional<QString> name) {
+  if (!self->isUndecided(id)) co_return;
+  const bool isCommitted = co_await self->commitPromptExtraction(id);
+  if (!isCommitted || !self || !self->isUndecided(id)) co_return;
+  if (name) self->rename(id, *name, ErrorScope::popup);
   // Its file turned out to have been moved away by the person, which keeps it.
-  item = items_.find(id);
-  if (!item || item->state != ScreenshotItem::State::pending) return;
-  lastTemporaryDuration.set(duration);
-  dependencies_.defaults->set(QStringLiteral("quillmere.last-duration"), static_cast<int>(duration));
-  makeTemporary(*items_.indexOf(id), duration, now());
-  resolvePrompts({id});
-  saveNow();
+  if (!self->isUndecided(id)) co_return;
+  self->lastTemporaryDuration.set(duration);
+  self->dependencies_.defaults->set(QStringLiteral("quillmere.last-duration"), static_cast<int>(duration));
+  self->makeTemporary(*self->items_.indexOf(id), duration, self->now());
+  self->resolvePrompts({id});
+  self->saveNow();
 }
 
 void AppModel::markTemporaryBatch(const std::vector<UUID>& ids, TemporaryDuration duration) {
@@ -51,13 +61,20 @@ void AppModel::keepItem(size_t index) {
   if (expirationFailures_.erase(id) > 0) refreshExpirationBanner();
 }
 
-void AppModel::keepPrompt(const UUID& id, const std::optional<QString>& name) {
-  const ScreenshotItem* item = items_.find(id);
-  if (!item || item->state != ScreenshotItem::State::pending) return;
-  if (name) rename(id, *name, ErrorScope::popup);
-  keepItem(*items_.indexOf(id));
-  resolvePrompts({id});
-  saveNow();
+Task<> AppModel::keepPrompt(UUID id, std::optional<QString> name) {
+  return runKeepPrompt(lifetime_.weak(this), id, std::move(name));
+}
+
+Task<> AppModel::runKeepPrompt(Weak<AppModel> self, UUID id, std::optional<QString> name) {
+  if (!self->isUndecided(id)) co_return;
+  const bool isCommitted = co_await self->commitPromptExtraction(id);
+  if (!isCommitted || !self || !self->isUndecided(id)) co_return;
+  if (name) self->rename(id, *name, ErrorScope::popup);
+  const auto index = self->items_.indexOf(id);
+  if (!index) co_return;
+  self->keepItem(*index);
+  self->resolvePrompts({id});
+  self->saveNow();
 }
 
 void AppModel::keepBatch(const std::vector<UUID>& ids) {

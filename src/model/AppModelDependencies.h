@@ -7,9 +7,11 @@
 #include "foundation/Executor.h"
 #include "foundation/SystemEvents.h"
 #include "foundation/UserDefaults.h"
+#include "imaging/WindowScan.h"
 #include "model/ModelMessages.h"
 #include "model/ScreenshotAnalyzing.h"
 #include "model/ScreenshotLocationProviding.h"
+#include "model/ScreenshotTransfer.h"
 #include "monitor/ScreenshotMonitoring.h"
 #include "records/ScreenshotItem.h"
 #include "records/ScreenshotRecordStore.h"
@@ -126,9 +128,13 @@ struct AppModelDependencies {
   FileChoosing* fileChooser = nullptr;
   ScreenshotLocationProviding* screenshotLocation = nullptr;
   Announcing* announcer = nullptr;
+  Pasteboard* pasteboard = nullptr;
   ScreenshotAnalyzing* analyzer = nullptr;
   SystemEvents* systemEvents = nullptr;
 
+  TransferFiles transferFiles;
+
+  std::function<Task<Result<ImageOperations::WindowScan, ImageOperations::OperationError>>(const FileURL&)> scanWindows;
   std::function<Date()> now;
   std::function<QTimeZone()> timeZone;
   Duration saveCoalescingDelay = std::chrono::milliseconds(750);

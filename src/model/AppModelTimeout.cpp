@@ -12,37 +12,54 @@ bool AppModel::isPopupPaused(const UUID& id) const {
   if (promptNameEdit_ && promptNameEdit_->id == id && (promptNameEdit_->isEdited || promptNameEdit_->isFocused)) {
     return true;
   }
+  if (isSeekingWindow(id) || isSavingWindow(id)) return true;
   if (queueHead() != id) return false;
   return dependencies_.promptPresenter->isPointerEngaged() || promptError->has_value();
 }
 
-/// An unanswered popup always keeps: it never chooses Temporary and never moves anything to Trash.
 void AppModel::popupTimedOut(const UUID& id) {
-  const auto index = items_.indexOf(id);
-  if (!*popupAutoSaveEnabled || !index || items_[*index].state != ScreenshotItem::State::pending) return;
+  keepAfterTimeout(lifetime_.weak(this), id).detach();
+}
 
-  const FileURL before = items_[*index].url;
+/// An unanswered popup always keeps: it never chooses Temporary and never moves anything to Trash but the whole
+/// screenshot that an extracted window takes the place of.
+Task<> AppModel::keepAfterTimeout(Weak<AppModel> self, UUID id) {
+  if (!*self->popupAutoSaveEnabled || !self->isUndecided(id)) co_return;
+  if (self->isSeekingWindow(id)) self->clearPromptWindowExtraction();
+  // Before the window is saved, which makes the suggestion one for another picture.
+  const auto name = self->timeoutName(*self->items_.find(id));
+  const auto extractionFailure = co_await self->saveExtractedWindow(id);
+  if (!self || !self->isUndecided(id)) co_return;
+  if (extractionFailure) self->clearPromptWindowExtraction();
+
+  using Kind = BackgroundIssue::Kind;
+  const size_t index = *self->items_.indexOf(id);
+  const FileURL before = self->items_[index].url;
   NumberedSearchResult moved{NumberedSearchResult::Outcome::alreadyNamed, before};
-  if (const auto name = timeoutName(items_[*index])) moved = moveToStem(before, *name);
+  if (name) moved = self->moveToStem(before, *name);
   const bool hasMoved = moved.outcome == NumberedSearchResult::Outcome::moved;
   const bool hasFailed = !hasMoved && moved.outcome != NumberedSearchResult::Outcome::alreadyNamed;
 
-  const auto oldBookmark = items_[*index].fileBookmark;
-  updateItem(*index, [&](ScreenshotItem& item) {
+  const auto oldBookmark = self->items_[index].fileBookmark;
+  self->updateItem(index, [&](ScreenshotItem& item) {
     if (hasMoved) item.url = moved.url;
     item.state = ScreenshotItem::State::permanent;
     item.expiresAt.reset();
   });
   if (hasMoved) {
-    dependencies_.monitor->noteUnknown(before);
-    dependencies_.monitor->noteKnown(moved.url);
-    refreshBookmark(*index, oldBookmark);
-    refreshItemAccess(*index, std::nullopt);
+    self->dependencies_.monitor->noteUnknown(before);
+    self->dependencies_.monitor->noteKnown(moved.url);
+    self->refreshBookmark(index, oldBookmark);
+    self->refreshItemAccess(index, std::nullopt);
   }
-  if (hasFailed) backgroundIssue.set(BackgroundIssue{BackgroundIssue::Kind::automaticRenameFailed});
-  expirationScheduler_.cancel(id);
-  resolvePrompts({id});
-  saveNow();
+  if (extractionFailure) {
+    self->backgroundIssue.set(BackgroundIssue{Kind::automaticExtractionFailed});
+  } else if (hasFailed) {
+    self->backgroundIssue.set(BackgroundIssue{Kind::automaticRenameFailed});
+  }
+  self->expirationScheduler_.cancel(id);
+  self->resolvePrompts({id});
+  self->saveNow();
 }
 
 /// A typed name, else the suggested one where the settings ask for it; none keeps the file's own.

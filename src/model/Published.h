@@ -43,6 +43,7 @@ enum class ModelField {
   promptQueue,
   promptFocusRequest,
   promptContentGeneration,
+  promptWindowExtraction,
 };
 
 /// What changed. It is told after the change.

@@ -1,13 +1,15 @@
 #include "popup/CaptureDecisionPanel.h"
 
 #include <QtCore/QEvent>
-#include <QtGui/QBitmap>
+#include <QtGui/QAccessible>
 #include <QtGui/QPainter>
-#include <QtGui/QPainterPath>
+#include <QtWidgets/QAccessibleWidget>
 #include <QtWidgets/QScrollArea>
+#include <QtWidgets/QScrollBar>
 
 #include "controls/Theme.h"
 #include "foundation/Localized.h"
+#include "popup/CardShape.h"
 #include "popup/PanelPlacement.h"
 
 namespace quillmere {
@@ -15,31 +17,18 @@ namespace {
 
 constexpr int kMargin = static_cast<int>(PanelPlacement::kMargin);
 constexpr int kCardWidth = static_cast<int>(PanelPlacement::kCardWidth);
-constexpr qreal kCornerRadius = 22;
-constexpr qreal kShadowOpacity = 0.3;
-constexpr qreal kShadowOffset = 4;
+static_assert(CardShadow::kReach <= kMargin);
 
-/// Soft rings, from the outermost in, that add up to the shadow's opacity at the card's edge.
-void paintShadow(QPainter& painter, const QRectF& card) {
-  QPainterPath outside;
-  outside.setFillRule(Qt::OddEvenFill);
-  outside.addRect(card.adjusted(-kMargin, -kMargin, kMargin, kMargin));
-  outside.addRoundedRect(card, kCornerRadius, kCornerRadius);
-  painter.save();
-  painter.setClipPath(outside);
-  painter.setPen(Qt::NoPen);
-  constexpr int kReach = kMargin - static_cast<int>(kShadowOffset);
-  qreal total = 0;
-  for (int distance = kReach; distance >= 0; --distance) {
-    const qreal nearness = 1 - static_cast<qreal>(distance) / (kReach + 1);
-    const qreal wanted = kShadowOpacity * nearness * nearness * nearness;
-    const qreal layer = (wanted - total) / (1 - total);
-    total = wanted;
-    painter.setBrush(QColor::fromRgbF(0, 0, 0, static_cast<float>(layer)));
-    const QRectF ring = card.adjusted(-distance, -distance, distance, distance).translated(0, kShadowOffset);
-    painter.drawRoundedRect(ring, kCornerRadius + distance, kCornerRadius + distance);
-  }
-  painter.restore();
+constexpr float kOpaqueEdge = 0.6F;
+/// Between the card's upper edge and contents that scroll: these would else run over the edge and its corners.
+constexpr int kScrollInset = 2;
+constexpr int kScrollBarWidth = 6;
+constexpr int kScrollBarInset = 5;
+
+/// A frameless window is no dialog to Qt.
+QAccessibleInterface* dialogInterface(const QString&, QObject* object) {
+  auto* panel = dynamic_cast<CaptureDecisionPanel*>(object);
+  return panel ? new QAccessibleWidget(panel, QAccessible::Dialog) : nullptr;
 }
 
 }  // namespace
@@ -48,6 +37,7 @@ CaptureDecisionPanel::CaptureDecisionPanel(QWidget* card)
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus |
                            Qt::NoDropShadowWindowHint),
       scroll_(new QScrollArea(this)) {
+  QAccessible::installFactory(&dialogInterface);
   setAttribute(Qt::WA_ShowWithoutActivating);
   setAttribute(Qt::WA_TranslucentBackground);
   setAttribute(Qt::WA_QuitOnClose, false);
@@ -55,21 +45,61 @@ CaptureDecisionPanel::CaptureDecisionPanel(QWidget* card)
   setAccessibleName(localized("Screenshot Decision"));
   scroll_->setFrameShape(QFrame::NoFrame);
   scroll_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  scroll_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   scroll_->setFocusPolicy(Qt::NoFocus);
   scroll_->viewport()->setAutoFillBackground(false);
   scroll_->setWidgetResizable(true);
   scroll_->setWidget(card);
   card->setAutoFillBackground(false);
+  makeScrollBar();
   setScrolls(false);
 }
 
+/// One that lies over the card's padding: the area's own would take room from the contents, which have none to give.
+void CaptureDecisionPanel::makeScrollBar() {
+  scrollBar_ = new QScrollBar(Qt::Vertical, this);
+  QScrollBar* hidden = scroll_->verticalScrollBar();
+  const auto follow = [this, hidden] {
+    scrollBar_->setRange(hidden->minimum(), hidden->maximum());
+    scrollBar_->setPageStep(hidden->pageStep());
+    scrollBar_->setSingleStep(hidden->singleStep());
+    scrollBar_->setValue(hidden->value());
+  };
+  connect(hidden, &QScrollBar::rangeChanged, this, follow);
+  connect(hidden, &QScrollBar::valueChanged, this, follow);
+  connect(scrollBar_, &QScrollBar::valueChanged, hidden, &QScrollBar::setValue);
+  scrollBar_->setFocusPolicy(Qt::NoFocus);
+  styleScrollBar();
+}
+
+void CaptureDecisionPanel::styleScrollBar() {
+  const Theme theme(palette());
+  QColor handle = theme.text;
+  constexpr float kHandle = 0.35F;
+  handle.setAlphaF(kHandle);
+  scrollBar_->setStyleSheet(
+      QStringLiteral("QScrollBar { background: transparent; width: %1px; margin: 0; }"
+                     "QScrollBar::handle { background: %2; border-radius: %3px; min-height: 32px; }"
+                     "QScrollBar::add-line, QScrollBar::sub-line { height: 0; }"
+                     "QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }")
+          .arg(kScrollBarWidth)
+          .arg(handle.name(QColor::HexArgb))
+          .arg(kScrollBarWidth / 2));
+}
+
 void CaptureDecisionPanel::setScrolls(bool scrolls) {
-  scroll_->setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
+  scrolls_ = scrolls;
+  if (!scrolls) scroll_->verticalScrollBar()->setValue(0);
+  scrollBar_->setVisible(scrolls);
+  layOut();
 }
 
 void CaptureDecisionPanel::setCompositing(bool isCompositing) {
-  isCompositing_ = isCompositing;
-  updateShape();
+  if (std::exchange(isCompositing_, isCompositing) != isCompositing) update();
+}
+
+void CaptureDecisionPanel::setOpaque(bool isOpaque) {
+  if (std::exchange(isOpaque_, isOpaque) != isOpaque) update();
 }
 
 QRect CaptureDecisionPanel::cardRect() const {
@@ -78,28 +108,29 @@ QRect CaptureDecisionPanel::cardRect() const {
 
 void CaptureDecisionPanel::setFrame(const QRect& frame) {
   ++frameChangeCount_;
+  // Qt tells window managers that sizes grow by one point, which at a scale of 1.5 is two pixels: they would cut an odd
+  // height. Counted from this size, it always fits.
+  setBaseSize(frame.size());
   setFixedSize(frame.size());
   setGeometry(frame);
 }
 
-void CaptureDecisionPanel::updateShape() {
-  if (isCompositing_) {
-    clearMask();
-    return;
-  }
-  QBitmap shape(size());
-  shape.clear();
-  QPainter painter(&shape);
-  painter.setBrush(Qt::color1);
-  painter.setPen(Qt::NoPen);
-  painter.drawRoundedRect(cardRect(), kCornerRadius, kCornerRadius);
-  painter.end();
-  setMask(shape);
+void CaptureDecisionPanel::layOut() {
+  const QRect card = cardRect();
+  const int inset = scrolls_ ? kScrollInset : 0;
+  scroll_->setGeometry(card.adjusted(0, inset, 0, -inset));
+  const int corner = static_cast<int>(CardShape::kCornerRadius);
+  scrollBar_->setGeometry(QRect(card.right() + 1 - kScrollBarInset - kScrollBarWidth, card.top() + corner,
+                                kScrollBarWidth, card.height() - 2 * corner));
 }
 
 void CaptureDecisionPanel::resizeEvent(QResizeEvent*) {
-  scroll_->setGeometry(cardRect());
-  updateShape();
+  layOut();
+}
+
+void CaptureDecisionPanel::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::PaletteChange) styleScrollBar();
+  QWidget::changeEvent(event);
 }
 
 bool CaptureDecisionPanel::event(QEvent* event) {
@@ -111,16 +142,20 @@ void CaptureDecisionPanel::paintEvent(QPaintEvent*) {
   const Theme theme(palette());
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
-  const QRectF card = cardRect();
-  if (isCompositing_) {
-    paintShadow(painter, card);
-  } else {
-    // Nothing shines through here: what the shape leaves of the corners has the card's colour.
-    painter.fillRect(rect(), theme.card);
+  const QRect card = cardRect();
+  const QPainterPath path = CardShape::path(card);
+  QColor edge = isCompositing_ ? theme.hairline : theme.fieldBorder;
+  if (isOpaque_) {
+    edge = theme.text;
+    edge.setAlphaF(kOpaqueEdge);
   }
-  painter.setBrush(theme.card);
-  painter.setPen(QPen(theme.hairline, 1));
-  painter.drawRoundedRect(card.adjusted(0.5, 0.5, -0.5, -0.5), kCornerRadius, kCornerRadius);
+  // Without a compositor the window system cuts the window to the card, and with it the shadow.
+  shadow_.paint(painter, card);
+  // It cuts at whole pixels, and what of these lies beyond the card would be black.
+  if (!isCompositing_) painter.strokePath(path, QPen(theme.fieldBorder, 2));
+  painter.fillPath(path, isOpaque_ ? palette().color(QPalette::Window) : theme.card);
+  painter.setPen(QPen(edge, 1));
+  painter.drawPath(CardShape::path(QRectF(card).adjusted(0.5, 0.5, -0.5, -0.5)));
 }
 
 }  // namespace quillmere

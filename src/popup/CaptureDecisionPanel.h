@@ -3,7 +3,10 @@
 #include <QtWidgets/QWidget>
 #include <functional>
 
+#include "popup/CardShadow.h"
+
 class QScrollArea;
+class QScrollBar;
 
 namespace quillmere {
 
@@ -13,24 +16,37 @@ class CaptureDecisionPanel final : public QWidget {
   explicit CaptureDecisionPanel(QWidget* card);
 
   void setScrolls(bool scrolls);
-  /// Without a compositor the window is cut to the card and has no shadow.
+  /// Without a compositor there is no shadow, and a stronger edge tells the card from what lies below.
   void setCompositing(bool isCompositing);
+  /// The desktop's own window colour and a strong edge, for people who want more contrast.
+  void setOpaque(bool isOpaque);
   /// In the window's points.
   QRect cardRect() const;
-  int frameChangeCount() const { return frameChangeCount_; }
   void setFrame(const QRect& frame);
+
+  int frameChangeCount() const { return frameChangeCount_; }
+  /// How many times the shadow was drawn anew.
+  int shadowInvalidationCount() const { return shadow_.count(); }
 
   std::function<void()> onDeactivated;
 
  protected:
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  void changeEvent(QEvent* event) override;
   bool event(QEvent* event) override;
 
  private:
-  void updateShape();
+  void makeScrollBar();
+  void styleScrollBar();
+  void layOut();
+
   QScrollArea* scroll_;
+  QScrollBar* scrollBar_ = nullptr;
+  CardShadow shadow_;
+  bool scrolls_ = false;
   bool isCompositing_ = true;
+  bool isOpaque_ = false;
   int frameChangeCount_ = 0;
 };
 

@@ -8,7 +8,6 @@
 namespace quillmere {
 namespace {
 
-constexpr int kThumbnailWidth = 408;
 constexpr int kDefaultThumbnailHeight = 160;
 constexpr int kLeastThumbnailHeight = 96;
 constexpr int kMostThumbnailHeight = 230;
@@ -16,14 +15,21 @@ constexpr int kMostThumbnailHeight = 230;
 }  // namespace
 
 std::optional<CapturePromptContent> CapturePromptContent::make(
-    const AppModel& model, const std::function<std::optional<QSize>(const ScreenshotItem&)>& pixelSize) {
+    const AppModel& model, const std::function<std::optional<QSizeF>(const ScreenshotItem&)>& pixelSize) {
   const ScreenshotItem* head = model.headOfQueue();
   if (!head) return std::nullopt;
   CapturePromptContent content;
   content.item = *head;
   content.queuedCount = static_cast<int>(model.promptQueue->size()) - 1;
   content.showThumbnail = *model.showPopupThumbnail;
-  content.thumbnailHeight = heightOfThumbnail(pixelSize(*head));
+  const auto& extraction = *model.promptWindowExtraction;
+  if (extraction && extraction->itemID == head->id) content.windowExtraction = extraction->phase;
+  if (const auto part = content.shownPart()) {
+    content.previewPixelSize = part->size();
+  } else {
+    content.previewPixelSize = pixelSize(*head);
+  }
+  content.thumbnailHeight = heightOfThumbnail(content.previewPixelSize);
   content.error = *model.promptError;
   content.focusRequest = *model.promptFocusRequest;
   content.contentGeneration = *model.promptContentGeneration;
@@ -35,9 +41,17 @@ std::optional<CapturePromptContent> CapturePromptContent::make(
   return content;
 }
 
-int CapturePromptContent::heightOfThumbnail(const std::optional<QSize>& pixels) {
+std::optional<QRectF> CapturePromptContent::shownPart() const {
+  return windowExtraction ? PromptWindowExtraction::shownPart(*windowExtraction) : std::nullopt;
+}
+
+bool CapturePromptContent::isSaving() const {
+  return windowExtraction && std::holds_alternative<PromptWindowExtraction::Saving>(*windowExtraction);
+}
+
+int CapturePromptContent::heightOfThumbnail(const std::optional<QSizeF>& pixels) {
   if (!pixels || pixels->width() <= 0 || pixels->height() <= 0) return kDefaultThumbnailHeight;
-  const double height = std::round(static_cast<double>(pixels->height()) * kThumbnailWidth / pixels->width());
+  const double height = std::round(pixels->height() * kPreviewWidth / pixels->width());
   return static_cast<int>(std::clamp<double>(height, kLeastThumbnailHeight, kMostThumbnailHeight));
 }
 

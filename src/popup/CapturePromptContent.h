@@ -8,6 +8,9 @@
 
 namespace quillmere {
 
+/// The preview and the rows below it, in points.
+inline constexpr int kPreviewWidth = 408;
+
 /// One state of the popup; two equal ones look the same.
 struct CapturePromptContent {
   ScreenshotItem item;
@@ -19,17 +22,25 @@ struct CapturePromptContent {
   int contentGeneration = 0;
   ScreenshotNaming naming = ScreenshotNaming::original;
   bool deletesChosen = false;  ///< Move to Trash deletes instead
-  bool canReadImage = true;
+  bool canReadImage = true;    ///< the file is reachable and its data is here
   bool isAnalyzing = false;
   AnalysisAvailability availability = AnalysisAvailability::enabled;
-  bool scrolls = false;
+  std::optional<QSizeF> previewPixelSize;  ///< of what the preview shows
+  std::optional<PromptWindowExtraction::Phase> windowExtraction;
+  bool scrolls = false;      ///< the card does not fit
+  bool reportsEdits = true;  ///< shown to a person, not only measured
   bool operator==(const CapturePromptContent&) const = default;
+
+  /// What the preview shows of the picture, in its pixels; none for all of it.
+  std::optional<QRectF> shownPart() const;
+  /// A decision is being carried out.
+  bool isSaving() const;
 
   /// For the head of the queue; none without one.
   static std::optional<CapturePromptContent> make(
-      const AppModel& model, const std::function<std::optional<QSize>(const ScreenshotItem&)>& pixelSize);
+      const AppModel& model, const std::function<std::optional<QSizeF>(const ScreenshotItem&)>& pixelSize);
   /// Of a preview 408 points wide: 160 for an unknown size, else 96 to 230.
-  static int heightOfThumbnail(const std::optional<QSize>& pixels);
+  static int heightOfThumbnail(const std::optional<QSizeF>& pixels);
 };
 
 /// What stands over the name field.

@@ -2,19 +2,22 @@
 
 #include <QtGui/QGuiApplication>
 #include <QtGui/QScreen>
-#include <QtWidgets/QLayout>
+#include <QtWidgets/QApplication>
+#include <algorithm>
 
-#include "imaging/ImageFile.h"
 #include "popup/LivePanelScreens.h"
 
 namespace quillmere {
 namespace {
 
-constexpr size_t kMostPixelSizes = 32;
+constexpr size_t kMostMeasuredHeights = 8;
+constexpr int kMargin = static_cast<int>(PanelPlacement::kMargin);
 
 }  // namespace
 
-CapturePromptPanelController::CapturePromptPanelController(Services services) : services_(std::move(services)) {
+CapturePromptPanelController::CapturePromptPanelController(Services services)
+    : services_(std::move(services)), previewSizes_(*services_.executor, services_.isDataless) {
+  previewSizes_.onFound = [this] { scheduleUpdate(); };
   const auto observe = [this](QScreen* screen) {
     QObject::connect(screen, &QScreen::geometryChanged, &screenObserver_, [this] { followScreens(); });
     QObject::connect(screen, &QScreen::availableGeometryChanged, &screenObserver_, [this] { followScreens(); });
@@ -49,9 +52,13 @@ void CapturePromptPanelController::present(const ScreenshotItem& item, AppModel&
 }
 
 void CapturePromptPanelController::makePanel(AppModel& model) {
-  view_ = new CapturePromptView(model, *services_.executor, *services_.thumbnails, nullptr);
+  const CapturePromptView::Services services{&model, services_.executor, services_.thumbnails, services_.sharing,
+                                             services_.confirmDeletion};
+  view_ = new CapturePromptView(services, nullptr);
   view_->onKeyboardWanted = [this] { takeKeyboard(); };
-  view_->confirmDeletion = services_.confirmDeletion;
+  view_->onExtraHeightChanged = [this] { scheduleUpdate(); };
+  view_->onFontChanged = [this] { measureAnew(); };
+  measuringView_ = std::make_unique<CapturePromptView>(services, nullptr);
   panel_ = std::make_unique<CaptureDecisionPanel>(view_);
   panel_->onDeactivated = [this] {
     previousWindow_ = 0;
@@ -87,46 +94,64 @@ void CapturePromptPanelController::scheduleUpdate() {
 
 void CapturePromptPanelController::applyUpdate() {
   if (isApplyingUpdate_ || !panel_ || !model_) return;
-  auto next = CapturePromptContent::make(*model_, [this](const auto& item) { return thumbnailPixelSize(item); });
+  auto next = makeContent();
   if (!next) return;
-  next->scrolls = content_ && content_->scrolls;
-  if (next == content_) return;
   isApplyingUpdate_ = true;
   ++updateCount_;
-  view_->show(*next);
+  const int height = measuredHeight(*next) + view_->extraHeight();
   auto visible = screenFrame_;
   if (!visible) visible = PanelPlacement::followScreen(std::nullopt, *services_.screens);
+  std::optional<PanelPlacement::Placement> placement;
   if (visible) {
-    const auto placement = PanelPlacement::place(naturalHeight(), *visible);
-    next->scrolls = placement.scrolls;
-    panel_->setScrolls(placement.scrolls);
-    const QRect frame = LivePanelScreens::toQt(placement.window);
-    if (frame != panel_->geometry()) {
-      panel_->setFrame(frame);
-      if (panel_->isVisible()) services_.windowSystem->setClickableArea(*panel_->windowHandle(), panel_->cardRect());
-    }
+    placement = PanelPlacement::place(height - 2 * kMargin, *visible);
+    next->scrolls = placement->scrolls;
   }
-  content_ = std::move(next);
+  if (next != content_) {
+    ++viewChangeCount_;
+    content_ = std::move(next);
+    view_->show(*content_);
+    panel_->setScrolls(content_->scrolls);
+  }
+  // Without any screen the window stays as it is.
+  if (placement) setFrame(LivePanelScreens::toQt(placement->window));
   isApplyingUpdate_ = false;
 }
 
-qreal CapturePromptPanelController::naturalHeight() {
-  view_->layout()->activate();
-  const int width = static_cast<int>(PanelPlacement::kCardWidth);
-  QLayout& layout = *view_->layout();
-  return layout.hasHeightForWidth() ? layout.totalHeightForWidth(width) : layout.totalSizeHint().height();
+void CapturePromptPanelController::setFrame(const QRect& frame) {
+  if (frame == panel_->geometry()) return;
+  panel_->setFrame(frame);
+  if (panel_->isVisible()) services_.windowSystem->setClickableArea(*panel_->windowHandle(), panel_->cardRect());
 }
 
-std::optional<QSize> CapturePromptPanelController::thumbnailPixelSize(const ScreenshotItem& item) {
-  const auto known = thumbnailPixelSizes_.find(item.url);
-  // By identity too, so that a replaced file of the same name is measured afresh.
-  if (known != thumbnailPixelSizes_.end() && known->second.first == item.fileIdentity) return known->second.second;
-  if (services_.isDataless(item.url)) return std::nullopt;
-  const auto size = ImageFile::pixelSize(item.url);
-  if (!size) return std::nullopt;
-  if (thumbnailPixelSizes_.size() > kMostPixelSizes) thumbnailPixelSizes_.clear();
-  thumbnailPixelSizes_.insert_or_assign(item.url, std::pair(item.fileIdentity, *size));
-  return size;
+std::optional<CapturePromptContent> CapturePromptPanelController::makeContent() {
+  // The next one's size is looked for ahead, so that its card comes up at the right height.
+  const auto& queue = *model_->promptQueue;
+  const ScreenshotItem* following = queue.size() > 1 ? model_->items().find(queue[1]) : nullptr;
+  if (following) previewSizes_.size(*following);
+  return CapturePromptContent::make(*model_, [this](const auto& item) { return previewSizes_.size(item); });
+}
+
+/// A layout of the whole card is what must not happen at every change of the model.
+int CapturePromptPanelController::measuredHeight(CapturePromptContent content) {
+  content.reportsEdits = false;
+  const auto known = std::find_if(measuredHeights_.begin(), measuredHeights_.end(),
+                                  [&](const MeasuredHeight& one) { return one.content == content; });
+  if (known != measuredHeights_.end()) {
+    measuredHeights_.splice(measuredHeights_.begin(), measuredHeights_, known);
+    return known->height;
+  }
+  ++measurementCount_;
+  measuringView_->show(content);
+  const int height = measuringView_->naturalHeight();
+  measuringView_->clear();
+  measuredHeights_.push_front({std::move(content), height});
+  if (measuredHeights_.size() > kMostMeasuredHeights) measuredHeights_.pop_back();
+  return height;
+}
+
+void CapturePromptPanelController::measureAnew() {
+  measuredHeights_.clear();
+  scheduleUpdate();
 }
 
 void CapturePromptPanelController::hide() {
@@ -138,6 +163,7 @@ void CapturePromptPanelController::hide() {
   services_.executor->post([self = lifetime_.weak(this)] {
     if (!self || self->panel_->isVisible()) return;
     self->content_.reset();
+    self->measuredHeights_.clear();
     self->view_->clear();
   });
   // A popup that never had the keyboard has none to give back.
@@ -163,7 +189,8 @@ void CapturePromptPanelController::takeKeyboard() {
 
 bool CapturePromptPanelController::isPointerEngaged() const {
   if (!panel_ || !panel_->isVisible()) return false;
-  if (panel_->isActiveWindow()) return true;
+  // A menu of the card may reach beyond it.
+  if (panel_->isActiveWindow() || QApplication::activePopupWidget()) return true;
   const QRect card = panel_->cardRect().translated(panel_->geometry().topLeft());
   return card.contains(LivePanelScreens::toQt(QRectF(services_.screens->mouseLocation(), QSizeF(0, 0))).topLeft());
 }
@@ -171,7 +198,6 @@ bool CapturePromptPanelController::isPointerEngaged() const {
 void CapturePromptPanelController::followScreens() {
   if (!panel_ || !panel_->isVisible()) return;
   screenFrame_ = PanelPlacement::followScreen(screenFrame_, *services_.screens);
-  content_.reset();  // the placement has to be worked out anew
   scheduleUpdate();
 }
 

@@ -2,8 +2,8 @@
 
 #include <QtCore/QObject>
 #include <functional>
+#include <list>
 #include <memory>
-#include <unordered_map>
 
 #include "foundation/Weak.h"
 #include "imaging/ThumbnailLoader.h"
@@ -12,6 +12,7 @@
 #include "popup/CapturePromptView.h"
 #include "popup/PanelPlacement.h"
 #include "popup/PanelWindowSystem.h"
+#include "popup/PreviewSizes.h"
 
 namespace quillmere {
 
@@ -22,9 +23,10 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
   struct Services {
     Executor* executor = nullptr;
     ThumbnailLoader* thumbnails = nullptr;
+    Sharing* sharing = nullptr;
     PanelScreenProviding* screens = nullptr;
     PanelWindowSystem* windowSystem = nullptr;
-    std::function<bool(const FileURL&)> isDataless;
+    std::function<bool(const FileURL&)> isDataless;  ///< any thread
     /// Where the capture was taken, in global top-left points, if the file says so.
     std::function<std::optional<QRectF>(const FileURL&)> captureRect;
     std::function<bool(const QString& fileName)> confirmDeletion;
@@ -39,30 +41,45 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
 
   const std::optional<CapturePromptContent>& content() const { return content_; }
   CaptureDecisionPanel* panel() const { return panel_.get(); }
-  int updateCount() const { return updateCount_; }
+
+  // For inspection alone.
+  int updateCount() const { return updateCount_; }            ///< looks at the model
+  int viewChangeCount() const { return viewChangeCount_; }    ///< changes of what the card shows
+  int measurementCount() const { return measurementCount_; }  ///< layouts made to know a height
 
  private:
+  struct MeasuredHeight {
+    CapturePromptContent content;
+    int height;  ///< points, margins included
+  };
+
   void makePanel(AppModel& model);
   void scheduleUpdate();
   void applyUpdate();
+  std::optional<CapturePromptContent> makeContent();
+  int measuredHeight(CapturePromptContent content);
+  void setFrame(const QRect& frame);
   void showPanel();
   void takeKeyboard();
   void followScreens();
-  std::optional<QSize> thumbnailPixelSize(const ScreenshotItem& item);
-  qreal naturalHeight();
+  void measureAnew();
 
   Services services_;
+  PreviewSizes previewSizes_;
   std::unique_ptr<CaptureDecisionPanel> panel_;
   CapturePromptView* view_ = nullptr;  // the panel's own
+  std::unique_ptr<CapturePromptView> measuringView_;
   AppModel* model_ = nullptr;
   std::optional<CapturePromptContent> content_;
+  std::list<MeasuredHeight> measuredHeights_;  // most recently used first
   Connection modelChanges_;
   QObject screenObserver_;
   std::optional<QRectF> screenFrame_;
   bool isUpdateScheduled_ = false;
   bool isApplyingUpdate_ = false;
   int updateCount_ = 0;
-  std::unordered_map<FileURL, std::pair<std::optional<FileIdentity>, QSize>> thumbnailPixelSizes_;
+  int viewChangeCount_ = 0;
+  int measurementCount_ = 0;
   quintptr previousWindow_ = 0;
   Lifetime lifetime_;
 };

@@ -4,46 +4,59 @@
 #include <functional>
 
 #include "imaging/ThumbnailLoader.h"
+#include "model/Sharing.h"
 #include "popup/CapturePromptContent.h"
 #include "popup/PromptActionGate.h"
 
-class QLabel;
 class QLineEdit;
 
 namespace quillmere {
 
-class ActionButton;
-class AnalysisStatusRow;
-class DurationPicker;
+class PromptActions;
+class PromptDetails;
 class PromptErrorBanner;
-class PromptThumbnail;
+class PromptHeader;
+class PromptPreview;
+class PromptPreviewNoticeView;
+class PromptTextActions;
 
 /// What stands on the card. It shows a `CapturePromptContent` and calls the model; its own state (the name being typed,
-/// the chosen time) lives as long as the screenshot stays the same.
+/// the chosen time, a notice) lives as long as the screenshot stays the same.
 class CapturePromptView final : public QWidget {
  public:
-  CapturePromptView(AppModel& model, Executor& executor, ThumbnailLoader& thumbnails, QWidget* parent);
+  struct Services {
+    AppModel* model = nullptr;
+    Executor* executor = nullptr;
+    ThumbnailLoader* thumbnails = nullptr;
+    Sharing* sharing = nullptr;
+    /// Asks before a file is deleted for good; true to go on.
+    std::function<bool(const QString& fileName)> confirmDeletion;
+  };
+  CapturePromptView(Services services, QWidget* parent);
 
   void show(const CapturePromptContent& content);
   /// The popup has closed: whatever it shows next starts anew, also the same screenshot.
-  void clear() { content_.reset(); }
+  void clear();
+  /// At the card's width, margins included; for the content shown last, without what comes and goes by itself.
+  int naturalHeight();
+  /// Of a row that comes and goes by itself, in points.
+  int extraHeight() const;
+  std::function<void()> onExtraHeightChanged;
+  std::function<void()> onFontChanged;
   /// The person clicked where the keyboard is needed.
   std::function<void()> onKeyboardWanted;
-  /// Asks before a file is deleted for good; true to go on.
-  std::function<bool(const QString& fileName)> confirmDeletion;
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
+  void changeEvent(QEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  QWidget* makeHeader();
-  QWidget* makeNameBlock();
-  QWidget* makeActions();
+  void wire();
+  void orderControls();
   void beginItem();
   void followStartingName();
-  void refreshTexts();
-  void refreshCaption();
+  void showActions();
   void reportEdit();
   bool gateAllows() const;
   std::optional<QString> newName() const;
@@ -52,25 +65,35 @@ class CapturePromptView final : public QWidget {
   void chooseKeep();
   void chooseTrash();
   bool handleNameKey(int key);
+  void toggleExtraction();
+  void copyText();
+  void setCopyingText(bool isCopying);
+  void tell(std::optional<PromptPreviewNotice> notice);
+  PromptPreviewNoticeView& noticeView() const;
 
+  static Task<> decideTemporary(Weak<CapturePromptView> self, UUID id);
+  static Task<> decideKeep(Weak<CapturePromptView> self, UUID id);
+  static Task<> extract(Weak<CapturePromptView> self, bool isOn);
+  static Task<> copyText(Weak<CapturePromptView> self);
+  static Task<> share(Weak<CapturePromptView> self, QWidget* anchor);
+  static Task<> drag(Weak<CapturePromptView> self);
+  bool isShown(const UUID& id) const { return content_ && content_->item.id == id; }
+
+  Services services_;
   AppModel& model_;
-  Executor& executor_;
   std::optional<CapturePromptContent> content_;
   PromptActionGate gate_;
   QString nameSeed_;
+  bool isCopyingText_ = false;
 
-  QLabel* queueCount_ = nullptr;
-  ActionButton* closeButton_ = nullptr;
-  PromptThumbnail* thumbnail_ = nullptr;
-  AnalysisStatusRow* analysis_ = nullptr;
-  QLabel* caption_ = nullptr;
-  QLineEdit* nameField_ = nullptr;
-  QLabel* extension_ = nullptr;
-  PromptErrorBanner* errorBanner_ = nullptr;
-  ActionButton* temporaryButton_ = nullptr;
-  ActionButton* keepButton_ = nullptr;
-  ActionButton* trashButton_ = nullptr;
-  DurationPicker* durationPicker_ = nullptr;
+  PromptHeader* header_;
+  PromptPreview* preview_;
+  PromptDetails* details_;
+  PromptTextActions* textActions_;
+  PromptPreviewNoticeView* noticeRow_;
+  PromptErrorBanner* errorBanner_;
+  PromptActions* actions_;
+  Lifetime lifetime_;
 };
 
 }  // namespace quillmere

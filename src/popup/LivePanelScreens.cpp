@@ -2,23 +2,24 @@
 
 #include <QtGui/QCursor>
 #include <QtGui/QGuiApplication>
-#include <QtGui/QScreen>
 
 namespace quillmere {
 namespace {
 
-/// The height about which the coordinates are turned: that of the first screen.
-qreal referenceHeight() {
+/// The lower left corner of the first screen, in Qt's coordinates; it need not be at their left edge.
+QPointF origin() {
   const QScreen* first = QGuiApplication::primaryScreen();
-  return first ? first->geometry().height() : 0;
+  if (!first) return {};
+  const QRectF frame = first->geometry();
+  return {frame.x(), frame.y() + frame.height()};
+}
+
+QPointF flipped(const QPointF& point) {
+  return {point.x() - origin().x(), origin().y() - point.y()};
 }
 
 QRectF flipped(const QRectF& rect) {
-  return {rect.x(), referenceHeight() - (rect.y() + rect.height()), rect.width(), rect.height()};
-}
-
-PanelScreen panelScreen(const QScreen& screen) {
-  return {flipped(screen.geometry()), flipped(screen.availableGeometry())};
+  return {flipped(QPointF(rect.x(), rect.y() + rect.height())), rect.size()};
 }
 
 }  // namespace
@@ -34,13 +35,18 @@ std::optional<PanelScreen> LivePanelScreens::mainScreen() const {
   return main ? std::optional(panelScreen(*main)) : std::nullopt;
 }
 
+PanelScreen LivePanelScreens::panelScreen(const QScreen& screen) const {
+  const QRect available = windowSystem_ ? windowSystem_->availableGeometry(screen) : screen.availableGeometry();
+  return {flipped(QRectF(screen.geometry())), flipped(QRectF(available))};
+}
+
 QPointF LivePanelScreens::mouseLocation() const {
-  const QPoint position = QCursor::pos();
-  return {static_cast<qreal>(position.x()), referenceHeight() - position.y()};
+  return flipped(QPointF(QCursor::pos()));
 }
 
 QRect LivePanelScreens::toQt(const QRectF& bottomLeft) {
-  return flipped(bottomLeft).toRect();
+  const QPointF topLeft(bottomLeft.x() + origin().x(), origin().y() - (bottomLeft.y() + bottomLeft.height()));
+  return QRectF(topLeft, bottomLeft.size()).toRect();
 }
 
 }  // namespace quillmere

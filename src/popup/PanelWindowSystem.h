@@ -1,7 +1,10 @@
 #pragma once
 
 #include <QtCore/QRect>
+#include <QtGui/QScreen>
 #include <QtGui/QWindow>
+
+#include "foundation/Signal.h"
 
 namespace quillmere {
 
@@ -13,14 +16,19 @@ class PanelWindowSystem {
   virtual void prepare(QWindow& window) = 0;
   /// After it is shown.
   virtual void finish(QWindow& window) = 0;
-  /// Clicks outside this area, in the window's points, go to whatever lies below.
+  /// Where the card stands, in the window's points, also before the window is shown. Clicks outside go to whatever lies
+  /// below, and where nothing shines through the window ends there.
   virtual void setClickableArea(QWindow& window, const QRect& area) = 0;
   /// Whether translucent pixels show what lies below them.
   virtual bool isCompositing() const = 0;
+  Signal<> compositingChanged;
   /// The window that has the keyboard; 0 when none is known.
   virtual quintptr activeWindow() const = 0;
   /// Asks the window manager to give a window the keyboard.
   virtual void activate(quintptr window) = 0;
+  /// What the desktop's panels leave of a screen, in points.
+  virtual QRect availableGeometry(const QScreen& screen) const { return screen.availableGeometry(); }
+  Signal<> availableGeometryChanged;
 };
 
 }  // namespace quillmere

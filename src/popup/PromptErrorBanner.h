@@ -5,9 +5,10 @@
 
 #include "model/ModelMessages.h"
 
-class QLabel;
-
 namespace quillmere {
+
+class ActionButton;
+class ThemedLabel;
 
 /// The error that stands in the popup.
 class PromptErrorBanner final : public QWidget {
@@ -15,14 +16,16 @@ class PromptErrorBanner final : public QWidget {
   explicit PromptErrorBanner(QWidget* parent);
   void show(const ScopedError& error);
   std::function<void()> onDismiss;
+  /// What of it takes the keyboard, for the order of the card's controls.
+  QWidget* control() const;
 
  protected:
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  QLabel* symbol_;
-  QLabel* title_;
-  QLabel* message_;
+  ThemedLabel* title_;
+  ThemedLabel* message_;
+  ActionButton* dismiss_;
 };
 
 }  // namespace quillmere

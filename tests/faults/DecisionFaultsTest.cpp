@@ -91,32 +91,33 @@ const Decision kRenameInPopup{.name = "RenameInPopup",
                               .decisive = Call::rename,
                               .scope = ErrorScope::popup,
                               .words = kNotRenamed};
-const Decision kKeepWithName{.name = "KeepWithName",
-                             .before = State::pending,
-                             .act = [](LiveModel& live) { live.model->keepPrompt(live.id, QStringLiteral("Invoice")); },
-                             .retry = [](LiveModel& live) { renameTo(live, ErrorScope::popup); },
-                             .goal = Place::newName,
-                             .stateAfter = State::permanent,
-                             .stateWhenRefused = State::permanent,
-                             .decisive = Call::rename,
-                             .savesTwice = true,
-                             .scope = ErrorScope::popup,
-                             .words = kNotRenamed};
-const Decision kTemporaryWithName{.name = "TemporaryWithName",
-                                  .before = State::pending,
-                                  .act =
-                                      [](LiveModel& live) {
-                                        live.model->markTemporary(live.id, TemporaryDuration::oneHour,
-                                                                  QStringLiteral("Invoice"));
-                                      },
-                                  .retry = [](LiveModel& live) { renameTo(live, ErrorScope::popup); },
-                                  .goal = Place::newName,
-                                  .stateAfter = State::temporary,
-                                  .stateWhenRefused = State::temporary,
-                                  .decisive = Call::rename,
-                                  .savesTwice = true,
-                                  .scope = ErrorScope::popup,
-                                  .words = kNotRenamed};
+const Decision kKeepWithName{
+    .name = "KeepWithName",
+    .before = State::pending,
+    .act = [](LiveModel& live) { live.model->keepPrompt(live.id, QStringLiteral("Invoice")).detach(); },
+    .retry = [](LiveModel& live) { renameTo(live, ErrorScope::popup); },
+    .goal = Place::newName,
+    .stateAfter = State::permanent,
+    .stateWhenRefused = State::permanent,
+    .decisive = Call::rename,
+    .savesTwice = true,
+    .scope = ErrorScope::popup,
+    .words = kNotRenamed};
+const Decision kTemporaryWithName{
+    .name = "TemporaryWithName",
+    .before = State::pending,
+    .act =
+        [](LiveModel& live) {
+          live.model->markTemporary(live.id, TemporaryDuration::oneHour, QStringLiteral("Invoice")).detach();
+        },
+    .retry = [](LiveModel& live) { renameTo(live, ErrorScope::popup); },
+    .goal = Place::newName,
+    .stateAfter = State::temporary,
+    .stateWhenRefused = State::temporary,
+    .decisive = Call::rename,
+    .savesTwice = true,
+    .scope = ErrorScope::popup,
+    .words = kNotRenamed};
 const Decision kTrash{
     .name = "Trash",
     .before = State::permanent,

@@ -3,6 +3,7 @@
 #include <libheif/heif.h>
 #include <sys/stat.h>
 
+#include "imaging/Downscaler.h"
 #include "imaging/Pictures.h"
 #include "support/Files.h"
 #include "support/TemporaryFolder.h"
@@ -260,10 +261,57 @@ TEST_F(ImageFileTest, ACaptureOfManyLargeScreensIsRead) {
   EXPECT_EQ(ImageFile::thumbnail(url, 100).size(), QSize(100, 25));
 }
 
+/// The decoder of JPEG divides by 2, 4 or 8 on its way, whatever rest the sides leave.
+TEST_F(ImageFileTest, AJpegOfAnySidesHasTheThumbnailOfItsPicture) {
+  for (const QSize sides : {QSize(640, 480), QSize(641, 479), QSize(647, 483), QSize(1025, 33), QSize(43, 900)}) {
+    QImage slope(sides, QImage::Format_RGB32);
+    for (int y = 0; y < sides.height(); ++y) {
+      for (int x = 0; x < sides.width(); ++x) {
+        slope.setPixel(x, y, qRgb(255 * x / sides.width(), 255 * y / sides.height(), 90));
+      }
+    }
+    for (const char orientation : {char{1}, char{6}}) {
+      const FileURL url = write(oriented(encoded(slope, "JPEG"), orientation));
+      const QImage whole = ImageFile::picture(url);
+      for (const int pixels : {320, 160, 100, 40, 20}) {
+        const QImage small = ImageFile::thumbnail(url, pixels);
+        const QImage expected = Downscaler::scaled(whole, Downscaler::fitting(whole.size(), pixels));
+        ASSERT_EQ(small.size(), expected.size());
+        const QSize stored = orientation == 6 ? small.size().transposed() : small.size();
+        for (int y = 0; y < small.height(); ++y) {
+          for (int x = 0; x < small.width(); ++x) {
+            // Nowhere further away than half a pixel, and what the compression makes of colours.
+            ASSERT_NEAR(qRed(small.pixel(x, y)), qRed(expected.pixel(x, y)), 8 + 128 / stored.width());
+            ASSERT_NEAR(qGreen(small.pixel(x, y)), qGreen(expected.pixel(x, y)), 8 + 128 / stored.height());
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST_P(FormatTest, AThumbnailIsWhatTheScreenWants) {
+  const FileURL url = write(bytes());
+  for (const int pixels : {50, 1000}) {
+    EXPECT_EQ(ImageFile::thumbnail(url, pixels).format(), QImage::Format_RGB32);
+  }
+}
+
+TEST_F(ImageFileTest, AThumbnailOfNoSizeIsNone) {
+  const FileURL url = write(encoded(redAndBlue(64, 64), "PNG"));
+  EXPECT_TRUE(ImageFile::thumbnail(url, 0).isNull());
+  EXPECT_TRUE(ImageFile::thumbnail(url, -5).isNull());
+}
+
 TEST_F(ImageFileTest, TransparencySurvives) {
   QImage clear(100, 100, QImage::Format_ARGB32);
   clear.fill(Qt::transparent);
-  EXPECT_EQ(qAlpha(ImageFile::thumbnail(write(encoded(clear, "PNG")), 50).pixel(25, 25)), 0);
+  const FileURL url = write(encoded(clear, "PNG"));
+  for (const int pixels : {50, 1000}) {
+    const QImage thumbnail = ImageFile::thumbnail(url, pixels);
+    EXPECT_EQ(thumbnail.format(), QImage::Format_ARGB32_Premultiplied);
+    EXPECT_EQ(qAlpha(thumbnail.pixel(25, 25)), 0);
+  }
 }
 
 TEST_F(ImageFileTest, WhatFollowsAPictureDoesNotMakeItIncomplete) {

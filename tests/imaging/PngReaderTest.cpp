@@ -6,6 +6,7 @@
 #include <QtGui/QImageReader>
 #include <random>
 
+#include "imaging/Downscaler.h"
 #include "imaging/ImageFile.h"
 #include "imaging/Pictures.h"
 #include "support/Files.h"
@@ -115,12 +116,27 @@ class PngReaderTest : public ::testing::Test {
     ASSERT_TRUE(picture) << "seed " << kSeed;
     EXPECT_TRUE(areTheSame(*picture, readGenerally(bytes))) << "seed " << kSeed;
     EXPECT_TRUE(PngReader::canRead(bytes));
+    expectSmallAlike(bytes, *picture);
+  }
+  /// Made smaller row by row or as a whole.
+  static void expectSmallAlike(const std::string& bytes, const QImage& picture) {
+    const int longest = std::max(picture.width(), picture.height());
+    for (const int pixels : {1, 2, 3, longest / 5, longest / 2, longest - 1, longest, longest + 1}) {
+      if (pixels < 1) continue;
+      const auto small = PngReader::readSmall(bytes, pixels);
+      ASSERT_TRUE(small);
+      const QImage expected = Downscaler::scaled(picture, Downscaler::fitting(picture.size(), pixels));
+      EXPECT_EQ(small->format(), expected.format());
+      EXPECT_EQ(*small, expected) << pixels << ", seed " << kSeed;
+      EXPECT_EQ(small->colorSpace(), picture.colorSpace());
+    }
   }
   /// Whatever becomes of it, it becomes the same by either way.
   void expectAgreement(const std::string& bytes) {
     const QImage general = readGenerally(bytes);
     const auto picture = PngReader::read(bytes);
     EXPECT_EQ(PngReader::canRead(bytes), picture.has_value());
+    EXPECT_EQ(PngReader::readSmall(bytes, 3).has_value(), picture.has_value());
     if (picture) {
       EXPECT_TRUE(areTheSame(*picture, general)) << "seed " << kSeed;
     }

@@ -78,7 +78,7 @@ TEST_F(InboxListModelTest, AChangeIsToldOfItsRowAlone) {
   const UUID first = arrive("1.png");
   arrive("2.png");
   open();
-  model->keepPrompt(first);
+  model->keepPrompt(first).detach();
   EXPECT_THAT(told, ::testing::Each("changed 1"));
   EXPECT_FALSE(told.empty());
 }
@@ -120,7 +120,7 @@ TEST_F(InboxListModelTest, TheStatusAndTheSymbolFollowTheDecision) {
   open();
   EXPECT_TRUE(text(0, InboxListModel::statusRole).startsWith(statusText(State::pending)));
   EXPECT_EQ(text(0, InboxListModel::symbolRole), QStringLiteral("circle.dashed"));
-  model->markTemporary(id, TemporaryDuration::oneHour);
+  model->markTemporary(id, TemporaryDuration::oneHour).detach();
   EXPECT_TRUE(text(0, InboxListModel::statusRole).startsWith(statusText(State::temporary)));
   EXPECT_EQ(text(0, InboxListModel::symbolRole), QStringLiteral("clock"));
   model->keepBatch({id});
@@ -133,7 +133,7 @@ TEST_F(InboxListModelTest, ATemporaryScreenshotIsSpokenWithItsEnd) {
   launchWatching();
   const UUID id = arrive("1.png");
   open();
-  model->markTemporary(id, TemporaryDuration::oneHour);
+  model->markTemporary(id, TemporaryDuration::oneHour).detach();
   const QString expiry = QLocale().toString(item(id).expiresAt->toDateTime().toLocalTime(), QLocale::ShortFormat);
   EXPECT_TRUE(text(0, Qt::AccessibleDescriptionRole).contains(expiry));
   EXPECT_EQ(text(0, Qt::AccessibleTextRole), QStringLiteral("1.png"));

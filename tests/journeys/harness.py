@@ -13,6 +13,8 @@ import tempfile
 import time
 import urllib.parse
 
+import Xlib.display
+import Xlib.X
 from gi.repository import GLib
 
 import accessibility
@@ -35,6 +37,28 @@ _BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bu
   <policy context="default"><allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/></policy>
 </busconfig>
 """
+
+# How each window manager is started, and with a compositor of its own or beside it. What draws with OpenGL has to do
+# without a graphics card.
+_SOFTWARE_OPENGL = {"LIBGL_ALWAYS_SOFTWARE": "1"}
+_PICOM = ["picom", "--config", "/dev/null", "--backend", "xrender"]
+
+
+class WindowManager:
+    def __init__(self, command, environment=None, needs_picom=False, is_compositing=False):
+        self.command, self.environment = command, environment or {}
+        self.needs_picom, self.is_compositing = needs_picom, is_compositing
+
+
+WINDOW_MANAGERS = {
+    "openbox": WindowManager(["openbox"]),
+    "openbox+picom": WindowManager(["openbox"], needs_picom=True),
+    "xfwm4": WindowManager(["xfwm4", "--compositor=off"]),
+    "xfwm4+compositor": WindowManager(["xfwm4", "--compositor=on"], is_compositing=True),
+    "kwin": WindowManager(["kwin_x11"], {"KWIN_COMPOSE": "N"}),
+    "kwin+compositor": WindowManager(["kwin_x11"], {"KWIN_COMPOSE": "O2", **_SOFTWARE_OPENGL}, is_compositing=True),
+    "mutter": WindowManager(["mutter", "--x11"], _SOFTWARE_OPENGL, is_compositing=True),
+}
 
 _PR_SET_PDEATHSIG = 1
 _libc = ctypes.CDLL(None)
@@ -80,8 +104,12 @@ class Program:
 
 
 class Desktop:
-    def __init__(self, name, size="1280x800"):
+    """`window_manager` is one of WINDOW_MANAGERS; `monitors` are xrandr's geometries by name, the first being the main
+    one, of a display that is otherwise one screen; `scale` is how many pixels the program draws for a point."""
+
+    def __init__(self, name, size="1280x800", window_manager="openbox", monitors=None, scale=1):
         self.name, self.program, self._size, self._processes = name, None, size, []
+        self.window_manager, self._monitors, self.scale = WINDOW_MANAGERS[window_manager], monitors or {}, scale
         self.binary = os.environ.get("QUILLMERE_PROGRAM") or os.path.join(ROOT, "build", "quillmere")
         self.pictures = os.environ.get("QUILLMERE_PICTURES") or os.path.join(ROOT, "run")
 
@@ -113,8 +141,11 @@ class Desktop:
         }
         # What sanitizers and coverage are told from outside reaches the program.
         self.environment.update({key: value for key, value in os.environ.items() if key.endswith("SAN_OPTIONS")})
+        if self.scale != 1:
+            self.environment["QT_SCALE_FACTOR"] = str(self.scale)
         self._start_display()
         self._start_bus(runtime)
+        self._start_window_manager()
 
     def _start_display(self):
         # -displayfd lets the server itself take a free number; -noreset keeps it when its last client leaves.
@@ -126,9 +157,42 @@ class Desktop:
             number = pipe.readline().strip()
         expect("the virtual display started", number)
         self.environment["DISPLAY"] = ":" + number
-        self.start(["openbox"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        for name, geometry in self._monitors.items():
+            self.set_monitor(name, geometry, is_main=name == next(iter(self._monitors)))
+
+    def set_monitor(self, name, geometry, is_main=False):
+        """A monitor of the display, WIDTHxHEIGHT+X+Y in pixels; the one named “screen” is the display's own."""
+        width, height, place = re.fullmatch(r"(\d+)x(\d+)(\+\d+\+\d+)", geometry).groups()
+        self.run("xrandr", "--setmonitor", ("*" if is_main else "") + name, f"{width}/300x{height}/200{place}",
+                 "screen" if is_main else "none", check=True)
+
+    def remove_monitor(self, name):
+        self.run("xrandr", "--delmonitor", name, check=True)
+
+    def _start_window_manager(self):
+        quiet = {"stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL}
+        manager = self.window_manager
+        self.start(manager.command, environment=manager.environment, **quiet)
         wait_until("the window manager runs",
-                   lambda: "window id" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"))
+                   lambda: "window id" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), 20)
+        if manager.needs_picom:
+            self.start_compositor()
+        if manager.is_compositing:
+            wait_until("it composites", lambda: self.has_compositor, 20)
+
+    def start_compositor(self):
+        """One beside the window manager."""
+        process = self.start(_PICOM, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        wait_until("the compositor runs", lambda: self.has_compositor)
+        return process
+
+    @property
+    def has_compositor(self):
+        display = Xlib.display.Display(self.environment["DISPLAY"])
+        try:
+            return display.get_selection_owner(display.get_atom("_NET_WM_CM_S0")) != Xlib.X.NONE
+        finally:
+            display.close()
 
     def _start_bus(self, runtime):
         # Only the accessibility bus can be started by name, so no service of this machine joins in.
@@ -183,8 +247,8 @@ class Desktop:
 
     # Processes
 
-    def start(self, command, **options):
-        process = subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL,
+    def start(self, command, environment=None, **options):
+        process = subprocess.Popen(command, env={**self.environment, **(environment or {})}, stdin=subprocess.DEVNULL,
                                    preexec_fn=_die_with_parent, **options)
         self._processes.append(process)
         return process
@@ -276,7 +340,7 @@ class Desktop:
         """The middle of it, counted from the corner of the screen."""
         x, y = control.centre
         left, top = self._corner_of(control.window)
-        return left + x, top + y
+        return left + round(x * self.scale), top + round(y * self.scale)
 
     def move_pointer(self, place):
         self.run("xdotool", "mousemove", str(place[0]), str(place[1]), check=True)
@@ -284,7 +348,7 @@ class Desktop:
     def _corner_of(self, window):
         identifiers = self.window_ids(window.name) if window.name else []
         if len(identifiers) != 1:
-            return window.extents[:2]  # a menu has no title and stands where the program put it
+            return tuple(round(number * self.scale) for number in window.extents[:2])  # a menu has no title and stands where the program put it
         # Not xdotool: it counts a frame twice.
         described = self.run("xwininfo", "-id", identifiers[0])
         return tuple(int(number) for number in re.findall(r"Absolute upper-left .: +(-?\d+)", described))
@@ -386,10 +450,10 @@ def path_of(record):
     return urllib.parse.unquote(urllib.parse.urlsplit(record["url"]).path, errors="surrogateescape")
 
 
-def run_journey(name, journey):
+def run_journey(name, journey, **desktop_options):
     """Runs it on a desktop of its own and ends the process."""
     try:
-        with Desktop(name) as desktop:
+        with Desktop(name, **desktop_options) as desktop:
             journey(desktop)
     except JourneyFailed as failure:
         print(f"{name}: {failure}", flush=True)
@@ -399,9 +463,12 @@ def run_journey(name, journey):
 
 
 def run_side_by_side(name, journeys):
-    """Journeys that mostly wait, each in a process and on a desktop of its own; or the one named as the argument."""
+    """Journeys that mostly wait, each in a process and on a desktop of its own; or the one named as the argument. One
+    that needs a desktop of some kind comes with the options of it."""
     if len(sys.argv) > 1:
-        run_journey(f"{name}-{sys.argv[1]}", journeys[sys.argv[1]])
+        journey = journeys[sys.argv[1]]
+        journey, options = journey if isinstance(journey, tuple) else (journey, {})
+        run_journey(f"{name}-{sys.argv[1]}", journey, **options)
     running = [subprocess.Popen([sys.executable, os.path.abspath(sys.argv[0]), variant], stdin=subprocess.DEVNULL,
                                 stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
                                 preexec_fn=_die_with_parent) for variant in journeys]

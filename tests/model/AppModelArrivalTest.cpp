@@ -263,7 +263,7 @@ TEST_F(AppModelQueue, TheNextAnnouncementCountsThoseThatWait) {
   arrive("second.png");
   arrive("third.png");
   announcer.said.clear();
-  model->keepPrompt(first);
+  model->keepPrompt(first).detach();
   EXPECT_THAT(announcer.said, ElementsAre(Announcement{"Screenshot ready for a decision. 1 more waiting.", kHigh}));
 }
 
@@ -288,7 +288,7 @@ TEST_F(AppModelQueue, AnnouncementsFollowTheCountAndTheShortcut) {
     const UUID head = arrive(name());
     for (int i = 0; i <= row.waiting; ++i) arrive(name());
     announcer.said.clear();
-    model->keepPrompt(head);
+    model->keepPrompt(head).detach();
     EXPECT_THAT(announcer.said, ElementsAre(Announcement{QString::fromUtf8(row.said), kHigh}));
     while (!queue().empty()) model->dismissPrompt();
   }
@@ -320,7 +320,7 @@ TEST_F(AppModelQueue, ResolvingTheHeadAndOthersShowsTheNextThatIsLeft) {
 TEST_F(AppModelQueue, DrainedQueueHidesThePopup) {
   const UUID id = arrive("first.png");
   const int generation = *model->promptContentGeneration;
-  model->keepPrompt(id);
+  model->keepPrompt(id).detach();
   EXPECT_EQ(presenter.visible, std::nullopt);
   EXPECT_EQ(presenter.hides, 1);
   EXPECT_EQ(*model->promptContentGeneration, generation + 1);

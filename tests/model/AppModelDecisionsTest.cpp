@@ -14,7 +14,7 @@ class AppModelDecisions : public ModelFixture {
 TEST_F(AppModelDecisions, TemporarySetsTheMomentRemembersTheDurationAndSaves) {
   const UUID id = arrive("shot.png");
   const Date moment = now();
-  model->markTemporary(id, TemporaryDuration::fifteenMinutes);
+  model->markTemporary(id, TemporaryDuration::fifteenMinutes).detach();
   EXPECT_EQ(stateOf(id), State::temporary);
   EXPECT_EQ(item(id).expiresAt, moment + 900.0);
   EXPECT_EQ(scheduledAt(id), moment + 900.0);
@@ -26,7 +26,7 @@ TEST_F(AppModelDecisions, TemporarySetsTheMomentRemembersTheDurationAndSaves) {
 
 TEST_F(AppModelDecisions, EndOfDayIsOneSecondBeforeMidnightOfThatDay) {
   const UUID id = arrive("shot.png");
-  model->markTemporary(id, TemporaryDuration::endOfDay);
+  model->markTemporary(id, TemporaryDuration::endOfDay).detach();
   const QDateTime expires = item(id).expiresAt->toDateTime().toUTC();
   EXPECT_EQ(expires.time(), QTime(23, 59, 59));
   EXPECT_EQ(expires.date(), now().toDateTime().toUTC().date());
@@ -37,7 +37,7 @@ TEST_F(AppModelDecisions, TemporaryOnARecordThatBecamePermanentAMomentEarlierDoe
   const UUID id = arrivePermanent("shot.png");
   const ScreenshotItem before = item(id);
   wasSaved();
-  model->markTemporary(id, TemporaryDuration::oneHour, "another name");
+  model->markTemporary(id, TemporaryDuration::oneHour, "another name").detach();
   EXPECT_EQ(item(id), before);
   EXPECT_EQ(scheduledAt(id), std::nullopt);
   EXPECT_EQ(*model->lastTemporaryDuration, TemporaryDuration::fiveMinutes);
@@ -49,14 +49,14 @@ TEST_F(AppModelDecisions, TemporaryIsDecidedOnce) {
   const UUID id = arriveTemporary("shot.png", TemporaryDuration::oneMinute);
   const auto expiresAt = item(id).expiresAt;
   advance(10);
-  model->markTemporary(id, TemporaryDuration::oneHour);
+  model->markTemporary(id, TemporaryDuration::oneHour).detach();
   EXPECT_EQ(item(id).expiresAt, expiresAt);
 }
 
 TEST_F(AppModelDecisions, ADecisionOnAnUnknownRecordDoesNothing) {
   const UUID id = arrive("shot.png");
-  model->markTemporary(uuid(404), TemporaryDuration::oneHour);
-  model->keepPrompt(uuid(404));
+  model->markTemporary(uuid(404), TemporaryDuration::oneHour).detach();
+  model->keepPrompt(uuid(404)).detach();
   model->keepBatch({uuid(404)});
   model->markTemporaryBatch({uuid(404)}, TemporaryDuration::oneHour);
   EXPECT_THAT(queue(), ElementsAre(id));
@@ -66,7 +66,7 @@ TEST_F(AppModelDecisions, ADecisionOnAnUnknownRecordDoesNothing) {
 TEST_F(AppModelDecisions, KeepMakesPermanentAndSaves) {
   const UUID first = arrive("first.png");
   const UUID second = arrive("second.png");
-  model->keepPrompt(first);
+  model->keepPrompt(first).detach();
   EXPECT_EQ(stateOf(first), State::permanent);
   EXPECT_EQ(presenter.visible, second);
   EXPECT_EQ(savedRecord(first), item(first));
@@ -74,18 +74,18 @@ TEST_F(AppModelDecisions, KeepMakesPermanentAndSaves) {
 
 TEST_F(AppModelDecisions, KeepInThePopupIsForPendingRecordsAlone) {
   const UUID id = arriveTemporary("shot.png");
-  model->keepPrompt(id, "another name");
+  model->keepPrompt(id, "another name").detach();
   EXPECT_EQ(stateOf(id), State::temporary);
   EXPECT_EQ(files.calls(), 0);
 }
 
 TEST_F(AppModelDecisions, ANameRenamesTheFileFirst) {
   const UUID kept = arrive("one.png");
-  model->keepPrompt(kept, "A kept one");
+  model->keepPrompt(kept, "A kept one").detach();
   EXPECT_EQ(item(kept).url, shots.appending("A kept one.png"));
   EXPECT_TRUE(fileExists(shots.appending("A kept one.png")));
   const UUID temporary = arrive("two.png");
-  model->markTemporary(temporary, TemporaryDuration::oneMinute, "A passing one");
+  model->markTemporary(temporary, TemporaryDuration::oneMinute, "A passing one").detach();
   EXPECT_EQ(item(temporary).url, shots.appending("A passing one.png"));
   EXPECT_EQ(stateOf(temporary), State::temporary);
   EXPECT_EQ(savedRecord(temporary), item(temporary));
@@ -94,13 +94,13 @@ TEST_F(AppModelDecisions, ANameRenamesTheFileFirst) {
 TEST_F(AppModelDecisions, AFailedRenameDoesNotStopTheDecision) {
   const UUID kept = arrive("one.png");
   files.refuse(shots.appending("one.png"));
-  model->keepPrompt(kept, "A kept one");
+  model->keepPrompt(kept, "A kept one").detach();
   EXPECT_EQ(stateOf(kept), State::permanent);
   EXPECT_EQ((*model->promptError)->title, "Couldn’t Rename Screenshot");
 
   const UUID temporary = arrive("two.png");
   files.refuse(shots.appending("two.png"));
-  model->markTemporary(temporary, TemporaryDuration::oneMinute, "A passing one");
+  model->markTemporary(temporary, TemporaryDuration::oneMinute, "A passing one").detach();
   EXPECT_EQ(stateOf(temporary), State::temporary);
   EXPECT_EQ(item(temporary).url, shots.appending("two.png"));
   EXPECT_THAT(queue(), IsEmpty());

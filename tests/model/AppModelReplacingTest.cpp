@@ -79,7 +79,7 @@ TEST_F(AppModelReplacing, TheCropTakesTheNameAndTheOriginalGoesToTrash) {
 TEST_F(AppModelReplacing, TheRecordStaysButForWhatDescribedTheOldPicture) {
   arrivePicture("shot.png");
   const UUID id = model->items()[0].id;
-  model->markTemporary(id, TemporaryDuration::oneHour);
+  model->markTemporary(id, TemporaryDuration::oneHour).detach();
   describe(id);
   const ScreenshotItem before = item(id);
   EXPECT_EQ(replace(id), std::nullopt);
@@ -99,7 +99,7 @@ TEST_F(AppModelReplacing, TheRecordStaysButForWhatDescribedTheOldPicture) {
 
 TEST_F(AppModelReplacing, AReplacedTemporaryScreenshotGoesWhenItsTimeIsUp) {
   const UUID id = arrivePicture("shot.png");
-  model->markTemporary(id, TemporaryDuration::fiveMinutes);
+  model->markTemporary(id, TemporaryDuration::fiveMinutes).detach();
   replace(id);
   std::filesystem::remove_all(trash.path());
   advance(301);
@@ -181,7 +181,7 @@ TEST_F(AppModelReplacing, WhereTrashTellsNoPlaceTheOriginalStaysInIt) {
 
 TEST_F(AppModelReplacing, NothingIsThrownAwayWhileItIsBeingWritten) {
   const UUID id = arrivePicture("shot.png");
-  model->markTemporary(id, TemporaryDuration::fiveMinutes);
+  model->markTemporary(id, TemporaryDuration::fiveMinutes).detach();
   executor.holdBackground();
   const auto task = model->replaceOriginal(id, picture(), kCrop);
   executor.drain();

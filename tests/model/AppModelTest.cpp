@@ -595,7 +595,7 @@ TEST_F(AppModelChanges, RowsAreToldByIndex) {
   EXPECT_THAT(inserted->indices, ElementsAre(0u));
 
   changes.clear();
-  model->keepPrompt(model->items()[1].id);
+  model->keepPrompt(model->items()[1].id).detach();
   const auto changed = std::find_if(changes.begin(), changes.end(), isItems);
   ASSERT_NE(changed, changes.end());
   EXPECT_EQ(changed->rows, ModelChange::Rows::changed);

@@ -236,7 +236,7 @@ void HistoryPlayer::makeTemporary(const HistoryStep& step) {
   say("the person makes " + quoted(*item) + " Temporary: " + menuText(duration).toStdString() +
       (name ? ", named " + name->toStdString() : ""));
   noteTemporary(*item, duration);
-  program_.model->markTemporary(item->id, duration, name);
+  program_.model->markTemporary(item->id, duration, name).detach();
 }
 
 void HistoryPlayer::makeTemporaryBatch(const HistoryStep& step) {
@@ -257,7 +257,7 @@ void HistoryPlayer::keep(const HistoryStep& step) {
   std::optional<QString> name;
   if (step.how % 2 == 0) name = QStringLiteral("Kept %1").arg(++renames_);
   say("the person keeps " + quoted(*item) + (name ? " as " + name->toStdString() : ""));
-  program_.model->keepPrompt(item->id, name);
+  program_.model->keepPrompt(item->id, name).detach();
 }
 
 void HistoryPlayer::keepBatch(const HistoryStep& step) {

@@ -61,7 +61,7 @@ TEST_F(BetweenLookAndResult, ARecordThatWasThrownAwayDoesNotComeBack) {
 TEST_F(BetweenLookAndResult, ADecisionStands) {
   const UUID id = arrive("shot.png");
   look();
-  model->markTemporary(id, TemporaryDuration::oneHour);
+  model->markTemporary(id, TemporaryDuration::oneHour).detach();
   deliver();
   EXPECT_EQ(stateOf(id), State::temporary);
   EXPECT_EQ(scheduledAt(id), now() + 3600.0);
@@ -71,7 +71,7 @@ TEST_F(BetweenLookAndResult, ATemporaryScreenshotThatThePersonRenamedBeforeTheLo
   const UUID id = arrive("shot.png");
   moveFileFollowed(shots.appending("shot.png"), shots.appending("wanted.png"));
   look();
-  model->markTemporary(id, TemporaryDuration::oneMinute);
+  model->markTemporary(id, TemporaryDuration::oneMinute).detach();
   deliver();
   EXPECT_EQ(stateOf(id), State::permanent);
   EXPECT_EQ(item(id).url, shots.appending("wanted.png"));
@@ -246,7 +246,7 @@ TEST_P(WaitingRequests, BecomeOneRunThatDoesWhatEitherAskedFor) {
   lost = arriveOnAnotherDisk("lost.png");
   const UUID next = arrive("next.png");
   const UUID other = arriveOnAnotherDisk("other.png");
-  model->keepPrompt(other);
+  model->keepPrompt(other).detach();
   const bool startsLost =
       first == Caller::folderFound || (second == Caller::folderFound && first != Caller::folderLost);
   if (startsLost) call(Caller::folderLost);

@@ -297,6 +297,14 @@ inline void PrintTo(const Announcement& announcement, std::ostream* out) {
   *out << (announcement.priority == AnnouncementPriority::high ? "high: " : "low: ") << announcement.text.toStdString();
 }
 
+class FakePasteboard final : public Pasteboard {
+ public:
+  void write(const ScreenshotPasteboardItem& item) override { items.push_back(item); }
+  void write(const QString& text) override { texts.push_back(text); }
+  std::vector<ScreenshotPasteboardItem> items;
+  std::vector<QString> texts;
+};
+
 class FakeAnnouncer final : public Announcing {
  public:
   explicit FakeAnnouncer(CallLog& log) : log_(log) {}

@@ -7,6 +7,7 @@
 
 #include "foundation/ManualExecutor.h"
 #include "model/FakeAnalyzer.h"
+#include "model/FakeWindowScanner.h"
 #include "model/ModelFakes.h"
 #include "support/Files.h"
 #include "support/Printing.h"
@@ -101,6 +102,9 @@ class ModelFixture : public ::testing::Test {
     world.fileChooser = &chooser;
     world.screenshotLocation = &location;
     world.announcer = &announcer;
+    world.pasteboard = &pasteboard;
+    world.transferFiles = TransferFiles(transfers);
+    world.scanWindows = [this](const FileURL& url) { return scanner.scan(url); };
     world.analyzer = &analyzer;
     world.systemEvents = &systemEvents;
     world.now = [this] { return now(); };
@@ -192,12 +196,12 @@ class ModelFixture : public ::testing::Test {
   }
   UUID arriveTemporary(std::string_view name, TemporaryDuration duration = TemporaryDuration::fiveMinutes) {
     const UUID id = arrive(name);
-    model->markTemporary(id, duration);
+    model->markTemporary(id, duration).detach();
     return id;
   }
   UUID arrivePermanent(std::string_view name) {
     const UUID id = arrive(name);
-    model->keepPrompt(id);
+    model->keepPrompt(id).detach();
     return id;
   }
   /// A record outside the watched folder whose file cannot be found, pending until someone decides.
@@ -271,6 +275,7 @@ class ModelFixture : public ::testing::Test {
   const FileURL away = home.file("away");
   const FileURL elsewhere = home.file("elsewhere");
   const FileURL trash = home.file("trash");
+  const FileURL transfers = home.file("transfers");
   const FileURL listFile = home.file("data").appending("Quillmere").appending("screenshots.json");
   FileURL settingsFile = home.file("settings.json");
 
@@ -287,6 +292,8 @@ class ModelFixture : public ::testing::Test {
   FakeScreenshotLocation location;
   FakeAnnouncer announcer{log};
   FakeAnalyzer analyzer;
+  FakePasteboard pasteboard;
+  FakeWindowScanner scanner;
 
   std::map<std::string, std::optional<FileIdentity>> identities;
   std::map<std::string, CaptureKind> captureKinds;

@@ -20,8 +20,8 @@ TEST(HeightOfThumbnailTest, IsHeldBetween96And230) {
 }
 
 TEST(HeightOfThumbnailTest, OfAnUnknownSizeIs160) {
-  for (const auto& size : {std::optional<QSize>(), std::optional(QSize(0, 100)), std::optional(QSize(100, 0)),
-                           std::optional(QSize(-5, 100)), std::optional(QSize())}) {
+  for (const auto& size : {std::optional<QSizeF>(), std::optional(QSizeF(0, 100)), std::optional(QSizeF(100, 0)),
+                           std::optional(QSizeF(-5, 100)), std::optional(QSizeF())}) {
     EXPECT_EQ(CapturePromptContent::heightOfThumbnail(size), 160);
   }
 }

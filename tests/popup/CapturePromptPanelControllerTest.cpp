@@ -4,9 +4,11 @@
 #include <QtGui/QScreen>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QComboBox>
 #include <QtWidgets/QLineEdit>
 
 #include "model/ModelFixture.h"
+#include "popup/FakeSharing.h"
 #include "popup/LivePanelScreens.h"
 
 namespace quillmere {
@@ -68,6 +70,7 @@ class CapturePromptPanelControllerTest : public testing::ModelFixture {
     CapturePromptPanelController::Services services;
     services.executor = &executor;
     services.thumbnails = &thumbnails;
+    services.sharing = &sharing;
     services.screens = &screens;
     services.windowSystem = &windowSystem;
     services.isDataless = [this](const FileURL& url) { return dataless.contains(url.path()); };
@@ -114,6 +117,7 @@ class CapturePromptPanelControllerTest : public testing::ModelFixture {
   FakeScreens screens;
   FakeWindowSystem windowSystem;
   std::optional<QRectF> captureRect;
+  FakeSharing sharing;
   ThumbnailLoader thumbnails{executor, [](const FileURL&) { return false; }};
   std::unique_ptr<CapturePromptPanelController> popup;
 };
@@ -206,23 +210,104 @@ TEST_F(CapturePromptPanelControllerTest, ItMayGoAwayWithAnUpdateUnderWay) {
 TEST_F(CapturePromptPanelControllerTest, AThousandChangesInOneTurnCostOneUpdate) {
   show();
   const int updates = popup->updateCount();
+  const int measurements = popup->measurementCount();
   for (int i = 1; i <= 1000; ++i) model->show(ErrorScope::popup, QString::number(i), QStringLiteral("Message"));
   EXPECT_EQ(popup->updateCount(), updates) << "never in the signal itself";
   executor.drain();
   EXPECT_EQ(popup->updateCount(), updates + 1);
+  EXPECT_EQ(popup->measurementCount(), measurements + 1);
   EXPECT_EQ(popup->content()->error->title, QStringLiteral("1000"));
 }
 
 TEST_F(CapturePromptPanelControllerTest, AChangeThatShowsNowhereCostsNothing) {
   show();
-  const int updates = popup->updateCount();
+  const int shown = popup->viewChangeCount();
+  const int measurements = popup->measurementCount();
   const int frames = popup->panel()->frameChangeCount();
   model->setMenuBarEnabled(false);
   model->setHasSeenWelcome(true);
   model->show(ErrorScope::inbox, QStringLiteral("Title"), QStringLiteral("Message"));
   executor.drain();
-  EXPECT_EQ(popup->updateCount(), updates);
+  EXPECT_EQ(popup->viewChangeCount(), shown);
+  EXPECT_EQ(popup->measurementCount(), measurements);
   EXPECT_EQ(popup->panel()->frameChangeCount(), frames);
+}
+
+TEST_F(CapturePromptPanelControllerTest, AHeightIsMeasuredOnceForEachState) {
+  show();
+  const auto alternate = [this] {
+    for (const bool shows : {false, true}) {
+      model->setShowPopupThumbnail(shows);
+      executor.drain();
+    }
+  };
+  alternate();
+  const int measurements = popup->measurementCount();
+  const int shown = popup->viewChangeCount();
+  for (int i = 0; i < 5; ++i) alternate();
+  EXPECT_EQ(popup->measurementCount(), measurements);
+  EXPECT_EQ(popup->viewChangeCount(), shown + 10);
+}
+
+TEST_F(CapturePromptPanelControllerTest, TheHeightsOfTheLastEightStatesAreKnown) {
+  show();
+  const auto showState = [this](int number) {
+    model->setScreenshotNaming(number % 2 == 0 ? ScreenshotNaming::original : ScreenshotNaming::suggested);
+    model->setDeletesChosenImmediately(number / 2 % 2 == 0);
+    model->setShowPopupThumbnail(number / 4 % 2 == 0);
+    model->setAnalyzeScreenshots(number / 8 % 2 == 0);
+    executor.drain();
+  };
+  for (int number = 0; number < 9; ++number) showState(number);
+  const int measurements = popup->measurementCount();
+  for (int number = 8; number > 0; --number) showState(number);
+  EXPECT_EQ(popup->measurementCount(), measurements) << "eight are kept";
+  showState(0);
+  EXPECT_EQ(popup->measurementCount(), measurements + 1) << "the ninth was dropped";
+}
+
+TEST_F(CapturePromptPanelControllerTest, TypingMeasuresNothing) {
+  show();
+  const int measurements = popup->measurementCount();
+  QTest::keyClicks(field(), QStringLiteral("A new name"));
+  executor.drain();
+  EXPECT_EQ(popup->measurementCount(), measurements);
+  EXPECT_EQ(model->promptNameEdit()->text, field()->text());
+}
+
+TEST_F(CapturePromptPanelControllerTest, MeasuringReportsNoEdit) {
+  const UUID id = show();
+  field()->setText(QStringLiteral("Typed"));
+  model->show(ErrorScope::popup, QStringLiteral("Title"), QStringLiteral("Message"));
+  executor.drain();
+  EXPECT_EQ(model->promptNameEdit(), (AppModel::PromptNameEdit{id, QStringLiteral("Typed"), true, false}));
+}
+
+TEST_F(CapturePromptPanelControllerTest, AnotherFontIsMeasuredAnew) {
+  show();
+  const qreal before = frame().height();
+  QFont large = popup->panel()->font();
+  large.setPointSizeF(large.pointSizeF() * 2);
+  const int measurements = popup->measurementCount();
+  const QFont usual = QApplication::font();
+  QApplication::setFont(large);
+  settle();
+  EXPECT_GT(popup->measurementCount(), measurements);
+  EXPECT_GT(frame().height(), before);
+  QApplication::setFont(usual);
+  settle();
+  EXPECT_EQ(frame().height(), before);
+}
+
+TEST_F(CapturePromptPanelControllerTest, AClosedPopupForgetsItsHeights) {
+  const UUID id = show();
+  model->dismissPrompt();
+  settle();
+  const int measurements = popup->measurementCount();
+  model->reviewPending(false);
+  settle();
+  ASSERT_EQ(popup->content()->item.id, id);
+  EXPECT_GT(popup->measurementCount(), measurements);
 }
 
 TEST_F(CapturePromptPanelControllerTest, AChangeOfTheSameHeightMovesNothing) {
@@ -263,7 +348,7 @@ TEST_F(CapturePromptPanelControllerTest, WithoutThePreviewItIsShorterByIt) {
   const qreal before = frame().height();
   model->setShowPopupThumbnail(false);
   executor.drain();
-  EXPECT_EQ(frame().height(), before - 204 - 12) << "the preview and the space below it";
+  EXPECT_EQ(frame().height(), before - 204 + 36) << "its actions stand in a row of their own now";
 }
 
 TEST_F(CapturePromptPanelControllerTest, OnAScreenTooShortTheContentScrolls) {
@@ -271,10 +356,12 @@ TEST_F(CapturePromptPanelControllerTest, OnAScreenTooShortTheContentScrolls) {
   show();
   EXPECT_TRUE(popup->content()->scrolls);
   EXPECT_EQ(frame().height(), 250);
-  const int updates = popup->updateCount();
+  const int shown = popup->viewChangeCount();
+  const int measurements = popup->measurementCount();
   model->setMenuBarEnabled(false);
   executor.drain();
-  EXPECT_EQ(popup->updateCount(), updates) << "also then";
+  EXPECT_EQ(popup->viewChangeCount(), shown) << "also then";
+  EXPECT_EQ(popup->measurementCount(), measurements);
 }
 
 TEST_F(CapturePromptPanelControllerTest, WithoutAnyScreenItStaysWhereItIs) {
@@ -294,6 +381,41 @@ TEST_F(CapturePromptPanelControllerTest, AnEvictedFileIsNotMeasured) {
   dataless.insert(url.path());
   show();
   EXPECT_EQ(popup->content()->thumbnailHeight, 160);
+}
+
+TEST_F(CapturePromptPanelControllerTest, ThePopupDoesNotWaitForTheSizeOfItsPicture) {
+  const FileURL url = shots.appending("1.png");
+  QImage picture(800, 400, QImage::Format_RGB32);
+  picture.fill(Qt::white);
+  ASSERT_TRUE(picture.save(url.displayPath()));
+  monitor.onScreenshot(url);
+  EXPECT_TRUE(isVisible());
+  EXPECT_EQ(popup->content()->thumbnailHeight, 160);
+  settle();
+  EXPECT_EQ(popup->content()->thumbnailHeight, 204);
+}
+
+TEST_F(CapturePromptPanelControllerTest, TheNextOneComesUpAtItsHeight) {
+  show();
+  arrivePicture("2.png", QSize(400, 200));
+  model->dismissPrompt();
+  ASSERT_NE(popup->content()->item.url, shots.appending("2.png"));
+  const int shown = popup->viewChangeCount();
+  executor.drain();
+  EXPECT_EQ(popup->content()->item.url, shots.appending("2.png"));
+  EXPECT_EQ(popup->viewChangeCount(), shown + 1) << "no second layout for a size found late";
+}
+
+TEST_F(CapturePromptPanelControllerTest, AnExtractedWindowGivesThePreviewItsShape) {
+  const UUID id = show();
+  model->setPromptWindowExtraction(item(id), true).detach();
+  executor.drain();
+  EXPECT_EQ(popup->content()->windowExtraction, PromptWindowExtraction::Phase(PromptWindowExtraction::Detecting{}));
+  EXPECT_EQ(popup->content()->previewPixelSize, QSizeF(800, 400));
+  scanner.answer(0, QImage(800, 400, QImage::Format_RGB32), QRectF(10, 10, 400, 100));
+  executor.drain();
+  EXPECT_EQ(popup->content()->previewPixelSize, QSizeF(400, 100));
+  EXPECT_EQ(popup->content()->thumbnailHeight, 102);
 }
 
 TEST_F(CapturePromptPanelControllerTest, TheSameFileIsMeasuredOnce) {
@@ -430,6 +552,15 @@ TEST_F(CapturePromptPanelControllerTest, APopupWithTheKeyboardIsEngagedWhereverT
   EXPECT_FALSE(popup->isPointerEngaged());
   model->reviewPending(false);
   EXPECT_TRUE(popup->isPointerEngaged());
+}
+
+TEST_F(CapturePromptPanelControllerTest, AnOpenMenuEngages) {
+  show();
+  auto* picker = popup->panel()->findChild<QComboBox*>();
+  picker->showPopup();
+  EXPECT_TRUE(popup->isPointerEngaged());
+  picker->hidePopup();
+  EXPECT_FALSE(popup->isPointerEngaged());
 }
 
 TEST_F(CapturePromptPanelControllerTest, AHiddenPopupIsNotEngaged) {

@@ -1,19 +1,27 @@
 #include "popup/CapturePromptView.h"
 
+#include <QtCore/QTimer>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QMenu>
+#include <stdexcept>
 
 #include "controls/ActionButton.h"
 #include "model/ModelFixture.h"
 #include "popup/DurationPicker.h"
+#include "popup/FakeSharing.h"
+#include "popup/PreviewButton.h"
 #include "popup/PromptErrorBanner.h"
+#include "popup/PromptPreview.h"
+#include "popup/PromptPreviewNoticeView.h"
 
 namespace quillmere {
 namespace {
 
 using testing::FakeAnalyzer;
+using testing::readBytes;
 using testing::State;
 
 /// The view over a model, shown in a window that has the keyboard.
@@ -22,12 +30,13 @@ class CapturePromptViewTest : public testing::ModelFixture {
   CapturePromptViewTest() {
     launchWatching();
     id = arrive("Screenshot 1.png");
-    view = std::make_unique<CapturePromptView>(*model, executor, thumbnails, nullptr);
-    view->onKeyboardWanted = [this] { ++keyboardWanted; };
-    view->confirmDeletion = [this](const QString& fileName) {
+    CapturePromptView::Services services{model.get(), &executor, &thumbnails, &sharing, {}};
+    services.confirmDeletion = [this](const QString& fileName) {
       confirmed.push_back(fileName);
       return confirms;
     };
+    view = std::make_unique<CapturePromptView>(services, nullptr);
+    view->onKeyboardWanted = [this] { ++keyboardWanted; };
     refresh();
     static_cast<QWidget&>(*view).show();
     view->activateWindow();
@@ -52,14 +61,31 @@ class CapturePromptViewTest : public testing::ModelFixture {
 
   QLineEdit* field() const { return view->findChild<QLineEdit*>(); }
   DurationPicker* picker() const { return view->findChild<DurationPicker*>(); }
-  ActionButton* button(const char* name) const {
-    for (auto* candidate : view->findChildren<ActionButton*>()) {
+  /// Of two with one name, the one that is there.
+  QPushButton* button(const char* name) const {
+    QPushButton* found = nullptr;
+    for (auto* candidate : view->findChildren<QPushButton*>()) {
       const bool isNamed =
           candidate->text() == QLatin1String(name) || candidate->accessibleName() == QLatin1String(name);
-      if (isNamed) return candidate;
+      if (isNamed && (!found || candidate->isVisibleTo(view.get()))) found = candidate;
     }
-    ADD_FAILURE() << "no button " << name;
-    return nullptr;
+    if (!found) ADD_FAILURE() << "no button " << name;
+    return found;
+  }
+  template <typename Widget>
+  Widget& part() const {
+    for (auto* widget : view->findChildren<QWidget*>()) {
+      if (auto* wanted = dynamic_cast<Widget*>(widget)) return *wanted;
+    }
+    throw std::logic_error("no such part");
+  }
+  void click(const char* name) { QTest::mouseClick(button(name), Qt::LeftButton); }
+  std::optional<PromptPreviewNotice> notice() const {
+    for (auto* widget : view->findChildren<QWidget*>()) {
+      const auto* candidate = dynamic_cast<PromptPreviewNoticeView*>(widget);
+      if (candidate && candidate->isVisible()) return candidate->notice();
+    }
+    return std::nullopt;
   }
   bool isErrorShown() const {
     for (const auto* widget : view->findChildren<QWidget*>()) {
@@ -76,6 +102,7 @@ class CapturePromptViewTest : public testing::ModelFixture {
   const std::optional<AppModel::PromptNameEdit>& edit() const { return model->promptNameEdit(); }
 
   UUID id;
+  FakeSharing sharing;
   ThumbnailLoader thumbnails{executor, [](const FileURL&) { return false; }};
   std::unique_ptr<CapturePromptView> view;
   int keyboardWanted = 0;
@@ -287,12 +314,13 @@ TEST_F(CapturePromptViewTest, UndoingTypingDoesNotAskTheGate) {
 
 TEST_F(CapturePromptViewTest, TabGoesThroughEveryControlAndBackToTheFirst) {
   std::vector<QWidget*> visited;
-  for (int i = 0; i < 6; ++i) {
+  for (int i = 0; i < 10; ++i) {
     press(Qt::Key_Tab);
     visited.push_back(QApplication::focusWidget());
   }
-  EXPECT_EQ(visited, (std::vector<QWidget*>{button("Keep"), picker(), button("Move to Trash"),
-                                            button("Dismiss Screenshot Popup"), field(), button("Temporary")}));
+  EXPECT_EQ(visited, (std::vector<QWidget*>{button("Keep"), button("Copy"), picker(), button("Move to Trash"),
+                                            button("Dismiss Screenshot Popup"), button("Extract Window"),
+                                            button("Copy Text"), button("Share"), field(), button("Temporary")}));
 }
 
 TEST_F(CapturePromptViewTest, ARequestForTheKeyboardPutsItOnTheMainButton) {
@@ -332,7 +360,7 @@ TEST_F(CapturePromptViewTest, AFailureThatMayPassOffersToTryAgain) {
   model->startAnalysis(id);
   refresh();
   ASSERT_TRUE(button("Analyze Again")->isVisible());
-  button("Dismiss Screenshot Popup")->setFocus();
+  button("Share")->setFocus();
   press(Qt::Key_Tab);
   EXPECT_EQ(QApplication::focusWidget(), button("Analyze Again")) << "where it stands on the card";
   press(Qt::Key_Tab);
@@ -434,6 +462,324 @@ TEST_F(CapturePromptViewTest, ClearedItStartsAnewWithTheSameScreenshot) {
   view->clear();
   refresh();
   EXPECT_EQ(field()->text(), QStringLiteral("Screenshot 1"));
+}
+
+// --- The gate ---
+
+TEST_F(CapturePromptViewTest, EveryActionButThoseThatDecideNothingAsksTheGate) {
+  model->show(ErrorScope::popup, QStringLiteral("Title"), QStringLiteral("Message"));
+  arrive("2.png");
+  model->dismissPrompt();
+  refresh();
+  model->show(ErrorScope::popup, QStringLiteral("Title"), QStringLiteral("Message"));
+  refresh();
+  const UUID shown = queue().front();
+  executor.advance(std::chrono::milliseconds(290));
+  for (const char* name : {"Temporary", "Keep", "Copy", "Move to Trash", "Dismiss Screenshot Popup", "Extract Window",
+                           "Copy Text", "Dismiss"}) {
+    click(name);
+    executor.drain();
+  }
+  press(Qt::Key_Return);
+  press(Qt::Key_Escape);
+  EXPECT_EQ(queue(), std::vector<UUID>{shown});
+  EXPECT_EQ(stateOf(shown), State::pending);
+  EXPECT_TRUE(scanner.calls.empty());
+  EXPECT_TRUE(pasteboard.items.empty());
+  EXPECT_TRUE(pasteboard.texts.empty());
+  EXPECT_TRUE(model->promptError->has_value());
+  executor.advance(std::chrono::milliseconds(10));
+  click("Dismiss");
+  EXPECT_FALSE(model->promptError->has_value()) << "exactly 0.3 seconds are enough";
+}
+
+TEST_F(CapturePromptViewTest, TheDurationCanBeChosenAtOnce) {
+  arrive("2.png");
+  model->dismissPrompt();
+  refresh();
+  picker()->setDuration(TemporaryDuration::oneHour);
+  EXPECT_EQ(picker()->duration(), TemporaryDuration::oneHour);
+  EXPECT_NE(*model->lastTemporaryDuration, TemporaryDuration::oneHour) << "stored with the decision alone";
+}
+
+// --- Copy and Copy Text ---
+
+TEST_F(CapturePromptViewTest, CopyLeavesThePopupOpen) {
+  click("Copy");
+  executor.drain();
+  ASSERT_EQ(pasteboard.items.size(), 1U);
+  EXPECT_EQ(pasteboard.items[0].url, item(id).url);
+  EXPECT_EQ(queue(), std::vector<UUID>{id});
+}
+
+TEST_F(CapturePromptViewTest, CopyTextTellsThatItDid) {
+  analyzer.text = QStringLiteral("words");
+  click("Copy Text");
+  executor.drain();
+  EXPECT_EQ(pasteboard.texts, std::vector<QString>{QStringLiteral("words")});
+  EXPECT_EQ(notice(), PromptPreviewNotice::textCopied);
+}
+
+TEST_F(CapturePromptViewTest, TwoPressesOfCopyTextDoNotOverlap) {
+  analyzer.holdsReadings = true;
+  click("Copy Text");
+  click("Copy Text");
+  executor.drain();
+  ASSERT_EQ(analyzer.readings.size(), 1U);
+  EXPECT_TRUE(dynamic_cast<PreviewButton&>(*button("Copy Text")).isWorking());
+  FakeAnalyzer::answer<std::optional<QString>>(analyzer.readings[0], QStringLiteral("words"));
+  executor.drain();
+  EXPECT_EQ(pasteboard.texts.size(), 1U);
+  EXPECT_FALSE(dynamic_cast<PreviewButton&>(*button("Copy Text")).isWorking());
+}
+
+TEST_F(CapturePromptViewTest, TextThatComesAfterThePopupWentOnIsCopiedAndNotTold) {
+  analyzer.holdsReadings = true;
+  click("Copy Text");
+  arrive("2.png");
+  model->dismissPrompt();
+  refresh();
+  FakeAnalyzer::answer<std::optional<QString>>(analyzer.readings[0], QStringLiteral("words"));
+  executor.drain();
+  EXPECT_EQ(notice(), std::nullopt);
+  EXPECT_FALSE(dynamic_cast<PreviewButton&>(*button("Copy Text")).isWorking());
+}
+
+// --- Notices ---
+
+TEST_F(CapturePromptViewTest, ANoticeStaysTwoSeconds) {
+  analyzer.text = QString();
+  click("Copy Text");
+  executor.drain();
+  executor.advance(std::chrono::milliseconds(1999));
+  EXPECT_EQ(notice(), PromptPreviewNotice::noText);
+  executor.advance(std::chrono::milliseconds(1));
+  EXPECT_EQ(notice(), std::nullopt);
+}
+
+TEST_F(CapturePromptViewTest, ASecondNoticeTakesThePlaceOfTheFirstAndStaysItsFullTime) {
+  analyzer.text = QString();
+  click("Copy Text");
+  executor.drain();
+  executor.advance(std::chrono::milliseconds(1500));
+  click("Extract Window");
+  scanner.answer(0, QImage(10, 10, QImage::Format_RGB32), std::nullopt);
+  EXPECT_EQ(notice(), PromptPreviewNotice::noWindow);
+  executor.advance(std::chrono::milliseconds(1999));
+  EXPECT_EQ(notice(), PromptPreviewNotice::noWindow);
+  executor.advance(std::chrono::milliseconds(1));
+  EXPECT_EQ(notice(), std::nullopt);
+}
+
+TEST_F(CapturePromptViewTest, ANoticeGoesWithItsScreenshot) {
+  analyzer.text = QString();
+  click("Copy Text");
+  executor.drain();
+  arrive("2.png");
+  model->dismissPrompt();
+  refresh();
+  EXPECT_EQ(notice(), std::nullopt);
+}
+
+TEST_F(CapturePromptViewTest, WithoutThePreviewANoticeHasARowOfItsOwn) {
+  model->setShowPopupThumbnail(false);
+  refresh();
+  int heightChanges = 0;
+  view->onExtraHeightChanged = [&] { ++heightChanges; };
+  EXPECT_EQ(view->extraHeight(), 0);
+  const int natural = view->naturalHeight();
+  analyzer.text = QString();
+  click("Copy Text");
+  executor.drain();
+  EXPECT_EQ(notice(), PromptPreviewNotice::noText);
+  EXPECT_GT(view->extraHeight(), 0);
+  EXPECT_EQ(heightChanges, 1);
+  EXPECT_EQ(view->naturalHeight(), natural) << "the row does not count among what is measured";
+}
+
+// --- Extract Window ---
+
+TEST_F(CapturePromptViewTest, NothingCanBeDecidedWhileAWindowIsSought) {
+  click("Extract Window");
+  refresh();
+  for (const char* name : {"Temporary", "Keep", "Copy"}) EXPECT_FALSE(button(name)->isEnabled()) << name;
+  EXPECT_TRUE(button("Move to Trash")->isEnabled());
+  EXPECT_TRUE(button("Extract Window")->isChecked());
+  EXPECT_TRUE(dynamic_cast<PreviewButton&>(*button("Extract Window")).isWorking());
+  press(Qt::Key_Return);
+  EXPECT_EQ(stateOf(id), State::pending);
+}
+
+TEST_F(CapturePromptViewTest, ReturnInTheNameFieldDecidesOnTheWholeScreenshotMeanwhile) {
+  click("Extract Window");
+  refresh();
+  field()->setFocus();
+  press(Qt::Key_Return);
+  EXPECT_EQ(stateOf(id), State::temporary);
+}
+
+TEST_F(CapturePromptViewTest, TheMainButtonGetsTheKeyboardBackAfterTheSearch) {
+  ASSERT_EQ(QApplication::focusWidget(), button("Temporary"));
+  click("Extract Window");
+  refresh();
+  EXPECT_EQ(QApplication::focusWidget(), view.get()) << "no other button";
+  scanner.answer(0, QImage(10, 10, QImage::Format_RGB32), std::nullopt);
+  refresh();
+  EXPECT_EQ(QApplication::focusWidget(), button("Temporary"));
+}
+
+TEST_F(CapturePromptViewTest, TheToggleIsOffAgainWhereThereIsNoWindow) {
+  click("Extract Window");
+  scanner.answer(0, QImage(10, 10, QImage::Format_RGB32), std::nullopt);
+  refresh();
+  EXPECT_FALSE(button("Extract Window")->isChecked());
+  EXPECT_FALSE(dynamic_cast<PreviewButton&>(*button("Extract Window")).isWorking());
+  EXPECT_TRUE(button("Keep")->isEnabled());
+}
+
+TEST_F(CapturePromptViewTest, AnExtractedWindowIsCalledSo) {
+  click("Extract Window");
+  scanner.answer(0, QImage(100, 100, QImage::Format_RGB32), QRectF(10, 10, 50, 40));
+  refresh();
+  EXPECT_TRUE(button("Extract Window")->isChecked());
+  QStringList names;
+  for (const auto* widget : view->findChildren<QWidget*>()) names << widget->accessibleName();
+  EXPECT_TRUE(names.contains(QStringLiteral("Extracted window preview")));
+  click("Extract Window");
+  refresh();
+  EXPECT_FALSE(button("Extract Window")->isChecked());
+}
+
+TEST_F(CapturePromptViewTest, KeepingAnExtractedWindowIsAnnouncedOnceItIsKept) {
+  QImage picture(100, 100, QImage::Format_RGB32);
+  picture.fill(Qt::green);
+  ASSERT_TRUE(picture.save(item(id).url.displayPath(), "PNG"));
+  reconcileAll();
+  click("Extract Window");
+  scanner.answer(0, picture, QRectF(10, 10, 50, 40));
+  refresh();
+  click("Keep");
+  refresh();
+  EXPECT_FALSE(announcer.hasSaid(QStringLiteral("Screenshot kept.")));
+  for (const char* name : {"Temporary", "Keep", "Copy", "Move to Trash", "Extract Window"}) {
+    EXPECT_FALSE(button(name)->isEnabled()) << name;
+  }
+  executor.drain();
+  EXPECT_EQ(stateOf(id), State::permanent);
+  EXPECT_TRUE(announcer.hasSaid(QStringLiteral("Screenshot kept.")));
+}
+
+// --- What there is to do with the picture ---
+
+TEST_F(CapturePromptViewTest, AnUnreadableImageHasNoPreviewActions) {
+  makeUnavailable(id);
+  ASSERT_FALSE(queue().empty());
+  refresh();
+  EXPECT_FALSE(button("Extract Window")->isVisible());
+}
+
+TEST_F(CapturePromptViewTest, AnEvictedImageCanStillBeDecided) {
+  dataless.insert(item(id).url.path());
+  reconcileAll();
+  ASSERT_TRUE(model->evictedItemIDs->contains(id));
+  refresh();
+  for (const char* name : {"Extract Window", "Copy Text", "Share"}) EXPECT_FALSE(button(name)->isVisible()) << name;
+  for (const char* name : {"Temporary", "Keep", "Move to Trash"}) EXPECT_TRUE(button(name)->isVisible()) << name;
+  model->setShowPopupThumbnail(false);
+  refresh();
+  for (const char* name : {"Copy Text", "Share"}) EXPECT_FALSE(button(name)->isVisible()) << name;
+}
+
+TEST_F(CapturePromptViewTest, WithoutThePreviewCopyTextAndShareStandOnTheCard) {
+  model->setShowPopupThumbnail(false);
+  refresh();
+  EXPECT_EQ(button("Copy Text")->text(), QStringLiteral("Copy Text"));
+  EXPECT_EQ(button("Copy Text")->toolTip(), QStringLiteral("Copy the text in this screenshot"));
+  EXPECT_EQ(button("Share")->toolTip(), QStringLiteral("Share this screenshot"));
+  EXPECT_FALSE(button("Extract Window")->isVisible());
+}
+
+TEST_F(CapturePromptViewTest, ShareOffersWhatTakesThePictureAndSendsItUnderItsName) {
+  sharing.offered = {{QStringLiteral("email"), QStringLiteral("Mail"), {}},
+                     {QStringLiteral("viewer"), QStringLiteral("Viewer"), {}}};
+  type(QStringLiteral("Receipt"));
+  QTimer::singleShot(0, [] {
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_TRUE(menu);
+    ASSERT_EQ(menu->actions().size(), 2);
+    QTest::keyClick(menu, Qt::Key_Down);
+    QTest::keyClick(menu, Qt::Key_Down);
+    QTest::keyClick(menu, Qt::Key_Return);
+  });
+  click("Share");
+  executor.drain();
+  EXPECT_EQ(sharing.asked, std::vector<QString>{QStringLiteral("image/png")});
+  ASSERT_EQ(sharing.sent.size(), 1U);
+  EXPECT_EQ(sharing.sent[0].first.lastPathComponent(), "Receipt.png");
+  EXPECT_EQ(sharing.sent[0].second, QStringLiteral("viewer"));
+  EXPECT_EQ(readBytes(sharing.sent[0].first), "Screenshot 1.png");
+}
+
+TEST_F(CapturePromptViewTest, AClosedShareMenuSendsNothing) {
+  sharing.offered = {{QStringLiteral("email"), QStringLiteral("Mail"), {}}};
+  QTimer::singleShot(0, [] { QApplication::activePopupWidget()->close(); });
+  click("Share");
+  executor.drain();
+  EXPECT_TRUE(sharing.sent.empty());
+  EXPECT_EQ(readBytes(item(id).url), "Screenshot 1.png");
+}
+
+TEST_F(CapturePromptViewTest, AMovedPointerBeginsToDragThePicture) {
+  auto& preview = part<PromptPreview>();
+  int begun = 0;
+  preview.onDragBegun = [&] { ++begun; };
+  const QPoint middle = preview.rect().center();
+  const auto send = [&](QEvent::Type type, QPoint place, Qt::MouseButtons buttons) {
+    QMouseEvent event(type, place, preview.mapToGlobal(place),
+                      type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons, Qt::NoModifier);
+    QApplication::sendEvent(&preview, &event);
+  };
+  send(QEvent::MouseButtonPress, middle, Qt::LeftButton);
+  send(QEvent::MouseMove, middle + QPoint(2, 1), Qt::LeftButton);
+  EXPECT_EQ(begun, 0) << "a hand that trembles drags nothing";
+  send(QEvent::MouseMove, middle + QPoint(30, 0), Qt::LeftButton);
+  send(QEvent::MouseMove, middle + QPoint(60, 0), Qt::LeftButton);
+  EXPECT_EQ(begun, 1);
+}
+
+// --- Words ---
+
+TEST_F(CapturePromptViewTest, EveryControlHasItsNameHelpAndHint) {
+  struct Words {
+    const char* name;
+    const char* help;
+    const char* hint;
+  };
+  for (const Words& words : std::vector<Words>{
+           {"Dismiss Screenshot Popup", "Dismiss. The screenshot stays in the Inbox.", ""},
+           {"Temporary", "Keep for the selected time, then move to Trash",
+            "Moves this screenshot to Trash in 5 minutes."},
+           {"Keep", "Keep this screenshot without a deletion timer", ""},
+           {"Copy", "Copy this screenshot so it can be pasted into another app or into your file manager", ""},
+           {"Move to Trash", "Move this screenshot to Trash",
+            "Moves only this image to Trash, without asking. You can restore it from Trash in your file manager."},
+           {"Extract Window", "Save only the window in this screenshot",
+            "When on, Keep, Temporary, Copy, and the timeout save only the window found in the screenshot, and the "
+            "original moves to Trash. Share sends only the window too."},
+           {"Copy Text", "Copy the text in this preview",
+            "Recognizes the text in the preview and puts it on the clipboard."},
+           {"Share", "Send this screenshot by email, or open it in another app",
+            "Opens the share menu for the picture in the preview, under the name in the Filename field."}}) {
+    EXPECT_EQ(button(words.name)->toolTip(), QString::fromUtf8(words.help)) << words.name;
+    EXPECT_EQ(button(words.name)->accessibleDescription(), QString::fromUtf8(words.hint)) << words.name;
+  }
+  EXPECT_EQ(picker()->toolTip(), QStringLiteral("Choose how long to keep this screenshot"));
+  EXPECT_EQ(picker()->accessibleName(), QStringLiteral("Temporary duration"));
+  EXPECT_EQ(field()->accessibleName(), QStringLiteral("Filename"));
+  EXPECT_EQ(field()->toolTip(), QStringLiteral("Rename this screenshot. Keep and Temporary save it with this name."));
+  EXPECT_EQ(field()->accessibleDescription(),
+            QStringLiteral("Return saves this screenshot as Temporary with this name. Escape puts back the name it "
+                           "started with."));
 }
 
 }  // namespace

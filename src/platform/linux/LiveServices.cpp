@@ -45,6 +45,8 @@ ApplicationPaths ApplicationPaths::standard() {
   paths.settings = config + QStringLiteral("/Quillmere/settings.json");
   paths.recordList = paths.support.appending("screenshots.json");
   paths.runMarker = paths.support.appending("running");
+  const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
+  paths.transfers = FileURL::fromPath(cache + QStringLiteral("/Quillmere/Transfers"));
   return paths;
 }
 
@@ -54,6 +56,7 @@ LiveServices::LiveServices(const ApplicationPaths& paths)
       securityScope(mounts),
       watchFolderStore(defaults, mounts),
       announcer(executor),
+      sharing(executor),
       languageModel(executor, ModelServerPlaces::standard(defaults), &systemNow),
       analyzer(executor, languageModel, &CloudFiles::isDataless),
       monitor(executor, systemEvents, folderEvents, scanServices(), &systemNow) {}
@@ -84,6 +87,9 @@ AppModelDependencies LiveServices::dependencies(const ApplicationPaths& paths) {
   dependencies.screenshotLocation = &screenshotLocation;
   dependencies.monitor = &monitor;
   dependencies.announcer = &announcer;
+  dependencies.pasteboard = &pasteboard;
+  dependencies.transferFiles = TransferFiles(paths.transfers);
+  dependencies.scanWindows = [this](const FileURL& url) { return ImageOperations::scanWindows(executor, url); };
   dependencies.analyzer = &analyzer;
   dependencies.systemEvents = &systemEvents;
   dependencies.now = &systemNow;

@@ -8,9 +8,11 @@
 #include "platform/linux/LiveFileOperations.h"
 #include "platform/linux/LiveFolderEventSource.h"
 #include "platform/linux/LiveLanguageModel.h"
+#include "platform/linux/LivePasteboard.h"
 #include "platform/linux/LiveScreenshotAnalyzer.h"
 #include "platform/linux/LiveScreenshotLocationProvider.h"
 #include "platform/linux/LiveSecurityScopeAccess.h"
+#include "platform/linux/LiveSharing.h"
 #include "platform/linux/MountTable.h"
 #include "platform/linux/QtExecutor.h"
 
@@ -22,6 +24,7 @@ struct ApplicationPaths {
   QString settings;  ///< the settings file
   FileURL recordList;
   FileURL runMarker;
+  FileURL transfers;  ///< copies that other applications are given
   /// By the XDG base directories; makes the data directory, without which nothing can be put in the Trash.
   static ApplicationPaths standard();
 };
@@ -44,6 +47,8 @@ class LiveServices {
   LiveFolderEventSource folderEvents;
   LiveScreenshotLocationProvider screenshotLocation;
   LiveAnnouncer announcer;
+  LivePasteboard pasteboard;
+  LiveSharing sharing;
   LiveLanguageModel languageModel;
   LiveScreenshotAnalyzer analyzer;
   ScreenshotInboxMonitor monitor;

@@ -1,15 +1,15 @@
 #include "platform/linux/X11PanelWindowSystem.h"
 
 #include <QtGui/private/qtx11extras_p.h>
-#include <QtGui/qguiapplication_platform.h>
 #include <xcb/shape.h>
-#include <xcb/xcb.h>
 #include <QtGui/QGuiApplication>
+#include <QtGui/QScreen>
+#include <algorithm>
 #include <array>
-#include <cstring>
-#include <map>
-#include <string>
-#include <vector>
+
+#include "platform/linux/X11CardShape.h"
+#include "platform/linux/X11Display.h"
+#include "platform/linux/X11Struts.h"
 
 namespace quillmere {
 namespace {
@@ -18,89 +18,29 @@ namespace {
 constexpr uint32_t kAllDesktops = 0xFFFFFFFF;
 /// "Source indication" of a pager or task bar: window managers honour it where they refuse an application's own wish.
 constexpr uint32_t kSourcePager = 2;
+/// The bit of an event's type that says another client sent it.
+constexpr uint8_t kSent = 0x80;
+
+xcb_window_t identifier(const QWindow& window) {
+  return static_cast<xcb_window_t>(window.winId());
+}
 
 }  // namespace
 
-class X11PanelWindowSystem::Display {
- public:
-  Display(xcb_connection_t* connection, int screen) : connection_(connection) {
-    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
-    for (int i = 0; i < screen; ++i) xcb_screen_next(&screens);
-    root_ = screens.data->root;
-    compositorSelection_ = atom("_NET_WM_CM_S" + std::to_string(screen));
-  }
-
-  xcb_connection_t* connection() const { return connection_; }
-
-  xcb_atom_t atom(const std::string& name) {
-    const auto known = atoms_.find(name);
-    if (known != atoms_.end()) return known->second;
-    const auto cookie = xcb_intern_atom(connection_, 0, static_cast<uint16_t>(name.size()), name.c_str());
-    const auto reply = owned(xcb_intern_atom_reply(connection_, cookie, nullptr));
-    return atoms_[name] = reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
-  }
-
-  void setAtoms(xcb_window_t window, const char* property, const std::vector<const char*>& names) {
-    std::vector<xcb_atom_t> values;
-    for (const char* name : names) values.push_back(atom(name));
-    xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom(property), XCB_ATOM_ATOM, 32,
-                        static_cast<uint32_t>(values.size()), values.data());
-  }
-
-  void setNumber(xcb_window_t window, const char* property, uint32_t value) {
-    xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom(property), XCB_ATOM_CARDINAL, 32, 1, &value);
-  }
-
-  uint32_t rootWindowProperty(const char* property) {
-    const auto cookie = xcb_get_property(connection_, 0, root_, atom(property), XCB_ATOM_WINDOW, 0, 1);
-    const auto reply = owned(xcb_get_property_reply(connection_, cookie, nullptr));
-    if (!reply || xcb_get_property_value_length(reply.get()) < static_cast<int>(sizeof(uint32_t))) return 0;
-    uint32_t value = 0;
-    std::memcpy(&value, xcb_get_property_value(reply.get()), sizeof value);
-    return value;
-  }
-
-  void askWindowManager(xcb_window_t window, const char* message, const std::array<uint32_t, 5>& data) {
-    xcb_client_message_event_t event{};
-    event.response_type = XCB_CLIENT_MESSAGE;
-    event.format = 32;
-    event.window = window;
-    event.type = atom(message);
-    std::memcpy(event.data.data32, data.data(), sizeof event.data.data32);
-    xcb_send_event(connection_, 0, root_, XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                   reinterpret_cast<const char*>(&event));
-    xcb_flush(connection_);
-  }
-
-  bool hasCompositor() const {
-    const auto cookie = xcb_get_selection_owner(connection_, compositorSelection_);
-    const auto reply = owned(xcb_get_selection_owner_reply(connection_, cookie, nullptr));
-    return reply && reply->owner != XCB_WINDOW_NONE;
-  }
-
- private:
-  template <typename Reply>
-  static std::unique_ptr<Reply, decltype(&std::free)> owned(Reply* reply) {
-    return {reply, &std::free};
-  }
-
-  xcb_connection_t* connection_;
-  xcb_window_t root_ = XCB_WINDOW_NONE;
-  xcb_atom_t compositorSelection_ = XCB_ATOM_NONE;
-  std::map<std::string, xcb_atom_t> atoms_;
-};
-
-X11PanelWindowSystem::X11PanelWindowSystem() {
-  auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-  if (x11 && x11->connection()) display_ = std::make_unique<Display>(x11->connection(), QX11Info::appScreen());
+X11PanelWindowSystem::X11PanelWindowSystem() : display_(X11Display::ofApplication()) {
+  if (!display_) return;
+  companion_ = std::make_unique<X11FullScreenCompanion>(*display_);
+  isCompositing_ = display_->hasCompositor();
+  qGuiApp->installNativeEventFilter(this);
 }
 
 X11PanelWindowSystem::~X11PanelWindowSystem() = default;
 
 void X11PanelWindowSystem::prepare(QWindow& window) {
   if (!display_) return;
-  const auto id = static_cast<xcb_window_t>(window.winId());
-  // The first kind that a window manager knows counts; the first lies over full-screen windows.
+  const xcb_window_t id = identifier(window);
+  // The first kind that a window manager knows counts. The first lies over full-screen windows, and calls for no one's
+  // attention, as a utility window without the keyboard does in some task bars.
   display_->setAtoms(id, "_NET_WM_WINDOW_TYPE",
                      {"_KDE_NET_WM_WINDOW_TYPE_CRITICAL_NOTIFICATION", "_NET_WM_WINDOW_TYPE_NOTIFICATION",
                       "_NET_WM_WINDOW_TYPE_UTILITY", "_NET_WM_WINDOW_TYPE_NORMAL"});
@@ -112,35 +52,102 @@ void X11PanelWindowSystem::prepare(QWindow& window) {
 
 void X11PanelWindowSystem::finish(QWindow& window) {
   if (!display_) return;
+  panel_ = &window;
   // For the window managers that read the property only of windows that belong to no other.
-  display_->askWindowManager(static_cast<xcb_window_t>(window.winId()), "_NET_WM_DESKTOP",
-                             {kAllDesktops, kSourcePager, 0, 0, 0});
+  display_->askWindowManager(identifier(window), "_NET_WM_DESKTOP", {kAllDesktops, kSourcePager, 0, 0, 0});
+  companion_->begin(identifier(window));
+  available_ = availableGeometries();
 }
 
 void X11PanelWindowSystem::setClickableArea(QWindow& window, const QRect& area) {
   if (!display_) return;
-  const qreal scale = window.devicePixelRatio();
-  const auto device = [scale](int points) { return qRound(points * scale); };
-  const xcb_rectangle_t rectangle{static_cast<int16_t>(device(area.x())), static_cast<int16_t>(device(area.y())),
-                                  static_cast<uint16_t>(device(area.width())),
-                                  static_cast<uint16_t>(device(area.height()))};
-  xcb_shape_rectangles(display_->connection(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED,
-                       static_cast<xcb_window_t>(window.winId()), 0, 0, 1, &rectangle);
-  xcb_flush(display_->connection());
+  panel_ = &window;
+  card_ = area;
+  outline();
+}
+
+/// Clicks reach the card alone, and without a compositor there is nothing but the card: what is translucent would be
+/// black. Both shapes stay with the window while it is hidden.
+void X11PanelWindowSystem::outline() {
+  if (!panel_ || card_.isEmpty()) return;
+  xcb_connection_t* connection = display_->connection();
+  const qreal scale = panel_->devicePixelRatio();
+  const QRect area = X11CardShape::pixels(card_, scale);
+  const xcb_rectangle_t clickable{static_cast<int16_t>(area.x()), static_cast<int16_t>(area.y()),
+                                  static_cast<uint16_t>(area.width()), static_cast<uint16_t>(area.height())};
+  xcb_shape_rectangles(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED,
+                       identifier(*panel_), 0, 0, 1, &clickable);
+  if (isCompositing_) {
+    xcb_shape_mask(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, identifier(*panel_), 0, 0, XCB_NONE);
+  } else {
+    const auto lines = X11CardShape::lines(card_, scale);
+    xcb_shape_rectangles(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, XCB_CLIP_ORDERING_UNSORTED,
+                         identifier(*panel_), 0, 0, static_cast<uint32_t>(lines.size()), lines.data());
+  }
+  xcb_flush(connection);
 }
 
 bool X11PanelWindowSystem::isCompositing() const {
-  return !display_ || display_->hasCompositor();
+  return isCompositing_;
 }
 
 quintptr X11PanelWindowSystem::activeWindow() const {
-  return display_ ? display_->rootWindowProperty("_NET_ACTIVE_WINDOW") : 0;
+  return display_ ? display_->number(display_->root(), "_NET_ACTIVE_WINDOW") : 0;
 }
 
 void X11PanelWindowSystem::activate(quintptr window) {
   if (!display_ || window == 0) return;
   display_->askWindowManager(static_cast<xcb_window_t>(window), "_NET_ACTIVE_WINDOW",
                              {kSourcePager, static_cast<uint32_t>(QX11Info::getTimestamp()), 0, 0, 0});
+}
+
+QRect X11PanelWindowSystem::availableGeometry(const QScreen& screen) const {
+  return display_ ? X11Struts::availableGeometry(*display_, screen) : screen.availableGeometry();
+}
+
+bool X11PanelWindowSystem::nativeEventFilter(const QByteArray&, void* message, qintptr*) {
+  const auto* event = static_cast<const xcb_generic_event_t*>(message);
+  const uint8_t kind = event->response_type & ~kSent;
+  if (kind == XCB_PROPERTY_NOTIFY) {
+    hear(*static_cast<const xcb_property_notify_event_t*>(message));
+  } else if (kind == display_->selectionEvent() && display_->hasCompositor() != isCompositing_) {
+    isCompositing_ = !isCompositing_;
+    outline();
+    compositingChanged();
+  }
+  return false;
+}
+
+void X11PanelWindowSystem::hear(const xcb_property_notify_event_t& event) {
+  if (!panel_ || !panel_->isVisible()) return;
+  if (event.window == identifier(*panel_)) {
+    if (event.atom == display_->atom("WM_STATE")) companion_->stayShown(event.window);
+    return;
+  }
+  if (event.window != display_->root()) return;
+  constexpr std::array kTelling{"_NET_CLIENT_LIST_STACKING", "_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST", "_NET_WORKAREA"};
+  const bool isTelling =
+      std::any_of(kTelling.begin(), kTelling.end(), [&](auto* name) { return event.atom == display_->atom(name); });
+  // Window managers write several of these at nearly every change; one look afterwards is enough.
+  if (!isTelling || std::exchange(isLookPosted_, true)) return;
+  QMetaObject::invokeMethod(
+      &context_, [this] { look(); }, Qt::QueuedConnection);
+}
+
+void X11PanelWindowSystem::look() {
+  isLookPosted_ = false;
+  if (!panel_ || !panel_->isVisible()) return;
+  companion_->follow(identifier(*panel_));
+  auto available = availableGeometries();
+  if (available == available_) return;
+  available_ = std::move(available);
+  availableGeometryChanged();
+}
+
+std::vector<QRect> X11PanelWindowSystem::availableGeometries() const {
+  std::vector<QRect> result;
+  for (const QScreen* screen : QGuiApplication::screens()) result.push_back(availableGeometry(*screen));
+  return result;
 }
 
 }  // namespace quillmere

@@ -1,0 +1,54 @@
+#include "controls/PictureMimeData.h"
+
+#include <QtCore/QBuffer>
+#include <QtCore/QFile>
+#include <QtCore/QUrl>
+#include <QtGui/QImage>
+#include <QtGui/QImageReader>
+
+namespace quillmere {
+namespace {
+
+const QString kPng = QStringLiteral("image/png");
+const QString kUriList = QStringLiteral("text/uri-list");
+/// "copy", a line feed and the file; without it some file managers paste nothing.
+const QString kGnomeFiles = QStringLiteral("x-special/gnome-copied-files");
+/// "0" for a copy, "1" for a cut.
+const QString kKdeCut = QStringLiteral("application/x-kde-cutselection");
+
+}  // namespace
+
+PictureMimeData::PictureMimeData(std::optional<FileURL> file, QString contentType, std::optional<QByteArray> data)
+    : file_(std::move(file)), contentType_(std::move(contentType)), data_(std::move(data)) {}
+
+QStringList PictureMimeData::formats() const {
+  QStringList formats{contentType_};
+  const bool canBeRead = QImageReader::supportedMimeTypes().contains(contentType_.toLatin1());
+  if (contentType_ != kPng && canBeRead) formats << kPng;
+  if (file_) formats << kUriList << kGnomeFiles << kKdeCut;
+  return formats;
+}
+
+QVariant PictureMimeData::retrieveData(const QString& format, QMetaType) const {
+  if (format == contentType_) return bytes();
+  if (format == kPng) {
+    QByteArray png;
+    QBuffer buffer(&png);
+    QImage::fromData(bytes()).save(&buffer, "PNG");
+    return png;
+  }
+  if (!file_) return {};
+  const QByteArray coded = QByteArray::fromStdString(file_->coded());
+  if (format == kUriList) return coded + "\r\n";
+  if (format == kGnomeFiles) return QByteArray("copy\n" + coded);
+  if (format == kKdeCut) return QByteArray("0");
+  return {};
+}
+
+QByteArray PictureMimeData::bytes() const {
+  if (data_ || !file_) return data_.value_or(QByteArray());
+  QFile file(QFile::decodeName(file_->path().c_str()));
+  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+}  // namespace quillmere

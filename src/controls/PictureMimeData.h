@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QtCore/QMimeData>
+#include <memory>
+#include <optional>
+
+#include "foundation/FileURL.h"
+
+namespace quillmere {
+
+/// A picture as other applications take it: its own bytes under its content type, never encoded anew, and its file in
+/// the forms of file managers. PNG is offered too where the picture is of another type that Qt reads, and made when it
+/// is asked for.
+class PictureMimeData final : public QMimeData {
+ public:
+  /// Bytes that are not given are read from the file when they are asked for.
+  PictureMimeData(std::optional<FileURL> file, QString contentType, std::optional<QByteArray> data);
+
+  bool hasFormat(const QString& format) const override { return formats().contains(format); }
+  QStringList formats() const override;
+
+ protected:
+  QVariant retrieveData(const QString& format, QMetaType type) const override;
+
+ private:
+  QByteArray bytes() const;
+  std::optional<FileURL> file_;
+  QString contentType_;
+  std::optional<QByteArray> data_;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,97 @@
+#include "model/ScreenshotTransfer.h"
+
+#include <QtCore/QMimeDatabase>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+
+#include "imaging/ImageFile.h"
+#include "records/ScreenshotNaming.h"
+#include "records/UUID.h"
+
+namespace quillmere {
+namespace {
+
+using ImageOperations::Failure;
+using ImageOperations::ImageType;
+using ImageOperations::OperationError;
+namespace fs = std::filesystem;
+
+constexpr auto kPng = "image/png";
+constexpr std::chrono::hours kKept(24);
+
+std::error_code writeFile(const fs::path& path, const QByteArray& data) {
+  errno = 0;
+  std::ofstream file(path, std::ios::binary | std::ios::trunc);
+  file.write(data.constData(), data.size());
+  file.close();
+  return file ? std::error_code() : std::error_code(errno != 0 ? errno : EIO, std::generic_category());
+}
+
+}  // namespace
+
+QString imageContentType(const FileURL& url) {
+  const QString name = QStringLiteral("x.") + QString::fromStdString(url.pathExtension());
+  const QString type = QMimeDatabase().mimeTypeForFile(name, QMimeDatabase::MatchExtension).name();
+  return type.startsWith(QLatin1String("image/")) ? type : QString::fromLatin1(kPng);
+}
+
+std::string transferName(const std::optional<QString>& suggestedName, const FileURL& url, bool isCropped) {
+  const auto cleaned = suggestedName ? sanitizedFileStem(*suggestedName) : std::nullopt;
+  const std::string stem = cleaned ? cleaned->toStdString() : url.stem();
+  const std::string extension = isCropped ? "png" : url.pathExtension();
+  return extension.empty() ? stem : stem + "." + extension;
+}
+
+QString PromptPreviewTransfer::contentType() const {
+  return crop ? QString::fromLatin1(kPng) : imageContentType(url);
+}
+
+Result<QByteArray, Failure> PromptPreviewTransfer::data() const {
+  if (!crop) {
+    const auto bytes = ImageFile::bytesOf(url);
+    if (!bytes) return Failure(OperationError::unreadable);
+    return QByteArray(bytes->data(), static_cast<qsizetype>(bytes->size()));
+  }
+  const auto cropped = ImageOperations::crop(crop->image, crop->rect);
+  if (!cropped) return Failure(cropped.reason());
+  const auto encoded = ImageOperations::encode(*cropped, ImageType::png);
+  if (!encoded) return Failure(encoded.reason());
+  return *encoded;
+}
+
+Result<FileURL, Failure> TransferFiles::file(const PromptPreviewTransfer& transfer) const {
+  if (transfer.isFile()) return transfer.url;
+  removeOld();
+  std::error_code error;
+  fs::create_directories(folder_.path(), error);
+  const FileURL own = folder_.appending(UUID::createUuid().toString(QUuid::WithoutBraces).toStdString());
+  if (!error) fs::create_directory(own.path(), error);
+  // Screenshots are nobody else's business.
+  if (!error) fs::permissions(own.path(), fs::perms::owner_all, error);
+  if (error) return Failure(error);
+  FileURL place = own.appending(transfer.filename);
+  if (transfer.crop) {
+    const auto bytes = transfer.data();
+    if (!bytes) return bytes.reason();
+    error = writeFile(place.path(), *bytes);
+  } else {
+    fs::copy_file(transfer.url.path(), place.path(), error);
+  }
+  if (!error) return place;
+  std::error_code ignored;
+  fs::remove_all(own.path(), ignored);
+  return Failure(error);
+}
+
+void TransferFiles::removeOld() const {
+  std::error_code error;
+  const auto now = fs::file_time_type::clock::now();
+  for (fs::directory_iterator entry(folder_.path(), error), end; !error && entry != end; entry.increment(error)) {
+    std::error_code ignored;
+    const auto written = fs::last_write_time(entry->path(), ignored);
+    if (!ignored && now - written > kKept) fs::remove_all(entry->path(), ignored);
+  }
+}
+
+}  // namespace quillmere

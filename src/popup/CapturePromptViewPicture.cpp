@@ -1,0 +1,130 @@
+// What the card does with the picture that it shows.
+
+#include <QtGui/QDrag>
+#include <QtGui/QGuiApplication>
+#include <QtGui/QIcon>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QMenu>
+
+#include "controls/PictureMimeData.h"
+#include "foundation/Localized.h"
+#include "popup/CapturePromptView.h"
+#include "popup/PromptDetails.h"
+#include "popup/PromptPreview.h"
+#include "popup/PromptPreviewActions.h"
+#include "popup/PromptPreviewNoticeView.h"
+#include "popup/PromptTextActions.h"
+
+namespace quillmere {
+namespace {
+
+QIcon iconOf(const ShareTarget& target) {
+  return target.icon.startsWith(QLatin1Char('/')) ? QIcon(target.icon) : QIcon::fromTheme(target.icon);
+}
+
+/// While it lives the record's file stays where it is, and its popup does not time out.
+class Protection {
+ public:
+  Protection(AppModel& model, const UUID& id) : model_(model), id_(id) { model_.protect(id_); }
+  ~Protection() { model_.unprotect(id_); }
+  Protection(const Protection&) = delete;
+  Protection& operator=(const Protection&) = delete;
+
+ private:
+  AppModel& model_;
+  UUID id_;
+};
+
+/// The target that the person chooses; none when the menu is closed without a choice.
+std::optional<QString> chooseTarget(AppModel& model, const UUID& id, const std::vector<ShareTarget>& targets,
+                                    QWidget& anchor) {
+  const Protection protection(model, id);
+  QMenu menu(&anchor);
+  for (const ShareTarget& target : targets) {
+    menu.addAction(iconOf(target), target.name)->setData(target.id);
+  }
+  if (targets.empty()) menu.addAction(localized("No app on this computer takes pictures"))->setEnabled(false);
+  const QAction* chosen = menu.exec(anchor.mapToGlobal(QPoint(0, anchor.height() + 4)));
+  return chosen && chosen->data().isValid() ? std::optional(chosen->data().toString()) : std::nullopt;
+}
+
+}  // namespace
+
+// --- Extract Window ---
+
+void CapturePromptView::toggleExtraction() {
+  runGated([this] { extract(lifetime_.weak(this), !content_->windowExtraction).detach(); });
+}
+
+Task<> CapturePromptView::extract(Weak<CapturePromptView> self, bool isOn) {
+  const UUID id = self->content_->item.id;
+  const auto extraction = self->model_.setPromptWindowExtraction(self->content_->item, isOn);
+  const auto notice = co_await extraction;
+  if (self && self->isShown(id)) self->tell(notice);
+}
+
+// --- Copy Text ---
+
+void CapturePromptView::copyText() {
+  if (isCopyingText_) return;
+  runGated([this] { copyText(lifetime_.weak(this)).detach(); });
+}
+
+Task<> CapturePromptView::copyText(Weak<CapturePromptView> self) {
+  const UUID id = self->content_->item.id;
+  self->setCopyingText(true);
+  const auto copying = self->model_.copyRecognizedText(self->content_->item);
+  const auto notice = co_await copying;
+  if (!self || !self->isShown(id)) co_return;
+  self->setCopyingText(false);
+  self->tell(notice);
+}
+
+void CapturePromptView::setCopyingText(bool isCopying) {
+  isCopyingText_ = isCopying;
+  preview_->actions().setCopyingText(isCopying);
+  textActions_->setCopyingText(isCopying);
+}
+
+void CapturePromptView::tell(std::optional<PromptPreviewNotice> notice) {
+  if (notice) noticeView().show(*notice);
+}
+
+PromptPreviewNoticeView& CapturePromptView::noticeView() const {
+  return content_->showThumbnail ? preview_->notice() : *noticeRow_;
+}
+
+// --- Share and drag ---
+
+Task<> CapturePromptView::share(Weak<CapturePromptView> self, QWidget* anchor) {
+  const ScreenshotItem item = self->content_->item;
+  const bool isCropped = self->content_->shownPart().has_value();
+  const QString type = isCropped ? QStringLiteral("image/png") : imageContentType(item.url);
+  const auto asking = self->services_.sharing->targets(type);
+  const auto targets = co_await asking;
+  if (!self || !self->isShown(item.id)) co_return;
+  const auto target = chooseTarget(self->model_, item.id, targets, *anchor);
+  if (!target || !self || !self->isShown(item.id)) co_return;
+  const auto preparing = self->model_.prepareTransfer(self->content_->item, self->newName());
+  const auto prepared = co_await preparing;
+  if (!self || !prepared) co_return;
+  self->services_.sharing->share(*prepared, *target).detach();
+}
+
+/// The file is made ready first, which takes a moment for one under another name.
+Task<> CapturePromptView::drag(Weak<CapturePromptView> self) {
+  const UUID id = self->content_->item.id;
+  const auto preparing = self->model_.prepareTransfer(self->content_->item, self->newName());
+  const auto prepared = co_await preparing;
+  if (!self || !prepared || !self->isShown(id)) co_return;
+  if (!QGuiApplication::mouseButtons().testFlag(Qt::LeftButton)) co_return;
+  const Protection protection(self->model_, id);
+  auto* drag = new QDrag(self.get());
+  drag->setMimeData(new PictureMimeData(prepared->file, prepared->contentType, std::nullopt));
+  const QPixmap picture = self->preview_->dragPicture();
+  drag->setPixmap(picture);
+  drag->setHotSpot(QRectF(QPointF(), picture.deviceIndependentSize()).center().toPoint());
+  drag->exec(Qt::CopyAction);
+}
+
+}  // namespace quillmere

@@ -1,0 +1,37 @@
+#include "popup/PreviewSizes.h"
+
+#include "imaging/ImageFile.h"
+
+namespace quillmere {
+namespace {
+
+constexpr size_t kMostSizes = 32;
+
+}  // namespace
+
+PreviewSizes::PreviewSizes(Executor& executor, std::function<bool(const FileURL&)> isDataless)
+    : executor_(executor), isDataless_(std::move(isDataless)) {}
+
+std::optional<QSizeF> PreviewSizes::size(const ScreenshotItem& item) {
+  const MeasuredImage image{item.url, item.fileIdentity};
+  const auto known = sizes_.find(image);
+  if (known != sizes_.end()) return known->second;
+  if (sought_.insert(image).second) find(lifetime_.weak(this), image).detach();
+  return std::nullopt;
+}
+
+Task<> PreviewSizes::find(Weak<PreviewSizes> self, MeasuredImage image) {
+  const std::function<std::optional<QSize>()> work = [url = image.url, isDataless = self->isDataless_] {
+    return isDataless(url) ? std::nullopt : ImageFile::pixelSize(url);
+  };
+  const auto size = co_await self->executor_.background(work);
+  if (!self) co_return;
+  // What could not be read now may be readable at the next look.
+  self->sought_.erase(image);
+  if (!size) co_return;
+  if (self->sizes_.size() > kMostSizes) self->sizes_.clear();
+  self->sizes_.emplace(image, *size);
+  if (self->onFound) self->onFound();
+}
+
+}  // namespace quillmere

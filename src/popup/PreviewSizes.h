@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QtCore/QSizeF>
+#include <functional>
+#include <optional>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "foundation/Executor.h"
+#include "foundation/Weak.h"
+#include "records/ScreenshotItem.h"
+
+namespace quillmere {
+
+/// The pixel sizes of screenshots, for the height of their previews. They are read from the files' headers in the
+/// background, so that a file on a slow disk holds nothing up; until then they are unknown. An evicted file is never
+/// read.
+class PreviewSizes {
+ public:
+  /// `isDataless` is called on any thread.
+  PreviewSizes(Executor& executor, std::function<bool(const FileURL&)> isDataless);
+
+  /// Unknown sizes are being looked for from now on.
+  std::optional<QSizeF> size(const ScreenshotItem& item);
+  /// A size that had been unknown is known.
+  std::function<void()> onFound;
+
+ private:
+  /// By identity too, so that a replaced file of the same name is measured afresh.
+  struct MeasuredImage {
+    FileURL url;
+    std::optional<FileIdentity> identity;
+    bool operator==(const MeasuredImage&) const = default;
+  };
+  struct Hash {
+    size_t operator()(const MeasuredImage& image) const { return std::hash<FileURL>{}(image.url); }
+  };
+  static Task<> find(Weak<PreviewSizes> self, MeasuredImage image);
+
+  Executor& executor_;
+  std::function<bool(const FileURL&)> isDataless_;
+  std::unordered_map<MeasuredImage, QSizeF, Hash> sizes_;
+  std::unordered_set<MeasuredImage, Hash> sought_;
+  Lifetime lifetime_;
+};
+
+}  // namespace quillmere

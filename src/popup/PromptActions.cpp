@@ -1,0 +1,79 @@
+#include "popup/PromptActions.h"
+
+#include <QtWidgets/QVBoxLayout>
+
+#include "controls/ActionButton.h"
+#include "foundation/Localized.h"
+#include "popup/AdaptiveActionRow.h"
+#include "popup/DurationPicker.h"
+
+namespace quillmere {
+
+PromptActions::PromptActions(QWidget* parent) : QWidget(parent) {
+  using Role = ActionButton::Role;
+  using Distribution = AdaptiveActionRow::Distribution;
+  temporary_ = new ActionButton(Role::primary, QStringLiteral("clock"), localized("Temporary"), this);
+  temporary_->setToolTip(localized("Keep for the selected time, then move to Trash"));
+  keep_ = new ActionButton(Role::secondary, QStringLiteral("checkmark"), localized("Keep"), this);
+  keep_->setToolTip(localized("Keep this screenshot without a deletion timer"));
+  copy_ = new ActionButton(Role::secondary, QStringLiteral("document.on.document"), localized("Copy"), this);
+  copy_->setToolTip(localized("Copy this screenshot so it can be pasted into another app or into Finder"));
+  durationPicker_ = new DurationPicker(this);
+  trash_ = new ActionButton(Role::destructive, QStringLiteral("trash"), localized("Move to Trash"), this);
+  connect(temporary_, &QPushButton::clicked, this, [this] { onTemporary(); });
+  connect(keep_, &QPushButton::clicked, this, [this] { onKeep(); });
+  connect(copy_, &QPushButton::clicked, this, [this] { onCopy(); });
+  connect(trash_, &QPushButton::clicked, this, [this] { onTrash(); });
+  connect(durationPicker_, &QComboBox::currentIndexChanged, this, [this] { refreshHint(); });
+
+  auto* decisions = new AdaptiveActionRow(Distribution::equalWidths);
+  for (QWidget* button : {temporary_, keep_, copy_}) decisions->addWidget(button);
+  auto* others = new AdaptiveActionRow(Distribution::leadingAndTrailing);
+  others->addWidget(durationPicker_);
+  others->addWidget(trash_);
+  auto* rows = new QVBoxLayout(this);
+  rows->setContentsMargins(0, 0, 0, 0);
+  rows->setSpacing(AdaptiveActionRow::kSpacing);
+  rows->addLayout(decisions);
+  rows->addLayout(others);
+}
+
+void PromptActions::show(const CapturePromptContent& content) {
+  const bool canDecide = !content.windowExtraction || !PromptWindowExtraction::isBusy(*content.windowExtraction);
+  for (ActionButton* button : {temporary_, keep_, copy_}) button->setEnabled(canDecide);
+  trash_->setEnabled(!content.isSaving());
+  trash_->setText(content.deletesChosen ? localized("Delete") : localized("Move to Trash"));
+  trash_->setToolTip(content.deletesChosen ? localized("Delete this screenshot’s file")
+                                           : localized("Move this screenshot to Trash"));
+  trash_->setAccessibleDescription(
+      content.deletesChosen
+          ? localized("Deletes only this image, asking first. It can’t be recovered.")
+          : localized("Moves only this image to Trash, without asking. You can restore it from Trash in Finder."));
+  refreshHint();
+}
+
+void PromptActions::refreshHint() {
+  temporary_->setAccessibleDescription(temporaryHint(duration()));
+}
+
+TemporaryDuration PromptActions::duration() const {
+  return durationPicker_->duration();
+}
+
+void PromptActions::setDuration(TemporaryDuration duration) {
+  durationPicker_->setDuration(duration);
+}
+
+bool PromptActions::canDecide() const {
+  return temporary_->isEnabled();
+}
+
+QWidget* PromptActions::mainButton() const {
+  return temporary_;
+}
+
+std::vector<QWidget*> PromptActions::controls() const {
+  return {temporary_, keep_, copy_, durationPicker_, trash_};
+}
+
+}  // namespace quillmere

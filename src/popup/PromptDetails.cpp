@@ -1,0 +1,77 @@
+#include "popup/PromptDetails.h"
+
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QVBoxLayout>
+
+#include "controls/AccessibleRole.h"
+#include "controls/AnalysisStatusRow.h"
+#include "controls/ThemedLabel.h"
+#include "popup/PromptFilenameField.h"
+
+namespace quillmere {
+namespace {
+
+constexpr int kBlockSpacing = 12;
+constexpr int kCaptionSpacing = 4;
+constexpr int kExtensionSpacing = 6;
+
+}  // namespace
+
+PromptDetails::PromptDetails(QWidget* parent) : QWidget(parent), analysis_(new AnalysisStatusRow(this)) {
+  analysis_->onAnalyze = [this] { onAnalyze(); };
+  auto* rows = new QVBoxLayout(this);
+  rows->setContentsMargins(0, 0, 0, 0);
+  rows->setSpacing(kBlockSpacing);
+  rows->addWidget(analysis_);
+  rows->addWidget(makeNameBlock());
+}
+
+QWidget* PromptDetails::makeNameBlock() {
+  auto* block = new QWidget(this);
+  caption_ = new ThemedLabel(Ink::secondary, block);
+  caption_->setFont(scaled(font(), 0.9));
+  nameField_ = new PromptFilenameField(block);
+  extension_ = new ThemedLabel(Ink::secondary, block);
+  // Whoever hears the name hears the field; the extension can't be changed.
+  setAccessibleRole(*extension_, QAccessible::NoRole);
+  connect(nameField_, &QLineEdit::textChanged, this, [this] {
+    refreshCaption();
+    onNameChanged();
+  });
+
+  auto* field = new QHBoxLayout;
+  field->setSpacing(kExtensionSpacing);
+  field->addWidget(nameField_, 1);
+  field->addWidget(extension_);
+  auto* column = new QVBoxLayout(block);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(kCaptionSpacing);
+  column->addWidget(caption_);
+  column->addLayout(field);
+  return block;
+}
+
+void PromptDetails::show(const CapturePromptContent& content) {
+  const AnalysisStatus status = analysisStatus(content.item, content.isAnalyzing, content.availability);
+  analysis_->show(status.text, status.isFailure, status.offersAnalysis);
+  const std::string extension = content.item.url.pathExtension();
+  extension_->setVisible(!extension.empty());
+  extension_->setText(QLatin1Char('.') + QString::fromStdString(extension));
+  refreshCaption();
+}
+
+void PromptDetails::refreshCaption() {
+  const QString caption = nameCaption(nameField_->text());
+  caption_->setText(caption_->fontMetrics().elidedText(caption, Qt::ElideRight, kPreviewWidth));
+  caption_->setAccessibleName(caption);
+}
+
+QLineEdit& PromptDetails::nameField() const {
+  return *nameField_;
+}
+
+QWidget* PromptDetails::analysisControl() const {
+  return analysis_->control();
+}
+
+}  // namespace quillmere

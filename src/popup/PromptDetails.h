@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QtWidgets/QWidget>
+#include <functional>
+
+#include "popup/CapturePromptContent.h"
+
+class QLineEdit;
+
+namespace quillmere {
+
+class AnalysisStatusRow;
+class PromptFilenameField;
+class ThemedLabel;
+
+/// What the screenshot shows, in words, and the name that it is to have.
+class PromptDetails final : public QWidget {
+ public:
+  explicit PromptDetails(QWidget* parent);
+
+  void show(const CapturePromptContent& content);
+  QLineEdit& nameField() const;
+  QWidget* analysisControl() const;
+
+  std::function<void()> onAnalyze;
+  std::function<void()> onNameChanged;
+
+ private:
+  QWidget* makeNameBlock();
+  void refreshCaption();
+
+  AnalysisStatusRow* analysis_;
+  ThemedLabel* caption_ = nullptr;
+  PromptFilenameField* nameField_ = nullptr;
+  ThemedLabel* extension_ = nullptr;
+};
+
+}  // namespace quillmere

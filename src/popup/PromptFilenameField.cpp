@@ -1,0 +1,63 @@
+#include "popup/PromptFilenameField.h"
+
+#include <QtCore/QEvent>
+#include <QtGui/QPainter>
+
+#include "controls/Theme.h"
+#include "foundation/Localized.h"
+
+namespace quillmere {
+namespace {
+
+constexpr int kHeight = 36;
+constexpr int kPadding = 8;
+constexpr qreal kRadius = 9;
+
+}  // namespace
+
+PromptFilenameField::PromptFilenameField(QWidget* parent) : QLineEdit(parent) {
+  setFrame(false);
+  setTextMargins(kPadding, 0, kPadding, 0);
+  setFixedHeight(kHeight);
+  setFocusPolicy(Qt::StrongFocus);
+  setAccessibleName(localized("Filename"));
+  setAccessibleDescription(localized(
+      "Return saves this screenshot as Temporary with this name. Escape puts back the name it started with."));
+  setToolTip(localized("Rename this screenshot. Keep and Temporary save it with this name."));
+  followTheme();
+}
+
+QSize PromptFilenameField::sizeHint() const {
+  return {QLineEdit::sizeHint().width(), kHeight};
+}
+
+void PromptFilenameField::followTheme() {
+  const QColor text = Theme(palette()).text;
+  QPalette own = palette();
+  // Setting a palette is itself a change of it.
+  if (own.color(QPalette::Base).alpha() == 0 && own.color(QPalette::Text) == text) return;
+  own.setColor(QPalette::Base, Qt::transparent);
+  own.setColor(QPalette::Text, text);
+  setPalette(own);
+}
+
+void PromptFilenameField::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::PaletteChange) followTheme();
+  QLineEdit::changeEvent(event);
+}
+
+void PromptFilenameField::paintEvent(QPaintEvent* event) {
+  const Theme theme(palette());
+  {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const qreal line = hasFocus() ? 2 : 1;
+    painter.setPen(QPen(hasFocus() ? theme.focusRing : theme.fieldBorder, line));
+    painter.setBrush(theme.field);
+    const qreal inset = line / 2;
+    painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), kRadius, kRadius);
+  }
+  QLineEdit::paintEvent(event);
+}
+
+}  // namespace quillmere

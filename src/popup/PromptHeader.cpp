@@ -1,0 +1,59 @@
+#include "popup/PromptHeader.h"
+
+#include <QtWidgets/QHBoxLayout>
+#include <algorithm>
+
+#include "controls/AccessibleRole.h"
+#include "controls/ActionButton.h"
+#include "controls/ThemedLabel.h"
+#include "foundation/Localized.h"
+
+namespace quillmere {
+namespace {
+
+/// The width of a text whose digits all are as wide as the widest: a count that goes down must not make it tremble.
+int widthWithEvenDigits(const QString& text, const QFontMetrics& metrics) {
+  int widest = 0;
+  for (char digit = '0'; digit <= '9'; ++digit) {
+    widest = std::max(widest, metrics.horizontalAdvance(QLatin1Char(digit)));
+  }
+  int width = 0;
+  for (const QChar character : text) width += character.isDigit() ? widest : metrics.horizontalAdvance(character);
+  return width;
+}
+
+}  // namespace
+
+PromptHeader::PromptHeader(QWidget* parent)
+    : QWidget(parent),
+      queueCount_(new ThemedLabel(Ink::secondary, this)),
+      closeButton_(new ActionButton(ActionButton::Role::icon, QStringLiteral("xmark"), {}, this)) {
+  auto* title = new ThemedLabel(Ink::text, this, localized("Screenshot Captured"));
+  title->setFont(scaled(font(), 1.1, QFont::DemiBold));
+  setAccessibleRole(*title, QAccessible::Heading);
+  closeButton_->setAccessibleName(localized("Dismiss Screenshot Popup"));
+  closeButton_->setToolTip(localized("Dismiss. The screenshot stays in the Inbox."));
+  connect(closeButton_, &QPushButton::clicked, this, [this] { onClose(); });
+
+  auto* row = new QHBoxLayout(this);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->setSpacing(8);
+  row->addWidget(title);
+  row->addWidget(queueCount_);
+  row->addStretch();
+  row->addWidget(closeButton_);
+}
+
+void PromptHeader::show(int queuedCount) {
+  queueCount_->setVisible(queuedCount > 0);
+  const QString text = localized("%lld more", {queuedCount});
+  queueCount_->setText(text);
+  queueCount_->setMinimumWidth(widthWithEvenDigits(text, queueCount_->fontMetrics()));
+  queueCount_->setAccessibleName(localized("%lld more screenshots waiting", {queuedCount}));
+}
+
+QWidget* PromptHeader::closeButton() const {
+  return closeButton_;
+}
+
+}  // namespace quillmere

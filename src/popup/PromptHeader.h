@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QtWidgets/QWidget>
+#include <functional>
+
+namespace quillmere {
+
+class ActionButton;
+class ThemedLabel;
+
+/// The card's first row: what it is about, how many more wait, and the way out.
+class PromptHeader final : public QWidget {
+ public:
+  explicit PromptHeader(QWidget* parent);
+
+  void show(int queuedCount);
+  std::function<void()> onClose;
+  QWidget* closeButton() const;
+
+ private:
+  ThemedLabel* queueCount_;
+  ActionButton* closeButton_;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QtWidgets/QWidget>
+#include <functional>
+
+#include "imaging/ThumbnailLoader.h"
+#include "popup/CapturePromptContent.h"
+
+namespace quillmere {
+
+class PromptPreviewActions;
+class PromptPreviewNoticeView;
+class PromptThumbnail;
+
+/// The picture on the card, with what can be done with it and what is to be told of it. It can be dragged out.
+class PromptPreview final : public QWidget {
+ public:
+  PromptPreview(Executor& executor, ThumbnailLoader& thumbnails, QWidget* parent);
+
+  void show(const CapturePromptContent& content);
+  PromptPreviewActions& actions() const { return *actions_; }
+  PromptPreviewNoticeView& notice() const { return *notice_; }
+  /// The person has begun to drag the picture; the button is still down.
+  std::function<void()> onDragBegun;
+  /// The picture as it is shown, to be dragged along; null while there is none.
+  QPixmap dragPicture() const;
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+
+ private:
+  void placeOverlays();
+  PromptThumbnail* thumbnail_;
+  PromptPreviewActions* actions_;
+  PromptPreviewNoticeView* notice_;
+  std::optional<QPoint> pressedAt_;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,321 @@
+#include "imaging/ImageOperations.h"
+#include "model/ModelFixture.h"
+
+namespace quillmere::testing {
+namespace {
+
+using ImageOperations::OperationError;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Extraction = PromptWindowExtraction;
+using Notice = PromptPreviewNotice;
+
+const QRectF kWindow(10, 20, 30, 40);
+constexpr const char* kWhole = "Showing the whole screenshot.";
+constexpr const char* kExtracted =
+    "Showing the extracted window. Keep, Temporary, Copy, and Share use the window instead of the whole screenshot.";
+
+class AppModelExtraction : public ModelFixture {
+ protected:
+  void SetUp() override { launchWatching(); }
+
+  static QImage picture() {
+    QImage image(100, 80, QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y) {
+      for (int x = 0; x < image.width(); ++x) image.setPixel(x, y, qRgb(2 * x, 3 * y, 7));
+    }
+    return image;
+  }
+  UUID arrivePicture(std::string_view name) {
+    const FileURL url = shots.appending(name);
+    const auto data = ImageOperations::encode(picture(), ImageOperations::imageType(url));
+    EXPECT_TRUE(data);
+    writeFile(url, data->toStdString());
+    monitor.onScreenshot(url);
+    return model->items()[0].id;
+  }
+  /// A screenshot with its window extracted.
+  UUID arriveExtracted(std::string_view name) {
+    const UUID id = arrivePicture(name);
+    turnOn(id).detach();
+    scanner.answer(scanner.calls.size() - 1, picture(), kWindow);
+    EXPECT_EQ(phase(), Extraction::Phase(Extraction::Extracted{kWindow}));
+    return id;
+  }
+  Task<std::optional<Notice>> turnOn(const UUID& id) { return model->setPromptWindowExtraction(item(id), true); }
+  std::optional<Extraction::Phase> phase() const {
+    const auto& extraction = *model->promptWindowExtraction;
+    return extraction ? std::optional(extraction->phase) : std::nullopt;
+  }
+  static QSize sizeOf(const FileURL& url) {
+    const auto image = ImageOperations::loadImage(url);
+    return image ? image->size() : QSize();
+  }
+};
+
+TEST_F(AppModelExtraction, FindsTheWindowOfAScreenshot) {
+  const UUID id = arrivePicture("shot.png");
+  const auto toggle = turnOn(id);
+  EXPECT_EQ(phase(), Extraction::Phase(Extraction::Detecting{}));
+  EXPECT_EQ((*model->promptWindowExtraction)->itemID, id);
+  ASSERT_EQ(scanner.calls.size(), 1U);
+  EXPECT_EQ(scanner.calls[0]->url, item(id).url);
+  scanner.answer(0, picture(), kWindow);
+  EXPECT_EQ(phase(), Extraction::Phase(Extraction::Extracted{kWindow}));
+  ASSERT_TRUE(toggle.isDone());
+  EXPECT_EQ(toggle.await_resume(), std::nullopt);
+  EXPECT_EQ(announcer.said.back().text, kExtracted);
+  EXPECT_EQ(announcer.said.back().priority, AnnouncementPriority::low);
+}
+
+TEST_F(AppModelExtraction, NeverScansAPictureOfOneWindow) {
+  captureKinds[shots.appending("window.png").path()] = CaptureKind::window;
+  const UUID id = arrivePicture("window.png");
+  const auto toggle = turnOn(id);
+  EXPECT_THAT(scanner.calls, IsEmpty());
+  EXPECT_EQ(phase(), std::nullopt);
+  ASSERT_TRUE(toggle.isDone());
+  EXPECT_EQ(toggle.await_resume(), Notice::alreadyWindow);
+  EXPECT_EQ(announcer.said.back().text, "This is already a window");
+  EXPECT_EQ(announcer.said.back().priority, AnnouncementPriority::low);
+}
+
+TEST_F(AppModelExtraction, TurnsOffWhereThereIsNoWindow) {
+  const UUID id = arrivePicture("region.png");
+  const auto toggle = turnOn(id);
+  scanner.answer(0, picture(), std::nullopt);
+  EXPECT_EQ(phase(), std::nullopt);
+  EXPECT_EQ(toggle.await_resume(), Notice::noWindow);
+  EXPECT_EQ(announcer.said.back().text, "No window found");
+  EXPECT_FALSE(model->promptError->has_value());
+}
+
+TEST_F(AppModelExtraction, TellsWhyAScanFailed) {
+  const UUID id = arrivePicture("shot.png");
+  const auto toggle = turnOn(id);
+  scanner.answer(0, OperationError::unreadable);
+  EXPECT_EQ(phase(), std::nullopt);
+  EXPECT_EQ(toggle.await_resume(), std::nullopt);
+  ASSERT_TRUE(model->promptError->has_value());
+  EXPECT_EQ((*model->promptError)->title, "Couldn’t Extract Window");
+  EXPECT_EQ((*model->promptError)->message, description(OperationError::unreadable));
+}
+
+TEST_F(AppModelExtraction, TurningOffShowsTheWholeScreenshot) {
+  const UUID id = arriveExtracted("shot.png");
+  model->setPromptWindowExtraction(item(id), false).detach();
+  EXPECT_EQ(phase(), std::nullopt);
+  EXPECT_EQ(announcer.said.back().text, kWhole);
+  EXPECT_EQ(announcer.said.back().priority, AnnouncementPriority::low);
+  model->keepPrompt(id).detach();
+  executor.drain();
+  EXPECT_EQ(sizeOf(item(id).url), picture().size());
+  EXPECT_THAT(files.trashed, IsEmpty());
+}
+
+TEST_F(AppModelExtraction, ALateResultAfterTurningOffChangesNothing) {
+  const UUID id = arrivePicture("shot.png");
+  const auto toggle = turnOn(id);
+  model->setPromptWindowExtraction(item(id), false).detach();
+  EXPECT_EQ(phase(), std::nullopt);
+  scanner.answer(0, picture(), kWindow);
+  EXPECT_EQ(phase(), std::nullopt);
+  EXPECT_EQ(toggle.await_resume(), std::nullopt);
+}
+
+TEST_F(AppModelExtraction, OnlyTheResultOfTheSecondScanCounts) {
+  const UUID id = arrivePicture("shot.png");
+  const auto first = turnOn(id);
+  model->setPromptWindowExtraction(item(id), false).detach();
+  const auto second = turnOn(id);
+  ASSERT_EQ(scanner.calls.size(), 2U);
+  scanner.answer(0, picture(), QRectF(0, 0, 5, 5));
+  EXPECT_EQ(phase(), Extraction::Phase(Extraction::Detecting{}));
+  scanner.answer(1, picture(), kWindow);
+  EXPECT_EQ(phase(), Extraction::Phase(Extraction::Extracted{kWindow}));
+}
+
+TEST_F(AppModelExtraction, ClosingThePopupLeavesNothingBehind) {
+  const UUID id = arrivePicture("shot.png");
+  const auto toggle = turnOn(id);
+  model->dismissPrompt();
+  EXPECT_EQ(phase(), std::nullopt);
+  const size_t said = announcer.said.size();
+  scanner.answer(0, picture(), kWindow);
+  EXPECT_EQ(phase(), std::nullopt);
+  EXPECT_EQ(announcer.said.size(), said);
+}
+
+TEST_F(AppModelExtraction, ALateErrorAfterClosingIsNotShown) {
+  const UUID id = arrivePicture("shot.png");
+  arrivePicture("next.png");
+  const auto toggle = turnOn(id);
+  model->dismissPrompt();
+  scanner.answer(0, OperationError::unreadable);
+  EXPECT_FALSE(model->promptError->has_value());
+}
+
+TEST_F(AppModelExtraction, GoingOnToTheNextScreenshotForgetsTheWindow) {
+  const UUID id = arriveExtracted("shot.png");
+  const UUID next = arrivePicture("next.png");
+  model->dismissPrompt();
+  EXPECT_EQ(queue().front(), next);
+  EXPECT_EQ(phase(), std::nullopt);
+  EXPECT_EQ(stateOf(id), State::pending);
+}
+
+TEST_F(AppModelExtraction, KeepPutsTheWindowInThePlaceOfTheScreenshot) {
+  const UUID id = arriveExtracted("shot.png");
+  const FileURL url = item(id).url;
+  model->keepPrompt(id).detach();
+  EXPECT_EQ(phase(), Extraction::Phase(Extraction::Saving{kWindow}));
+  EXPECT_EQ(stateOf(id), State::pending) << "nothing is decided before the window is saved";
+  executor.drain();
+  EXPECT_EQ(stateOf(id), State::permanent);
+  EXPECT_EQ(item(id).url, url);
+  EXPECT_EQ(sizeOf(url), QSize(30, 40));
+  EXPECT_EQ(sizeOf(trash.appending("shot.png")), picture().size());
+  EXPECT_EQ(phase(), std::nullopt);
+  EXPECT_THAT(queue(), IsEmpty());
+}
+
+TEST_F(AppModelExtraction, TemporaryTakesTheWindowAndTheName) {
+  const UUID id = arriveExtracted("shot.png");
+  model->markTemporary(id, TemporaryDuration::oneHour, QStringLiteral("A window")).detach();
+  executor.drain();
+  EXPECT_EQ(stateOf(id), State::temporary);
+  EXPECT_EQ(item(id).url, shots.appending("A window.png"));
+  EXPECT_EQ(sizeOf(item(id).url), QSize(30, 40));
+  EXPECT_EQ(scheduledAt(id), item(id).expiresAt);
+}
+
+TEST_F(AppModelExtraction, KeepWhileStillDetectingKeepsTheWholeScreenshot) {
+  const UUID id = arrivePicture("shot.png");
+  const auto toggle = turnOn(id);
+  model->keepPrompt(id).detach();
+  executor.drain();
+  EXPECT_EQ(stateOf(id), State::permanent);
+  EXPECT_EQ(sizeOf(item(id).url), picture().size());
+  EXPECT_THAT(files.trashed, IsEmpty());
+  EXPECT_EQ(phase(), std::nullopt);
+}
+
+TEST_F(AppModelExtraction, AFailedSaveDecidesNothingAndCanBeTriedAgain) {
+  const UUID id = arriveExtracted("shot.png");
+  const std::string before = readBytes(item(id).url);
+  files.refuse(item(id).url);
+  model->keepPrompt(id).detach();
+  executor.drain();
+  EXPECT_EQ(stateOf(id), State::pending);
+  EXPECT_THAT(queue(), ElementsAre(id));
+  EXPECT_EQ(phase(), Extraction::Phase(Extraction::Extracted{kWindow}));
+  EXPECT_EQ(readBytes(item(id).url), before);
+  ASSERT_TRUE(model->promptError->has_value());
+  EXPECT_EQ((*model->promptError)->title, "Couldn’t Save the Window");
+  EXPECT_EQ(
+      (*model->promptError)->message,
+      "No space left on device. The screenshot hasn’t changed. Try again, or turn off Extract Window to decide on "
+      "the whole screenshot.");
+  files.allow(item(id).url);
+  model->keepPrompt(id).detach();
+  executor.drain();
+  EXPECT_EQ(stateOf(id), State::permanent);
+  EXPECT_EQ(sizeOf(item(id).url), QSize(30, 40));
+}
+
+TEST_F(AppModelExtraction, AFileWrittenAnewSinceIsNotReplaced) {
+  const UUID id = arriveExtracted("shot.png");
+  writeFile(item(id).url, readBytes(item(id).url) + "more");
+  model->keepPrompt(id).detach();
+  executor.drain();
+  EXPECT_EQ(stateOf(id), State::pending);
+  EXPECT_TRUE(model->promptError->has_value());
+  EXPECT_THAT(files.trashed, IsEmpty());
+}
+
+TEST_F(AppModelExtraction, TheFirstOfTwoDecisionsCounts) {
+  const UUID id = arriveExtracted("shot.png");
+  model->keepPrompt(id).detach();
+  model->markTemporary(id, TemporaryDuration::oneHour).detach();
+  executor.drain();
+  EXPECT_EQ(stateOf(id), State::permanent);
+  EXPECT_EQ(files.trashed.size(), 1U);
+}
+
+TEST_F(AppModelExtraction, ThePopupStaysWhileItsDecisionIsCarriedOut) {
+  const UUID id = arriveExtracted("shot.png");
+  model->keepPrompt(id).detach();
+  model->dismissPrompt();
+  EXPECT_THAT(queue(), ElementsAre(id));
+  model->setPromptWindowExtraction(item(id), false).detach();
+  EXPECT_EQ(phase(), Extraction::Phase(Extraction::Saving{kWindow}));
+  model->disposeItem(item(id), ErrorScope::popup, AppModel::DisposalReason::chosen);
+  EXPECT_TRUE(hasRecord(id)) << "the file is in use";
+  executor.drain();
+  EXPECT_EQ(stateOf(id), State::permanent);
+  EXPECT_EQ(sizeOf(item(id).url), QSize(30, 40));
+}
+
+TEST_F(AppModelExtraction, SavingWithoutAWindowSucceedsAndDoesNothing) {
+  const UUID id = arrivePicture("shot.png");
+  const UUID other = arrivePicture("other.png");
+  const auto none = model->saveExtractedWindow(id);
+  ASSERT_TRUE(none.isDone());
+  EXPECT_EQ(none.await_resume(), std::nullopt);
+  turnOn(id).detach();
+  scanner.answer(0, picture(), kWindow);
+  EXPECT_EQ(model->saveExtractedWindow(other).await_resume(), std::nullopt);
+  EXPECT_EQ(sizeOf(item(other).url), picture().size());
+}
+
+class ExtractionAtTimeout : public AppModelExtraction {
+ protected:
+  void SetUp() override {
+    setSettings(R"({"quillmere.popup-autosave": true, "quillmere.popup-seconds": 3})");
+    AppModelExtraction::SetUp();
+  }
+};
+
+TEST_F(ExtractionAtTimeout, KeepsTheWindow) {
+  const UUID id = arriveExtracted("shot.png");
+  advance(3.5);
+  executor.drain();
+  EXPECT_EQ(stateOf(id), State::permanent);
+  EXPECT_EQ(sizeOf(item(id).url), QSize(30, 40));
+  EXPECT_EQ(banner(), std::nullopt);
+}
+
+TEST_F(ExtractionAtTimeout, TakesATypedNameToo) {
+  const UUID id = arriveExtracted("shot.png");
+  model->setPromptNameEdit(AppModel::PromptNameEdit{id, QStringLiteral("Typed"), false, false});
+  model->setPromptNameEdit(AppModel::PromptNameEdit{id, QStringLiteral("Typed"), true, false});
+  advance(10);
+  EXPECT_EQ(stateOf(id), State::pending) << "naming holds the clock";
+}
+
+TEST_F(ExtractionAtTimeout, WaitsWhileTheWindowIsBeingSought) {
+  const UUID id = arrivePicture("shot.png");
+  turnOn(id).detach();
+  advance(10);
+  EXPECT_EQ(stateOf(id), State::pending);
+  scanner.answer(0, picture(), std::nullopt);
+  advance(3.5);
+  EXPECT_EQ(stateOf(id), State::permanent);
+}
+
+TEST_F(ExtractionAtTimeout, KeepsTheWholeScreenshotWhereSavingFails) {
+  const UUID id = arriveExtracted("shot.png");
+  files.refuse(item(id).url);
+  advance(3.5);
+  executor.drain();
+  EXPECT_EQ(stateOf(id), State::permanent);
+  EXPECT_EQ(sizeOf(item(id).url), picture().size());
+  EXPECT_EQ(banner(), Issue::automaticExtractionFailed);
+  EXPECT_EQ(message(**model->backgroundIssue),
+            "A screenshot was kept whole because the window extracted from it couldn’t be saved.");
+  EXPECT_FALSE(model->promptError->has_value());
+  EXPECT_EQ(phase(), std::nullopt);
+}
+
+}  // namespace
+}  // namespace quillmere::testing

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "imaging/WindowScan.h"
+
+namespace quillmere::testing {
+
+/// Leaves every scan open until the test answers it.
+class FakeWindowScanner {
+ public:
+  using Outcome = Result<ImageOperations::WindowScan, ImageOperations::OperationError>;
+  struct Call {
+    FileURL url;
+    std::optional<Outcome> outcome;
+    std::shared_ptr<Continuation> waiter;
+  };
+
+  Task<Outcome> scan(FileURL url) {
+    auto call = std::make_shared<Call>(Call{url, std::nullopt, nullptr});
+    calls.push_back(call);
+    Open open{call};
+    co_await open;
+    co_return *call->outcome;
+  }
+  void answer(size_t index, Outcome outcome) {
+    calls[index]->outcome = std::move(outcome);
+    if (const auto waiter = std::exchange(calls[index]->waiter, nullptr)) waiter->resume();
+  }
+  /// The picture with one window in it, or with none.
+  void answer(size_t index, const QImage& image, std::optional<QRectF> window) {
+    ImageOperations::WindowScan scan{image, {}};
+    if (window) {
+      scan.windows.emplace_back();
+      scan.windows.back().frame = *window;
+    }
+    answer(index, Outcome(scan));
+  }
+
+  std::vector<std::shared_ptr<Call>> calls;
+
+ private:
+  struct Open {
+    std::shared_ptr<Call> call;
+    bool await_ready() const { return false; }
+    void await_suspend(std::coroutine_handle<> task) { call->waiter = std::make_shared<Continuation>(task); }
+    void await_resume() const {}
+  };
+};
+
+}  // namespace quillmere::testing

@@ -1,0 +1,153 @@
+#include "model/ScreenshotTransfer.h"
+
+#include <gtest/gtest.h>
+#include <filesystem>
+
+#include "foundation/FileStatus.h"
+#include "imaging/ImageFile.h"
+#include "support/Files.h"
+#include "support/TemporaryFolder.h"
+
+namespace quillmere::testing {
+namespace {
+
+using ImageOperations::Failure;
+using ImageOperations::OperationError;
+
+const FileURL kShot = FileURL::fromPath("/shots/Screenshot 1.png");
+const FileURL kPhoto = FileURL::fromPath("/shots/photo.jpg");
+
+TEST(TransferName, IsTheSuggestionWithTheFilesExtension) {
+  EXPECT_EQ(transferName(QStringLiteral("Invoice"), kShot, false), "Invoice.png");
+  EXPECT_EQ(transferName(QStringLiteral("Invoice"), kPhoto, false), "Invoice.jpg");
+}
+TEST(TransferName, IsAlwaysThatOfAPngForACrop) {
+  EXPECT_EQ(transferName(QStringLiteral("Invoice"), kPhoto, true), "Invoice.png");
+  EXPECT_EQ(transferName(std::nullopt, kPhoto, true), "photo.png");
+}
+TEST(TransferName, IsTheFilesOwnWithoutAUsableSuggestion) {
+  EXPECT_EQ(transferName(std::nullopt, kShot, false), "Screenshot 1.png");
+  EXPECT_EQ(transferName(QStringLiteral("  "), kShot, false), "Screenshot 1.png");
+  EXPECT_EQ(transferName(QStringLiteral("///"), kShot, false), "Screenshot 1.png");
+}
+TEST(TransferName, IsCleanedLikeAnyName) {
+  EXPECT_EQ(transferName(QStringLiteral(" a/b "), kShot, false), "a b.png");
+}
+TEST(TransferName, HasNoFullStopWithoutAnExtension) {
+  EXPECT_EQ(transferName(QStringLiteral("Invoice"), FileURL::fromPath("/shots/plain"), false), "Invoice");
+}
+TEST(TransferName, KeepsBytesThatAreNotText) {
+  EXPECT_EQ(transferName(std::nullopt, FileURL::fromPath("/shots/a\xFF.png"), false), "a\xFF.png");
+}
+
+TEST(ImageContentType, FollowsTheExtension) {
+  EXPECT_EQ(imageContentType(kShot), "image/png");
+  EXPECT_EQ(imageContentType(kPhoto), "image/jpeg");
+  EXPECT_EQ(imageContentType(FileURL::fromPath("/a.HEIC")), "image/heif");
+}
+TEST(ImageContentType, IsPngForWhatNamesNoPicture) {
+  EXPECT_EQ(imageContentType(FileURL::fromPath("/a.txt")), "image/png");
+  EXPECT_EQ(imageContentType(FileURL::fromPath("/a")), "image/png");
+}
+
+class ScreenshotTransfer : public ::testing::Test {
+ protected:
+  PromptPreviewTransfer transfer(std::string_view name) {
+    PromptPreviewTransfer transfer;
+    transfer.url = shot;
+    transfer.filename = name;
+    return transfer;
+  }
+  PromptPreviewTransfer cropped(const QRectF& rect, std::string_view name = "shot.png") {
+    PromptPreviewTransfer result = transfer(name);
+    QImage image(60, 50, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    result.crop = PromptPreviewTransfer::Crop{image, rect};
+    return result;
+  }
+  TemporaryFolder home;
+  const FileURL shot = writtenFile(home.file("shot.png"), "the bytes");
+  const TransferFiles files{home.file("transfers")};
+
+ private:
+  static FileURL writtenFile(const FileURL& url, std::string_view bytes) {
+    writeFile(url, bytes);
+    return url;
+  }
+};
+
+TEST_F(ScreenshotTransfer, OfAnUnchangedNameIsTheFileItself) {
+  EXPECT_TRUE(transfer("shot.png").isFile());
+  const auto file = files.file(transfer("shot.png"));
+  ASSERT_TRUE(file);
+  EXPECT_EQ(*file, shot);
+  EXPECT_FALSE(fileExists(home.file("transfers")));
+}
+
+TEST_F(ScreenshotTransfer, OfAnotherNameIsACopyUnderIt) {
+  EXPECT_FALSE(transfer("Invoice.png").isFile());
+  const auto file = files.file(transfer("Invoice.png"));
+  ASSERT_TRUE(file);
+  EXPECT_EQ(file->lastPathComponent(), "Invoice.png");
+  EXPECT_EQ(readBytes(*file), "the bytes");
+  EXPECT_EQ(readBytes(shot), "the bytes");
+}
+
+TEST_F(ScreenshotTransfer, OfACropIsAPng) {
+  const auto file = files.file(cropped(QRectF(5, 5, 20, 10)));
+  ASSERT_TRUE(file);
+  EXPECT_NE(*file, shot);
+  EXPECT_EQ(file->lastPathComponent(), "shot.png");
+  EXPECT_EQ(ImageFile::pixelSize(*file), QSize(20, 10));
+  EXPECT_EQ(cropped(QRectF(5, 5, 20, 10)).contentType(), "image/png");
+  EXPECT_EQ(readBytes(shot), "the bytes");
+}
+
+TEST_F(ScreenshotTransfer, OfAWrongCropFails) {
+  const auto data = cropped(QRectF(100, 100, 5, 5)).data();
+  ASSERT_FALSE(data);
+  EXPECT_EQ(data.reason(), Failure(OperationError::invalidCrop));
+  EXPECT_FALSE(files.file(cropped(QRectF(0, 0, 0, 0))));
+}
+
+TEST_F(ScreenshotTransfer, GivesTheFilesBytes) {
+  const auto data = transfer("Invoice.png").data();
+  ASSERT_TRUE(data);
+  EXPECT_EQ(*data, "the bytes");
+}
+
+TEST_F(ScreenshotTransfer, OfAVanishedFileFails) {
+  std::filesystem::remove(shot.path());
+  EXPECT_FALSE(transfer("shot.png").data());
+  EXPECT_FALSE(files.file(transfer("Invoice.png")));
+  EXPECT_TRUE(std::filesystem::is_empty(home.file("transfers").path())) << "nothing is left of it";
+}
+
+TEST_F(ScreenshotTransfer, IsReadableByItsOwnerAlone) {
+  const auto file = files.file(transfer("Invoice.png"));
+  ASSERT_TRUE(file);
+  EXPECT_EQ(std::filesystem::status(file->parent().path()).permissions(), std::filesystem::perms::owner_all);
+}
+
+TEST_F(ScreenshotTransfer, TwoOfOneNameDoNotMeet) {
+  const auto first = files.file(transfer("Invoice.png"));
+  const auto second = files.file(transfer("Invoice.png"));
+  ASSERT_TRUE(first && second);
+  EXPECT_NE(*first, *second);
+  EXPECT_EQ(second->lastPathComponent(), "Invoice.png");
+}
+
+TEST_F(ScreenshotTransfer, OlderThanADayIsRemovedWithTheNext) {
+  using Clock = std::filesystem::file_time_type::clock;
+  const auto old = files.file(transfer("Old.png"));
+  const auto recent = files.file(transfer("Recent.png"));
+  ASSERT_TRUE(old && recent);
+  std::filesystem::last_write_time(old->parent().path(), Clock::now() - std::chrono::hours(25));
+  std::filesystem::last_write_time(recent->parent().path(), Clock::now() - std::chrono::hours(23));
+  ASSERT_TRUE(files.file(transfer("New.png")));
+  EXPECT_FALSE(fileExists(*old));
+  EXPECT_TRUE(fileExists(*recent));
+}
+
+}  // namespace
+}  // namespace quillmere::testing

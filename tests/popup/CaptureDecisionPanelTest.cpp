@@ -1,0 +1,140 @@
+#include "popup/CaptureDecisionPanel.h"
+
+#include <QtGui/QAccessible>
+#include <QtTest/QTest>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QScrollBar>
+#include <QtWidgets/QVBoxLayout>
+
+#include "controls/Theme.h"
+
+namespace quillmere {
+namespace {
+
+class CaptureDecisionPanelTest : public testing::Test {
+ protected:
+  CaptureDecisionPanelTest() {
+    auto* rows = new QVBoxLayout(card);
+    rows->addWidget(upper);
+    rows->addStretch();
+    rows->addWidget(lower);
+    panel.setFrame(QRect(0, 0, 488, 348));
+  }
+  QImage seen() { return panel.grab().toImage().convertToFormat(QImage::Format_ARGB32); }
+  QScrollBar* bar() { return panel.findChild<QScrollBar*>(QString(), Qt::FindDirectChildrenOnly); }
+
+  QWidget* card = new QWidget;
+  QPushButton* upper = new QPushButton(QStringLiteral("Upper"));
+  QPushButton* lower = new QPushButton(QStringLiteral("Lower"));
+  CaptureDecisionPanel panel{card};
+};
+
+TEST_F(CaptureDecisionPanelTest, ItIsADialogWithTitleAndName) {
+  QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(&panel);
+  ASSERT_TRUE(interface);
+  EXPECT_EQ(interface->role(), QAccessible::Dialog);
+  EXPECT_EQ(interface->text(QAccessible::Name), QStringLiteral("Screenshot Decision"));
+  EXPECT_EQ(panel.windowTitle(), QStringLiteral("Screenshot Decision"));
+}
+
+TEST_F(CaptureDecisionPanelTest, ItNeitherTakesTheKeyboardNorKeepsTheProgramRunning) {
+  EXPECT_TRUE(panel.testAttribute(Qt::WA_ShowWithoutActivating));
+  EXPECT_TRUE(panel.windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus));
+  EXPECT_FALSE(panel.testAttribute(Qt::WA_QuitOnClose));
+}
+
+TEST_F(CaptureDecisionPanelTest, EachFrameThatIsSetCounts) {
+  EXPECT_EQ(panel.frameChangeCount(), 1);
+  panel.setFrame(QRect(10, 10, 488, 400));
+  EXPECT_EQ(panel.frameChangeCount(), 2);
+  EXPECT_EQ(panel.geometry(), QRect(10, 10, 488, 400));
+  EXPECT_EQ(panel.cardRect(), QRect(24, 24, 440, 352));
+}
+
+TEST_F(CaptureDecisionPanelTest, AnySizeFitsItsSteps) {
+  panel.setFrame(QRect(10, 10, 488, 401));
+  EXPECT_EQ(panel.baseSize(), panel.size());
+}
+
+TEST_F(CaptureDecisionPanelTest, TheShadowIsDrawnOnceWhateverTheCardsSize) {
+  EXPECT_EQ(panel.shadowInvalidationCount(), 0);
+  seen();
+  panel.setFrame(QRect(0, 0, 488, 500));
+  seen();
+  EXPECT_EQ(panel.shadowInvalidationCount(), 1);
+}
+
+TEST_F(CaptureDecisionPanelTest, TheCardIsOpaqueWithAQuietEdgeAndNothingBesideItButShadow) {
+  const QImage image = seen();
+  EXPECT_EQ(image.pixelColor(244, 28), Theme(panel.palette()).card);
+  EXPECT_LT(image.pixelColor(244, 330).alpha(), 78);
+  EXPECT_EQ(image.pixelColor(244, 24).alpha(), 255);
+}
+
+TEST_F(CaptureDecisionPanelTest, ForMoreContrastItHasTheDesktopsColourAndTheTextsEdge) {
+  panel.setOpaque(true);
+  const QColor ground = panel.palette().color(QPalette::Window);
+  const QColor text = Theme(panel.palette()).text;
+  const QImage image = seen();
+  EXPECT_EQ(image.pixelColor(244, 28), ground);
+  const QColor edge = image.pixelColor(244, 24);
+  EXPECT_NEAR(edge.red(), 0.4 * ground.red() + 0.6 * text.red(), 2);
+  EXPECT_NEAR(edge.green(), 0.4 * ground.green() + 0.6 * text.green(), 2);
+  EXPECT_EQ(image.pixelColor(244, 25), ground) << "one point wide";
+  panel.setOpaque(false);
+  EXPECT_EQ(seen().pixelColor(244, 28), Theme(panel.palette()).card);
+}
+
+TEST_F(CaptureDecisionPanelTest, WithoutACompositorNoPixelAlongTheCardsEdgeIsTranslucent) {
+  panel.setCompositing(false);
+  const QImage image = seen();
+  for (int x = 24; x < 464; ++x) {
+    ASSERT_EQ(image.pixelColor(x, 24 + (x < 57 || x >= 431 ? 33 : 0)).alpha(), 255) << x;
+  }
+  // Where the corner's curve crosses its diagonal.
+  EXPECT_EQ(image.pixelColor(30, 30).alpha(), 255);
+}
+
+TEST_F(CaptureDecisionPanelTest, AContentThatFitsHasNoScrollBar) {
+  panel.setScrolls(false);
+  EXPECT_TRUE(bar()->isHidden());
+}
+
+TEST_F(CaptureDecisionPanelTest, ASlimBarOverTheCardsPaddingScrollsWhatDoesNotFit) {
+  card->setMinimumHeight(900);
+  panel.setScrolls(true);
+  panel.show();
+  QCoreApplication::processEvents();
+  ASSERT_TRUE(bar()->isVisible());
+  EXPECT_EQ(card->width(), 440) << "it takes nothing from the contents";
+  EXPECT_TRUE(panel.cardRect().contains(bar()->geometry()));
+  EXPECT_LE(bar()->width(), 8);
+  EXPECT_GT(bar()->maximum(), 0);
+  const int before = lower->mapTo(&panel, QPoint()).y();
+  bar()->setValue(bar()->maximum());
+  EXPECT_EQ(lower->mapTo(&panel, QPoint()).y(), before - bar()->maximum());
+  EXPECT_TRUE(panel.cardRect().contains(QRect(lower->mapTo(&panel, QPoint()), lower->size())));
+}
+
+TEST_F(CaptureDecisionPanelTest, TheNextCardThatFitsBeginsAtItsTop) {
+  card->setMinimumHeight(900);
+  panel.setScrolls(true);
+  panel.show();
+  QCoreApplication::processEvents();
+  bar()->setValue(100);
+  card->setMinimumHeight(0);
+  panel.setScrolls(false);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(card->mapTo(&panel, QPoint()), QPoint(24, 24));
+}
+
+TEST_F(CaptureDecisionPanelTest, LosingTheKeyboardIsTold) {
+  int told = 0;
+  panel.onDeactivated = [&] { ++told; };
+  QEvent event(QEvent::WindowDeactivate);
+  QCoreApplication::sendEvent(&panel, &event);
+  EXPECT_EQ(told, 1);
+}
+
+}  // namespace
+}  // namespace quillmere

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "model/Sharing.h"
+
+namespace quillmere {
+
+/// Offers what the test says and notes what was sent.
+class FakeSharing final : public Sharing {
+ public:
+  Task<std::vector<ShareTarget>> targets(QString contentType) override {
+    asked.push_back(contentType);
+    co_return offered;
+  }
+  Task<bool> share(PreparedTransfer transfer, QString targetID) override {
+    sent.emplace_back(transfer.file, targetID);
+    co_return true;
+  }
+  std::vector<ShareTarget> offered;
+  std::vector<QString> asked;
+  std::vector<std::pair<FileURL, QString>> sent;
+};
+
+}  // namespace quillmere
