@@ -33,8 +33,13 @@ void AppearanceStyle::drawPrimitive(PrimitiveElement element, const QStyleOption
                                     const QWidget* widget) const {
   QProxyStyle::drawPrimitive(element, option, painter, widget);
   switch (element) {
+    case PE_PanelLineEdit: {
+      // Not where the field is to have no frame, and somebody else draws one.
+      const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
+      if (frame && frame->lineWidth > 0) drawEdge(*option, *painter);
+      break;
+    }
     case PE_PanelButtonCommand:
-    case PE_PanelLineEdit:
     case PE_IndicatorCheckBox:
       drawEdge(*option, *painter);
       break;
