@@ -3,7 +3,7 @@
 JOBS := $(shell nproc)
 SOURCES = $$(find src tests benchmarks fuzz tools -name '*.cpp' -o -name '*.h')
 
-.PHONY: build setup run test bench fuzz format lint
+.PHONY: build setup run pictures test bench fuzz format lint
 
 build: build/build.ninja
 	cmake --build build -j $(JOBS)
@@ -17,6 +17,10 @@ setup:
 run: setup
 	$(MAKE) build
 	tools/demo
+
+pictures: setup
+	$(MAKE) build
+	tools/pictures
 
 test: setup
 	$(MAKE) build

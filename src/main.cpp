@@ -72,8 +72,8 @@ int main(int argc, char** argv) {
   ApplicationAppearance look;
   const DesktopAppearance desktop(services.executor, AppearanceSources::live(),
                                   [&look](const Appearance& appearance) { look.show(appearance); });
-  LivePanelScreens screens;
   X11PanelWindowSystem windowSystem;
+  LivePanelScreens screens(&windowSystem);
   FilePanels filePanels;
   ThumbnailLoader thumbnails(services.executor, &CloudFiles::isDataless);
   CapturePromptPanelController::Services popupServices;

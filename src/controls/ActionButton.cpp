@@ -13,6 +13,7 @@ constexpr int kHeight = 36;
 constexpr int kIconSide = 28;
 constexpr int kPadding = 14;
 constexpr int kSymbol = 18;
+constexpr int kIconSymbol = 16;
 constexpr int kGap = 7;
 constexpr qreal kRadius = 10;
 
@@ -51,8 +52,6 @@ void ActionButton::paintEvent(QPaintEvent*) {
       ground = theme.fillPressed;
     } else if (underMouse()) {
       ground = theme.fillHover;
-    } else if (role_ == Role::icon) {
-      ground = Qt::transparent;
     }
     if (role_ == Role::destructive) ink = theme.danger;
     if (role_ == Role::icon) ink = theme.secondaryText;
@@ -66,11 +65,12 @@ void ActionButton::paintEvent(QPaintEvent*) {
 
   const QFont font = scaled(this->font(), 1, QFont::DemiBold);
   const int textWidth = role_ == Role::icon ? 0 : QFontMetrics(font).horizontalAdvance(text());
-  const int symbolWidth = symbol_.isEmpty() ? 0 : kSymbol;
+  const int symbolSide = role_ == Role::icon ? kIconSymbol : kSymbol;
+  const int symbolWidth = symbol_.isEmpty() ? 0 : symbolSide;
   const int gap = textWidth > 0 && symbolWidth > 0 ? kGap : 0;
   int x = (width() - symbolWidth - gap - textWidth) / 2;
   if (symbolWidth > 0) {
-    painter.drawPixmap(x, (height() - kSymbol) / 2, symbolPixmap(symbol_, kSymbol, ink, devicePixelRatioF()));
+    painter.drawPixmap(x, (height() - symbolSide) / 2, symbolPixmap(symbol_, symbolSide, ink, devicePixelRatioF()));
     x += symbolWidth + gap;
   }
   if (textWidth > 0) {

@@ -34,9 +34,9 @@ void AppearanceStyle::drawPrimitive(PrimitiveElement element, const QStyleOption
   QProxyStyle::drawPrimitive(element, option, painter, widget);
   switch (element) {
     case PE_PanelLineEdit: {
-      // Not where the field is to have no frame, and somebody else draws one.
+      // One without a frame draws its own, if any.
       const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
-      if (frame && frame->lineWidth > 0) drawEdge(*option, *painter);
+      if (!frame || frame->lineWidth > 0) drawEdge(*option, *painter);
       break;
     }
     case PE_PanelButtonCommand:

@@ -24,6 +24,8 @@ class Catalogue {
     read(QStringLiteral(":/catalogues/en.json"));
     // Last, so that its words hold: names of another desktop's facilities would be untrue here.
     read(QStringLiteral(":/catalogues/linux.json"));
+    // A translation, where a folder of catalogues was named before the first text.
+    read(QStringLiteral("catalogues:language.json"));
     UErrorCode status = U_ZERO_ERROR;
     rules_.reset(icu::PluralRules::forLocale(icu::Locale::getEnglish(), status));
   }

@@ -1,21 +1,21 @@
 #include "inbox/InboxDetail.h"
 
 #include <QtCore/QLocale>
-#include <QtGui/QPainter>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QVBoxLayout>
 
 #include "controls/ActionButton.h"
 #include "controls/AnalysisStatusRow.h"
-#include "controls/Symbol.h"
+#include "controls/ScreenshotThumbnail.h"
 #include "controls/ThemedLabel.h"
 #include "foundation/Localized.h"
 #include "inbox/DownloadStatusRow.h"
+#include "inbox/MessageView.h"
 
 namespace quillmere {
 namespace {
 
-constexpr int kPictureSide = 1400;  // pixels; larger than the view is on most screens
+constexpr int kPictureSide = 1400;  // points; larger than the view is on most screens
 constexpr int kPadding = 20;
 
 QString shortTime(Date date) {
@@ -33,13 +33,22 @@ QString metadata(const ScreenshotItem& item) {
 }  // namespace
 
 InboxDetail::InboxDetail(AppModel& model, ThumbnailLoader& thumbnails, QWidget* parent)
-    : QWidget(parent), model_(model), thumbnails_(thumbnails) {
+    : QWidget(parent), model_(model) {
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(kPadding, kPadding, kPadding, kPadding);
   column->setSpacing(14);
   column->addWidget(makeHeader());
-  picture_ = new QWidget(this);
+  picture_ = new ScreenshotThumbnail(thumbnails, this);
   column->addWidget(picture_, 1);
+  unavailable_ = new MessageView(
+      {QStringLiteral("exclamationmark.triangle"),
+       localized("Screenshot Unavailable"),
+       localized(
+           "The file can’t be found, or Quillmere doesn’t have access to its folder. Choose the screenshot folder "
+           "again in Settings, or remove this screenshot from the Inbox."),
+       {}},
+      this);
+  column->addWidget(unavailable_, 1);
   download_ = new DownloadStatusRow(this);
   download_->onDownload = [this] { model_.download(id_); };
   column->addWidget(download_);
@@ -106,18 +115,15 @@ void InboxDetail::show(const ScreenshotItem& item) {
       analysisStatus(item, model_.analyzingIDs->contains(item.id), model_.analysisAvailability());
   analysis_->show(status.text, status.isFailure, status.offersAnalysis);
 
-  picture_->setToolTip(isEvicted ? localized("The image isn’t on this Mac. Choose Download, or open the screenshot in "
-                                             "Finder, to bring it back.")
-                                 : QString());
-
-  const bool isReachable = !isUnavailable && !isEvicted;
-  if (item.url == url_ && item.fileIdentity == identity_ && isReachable == isReachable_) return;
-  if (item.fileIdentity != identity_ || !identity_ || !isReachable) image_ = {};
-  url_ = item.url;
-  identity_ = item.fileIdentity;
-  isReachable_ = isReachable;
-  QWidget::update();
-  if (isReachable) load(lifetime_.weak(this), url_).detach();
+  picture_->setVisible(!isUnavailable);
+  unavailable_->setVisible(isUnavailable);
+  ScreenshotThumbnail::Content picture;
+  picture.url = item.url;
+  picture.maxPointSize = kPictureSide;
+  picture.accessibilityLabel = localized("Screenshot preview");
+  picture.identity = item.fileIdentity;
+  picture.hasImageData = !isEvicted;
+  picture_->show(picture);
 }
 
 void InboxDetail::moveToTrash() {
@@ -126,42 +132,6 @@ void InboxDetail::moveToTrash() {
   const ScreenshotItem chosen = *item;
   if (*model_.deletesChosenImmediately && !(confirmDeletion && confirmDeletion(chosen.url.displayName()))) return;
   model_.disposeItem(chosen, ErrorScope::inbox, AppModel::DisposalReason::chosen);
-}
-
-Task<> InboxDetail::load(Weak<InboxDetail> self, FileURL url) {
-  const auto outcome = co_await self->thumbnails_.load(url, kPictureSide);
-  if (!self || self->url_ != url) co_return;
-  if (const QImage* image = std::get_if<QImage>(&outcome)) {
-    self->image_ = *image;
-    self->update();
-  }
-}
-
-void InboxDetail::paintEvent(QPaintEvent*) {
-  QPainter painter(this);
-  painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-  paintPicture(painter, picture_->geometry());
-}
-
-void InboxDetail::paintPicture(QPainter& painter, const QRect& area) {
-  const Theme theme(palette());
-  if (image_.isNull()) {
-    constexpr int kSymbol = 48;
-    QRect place(0, 0, kSymbol, kSymbol);
-    place.moveCenter(area.center());
-    const QString symbol = model_.evictedItemIDs->contains(id_)       ? QStringLiteral("icloud")
-                           : model_.unavailableItemIDs->contains(id_) ? QStringLiteral("exclamationmark.triangle")
-                                                                      : QStringLiteral("photo");
-    painter.drawPixmap(place.topLeft(), symbolPixmap(symbol, kSymbol, theme.secondaryText, devicePixelRatioF()));
-    return;
-  }
-  QSizeF size = image_.size();
-  if (size.width() > area.width() || size.height() > area.height()) size.scale(area.size(), Qt::KeepAspectRatio);
-  QRectF target(QPointF(), size);
-  target.moveCenter(QRectF(area).center());
-  painter.drawImage(target, image_);
-  painter.setPen(QPen(theme.hairline, 1));
-  painter.drawRect(target.adjusted(0.5, 0.5, -0.5, -0.5));
 }
 
 }  // namespace quillmere

@@ -19,7 +19,6 @@ constexpr int kMargin = static_cast<int>(PanelPlacement::kMargin);
 constexpr int kCardWidth = static_cast<int>(PanelPlacement::kCardWidth);
 static_assert(CardShadow::kReach <= kMargin);
 
-constexpr float kOpaqueEdge = 0.6F;
 /// Between the card's upper edge and contents that scroll: these would else run over the edge and its corners.
 constexpr int kScrollInset = 2;
 constexpr int kScrollBarWidth = 6;
@@ -61,7 +60,7 @@ void CaptureDecisionPanel::makeScrollBar() {
   QScrollBar* hidden = scroll_->verticalScrollBar();
   const auto follow = [this, hidden] {
     scrollBar_->setRange(hidden->minimum(), hidden->maximum());
-    scrollBar_->setPageStep(hidden->pageStep());
+    scrollBar_->setPageStep(scroll_->viewport()->height());  // theirs is told only after the range
     scrollBar_->setSingleStep(hidden->singleStep());
     scrollBar_->setValue(hidden->value());
   };
@@ -96,10 +95,6 @@ void CaptureDecisionPanel::setScrolls(bool scrolls) {
 
 void CaptureDecisionPanel::setCompositing(bool isCompositing) {
   if (std::exchange(isCompositing_, isCompositing) != isCompositing) update();
-}
-
-void CaptureDecisionPanel::setOpaque(bool isOpaque) {
-  if (std::exchange(isOpaque_, isOpaque) != isOpaque) update();
 }
 
 QRect CaptureDecisionPanel::cardRect() const {
@@ -144,16 +139,12 @@ void CaptureDecisionPanel::paintEvent(QPaintEvent*) {
   painter.setRenderHint(QPainter::Antialiasing);
   const QRect card = cardRect();
   const QPainterPath path = CardShape::path(card);
-  QColor edge = isCompositing_ ? theme.hairline : theme.fieldBorder;
-  if (isOpaque_) {
-    edge = theme.text;
-    edge.setAlphaF(kOpaqueEdge);
-  }
+  const QColor edge = isCompositing_ || theme.isHighContrast ? theme.hairline : theme.fieldBorder;
   // Without a compositor the window system cuts the window to the card, and with it the shadow.
   shadow_.paint(painter, card);
   // It cuts at whole pixels, and what of these lies beyond the card would be black.
   if (!isCompositing_) painter.strokePath(path, QPen(theme.fieldBorder, 2));
-  painter.fillPath(path, isOpaque_ ? palette().color(QPalette::Window) : theme.card);
+  painter.fillPath(path, theme.card);
   painter.setPen(QPen(edge, 1));
   painter.drawPath(CardShape::path(QRectF(card).adjusted(0.5, 0.5, -0.5, -0.5)));
 }

@@ -18,8 +18,6 @@ class CaptureDecisionPanel final : public QWidget {
   void setScrolls(bool scrolls);
   /// Without a compositor there is no shadow, and a stronger edge tells the card from what lies below.
   void setCompositing(bool isCompositing);
-  /// The desktop's own window colour and a strong edge, for people who want more contrast.
-  void setOpaque(bool isOpaque);
   /// In the window's points.
   QRect cardRect() const;
   void setFrame(const QRect& frame);
@@ -46,7 +44,6 @@ class CaptureDecisionPanel final : public QWidget {
   CardShadow shadow_;
   bool scrolls_ = false;
   bool isCompositing_ = true;
-  bool isOpaque_ = false;
   int frameChangeCount_ = 0;
 };
 

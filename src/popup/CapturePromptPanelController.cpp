@@ -27,6 +27,8 @@ CapturePromptPanelController::CapturePromptPanelController(Services services)
     observe(screen);
     followScreens();
   });
+  availableGeometryChanges_ = services_.windowSystem->availableGeometryChanged.connect([this] { followScreens(); });
+  compositingChanges_ = services_.windowSystem->compositingChanged.connect([this] { followCompositing(); });
   // Posted: at the signal the screen is still among the screens.
   QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, &screenObserver_, [this] {
     services_.executor->post([self = lifetime_.weak(this)] {
@@ -71,14 +73,19 @@ void CapturePromptPanelController::makePanel(AppModel& model) {
 void CapturePromptPanelController::showPanel() {
   QWindow& window = *panel_->windowHandle();
   window.setFlag(Qt::WindowDoesNotAcceptFocus, true);
-  panel_->setCompositing(services_.windowSystem->isCompositing());
+  followCompositing();
   services_.windowSystem->prepare(window);
   const QRect frame = panel_->geometry();
   panel_->show();
   panel_->setGeometry(frame);  // the window manager may have forgotten it since the last time
   panel_->raise();
   services_.windowSystem->finish(window);
-  services_.windowSystem->setClickableArea(window, panel_->cardRect());
+}
+
+void CapturePromptPanelController::followCompositing() {
+  if (!panel_) return;
+  panel_->setCompositing(services_.windowSystem->isCompositing());
+  services_.windowSystem->setClickableArea(*panel_->windowHandle(), panel_->cardRect());
 }
 
 void CapturePromptPanelController::scheduleUpdate() {
@@ -120,7 +127,7 @@ void CapturePromptPanelController::applyUpdate() {
 void CapturePromptPanelController::setFrame(const QRect& frame) {
   if (frame == panel_->geometry()) return;
   panel_->setFrame(frame);
-  if (panel_->isVisible()) services_.windowSystem->setClickableArea(*panel_->windowHandle(), panel_->cardRect());
+  services_.windowSystem->setClickableArea(*panel_->windowHandle(), panel_->cardRect());
 }
 
 std::optional<CapturePromptContent> CapturePromptPanelController::makeContent() {

@@ -62,6 +62,7 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
   void showPanel();
   void takeKeyboard();
   void followScreens();
+  void followCompositing();
   void measureAnew();
 
   Services services_;
@@ -74,6 +75,8 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
   std::list<MeasuredHeight> measuredHeights_;  // most recently used first
   Connection modelChanges_;
   QObject screenObserver_;
+  Connection availableGeometryChanges_;
+  Connection compositingChanges_;
   std::optional<QRectF> screenFrame_;
   bool isUpdateScheduled_ = false;
   bool isApplyingUpdate_ = false;

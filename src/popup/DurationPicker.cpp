@@ -3,6 +3,7 @@
 #include <QtGui/QPainter>
 
 #include "controls/ActionButton.h"
+#include "controls/Grounds.h"
 #include "controls/Symbol.h"
 #include "controls/Theme.h"
 #include "foundation/Localized.h"
@@ -46,9 +47,7 @@ void DurationPicker::paintEvent(QPaintEvent*) {
   const Theme theme(palette());
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(Qt::NoPen);
-  painter.setBrush(underMouse() ? theme.fillHover : theme.fill);
-  painter.drawRoundedRect(rect(), kRadius, kRadius);
+  paintGround(painter, rect(), kRadius, underMouse() ? theme.fillHover : theme.fill, theme);
   const QString label = localized("Temporary for") + QLatin1Char(' ');
   const QRect inner = rect().adjusted(kPadding, 0, -kPadding, 0);
   painter.setPen(theme.secondaryText);
@@ -58,7 +57,7 @@ void DurationPicker::paintEvent(QPaintEvent*) {
                    currentText());
   painter.drawPixmap(inner.right() - kChevron + 1, (height() - kChevron) / 2,
                      symbolPixmap(QStringLiteral("chevron.down"), kChevron, theme.secondaryText, devicePixelRatioF()));
-  if (hasFocus()) paintFocusRing(painter, rect(), kRadius, theme.accent);
+  if (hasFocus()) paintFocusRing(painter, rect(), kRadius, theme.focusRing);
 }
 
 }  // namespace quillmere

@@ -57,7 +57,8 @@ void PreviewButton::paintEvent(QPaintEvent*) {
     painter.setPen(Qt::NoPen);
   } else {
     painter.setBrush(theme.card);
-    painter.setPen(QPen(theme.hairline, 1));
+    // A picture may be as light, or as dark, as the disc.
+    painter.setPen(QPen(theme.fieldBorder, 1));
   }
   painter.drawEllipse(disc);
   if (!isOn && (underMouse() || isDown())) {

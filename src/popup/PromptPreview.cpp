@@ -4,27 +4,27 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QStyle>
 
-#include "controls/AccessibleRole.h"
+#include "controls/ScreenshotThumbnail.h"
 #include "foundation/Localized.h"
 #include "popup/PromptPreviewActions.h"
 #include "popup/PromptPreviewNoticeView.h"
-#include "popup/PromptThumbnail.h"
 
 namespace quillmere {
 namespace {
 
 constexpr int kInset = 8;
 constexpr int kDragSide = 160;
+constexpr qreal kCornerRadius = 10;
 
 }  // namespace
 
 PromptPreview::PromptPreview(Executor& executor, ThumbnailLoader& thumbnails, QWidget* parent)
     : QWidget(parent),
-      thumbnail_(new PromptThumbnail(thumbnails, this)),
+      thumbnail_(new ScreenshotThumbnail(thumbnails, this)),
       actions_(new PromptPreviewActions(this)),
       notice_(new PromptPreviewNoticeView(executor, this)) {
   setFixedWidth(kPreviewWidth);
-  setAccessibleRole(*thumbnail_, QAccessible::Graphic);
+  thumbnail_->onPictureChanged = [this] { placeOverlays(); };
   // Presses on the picture are for this widget, which drags it.
   thumbnail_->setAttribute(Qt::WA_TransparentForMouseEvents);
   notice_->setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -38,25 +38,37 @@ void PromptPreview::show(const CapturePromptContent& content) {
   placeOverlays();
   // A copy that is only measured needs no picture.
   if (!content.reportsEdits) return;
-  thumbnail_->setAccessibleName(isWindow ? localized("Extracted window preview") : localized("Screenshot preview"));
   thumbnail_->setAccessibleDescription(
       isWindow ? localized("Drag this preview into another app to put the extracted window there as an image.")
                : localized("Drag this preview into another app to put the screenshot’s file there."));
-  thumbnail_->show(content.item.url, content.item.fileIdentity, content.canReadImage);
+  ScreenshotThumbnail::Content picture;
+  picture.url = content.item.url;
+  picture.maxPointSize = kPreviewWidth;
+  picture.accessibilityLabel = isWindow ? localized("Extracted window preview") : localized("Screenshot preview");
+  picture.identity = content.item.fileIdentity;
+  picture.hasImageData = content.canReadImage;
+  picture.cornerRadius = kCornerRadius;
+  picture.crop = content.shownPart();
+  thumbnail_->show(picture);
 }
 
 QPixmap PromptPreview::dragPicture() const {
+  const QImage& image = thumbnail_->image();
+  if (image.isNull()) return {};
   const qreal ratio = devicePixelRatioF();
-  QPixmap picture =
-      thumbnail_->grab().scaled(QSize(kDragSide, kDragSide) * ratio, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-  picture.setDevicePixelRatio(ratio);
-  return picture;
+  QImage small = image.scaled(QSize(kDragSide, kDragSide) * ratio, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+  small.setDevicePixelRatio(ratio);
+  return QPixmap::fromImage(small);
 }
 
 void PromptPreview::placeOverlays() {
   thumbnail_->setGeometry(rect());
   actions_->adjustSize();
-  const QRect corner(width() - kInset - actions_->width(), kInset, actions_->width(), actions_->height());
+  // On the picture, unless that is too narrow for them.
+  const int needed = actions_->width() + 2 * kInset;
+  const QRect picture = thumbnail_->picturePlace().toRect();
+  const int right = picture.width() >= needed ? picture.right() + 1 : width();
+  const QRect corner(right - kInset - actions_->width(), kInset, actions_->width(), actions_->height());
   actions_->setGeometry(QStyle::visualRect(layoutDirection(), rect(), corner));
   notice_->adjustSize();
   notice_->move((width() - notice_->width()) / 2, height() - kInset - notice_->height());

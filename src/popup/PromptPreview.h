@@ -10,7 +10,7 @@ namespace quillmere {
 
 class PromptPreviewActions;
 class PromptPreviewNoticeView;
-class PromptThumbnail;
+class ScreenshotThumbnail;
 
 /// The picture on the card, with what can be done with it and what is to be told of it. It can be dragged out.
 class PromptPreview final : public QWidget {
@@ -32,7 +32,7 @@ class PromptPreview final : public QWidget {
 
  private:
   void placeOverlays();
-  PromptThumbnail* thumbnail_;
+  ScreenshotThumbnail* thumbnail_;
   PromptPreviewActions* actions_;
   PromptPreviewNoticeView* notice_;
   std::optional<QPoint> pressedAt_;
