@@ -124,6 +124,7 @@ void CapturePromptPanelController::applyUpdate() {
   isApplyingUpdate_ = false;
 }
 
+/// Both frames are in whole points, so that a difference of half a point is none.
 void CapturePromptPanelController::setFrame(const QRect& frame) {
   if (frame == panel_->geometry()) return;
   panel_->setFrame(frame);
