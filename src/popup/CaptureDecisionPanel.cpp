@@ -2,6 +2,7 @@
 
 #include <QtCore/QEvent>
 #include <QtGui/QAccessible>
+#include <QtGui/QCloseEvent>
 #include <QtGui/QPainter>
 #include <QtWidgets/QAccessibleWidget>
 #include <QtWidgets/QScrollArea>
@@ -40,6 +41,8 @@ CaptureDecisionPanel::CaptureDecisionPanel(QWidget* card)
   setAttribute(Qt::WA_ShowWithoutActivating);
   setAttribute(Qt::WA_TranslucentBackground);
   setAttribute(Qt::WA_QuitOnClose, false);
+  // It is hardly ever the active window, to whose widgets help is usually limited.
+  setAttribute(Qt::WA_AlwaysShowToolTips);
   setWindowTitle(localized("Screenshot Decision"));
   setAccessibleName(localized("Screenshot Decision"));
   scroll_->setFrameShape(QFrame::NoFrame);
@@ -126,6 +129,11 @@ void CaptureDecisionPanel::resizeEvent(QResizeEvent*) {
 void CaptureDecisionPanel::changeEvent(QEvent* event) {
   if (event->type() == QEvent::PaletteChange) styleScrollBar();
   QWidget::changeEvent(event);
+}
+
+void CaptureDecisionPanel::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  if (onCloseRequested) onCloseRequested();
 }
 
 bool CaptureDecisionPanel::event(QEvent* event) {

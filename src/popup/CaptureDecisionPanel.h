@@ -27,11 +27,14 @@ class CaptureDecisionPanel final : public QWidget {
   int shadowInvalidationCount() const { return shadow_.count(); }
 
   std::function<void()> onDeactivated;
+  /// The window manager was asked to close the window, which stays until the model hides it.
+  std::function<void()> onCloseRequested;
 
  protected:
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void changeEvent(QEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
   bool event(QEvent* event) override;
 
  private:

@@ -83,7 +83,6 @@ Task<> CapturePromptView::copyText(Weak<CapturePromptView> self) {
 void CapturePromptView::setCopyingText(bool isCopying) {
   isCopyingText_ = isCopying;
   preview_->actions().setCopyingText(isCopying);
-  textActions_->setCopyingText(isCopying);
 }
 
 void CapturePromptView::tell(std::optional<PromptPreviewNotice> notice) {

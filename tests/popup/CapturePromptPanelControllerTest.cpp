@@ -6,6 +6,7 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QMenu>
 
 #include "model/ModelFixture.h"
 #include "popup/FakeSharing.h"
@@ -563,6 +564,34 @@ TEST_F(CapturePromptPanelControllerTest, APopupWithTheKeyboardIsEngagedWhereverT
   EXPECT_FALSE(popup->isPointerEngaged());
   model->reviewPending(false);
   EXPECT_TRUE(popup->isPointerEngaged());
+}
+
+TEST_F(CapturePromptPanelControllerTest, AMenuOfAnotherWindowDoesNotEngage) {
+  show();
+  QMenu menu;
+  menu.addAction(QStringLiteral("Entry"));
+  menu.popup(QPoint(0, 0));
+  ASSERT_EQ(QApplication::activePopupWidget(), &menu);
+  EXPECT_FALSE(popup->isPointerEngaged());
+}
+
+TEST_F(CapturePromptPanelControllerTest, ClosingTheWindowDismissesTheScreenshot) {
+  show();
+  arrive("2.png");
+  settle();
+  popup->panel()->close();
+  EXPECT_EQ(queue().size(), 2u) << "not within the time in which clicks are dropped";
+  EXPECT_TRUE(isVisible());
+  executor.advance(PromptActionGate::kDelay);
+  popup->panel()->close();
+  settle();
+  EXPECT_TRUE(isVisible());
+  EXPECT_EQ(popup->content()->item.url, shots.appending("2.png"));
+}
+
+TEST_F(CapturePromptPanelControllerTest, HelpAppearsThoughTheWindowIsNotActive) {
+  show();
+  EXPECT_TRUE(popup->panel()->testAttribute(Qt::WA_AlwaysShowToolTips));
 }
 
 TEST_F(CapturePromptPanelControllerTest, AnOpenMenuEngages) {

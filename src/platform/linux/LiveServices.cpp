@@ -89,7 +89,9 @@ AppModelDependencies LiveServices::dependencies(const ApplicationPaths& paths) {
   dependencies.announcer = &announcer;
   dependencies.pasteboard = &pasteboard;
   dependencies.transferFiles = TransferFiles(paths.transfers);
-  dependencies.scanWindows = [this](const FileURL& url) { return ImageOperations::scanWindows(executor, url); };
+  dependencies.scanWindows = [this](const FileURL& url) {
+    return ImageOperations::scanWindows(executor, url, &CloudFiles::isDataless);
+  };
   dependencies.analyzer = &analyzer;
   dependencies.systemEvents = &systemEvents;
   dependencies.now = &systemNow;
