@@ -1,10 +1,10 @@
 #include "controls/PictureMimeData.h"
 
 #include <QtCore/QBuffer>
-#include <QtCore/QFile>
-#include <QtCore/QUrl>
 #include <QtGui/QImage>
 #include <QtGui/QImageReader>
+
+#include "imaging/ImageFile.h"
 
 namespace quillmere {
 namespace {
@@ -15,6 +15,9 @@ const QString kUriList = QStringLiteral("text/uri-list");
 const QString kGnomeFiles = QStringLiteral("x-special/gnome-copied-files");
 /// "0" for a copy, "1" for a cut.
 const QString kKdeCut = QStringLiteral("application/x-kde-cutselection");
+/// Qt offers it wherever there are files, and would give a URL made for reading, which neither a shell nor a file
+/// dialog understands.
+const QString kText = QStringLiteral("text/plain");
 
 }  // namespace
 
@@ -34,10 +37,10 @@ QVariant PictureMimeData::retrieveData(const QString& format, QMetaType) const {
   if (format == kPng) {
     QByteArray png;
     QBuffer buffer(&png);
-    QImage::fromData(bytes()).save(&buffer, "PNG");
-    return png;
+    return QImage::fromData(bytes()).save(&buffer, "PNG") ? png : QVariant();
   }
   if (!file_) return {};
+  if (format == kText) return file_->displayPath();
   const QByteArray coded = QByteArray::fromStdString(file_->coded());
   if (format == kUriList) return coded + "\r\n";
   if (format == kGnomeFiles) return QByteArray("copy\n" + coded);
@@ -47,8 +50,9 @@ QVariant PictureMimeData::retrieveData(const QString& format, QMetaType) const {
 
 QByteArray PictureMimeData::bytes() const {
   if (data_ || !file_) return data_.value_or(QByteArray());
-  QFile file(QFile::decodeName(file_->path().c_str()));
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+  // Not by a Qt file: a name that is not text has none.
+  const auto read = ImageFile::bytesOf(*file_);
+  return read ? QByteArray(read->data(), static_cast<qsizetype>(read->size())) : QByteArray();
 }
 
 }  // namespace quillmere

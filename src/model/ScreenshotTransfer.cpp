@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "foundation/FileStatus.h"
 #include "imaging/ImageFile.h"
 #include "records/ScreenshotNaming.h"
 #include "records/UUID.h"
@@ -61,6 +62,8 @@ Result<QByteArray, Failure> PromptPreviewTransfer::data() const {
 }
 
 Result<FileURL, Failure> TransferFiles::file(const PromptPreviewTransfer& transfer) const {
+  // Nothing is handed over that is no longer there.
+  if (!transfer.crop && !fileExists(transfer.url)) return Failure(OperationError::unreadable);
   if (transfer.isFile()) return transfer.url;
   removeOld();
   std::error_code error;

@@ -1,8 +1,10 @@
 // What the card does with the picture that it shows.
 
+#include <QtCore/QPointer>
 #include <QtGui/QDrag>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QIcon>
+#include <QtGui/QWindow>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 
@@ -33,6 +35,23 @@ class Protection {
  private:
   AppModel& model_;
   UUID id_;
+};
+
+/// While it lives keys come here, so that Escape ends a drag of a window that never had the keyboard. The other
+/// application keeps it meanwhile, and has it again afterwards.
+class GrabbedKeyboard {
+ public:
+  explicit GrabbedKeyboard(QWindow* window) : window_(window) {
+    if (window_) window_->setKeyboardGrabEnabled(true);
+  }
+  ~GrabbedKeyboard() {
+    if (window_) window_->setKeyboardGrabEnabled(false);
+  }
+  GrabbedKeyboard(const GrabbedKeyboard&) = delete;
+  GrabbedKeyboard& operator=(const GrabbedKeyboard&) = delete;
+
+ private:
+  QPointer<QWindow> window_;
 };
 
 /// The target that the person chooses; none when the menu is closed without a choice.
@@ -107,7 +126,11 @@ Task<> CapturePromptView::share(Weak<CapturePromptView> self, QWidget* anchor) {
   const auto preparing = self->model_.prepareTransfer(self->content_->item, self->newName());
   const auto prepared = co_await preparing;
   if (!self || !prepared) co_return;
-  self->services_.sharing->share(*prepared, *target).detach();
+  const auto sharing = self->services_.sharing->share(*prepared, *target);
+  const bool isTaken = co_await sharing;
+  if (!self || isTaken || !self->isShown(item.id)) co_return;
+  self->model_.show(ErrorScope::popup, localized("Couldn’t Share Screenshot"),
+                    localized("The app that you chose couldn’t be opened. Choose another one."));
 }
 
 /// The file is made ready first, which takes a moment for one under another name.
@@ -124,6 +147,7 @@ Task<> CapturePromptView::drag(Weak<CapturePromptView> self) {
   const QPixmap picture = self->preview_->dragPicture();
   drag->setPixmap(picture);
   drag->setHotSpot(QRectF(QPointF(), picture.deviceIndependentSize()).center().toPoint());
+  const GrabbedKeyboard keyboard(self->window()->windowHandle());
   drag->exec(Qt::CopyAction);
 }
 

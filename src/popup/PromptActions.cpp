@@ -1,5 +1,6 @@
 #include "popup/PromptActions.h"
 
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QVBoxLayout>
 
 #include "controls/ActionButton.h"
@@ -20,6 +21,10 @@ PromptActions::PromptActions(QWidget* parent) : QWidget(parent) {
   copy_->setToolTip(localized("Copy this screenshot so it can be pasted into another app or into Finder"));
   durationPicker_ = new DurationPicker(this);
   trash_ = new ActionButton(Role::destructive, QStringLiteral("trash"), localized("Move to Trash"), this);
+  // Qt names a menu after what is chosen in it; what it is for, screen readers learn from its label.
+  auto* durationLabel = new QLabel(durationPicker_->accessibleName(), this);
+  durationLabel->setBuddy(durationPicker_);
+  durationLabel->hide();
   connect(temporary_, &QPushButton::clicked, this, [this] { onTemporary(); });
   connect(keep_, &QPushButton::clicked, this, [this] { onKeep(); });
   connect(copy_, &QPushButton::clicked, this, [this] { onCopy(); });

@@ -31,6 +31,9 @@ PromptHeader::PromptHeader(QWidget* parent)
   auto* title = new ThemedLabel(Ink::text, this, localized("Screenshot Captured"));
   title->setFont(scaled(font(), 1.1, QFont::DemiBold));
   setAccessibleRole(*title, QAccessible::Heading);
+  // Screen readers go through a widget's children in their order.
+  title->lower();
+  closeButton_->raise();
   closeButton_->setAccessibleName(localized("Dismiss Screenshot Popup"));
   closeButton_->setToolTip(localized("Dismiss. The screenshot stays in the Inbox."));
   connect(closeButton_, &QPushButton::clicked, this, [this] { onClose(); });

@@ -2,6 +2,7 @@
 
 #include <QtGui/QPainter>
 
+#include "controls/AccessibleRole.h"
 #include "controls/AppearanceStyle.h"
 #include "controls/Theme.h"
 
@@ -18,6 +19,7 @@ constexpr int kHeight = 30;
 
 PromptPreviewNoticeView::PromptPreviewNoticeView(Executor& executor, QWidget* parent)
     : QWidget(parent), executor_(executor) {
+  setAccessibleRole(*this, QAccessible::StaticText);
   hide();
   opacity_.setStartValue(0.0);
   opacity_.setEndValue(0.0);

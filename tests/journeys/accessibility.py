@@ -11,8 +11,8 @@ import gi
 gi.require_version("Gio", "2.0")
 from gi.repository import Gio, GLib  # noqa: E402
 
-_SHOWING, _VISIBLE, _ENABLED, _FOCUSED = 25, 30, 8, 12
-_SCREEN = 0
+_SHOWING, _VISIBLE, _ENABLED, _FOCUSED, _CHECKED = 25, 30, 8, 12, 4
+_SCREEN, _LABELLED_BY = 0, 2
 _DEPTH = 40
 
 
@@ -65,6 +65,16 @@ class Control:
         return self._has(_FOCUSED)
 
     @property
+    def is_checked(self):
+        return self._has(_CHECKED)
+
+    @property
+    def labels(self):
+        """The names of the controls that say what this one is for."""
+        relations = dict(self._call("Accessible", "GetRelationSet")[0])
+        return [Control(self._connection, *target).name for target in relations.get(_LABELLED_BY, [])]
+
+    @property
     def description(self):
         return self._property("Accessible", "Description")
 
@@ -98,6 +108,38 @@ class Control:
         return f"{self.role} “{self.name}”"
 
 
+class Focus:
+    """Which controls a screen reader is told to have got the keyboard, from now on; also items of menus, which are in
+    no window's tree."""
+
+    def __init__(self, connection):
+        self._connection, self._sources = connection, []
+        for event in ("object:state-changed:focused", "focus:"):
+            call(connection, "org.a11y.atspi.Registry", "/org/a11y/atspi/registry", "org.a11y.atspi.Registry",
+                 "RegisterEvent", GLib.Variant("(s)", (event,)))
+        connection.signal_subscribe(None, "org.a11y.atspi.Event.Object", "StateChanged", None, "focused",
+                                    Gio.DBusSignalFlags.NONE, self._heard)
+
+    def _heard(self, _connection, sender, path, _interface, _signal, arguments):
+        if arguments.unpack()[1] == 1:
+            self._sources.append((sender, path))
+
+    @property
+    def last(self):
+        """The control that has it; None while nothing was told."""
+        while GLib.MainContext.default().iteration(False):
+            pass
+        try:
+            return Control(self._connection, *self._sources[-1]) if self._sources else None
+        except GLib.Error:
+            return None  # gone meanwhile
+
+    @property
+    def name(self):
+        control = self.last
+        return control.name if control else None
+
+
 class Tree:
     """All windows of the process `pid`."""
 
@@ -105,6 +147,9 @@ class Tree:
         address = call(session_bus, "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress")[0]
         self._connection = connect(address)
         self._pid = pid
+
+    def focus(self):
+        return Focus(self._connection)
 
     def _application(self):
         root = ("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")

@@ -418,10 +418,10 @@ class Popup:
     def wait_gone(self, timeout=10.0):
         wait_until("the popup is gone", lambda: not self.is_shown, timeout)
 
-    def press(self, name):
+    def press(self, name, role="push button"):
         """A click of the pointer on a button."""
         time.sleep(CLICK_GATE)
-        button = wait_until(f"the button {name} of the popup", lambda: self.find(name, "push button"))
+        button = wait_until(f"the button {name} of the popup", lambda: self.find(name, role))
         self._desktop.click(button)
 
     def take_keyboard(self):
@@ -436,9 +436,9 @@ class Popup:
         self._desktop.click(self._desktop.wait_for(name, "list item"))
         wait_until(f"the duration is {name}", lambda: self.find(name, "combo box"))
 
-    def tab_to(self, name):
+    def tab_to(self, name, role=None):
         for _ in range(30):
-            control = self.find(name)
+            control = self.find(name, role)
             if control is not None and control.is_focused:
                 return
             self._desktop.key("Tab")

@@ -84,6 +84,11 @@ def make_overdue(desktop, shot):
         json.dump(written, file)
 
 
+def popup_shows_picture(desktop, name):
+    """The preview's name tells whether it is the whole screenshot or the window in it."""
+    wait_until(f"the preview is the “{name}”", lambda: desktop.popup.find(name, "graphic"))
+
+
 def trashed_files(desktop):
     directory = os.path.join(desktop.data_home, "Trash", "files")
     return os.listdir(directory) if os.path.isdir(directory) else []

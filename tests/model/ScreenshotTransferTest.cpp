@@ -119,8 +119,12 @@ TEST_F(ScreenshotTransfer, GivesTheFilesBytes) {
 TEST_F(ScreenshotTransfer, OfAVanishedFileFails) {
   std::filesystem::remove(shot.path());
   EXPECT_FALSE(transfer("shot.png").data());
-  EXPECT_FALSE(files.file(transfer("Invoice.png")));
-  EXPECT_TRUE(std::filesystem::is_empty(home.file("transfers").path())) << "nothing is left of it";
+  for (const char* name : {"shot.png", "Invoice.png"}) {
+    const auto file = files.file(transfer(name));
+    ASSERT_FALSE(file) << name;
+    EXPECT_EQ(file.reason(), Failure(OperationError::unreadable)) << name;
+  }
+  EXPECT_FALSE(fileExists(home.file("transfers"))) << "nothing is left of it";
 }
 
 TEST_F(ScreenshotTransfer, IsReadableByItsOwnerAlone) {

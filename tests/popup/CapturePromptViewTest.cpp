@@ -723,6 +723,20 @@ TEST_F(CapturePromptViewTest, ShareOffersWhatTakesThePictureAndSendsItUnderItsNa
   EXPECT_EQ(readBytes(sharing.sent[0].first), "Screenshot 1.png");
 }
 
+TEST_F(CapturePromptViewTest, TellsThatNothingWasShared) {
+  sharing.offered = {{QStringLiteral("viewer"), QStringLiteral("Viewer"), {}}};
+  sharing.takes = false;
+  QTimer::singleShot(0, [] {
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Down);
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
+  });
+  click("Share");
+  executor.drain();
+  EXPECT_EQ(sharing.sent.size(), 1U);
+  ASSERT_TRUE(model->promptError->has_value());
+  EXPECT_EQ((*model->promptError)->title, "Couldn’t Share Screenshot");
+}
+
 TEST_F(CapturePromptViewTest, AClosedShareMenuSendsNothing) {
   sharing.offered = {{QStringLiteral("email"), QStringLiteral("Mail"), {}}};
   QTimer::singleShot(0, [] { QApplication::activePopupWidget()->close(); });

@@ -13,8 +13,9 @@ class FakeSharing final : public Sharing {
   }
   Task<bool> share(PreparedTransfer transfer, QString targetID) override {
     sent.emplace_back(transfer.file, targetID);
-    co_return true;
+    co_return takes;
   }
+  bool takes = true;
   std::vector<ShareTarget> offered;
   std::vector<QString> asked;
   std::vector<std::pair<FileURL, QString>> sent;

@@ -2,6 +2,7 @@
 
 // Before Qt, whose macro takes the name of a field in it.
 #include <gio/gdesktopappinfo.h>
+#include <unistd.h>
 
 #include "foundation/Localized.h"
 #include "platform/linux/EmailComposer.h"
@@ -67,6 +68,8 @@ Task<std::vector<ShareTarget>> LiveSharing::targets(QString contentType) {
 
 Task<bool> LiveSharing::share(PreparedTransfer transfer, QString targetID) {
   const std::function<bool()> work = [transfer, targetID] {
+    // An application that is opened with a file that is gone would complain, or show nothing.
+    if (::access(transfer.file.c_str(), R_OK) != 0) return false;
     return targetID == kEmail ? EmailComposer::compose(transfer.file) : open(targetID, transfer.file);
   };
   const bool isTaken = co_await executor_.background(work);

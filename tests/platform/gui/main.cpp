@@ -1,0 +1,10 @@
+#include <QtGui/QGuiApplication>
+
+#include "support/PrivateEnvironment.h"
+
+int main(int argc, char** argv) {
+  const quillmere::testing::PrivateEnvironment environment;
+  ::testing::InitGoogleTest(&argc, argv);
+  const QGuiApplication application(argc, argv);
+  return RUN_ALL_TESTS();
+}
