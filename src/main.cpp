@@ -29,10 +29,18 @@ void preferX11() {
   }
 }
 
+/// Qt asks once whether a screen reader runs, when the accessibility bus appears, and never again; but one may start
+/// later. Being on that bus costs little while nobody listens there. For good, since the bus may appear at any time.
+void beAlwaysAccessible() {
+  constexpr const char* kAlwaysOn = "QT_LINUX_ACCESSIBILITY_ALWAYS_ON";
+  if (!qEnvironmentVariableIsSet(kAlwaysOn)) qputenv(kAlwaysOn, "1");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   preferX11();
+  beAlwaysAccessible();
   TerminationSignals::block();
   std::function<void()> terminate;
   QApplication application(argc, argv);

@@ -58,6 +58,12 @@ void ScreenshotThumbnail::show(const Content& content) {
   update();
 }
 
+void ScreenshotThumbnail::clear() {
+  forget();
+  content_ = {};
+  update();
+}
+
 void ScreenshotThumbnail::forget() {
   loading_.cancel();
   loaded_.reset();

@@ -30,6 +30,8 @@ class ScreenshotThumbnail : public QWidget {
   ~ScreenshotThumbnail() override;
 
   void show(const Content& content);
+  /// Lets go of the picture; nothing is shown.
+  void clear();
 
   const std::optional<ThumbnailLoader::Outcome>& outcome() const { return outcome_; }
   /// What is shown now; null before the first picture.

@@ -64,7 +64,7 @@ Downscaler::Downscaler(QSize from, QSize to, QImage::Format format, const Scalin
       down_(ScalingWeights::of(from.height(), to.height())),
       steps_(steps),
       result_(to, format == QImage::Format_RGB32 ? QImage::Format_RGB32 : QImage::Format_ARGB32_Premultiplied),
-      sums_(kChannels * (static_cast<size_t>(from.width()) + 3)),
+      sums_(kChannels * static_cast<size_t>(from.width())),
       stride_(kChannels * static_cast<size_t>(across_.cells + across_.taps)),
       levels_(stride_ * static_cast<size_t>(down_.taps)),
       reached_(static_cast<size_t>(down_.taps)),

@@ -39,7 +39,7 @@ class Downscaler {
   QImage result_;
   std::vector<QRgb> premultiplied_;  ///< rows; empty where they come so
   std::vector<const QRgb*> premultipliedRows_;
-  std::vector<uint16_t> sums_;   ///< of rows of pixels, with room behind the last for a whole vector
+  std::vector<uint16_t> sums_;   ///< of rows of pixels
   size_t stride_;                ///< levels in a row of cells, with room for what the weights reach beyond it
   std::vector<int16_t> levels_;  ///< the last rows of cells, as many as a new row is made of, by turns
   std::vector<const int16_t*> reached_;

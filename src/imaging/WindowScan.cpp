@@ -1,7 +1,5 @@
 #include "imaging/WindowScan.h"
 
-#include <functional>
-
 namespace quillmere::ImageOperations {
 
 Result<WindowScan, OperationError> scanWindowsNow(const FileURL& url) {
@@ -11,8 +9,12 @@ Result<WindowScan, OperationError> scanWindowsNow(const FileURL& url) {
   return WindowScan{*std::move(image), windows};
 }
 
-Task<Result<WindowScan, OperationError>> scanWindows(Executor& executor, FileURL url) {
-  const std::function<Result<WindowScan, OperationError>()> work = [url] { return scanWindowsNow(url); };
+Task<Result<WindowScan, OperationError>> scanWindows(Executor& executor, FileURL url,
+                                                     std::function<bool(const FileURL&)> isEvicted) {
+  const std::function<Result<WindowScan, OperationError>()> work = [url, isEvicted] {
+    if (isEvicted && isEvicted(url)) return Result<WindowScan, OperationError>(OperationError::unreadable);
+    return scanWindowsNow(url);
+  };
   auto scan = co_await executor.background(work);
   co_return scan;
 }

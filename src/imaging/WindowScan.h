@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtGui/QImage>
+#include <functional>
 #include <vector>
 
 #include "foundation/Executor.h"
@@ -15,8 +16,10 @@ struct WindowScan {
   std::vector<DetectedWindow> windows;  ///< largest first
 };
 
-/// Reads the picture and finds its windows in the background.
-Task<Result<WindowScan, OperationError>> scanWindows(Executor& executor, FileURL url);
+/// Reads the picture and finds its windows in the background. A file that `isEvicted` is not read and fails as
+/// unreadable; it is asked there too.
+Task<Result<WindowScan, OperationError>> scanWindows(Executor& executor, FileURL url,
+                                                     std::function<bool(const FileURL&)> isEvicted = {});
 /// The same at once, for a thread that may wait.
 Result<WindowScan, OperationError> scanWindowsNow(const FileURL& url);
 

@@ -157,6 +157,9 @@ void AppModel::setMenuBarEnabled(bool isOn) {
 }
 void AppModel::setShowPopupThumbnail(bool isOn) {
   setFlag(showPopupThumbnail, "quillmere.popup-thumbnail", isOn);
+  // Nobody saves a window that they don't see; the toggle stands on the preview too.
+  const auto& extraction = *promptWindowExtraction;
+  if (!isOn && extraction && !isSavingWindow(extraction->itemID)) clearPromptWindowExtraction();
 }
 void AppModel::setAnalyzeScreenshots(bool isOn) {
   if (isOn == *analyzeScreenshots) return;

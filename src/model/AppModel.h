@@ -177,9 +177,18 @@ class AppModel : private AnalysisRecords {
   void move(const UUID& id, const FileURL& destination);
 
   // --- Crops: AppModelReplacing.cpp ---
-  /// Puts the part of `image` inside `rect` in the place of the record's file, which goes to Trash. Gives why it
-  /// failed, in words; nothing has changed then.
-  Task<std::optional<QString>> replaceOriginal(UUID id, QImage image, QRectF rect);
+  /// What tells whether a file is still the one that was read.
+  struct FileStamp {
+    std::optional<FileIdentity> identity;
+    Date modified;
+    bool operator==(const FileStamp&) const = default;
+  };
+  FileStamp stampOf(const FileURL& url) const;
+  /// Puts the part of `image` inside `rect` in the place of the record's file, which goes to Trash; not if that is no
+  /// longer the file that the picture was `readFrom`, or as it is now. Gives why it failed, in words; nothing has
+  /// changed then.
+  Task<std::optional<QString>> replaceOriginal(UUID id, QImage image, QRectF rect,
+                                               std::optional<FileStamp> readFrom = {});
   /// Writes that part as a new file into the watched folder, with a record of its own. Gives why it failed, in words.
   Task<Result<UUID, QString>> saveAsNew(UUID id, QImage image, QRectF rect);
 
@@ -297,9 +306,12 @@ class AppModel : private AnalysisRecords {
   NumberedSearchResult moveToStem(const FileURL& url, const QString& stem);
 
   // AppModelReplacing.cpp
-  static Task<std::optional<QString>> runReplacement(Weak<AppModel> self, UUID id, QImage image, QRectF rect);
+  static Task<std::optional<QString>> runReplacement(Weak<AppModel> self, UUID id, QImage image, QRectF rect,
+                                                     FileStamp readFrom);
   static Task<Result<UUID, QString>> runSaveAsNew(Weak<AppModel> self, UUID id, QImage image, QRectF rect);
-  std::optional<QString> putInPlace(const UUID& id, const FileURL& original, const FileURL& temporary);
+  std::optional<QString> putInPlace(const UUID& id, const FileURL& original, const FileURL& temporary,
+                                    const FileStamp& readFrom);
+  void takeBackFromTrash(size_t index, const FileURL& place);
   void finishReplacement(size_t index);
   void finishReplacements();
   static Task<> sweepTemporaries(Weak<AppModel> self, std::vector<Replacement> begun);
@@ -320,11 +332,15 @@ class AppModel : private AnalysisRecords {
   PromptPreviewNotice tell(PromptPreviewNotice notice) const;
 
   // AppModelTransfer.cpp
+  enum class CopyFailure { unavailable, evicted, unreadable };
+  static QString copyMessage(CopyFailure failure, const QString& name);
+  std::function<Result<ScreenshotPasteboardItem, CopyFailure>()> reading(const PromptPreviewTransfer& transfer) const;
   PromptPreviewTransfer transfer(const ScreenshotItem& item, const std::optional<QString>& name) const;
   static Task<> runCopy(Weak<AppModel> self, ScreenshotItem item, ErrorScope scope);
   static Task<std::optional<PromptPreviewNotice>> runTextCopy(Weak<AppModel> self, ScreenshotItem item);
   static Task<std::optional<PreparedTransfer>> runTransfer(Weak<AppModel> self, ScreenshotItem item,
                                                            std::optional<QString> name);
+  ErrorScope scopeNow(ErrorScope scope, const UUID& id) const;
 
   // AppModelAnalysis.cpp
   void startMissingAnalysis();
@@ -391,8 +407,9 @@ class AppModel : private AnalysisRecords {
 
   std::optional<UUID> lastVisiblePromptID_;
   std::optional<PromptNameEdit> promptNameEdit_;
-  QImage promptExtractionImage_;                          ///< the scanned picture, so that saving reads nothing
-  std::optional<FileIdentity> promptExtractionIdentity_;  ///< of the file that it was read from
+  QImage promptExtractionImage_;    ///< the scanned picture, so that saving reads nothing
+  FileStamp promptExtractionFile_;  ///< that it was read from
+  int copyCount_ = 0;
   Task<Result<ImageOperations::WindowScan, ImageOperations::OperationError>> promptWindowScan_;
   bool announcesPromptChangesPolitely_ = false;
   bool announcesShortcutHint_ = true;

@@ -30,7 +30,9 @@ void AppModel::markTemporaryBatch(const std::vector<UUID>& ids, TemporaryDuratio
   UUIDSet decided;
   for (const UUID& id : ids) {
     const ScreenshotItem* item = items_.find(id);
-    if (item && item->state == ScreenshotItem::State::pending && !unavailableItemIDs->contains(id)) decided.insert(id);
+    // The decision that is being carried out in the popup came first.
+    if (!item || isSavingWindow(id) || unavailableItemIDs->contains(id)) continue;
+    if (item->state == ScreenshotItem::State::pending) decided.insert(id);
   }
   if (decided.empty()) return;
   lastTemporaryDuration.set(duration);
@@ -81,8 +83,8 @@ void AppModel::keepBatch(const std::vector<UUID>& ids) {
   UUIDSet kept;
   for (const UUID& id : ids) {
     const auto index = items_.indexOf(id);
-    if (!index || items_[*index].state == ScreenshotItem::State::permanent || unavailableItemIDs->contains(id))
-      continue;
+    if (!index || isSavingWindow(id) || unavailableItemIDs->contains(id)) continue;
+    if (items_[*index].state == ScreenshotItem::State::permanent) continue;
     keepItem(*index);
     kept.insert(id);
   }

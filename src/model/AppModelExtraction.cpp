@@ -25,7 +25,7 @@ Task<std::optional<PromptPreviewNotice>> AppModel::runWindowExtraction(Weak<AppM
   if (self->queueHead() != id) co_return std::nullopt;
 
   self->promptWindowExtraction.set(Extraction{id, Extraction::Detecting{}});
-  const auto identity = self->dependencies_.fileIdentity(item.url);
+  const FileStamp file = self->stampOf(item.url);
   const auto scan = self->dependencies_.scanWindows(item.url);
   self->promptWindowScan_ = scan;
   const auto result = co_await scan;
@@ -42,7 +42,7 @@ Task<std::optional<PromptPreviewNotice>> AppModel::runWindowExtraction(Weak<AppM
     co_return self->tell(PromptPreviewNotice::noWindow);
   }
   self->promptExtractionImage_ = result->image;
-  self->promptExtractionIdentity_ = identity;
+  self->promptExtractionFile_ = file;
   self->promptWindowExtraction.set(Extraction{id, Extraction::Extracted{window->frame}});
   self->announce(
       localized("Showing the extracted window. Keep, Temporary, Copy, and Share use the window instead of the "
@@ -54,7 +54,7 @@ Task<std::optional<PromptPreviewNotice>> AppModel::runWindowExtraction(Weak<AppM
 void AppModel::clearPromptWindowExtraction() {
   std::exchange(promptWindowScan_, {}).cancel();
   promptExtractionImage_ = {};
-  promptExtractionIdentity_.reset();
+  promptExtractionFile_ = {};
   promptWindowExtraction.set(std::nullopt);
 }
 
@@ -66,6 +66,8 @@ PromptPreviewNotice AppModel::tell(PromptPreviewNotice notice) const {
 std::optional<AppModel::ExtractedWindow> AppModel::extractedWindow(const UUID& id) const {
   const auto& extraction = *promptWindowExtraction;
   if (!extraction || extraction->itemID != id || promptExtractionImage_.isNull()) return std::nullopt;
+  // A file that is not here can't be replaced, and its popup offers no way to turn this off.
+  if (unavailableItemIDs->contains(id) || evictedItemIDs->contains(id)) return std::nullopt;
   const auto part = Extraction::shownPart(extraction->phase);
   return part ? std::optional(ExtractedWindow{promptExtractionImage_, *part}) : std::nullopt;
 }
@@ -90,15 +92,12 @@ Task<std::optional<QString>> AppModel::runWindowSaving(Weak<AppModel> self, UUID
   const auto window = self->extractedWindow(id);
   const ScreenshotItem* item = self->items_.find(id);
   if (!window || !item) co_return std::nullopt;
-  // A file that was written anew since is not the picture that the window was found in.
-  if (self->dependencies_.fileIdentity(item->url) != self->promptExtractionIdentity_) {
-    co_return description(OperationError::unreadable);
-  }
   self->promptWindowExtraction.set(Extraction{id, Extraction::Saving{window->crop}});
-  const auto replacing = self->replaceOriginal(id, window->image, window->crop);
+  const auto replacing = self->replaceOriginal(id, window->image, window->crop, self->promptExtractionFile_);
   const auto reason = co_await replacing;
   if (!self || !self->isSavingWindow(id)) co_return reason;
-  if (reason) {
+  // To be tried again, as long as the preview shows it.
+  if (reason && *self->showPopupThumbnail) {
     self->promptWindowExtraction.set(Extraction{id, Extraction::Extracted{window->crop}});
   } else {
     self->clearPromptWindowExtraction();
@@ -113,13 +112,22 @@ Task<bool> AppModel::commitPromptExtraction(UUID id) {
 Task<bool> AppModel::runPromptCommit(Weak<AppModel> self, UUID id) {
   // The decision that came first counts.
   if (self->isSavingWindow(id)) co_return false;
-  const auto reason = co_await self->saveExtractedWindow(id);
+  const auto saving = self->saveExtractedWindow(id);
+  const auto reason = co_await saving;
   if (!reason) co_return true;
   if (!self) co_return false;
-  self->show(
-      self->queueHead() == id ? ErrorScope::popup : ErrorScope::inbox, localized("Couldn’t Save the Window"),
-      *reason + localized(" The screenshot hasn’t changed. Try again, or turn off Extract Window to decide on the "
-                          "whole screenshot."));
+  const ScreenshotItem* item = self->items_.find(id);
+  const bool isExtracted = self->extractedWindow(id).has_value();
+  QString message = *reason + localized(
+                                  " The screenshot hasn’t changed. Try again, or turn off Extract Window to decide "
+                                  "on the whole screenshot.");
+  if (item && isExtracted && self->stampOf(item->url) != self->promptExtractionFile_) {
+    self->clearPromptWindowExtraction();
+    message = localized(
+        "Another app has changed the screenshot since its window was found. Turn on Extract Window again to "
+        "find the window anew.");
+  }
+  self->show(self->scopeNow(ErrorScope::popup, id), localized("Couldn’t Save the Window"), message);
   co_return false;
 }
 

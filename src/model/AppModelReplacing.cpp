@@ -35,12 +35,21 @@ Result<FileURL, Failure> writeCropAsNew(const FileURL& folder, const QString& st
 
 // --- Replace Original ---
 
-Task<std::optional<QString>> AppModel::replaceOriginal(UUID id, QImage image, QRectF rect) {
-  return runReplacement(lifetime_.weak(this), id, std::move(image), rect);
+AppModel::FileStamp AppModel::stampOf(const FileURL& url) const {
+  const auto status = fileStatus(url);
+  return {dependencies_.fileIdentity(url), status ? status->modified : Date{}};
+}
+
+Task<std::optional<QString>> AppModel::replaceOriginal(UUID id, QImage image, QRectF rect,
+                                                       std::optional<FileStamp> readFrom) {
+  const ScreenshotItem* item = items_.find(id);
+  const FileStamp stamp = readFrom ? *readFrom : item ? stampOf(item->url) : FileStamp();
+  return runReplacement(lifetime_.weak(this), id, std::move(image), rect, stamp);
 }
 
 /// Encoding and writing take long and come first, in the background; the two renames that matter follow in one go.
-Task<std::optional<QString>> AppModel::runReplacement(Weak<AppModel> self, UUID id, QImage image, QRectF rect) {
+Task<std::optional<QString>> AppModel::runReplacement(Weak<AppModel> self, UUID id, QImage image, QRectF rect,
+                                                      FileStamp readFrom) {
   const ScreenshotItem* item = self->items_.find(id);
   if (!item) co_return description(OperationError::unreadable);
   const FileURL original = item->url;
@@ -57,15 +66,21 @@ Task<std::optional<QString>> AppModel::runReplacement(Weak<AppModel> self, UUID 
   }
   self->unprotect(id);
   if (!temporary) co_return description(temporary.reason());
-  const auto reason = self->putInPlace(id, original, *temporary);
+  const auto reason = self->putInPlace(id, original, *temporary, readFrom);
   if (reason) self->dependencies_.fileOperations->remove(*temporary);
   co_return reason;
 }
 
 /// Gives why it failed; the original is then where it was, unless it could not be taken back out of Trash.
-std::optional<QString> AppModel::putInPlace(const UUID& id, const FileURL& original, const FileURL& temporary) {
+std::optional<QString> AppModel::putInPlace(const UUID& id, const FileURL& original, const FileURL& temporary,
+                                            const FileStamp& readFrom) {
   const auto index = items_.indexOf(id);
   if (!index || items_[*index].url != original) return description(OperationError::unreadable);
+  // What was written meanwhile is not to be thrown away for a part of what stood there before; nor is a placeholder,
+  // with which the picture itself would go from the cloud.
+  if (stampOf(original) != readFrom || dependencies_.isDataless(original)) {
+    return description(OperationError::unreadable);
+  }
   const auto status = fileStatus(temporary);
   if (!status) return description(OperationError::encoding);
 
@@ -83,12 +98,31 @@ std::optional<QString> AppModel::putInPlace(const UUID& id, const FileURL& origi
   } else if (outcome != FileOutcome::done) {
     reason = trashed.reason;
   } else if (QString refusal; files.move(temporary, original, refusal) != FileOutcome::done) {
-    if (trashed.place) files.restore(*trashed.place, original);
+    if (trashed.place) takeBackFromTrash(*index, *trashed.place);
     reason = refusal;
   }
   if (!reason) finishReplacement(*index);
   replacementJournal_.save(begun);
   return reason;
+}
+
+/// Under a numbered name where another file has taken its own in that moment; the record goes with it.
+void AppModel::takeBackFromTrash(size_t index, const FileURL& place) {
+  constexpr int kMostNumber = 999;
+  const FileURL original = items_[index].url;
+  const std::string extension = original.pathExtension();
+  FileURL target = original;
+  for (int number = 1; number <= kMostNumber; ++number) {
+    const FileOutcome outcome = dependencies_.fileOperations->restore(place, target);
+    if (outcome == FileOutcome::done && target != original) {
+      dependencies_.monitor->noteKnown(target);
+      updateLocation(index, target, std::nullopt);
+      saveNow();
+    }
+    if (outcome != FileOutcome::destinationExists) return;
+    target = original.parent().appending(original.stem() + " (" + std::to_string(number) + ")" +
+                                         (extension.empty() ? "" : "." + extension));
+  }
 }
 
 /// The record's file is another one now, of which nothing is known yet.

@@ -30,28 +30,17 @@ Task<> AppModel::keepAfterTimeout(Weak<AppModel> self, UUID id) {
   const auto name = self->timeoutName(*self->items_.find(id));
   const auto extractionFailure = co_await self->saveExtractedWindow(id);
   if (!self || !self->isUndecided(id)) co_return;
-  if (extractionFailure) self->clearPromptWindowExtraction();
+  const auto& extraction = *self->promptWindowExtraction;
+  if (extractionFailure && extraction && extraction->itemID == id) self->clearPromptWindowExtraction();
 
   using Kind = BackgroundIssue::Kind;
   const size_t index = *self->items_.indexOf(id);
-  const FileURL before = self->items_[index].url;
-  NumberedSearchResult moved{NumberedSearchResult::Outcome::alreadyNamed, before};
-  if (name) moved = self->moveToStem(before, *name);
-  const bool hasMoved = moved.outcome == NumberedSearchResult::Outcome::moved;
-  const bool hasFailed = !hasMoved && moved.outcome != NumberedSearchResult::Outcome::alreadyNamed;
-
-  const auto oldBookmark = self->items_[index].fileBookmark;
-  self->updateItem(index, [&](ScreenshotItem& item) {
-    if (hasMoved) item.url = moved.url;
+  const RenameOutcome renamed = name ? self->renameItem(index, *name) : RenameOutcome::unchanged;
+  const bool hasFailed = renamed == RenameOutcome::failed || renamed == RenameOutcome::unavailable;
+  self->updateItem(index, [](ScreenshotItem& item) {
     item.state = ScreenshotItem::State::permanent;
     item.expiresAt.reset();
   });
-  if (hasMoved) {
-    self->dependencies_.monitor->noteUnknown(before);
-    self->dependencies_.monitor->noteKnown(moved.url);
-    self->refreshBookmark(index, oldBookmark);
-    self->refreshItemAccess(index, std::nullopt);
-  }
   if (extractionFailure) {
     self->backgroundIssue.set(BackgroundIssue{Kind::automaticExtractionFailed});
   } else if (hasFailed) {

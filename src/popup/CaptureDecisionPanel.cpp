@@ -2,6 +2,7 @@
 
 #include <QtCore/QEvent>
 #include <QtGui/QAccessible>
+#include <QtGui/QCloseEvent>
 #include <QtGui/QPainter>
 #include <QtWidgets/QAccessibleWidget>
 #include <QtWidgets/QScrollArea>
@@ -19,7 +20,6 @@ constexpr int kMargin = static_cast<int>(PanelPlacement::kMargin);
 constexpr int kCardWidth = static_cast<int>(PanelPlacement::kCardWidth);
 static_assert(CardShadow::kReach <= kMargin);
 
-constexpr float kOpaqueEdge = 0.6F;
 /// Between the card's upper edge and contents that scroll: these would else run over the edge and its corners.
 constexpr int kScrollInset = 2;
 constexpr int kScrollBarWidth = 6;
@@ -41,6 +41,8 @@ CaptureDecisionPanel::CaptureDecisionPanel(QWidget* card)
   setAttribute(Qt::WA_ShowWithoutActivating);
   setAttribute(Qt::WA_TranslucentBackground);
   setAttribute(Qt::WA_QuitOnClose, false);
+  // It is hardly ever the active window, to whose widgets help is usually limited.
+  setAttribute(Qt::WA_AlwaysShowToolTips);
   setWindowTitle(localized("Screenshot Decision"));
   setAccessibleName(localized("Screenshot Decision"));
   scroll_->setFrameShape(QFrame::NoFrame);
@@ -61,7 +63,7 @@ void CaptureDecisionPanel::makeScrollBar() {
   QScrollBar* hidden = scroll_->verticalScrollBar();
   const auto follow = [this, hidden] {
     scrollBar_->setRange(hidden->minimum(), hidden->maximum());
-    scrollBar_->setPageStep(hidden->pageStep());
+    scrollBar_->setPageStep(scroll_->viewport()->height());  // theirs is told only after the range
     scrollBar_->setSingleStep(hidden->singleStep());
     scrollBar_->setValue(hidden->value());
   };
@@ -98,10 +100,6 @@ void CaptureDecisionPanel::setCompositing(bool isCompositing) {
   if (std::exchange(isCompositing_, isCompositing) != isCompositing) update();
 }
 
-void CaptureDecisionPanel::setOpaque(bool isOpaque) {
-  if (std::exchange(isOpaque_, isOpaque) != isOpaque) update();
-}
-
 QRect CaptureDecisionPanel::cardRect() const {
   return QRect(kMargin, kMargin, kCardWidth, std::max(1, height() - 2 * kMargin));
 }
@@ -133,6 +131,11 @@ void CaptureDecisionPanel::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
 }
 
+void CaptureDecisionPanel::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  if (onCloseRequested) onCloseRequested();
+}
+
 bool CaptureDecisionPanel::event(QEvent* event) {
   if (event->type() == QEvent::WindowDeactivate && onDeactivated) onDeactivated();
   return QWidget::event(event);
@@ -144,16 +147,12 @@ void CaptureDecisionPanel::paintEvent(QPaintEvent*) {
   painter.setRenderHint(QPainter::Antialiasing);
   const QRect card = cardRect();
   const QPainterPath path = CardShape::path(card);
-  QColor edge = isCompositing_ ? theme.hairline : theme.fieldBorder;
-  if (isOpaque_) {
-    edge = theme.text;
-    edge.setAlphaF(kOpaqueEdge);
-  }
+  const QColor edge = isCompositing_ || theme.isHighContrast ? theme.hairline : theme.fieldBorder;
   // Without a compositor the window system cuts the window to the card, and with it the shadow.
   shadow_.paint(painter, card);
   // It cuts at whole pixels, and what of these lies beyond the card would be black.
   if (!isCompositing_) painter.strokePath(path, QPen(theme.fieldBorder, 2));
-  painter.fillPath(path, isOpaque_ ? palette().color(QPalette::Window) : theme.card);
+  painter.fillPath(path, theme.card);
   painter.setPen(QPen(edge, 1));
   painter.drawPath(CardShape::path(QRectF(card).adjusted(0.5, 0.5, -0.5, -0.5)));
 }

@@ -18,8 +18,6 @@ class CaptureDecisionPanel final : public QWidget {
   void setScrolls(bool scrolls);
   /// Without a compositor there is no shadow, and a stronger edge tells the card from what lies below.
   void setCompositing(bool isCompositing);
-  /// The desktop's own window colour and a strong edge, for people who want more contrast.
-  void setOpaque(bool isOpaque);
   /// In the window's points.
   QRect cardRect() const;
   void setFrame(const QRect& frame);
@@ -29,11 +27,14 @@ class CaptureDecisionPanel final : public QWidget {
   int shadowInvalidationCount() const { return shadow_.count(); }
 
   std::function<void()> onDeactivated;
+  /// The window manager was asked to close the window, which stays until the model hides it.
+  std::function<void()> onCloseRequested;
 
  protected:
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void changeEvent(QEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
   bool event(QEvent* event) override;
 
  private:
@@ -46,7 +47,6 @@ class CaptureDecisionPanel final : public QWidget {
   CardShadow shadow_;
   bool scrolls_ = false;
   bool isCompositing_ = true;
-  bool isOpaque_ = false;
   int frameChangeCount_ = 0;
 };
 

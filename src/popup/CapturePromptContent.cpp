@@ -35,7 +35,8 @@ std::optional<CapturePromptContent> CapturePromptContent::make(
   content.contentGeneration = *model.promptContentGeneration;
   content.naming = *model.screenshotNaming;
   content.deletesChosen = *model.deletesChosenImmediately;
-  content.canReadImage = !model.unavailableItemIDs->contains(head->id) && !model.evictedItemIDs->contains(head->id);
+  content.isEvicted = model.evictedItemIDs->contains(head->id);
+  content.canReadImage = !content.isEvicted && !model.unavailableItemIDs->contains(head->id);
   content.isAnalyzing = model.analyzingIDs->contains(head->id);
   content.availability = model.analysisAvailability();
   return content;

@@ -23,6 +23,7 @@ struct CapturePromptContent {
   ScreenshotNaming naming = ScreenshotNaming::original;
   bool deletesChosen = false;  ///< Move to Trash deletes instead
   bool canReadImage = true;    ///< the file is reachable and its data is here
+  bool isEvicted = false;      ///< its data is known to be elsewhere
   bool isAnalyzing = false;
   AnalysisAvailability availability = AnalysisAvailability::enabled;
   std::optional<QSizeF> previewPixelSize;  ///< of what the preview shows
@@ -33,6 +34,8 @@ struct CapturePromptContent {
 
   /// What the preview shows of the picture, in its pixels; none for all of it.
   std::optional<QRectF> shownPart() const;
+  /// Not while a window is being sought, nor while a decision is being carried out.
+  bool canDecide() const { return !windowExtraction || !PromptWindowExtraction::isBusy(*windowExtraction); }
   /// A decision is being carried out.
   bool isSaving() const;
 

@@ -13,6 +13,12 @@ namespace {
 constexpr size_t kMostMeasuredHeights = 8;
 constexpr int kMargin = static_cast<int>(PanelPlacement::kMargin);
 
+/// Also across windows, as from a menu to its button.
+bool belongsTo(const QWidget* widget, const QWidget& window) {
+  while (widget && widget != &window) widget = widget->parentWidget();
+  return widget != nullptr;
+}
+
 }  // namespace
 
 CapturePromptPanelController::CapturePromptPanelController(Services services)
@@ -62,7 +68,10 @@ void CapturePromptPanelController::makePanel(AppModel& model) {
   view_->onFontChanged = [this] { measureAnew(); };
   measuringView_ = std::make_unique<CapturePromptView>(services, nullptr);
   panel_ = std::make_unique<CaptureDecisionPanel>(view_);
+  panel_->onCloseRequested = [this] { view_->closePrompt(); };
   panel_->onDeactivated = [this] {
+    // A question of ours gives the keyboard back by itself.
+    if (QApplication::activeModalWidget()) return;
     previousWindow_ = 0;
     // The person has gone elsewhere: a click on a button must leave the keyboard there.
     panel_->windowHandle()->setFlag(Qt::WindowDoesNotAcceptFocus, true);
@@ -124,6 +133,7 @@ void CapturePromptPanelController::applyUpdate() {
   isApplyingUpdate_ = false;
 }
 
+/// Both frames are in whole points, so that a difference of half a point is none.
 void CapturePromptPanelController::setFrame(const QRect& frame) {
   if (frame == panel_->geometry()) return;
   panel_->setFrame(frame);
@@ -176,7 +186,10 @@ void CapturePromptPanelController::hide() {
   // A popup that never had the keyboard has none to give back.
   if (!hadKeyboard || previous == 0) return;
   services_.executor->post([self = lifetime_.weak(this), previous] {
-    if (self) self->services_.windowSystem->activate(previous);
+    // The window manager may have given it back by itself.
+    if (self && self->services_.windowSystem->activeWindow() != previous) {
+      self->services_.windowSystem->activate(previous);
+    }
   });
 }
 
@@ -197,7 +210,7 @@ void CapturePromptPanelController::takeKeyboard() {
 bool CapturePromptPanelController::isPointerEngaged() const {
   if (!panel_ || !panel_->isVisible()) return false;
   // A menu of the card may reach beyond it.
-  if (panel_->isActiveWindow() || QApplication::activePopupWidget()) return true;
+  if (panel_->isActiveWindow() || belongsTo(QApplication::activePopupWidget(), *panel_)) return true;
   const QRect card = panel_->cardRect().translated(panel_->geometry().topLeft());
   return card.contains(LivePanelScreens::toQt(QRectF(services_.screens->mouseLocation(), QSizeF(0, 0))).topLeft());
 }

@@ -21,6 +21,12 @@ namespace {
 constexpr int kPadding = 16;
 constexpr int kRowSpacing = 12;
 
+/// A key that is held decides one screenshot, and not all that come after it.
+bool repeatsDecision(const QKeyEvent& event) {
+  const int key = event.key();
+  return event.isAutoRepeat() && (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape);
+}
+
 }  // namespace
 
 CapturePromptView::CapturePromptView(Services services, QWidget* parent)
@@ -46,7 +52,7 @@ CapturePromptView::CapturePromptView(Services services, QWidget* parent)
 }
 
 void CapturePromptView::wire() {
-  header_->onClose = [this] { runGated([this] { model_.dismissPrompt(); }); };
+  header_->onClose = [this] { closePrompt(); };
   preview_->onDragBegun = [this] { drag(lifetime_.weak(this)).detach(); };
   preview_->actions().onExtract = [this] { toggleExtraction(); };
   preview_->actions().onCopyText = [this] { copyText(); };
@@ -108,18 +114,19 @@ void CapturePromptView::show(const CapturePromptContent& content) {
 
 void CapturePromptView::clear() {
   content_.reset();
-  preview_->notice().clear();
+  preview_->clear();
   noticeRow_->clear();
+  details_->nameField().clear();
 }
 
 /// A main button that can't be pressed for a moment gets the keyboard back afterwards, instead of leaving it to
 /// whichever control comes next.
 void CapturePromptView::showActions() {
   QWidget* main = actions_->mainButton();
-  const bool hadFocus = main->hasFocus() || hasFocus();
-  if (hadFocus) setFocus(Qt::OtherFocusReason);
+  const bool couldDecide = actions_->canDecide();
+  if (!content_->canDecide() && main->hasFocus()) setFocus(Qt::OtherFocusReason);
   actions_->show(*content_);
-  if (hadFocus && actions_->canDecide()) main->setFocus(Qt::OtherFocusReason);
+  if (!couldDecide && content_->canDecide() && hasFocus()) main->setFocus(Qt::OtherFocusReason);
 }
 
 void CapturePromptView::beginItem() {
@@ -227,18 +234,31 @@ void CapturePromptView::chooseTrash() {
   if (!gateAllows()) return;
   const ScreenshotItem item = content_->item;
   const bool isDeleting = *model_.deletesChosenImmediately;
-  if (isDeleting && !services_.confirmDeletion(item.url.displayName())) return;
+  if (isDeleting && !confirmDeletion(item)) return;
   model_.disposeItem(item, ErrorScope::popup, AppModel::DisposalReason::chosen);
   if (model_.items().find(item.id)) return;  // refused: the banner says why
   model_.announce(isDeleting ? localized("Screenshot deleted.") : localized("Screenshot moved to Trash."),
                   AnnouncementPriority::low);
 }
 
+/// The popup stays as it is while the question is open.
+bool CapturePromptView::confirmDeletion(const ScreenshotItem& item) {
+  model_.protect(item.id);
+  const bool isConfirmed = services_.confirmDeletion(item.url.displayName());
+  model_.unprotect(item.id);
+  return isConfirmed;
+}
+
+void CapturePromptView::closePrompt() {
+  runGated([this] { model_.dismissPrompt(); });
+}
+
 void CapturePromptView::keyPressEvent(QKeyEvent* event) {
+  if (repeatsDecision(*event)) return;
   if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
     if (actions_->canDecide()) chooseTemporary();
   } else if (event->key() == Qt::Key_Escape) {
-    runGated([this] { model_.dismissPrompt(); });
+    closePrompt();
   } else {
     QWidget::keyPressEvent(event);
   }
@@ -255,7 +275,7 @@ bool CapturePromptView::handleNameKey(int key) {
   if (field.text() != nameSeed_) {
     field.setText(nameSeed_);
   } else {
-    runGated([this] { model_.dismissPrompt(); });
+    closePrompt();
   }
   return true;
 }
@@ -271,9 +291,11 @@ bool CapturePromptView::eventFilter(QObject* watched, QEvent* event) {
         QMetaObject::invokeMethod(
             this, [this] { reportEdit(); }, Qt::QueuedConnection);
         break;
-      case QEvent::KeyPress:
-        if (handleNameKey(static_cast<QKeyEvent*>(event)->key())) return true;
+      case QEvent::KeyPress: {
+        const auto& key = static_cast<QKeyEvent&>(*event);
+        if (repeatsDecision(key) || handleNameKey(key.key())) return true;
         break;
+      }
       default:
         break;
     }

@@ -35,6 +35,8 @@ class CapturePromptView final : public QWidget {
   CapturePromptView(Services services, QWidget* parent);
 
   void show(const CapturePromptContent& content);
+  /// As the close button does: the screenshot stays, and the next one comes up.
+  void closePrompt();
   /// The popup has closed: whatever it shows next starts anew, also the same screenshot.
   void clear();
   /// At the card's width, margins included; for the content shown last, without what comes and goes by itself.
@@ -64,6 +66,7 @@ class CapturePromptView final : public QWidget {
   void chooseTemporary();
   void chooseKeep();
   void chooseTrash();
+  bool confirmDeletion(const ScreenshotItem& item);
   bool handleNameKey(int key);
   void toggleExtraction();
   void copyText();

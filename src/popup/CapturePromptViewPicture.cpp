@@ -103,7 +103,6 @@ Task<> CapturePromptView::copyText(Weak<CapturePromptView> self) {
 void CapturePromptView::setCopyingText(bool isCopying) {
   isCopyingText_ = isCopying;
   preview_->actions().setCopyingText(isCopying);
-  textActions_->setCopyingText(isCopying);
 }
 
 void CapturePromptView::tell(std::optional<PromptPreviewNotice> notice) {
@@ -137,6 +136,7 @@ Task<> CapturePromptView::share(Weak<CapturePromptView> self, QWidget* anchor) {
 
 /// The file is made ready first, which takes a moment for one under another name.
 Task<> CapturePromptView::drag(Weak<CapturePromptView> self) {
+  if (!self->content_ || !self->content_->canReadImage) co_return;
   const UUID id = self->content_->item.id;
   const auto preparing = self->model_.prepareTransfer(self->content_->item, self->newName());
   const auto prepared = co_await preparing;

@@ -1,6 +1,7 @@
 #include "popup/DurationPicker.h"
 
 #include <QtGui/QPainter>
+#include <QtGui/QWheelEvent>
 
 #include "controls/ActionButton.h"
 #include "controls/Grounds.h"
@@ -41,6 +42,11 @@ QSize DurationPicker::sizeHint() const {
     widest = std::max(widest, fontMetrics().horizontalAdvance(text));
   }
   return {widest + 2 * kPadding + kChevron + 6, kHeight};
+}
+
+/// The time changes by choice alone, never because somebody scrolls past it.
+void DurationPicker::wheelEvent(QWheelEvent* event) {
+  event->ignore();
 }
 
 void DurationPicker::paintEvent(QPaintEvent*) {

@@ -16,6 +16,7 @@ class DurationPicker final : public QComboBox {
 
  protected:
   void paintEvent(QPaintEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
 };
 
 }  // namespace quillmere

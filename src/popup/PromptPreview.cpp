@@ -24,7 +24,11 @@ PromptPreview::PromptPreview(Executor& executor, ThumbnailLoader& thumbnails, QW
       actions_(new PromptPreviewActions(this)),
       notice_(new PromptPreviewNoticeView(executor, this)) {
   setFixedWidth(kPreviewWidth);
-  thumbnail_->onPictureChanged = [this] { placeOverlays(); };
+  thumbnail_->onPictureChanged = [this] {
+    placeOverlays();
+    // It hears of no pointer.
+    setToolTip(thumbnail_->toolTip());
+  };
   // Presses on the picture are for this widget, which drags it.
   thumbnail_->setAttribute(Qt::WA_TransparentForMouseEvents);
   notice_->setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -39,17 +43,23 @@ void PromptPreview::show(const CapturePromptContent& content) {
   // A copy that is only measured needs no picture.
   if (!content.reportsEdits) return;
   thumbnail_->setAccessibleDescription(
-      isWindow ? localized("Drag this preview into another app to put the extracted window there as an image.")
-               : localized("Drag this preview into another app to put the screenshot’s file there."));
+      !content.canReadImage ? QString()
+      : isWindow ? localized("Drag this preview into another app to put the extracted window there as an image.")
+                 : localized("Drag this preview into another app to put the screenshot’s file there."));
   ScreenshotThumbnail::Content picture;
   picture.url = content.item.url;
   picture.maxPointSize = kPreviewWidth;
   picture.accessibilityLabel = isWindow ? localized("Extracted window preview") : localized("Screenshot preview");
   picture.identity = content.item.fileIdentity;
-  picture.hasImageData = content.canReadImage;
+  picture.hasImageData = !content.isEvicted;
   picture.cornerRadius = kCornerRadius;
   picture.crop = content.shownPart();
   thumbnail_->show(picture);
+}
+
+void PromptPreview::clear() {
+  notice_->clear();
+  thumbnail_->clear();
 }
 
 QPixmap PromptPreview::dragPicture() const {

@@ -18,6 +18,8 @@ class PromptPreview final : public QWidget {
   PromptPreview(Executor& executor, ThumbnailLoader& thumbnails, QWidget* parent);
 
   void show(const CapturePromptContent& content);
+  /// Lets go of the picture.
+  void clear();
   PromptPreviewActions& actions() const { return *actions_; }
   PromptPreviewNoticeView& notice() const { return *notice_; }
   /// The person has begun to drag the picture; the button is still down.

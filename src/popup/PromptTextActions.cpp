@@ -21,10 +21,6 @@ PromptTextActions::PromptTextActions(QWidget* parent) : QWidget(parent) {
   for (QWidget* control : controls()) row->addWidget(control);
 }
 
-void PromptTextActions::setCopyingText(bool isCopying) {
-  copyText_->setEnabled(!isCopying);
-}
-
 std::vector<QWidget*> PromptTextActions::controls() const {
   return {copyText_, share_};
 }

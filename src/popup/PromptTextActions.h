@@ -13,7 +13,6 @@ class PromptTextActions final : public QWidget {
  public:
   explicit PromptTextActions(QWidget* parent);
 
-  void setCopyingText(bool isCopying);
   std::function<void()> onCopyText;
   std::function<void(QWidget& anchor)> onShare;
   /// For the order of the card's controls.

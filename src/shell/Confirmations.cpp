@@ -1,6 +1,7 @@
 #include "shell/Confirmations.h"
 
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
 
@@ -15,6 +16,8 @@ bool ask(const QString& question, const QString& details, const QString& action)
   box.setIcon(QMessageBox::Question);
   box.setText(question);
   box.setInformativeText(details);
+  // File names stand in them.
+  for (QLabel* label : box.findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
   QPushButton* confirm = box.addButton(action, QMessageBox::DestructiveRole);
   QPushButton* cancel = box.addButton(localized("Cancel"), QMessageBox::RejectRole);
   confirm->setAutoDefault(false);

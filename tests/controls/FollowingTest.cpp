@@ -3,6 +3,7 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QCheckBox>
+#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QSpinBox>
 
 #include "controls/ActionButton.h"
@@ -121,6 +122,15 @@ TEST_F(FollowingTest, HigherContrastOutlinesControls) {
   }
   show(of(Scheme::dark));
   EXPECT_FALSE(shows(box, Qt::white));
+}
+
+TEST_F(FollowingTest, AFieldThatShallHaveNoFrameGetsNone) {
+  show(of(Scheme::dark, true));
+  QLineEdit field;
+  field.resize(field.sizeHint());
+  EXPECT_TRUE(shows(field, theme().fieldBorder));
+  field.setFrame(false);
+  EXPECT_FALSE(shows(field, theme().fieldBorder));
 }
 
 TEST_F(FollowingTest, AButtonHasAnOutlineOnlyInHigherContrast) {

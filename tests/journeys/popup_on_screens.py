@@ -48,7 +48,10 @@ class Stage:
     def expect_corner(self, what, x, y):
         """The card stands in from there by its margin."""
         margin = round(IN * self.desktop.scale)
-        wait_until(f"{what}: in from {x}, {y}", lambda: self.corner() == (x - margin, y - margin))
+        # Where a point is no whole number of pixels, place and height are each rounded.
+        off = 0 if self.desktop.scale == int(self.desktop.scale) else 1
+        wait_until(f"{what}: in from {x}, {y}",
+                   lambda: all(abs(seen - edge + margin) <= off for seen, edge in zip(self.corner(), (x, y))))
 
 
 def two_screens(desktop):
@@ -103,6 +106,20 @@ def docks(desktop):
     stage.expect_corner("and down", 1280, 800)
 
 
+def docks_on_two_screens(desktop):
+    stage = Stage(desktop)
+    # Below the right screen, which ends 32 pixels before the display does.
+    with Dock(desktop, 1280, 718, 1024, 50, bottom=82):
+        stage.show(at=(1900, 300))
+        stage.expect_corner("above the dock of its screen", 2304, 718)
+        stage.dismiss()
+        stage.show(at=(100, 100))
+        stage.expect_corner("the other screen has none", 1280, 800)
+        with Dock(desktop, 0, 770, 1280, 30, bottom=30):
+            stage.expect_corner("until it has one", 1280, 770)
+        stage.expect_corner("which ends", 1280, 800)
+
+
 def scaled_screens(desktop):
     stage = Stage(desktop)
     with Dock(desktop, 1920, 1140, 1920, 60, bottom=60):
@@ -131,6 +148,7 @@ run_side_by_side("popup-on-screens", {
     "first-is-right": (the_first_screen_stands_right,
                        {"size": "2304x900", "monitors": {"right": "1280x800+1024+100", "left": "1024x768+0+0"}}),
     "docks": (docks, {}),
+    "docks-on-two": (docks_on_two_screens, {"size": "2304x800", "monitors": {"left": LEFT, "right": RIGHT}}),
     "scaled": (scaled_screens,
                {"size": "3840x1200", "scale": 1.5,
                 "monitors": {"left": "1920x1200+0+0", "right": "1920x1200+1920+0"}}),

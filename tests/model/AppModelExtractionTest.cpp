@@ -1,3 +1,6 @@
+#include <chrono>
+#include <filesystem>
+
 #include "imaging/ImageOperations.h"
 #include "model/ModelFixture.h"
 
@@ -229,8 +232,83 @@ TEST_F(AppModelExtraction, AFileWrittenAnewSinceIsNotReplaced) {
   model->keepPrompt(id).detach();
   executor.drain();
   EXPECT_EQ(stateOf(id), State::pending);
-  EXPECT_TRUE(model->promptError->has_value());
+  ASSERT_TRUE(model->promptError->has_value());
+  EXPECT_EQ(
+      (*model->promptError)->message,
+      "Another app has changed the screenshot since its window was found. Turn on Extract Window again to find the "
+      "window anew.");
+  EXPECT_EQ(phase(), std::nullopt) << "it could never be saved";
   EXPECT_THAT(files.trashed, IsEmpty());
+}
+
+TEST_F(AppModelExtraction, AFileWrittenWhileItsWindowIsBeingSavedIsNotThrownAway) {
+  const UUID id = arriveExtracted("shot.png");
+  model->keepPrompt(id).detach();
+  writeFile(item(id).url, "edited");
+  executor.drain();
+  EXPECT_THAT(files.trashed, IsEmpty());
+  EXPECT_EQ(readBytes(item(id).url), "edited");
+  EXPECT_EQ(stateOf(id), State::pending);
+  EXPECT_TRUE(model->promptError->has_value());
+}
+
+TEST_F(AppModelExtraction, ARewriteOfTheSameLengthIsNoticed) {
+  const UUID id = arriveExtracted("shot.png");
+  const std::string before = readBytes(item(id).url);
+  writeFile(item(id).url, std::string(before.size(), 'x'));
+  std::filesystem::last_write_time(item(id).url.path(),
+                                   std::filesystem::file_time_type::clock::now() + std::chrono::seconds(5));
+  model->keepPrompt(id).detach();
+  executor.drain();
+  EXPECT_THAT(files.trashed, IsEmpty());
+}
+
+TEST_F(AppModelExtraction, AFileEvictedWhileItsWindowIsBeingSavedStays) {
+  const UUID id = arriveExtracted("shot.png");
+  model->keepPrompt(id).detach();
+  dataless.insert(item(id).url.path());
+  executor.drain();
+  EXPECT_THAT(files.trashed, IsEmpty());
+  EXPECT_TRUE(fileExists(item(id).url));
+  EXPECT_EQ(stateOf(id), State::pending);
+}
+
+TEST_F(AppModelExtraction, AFailedSaveAfterThePreviewWentOffForgetsTheWindow) {
+  const UUID id = arriveExtracted("shot.png");
+  files.refuse(item(id).url);
+  model->keepPrompt(id).detach();
+  model->setShowPopupThumbnail(false);
+  executor.drain();
+  EXPECT_EQ(phase(), std::nullopt);
+}
+
+TEST_F(AppModelExtraction, AnOriginalWhoseNameWasTakenComesBackUnderANumber) {
+  const UUID id = arriveExtracted("shot.png");
+  const FileURL url = item(id).url;
+  const std::string before = readBytes(url);
+  files.refusesReplacements = true;
+  files.onTrash = [&] {
+    // Between the two steps another program saves under the name.
+    files.onMove = [&](const FileURL& from, const FileURL& to) {
+      if (to == url && from.lastPathComponent().starts_with(".quillmere-replacing-")) writeFile(url, "another one");
+    };
+  };
+  model->keepPrompt(id).detach();
+  executor.drain();
+  EXPECT_EQ(readBytes(url), "another one");
+  EXPECT_EQ(item(id).url, shots.appending("shot (1).png"));
+  EXPECT_EQ(readBytes(item(id).url), before);
+  EXPECT_EQ(stateOf(id), State::pending);
+}
+
+TEST_F(AppModelExtraction, ADecisionInTheInboxComesSecond) {
+  const UUID id = arriveExtracted("shot.png");
+  model->keepPrompt(id).detach();
+  model->markTemporaryBatch({id}, TemporaryDuration::oneHour);
+  model->keepBatch({id});
+  EXPECT_EQ(stateOf(id), State::pending);
+  executor.drain();
+  EXPECT_EQ(stateOf(id), State::permanent);
 }
 
 TEST_F(AppModelExtraction, TheFirstOfTwoDecisionsCounts) {
@@ -268,6 +346,27 @@ TEST_F(AppModelExtraction, SavingWithoutAWindowSucceedsAndDoesNothing) {
   EXPECT_EQ(sizeOf(item(other).url), picture().size());
 }
 
+TEST_F(AppModelExtraction, GoesOffWithThePreviewThatShowsIt) {
+  const UUID id = arriveExtracted("shot.png");
+  model->setShowPopupThumbnail(false);
+  EXPECT_EQ(phase(), std::nullopt);
+  model->keepPrompt(id).detach();
+  executor.drain();
+  EXPECT_EQ(sizeOf(item(id).url), picture().size());
+}
+
+TEST_F(AppModelExtraction, OfAFileThatIsNotHereAnyMoreHoldsNothingUp) {
+  const UUID id = arriveExtracted("shot.png");
+  dataless.insert(item(id).url.path());
+  reconcileAll();
+  ASSERT_TRUE(model->evictedItemIDs->contains(id));
+  model->keepPrompt(id).detach();
+  executor.drain();
+  EXPECT_EQ(stateOf(id), State::permanent);
+  EXPECT_FALSE(model->promptError->has_value());
+  EXPECT_TRUE(files.trashed.empty());
+}
+
 class ExtractionAtTimeout : public AppModelExtraction {
  protected:
   void SetUp() override {
@@ -285,12 +384,17 @@ TEST_F(ExtractionAtTimeout, KeepsTheWindow) {
   EXPECT_EQ(banner(), std::nullopt);
 }
 
-TEST_F(ExtractionAtTimeout, TakesATypedNameToo) {
+TEST_F(ExtractionAtTimeout, TakesTheNameThatWasSuggestedForTheWholeScreenshot) {
+  model->setScreenshotNaming(ScreenshotNaming::suggested);
+  analyzer.text = QStringLiteral("text");
+  analyzer.immediateDescriptions = {ScreenshotAnalysisResult{QStringLiteral("A window"), QStringLiteral("Notes")}};
   const UUID id = arriveExtracted("shot.png");
-  model->setPromptNameEdit(AppModel::PromptNameEdit{id, QStringLiteral("Typed"), false, false});
-  model->setPromptNameEdit(AppModel::PromptNameEdit{id, QStringLiteral("Typed"), true, false});
-  advance(10);
-  EXPECT_EQ(stateOf(id), State::pending) << "naming holds the clock";
+  executor.drain();
+  ASSERT_EQ(item(id).suggestedName, "Notes");
+  advance(3.5);
+  executor.drain();
+  EXPECT_EQ(item(id).url, shots.appending("Notes.png"));
+  EXPECT_EQ(sizeOf(item(id).url), QSize(30, 40));
 }
 
 TEST_F(ExtractionAtTimeout, WaitsWhileTheWindowIsBeingSought) {

@@ -108,6 +108,56 @@ TEST_F(AppModelTransfer, TellsThatAFileCouldNotBeRead) {
       "again.");
 }
 
+TEST_F(AppModelTransfer, AFileWhoseEvictionIsNotKnownYetIsNotRead) {
+  const UUID id = arrive("shot.png");
+  dataless.insert(item(id).url.path());
+  copy(id);
+  expectError(
+      "“shot.png” isn’t on this computer, so nothing was copied. Choose Download, or open it in your file manager, "
+      "then "
+      "try again.");
+}
+
+TEST_F(AppModelTransfer, AFileThatADecisionNamedMeanwhileIsCopiedAllTheSame) {
+  const UUID id = arrive("shot.png");
+  model->copy(item(id), ErrorScope::popup).detach();
+  model->keepPrompt(id, QStringLiteral("Invoice")).detach();
+  executor.drain();
+  ASSERT_THAT(pasteboard.items, SizeIs(1));
+  EXPECT_EQ(pasteboard.items[0].url, shots.appending("Invoice.png"));
+  EXPECT_EQ(pasteboard.items[0].data, "shot.png");
+}
+
+TEST_F(AppModelTransfer, AFailureIsNotShownOnAnotherScreenshot) {
+  const UUID id = arrive("shot.png");
+  arrive("next.png");
+  model->copy(item(id), ErrorScope::popup).detach();
+  deleteFile(item(id).url);
+  model->dismissPrompt();
+  executor.drain();
+  EXPECT_FALSE(model->promptError->has_value());
+  EXPECT_TRUE(model->inboxError->has_value());
+}
+
+TEST_F(AppModelTransfer, OfTwoCopiesTheLastCounts) {
+  const UUID first = arrive("first.png");
+  const UUID second = arrive("second.png");
+  model->copy(item(first), ErrorScope::popup).detach();
+  model->copy(item(second), ErrorScope::popup).detach();
+  executor.drain();
+  ASSERT_THAT(pasteboard.items, SizeIs(1));
+  EXPECT_EQ(pasteboard.items[0].data, "second.png");
+}
+
+TEST_F(AppModelTransfer, PreparesTheWholeScreenshotWhileItsWindowIsSought) {
+  const UUID id = arrive("shot.png");
+  model->setPromptWindowExtraction(item(id), true).detach();
+  const auto prepared = model->prepareTransfer(item(id), std::nullopt);
+  executor.drain();
+  ASSERT_TRUE(prepared.await_resume());
+  EXPECT_EQ(prepared.await_resume()->file, item(id).url);
+}
+
 TEST_F(AppModelTransfer, CopiesTheTextInAScreenshot) {
   analyzer.text = QStringLiteral("two\nlines");
   const UUID id = arrive("shot.png");

@@ -6,6 +6,7 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QMenu>
 
 #include "model/ModelFixture.h"
 #include "popup/FakeSharing.h"
@@ -43,7 +44,8 @@ class FakeWindowSystem final : public PanelWindowSystem {
     give(window);
   }
   /// Gives one of this program's windows the keyboard, or with another number takes it away.
-  static void give(quintptr number) {
+  void give(quintptr number) {
+    active = number;
     QWindow* ours = nullptr;
     for (QWindow* window : QGuiApplication::allWindows()) {
       if (window->handle() && window->winId() == number) ours = window;
@@ -100,7 +102,7 @@ class CapturePromptPanelControllerTest : public testing::ModelFixture {
   /// The test platform gives each new window the keyboard; a popup must not have it.
   void settle() {
     QCoreApplication::processEvents();
-    FakeWindowSystem::give(kEditor);
+    windowSystem.give(kEditor);
     executor.drain();
   }
   bool isVisible() const { return popup->panel() && popup->panel()->isVisible(); }
@@ -470,6 +472,16 @@ TEST_F(CapturePromptPanelControllerTest, TheReviewTakesTheKeyboardAndClosingGive
   EXPECT_EQ(windowSystem.activated.back(), kEditor);
 }
 
+TEST_F(CapturePromptPanelControllerTest, WhereTheWindowManagerGaveTheKeyboardBackNothingIsActivated) {
+  show();
+  model->reviewPending(false);
+  windowSystem.activated.clear();
+  model->dismissPrompt();
+  windowSystem.active = kEditor;
+  executor.drain();
+  EXPECT_TRUE(windowSystem.activated.empty());
+}
+
 TEST_F(CapturePromptPanelControllerTest, ClosingAPopupThatNeverHadTheKeyboardActivatesNothing) {
   show();
   model->dismissPrompt();
@@ -481,7 +493,7 @@ TEST_F(CapturePromptPanelControllerTest, AfterThePersonWentElsewhereClosingActiv
   show();
   model->reviewPending(false);
   ASSERT_TRUE(popup->panel()->isActiveWindow());
-  FakeWindowSystem::give(0);
+  windowSystem.give(0);
   ASSERT_FALSE(popup->panel()->isActiveWindow());
   windowSystem.activated.clear();
   model->dismissPrompt();
@@ -494,7 +506,7 @@ TEST_F(CapturePromptPanelControllerTest, FromAWindowOfThisProgramNothingIsGivenB
   inbox.show();
   QCoreApplication::processEvents();
   show();
-  FakeWindowSystem::give(inbox.winId());
+  windowSystem.give(inbox.winId());
   ASSERT_TRUE(inbox.isActiveWindow());
   model->reviewPending(false);
   ASSERT_TRUE(popup->panel()->isActiveWindow());
@@ -552,6 +564,34 @@ TEST_F(CapturePromptPanelControllerTest, APopupWithTheKeyboardIsEngagedWhereverT
   EXPECT_FALSE(popup->isPointerEngaged());
   model->reviewPending(false);
   EXPECT_TRUE(popup->isPointerEngaged());
+}
+
+TEST_F(CapturePromptPanelControllerTest, AMenuOfAnotherWindowDoesNotEngage) {
+  show();
+  QMenu menu;
+  menu.addAction(QStringLiteral("Entry"));
+  menu.popup(QPoint(0, 0));
+  ASSERT_EQ(QApplication::activePopupWidget(), &menu);
+  EXPECT_FALSE(popup->isPointerEngaged());
+}
+
+TEST_F(CapturePromptPanelControllerTest, ClosingTheWindowDismissesTheScreenshot) {
+  show();
+  arrive("2.png");
+  settle();
+  popup->panel()->close();
+  EXPECT_EQ(queue().size(), 2u) << "not within the time in which clicks are dropped";
+  EXPECT_TRUE(isVisible());
+  executor.advance(PromptActionGate::kDelay);
+  popup->panel()->close();
+  settle();
+  EXPECT_TRUE(isVisible());
+  EXPECT_EQ(popup->content()->item.url, shots.appending("2.png"));
+}
+
+TEST_F(CapturePromptPanelControllerTest, HelpAppearsThoughTheWindowIsNotActive) {
+  show();
+  EXPECT_TRUE(popup->panel()->testAttribute(Qt::WA_AlwaysShowToolTips));
 }
 
 TEST_F(CapturePromptPanelControllerTest, AnOpenMenuEngages) {

@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "controls/ActionButton.h"
+#include "controls/ScreenshotThumbnail.h"
 #include "model/ModelFixture.h"
 #include "popup/DurationPicker.h"
 #include "popup/FakeSharing.h"
@@ -33,6 +34,7 @@ class CapturePromptViewTest : public testing::ModelFixture {
     CapturePromptView::Services services{model.get(), &executor, &thumbnails, &sharing, {}};
     services.confirmDeletion = [this](const QString& fileName) {
       confirmed.push_back(fileName);
+      if (onQuestion) onQuestion();
       return confirms;
     };
     view = std::make_unique<CapturePromptView>(services, nullptr);
@@ -108,6 +110,7 @@ class CapturePromptViewTest : public testing::ModelFixture {
   int keyboardWanted = 0;
   std::vector<QString> confirmed;
   bool confirms = true;
+  std::function<void()> onQuestion;
 };
 
 // --- What it starts with ---
@@ -794,6 +797,96 @@ TEST_F(CapturePromptViewTest, EveryControlHasItsNameHelpAndHint) {
   EXPECT_EQ(field()->accessibleDescription(),
             QStringLiteral("Return saves this screenshot as Temporary with this name. Escape puts back the name it "
                            "started with."));
+}
+
+// --- What must not happen unnoticed ---
+
+TEST_F(CapturePromptViewTest, AHeldReturnDecidesOneScreenshotAlone) {
+  const UUID second = arrive("2.png");
+  const auto hold = [this](int key) {
+    for (int i = 0; i < 20; ++i) {
+      QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, {}, i > 0);
+      QApplication::sendEvent(QApplication::focusWidget(), &event);
+      refresh();
+      executor.advance(std::chrono::milliseconds(33));
+    }
+  };
+  hold(Qt::Key_Return);
+  EXPECT_EQ(stateOf(id), State::temporary);
+  EXPECT_EQ(stateOf(second), State::pending);
+  field()->setFocus();
+  hold(Qt::Key_Escape);
+  arrive("3.png");
+  refresh();
+  pastGate();
+  hold(Qt::Key_Return);
+  EXPECT_EQ(stateOf(model->items()[0].id), State::temporary);
+}
+
+TEST_F(CapturePromptViewTest, TheWheelDoesNotChangeTheDuration) {
+  const TemporaryDuration before = picker()->duration();
+  const QPointF middle = QRectF(picker()->rect()).center();
+  for (const int delta : {120, -120}) {
+    QWheelEvent event(middle, picker()->mapToGlobal(middle), {}, QPoint(0, delta), Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(picker(), &event);
+    EXPECT_EQ(picker()->duration(), before);
+  }
+}
+
+TEST_F(CapturePromptViewTest, AChangeOfTheContentMovesNoFocus) {
+  ASSERT_EQ(QApplication::focusWidget(), button("Temporary"));
+  int moves = 0;
+  const auto connection = QObject::connect(qApp, &QApplication::focusChanged, [&] { ++moves; });
+  arrive("2.png");
+  refresh();
+  model->show(ErrorScope::popup, QStringLiteral("Title"), QStringLiteral("Message"));
+  refresh();
+  EXPECT_EQ(moves, 0);
+  QObject::disconnect(connection);
+}
+
+TEST_F(CapturePromptViewTest, CopyTextWithoutThePreviewKeepsTheFocus) {
+  model->setShowPopupThumbnail(false);
+  refresh();
+  analyzer.holdsReadings = true;
+  button("Copy Text")->setFocus();
+  press(Qt::Key_Space);
+  EXPECT_EQ(QApplication::focusWidget(), button("Copy Text"));
+  press(Qt::Key_Space);
+  executor.drain();
+  EXPECT_EQ(analyzer.readings.size(), 1U);
+}
+
+TEST_F(CapturePromptViewTest, ThePopupWaitsForTheAnswerWhetherToDelete) {
+  model->setPopupAutoSaveEnabled(true);
+  model->setPopupAutoSaveSeconds(3);
+  model->setDeletesChosenImmediately(true);
+  refresh();
+  onQuestion = [this] { executor.advance(std::chrono::seconds(10)); };
+  confirms = false;
+  click("Delete");
+  EXPECT_EQ(confirmed.size(), 1U);
+  EXPECT_EQ(stateOf(id), State::pending);
+}
+
+TEST_F(CapturePromptViewTest, AClosedPopupLetsGoOfItsTextAndPicture) {
+  type(QStringLiteral("Typed"));
+  view->clear();
+  EXPECT_EQ(field()->text(), QString());
+  EXPECT_TRUE(part<ScreenshotThumbnail>().image().isNull());
+  EXPECT_EQ(model->promptNameEdit()->text, QStringLiteral("Typed")) << "nothing was edited by that";
+}
+
+TEST_F(CapturePromptViewTest, APictureThatIsElsewhereHasItsHelpAndOffersNoDrag) {
+  dataless.insert(item(id).url.path());
+  reconcileAll();
+  refresh();
+  executor.drain();
+  EXPECT_EQ(part<PromptPreview>().toolTip(),
+            QStringLiteral("The image isn’t on this computer. Choose Download, or open the screenshot in your file "
+                           "manager, to bring it back."));
+  EXPECT_EQ(part<ScreenshotThumbnail>().accessibleDescription(), QString());
 }
 
 }  // namespace

@@ -55,6 +55,7 @@ LiveServices::LiveServices(const ApplicationPaths& paths)
       mounts(&systemEvents),
       securityScope(mounts),
       watchFolderStore(defaults, mounts),
+      announcer(executor),
       sharing(executor),
       languageModel(executor, ModelServerPlaces::standard(defaults), &systemNow),
       analyzer(executor, languageModel, &CloudFiles::isDataless),
@@ -88,7 +89,9 @@ AppModelDependencies LiveServices::dependencies(const ApplicationPaths& paths) {
   dependencies.announcer = &announcer;
   dependencies.pasteboard = &pasteboard;
   dependencies.transferFiles = TransferFiles(paths.transfers);
-  dependencies.scanWindows = [this](const FileURL& url) { return ImageOperations::scanWindows(executor, url); };
+  dependencies.scanWindows = [this](const FileURL& url) {
+    return ImageOperations::scanWindows(executor, url, &CloudFiles::isDataless);
+  };
   dependencies.analyzer = &analyzer;
   dependencies.systemEvents = &systemEvents;
   dependencies.now = &systemNow;

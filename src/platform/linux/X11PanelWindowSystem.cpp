@@ -30,7 +30,7 @@ xcb_window_t identifier(const QWindow& window) {
 X11PanelWindowSystem::X11PanelWindowSystem() : display_(X11Display::ofApplication()) {
   if (!display_) return;
   companion_ = std::make_unique<X11FullScreenCompanion>(*display_);
-  isCompositing_ = display_->hasCompositor();
+  isCompositing_ = isCompositing();
   qGuiApp->installNativeEventFilter(this);
 }
 
@@ -38,6 +38,7 @@ X11PanelWindowSystem::~X11PanelWindowSystem() = default;
 
 void X11PanelWindowSystem::prepare(QWindow& window) {
   if (!display_) return;
+  isCompositing_ = isCompositing();
   const xcb_window_t id = identifier(window);
   // The first kind that a window manager knows counts. The first lies over full-screen windows, and calls for no one's
   // attention, as a utility window without the keyboard does in some task bars.
@@ -88,7 +89,7 @@ void X11PanelWindowSystem::outline() {
 }
 
 bool X11PanelWindowSystem::isCompositing() const {
-  return isCompositing_;
+  return !display_ || display_->hasCompositor();
 }
 
 quintptr X11PanelWindowSystem::activeWindow() const {
@@ -110,7 +111,7 @@ bool X11PanelWindowSystem::nativeEventFilter(const QByteArray&, void* message, q
   const uint8_t kind = event->response_type & ~kSent;
   if (kind == XCB_PROPERTY_NOTIFY) {
     hear(*static_cast<const xcb_property_notify_event_t*>(message));
-  } else if (kind == display_->selectionEvent() && display_->hasCompositor() != isCompositing_) {
+  } else if (kind == display_->selectionEvent() && isCompositing() != isCompositing_) {
     isCompositing_ = !isCompositing_;
     outline();
     compositingChanged();

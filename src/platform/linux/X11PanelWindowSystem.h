@@ -41,7 +41,7 @@ class X11PanelWindowSystem final : public PanelWindowSystem, private QAbstractNa
   QPointer<QWindow> panel_;
   QRect card_;                    // in the window's points
   std::vector<QRect> available_;  // of the screens, when last looked at
-  bool isCompositing_ = true;
+  bool isCompositing_ = true;     // when last looked at
   bool isLookPosted_ = false;
   QObject context_;
 };
