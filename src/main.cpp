@@ -23,11 +23,21 @@ using namespace quillmere;
 namespace {
 
 /// A Wayland client cannot place its own windows; there the application asks for the X server that runs beside it.
-void preferX11() {
-  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !qEnvironmentVariableIsEmpty("DISPLAY")) {
-    qputenv("QT_QPA_PLATFORM", "xcb");
+/// Applications that this one opens choose for themselves.
+class PreferredX11 {
+ public:
+  PreferredX11() {
+    isPreferred_ = qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !qEnvironmentVariableIsEmpty("DISPLAY");
+    if (isPreferred_) qputenv("QT_QPA_PLATFORM", "xcb");
   }
-}
+  /// Once it was read.
+  void forget() const {
+    if (isPreferred_) qunsetenv("QT_QPA_PLATFORM");
+  }
+
+ private:
+  bool isPreferred_ = false;
+};
 
 /// Qt asks once whether a screen reader runs, when the accessibility bus appears, and never again; but one may start
 /// later. Being on that bus costs little while nobody listens there. For good, since the bus may appear at any time.
@@ -39,11 +49,12 @@ void beAlwaysAccessible() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  preferX11();
+  const PreferredX11 preferredX11;
   beAlwaysAccessible();
   TerminationSignals::block();
   std::function<void()> terminate;
   QApplication application(argc, argv);
+  preferredX11.forget();
   QApplication::setApplicationName(QStringLiteral("Quillmere"));
   QApplication::setApplicationVersion(QStringLiteral(QUILLMERE_VERSION));
   // The C locale's own forms of dates are made for machines.

@@ -1,15 +1,10 @@
 #include "controls/PictureMimeData.h"
 
-#include <QtCore/QBuffer>
-#include <QtGui/QImage>
-#include <QtGui/QImageReader>
-
 #include "imaging/ImageFile.h"
 
 namespace quillmere {
 namespace {
 
-const QString kPng = QStringLiteral("image/png");
 const QString kUriList = QStringLiteral("text/uri-list");
 /// "copy", a line feed and the file; without it some file managers paste nothing.
 const QString kGnomeFiles = QStringLiteral("x-special/gnome-copied-files");
@@ -26,19 +21,12 @@ PictureMimeData::PictureMimeData(std::optional<FileURL> file, QString contentTyp
 
 QStringList PictureMimeData::formats() const {
   QStringList formats{contentType_};
-  const bool canBeRead = QImageReader::supportedMimeTypes().contains(contentType_.toLatin1());
-  if (contentType_ != kPng && canBeRead) formats << kPng;
   if (file_) formats << kUriList << kGnomeFiles << kKdeCut;
   return formats;
 }
 
 QVariant PictureMimeData::retrieveData(const QString& format, QMetaType) const {
   if (format == contentType_) return bytes();
-  if (format == kPng) {
-    QByteArray png;
-    QBuffer buffer(&png);
-    return QImage::fromData(bytes()).save(&buffer, "PNG") ? png : QVariant();
-  }
   if (!file_) return {};
   if (format == kText) return file_->displayPath();
   const QByteArray coded = QByteArray::fromStdString(file_->coded());

@@ -9,8 +9,8 @@
 namespace quillmere {
 
 /// A picture as other applications take it: its own bytes under its content type, never encoded anew, and its file in
-/// the forms of file managers. PNG is offered too where the picture is of another type that Qt reads, and made when it
-/// is asked for.
+/// the forms of file managers. It is offered as no other type: a large picture would take seconds to make one, on the
+/// thread that everything waits for.
 class PictureMimeData final : public QMimeData {
  public:
   /// Bytes that are not given are read from the file when they are asked for.

@@ -88,6 +88,7 @@ class CapturePromptView final : public QWidget {
   PromptActionGate gate_;
   QString nameSeed_;
   bool isCopyingText_ = false;
+  bool isChoosingTarget_ = false;
 
   PromptHeader* header_;
   PromptPreview* preview_;

@@ -116,13 +116,18 @@ PromptPreviewNoticeView& CapturePromptView::noticeView() const {
 // --- Share and drag ---
 
 Task<> CapturePromptView::share(Weak<CapturePromptView> self, QWidget* anchor) {
+  // One menu at a time.
+  if (!self->content_ || self->isChoosingTarget_) co_return;
   const ScreenshotItem item = self->content_->item;
   const bool isCropped = self->content_->shownPart().has_value();
   const QString type = isCropped ? QStringLiteral("image/png") : imageContentType(item.url);
+  self->isChoosingTarget_ = true;
   const auto asking = self->services_.sharing->targets(type);
   const auto targets = co_await asking;
-  if (!self || !self->isShown(item.id)) co_return;
-  const auto target = chooseTarget(self->model_, item.id, targets, *anchor);
+  if (!self) co_return;
+  std::optional<QString> target;
+  if (self->isShown(item.id)) target = chooseTarget(self->model_, item.id, targets, *anchor);
+  if (self) self->isChoosingTarget_ = false;
   if (!target || !self || !self->isShown(item.id)) co_return;
   const auto preparing = self->model_.prepareTransfer(self->content_->item, self->newName());
   const auto prepared = co_await preparing;

@@ -1,10 +1,13 @@
 #include "popup/PromptPreview.h"
 
 #include <QtGui/QMouseEvent>
+#include <QtGui/QPainter>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QStyle>
 
+#include "controls/Grounds.h"
 #include "controls/ScreenshotThumbnail.h"
+#include "controls/Theme.h"
 #include "foundation/Localized.h"
 #include "popup/PromptPreviewActions.h"
 #include "popup/PromptPreviewNoticeView.h"
@@ -26,6 +29,7 @@ PromptPreview::PromptPreview(Executor& executor, ThumbnailLoader& thumbnails, QW
   setFixedWidth(kPreviewWidth);
   thumbnail_->onPictureChanged = [this] {
     placeOverlays();
+    update();
     // It hears of no pointer.
     setToolTip(thumbnail_->toolTip());
   };
@@ -74,14 +78,28 @@ QPixmap PromptPreview::dragPicture() const {
 void PromptPreview::placeOverlays() {
   thumbnail_->setGeometry(rect());
   actions_->adjustSize();
-  // On the picture, unless that is too narrow for them.
+  // On the picture, unless that is too narrow for them or stands in a well.
   const int needed = actions_->width() + 2 * kInset;
   const QRect picture = thumbnail_->picturePlace().toRect();
-  const int right = picture.width() >= needed ? picture.right() + 1 : width();
+  const int right = picture.width() >= needed && !hasWell() ? picture.right() + 1 : width();
   const QRect corner(right - kInset - actions_->width(), kInset, actions_->width(), actions_->height());
   actions_->setGeometry(QStyle::visualRect(layoutDirection(), rect(), corner));
   notice_->adjustSize();
   notice_->move((width() - notice_->width()) / 2, height() - kInset - notice_->height());
+}
+
+/// A picture that is smaller than the preview on all sides stands in a well, so that it does not float on the card.
+bool PromptPreview::hasWell() const {
+  const QRectF picture = thumbnail_->picturePlace();
+  return picture.width() < width() - 1 && picture.height() < height() - 1;
+}
+
+void PromptPreview::paintEvent(QPaintEvent*) {
+  if (!hasWell()) return;
+  const Theme theme(palette());
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  paintGround(painter, rect(), kCornerRadius, theme.fill, theme);
 }
 
 void PromptPreview::resizeEvent(QResizeEvent*) {

@@ -28,12 +28,14 @@ class PromptPreview final : public QWidget {
   QPixmap dragPicture() const;
 
  protected:
+  void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
 
  private:
   void placeOverlays();
+  bool hasWell() const;
   ScreenshotThumbnail* thumbnail_;
   PromptPreviewActions* actions_;
   PromptPreviewNoticeView* notice_;

@@ -48,7 +48,7 @@ def journey(desktop):
     desktop.choose_folder()
     desktop.launch("--autostart")
     first = capture(desktop, ELSEWHERE)
-    on_popup = desktop.place_of(desktop.wait_for("Screenshot Captured", "label", "Screenshot Decision"))
+    on_popup = desktop.place_of(desktop.wait_for("Screenshot Captured", "heading", "Screenshot Decision"))
     on_name = desktop.place_of(desktop.popup.find("Filename"))
     switch_on(desktop)
     desktop.move_pointer(ELSEWHERE)

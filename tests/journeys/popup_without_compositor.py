@@ -39,8 +39,9 @@ def beside_the_card(windows):
 
 def is_cut_to_the_card(windows):
     wait_until("the window is cut to the card", lambda: windows.is_shaped(POPUP_TITLE))
-    for place in beside_the_card(windows):
-        wait_until(f"the ground shows at {place}", lambda: windows.pixel(place) == GROUND)
+    # The card may still be growing to what it says.
+    wait_until("the ground shows beside the card",
+               lambda: all(windows.pixel(place) == GROUND for place in beside_the_card(windows)))
 
 
 def lies_in_its_shadow(windows):
@@ -51,8 +52,8 @@ def lies_in_its_shadow(windows):
         seen = windows.pixel(place)
         return all(0.65 * ground < shade < ground for shade, ground in zip(seen, GROUND))
 
-    for place in beside_the_card(windows):
-        wait_until(f"the ground shines through at {place}", lambda: is_shaded(place))
+    wait_until("the ground shines through beside the card",
+               lambda: all(is_shaded(place) for place in beside_the_card(windows)))
     left, top, _, _ = windows.card()
     far = (left - 23, top - 23)
     wait_until("the shadow ends before the window does", lambda: windows.pixel(far) == GROUND)

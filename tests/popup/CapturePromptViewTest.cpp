@@ -737,6 +737,20 @@ TEST_F(CapturePromptViewTest, TellsThatNothingWasShared) {
   EXPECT_EQ((*model->promptError)->title, "Couldn’t Share Screenshot");
 }
 
+TEST_F(CapturePromptViewTest, TwoPressesOfShareOpenOneMenu) {
+  sharing.offered = {{QStringLiteral("email"), QStringLiteral("Mail"), {}}};
+  sharing.executor = &executor;
+  click("Share");
+  click("Share");
+  QTimer::singleShot(0, [] { QApplication::activePopupWidget()->close(); });
+  executor.drain();
+  EXPECT_EQ(sharing.asked.size(), 1U);
+  QTimer::singleShot(0, [] { QApplication::activePopupWidget()->close(); });
+  click("Share");
+  executor.drain();
+  EXPECT_EQ(sharing.asked.size(), 2U) << "later there is another one";
+}
+
 TEST_F(CapturePromptViewTest, AClosedShareMenuSendsNothing) {
   sharing.offered = {{QStringLiteral("email"), QStringLiteral("Mail"), {}}};
   QTimer::singleShot(0, [] { QApplication::activePopupWidget()->close(); });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Executor.h"
 #include "model/Sharing.h"
 
 namespace quillmere {
@@ -9,6 +10,8 @@ class FakeSharing final : public Sharing {
  public:
   Task<std::vector<ShareTarget>> targets(QString contentType) override {
     asked.push_back(contentType);
+    const std::function<bool()> looking = [] { return true; };
+    if (executor) co_await executor->background(looking);
     co_return offered;
   }
   Task<bool> share(PreparedTransfer transfer, QString targetID) override {
@@ -16,6 +19,7 @@ class FakeSharing final : public Sharing {
     co_return takes;
   }
   bool takes = true;
+  Executor* executor = nullptr;  ///< where given, the answer takes its time
   std::vector<ShareTarget> offered;
   std::vector<QString> asked;
   std::vector<std::pair<FileURL, QString>> sent;

@@ -24,10 +24,16 @@ QString taken(char* text) {
   return result;
 }
 
+/// In the icon theme, or a path. Of several names the first is the one that fits best.
+QString nameOf(GIcon* icon) {
+  if (!icon) return {};
+  if (!G_IS_THEMED_ICON(icon)) return taken(g_icon_to_string(icon));
+  return QString::fromUtf8(g_themed_icon_get_names(G_THEMED_ICON(icon))[0]);
+}
+
 ShareTarget targetOf(GAppInfo* info) {
-  GIcon* icon = g_app_info_get_icon(info);
   return {QString::fromUtf8(g_app_info_get_id(info)), QString::fromUtf8(g_app_info_get_display_name(info)),
-          icon ? taken(g_icon_to_string(icon)) : QString()};
+          nameOf(g_app_info_get_icon(info))};
 }
 
 /// The desktop's own choice first.
