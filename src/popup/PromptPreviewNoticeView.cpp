@@ -79,18 +79,20 @@ QSize PromptPreviewNoticeView::sizeHint() const {
 }
 
 void PromptPreviewNoticeView::paintEvent(QPaintEvent*) {
-  const Theme theme(palette());
+  // Dark with a light edge, which stands out from any picture and from any card.
+  const QColor ground(0x1f2023);
+  const QColor edge(255, 255, 255, 90);
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setOpacity(opacity_.currentValue().toDouble());
-  // The reverse of the card, so that it stands out from any picture.
   QRectF pill(QPointF(0, 0), QSizeF(sizeHint()));
   pill.moveCenter(QRectF(rect()).center());
-  painter.setPen(Qt::NoPen);
-  painter.setBrush(theme.text);
-  painter.drawRoundedRect(pill, kHeight / 2.0, kHeight / 2.0);
+  pill.adjust(0.5, 0.5, -0.5, -0.5);
+  painter.setPen(QPen(edge, 1));
+  painter.setBrush(ground);
+  painter.drawRoundedRect(pill, pill.height() / 2, pill.height() / 2);
   painter.setFont(scaled(font(), 1, QFont::DemiBold));
-  painter.setPen(theme.card);
+  painter.setPen(Qt::white);
   painter.drawText(pill, Qt::AlignCenter, text_);
 }
 

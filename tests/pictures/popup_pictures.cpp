@@ -42,11 +42,9 @@ class StillWindowSystem final : public PanelWindowSystem {
 class StillScreens final : public PanelScreenProviding {
  public:
   std::vector<PanelScreen> screens() const override { return {*mainScreen()}; }
-  std::optional<PanelScreen> mainScreen() const override {
-    const QRectF frame(0, 0, 1920, 1200);
-    return PanelScreen{frame, frame};
-  }
+  std::optional<PanelScreen> mainScreen() const override { return PanelScreen{frame, frame}; }
   QPointF mouseLocation() const override { return {}; }
+  QRectF frame{0, 0, 1920, 1200};
 };
 
 /// A popup over a model of its own, in the state that a picture asks for.
@@ -85,8 +83,11 @@ class Scene final : public testing::ModelFixture {
   }
   void TestBody() override {}
 
-  UUID capture(const std::string& name = "Screenshot from 2026-11-21 09-41-07.png", const QString& about = {}) {
-    static const QImage picture = paintedDesktop(kCapture, 7);
+  void setScreen(const QSizeF& size) { screens_.frame.setSize(size); }
+  UUID capture(const std::string& name = "Screenshot from 2026-11-21 09-41-07.png", const QString& about = {},
+               const QRect& part = QRect(QPoint(), kCapture)) {
+    static const QImage whole = paintedDesktop(kCapture, 7);
+    const QImage picture = whole.copy(part);
     const FileURL url = shots.appending(name);
     picture.save(url.displayPath(), "PNG");
     if (!about.isEmpty()) {
@@ -214,6 +215,15 @@ const std::vector<Picture> kPictures{
        scene.capture(
            "Quarterly figures of the northern region with all corrections and the remarks of the third reading.png",
            kDescription);
+     }},
+    {"small-picture",
+     [](Scene& scene) {
+       scene.capture("Screenshot from 2026-11-21 09-41-07.png", kDescription, QRect(520, 300, 240, 120));
+     }},
+    {"low-screen",
+     [](Scene& scene) {
+       scene.setScreen(QSizeF(800, 420));
+       scene.capture("Screenshot from 2026-11-21 09-41-07.png", kDescription);
      }},
     {"no-name",
      [](Scene& scene) {
