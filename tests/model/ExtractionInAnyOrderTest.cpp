@@ -86,7 +86,7 @@ class ExtractionInAnyOrder : public ModelFixture {
         break;
     }
     if (!head) return;
-    switch (below(9)) {
+    switch (below(14)) {
       case 0:
       case 1:
       case 2:
@@ -101,8 +101,14 @@ class ExtractionInAnyOrder : public ModelFixture {
         return model->copy(item(*head), ErrorScope::popup).detach();
       case 7:
         return model->disposeItem(item(*head), ErrorScope::popup, AppModel::DisposalReason::chosen);
-      default:
+      case 8:
         return interfere(*head);
+      default: {
+        // What a person does: the window, and Keep.
+        toggle(*head);
+        answerScan();
+        return model->keepPrompt(*head).detach();
+      }
     }
   }
   void expectExtractionIsOfTheHead() const {
