@@ -2,7 +2,9 @@
 
 #include <QtDBus/QDBusMessage>
 
+#include "support/Files.h"
 #include "support/MockBus.h"
+#include "support/TemporaryFolder.h"
 
 namespace quillmere {
 namespace {
@@ -50,11 +52,20 @@ class PortalAppearanceTest : public ::testing::Test {
   PortalAppearanceTest() : connection(QDBusConnection::connectToBus(bus.address(), QStringLiteral("appearance"))) {}
   ~PortalAppearanceTest() override { QDBusConnection::disconnectFromBus(QStringLiteral("appearance")); }
 
+  /// Whoever hears of it can ask it at once: it has its method before it has its name.
   std::unique_ptr<MockService> startPortal(const QString& readAll) {
-    auto portal = MockService::bare(bus, QStringLiteral("org.freedesktop.portal.Desktop"),
-                                    QStringLiteral("/org/freedesktop/portal/desktop"), kSettings);
-    portal->addMethod(kSettings, QStringLiteral("ReadAll"), QStringLiteral("as"), QStringLiteral("a{sa{sv}}"), readAll);
-    return portal;
+    const FileURL file = folder.file("portal.py");
+    testing::writeFile(file,
+                       QStringLiteral("BUS_NAME = 'org.freedesktop.portal.Desktop'\n"
+                                      "MAIN_OBJ = '/org/freedesktop/portal/desktop'\n"
+                                      "MAIN_IFACE = '%1'\n"
+                                      "SYSTEM_BUS = False\n"
+                                      "def load(mock, parameters):\n"
+                                      "    mock.AddMethod(MAIN_IFACE, 'ReadAll', 'as', 'a{sa{sv}}', \"\"\"%2\"\"\")\n")
+                           .arg(kSettings, readAll)
+                           .toStdString());
+    return MockService::ofTemplate(bus, file.displayPath(), QStringLiteral("org.freedesktop.portal.Desktop"),
+                                   QStringLiteral("/org/freedesktop/portal/desktop"));
   }
   static QString answer(const QString& values) {
     return QStringLiteral("ret = {'org.freedesktop.appearance': dbus.Dictionary({%1}, signature='sv')}").arg(values);
@@ -76,6 +87,7 @@ class PortalAppearanceTest : public ::testing::Test {
     return runLoopUntil([&] { return count >= times; });
   }
 
+  testing::TemporaryFolder folder;
   MockBus bus;
   QDBusConnection connection;
   Appearance now;

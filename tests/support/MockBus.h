@@ -77,7 +77,13 @@ class MockService {
   }
   ~MockService() { stop(); }
 
-  void stop() { stopHelper(*process_); }
+  /// Until the bus has noticed too: whoever comes next under the name is another one.
+  void stop() {
+    if (process_->state() == QProcess::NotRunning) return;
+    stopHelper(*process_);
+    if (!bus_.connection().isConnected()) return;
+    EXPECT_TRUE(runLoopUntil([&] { return !bus_.connection().interface()->isServiceRegistered(name_).value(); }));
+  }
 
   /// Has the service do it, and gives what it answers.
   QVariantList call(const QString& path, const QString& interface, const QString& method,
