@@ -16,6 +16,23 @@ void ThemedLabel::followTheme() {
   if (palette().color(QPalette::WindowText) != color) setTextColor(*this, color);
 }
 
+void ThemedLabel::setTextSize(qreal factor, QFont::Weight weight) {
+  textSize_ = factor;
+  weight_ = weight;
+  // A font with a size of its own does not hear of another one, but its parent's does.
+  parentWidget()->installEventFilter(this);
+  followFont();
+}
+
+void ThemedLabel::followFont() {
+  setFont(scaled(parentWidget()->font(), textSize_, weight_));
+}
+
+bool ThemedLabel::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == parentWidget() && event->type() == QEvent::FontChange) followFont();
+  return QLabel::eventFilter(watched, event);
+}
+
 void ThemedLabel::changeEvent(QEvent* event) {
   if (event->type() == QEvent::PaletteChange) followTheme();
   QLabel::changeEvent(event);

@@ -67,7 +67,7 @@ QWidget* InboxWindow::makeSidebar(ThumbnailLoader& thumbnails) {
     model_.setSelectedItemIDs(std::move(ids));
   });
   count_ = new ThemedLabel(Ink::secondary, sidebar);
-  count_->setFont(scaled(font(), 0.92));
+  count_->setTextSize(0.92);
   count_->setContentsMargins(16, 8, 16, 10);
 
   auto* column = new QVBoxLayout(sidebar);

@@ -6,7 +6,6 @@
 #include "imaging/ThumbnailLoader.h"
 #include "model/AppModel.h"
 
-class QLabel;
 class QListView;
 class QStackedWidget;
 
@@ -16,6 +15,7 @@ class InboxBanners;
 class InboxDetail;
 class InboxListModel;
 class MessageView;
+class ThemedLabel;
 
 /// The Inbox: what came, with its status, beside the one that is selected; or the folder set-up while none is chosen.
 class InboxWindow final : public QWidget {
@@ -41,7 +41,7 @@ class InboxWindow final : public QWidget {
   QWidget* sidebar_ = nullptr;
   InboxListModel* list_ = nullptr;
   QListView* listView_ = nullptr;
-  QLabel* count_ = nullptr;
+  ThemedLabel* count_ = nullptr;
   InboxBanners* banners_ = nullptr;
   QStackedWidget* detail_ = nullptr;
   MessageView* setup_ = nullptr;

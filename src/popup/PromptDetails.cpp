@@ -29,7 +29,7 @@ PromptDetails::PromptDetails(QWidget* parent) : QWidget(parent), analysis_(new A
 QWidget* PromptDetails::makeNameBlock() {
   auto* block = new QWidget(this);
   caption_ = new ThemedLabel(Ink::secondary, block);
-  caption_->setFont(scaled(font(), 0.9));
+  caption_->setTextSize(0.9);
   nameField_ = new PromptFilenameField(block);
   extension_ = new ThemedLabel(Ink::secondary, block);
   // Whoever hears the name hears the field; the extension can't be changed.

@@ -22,7 +22,7 @@ PromptErrorBanner::PromptErrorBanner(QWidget* parent)
       message_(new ThemedLabel(Ink::text, this)),
       dismiss_(new ActionButton(ActionButton::Role::secondary, {}, localized("Dismiss"), this)) {
   title_->setWordWrap(true);
-  title_->setFont(scaled(font(), 1, QFont::DemiBold));
+  title_->setTextSize(1, QFont::DemiBold);
   message_->setWordWrap(true);
   // File names stand in them.
   title_->setTextFormat(Qt::PlainText);

@@ -29,7 +29,7 @@ PromptHeader::PromptHeader(QWidget* parent)
       queueCount_(new ThemedLabel(Ink::secondary, this)),
       closeButton_(new ActionButton(ActionButton::Role::icon, QStringLiteral("xmark"), {}, this)) {
   auto* title = new ThemedLabel(Ink::text, this, localized("Screenshot Captured"));
-  title->setFont(scaled(font(), 1.1, QFont::DemiBold));
+  title->setTextSize(1.1, QFont::DemiBold);
   setAccessibleRole(*title, QAccessible::Heading);
   // Screen readers go through a widget's children in their order.
   title->lower();

@@ -96,7 +96,7 @@ QVBoxLayout* addGroup(QVBoxLayout* pane, const QString& title, QWidget* parent) 
 QLabel* makeFooter(const QString& text, QWidget* parent) {
   auto* footer = new ThemedLabel(Ink::secondary, parent, text);
   footer->setWordWrap(true);
-  footer->setFont(scaled(parent->font(), 0.92));
+  footer->setTextSize(0.92);
   return footer;
 }
 

@@ -183,5 +183,21 @@ TEST_F(FollowingTest, TheSameAgainTouchesNothing) {
   EXPECT_EQ(widget.count, count);
 }
 
+TEST_F(FollowingTest, ALabelOfAnotherSizeGoesByTheNewFont) {
+  QWidget window;
+  ThemedLabel label(Ink::text, &window, QStringLiteral("Title"));
+  label.setTextSize(1.5, QFont::DemiBold);
+  const QFont before = QApplication::font();
+  QFont large = before;
+  large.setPointSizeF(20);
+  QApplication::setFont(large);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(label.font().pointSizeF(), 30);
+  EXPECT_EQ(label.font().weight(), QFont::DemiBold);
+  QApplication::setFont(before);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(label.font().pointSizeF(), before.pointSizeF() * 1.5);
+}
+
 }  // namespace
 }  // namespace quillmere
