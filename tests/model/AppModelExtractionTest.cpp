@@ -1,8 +1,7 @@
 #include <chrono>
 #include <filesystem>
 
-#include "imaging/ImageOperations.h"
-#include "model/ModelFixture.h"
+#include "model/PictureFixture.h"
 
 namespace quillmere::testing {
 namespace {
@@ -18,25 +17,8 @@ constexpr const char* kWhole = "Showing the whole screenshot.";
 constexpr const char* kExtracted =
     "Showing the extracted window. Keep, Temporary, Copy, and Share use the window instead of the whole screenshot.";
 
-class AppModelExtraction : public ModelFixture {
+class AppModelExtraction : public PictureFixture {
  protected:
-  void SetUp() override { launchWatching(); }
-
-  static QImage picture() {
-    QImage image(100, 80, QImage::Format_RGB32);
-    for (int y = 0; y < image.height(); ++y) {
-      for (int x = 0; x < image.width(); ++x) image.setPixel(x, y, qRgb(2 * x, 3 * y, 7));
-    }
-    return image;
-  }
-  UUID arrivePicture(std::string_view name) {
-    const FileURL url = shots.appending(name);
-    const auto data = ImageOperations::encode(picture(), ImageOperations::imageType(url));
-    EXPECT_TRUE(data);
-    writeFile(url, data->toStdString());
-    monitor.onScreenshot(url);
-    return model->items()[0].id;
-  }
   /// A screenshot with its window extracted.
   UUID arriveExtracted(std::string_view name) {
     const UUID id = arrivePicture(name);
@@ -49,10 +31,6 @@ class AppModelExtraction : public ModelFixture {
   std::optional<Extraction::Phase> phase() const {
     const auto& extraction = *model->promptWindowExtraction;
     return extraction ? std::optional(extraction->phase) : std::nullopt;
-  }
-  static QSize sizeOf(const FileURL& url) {
-    const auto image = ImageOperations::loadImage(url);
-    return image ? image->size() : QSize();
   }
 };
 

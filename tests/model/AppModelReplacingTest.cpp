@@ -1,5 +1,4 @@
-#include "imaging/ImageOperations.h"
-#include "model/ModelFixture.h"
+#include "model/PictureFixture.h"
 
 namespace quillmere::testing {
 namespace {
@@ -12,25 +11,8 @@ constexpr const char* kUnreadable =
 constexpr const char* kInvalidCrop = "Choose a crop with a positive width and height inside the image.";
 const QRectF kCrop(10, 20, 30, 40);
 
-class AppModelReplacing : public ModelFixture {
+class AppModelReplacing : public PictureFixture {
  protected:
-  void SetUp() override { launchWatching(); }
-
-  static QImage picture() {
-    QImage image(100, 80, QImage::Format_RGB32);
-    for (int y = 0; y < image.height(); ++y) {
-      for (int x = 0; x < image.width(); ++x) image.setPixel(x, y, qRgb(2 * x, 3 * y, 7));
-    }
-    return image;
-  }
-  UUID arrivePicture(std::string_view name) {
-    const FileURL url = shots.appending(name);
-    const auto data = ImageOperations::encode(picture(), ImageOperations::imageType(url));
-    EXPECT_TRUE(data);
-    writeFile(url, data->toStdString());
-    monitor.onScreenshot(url);
-    return model->items()[0].id;
-  }
   /// The reason, or nothing when it was done.
   std::optional<std::string> replace(const UUID& id, const QRectF& rect = kCrop) {
     const auto task = model->replaceOriginal(id, picture(), rect);
@@ -41,10 +23,6 @@ class AppModelReplacing : public ModelFixture {
     if (!task.isDone()) return "not done";
     const auto reason = task.await_resume();
     return reason ? std::optional(reason->toStdString()) : std::nullopt;
-  }
-  static QSize sizeOf(const FileURL& url) {
-    const auto image = ImageOperations::loadImage(url);
-    return image ? image->size() : QSize();
   }
   static std::string formatOf(const FileURL& url) {
     const std::string bytes = readBytes(url);
