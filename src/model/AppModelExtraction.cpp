@@ -4,8 +4,6 @@
 namespace quillmere {
 
 using Extraction = PromptWindowExtraction;
-using ImageOperations::OperationError;
-using ImageOperations::WindowScan;
 
 Task<std::optional<PromptPreviewNotice>> AppModel::setPromptWindowExtraction(ScreenshotItem item, bool enabled) {
   return runWindowExtraction(lifetime_.weak(this), std::move(item), enabled);

@@ -44,8 +44,7 @@ PromptActions::PromptActions(QWidget* parent) : QWidget(parent) {
 }
 
 void PromptActions::show(const CapturePromptContent& content) {
-  const bool canDecide = !content.windowExtraction || !PromptWindowExtraction::isBusy(*content.windowExtraction);
-  for (ActionButton* button : {temporary_, keep_, copy_}) button->setEnabled(canDecide);
+  for (ActionButton* button : {temporary_, keep_, copy_}) button->setEnabled(content.canDecide());
   trash_->setEnabled(!content.isSaving());
   trash_->setText(content.deletesChosen ? localized("Delete") : localized("Move to Trash"));
   trash_->setToolTip(content.deletesChosen ? localized("Delete this screenshot’s file")

@@ -38,11 +38,9 @@ PromptPreviewActions::PromptPreviewActions(QWidget* parent)
 }
 
 void PromptPreviewActions::show(const CapturePromptContent& content) {
-  using Extraction = PromptWindowExtraction;
   setVisible(content.canReadImage);
-  const auto& phase = content.windowExtraction;
-  extract_->setOn(phase.has_value());
-  extract_->setWorking(phase && Extraction::isBusy(*phase));
+  extract_->setOn(content.windowExtraction.has_value());
+  extract_->setWorking(!content.canDecide());
   extract_->setEnabled(!content.isSaving());
 }
 

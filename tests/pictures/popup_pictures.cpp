@@ -18,6 +18,7 @@
 #include "model/ModelFixture.h"
 #include "popup/CapturePromptPanelController.h"
 #include "popup/FakeSharing.h"
+#include "popup/StillWindowSystem.h"
 #include "support/PrivateEnvironment.h"
 
 namespace quillmere {
@@ -26,17 +27,6 @@ namespace {
 constexpr QSize kCapture(1280, 800);
 const QString kDescription = QStringLiteral(
     "A text editor with the notes of a week and a terminal below it in which a report was built without errors.");
-
-/// A window system in which nothing else happens.
-class StillWindowSystem final : public PanelWindowSystem {
- public:
-  void prepare(QWindow&) override {}
-  void finish(QWindow&) override {}
-  void setClickableArea(QWindow&, const QRect&) override {}
-  bool isCompositing() const override { return true; }
-  quintptr activeWindow() const override { return 0; }
-  void activate(quintptr) override {}
-};
 
 /// One large screen.
 class StillScreens final : public PanelScreenProviding {

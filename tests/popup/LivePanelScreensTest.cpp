@@ -3,18 +3,14 @@
 #include <QtGui/QCursor>
 #include <QtGui/QGuiApplication>
 
+#include "popup/StillWindowSystem.h"
+
 namespace quillmere {
 namespace {
 
 /// A desktop with a panel along the lower edge of each screen.
-class PanelBelow final : public PanelWindowSystem {
+class PanelBelow final : public StillWindowSystem {
  public:
-  void prepare(QWindow&) override {}
-  void finish(QWindow&) override {}
-  void setClickableArea(QWindow&, const QRect&) override {}
-  bool isCompositing() const override { return true; }
-  quintptr activeWindow() const override { return 0; }
-  void activate(quintptr) override {}
   QRect availableGeometry(const QScreen& screen) const override { return screen.geometry().adjusted(0, 0, 0, -40); }
 };
 
