@@ -6,8 +6,8 @@
 
 #include "Limits.h"
 #include "PaintedDesktop.h"
-#include "imaging/ImageFile.h"
-#include "imaging/ImageOperations.h"
+#include "formats/ImageFile.h"
+#include "formats/ImageOperations.h"
 
 using namespace quillmere;
 

@@ -3,8 +3,8 @@
 #include <random>
 
 #include "Limits.h"
-#include "imaging/KnownWords.h"
-#include "imaging/ModelAnswer.h"
+#include "description/KnownWords.h"
+#include "description/ModelAnswer.h"
 
 using namespace quillmere;
 

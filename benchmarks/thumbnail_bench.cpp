@@ -6,7 +6,7 @@
 
 #include "Limits.h"
 #include "PaintedDesktop.h"
-#include "imaging/ImageFile.h"
+#include "formats/ImageFile.h"
 
 using namespace quillmere;
 

@@ -9,11 +9,11 @@
 
 #include "Limits.h"
 #include "PaintedDesktop.h"
-#include "imaging/EdgeMaps.h"
-#include "imaging/VisionRectangles.h"
-#include "imaging/WindowDetector.h"
-#include "imaging/WindowScan.h"
-#include "imaging/WindowShadow.h"
+#include "detection/EdgeMaps.h"
+#include "detection/VisionRectangles.h"
+#include "detection/WindowDetector.h"
+#include "detection/WindowScan.h"
+#include "detection/WindowShadow.h"
 
 using namespace quillmere;
 

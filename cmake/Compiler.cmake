@@ -1,7 +1,7 @@
-# One set of warnings for every target; a warning is an error.
+# One set of options for every target, so that all can share precompiled headers; a warning is an error.
 add_library(quillmere_options INTERFACE)
 target_compile_options(quillmere_options INTERFACE
-  -Wall -Wextra -Wpedantic -Werror -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wconversion -Wno-sign-conversion
+  -pthread -Wall -Wextra -Wpedantic -Werror -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wconversion -Wno-sign-conversion
   -fno-strict-overflow $<$<CXX_COMPILER_ID:Clang>:-D__cpp_impl_coroutine=201902L>)
 target_compile_definitions(quillmere_options INTERFACE
   QT_NO_KEYWORDS QT_NO_CAST_FROM_BYTEARRAY QT_NO_FOREACH QT_NO_JAVA_STYLE_ITERATORS

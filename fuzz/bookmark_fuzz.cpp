@@ -1,7 +1,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "platform/linux/Bookmark.h"
+#include "platform/linux/files/Bookmark.h"
 
 using namespace quillmere;
 

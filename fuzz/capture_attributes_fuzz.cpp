@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "platform/linux/ScreenCaptureAttributes.h"
+#include "platform/linux/capture/ScreenCaptureAttributes.h"
 
 using namespace quillmere;
 

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "monitor/CaptureMarks.h"
+#include "platform/linux/capture/CaptureMarks.h"
 
 using namespace quillmere;
 

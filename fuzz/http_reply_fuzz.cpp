@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "platform/linux/HttpReply.h"
+#include "analysis/HttpReply.h"
 
 using namespace quillmere;
 

@@ -8,10 +8,10 @@
 #include <cstdlib>
 #include <string>
 
-#include "imaging/ImageFile.h"
-#include "imaging/ImageOperations.h"
-#include "imaging/PngChunks.h"
-#include "imaging/PngReader.h"
+#include "formats/ImageFile.h"
+#include "formats/ImageOperations.h"
+#include "formats/PngChunks.h"
+#include "formats/PngReader.h"
 
 using namespace quillmere;
 

@@ -4,11 +4,11 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "imaging/ModelAnswer.h"
-#include "platform/linux/HttpReply.h"
-#include "platform/linux/LlamaServer.h"
-#include "platform/linux/ModelServerReplies.h"
-#include "platform/linux/OllamaServer.h"
+#include "analysis/HttpReply.h"
+#include "analysis/LlamaServer.h"
+#include "analysis/ModelServerReplies.h"
+#include "analysis/OllamaServer.h"
+#include "description/ModelAnswer.h"
 
 using namespace quillmere;
 

@@ -19,11 +19,11 @@
 #include <string>
 #include <vector>
 
+#include "detection/EdgeMaps.h"
+#include "detection/VisionRectangles.h"
+#include "detection/WindowScan.h"
+#include "formats/ImageOperations.h"
 #include "foundation/FileStatus.h"
-#include "imaging/EdgeMaps.h"
-#include "imaging/ImageOperations.h"
-#include "imaging/VisionRectangles.h"
-#include "imaging/WindowScan.h"
 
 using namespace quillmere;
 

@@ -4,7 +4,7 @@
 #include <QtWidgets/QStyle>
 #include <algorithm>
 
-#include "imaging/Downscaler.h"
+#include "pixels/Downscaler.h"
 
 namespace quillmere {
 

@@ -1,6 +1,6 @@
 #include "controls/PictureMimeData.h"
 
-#include "imaging/ImageFile.h"
+#include "formats/ImageFile.h"
 
 namespace quillmere {
 namespace {

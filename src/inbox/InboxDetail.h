@@ -2,7 +2,7 @@
 
 #include <QtWidgets/QWidget>
 
-#include "imaging/ThumbnailLoader.h"
+#include "formats/ThumbnailLoader.h"
 #include "model/AppModel.h"
 
 class QLabel;

@@ -7,8 +7,8 @@
 #include <unordered_set>
 #include <vector>
 
+#include "formats/ThumbnailLoader.h"
 #include "foundation/Weak.h"
-#include "imaging/ThumbnailLoader.h"
 #include "model/AppModel.h"
 
 namespace quillmere {

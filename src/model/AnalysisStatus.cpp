@@ -1,7 +1,7 @@
 #include "model/AnalysisStatus.h"
 
+#include "description/AnalysisError.h"
 #include "foundation/Localized.h"
-#include "imaging/AnalysisError.h"
 
 namespace quillmere {
 

@@ -4,10 +4,10 @@
 #include <functional>
 #include <optional>
 
+#include "detection/WindowScan.h"
 #include "foundation/Executor.h"
 #include "foundation/SystemEvents.h"
 #include "foundation/UserDefaults.h"
-#include "imaging/WindowScan.h"
 #include "model/ModelMessages.h"
 #include "model/ScreenshotAnalyzing.h"
 #include "model/ScreenshotLocationProviding.h"

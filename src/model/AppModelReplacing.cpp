@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "formats/ImageOperations.h"
 #include "foundation/FileStatus.h"
 #include "foundation/Localized.h"
-#include "imaging/ImageOperations.h"
 #include "model/AppModel.h"
 
 namespace quillmere {

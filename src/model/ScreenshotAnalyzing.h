@@ -3,10 +3,10 @@
 #include <QtCore/QString>
 #include <optional>
 
+#include "description/AnalysisError.h"
+#include "description/DescribeOutcome.h"
 #include "foundation/FileURL.h"
 #include "foundation/Task.h"
-#include "imaging/AnalysisError.h"
-#include "imaging/DescribeOutcome.h"
 
 namespace quillmere {
 

@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include "formats/ImageFile.h"
 #include "foundation/FileStatus.h"
-#include "imaging/ImageFile.h"
 #include "records/ScreenshotNaming.h"
 #include "records/UUID.h"
 

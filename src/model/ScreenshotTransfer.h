@@ -7,9 +7,9 @@
 #include <optional>
 #include <string>
 
+#include "formats/ImageOperations.h"
 #include "foundation/FileURL.h"
 #include "foundation/Result.h"
-#include "imaging/ImageOperations.h"
 
 namespace quillmere {
 

@@ -5,8 +5,8 @@
 #include <list>
 #include <memory>
 
+#include "formats/ThumbnailLoader.h"
 #include "foundation/Weak.h"
-#include "imaging/ThumbnailLoader.h"
 #include "popup/CaptureDecisionPanel.h"
 #include "popup/CapturePromptContent.h"
 #include "popup/CapturePromptView.h"

@@ -3,7 +3,7 @@
 #include <QtWidgets/QWidget>
 #include <functional>
 
-#include "imaging/ThumbnailLoader.h"
+#include "formats/ThumbnailLoader.h"
 #include "model/Sharing.h"
 #include "popup/CapturePromptContent.h"
 #include "popup/PromptActionGate.h"

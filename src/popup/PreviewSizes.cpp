@@ -1,6 +1,6 @@
 #include "popup/PreviewSizes.h"
 
-#include "imaging/ImageFile.h"
+#include "formats/ImageFile.h"
 
 namespace quillmere {
 namespace {

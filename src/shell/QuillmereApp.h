@@ -4,7 +4,7 @@
 #include <functional>
 #include <memory>
 
-#include "imaging/ThumbnailLoader.h"
+#include "formats/ThumbnailLoader.h"
 #include "model/AppModel.h"
 #include "shell/MenuBarExtra.h"
 

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <algorithm>
 
-#include "imaging/ImageOperations.h"
+#include "formats/ImageOperations.h"
 #include "support/FaultyCalls.h"
 #include "support/Files.h"
 #include "support/TemporaryFolder.h"

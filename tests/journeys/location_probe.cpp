@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <string>
 
-#include "platform/linux/LiveScreenshotLocationProvider.h"
+#include "platform/linux/capture/LiveScreenshotLocationProvider.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "imaging/ImageOperations.h"
+#include "formats/ImageOperations.h"
 #include "model/ModelFixture.h"
 
 namespace quillmere::testing {

@@ -1,7 +1,7 @@
 #include <filesystem>
 #include <random>
 
-#include "imaging/ImageOperations.h"
+#include "formats/ImageOperations.h"
 #include "model/ModelFixture.h"
 
 // Extract Window, decisions, copies and what other programs do to the files meanwhile, in any order. Whatever happens,

@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "imaging/WindowScan.h"
+#include "detection/WindowScan.h"
 
 namespace quillmere::testing {
 

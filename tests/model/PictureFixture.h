@@ -1,6 +1,6 @@
 #pragma once
 
-#include "imaging/ImageOperations.h"
+#include "formats/ImageOperations.h"
 #include "model/ModelFixture.h"
 
 namespace quillmere::testing {

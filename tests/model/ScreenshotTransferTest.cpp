@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 #include <filesystem>
 
+#include "formats/ImageFile.h"
 #include "foundation/FileStatus.h"
-#include "imaging/ImageFile.h"
 #include "support/Files.h"
 #include "support/TemporaryFolder.h"
 

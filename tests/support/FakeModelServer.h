@@ -13,8 +13,8 @@
 #include <memory>
 #include <vector>
 
+#include "analysis/LocalServerAddress.h"
 #include "foundation/FileURL.h"
-#include "platform/linux/LocalServerAddress.h"
 
 namespace quillmere::testing {
 

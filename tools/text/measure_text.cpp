@@ -16,8 +16,8 @@
 
 #include "Corpus.h"
 #include "ErrorRate.h"
-#include "imaging/ImageOperations.h"
-#include "imaging/TextRecognizer.h"
+#include "formats/ImageOperations.h"
+#include "recognition/TextRecognizer.h"
 
 using namespace quillmere;
 using corpus::Errors;

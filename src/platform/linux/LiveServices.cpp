@@ -3,11 +3,11 @@
 #include <QtCore/QDir>
 #include <QtCore/QStandardPaths>
 
+#include "formats/ImageFile.h"
 #include "foundation/FileStatus.h"
-#include "imaging/ImageFile.h"
-#include "platform/linux/CloudFiles.h"
-#include "platform/linux/LiveFileIdentity.h"
-#include "platform/linux/ScreenCaptureAttributes.h"
+#include "platform/linux/capture/ScreenCaptureAttributes.h"
+#include "platform/linux/files/CloudFiles.h"
+#include "platform/linux/files/LiveFileIdentity.h"
 
 namespace quillmere {
 namespace {

@@ -1,20 +1,20 @@
 #pragma once
 
+#include "analysis/LiveLanguageModel.h"
+#include "analysis/LiveScreenshotAnalyzer.h"
 #include "foundation/SystemEvents.h"
 #include "foundation/UserDefaults.h"
 #include "model/AppModelDependencies.h"
 #include "monitor/ScreenshotInboxMonitor.h"
-#include "platform/linux/LiveAnnouncer.h"
-#include "platform/linux/LiveFileOperations.h"
-#include "platform/linux/LiveFolderEventSource.h"
-#include "platform/linux/LiveLanguageModel.h"
-#include "platform/linux/LivePasteboard.h"
-#include "platform/linux/LiveScreenshotAnalyzer.h"
-#include "platform/linux/LiveScreenshotLocationProvider.h"
-#include "platform/linux/LiveSecurityScopeAccess.h"
-#include "platform/linux/LiveSharing.h"
-#include "platform/linux/MountTable.h"
-#include "platform/linux/QtExecutor.h"
+#include "platform/linux/announcing/LiveAnnouncer.h"
+#include "platform/linux/capture/LiveScreenshotLocationProvider.h"
+#include "platform/linux/common/QtExecutor.h"
+#include "platform/linux/files/LiveFileOperations.h"
+#include "platform/linux/files/LiveFolderEventSource.h"
+#include "platform/linux/files/LiveSecurityScopeAccess.h"
+#include "platform/linux/files/MountTable.h"
+#include "platform/linux/sharing/LivePasteboard.h"
+#include "platform/linux/sharing/LiveSharing.h"
 
 namespace quillmere {
 

@@ -1,0 +1,150 @@
+#include "analysis/LiveLanguageModel.h"
+
+#include <QtCore/QtGlobal>
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "analysis/LlamaServer.h"
+#include "analysis/ModelServerReplies.h"
+#include "analysis/OllamaServer.h"
+#include "foundation/Interruptible.h"
+
+namespace quillmere {
+namespace {
+
+using Unavailability = AnalysisError::Unavailability;
+
+constexpr uint16_t kOllamaPort = 11434;
+constexpr uint16_t kLlamaPort = 8080;
+/// A model of a few billion parameters describes a picture in this time even without a graphics card.
+constexpr Duration kAnswerTime = std::chrono::seconds(60);
+
+const QString kAddressKey = QStringLiteral("quillmere.model-address");
+constexpr const char* kAddressVariable = "OLLAMA_HOST";
+
+const OllamaServer kOllama;
+const LlamaServer kLlama;
+/// Ollama first: it answers the other's questions too, but not that about pictures.
+constexpr std::array<const ModelServer*, 2> kServers{&kOllama, &kLlama};
+
+std::optional<QString> environmentText(const char* name) {
+  const QString text = qEnvironmentVariable(name);
+  return text.isEmpty() ? std::nullopt : std::optional(text);
+}
+
+/// The better of two reasons: the one that is nearer to a model.
+Unavailability nearer(Unavailability reason, const ModelServerLook& look) {
+  if (std::holds_alternative<LoadingModelServer>(look)) return Unavailability::modelNotReady;
+  const bool isBlind = std::holds_alternative<BlindModelServer>(look);
+  return isBlind && reason == Unavailability::deviceNotEligible ? Unavailability::appleIntelligenceNotEnabled : reason;
+}
+
+}  // namespace
+
+ModelServerPlaces ModelServerPlaces::standard(const UserDefaults& defaults) {
+  return {.configured = [&defaults] { return defaults.text(kAddressKey); },
+          .environment = [] { return environmentText(kAddressVariable); },
+          .usual = {LocalServerAddress::loopback(kOllamaPort), LocalServerAddress::loopback(kLlamaPort)}};
+}
+
+LiveLanguageModel::LiveLanguageModel(Executor& executor, ModelServerPlaces places, std::function<Date()> now)
+    : executor_(executor), places_(std::move(places)), now_(std::move(now)), client_(executor) {}
+
+std::vector<LocalServerAddress> LiveLanguageModel::addresses() const {
+  std::vector<LocalServerAddress> addresses;
+  const auto add = [&](const std::optional<LocalServerAddress>& address) {
+    if (address && std::find(addresses.begin(), addresses.end(), *address) == addresses.end()) {
+      addresses.push_back(*address);
+    }
+  };
+  for (const auto& named : {places_.configured(), places_.environment()}) {
+    if (named) add(LocalServerAddress::parse(*named, kOllamaPort));
+  }
+  for (const auto& usual : places_.usual) add(usual);
+  return addresses;
+}
+
+Task<std::optional<Unavailability>> LiveLanguageModel::availability() {
+  return availability(lifetime_.weak(this));
+}
+
+Task<ModelResponse> LiveLanguageModel::respond(ModelRequest request) {
+  return respond(lifetime_.weak(this), std::move(request));
+}
+
+Task<std::optional<Unavailability>> LiveLanguageModel::availability(Self self) {
+  const auto finding = find(self);
+  const Finding found = co_await interruptible(finding);
+  co_return found ? std::nullopt : std::optional(found.reason());
+}
+
+Task<LiveLanguageModel::Finding> LiveLanguageModel::find(Self self) {
+  const auto addresses = self->addresses();
+  if (self->found_ && self->found_->lookedAt == addresses) co_return *self->found_;
+  self->found_.reset();
+  Unavailability reason = Unavailability::deviceNotEligible;
+  for (const LocalServerAddress& address : addresses) {
+    const auto looking = look(self, address);
+    const ModelServerLook seen = co_await interruptible(looking);
+    if (!self || co_await isCancelled) co_return reason;
+    if (const auto* model = std::get_if<FoundModel>(&seen)) {
+      self->found_ = Found{*model, address, addresses};
+      co_return *self->found_;
+    }
+    reason = nearer(reason, seen);
+  }
+  co_return reason;
+}
+
+Task<ModelServerLook> LiveLanguageModel::look(Self self, LocalServerAddress address) {
+  for (const ModelServer* server : kServers) {
+    const auto looking = server->look(self->client_, address);
+    const ModelServerLook seen = co_await interruptible(looking);
+    const auto* none = std::get_if<NoModelServer>(&seen);
+    if (!self || !none || none->isSilent || co_await isCancelled) co_return seen;
+  }
+  co_return NoModelServer();
+}
+
+Task<ModelResponse> LiveLanguageModel::respond(Self self, ModelRequest request) {
+  const bool wasRemembered = self->found_.has_value();
+  for (int attempts = wasRemembered ? 2 : 1; attempts > 0; --attempts) {
+    const auto finding = find(self);
+    const Finding found = co_await interruptible(finding);
+    if (!self || co_await isCancelled) co_return ModelFailure(AnalysisCancelled());
+    if (!found) co_return ModelFailure(AnalysisError::unavailable(found.reason()));
+    const auto asking = ask(self, *found, request);
+    ModelResponse response = co_await interruptible(asking);
+    if (!self || co_await isCancelled) co_return ModelFailure(AnalysisCancelled());
+    if (response) co_return response;
+    self->found_.reset();
+    // Gone since it was found; another may have come in its place.
+    const bool isGone = response.reason() == ModelServerReplies::failure(HttpFailure::unreachable);
+    if (!isGone || attempts == 1) co_return response;
+  }
+  co_return ModelFailure(ModelError{});
+}
+
+Task<ModelResponse> LiveLanguageModel::ask(Self self, Found found, ModelRequest request) {
+  // Reading the picture and coding it take long; so does a reply that means harm.
+  const std::function<std::optional<HttpRequest>()> prepare = [found, request]() -> std::optional<HttpRequest> {
+    const auto picture = ModelPicture::read(request.picture);
+    if (!picture) return std::nullopt;
+    return found.model.server->question(request, *picture, found.model.name);
+  };
+  const std::optional<HttpRequest> question = co_await self->executor_.background(prepare);
+  if (!self || co_await isCancelled) co_return ModelFailure(AnalysisCancelled());
+  if (!question) co_return ModelFailure(ModelError{ModelError::Kind::other});
+  const auto sending = self->client_.send(found.address, *question, kAnswerTime);
+  const HttpOutcome reply = co_await interruptible(sending);
+  if (!self) co_return ModelFailure(AnalysisCancelled());
+  if (!reply) co_return ModelServerReplies::failure(reply.reason());
+  const std::function<ModelResponse()> read = [found, answer = *reply, now = self->now_()] {
+    return found.model.server->answer(answer, now);
+  };
+  ModelResponse response = co_await self->executor_.background(read);
+  co_return response;
+}
+
+}  // namespace quillmere

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "analysis/LocalHttpClient.h"
+#include "analysis/ModelServer.h"
+#include "description/LanguageModel.h"
+#include "foundation/Executor.h"
+#include "foundation/UserDefaults.h"
+#include "foundation/Weak.h"
+
+namespace quillmere {
+
+/// Where a model server may be.
+struct ModelServerPlaces {
+  std::function<std::optional<QString>()> configured;   ///< what the person has set
+  std::function<std::optional<QString>()> environment;  ///< what Ollama's own programs go by
+  std::vector<LocalServerAddress> usual;
+  /// `defaults` outlives what it is read through.
+  static ModelServerPlaces standard(const UserDefaults& defaults);
+};
+
+/// The language model of a server that runs on this machine. It remembers where it found one and looks anew when that
+/// one fails or when the settings change. Main thread.
+class LiveLanguageModel final : public LanguageModel {
+ public:
+  /// The executor outlives this. What is under way when this goes is dropped with those who wait for it.
+  LiveLanguageModel(Executor& executor, ModelServerPlaces places, std::function<Date()> now);
+
+  /// Not eligible without a server, not enabled without a model that sees pictures, not ready while it is loaded.
+  Task<std::optional<AnalysisError::Unavailability>> availability() override;
+  Task<ModelResponse> respond(ModelRequest request) override;
+
+  /// In the order in which they are asked; whatever was named that is not of this machine is not among them.
+  std::vector<LocalServerAddress> addresses() const;
+
+ private:
+  struct Found {
+    FoundModel model;
+    LocalServerAddress address;
+    std::vector<LocalServerAddress> lookedAt;  ///< all addresses of that time
+  };
+  using Finding = Result<Found, AnalysisError::Unavailability>;
+  using Self = Weak<LiveLanguageModel>;
+
+  static Task<std::optional<AnalysisError::Unavailability>> availability(Self self);
+  static Task<ModelResponse> respond(Self self, ModelRequest request);
+  /// What is remembered, or what a look brings.
+  static Task<Finding> find(Self self);
+  static Task<ModelServerLook> look(Self self, LocalServerAddress address);
+  static Task<ModelResponse> ask(Self self, Found found, ModelRequest request);
+
+  Executor& executor_;
+  ModelServerPlaces places_;
+  std::function<Date()> now_;
+  std::optional<Found> found_;
+  LocalHttpClient client_;
+  Lifetime lifetime_;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,69 @@
+#include "analysis/LiveScreenshotAnalyzer.h"
+
+#include <atomic>
+#include <memory>
+
+#include "formats/ImageOperations.h"
+#include "foundation/Interruptible.h"
+#include "foundation/OnCancel.h"
+
+namespace quillmere {
+namespace {
+
+using Text = std::optional<QString>;
+
+/// `co_await` gives what the work returns on one of the pool's threads. The pool outlives the wait.
+class Recognition {
+ public:
+  Recognition(EnginePool& engines, Executor& executor, const std::function<Text(TextRecognizer&)>& work)
+      : engines_(engines), executor_(executor), work_(work) {}
+  bool await_ready() const { return false; }
+  void await_suspend(std::coroutine_handle<> task) {
+    auto continuation = std::make_shared<Continuation>(task);
+    // The text lives apart from the coroutine, which may be destroyed while the work still runs.
+    engines_.run([text = text_, work = work_, continuation, executor = &executor_](TextRecognizer& recognizer) {
+      *text = work(recognizer);
+      executor->post([continuation] { continuation->resume(); });
+    });
+  }
+  Text await_resume() { return std::move(*text_); }
+
+ private:
+  EnginePool& engines_;
+  Executor& executor_;
+  std::function<Text(TextRecognizer&)> work_;
+  std::shared_ptr<Text> text_ = std::make_shared<Text>();
+};
+
+}  // namespace
+
+LiveScreenshotAnalyzer::LiveScreenshotAnalyzer(Executor& executor, LanguageModel& model,
+                                               std::function<bool(const FileURL&)> isDataless)
+    : executor_(executor), service_(model, executor), isDataless_(std::move(isDataless)) {}
+
+Task<DescribeOutcome> LiveScreenshotAnalyzer::describe(FileURL url, std::optional<QString> text) {
+  // Off the main thread: a share may be slow to answer.
+  const std::function<bool()> look = [isDataless = isDataless_, url] { return isDataless(url); };
+  const bool isAway = co_await executor_.background(look);
+  if (co_await isCancelled) co_return AnalysisCancelled();
+  if (isAway) co_return AnalysisError::other(true);
+  const auto described = service_.describe(url, text);
+  DescribeOutcome outcome = co_await interruptible(described);
+  co_return outcome;
+}
+
+Task<std::optional<QString>> LiveScreenshotAnalyzer::recognizeText(FileURL url) {
+  const auto mayStop = std::make_shared<std::atomic<bool>>(false);
+  const std::function<void()> cancel = [mayStop] { *mayStop = true; };
+  const std::function<Text(TextRecognizer&)> work = [isDataless = isDataless_, url, mayStop](TextRecognizer& one) {
+    if (*mayStop || isDataless(url)) return Text();
+    const auto image = ImageOperations::loadImage(url);
+    return image ? one.recognizeText(*image, *mayStop) : Text();
+  };
+  co_await onCancel(cancel);
+  Recognition recognition(engines_, executor_, work);
+  Text text = co_await recognition;
+  co_return *mayStop ? std::nullopt : text;
+}
+
+}  // namespace quillmere

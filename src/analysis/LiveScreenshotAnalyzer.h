@@ -1,0 +1,29 @@
+#pragma once
+
+#include <functional>
+
+#include "description/ImageAnalysisService.h"
+#include "model/ScreenshotAnalyzing.h"
+#include "recognition/EnginePool.h"
+
+namespace quillmere {
+
+/// Text by the recognition engine inside this process, descriptions by a model server of this machine. A file whose
+/// data is elsewhere is never read: that would bring it here.
+class LiveScreenshotAnalyzer final : public ScreenshotAnalyzing {
+ public:
+  /// All of them outlive this. `isDataless` is called on any thread.
+  LiveScreenshotAnalyzer(Executor& executor, LanguageModel& model, std::function<bool(const FileURL&)> isDataless);
+
+  Task<std::optional<AnalysisError::Unavailability>> availability() override { return service_.availability(); }
+  Task<DescribeOutcome> describe(FileURL url, std::optional<QString> text) override;
+  Task<std::optional<QString>> recognizeText(FileURL url) override;
+
+ private:
+  Executor& executor_;
+  ImageAnalysisService service_;
+  std::function<bool(const FileURL&)> isDataless_;
+  EnginePool engines_;
+};
+
+}  // namespace quillmere

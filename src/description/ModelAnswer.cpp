@@ -1,0 +1,112 @@
+#include "description/ModelAnswer.h"
+
+#include <QtCore/QLocale>
+#include <QtCore/QRegularExpression>
+#include <QtCore/QStringList>
+
+#include "description/KnownWords.h"
+#include "description/StopWords.h"
+#include "foundation/Graphemes.h"
+#include "records/ScreenshotNaming.h"
+
+namespace quillmere {
+namespace {
+
+/// With fewer words known, a name that is not among them says nothing.
+constexpr size_t kFewestWordsForStrictness = 5;
+constexpr size_t kShortestName = 4;
+constexpr int kTooManyDigits = 4;
+
+enum class Mode { plain, strict };
+
+QStringList tokensOf(const QString& text) {
+  static const QRegularExpression blanks(QStringLiteral("\\s+"), QRegularExpression::UseUnicodePropertiesOption);
+  return text.split(blanks, Qt::SkipEmptyParts);
+}
+
+bool looksLikeName(const QString& word) {
+  return graphemeEnds(word).size() >= kShortestName && holdsUppercase(word) && !isStopWord(word.toLower());
+}
+
+/// Empty where a file name must not hold the word: the model named something that the screenshot does not show.
+QString corrected(const QString& core, const KnownWords& known, Mode mode) {
+  const QString fixed = known.spellCheck(core);
+  if (mode == Mode::strict && looksLikeName(fixed) && !known.contains(fixed.toLower())) return {};
+  return fixed;
+}
+
+/// The token with the word between its punctuation corrected; empty where it is to be left out.
+QString correctedToken(const QString& token, const KnownWords& known, Mode mode) {
+  qsizetype coreBegin = -1;
+  qsizetype coreEnd = 0;
+  qsizetype begin = 0;
+  for (const qsizetype end : graphemeEnds(token)) {
+    if (isLetterOrDigit(QStringView(token).mid(begin, end - begin))) {
+      if (coreBegin < 0) coreBegin = begin;
+      coreEnd = end;
+    }
+    begin = end;
+  }
+  // Punctuation on its own stays, such as a dash.
+  if (coreBegin < 0) return token;
+  const QString core = corrected(token.mid(coreBegin, coreEnd - coreBegin), known, mode);
+  return core.isEmpty() ? QString() : token.left(coreBegin) + core + token.mid(coreEnd);
+}
+
+QString correctedText(const QString& text, const KnownWords& known, Mode mode) {
+  QStringList words;
+  for (const QString& token : tokensOf(text)) {
+    const QString word = correctedToken(token, known, mode);
+    if (!word.isEmpty()) words << word;
+  }
+  return words.join(QLatin1Char(' '));
+}
+
+/// No dates and long numbers, no mail addresses, no domain names.
+bool maySayInName(const QString& token) {
+  int digits = 0;
+  qsizetype begin = 0;
+  for (const qsizetype end : graphemeEnds(token)) {
+    if (isDigit(QStringView(token).mid(begin, end - begin))) ++digits;
+    begin = end;
+  }
+  return digits < kTooManyDigits && !token.contains(QLatin1Char('@')) &&
+         token.split(QLatin1Char('.'), Qt::SkipEmptyParts).size() < 2;
+}
+
+/// A first word with a capital inside it is spelled so on purpose.
+QString capitalized(const QString& text) {
+  const QString firstWord = tokensOf(text).value(0);
+  const qsizetype end = graphemeEnds(text).front();
+  if (!isLowercase(QStringView(text).left(end)) || holdsUppercase(firstWord)) return text;
+  return QLocale().toUpper(text.left(end)) + text.mid(end);
+}
+
+}  // namespace
+
+std::optional<ScreenshotAnalysisResult> cleanedAnswer(const QString& description, const QString& filename,
+                                                      const std::optional<QString>& recognizedText) {
+  const KnownWords known(recognizedText.value_or(QString()));
+  ScreenshotAnalysisResult result{description, filename};
+  if (!known.isEmpty()) {
+    const Mode mode = known.size() >= kFewestWordsForStrictness ? Mode::strict : Mode::plain;
+    result.description = correctedText(description, known, Mode::plain);
+    result.filename = correctedText(filename, known, mode);
+  }
+  static const QRegularExpression dash(QStringLiteral("\\s*\u2014\\s*"),
+                                       QRegularExpression::UseUnicodePropertiesOption);
+  result.description.replace(dash, QStringLiteral(", "));
+  result.description = result.description.trimmed();
+  if (result.description.isEmpty()) return std::nullopt;
+
+  const auto stem = sanitizedFileStem(result.filename);
+  if (!stem) return std::nullopt;
+  QStringList words = tokensOf(*stem);
+  words.removeIf([](const QString& token) { return !maySayInName(token); });
+  const auto cleaned = sanitizedFileStem(words.join(QLatin1Char(' ')));
+  if (!cleaned) return std::nullopt;
+  result.filename = capitalized(*cleaned);
+  return result;
+}
+
+}  // namespace quillmere

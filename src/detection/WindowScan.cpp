@@ -1,0 +1,22 @@
+#include "detection/WindowScan.h"
+
+namespace quillmere::ImageOperations {
+
+Result<WindowScan, OperationError> scanWindowsNow(const FileURL& url) {
+  auto image = loadImage(url);
+  if (!image) return image.reason();
+  const auto windows = detectWindows(*image, imageScale(url));
+  return WindowScan{*std::move(image), windows};
+}
+
+Task<Result<WindowScan, OperationError>> scanWindows(Executor& executor, FileURL url,
+                                                     std::function<bool(const FileURL&)> isEvicted) {
+  const std::function<Result<WindowScan, OperationError>()> work = [url, isEvicted] {
+    if (isEvicted && isEvicted(url)) return Result<WindowScan, OperationError>(OperationError::unreadable);
+    return scanWindowsNow(url);
+  };
+  auto scan = co_await executor.background(work);
+  co_return scan;
+}
+
+}  // namespace quillmere::ImageOperations

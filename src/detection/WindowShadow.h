@@ -1,0 +1,81 @@
+#pragma once
+
+#include <QtCore/QRectF>
+#include <QtGui/QImage>
+#include <array>
+#include <optional>
+#include <vector>
+
+#include "pixels/GrayImage.h"
+
+namespace quillmere {
+
+/// How many pixels a window's drop shadow reaches beyond its frame, to add on each side.
+struct WindowShadowMargin {
+  enum class Source {
+    measured,   ///< at least one side gave a shadow that can be trusted
+    estimated,  ///< the surroundings cannot be read: a typical shadow
+    none,       ///< there is no shadow, or nothing can be said: all margins are 0
+  };
+  double left = 0;
+  double top = 0;
+  double right = 0;
+  double bottom = 0;
+  Source source = Source::none;
+  bool operator==(const WindowShadowMargin&) const = default;
+};
+
+/// Measures drop shadows. A shadow is a smooth fall-off of brightness over whatever lies behind the window: a line is
+/// fitted to the background farther out, and the shadow is where pixels near the window drop below it.
+namespace WindowShadow {
+
+/// The order in which sides are always handled.
+enum Side { left, top, right, bottom };
+inline constexpr std::array kSides{left, top, right, bottom};
+
+/// What is seen on one side.
+struct SideReading {
+  enum class Kind { shadow, clear, unreadable };
+  Kind kind = Kind::unreadable;
+  int64_t extent = 0;      ///< of a shadow: how far it reaches, in pixels from the frame
+  bool isClipped = false;  ///< it runs into the picture's edge
+  bool operator==(const SideReading&) const = default;
+};
+
+/// A frame's margins with the readings of left, top, right and bottom behind them.
+struct Measurement {
+  WindowShadowMargin margin;
+  std::array<SideReading, 4> sides;
+};
+
+/// `scale` is the picture's pixels per point, where known.
+Measurement measure(const GrayImage& gray, const QRectF& frame, std::optional<double> scale);
+/// One for each frame, in order.
+std::vector<WindowShadowMargin> margins(const std::vector<QRectF>& frames, const QImage& image,
+                                        std::optional<double> scale);
+
+/// `frame` is whole-numbered and inside the picture.
+SideReading sideReading(Side side, const GrayImage& gray, const QRectF& frame);
+
+/// The typical brightness at each of `depth` distances from the side, the nearest first: over the lines of the side's
+/// middle part, the mean of the middle half. None where the side is too short or a line leaves the picture.
+std::optional<std::vector<double>> brightnessProfile(Side side, const GrayImage& gray, const QRectF& frame,
+                                                     int64_t depth);
+
+struct FallOff {
+  enum class Kind { extentFound, clear, unreadable };
+  Kind kind = Kind::unreadable;
+  int64_t extent = 0;
+  double nearResidual = 0;  ///< how much darker it is beside the window than the background's trend foretells
+  bool operator==(const FallOff&) const = default;
+};
+/// Where a brightness profile begins to drop below the line of its background.
+FallOff fallOff(const std::vector<double>& profile);
+
+/// The middle value, or the mean of the two middle ones. None of none.
+std::optional<double> median(std::vector<double> values);
+/// A standard deviation that outliers do not move: 1.4826 times the median distance from the median; 0 of none.
+double robustSigma(const std::vector<double>& values);
+
+}  // namespace WindowShadow
+}  // namespace quillmere

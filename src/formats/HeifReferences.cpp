@@ -1,0 +1,142 @@
+#include "formats/HeifReferences.h"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <vector>
+
+namespace quillmere {
+namespace {
+
+/// As many parts as the largest grid has.
+constexpr size_t kMostDecodings = 65'536 + 1;
+constexpr size_t kDeepest = 16;
+
+/// Takes numbers, most significant byte first, and ranges from the front.
+class Bytes {
+ public:
+  explicit Bytes(std::string_view rest) : rest_(rest) {}
+  bool isAtEnd() const { return rest_.empty(); }
+  size_t left() const { return rest_.size(); }
+
+  std::optional<uint64_t> number(size_t count) {
+    const auto bytes = range(count);
+    if (!bytes) return std::nullopt;
+    uint64_t number = 0;
+    for (const char byte : *bytes) number = number << 8 | static_cast<uint8_t>(byte);
+    return number;
+  }
+  std::optional<std::string_view> range(uint64_t count) {
+    if (count > rest_.size()) return std::nullopt;
+    const std::string_view bytes = rest_.substr(0, count);
+    rest_.remove_prefix(count);
+    return bytes;
+  }
+
+ private:
+  std::string_view rest_;
+};
+
+/// ISO 14496-12, 4.2.
+struct Box {
+  std::string_view type;
+  std::string_view content;
+};
+
+std::optional<Box> nextBox(Bytes& bytes) {
+  const auto size = bytes.number(4);
+  const auto type = bytes.range(4);
+  if (!size || !type) return std::nullopt;
+  uint64_t header = 8;
+  uint64_t whole = *size;
+  if (whole == 0) whole = header + bytes.left();  // to the end
+  if (whole == 1) {
+    const auto large = bytes.number(8);
+    if (!large) return std::nullopt;
+    header = 16;
+    whole = *large;
+  }
+  if (whole < header) return std::nullopt;
+  const auto content = bytes.range(whole - header);
+  if (!content) return std::nullopt;
+  return Box{*type, *content};
+}
+
+using Item = uint64_t;
+
+/// Which items each needs to be decoded.
+class Needs {
+ public:
+  /// Reads the references (ISO 14496-12, 8.11.12); false where they are no whole ones.
+  bool add(std::string_view content) {
+    Bytes bytes(content);
+    const auto version = bytes.number(1);
+    if (!version || !bytes.range(3)) return false;
+    const size_t idBytes = *version == 0 ? 2 : 4;
+    while (!bytes.isAtEnd()) {
+      const auto box = nextBox(bytes);
+      if (!box || !addReference(*box, idBytes)) return false;
+    }
+    return true;
+  }
+
+  bool areSound() {
+    for (const auto& [item, parts] : parts_) {
+      if (decodings(item, 0) > kMostDecodings) return false;
+    }
+    return true;
+  }
+
+ private:
+  bool addReference(const Box& box, size_t idBytes) {
+    Bytes bytes(box.content);
+    const auto from = bytes.number(idBytes);
+    const auto count = bytes.number(2);
+    if (!from || !count) return false;
+    for (uint64_t i = 0; i < *count; ++i) {
+      const auto to = bytes.number(idBytes);
+      if (!to) return false;
+      // A derived picture names its parts; of alpha it is the other way round.
+      if (box.type == "dimg") parts_[*from].push_back(*to);
+      if (box.type == "auxl") parts_[*to].push_back(*from);
+    }
+    return bytes.isAtEnd();
+  }
+
+  /// Of the item and all it needs, counted as often as they are needed. A circle is deeper than anything.
+  size_t decodings(Item item, size_t depth) {
+    if (depth > kDeepest) return kMostDecodings + 1;
+    if (const auto known = known_.find(item); known != known_.end()) return known->second;
+    size_t sum = 1;
+    if (const auto parts = parts_.find(item); parts != parts_.end()) {
+      for (const Item part : parts->second) {
+        sum += decodings(part, depth + 1);
+        if (sum > kMostDecodings) break;
+      }
+    }
+    known_[item] = sum;
+    return sum;
+  }
+
+  std::map<Item, std::vector<Item>> parts_;
+  std::map<Item, size_t> known_;
+};
+
+}  // namespace
+
+bool areHeifReferencesSound(std::string_view file) {
+  Needs needs;
+  Bytes bytes(file);
+  while (const auto box = nextBox(bytes)) {
+    if (box->type != "meta") continue;
+    Bytes inside(box->content);
+    if (!inside.range(4)) return false;  // version and flags
+    while (!inside.isAtEnd()) {
+      const auto child = nextBox(inside);
+      if (!child || (child->type == "iref" && !needs.add(child->content))) return false;
+    }
+  }
+  return needs.areSound();
+}
+
+}  // namespace quillmere

@@ -1,0 +1,83 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <cerrno>
+
+#include "formats/ImageOperations.h"
+#include "foundation/Localized.h"
+#include "records/FileCopy.h"
+#include "records/ScreenshotNaming.h"
+#include "records/UUID.h"
+
+namespace quillmere {
+namespace {
+
+using ImageOperations::Failure;
+using ImageOperations::OperationError;
+
+/// What the person's mask leaves of it, as of any file that a program saves.
+constexpr mode_t kUsualMode = 0666;
+
+std::error_code lastError() {
+  return {errno != 0 ? errno : EIO, std::generic_category()};
+}
+
+/// Writes a file at a name that must be free, down to the disk. Whatever fails, nothing is left there.
+std::error_code writeWithoutReplacing(const FileURL& url, const QByteArray& data, mode_t mode) {
+  const auto descriptor =
+      static_cast<int>(TEMP_FAILURE_RETRY(::open(url.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode)));
+  if (descriptor < 0) return lastError();
+  std::error_code error;
+  if (!writeAll(descriptor, data.constData(), static_cast<size_t>(data.size())) ||
+      TEMP_FAILURE_RETRY(::fsync(descriptor)) != 0) {
+    error = lastError();
+  }
+  // Servers tell only here that there was no room. After an interruption the file is closed all the same.
+  if (::close(descriptor) != 0 && errno != EINTR && !error) error = lastError();
+  if (error) ::unlink(url.c_str());
+  return error;
+}
+
+/// The permissions of the file that is to be replaced: a crop is no less private than the whole.
+mode_t modeOf(const FileURL& url) {
+  struct stat status {};
+  constexpr mode_t kPermissions = 0777;
+  return ::stat(url.c_str(), &status) == 0 ? status.st_mode & kPermissions : kUsualMode;
+}
+
+}  // namespace
+
+Result<FileURL, Failure> ImageOperations::writeNewFile(const QByteArray& data, const FileURL& url,
+                                                       const QString& stem) {
+  constexpr int kMostNumber = 999;
+  const std::string cleaned = sanitizedFileStem(stem).value_or(localized("filename.fallback-stem")).toStdString();
+  for (int n = 0; n <= kMostNumber; ++n) {
+    const std::string number = n > 0 ? " (" + std::to_string(n) + ")" : std::string();
+    const FileURL place = url.parent().appending(cleaned + number + ".png");
+    const std::error_code error = writeWithoutReplacing(place, data, kUsualMode);
+    if (error == std::errc::file_exists) continue;
+    if (error) return Failure(error);
+    // The file is whole either way, and some file systems cannot flush a folder.
+    flushFolder(place.parent());
+    return place;
+  }
+  return Failure(OperationError::destinationExists);
+}
+
+Result<FileURL, Failure> ImageOperations::writeReplacement(const QByteArray& data, const FileURL& original) {
+  constexpr int kTries = 8;
+  const std::string ownExtension = original.pathExtension();
+  const std::string extension = ownExtension.empty() ? "png" : ownExtension;
+  const mode_t mode = modeOf(original);
+  for (int i = 0; i < kTries; ++i) {
+    const std::string name = std::string(kReplacementPrefix) + uuidText(UUID::createUuid()) + "." + extension;
+    const FileURL place = original.parent().appending(name);
+    const std::error_code error = writeWithoutReplacing(place, data, mode);
+    if (error == std::errc::file_exists) continue;
+    if (error) return Failure(error);
+    return place;
+  }
+  return Failure(OperationError::destinationExists);
+}
+
+}  // namespace quillmere

@@ -1,0 +1,18 @@
+#include "platform/linux/files/LiveFileIdentity.h"
+
+#include "foundation/FileStatus.h"
+
+namespace quillmere {
+
+std::optional<FileIdentity> liveFileIdentity(const FileURL& url, const MountTable& mounts) {
+  const auto status = fileStatus(url);
+  if (!status || !status->isRegular()) return std::nullopt;
+  FileIdentity identity;
+  identity.volume = mounts.volume(url);
+  identity.file = status->inode;
+  identity.creationDate = status->created;
+  identity.size = status->size;
+  return identity;
+}
+
+}  // namespace quillmere

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "model/AppModelDependencies.h"
+#include "platform/linux/files/MountTable.h"
+
+namespace quillmere {
+
+/// The freedesktop Trash by way of GIO, and moves that never replace anything.
+class LiveFileOperations final : public FileOperations {
+ public:
+  using FileOperations::move;
+  using FileOperations::trash;
+  FileOutcome trash(const FileURL& url, TrashReport& report) override;
+  FileOutcome restore(const FileURL& place, const FileURL& url) override;
+  FileOutcome move(const FileURL& from, const FileURL& to, QString& reason) override;
+  FileOutcome remove(const FileURL& url) override;
+};
+
+/// Whether the path, symbolic links resolved, lies below the `files` folder of the home Trash or of the Trash of its
+/// file system, in either of that one's forms.
+bool isInTrash(const FileURL& url, const MountTable& mounts);
+
+}  // namespace quillmere

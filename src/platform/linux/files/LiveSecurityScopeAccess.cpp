@@ -1,0 +1,152 @@
+#include "platform/linux/files/LiveSecurityScopeAccess.h"
+
+#include <dirent.h>
+#include <unistd.h>
+#include <cmath>
+#include <ctime>
+
+#include "foundation/FileStatus.h"
+
+namespace quillmere {
+namespace {
+
+const QString kBookmarkKey = QStringLiteral("quillmere.staging-folder-bookmark");
+
+/// What a path leads to; a symbolic link to a folder counts as the folder.
+std::optional<FileStatus> statusThroughLinks(const FileURL& url) {
+  const auto real = url.resolvingSymlinks();
+  return real ? fileStatus(*real) : std::nullopt;
+}
+
+/// The dates of files stand still until the kernel's clock ticks: a folder listed right after a change may change again
+/// and keep its date.
+bool hasSettled(Date modified) {
+  constexpr double kTick = 0.02;
+  timespec now{};
+  ::clock_gettime(CLOCK_REALTIME, &now);
+  return std::abs(Date::fromUnix(now.tv_sec, static_cast<uint32_t>(now.tv_nsec)) - modified) > kTick;
+}
+
+}  // namespace
+
+bool LiveSecurityScopeAccess::start(const FileURL& url) {
+  if (::access(url.c_str(), R_OK) != 0) return false;
+  const std::lock_guard lock(mutex_);
+  ++openCounts_[url.path()];
+  return true;
+}
+
+void LiveSecurityScopeAccess::stop(const FileURL& url) {
+  const std::lock_guard lock(mutex_);
+  const auto count = openCounts_.find(url.path());
+  if (count != openCounts_.end() && --count->second == 0) openCounts_.erase(count);
+}
+
+int LiveSecurityScopeAccess::openCount() const {
+  const std::lock_guard lock(mutex_);
+  int sum = 0;
+  for (const auto& [path, count] : openCounts_) sum += count;
+  return sum;
+}
+
+void LiveSecurityScopeAccess::setWatchedFolder(const std::optional<FileURL>& folder) {
+  const std::lock_guard lock(mutex_);
+  watchedFolder_ = folder;
+}
+
+std::optional<QByteArray> LiveSecurityScopeAccess::makeBookmark(const FileURL& url) {
+  const auto status = statusThroughLinks(url);
+  if (!status || ::access(url.c_str(), R_OK) != 0) return std::nullopt;
+  Bookmark bookmark;
+  bookmark.url = url.standardized();
+  bookmark.volume = mounts_.volume(url);
+  bookmark.file = status->inode;
+  bookmark.creationDate = status->created;
+  bookmark.isDirectory = status->kind == FileStatus::Kind::directory;
+  if (bookmark.isDirectory) {
+    if (const auto mount = mounts_.covering(url)) bookmark.mountPoint = mount->path;
+  }
+  return bookmark.encoded();
+}
+
+std::optional<SecurityScopeAccess::Resolution> LiveSecurityScopeAccess::resolve(const QByteArray& bytes) {
+  const auto bookmark = Bookmark::decode(bytes);
+  if (!bookmark) return std::nullopt;
+  // A path alone is enough to find the place, and worth making anew: it would not survive a rename.
+  if (!bookmark->file) return Resolution{bookmark->url, fileExists(bookmark->url)};
+  if (isSameFile(*bookmark, bookmark->url)) return Resolution{bookmark->url, false};
+  if (const auto found = search(*bookmark)) return Resolution{*found, true, bookmark->url};
+  // A folder made anew under its name is taken for the old one; a missing one may come back with its disk. Another file
+  // under a file's name is another file.
+  if (bookmark->isDirectory) return Resolution{bookmark->url, isReadableDirectory(bookmark->url)};
+  return std::nullopt;
+}
+
+bool LiveSecurityScopeAccess::isSameFile(const Bookmark& bookmark, const FileURL& candidate) const {
+  constexpr double kDateTolerance = 0.001;
+  const auto status = statusThroughLinks(candidate);
+  if (!status || status->inode != bookmark.file) return false;
+  const bool isDirectory = status->kind == FileStatus::Kind::directory;
+  if (isDirectory != bookmark.isDirectory) return false;
+  if (bookmark.creationDate && status->created &&
+      std::abs(*bookmark.creationDate - *status->created) >= kDateTolerance) {
+    return false;
+  }
+  return !bookmark.volume || bookmark.volume == mounts_.volume(candidate);
+}
+
+std::optional<FileURL> LiveSecurityScopeAccess::search(const Bookmark& bookmark) {
+  // Without a birth time a reused number could not be told from the old file.
+  if (!bookmark.creationDate) return std::nullopt;
+  if (auto found = searchFolder(bookmark, bookmark.url.parent())) return found;
+  std::optional<FileURL> watched;
+  {
+    const std::lock_guard lock(mutex_);
+    watched = watchedFolder_;
+  }
+  if (!watched || *watched == bookmark.url.parent()) return std::nullopt;
+  return searchFolder(bookmark, *watched);
+}
+
+std::optional<FileURL> LiveSecurityScopeAccess::searchFolder(const Bookmark& bookmark, const FileURL& folder) {
+  const auto status = statusThroughLinks(folder);
+  if (!status) return std::nullopt;
+  std::vector<std::string> names;
+  {
+    // A lock of its own: listing a slow folder must not hold those who only open or end access.
+    const std::lock_guard lock(numbersMutex_);
+    const bool isKnown = numbers_ && numbers_->folder == folder && numbers_->modified == status->modified;
+    if (!isKnown || !numbers_->isSettled) {
+      numbers_ = FolderNumbers{folder, status->modified, hasSettled(status->modified), {}};
+      if (DIR* stream = ::opendir(folder.c_str())) {
+        while (const dirent* entry = ::readdir(stream)) numbers_->names.emplace(entry->d_ino, entry->d_name);
+        ::closedir(stream);
+      }
+    }
+    const auto [first, last] = numbers_->names.equal_range(*bookmark.file);
+    for (auto name = first; name != last; ++name) names.push_back(name->second);
+  }
+  for (const std::string& name : names) {
+    const FileURL candidate = folder.appending(name);
+    if (isSameFile(bookmark, candidate)) return candidate;
+  }
+  return std::nullopt;
+}
+
+std::optional<QByteArray> LiveWatchFolderStore::bookmark() {
+  const auto bookmark = defaults_.data(kBookmarkKey);
+  if (bookmark) expectMount(*bookmark);
+  return bookmark;
+}
+
+void LiveWatchFolderStore::setBookmark(const QByteArray& bookmark) {
+  defaults_.set(kBookmarkKey, bookmark);
+  expectMount(bookmark);
+}
+
+void LiveWatchFolderStore::expectMount(const QByteArray& bytes) {
+  const auto bookmark = Bookmark::decode(bytes);
+  if (bookmark && bookmark->mountPoint) mounts_.expect(bookmark->url, *bookmark->mountPoint);
+}
+
+}  // namespace quillmere

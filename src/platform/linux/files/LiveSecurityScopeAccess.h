@@ -1,0 +1,64 @@
+#pragma once
+
+#include <map>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include "model/AppModelDependencies.h"
+#include "platform/linux/files/Bookmark.h"
+#include "platform/linux/files/MountTable.h"
+
+namespace quillmere {
+
+/// Bookmarks over inodes. A bookmark answers its path while the same file stands there; otherwise it looks for the
+/// inode in the folder last known and in the watched folder. A reused inode number never passes: the birth time must
+/// match.
+class LiveSecurityScopeAccess final : public SecurityScopeAccess {
+ public:
+  explicit LiveSecurityScopeAccess(MountTable& mounts) : mounts_(mounts) {}
+
+  bool start(const FileURL& url) override;
+  void stop(const FileURL& url) override;
+  std::optional<QByteArray> makeBookmark(const FileURL& url) override;
+  std::optional<Resolution> resolve(const QByteArray& bookmark) override;
+
+  void setWatchedFolder(const std::optional<FileURL>& folder);
+  /// Starts that no stop has answered yet.
+  int openCount() const;
+
+ private:
+  bool isSameFile(const Bookmark& bookmark, const FileURL& candidate) const;
+  std::optional<FileURL> search(const Bookmark& bookmark);
+  std::optional<FileURL> searchFolder(const Bookmark& bookmark, const FileURL& folder);
+
+  /// The inode numbers of one folder's entries: looking for many lost files lists it once.
+  struct FolderNumbers {
+    FileURL folder;
+    Date modified;
+    bool isSettled = false;  ///< a later change of the folder will show in its date
+    std::multimap<uint64_t, std::string> names;
+  };
+
+  MountTable& mounts_;
+  mutable std::mutex mutex_;
+  std::map<std::string, int> openCounts_;
+  std::optional<FileURL> watchedFolder_;
+  std::mutex numbersMutex_;
+  std::optional<FolderNumbers> numbers_;
+};
+
+/// Keeps the folder's bookmark in the settings, and has its file system expected.
+class LiveWatchFolderStore final : public WatchFolderStore {
+ public:
+  LiveWatchFolderStore(UserDefaults& defaults, MountTable& mounts) : defaults_(defaults), mounts_(mounts) {}
+  std::optional<QByteArray> bookmark() override;
+  void setBookmark(const QByteArray& bookmark) override;
+
+ private:
+  void expectMount(const QByteArray& bookmark);
+  UserDefaults& defaults_;
+  MountTable& mounts_;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,45 @@
+#include "platform/linux/session/RunMarker.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+
+#include "foundation/FileStatus.h"
+
+namespace quillmere {
+namespace {
+
+/// Longer than an arrival needs from its first byte to its record.
+constexpr double kArrivalMargin = 5.0;
+
+}  // namespace
+
+RunMarker::RunMarker(FileURL file, const FileURL& listFile) : file_(std::move(file)) {
+  std::error_code ignored;
+  std::filesystem::create_directories(file_.parent().path(), ignored);
+  const auto left = fileStatus(file_);
+  descriptor_ = ::open(file_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  if (descriptor_ < 0) return;
+  if (::flock(descriptor_, LOCK_EX | LOCK_NB) != 0) {
+    isTaken_ = errno == EWOULDBLOCK;
+    return;
+  }
+  if (left) {
+    Date alive = left->modified;
+    if (const auto list = fileStatus(listFile)) alive = std::max(alive, list->modified);
+    interruptedSince_ = alive + -kArrivalMargin;
+  }
+  ::futimens(descriptor_, nullptr);
+}
+
+RunMarker::~RunMarker() {
+  if (descriptor_ < 0) return;
+  if (!isTaken_) ::unlink(file_.c_str());
+  ::close(descriptor_);
+}
+
+}  // namespace quillmere

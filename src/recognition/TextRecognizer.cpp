@@ -1,0 +1,153 @@
+#include "recognition/TextRecognizer.h"
+
+#include <dlfcn.h>
+#include <tesseract/baseapi.h>
+#include <tesseract/ocrclass.h>
+#include <QtCore/QStringList>
+#include <QtGui/QPainter>
+#include <algorithm>
+
+#include "recognition/TextPreparation.h"
+
+namespace quillmere {
+namespace {
+
+/// Pictures are looked through in bands, so that memory does not grow with them. Neighbours share twice the margin,
+/// which is higher than a line; each line belongs to the band in whose inner part its middle is.
+constexpr int kBandPixels = 2'000'000;
+constexpr int kBandMargin = 120;
+constexpr int kLowestBand = 4 * kBandMargin;
+/// Wider pictures are reduced.
+constexpr int kWidest = 32767;
+
+/// A line read with less confidence is read once more in the other way, which also looks for the words' places. Most
+/// lines are read best as they are.
+constexpr int kDoubtful = 75;
+/// Of one or two characters below this, none is there: corners and icons.
+constexpr int kUnbelievable = 65;
+/// What is printed; the engine's own guess at it from so small a picture costs time and is wrong.
+constexpr int kDotsPerInch = 200;
+
+/// The engine starts four threads for each line unless its runtime is told not to, and these wait for each other in
+/// busy loops. The runtime keeps this setting for each thread; a limit on the number of threads would not do, since the
+/// engine asks for four by name.
+void keepToThisThread() {
+  using SetLevels = void (*)(int);
+  static const auto setLevels = reinterpret_cast<SetLevels>(::dlsym(RTLD_DEFAULT, "omp_set_max_active_levels"));
+  if (setLevels) setLevels(0);
+}
+
+/// Pixels of 0xffRRGGBB; what shows through counts as white.
+QImage band(const QImage& image, int top, int height) {
+  const QImage part = image.copy(0, top, image.width(), height);
+  if (!part.hasAlphaChannel()) return part.convertToFormat(QImage::Format_RGB32);
+  QImage plain(part.size(), QImage::Format_RGB32);
+  plain.fill(Qt::white);
+  QPainter(&plain).drawImage(0, 0, part);
+  return plain;
+}
+
+}  // namespace
+
+class TextRecognizer::Engine {
+ public:
+  /// False when there is no data of any of the languages.
+  bool load(const QLocale& locale) {
+    api_.SetVariable("debug_file", "/dev/null");
+    if (api_.Init(nullptr, recognitionLanguages(locale).toLatin1().constData(), tesseract::OEM_LSTM_ONLY) != 0)
+      return false;
+    // Lines are dark on white already; no doubtful one is to be tried the other way round.
+    return api_.SetVariable("tessedit_do_invert", "0");
+  }
+
+  /// Empty when nothing is there or when it was cancelled.
+  QString read(const QImage& prepared, const std::atomic<bool>& isCancelled) {
+    Reading best = read(prepared, tesseract::PSM_RAW_LINE, isCancelled);
+    if (best.confidence < kDoubtful && !isCancelled) {
+      const Reading other = read(prepared, tesseract::PSM_SINGLE_LINE, isCancelled);
+      if (other.confidence > best.confidence) best = other;
+    }
+    return best.text.size() <= 2 && best.confidence < kUnbelievable ? QString() : best.text;
+  }
+
+ private:
+  struct Reading {
+    QString text;
+    int confidence = 0;
+  };
+
+  Reading read(const QImage& prepared, tesseract::PageSegMode mode, const std::atomic<bool>& isCancelled) {
+    tesseract::ETEXT_DESC monitor;
+    monitor.cancel_this = const_cast<std::atomic<bool>*>(&isCancelled);
+    monitor.cancel = [](void* flag, int) { return static_cast<std::atomic<bool>*>(flag)->load(); };
+    api_.SetPageSegMode(mode);
+    api_.SetImage(prepared.constBits(), prepared.width(), prepared.height(), 1,
+                  static_cast<int>(prepared.bytesPerLine()));
+    api_.SetSourceResolution(kDotsPerInch);
+    if (api_.Recognize(&monitor) != 0) return {};
+    const std::unique_ptr<char[]> text(api_.GetUTF8Text());
+    Reading reading{QString::fromUtf8(text.get()).simplified(), api_.MeanTextConf()};
+    api_.Clear();
+    return reading;
+  }
+
+  tesseract::TessBaseAPI api_;
+};
+
+QString recognitionLanguages(const QLocale& locale) {
+  const auto name = [&]() -> QString {
+    switch (locale.language()) {
+      case QLocale::Chinese:
+        return locale.script() == QLocale::TraditionalHanScript ? "chi_tra" : "chi_sim";
+      case QLocale::NorwegianBokmal:
+      case QLocale::NorwegianNynorsk:
+        return "nor";
+      case QLocale::AnyLanguage:
+      case QLocale::C:
+        return "eng";
+      default:
+        return QLocale::languageToCode(locale.language(), QLocale::ISO639Part2T);
+    }
+  }();
+  return name.isEmpty() || name == "eng" ? QString("eng") : name + "+eng";
+}
+
+TextRecognizer::TextRecognizer(const QLocale& locale) : locale_(locale) {}
+TextRecognizer::~TextRecognizer() = default;
+
+std::optional<QString> TextRecognizer::recognizeText(const QImage& image, const std::atomic<bool>& isCancelled) {
+  if (isCancelled) return std::nullopt;
+  if (image.isNull()) return QString();
+  if (image.width() > kWidest) return recognizeText(image.scaledToWidth(kWidest), isCancelled);
+  keepToThisThread();
+  if (!engine_) {
+    auto engine = std::make_unique<Engine>();
+    if (!engine->load(locale_)) return std::nullopt;
+    engine_ = std::move(engine);
+  }
+  QStringList texts;
+  const int highest = std::max(kBandPixels / image.width(), kLowestBand);
+  for (int top = 0, bottom = 0; bottom < image.height(); top = bottom - 2 * kBandMargin) {
+    bottom = std::min(top + highest, image.height());
+    const int first = top ? kBandMargin : 0;
+    const int last = bottom - top - (bottom < image.height() ? kBandMargin : 0);
+    const QImage plain = band(image, top, bottom - top);
+    if (isCancelled) return std::nullopt;
+    const TextGrounds grounds(plain);
+    if (isCancelled) return std::nullopt;
+    for (const TextLine& line : textLines(plain, grounds)) {
+      const int middle = line.box.center().y();
+      if (middle < first || middle >= last) continue;
+      QStringList parts;
+      for (const QImage& part : preparedLine(plain, grounds, line)) {
+        const QString text = engine_->read(part, isCancelled);
+        if (isCancelled) return std::nullopt;
+        if (!text.isEmpty()) parts += text;
+      }
+      if (!parts.isEmpty()) texts += parts.join(' ');
+    }
+  }
+  return texts.join('\n');
+}
+
+}  // namespace quillmere
