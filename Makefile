@@ -4,10 +4,11 @@
 # that needs them, for good; each command builds its own part alone.
 
 JOBS := $(shell nproc)
-SOURCES = $$(find src tests benchmarks fuzz tools -name '*.cpp' -o -name '*.h')
+SOURCES = $$(find src tests benchmarks fuzz tools packaging -name '*.cpp' -o -name '*.h')
+PREFIX = /usr/local
 BUILD = cmake --build build -j $(JOBS) --target
 
-.PHONY: build run pictures test bench fuzz format lint
+.PHONY: build run install uninstall pictures test bench fuzz format lint
 
 build: build/build.ninja
 	$(BUILD) quillmere
@@ -20,6 +21,15 @@ run:
 	$(MAKE) build
 	tools/demo
 
+# PREFIX is an absolute path; with DESTDIR everything is put below that folder, as for a package.
+install: build
+	$(if $(filter /%,$(PREFIX)),,$(error PREFIX must be an absolute path, not "$(PREFIX)"))
+	$(BUILD) packaging/all
+	DESTDIR="$(DESTDIR)" cmake --install build --strip --prefix "$(PREFIX)"
+
+uninstall:
+	DESTDIR="$(DESTDIR)" tools/uninstall
+
 pictures:
 	tools/setup build
 	cmake --preset release -DQUILLMERE_TESTS=ON
@@ -29,7 +39,7 @@ pictures:
 test:
 	tools/setup test
 	cmake --preset release -DQUILLMERE_TESTS=ON
-	$(BUILD) quillmere tests/all tools/all
+	$(BUILD) quillmere packaging/all tests/all tools/all
 	tools/test -j $(JOBS)
 
 bench:
