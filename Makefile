@@ -1,32 +1,51 @@
 # One command for each thing a developer does; CI runs the same ones.
+#
+# All share one build folder and the program's objects. Tests and benchmarks are switched on there by the first command
+# that needs them, for good; each command builds its own part alone.
 
 JOBS := $(shell nproc)
-SOURCES = $$(find src tests benchmarks fuzz tools -name '*.cpp' -o -name '*.h')
+SOURCES = $$(find src tests benchmarks fuzz tools packaging -name '*.cpp' -o -name '*.h')
+PREFIX = /usr/local
+BUILD = cmake --build build -j $(JOBS) --target
 
-.PHONY: build setup run pictures test bench fuzz format lint
+.PHONY: build run install uninstall pictures test bench fuzz format lint
 
 build: build/build.ninja
-	cmake --build build -j $(JOBS)
+	$(BUILD) quillmere
 
 build/build.ninja: CMakePresets.json
 	cmake --preset release
 
-setup:
-	tools/setup
-
-run: setup
+run:
+	tools/setup run
 	$(MAKE) build
 	tools/demo
 
-pictures: setup
-	$(MAKE) build
+# PREFIX is an absolute path; with DESTDIR everything is put below that folder, as for a package.
+install: build
+	$(if $(filter /%,$(PREFIX)),,$(error PREFIX must be an absolute path, not "$(PREFIX)"))
+	$(BUILD) packaging/all
+	DESTDIR="$(DESTDIR)" cmake --install build --strip --prefix "$(PREFIX)"
+
+uninstall:
+	DESTDIR="$(DESTDIR)" tools/uninstall
+
+pictures:
+	tools/setup build
+	cmake --preset release -DQUILLMERE_TESTS=ON
+	$(BUILD) popup_pictures
 	tools/pictures
 
-test: setup
-	$(MAKE) build
+test:
+	tools/setup test
+	cmake --preset release -DQUILLMERE_TESTS=ON
+	$(BUILD) quillmere packaging/all tests/all tools/all
 	tools/test -j $(JOBS)
 
-bench: build
+bench:
+	tools/setup bench
+	cmake --preset release -DQUILLMERE_BENCHMARKS=ON
+	$(BUILD) quillmere benchmarks/all
 	@for bench in build/*_bench; do echo "== $$bench"; $$bench || exit 1; done
 	tests/journeys/latency.py
 

@@ -14,30 +14,15 @@
 #include "platform/linux/session/TerminationSignals.h"
 #include "popup/CapturePromptPanelController.h"
 #include "popup/LivePanelScreens.h"
+#include "shell/CommandLine.h"
 #include "shell/Confirmations.h"
 #include "shell/FilePanels.h"
 #include "shell/QuillmereApp.h"
+#include "shell/WindowPlatform.h"
 
 using namespace quillmere;
 
 namespace {
-
-/// A Wayland client cannot place its own windows; there the application asks for the X server that runs beside it.
-/// Applications that this one opens choose for themselves.
-class PreferredX11 {
- public:
-  PreferredX11() {
-    isPreferred_ = qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !qEnvironmentVariableIsEmpty("DISPLAY");
-    if (isPreferred_) qputenv("QT_QPA_PLATFORM", "xcb");
-  }
-  /// Once it was read.
-  void forget() const {
-    if (isPreferred_) qunsetenv("QT_QPA_PLATFORM");
-  }
-
- private:
-  bool isPreferred_ = false;
-};
 
 /// Qt asks once whether a screen reader runs, when the accessibility bus appears, and never again; but one may start
 /// later. Being on that bus costs little while nobody listens there. For good, since the bus may appear at any time.
@@ -49,12 +34,15 @@ void beAlwaysAccessible() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const PreferredX11 preferredX11;
+  const auto request = CommandLine::read(argc, argv);
+  if (const auto* answer = std::get_if<CommandLine::Answer>(&request)) return answer->print();
+
+  WindowPlatform platform;
   beAlwaysAccessible();
   TerminationSignals::block();
   std::function<void()> terminate;
   QApplication application(argc, argv);
-  preferredX11.forget();
+  platform.settle();
   QApplication::setApplicationName(QStringLiteral("Quillmere"));
   QApplication::setApplicationVersion(QStringLiteral(QUILLMERE_VERSION));
   // The C locale's own forms of dates are made for machines.
@@ -116,7 +104,7 @@ int main(int argc, char** argv) {
   QuillmereApp quillmere(model, thumbnails, services.systemEvents);
   app = &quillmere;
   terminate = [&quillmere] { quillmere.quitWithoutAsking(); };
-  quillmere.didFinishLaunching({.isLoginLaunch = QApplication::arguments().contains(QStringLiteral("--autostart"))});
+  quillmere.didFinishLaunching({.isLoginLaunch = std::get<CommandLine::Start>(request).isLoginLaunch});
   const int status = QApplication::exec();
   quillmere.willTerminate();
   app = nullptr;

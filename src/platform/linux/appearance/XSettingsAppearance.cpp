@@ -29,7 +29,8 @@ xcb_atom_t atom(xcb_connection_t* display, const char* name) {
 XSettingsAppearance::XSettingsAppearance(std::function<void(const Appearance&)> told) : told_(std::move(told)) {
   const auto* application = qobject_cast<QGuiApplication*>(QCoreApplication::instance());
   const auto* x11 = application ? application->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
-  if (!x11) return;
+  // Other platforms of Qt answer too, with no connection.
+  if (!x11 || !x11->connection()) return;
   display_ = x11->connection();
   // Of the first screen: desktops of today have one, whatever the number of displays.
   selection_ = atom(display_, "_XSETTINGS_S0");

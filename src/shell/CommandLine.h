@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QtCore/QStringList>
+#include <variant>
+
+namespace quillmere {
+
+/// What stands behind the program's name when it is started. Read before there is an application object, which would
+/// need a display.
+namespace CommandLine {
+
+struct Start {
+  bool isLoginLaunch = false;  ///< started with the session, not by the person
+};
+
+/// Printed instead of starting.
+struct Answer {
+  QString text;
+  bool isComplaint = false;
+
+  /// The process's exit status: what was asked for is no failure, what was not understood is one.
+  int print() const;
+};
+
+/// Without the program's name.
+std::variant<Start, Answer> read(const QStringList& arguments);
+std::variant<Start, Answer> read(int argc, char** argv);
+
+}  // namespace CommandLine
+}  // namespace quillmere
