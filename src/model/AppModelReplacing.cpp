@@ -59,7 +59,8 @@ Task<std::optional<QString>> AppModel::runReplacement(Weak<AppModel> self, UUID 
   const std::function<Result<FileURL, Failure>()> work = [original, image, rect] {
     return writeCropBeside(original, image, rect);
   };
-  const auto temporary = co_await self->dependencies_.executor->background(work);
+  auto writing = self->dependencies_.executor->background(work);
+  const auto temporary = co_await writing;
   if (!self) {
     if (temporary) std::filesystem::remove(temporary->path());
     co_return description(OperationError::unreadable);
@@ -196,7 +197,8 @@ Task<> AppModel::sweepTemporaries(Weak<AppModel> self, std::vector<Replacement> 
     }
     return true;
   };
-  co_await self->dependencies_.executor->background(work);
+  auto sweeping = self->dependencies_.executor->background(work);
+  co_await sweeping;
 }
 
 // --- Save as New ---
@@ -214,7 +216,8 @@ Task<Result<UUID, QString>> AppModel::runSaveAsNew(Weak<AppModel> self, UUID id,
   const std::function<Result<FileURL, Failure>()> work = [folder, stem, image, rect] {
     return writeCropAsNew(*folder, stem, image, rect);
   };
-  const auto written = co_await self->dependencies_.executor->background(work);
+  auto writing = self->dependencies_.executor->background(work);
+  const auto written = co_await writing;
   if (!written) co_return description(written.reason());
   if (!self) co_return description(OperationError::noScreenshotFolder);
   co_return self->addDerived(*written, id);
