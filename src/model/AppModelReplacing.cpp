@@ -10,7 +10,6 @@ namespace quillmere {
 namespace {
 
 using ImageOperations::Failure;
-using ImageOperations::ImageType;
 using ImageOperations::OperationError;
 
 /// The crop beside the original, in the original's format.
@@ -26,7 +25,7 @@ Result<FileURL, Failure> writeCropAsNew(const FileURL& folder, const QString& st
                                         const QRectF& rect) {
   const auto cropped = ImageOperations::crop(image, rect);
   if (!cropped) return Failure(cropped.reason());
-  const auto data = ImageOperations::encode(*cropped, ImageType::png);
+  const auto data = ImageOperations::encode(*cropped, PictureFormat::png);
   if (!data) return Failure(data.reason());
   return ImageOperations::writeNewFile(*data, folder.appending("crop"), stem);
 }
