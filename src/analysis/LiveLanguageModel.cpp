@@ -74,8 +74,8 @@ Task<ModelResponse> LiveLanguageModel::respond(ModelRequest request) {
 }
 
 Task<std::optional<Unavailability>> LiveLanguageModel::availability(Self self) {
-  const auto finding = find(self);
-  const Finding found = co_await interruptible(finding);
+  auto finding = interruptible(find(self));
+  const Finding found = co_await finding;
   co_return found ? std::nullopt : std::optional(found.reason());
 }
 
@@ -85,8 +85,8 @@ Task<LiveLanguageModel::Finding> LiveLanguageModel::find(Self self) {
   self->found_.reset();
   Unavailability reason = Unavailability::deviceNotEligible;
   for (const LocalServerAddress& address : addresses) {
-    const auto looking = look(self, address);
-    const ModelServerLook seen = co_await interruptible(looking);
+    auto looking = interruptible(look(self, address));
+    const ModelServerLook seen = co_await looking;
     if (!self || co_await isCancelled) co_return reason;
     if (const auto* model = std::get_if<FoundModel>(&seen)) {
       self->found_ = Found{*model, address, addresses};
@@ -99,8 +99,8 @@ Task<LiveLanguageModel::Finding> LiveLanguageModel::find(Self self) {
 
 Task<ModelServerLook> LiveLanguageModel::look(Self self, LocalServerAddress address) {
   for (const ModelServer* server : kServers) {
-    const auto looking = server->look(self->client_, address);
-    const ModelServerLook seen = co_await interruptible(looking);
+    auto looking = interruptible(server->look(self->client_, address));
+    const ModelServerLook seen = co_await looking;
     const auto* none = std::get_if<NoModelServer>(&seen);
     if (!self || !none || none->isSilent || co_await isCancelled) co_return seen;
   }
@@ -110,12 +110,12 @@ Task<ModelServerLook> LiveLanguageModel::look(Self self, LocalServerAddress addr
 Task<ModelResponse> LiveLanguageModel::respond(Self self, ModelRequest request) {
   const bool wasRemembered = self->found_.has_value();
   for (int attempts = wasRemembered ? 2 : 1; attempts > 0; --attempts) {
-    const auto finding = find(self);
-    const Finding found = co_await interruptible(finding);
+    auto finding = interruptible(find(self));
+    const Finding found = co_await finding;
     if (!self || co_await isCancelled) co_return ModelFailure(AnalysisCancelled());
     if (!found) co_return ModelFailure(AnalysisError::unavailable(found.reason()));
-    const auto asking = ask(self, *found, request);
-    ModelResponse response = co_await interruptible(asking);
+    auto asking = interruptible(ask(self, *found, request));
+    ModelResponse response = co_await asking;
     if (!self || co_await isCancelled) co_return ModelFailure(AnalysisCancelled());
     if (response) co_return response;
     self->found_.reset();
@@ -128,22 +128,21 @@ Task<ModelResponse> LiveLanguageModel::respond(Self self, ModelRequest request) 
 
 Task<ModelResponse> LiveLanguageModel::ask(Self self, Found found, ModelRequest request) {
   // Reading the picture and coding it take long; so does a reply that means harm.
-  const std::function<std::optional<HttpRequest>()> prepare = [found, request]() -> std::optional<HttpRequest> {
+  auto preparing = self->executor_.background([found, request]() -> std::optional<HttpRequest> {
     const auto picture = ModelPicture::read(request.picture);
     if (!picture) return std::nullopt;
     return found.model.server->question(request, *picture, found.model.name);
-  };
-  const std::optional<HttpRequest> question = co_await self->executor_.background(prepare);
+  });
+  const std::optional<HttpRequest> question = co_await preparing;
   if (!self || co_await isCancelled) co_return ModelFailure(AnalysisCancelled());
   if (!question) co_return ModelFailure(ModelError{ModelError::Kind::other});
-  const auto sending = self->client_.send(found.address, *question, kAnswerTime);
-  const HttpOutcome reply = co_await interruptible(sending);
+  auto sending = interruptible(self->client_.send(found.address, *question, kAnswerTime));
+  const HttpOutcome reply = co_await sending;
   if (!self) co_return ModelFailure(AnalysisCancelled());
   if (!reply) co_return ModelServerReplies::failure(reply.reason());
-  const std::function<ModelResponse()> read = [found, answer = *reply, now = self->now_()] {
-    return found.model.server->answer(answer, now);
-  };
-  ModelResponse response = co_await self->executor_.background(read);
+  auto reading = self->executor_.background(
+      [found, answer = *reply, now = self->now_()] { return found.model.server->answer(answer, now); });
+  ModelResponse response = co_await reading;
   co_return response;
 }
 

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <memory>
+#include <utility>
 
 #include "formats/ImageOperations.h"
 #include "foundation/Interruptible.h"
@@ -12,11 +13,11 @@ namespace {
 
 using Text = std::optional<QString>;
 
-/// `co_await` gives what the work returns on one of the pool's threads. The pool outlives the wait.
+/// Awaited, gives what the work returns on one of the pool's threads. The pool outlives the wait.
 class Recognition {
  public:
-  Recognition(EnginePool& engines, Executor& executor, const std::function<Text(TextRecognizer&)>& work)
-      : engines_(engines), executor_(executor), work_(work) {}
+  Recognition(EnginePool& engines, Executor& executor, std::function<Text(TextRecognizer&)> work)
+      : engines_(engines), executor_(executor), work_(std::move(work)) {}
   bool await_ready() const { return false; }
   void await_suspend(std::coroutine_handle<> task) {
     auto continuation = std::make_shared<Continuation>(task);
@@ -43,25 +44,24 @@ LiveScreenshotAnalyzer::LiveScreenshotAnalyzer(Executor& executor, LanguageModel
 
 Task<DescribeOutcome> LiveScreenshotAnalyzer::describe(FileURL url, std::optional<QString> text) {
   // Off the main thread: a share may be slow to answer.
-  const std::function<bool()> look = [isDataless = isDataless_, url] { return isDataless(url); };
-  const bool isAway = co_await executor_.background(look);
+  auto looking = executor_.background([isDataless = isDataless_, url] { return isDataless(url); });
+  const bool isAway = co_await looking;
   if (co_await isCancelled) co_return AnalysisCancelled();
   if (isAway) co_return AnalysisError::other(true);
-  const auto described = service_.describe(url, text);
-  DescribeOutcome outcome = co_await interruptible(described);
+  auto describing = interruptible(service_.describe(url, text));
+  DescribeOutcome outcome = co_await describing;
   co_return outcome;
 }
 
 Task<std::optional<QString>> LiveScreenshotAnalyzer::recognizeText(FileURL url) {
   const auto mayStop = std::make_shared<std::atomic<bool>>(false);
-  const std::function<void()> cancel = [mayStop] { *mayStop = true; };
-  const std::function<Text(TextRecognizer&)> work = [isDataless = isDataless_, url, mayStop](TextRecognizer& one) {
+  OnCancel stopping([mayStop] { *mayStop = true; });
+  co_await stopping;
+  Recognition recognition(engines_, executor_, [isDataless = isDataless_, url, mayStop](TextRecognizer& one) {
     if (*mayStop || isDataless(url)) return Text();
     const auto image = ImageOperations::loadImage(url);
     return image ? one.recognizeText(*image, *mayStop) : Text();
-  };
-  co_await onCancel(cancel);
-  Recognition recognition(engines_, executor_, work);
+  });
   Text text = co_await recognition;
   co_return *mayStop ? std::nullopt : text;
 }

@@ -36,18 +36,18 @@ bool isRefusal(const QJsonObject& message) {
 }  // namespace
 
 Task<ModelServerLook> LlamaServer::look(LocalHttpClient& client, LocalServerAddress address) const {
-  const auto askingHealth = client.send(address, get("/health"), kLookTime);
-  const HttpOutcome health = co_await interruptible(askingHealth);
+  auto askingHealth = interruptible(client.send(address, get("/health"), kLookTime));
+  const HttpOutcome health = co_await askingHealth;
   if (!health) co_return NoModelServer{ModelServerReplies::isSilent(health.reason())};
   if (ModelServerReplies::isLoading(*health)) co_return LoadingModelServer();
   const bool isWell = ModelServerReplies::object(*health)[QLatin1String("status")] == QLatin1String("ok");
   if (!health->isSuccess() || !isWell) co_return NoModelServer();
 
-  const auto askingModels = client.send(address, get("/v1/models"), kLookTime);
-  const HttpOutcome models = co_await interruptible(askingModels);
+  auto askingModels = interruptible(client.send(address, get("/v1/models"), kLookTime));
+  const HttpOutcome models = co_await askingModels;
   if (!models) co_return NoModelServer();
-  const auto askingProperties = client.send(address, get("/props"), kLookTime);
-  const HttpOutcome properties = co_await interruptible(askingProperties);
+  auto askingProperties = interruptible(client.send(address, get("/props"), kLookTime));
+  const HttpOutcome properties = co_await askingProperties;
   if (!properties) co_return NoModelServer();
   if (ModelServerReplies::isClosed(*models) || ModelServerReplies::isClosed(*properties)) co_return BlindModelServer();
   if (ModelServerReplies::isLoading(*models) || ModelServerReplies::isLoading(*properties)) {

@@ -11,6 +11,21 @@ namespace {
 /// Beyond this even a small picture carries something else with it.
 constexpr qsizetype kMostOwnBytes = 4 * 1024 * 1024;
 
+bool isReadByEveryServer(PictureFormat format) {
+  switch (format) {
+    case PictureFormat::png:
+    case PictureFormat::jpeg:
+      return true;
+    case PictureFormat::heif:
+      return false;
+  }
+  return false;
+}
+
+ModelPicture made(QByteArray bytes, PictureFormat format) {
+  return {std::move(bytes), traits(format).contentType};
+}
+
 }  // namespace
 
 std::optional<ModelPicture> ModelPicture::read(const FileURL& url) {
@@ -20,14 +35,13 @@ std::optional<ModelPicture> ModelPicture::read(const FileURL& url) {
   const auto format = ImageFile::formatOf(*file);
   const bool isSmall =
       std::max(size->width(), size->height()) <= kLongestSide && static_cast<qsizetype>(file->size()) <= kMostOwnBytes;
-  if (isSmall && format == ImageFile::Format::png) return ModelPicture{QByteArray::fromStdString(*file), "image/png"};
-  if (isSmall && format == ImageFile::Format::jpeg) return ModelPicture{QByteArray::fromStdString(*file), "image/jpeg"};
+  if (isSmall && format && isReadByEveryServer(*format)) return made(QByteArray::fromStdString(*file), *format);
 
   const QImage image = ImageFile::thumbnail(url, kLongestSide);
   if (image.isNull()) return std::nullopt;
-  auto encoded = ImageOperations::encode(image, ImageOperations::ImageType::png);
+  auto encoded = ImageOperations::encode(image, PictureFormat::png);
   if (!encoded) return std::nullopt;
-  return ModelPicture{*std::move(encoded), "image/png"};
+  return made(*std::move(encoded), PictureFormat::png);
 }
 
 }  // namespace quillmere

@@ -14,7 +14,7 @@ struct ModelPicture {
   static constexpr int kLongestSide = 1536;
 
   QByteArray bytes;
-  const char* type = "image/png";
+  const char* type = "";  ///< its content type
 
   /// The file's own bytes where every server can read them and they are small enough, otherwise a smaller PNG. None
   /// when the file cannot be read. Any thread.

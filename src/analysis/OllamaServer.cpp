@@ -48,20 +48,20 @@ HttpRequest post(const char* path, const QJsonObject& body) {
 }  // namespace
 
 Task<ModelServerLook> OllamaServer::look(LocalHttpClient& client, LocalServerAddress address) const {
-  const auto askingVersion = client.send(address, get("/api/version"), kLookTime);
-  const HttpOutcome version = co_await interruptible(askingVersion);
+  auto askingVersion = interruptible(client.send(address, get("/api/version"), kLookTime));
+  const HttpOutcome version = co_await askingVersion;
   if (!version) co_return NoModelServer{ModelServerReplies::isSilent(version.reason())};
   if (ModelServerReplies::object(*version)[QLatin1String("version")].toString().isEmpty()) co_return NoModelServer();
 
-  const auto askingTags = client.send(address, get("/api/tags"), kLookTime);
-  const HttpOutcome tags = co_await interruptible(askingTags);
+  auto askingTags = interruptible(client.send(address, get("/api/tags"), kLookTime));
+  const HttpOutcome tags = co_await askingTags;
   // Other programs have a version to tell as well.
   if (!tags || !ModelServerReplies::object(*tags)[QLatin1String("models")].isArray()) co_return NoModelServer();
   const QStringList names = modelNames(ModelServerReplies::object(*tags));
   for (const QString& name : names) {
     const QJsonObject body{{QStringLiteral("model"), name}};
-    const auto askingModel = client.send(address, post("/api/show", body), kLookTime);
-    const HttpOutcome shown = co_await interruptible(askingModel);
+    auto askingModel = interruptible(client.send(address, post("/api/show", body), kLookTime));
+    const HttpOutcome shown = co_await askingModel;
     if (!shown) co_return NoModelServer();
     const QJsonObject model = ModelServerReplies::object(*shown);
     const bool sees = model[QLatin1String("capabilities")].toArray().contains(QStringLiteral("vision"));

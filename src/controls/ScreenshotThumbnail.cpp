@@ -91,9 +91,9 @@ void ScreenshotThumbnail::loadIfNeeded() {
 }
 
 Task<> ScreenshotThumbnail::load(Weak<ScreenshotThumbnail> self, LoadKey key, qreal displayScale) {
-  const Task<Outcome> task =
-      key.crop ? self->loader_.load(key.url, key.pixels, *key.crop) : self->loader_.load(key.url, key.pixels);
-  const Outcome outcome = co_await interruptible(task);
+  auto loading = interruptible(key.crop ? self->loader_.load(key.url, key.pixels, *key.crop)
+                                        : self->loader_.load(key.url, key.pixels));
+  const Outcome outcome = co_await loading;
   const bool isStopped = co_await isCancelled;
   if (self && !isStopped) self->take(outcome, displayScale);
 }

@@ -63,25 +63,25 @@ DescribeOutcome describeOutcome(const ModelFailure& failure) {
 
 Task<DescribeOutcome> ImageAnalysisService::describe(LanguageModel& model, Executor& executor, FileURL url,
                                                      std::optional<QString> recognizedText) {
-  const auto looking = model.availability();
-  const auto unavailability = co_await interruptible(looking);
+  auto looking = interruptible(model.availability());
+  const auto unavailability = co_await looking;
   if (co_await isCancelled) co_return AnalysisCancelled();
   if (unavailability) co_return AnalysisError::unavailable(*unavailability);
 
   const auto text = trimmed(recognizedText);
-  const auto asking = model.respond(ModelPrompt::request(url, text));
-  Answer answer = co_await interruptible(asking);
+  auto asking = interruptible(model.respond(ModelPrompt::request(url, text)));
+  Answer answer = co_await asking;
   if (co_await isCancelled) co_return AnalysisCancelled();
   if (!answer && text && mayBeForTheText(answer.reason())) {
-    const auto askingAgain = model.respond(ModelPrompt::request(url, std::nullopt));
-    answer = co_await interruptible(askingAgain);
+    auto askingAgain = interruptible(model.respond(ModelPrompt::request(url, std::nullopt)));
+    answer = co_await askingAgain;
     if (co_await isCancelled) co_return AnalysisCancelled();
   }
   if (!answer) co_return describeOutcome(answer.reason());
 
   // A long text takes a while to check against.
-  const std::function<DescribeOutcome()> clean = [fields = answer.value(), text] { return outcomeOf(fields, text); };
-  DescribeOutcome outcome = co_await executor.background(clean);
+  auto cleaning = executor.background([fields = answer.value(), text] { return outcomeOf(fields, text); });
+  DescribeOutcome outcome = co_await cleaning;
   if (co_await isCancelled) co_return AnalysisCancelled();
   co_return outcome;
 }

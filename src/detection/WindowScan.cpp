@@ -11,11 +11,11 @@ Result<WindowScan, OperationError> scanWindowsNow(const FileURL& url) {
 
 Task<Result<WindowScan, OperationError>> scanWindows(Executor& executor, FileURL url,
                                                      std::function<bool(const FileURL&)> isEvicted) {
-  const std::function<Result<WindowScan, OperationError>()> work = [url, isEvicted] {
+  auto scanning = executor.background([url, isEvicted] {
     if (isEvicted && isEvicted(url)) return Result<WindowScan, OperationError>(OperationError::unreadable);
     return scanWindowsNow(url);
-  };
-  auto scan = co_await executor.background(work);
+  });
+  auto scan = co_await scanning;
   co_return scan;
 }
 

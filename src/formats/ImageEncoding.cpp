@@ -10,8 +10,6 @@
 namespace quillmere {
 namespace {
 
-using ImageOperations::ImageType;
-
 /// Text in a screenshot shows what compression does to it.
 constexpr int kQuality = 95;
 
@@ -64,17 +62,17 @@ QByteArray withoutDensity(QByteArray jpeg) {
   return jpeg;
 }
 
-std::optional<QByteArray> encoded(const QImage& image, ImageType type) {
-  switch (type) {
-    case ImageType::png: {
+std::optional<QByteArray> encoded(const QImage& image, PictureFormat format) {
+  switch (format) {
+    case PictureFormat::png: {
       const auto png = written(image, "png");
       return png ? std::optional(withoutResolution(*png)) : std::nullopt;
     }
-    case ImageType::jpeg: {
+    case PictureFormat::jpeg: {
       auto jpeg = written(onWhite(image), "jpeg", kQuality);
       return jpeg ? std::optional(withoutDensity(*std::move(jpeg))) : std::nullopt;
     }
-    case ImageType::heic:
+    case PictureFormat::heif:
       return encodedHeic(image, kQuality);
   }
   return std::nullopt;
@@ -82,9 +80,9 @@ std::optional<QByteArray> encoded(const QImage& image, ImageType type) {
 
 }  // namespace
 
-Result<QByteArray, ImageOperations::OperationError> ImageOperations::encode(const QImage& image, ImageType type) {
-  if (image.isNull()) return OperationError::encoding;
-  auto bytes = encoded(pixelsAlone(image), type);
+Result<QByteArray, ImageOperations::OperationError> ImageOperations::encode(const QImage& image, PictureFormat format) {
+  if (image.isNull() || !traits(format).isWritable) return OperationError::encoding;
+  auto bytes = encoded(pixelsAlone(image), format);
   if (!bytes) return OperationError::encoding;
   return *std::move(bytes);
 }

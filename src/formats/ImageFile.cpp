@@ -17,10 +17,7 @@
 namespace quillmere {
 namespace {
 
-using ImageFile::Format;
-
 constexpr int64_t kMostFileBytes = int64_t{1} << 30;
-constexpr std::string_view kJpegStart = "\xFF\xD8";
 
 /// Qt takes a name as text; a descriptor reaches any file, whatever bytes its name has.
 class OpenFile {
@@ -36,10 +33,23 @@ class OpenFile {
   QFile file_;
 };
 
-/// Qt's, for PNG and JPEG: what it would try on other files was never meant to be a screenshot.
+/// What Qt calls the formats.
+const char* nameInQt(PictureFormat format) {
+  switch (format) {
+    case PictureFormat::png:
+      return "png";
+    case PictureFormat::jpeg:
+      return "jpeg";
+    case PictureFormat::heif:
+      return "heif";
+  }
+  return nullptr;
+}
+
+/// Qt's, for the one format only: what it would try on other files was never meant to be a screenshot.
 class GeneralReader {
  public:
-  GeneralReader(QIODevice& device, Format format) : reader_(&device, format == Format::png ? "png" : "jpeg") {
+  GeneralReader(QIODevice& device, PictureFormat format) : reader_(&device, nameInQt(format)) {
     reader_.setAutoDetectImageFormat(false);
     reader_.setAutoTransform(true);
     // Qt gives up at 128 MiB of pixels; a capture of several large screens, or of a page scrolled through, has more.
@@ -82,42 +92,69 @@ bool isJpegBomb(QSize size, size_t bytes) {
   return static_cast<size_t>(size.width()) * static_cast<size_t>(size.height()) / kMostPixelsInAByte > bytes;
 }
 
-QImage readGenerally(std::string_view bytes, Format format, const std::function<QImage(GeneralReader&)>& read) {
-  if (format == Format::png && PngReader::isBomb(bytes)) return {};
+/// Whether the header promises more than the file can hold.
+bool isBomb(std::string_view bytes, PictureFormat format, const GeneralReader& reader) {
+  switch (format) {
+    case PictureFormat::png:
+      return PngReader::isBomb(bytes);
+    case PictureFormat::jpeg: {
+      const auto size = reader.size();
+      return size && isJpegBomb(*size, bytes.size());
+    }
+    case PictureFormat::heif:
+      // Its reader looks at the size before it takes memory.
+      return false;
+  }
+  return true;
+}
+
+QImage readGenerally(std::string_view bytes, PictureFormat format, const std::function<QImage(GeneralReader&)>& read) {
   QByteArray view = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
   QBuffer buffer(&view);
   GeneralReader reader(buffer, format);
-  const auto size = reader.size();
-  if (!size || (format == Format::jpeg && isJpegBomb(*size, bytes.size()))) return {};
+  if (isBomb(bytes, format, reader) || !reader.size()) return {};
   return read(reader);
 }
-QImage readGenerally(std::string_view bytes, Format format) {
+QImage readGenerally(std::string_view bytes, PictureFormat format) {
   return readGenerally(bytes, format, [](GeneralReader& reader) { return reader.read(); });
 }
 
 QImage decoded(std::string_view bytes) {
   const auto format = ImageFile::formatOf(bytes);
   if (!format) return {};
-  if (format == Format::heif) return HeifFile(bytes).decoded();
-  if (format == Format::png) {
-    if (auto picture = PngReader::read(bytes)) return *std::move(picture);
+  switch (*format) {
+    case PictureFormat::png: {
+      auto picture = PngReader::read(bytes);
+      return picture ? *std::move(picture) : readGenerally(bytes, *format);
+    }
+    case PictureFormat::jpeg:
+      return readGenerally(bytes, *format);
+    case PictureFormat::heif:
+      return HeifFile(bytes).decoded();
   }
-  return readGenerally(bytes, *format);
+  return {};
 }
 
-/// The decoders of PNG and JPEG forgive a file that ends early; its end marker does not.
-bool hasEndMarker(std::string_view bytes, Format format) {
+/// Qt's readers forgive a file that ends early; its end mark does not.
+bool hasEndMark(std::string_view bytes, PictureFormat format) {
   constexpr size_t kTail = 64 * 1024;
-  const std::string_view marker = format == Format::png ? "IEND\xAE\x42\x60\x82" : "\xFF\xD9";
-  return bytes.substr(bytes.size() - std::min(kTail, bytes.size())).find(marker) != std::string_view::npos;
+  const std::string_view tail = bytes.substr(bytes.size() - std::min(kTail, bytes.size()));
+  return tail.find(traits(format).endMark) != std::string_view::npos;
 }
 
 bool isWhole(std::string_view bytes) {
   const auto format = ImageFile::formatOf(bytes);
   if (!format) return false;
-  if (format == Format::heif) return !HeifFile(bytes).decoded().isNull();
-  if (format == Format::png && PngReader::canRead(bytes)) return true;
-  return hasEndMarker(bytes, *format) && !readGenerally(bytes, *format).isNull();
+  switch (*format) {
+    case PictureFormat::png:
+      if (PngReader::canRead(bytes)) return true;
+      [[fallthrough]];
+    case PictureFormat::jpeg:
+      return hasEndMark(bytes, *format) && !readGenerally(bytes, *format).isNull();
+    case PictureFormat::heif:
+      return !HeifFile(bytes).decoded().isNull();
+  }
+  return false;
 }
 
 QImage fitted(const QImage& picture, int maxPixels) {
@@ -125,7 +162,7 @@ QImage fitted(const QImage& picture, int maxPixels) {
 }
 
 QImage smallJpeg(std::string_view bytes, int maxPixels) {
-  return readGenerally(bytes, Format::jpeg, [maxPixels](GeneralReader& reader) {
+  return readGenerally(bytes, PictureFormat::jpeg, [maxPixels](GeneralReader& reader) {
     const QSize size = Downscaler::fitting(*reader.size(), maxPixels);
     return Downscaler::scaled(reader.readReduced(size), size);
   });
@@ -133,20 +170,27 @@ QImage smallJpeg(std::string_view bytes, int maxPixels) {
 
 QImage decodedSmall(std::string_view bytes, int maxPixels) {
   const auto format = ImageFile::formatOf(bytes);
-  if (format == Format::jpeg) return smallJpeg(bytes, maxPixels);
-  if (format == Format::png) {
-    if (auto picture = PngReader::readSmall(bytes, maxPixels)) return *std::move(picture);
+  if (!format) return {};
+  switch (*format) {
+    case PictureFormat::png: {
+      auto picture = PngReader::readSmall(bytes, maxPixels);
+      return picture ? *std::move(picture) : fitted(decoded(bytes), maxPixels);
+    }
+    case PictureFormat::jpeg:
+      return smallJpeg(bytes, maxPixels);
+    case PictureFormat::heif:
+      return fitted(decoded(bytes), maxPixels);
   }
-  return fitted(decoded(bytes), maxPixels);
+  return {};
 }
 
 }  // namespace
 
-std::optional<Format> ImageFile::formatOf(std::string_view head) {
-  if (head.starts_with(kPngSignature)) return Format::png;
-  if (head.starts_with(kJpegStart)) return Format::jpeg;
-  if (HeifFile::isHeif(head)) return Format::heif;
-  return std::nullopt;
+std::optional<PictureFormat> ImageFile::formatOf(std::string_view head) {
+  const auto format = formatOfSignature(head);
+  // Films begin in the same way.
+  if (format == PictureFormat::heif && !HeifFile::isHeif(head)) return std::nullopt;
+  return format;
 }
 
 std::optional<std::string> ImageFile::bytesOf(const FileURL& url) {
@@ -163,9 +207,16 @@ std::optional<QSize> ImageFile::pixelSize(const FileURL& url) {
   if (!file.isOpen()) return std::nullopt;
   const auto format = formatOf(file.device().peek(16).toStdString());
   if (!format) return std::nullopt;
-  if (format != Format::heif) return GeneralReader(file.device(), *format).size();
-  const auto bytes = bytesOf(url);
-  return bytes ? HeifFile(*bytes).size() : std::nullopt;
+  switch (*format) {
+    case PictureFormat::png:
+    case PictureFormat::jpeg:
+      return GeneralReader(file.device(), *format).size();
+    case PictureFormat::heif: {
+      const auto bytes = bytesOf(url);
+      return bytes ? HeifFile(*bytes).size() : std::nullopt;
+    }
+  }
+  return std::nullopt;
 }
 
 QImage ImageFile::picture(const FileURL& url) {

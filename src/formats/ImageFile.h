@@ -7,10 +7,11 @@
 #include <string_view>
 
 #include "foundation/FileURL.h"
+#include "records/PictureFormat.h"
 
 namespace quillmere {
 
-/// Reading picture files: PNG, JPEG, HEIC and HEIF, whatever their names say. Any thread.
+/// Reading picture files of the formats in `PictureFormat`, whatever their names say. Any thread.
 ///
 /// A file is read into memory once before it is decoded, so what becomes of it meanwhile changes nothing. Pictures that
 /// would take more than 1 GB decoded are refused.
@@ -29,9 +30,8 @@ QImage picture(const FileURL& url);
 /// else premultiplied: what the screen wants. Null when the file cannot be read.
 QImage thumbnail(const FileURL& url, int maxPixels);
 
-enum class Format { png, jpeg, heif };
 /// By the first bytes; 16 are enough. None for any other file.
-std::optional<Format> formatOf(std::string_view head);
+std::optional<PictureFormat> formatOf(std::string_view head);
 
 /// The bytes of a regular file that is not larger than any picture.
 std::optional<std::string> bytesOf(const FileURL& url);

@@ -9,7 +9,6 @@
 namespace quillmere {
 
 using ImageOperations::Failure;
-using ImageOperations::ImageType;
 using ImageOperations::OperationError;
 
 QString ImageOperations::description(OperationError error) {
@@ -40,11 +39,8 @@ bool ImageOperations::isFileMissing(const Failure& failure) {
   return code && *code == std::errc::no_such_file_or_directory;
 }
 
-ImageType ImageOperations::imageType(const FileURL& url) {
-  const QByteArray extension = QByteArray::fromStdString(url.pathExtension()).toLower();
-  if (extension == "jpg" || extension == "jpeg") return ImageType::jpeg;
-  if (extension == "heic" || extension == "heif") return ImageType::heic;
-  return ImageType::png;
+PictureFormat ImageOperations::imageType(const FileURL& url) {
+  return formatOfExtension(url.pathExtension()).value_or(PictureFormat::png);
 }
 
 Result<QImage, OperationError> ImageOperations::loadImage(const FileURL& url) {

@@ -12,6 +12,7 @@
 
 #include "foundation/FileURL.h"
 #include "foundation/Result.h"
+#include "records/PictureFormat.h"
 
 namespace quillmere {
 
@@ -29,10 +30,9 @@ QString description(const Failure& failure);
 /// Whether the file system said that nothing is there.
 bool isFileMissing(const Failure& failure);
 
-/// What a picture is written as.
-enum class ImageType { png, jpeg, heic };
-/// By the name's extension; PNG for any that names no type that can be written.
-ImageType imageType(const FileURL& url);
+/// What a picture is written as under this name: what its extension stands for. A name that says nothing holds a PNG,
+/// which loses nothing.
+PictureFormat imageType(const FileURL& url);
 
 /// The picture at full size, upright. Fails as unreadable.
 Result<QImage, OperationError> loadImage(const FileURL& url);
@@ -45,7 +45,7 @@ std::optional<double> imageScale(const FileURL& url);
 Result<QImage, OperationError> crop(const QImage& image, const QRectF& rect);
 
 /// The picture alone with its colour space: no resolution, text or other data of its source. Fails as encoding.
-Result<QByteArray, OperationError> encode(const QImage& image, ImageType type);
+Result<QByteArray, OperationError> encode(const QImage& image, PictureFormat format);
 
 /// Writes a PNG under the cleaned `stem`, numbered where the name is taken, in the folder of `url`; nothing is ever
 /// replaced. Gives its place.

@@ -75,9 +75,15 @@ std::optional<double> heifResolution(std::string_view file) {
 
 std::optional<double> resolution(std::string_view file) {
   const auto format = ImageFile::formatOf(file);
-  if (format == ImageFile::Format::png) return pngResolution(file);
-  if (format == ImageFile::Format::jpeg) return jpegResolution(file);
-  if (format == ImageFile::Format::heif) return heifResolution(file);
+  if (!format) return std::nullopt;
+  switch (*format) {
+    case PictureFormat::png:
+      return pngResolution(file);
+    case PictureFormat::jpeg:
+      return jpegResolution(file);
+    case PictureFormat::heif:
+      return heifResolution(file);
+  }
   return std::nullopt;
 }
 

@@ -50,10 +50,11 @@ mode_t modeOf(const FileURL& url) {
 Result<FileURL, Failure> ImageOperations::writeNewFile(const QByteArray& data, const FileURL& url,
                                                        const QString& stem) {
   constexpr int kMostNumber = 999;
+  const std::string extension = "." + fileExtension(PictureFormat::png);
   const std::string cleaned = sanitizedFileStem(stem).value_or(localized("filename.fallback-stem")).toStdString();
   for (int n = 0; n <= kMostNumber; ++n) {
     const std::string number = n > 0 ? " (" + std::to_string(n) + ")" : std::string();
-    const FileURL place = url.parent().appending(cleaned + number + ".png");
+    const FileURL place = url.parent().appending(cleaned + number + extension);
     const std::error_code error = writeWithoutReplacing(place, data, kUsualMode);
     if (error == std::errc::file_exists) continue;
     if (error) return Failure(error);
@@ -67,7 +68,7 @@ Result<FileURL, Failure> ImageOperations::writeNewFile(const QByteArray& data, c
 Result<FileURL, Failure> ImageOperations::writeReplacement(const QByteArray& data, const FileURL& original) {
   constexpr int kTries = 8;
   const std::string ownExtension = original.pathExtension();
-  const std::string extension = ownExtension.empty() ? "png" : ownExtension;
+  const std::string extension = ownExtension.empty() ? fileExtension(imageType(original)) : ownExtension;
   const mode_t mode = modeOf(original);
   for (int i = 0; i < kTries; ++i) {
     const std::string name = std::string(kReplacementPrefix) + uuidText(UUID::createUuid()) + "." + extension;

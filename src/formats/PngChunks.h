@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "records/PictureFormat.h"
+
 namespace quillmere {
 
 /// One chunk of a PNG; all texts are views into the file's bytes.
@@ -17,7 +19,7 @@ struct PngChunk {
   bool isIntact() const;
 };
 
-inline constexpr std::string_view kPngSignature("\x89PNG\r\n\x1a\n", 8);
+inline const std::string_view kPngSignature = traits(PictureFormat::png).signature.bytes;
 
 /// Goes through the chunks of a PNG in their order.
 class PngChunks {

@@ -108,12 +108,12 @@ Task<Outcome> ThumbnailLoader::load(FileURL url, int pixels, QRectF crop) {
 
 Task<Outcome> ThumbnailLoader::loadInBackground(FileURL url, int pixels, std::optional<QRectF> crop) {
   const auto isStopped = std::make_shared<std::atomic<bool>>(false);
-  const std::function<void()> stop = [isStopped] { *isStopped = true; };
-  const std::function<Outcome()> work = [source = source_, url, pixels, crop, isStopped] {
+  OnCancel stopping([isStopped] { *isStopped = true; });
+  co_await stopping;
+  auto loading = executor_.background([source = source_, url, pixels, crop, isStopped] {
     return crop ? source->load(url, pixels, *crop, *isStopped) : source->load(url, pixels, *isStopped);
-  };
-  co_await onCancel(stop);
-  Outcome outcome = co_await executor_.background(work);
+  });
+  Outcome outcome = co_await loading;
   co_return outcome;
 }
 

@@ -4,6 +4,8 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <type_traits>
+#include <utility>
 
 #include "foundation/Task.h"
 
@@ -45,28 +47,28 @@ class Executor {
   virtual Instant instant() const = 0;
 
   class Sleep;
-  /// `co_await executor.sleep(d)` gives true after the delay, false if the task was cancelled first.
+  /// Awaited, gives true after the delay, which is counted from then on, or false if the task was cancelled first.
   Sleep sleep(Duration delay);
 
   template <typename Result>
   class Background;
-  /// `co_await executor.background(work)` gives what `work` returned on another thread. The work is a variable of the
-  /// coroutine: GCC 12 destroys a closure twice that is made inside an awaited expression.
-  template <typename Result>
-  Background<Result> background(const std::function<Result()>& work) {
-    return Background<Result>(*this, work);
+  /// Awaited, once, runs `work` on another thread and gives what it returned.
+  template <typename Work>
+  auto background(Work work) {
+    return Background<std::invoke_result_t<Work&>>(*this, std::move(work));
   }
-  template <typename Result>
-  Background<Result> background(std::function<Result()>&& work) = delete;
 };
 
 class Executor::Sleep {
  public:
   Sleep(Executor& executor, Duration delay) : executor_(executor), delay_(delay) {}
+  Sleep(const Sleep&) = delete;
+  Sleep& operator=(const Sleep&) = delete;
   bool await_ready() const { return false; }
   template <typename Promise>
   bool await_suspend(std::coroutine_handle<Promise> task) {
     auto state = task.promise().state;
+    elapsed_ = false;
     if (state->isCancelled) return false;
     auto continuation = std::make_shared<Continuation>(task);
     const auto id = executor_.startDelay(delay_, [this, continuation, state](bool elapsed) {
@@ -96,6 +98,8 @@ template <typename Result>
 class Executor::Background {
  public:
   Background(Executor& executor, std::function<Result()> work) : executor_(executor), work_(std::move(work)) {}
+  Background(const Background&) = delete;
+  Background& operator=(const Background&) = delete;
   bool await_ready() const { return false; }
   void await_suspend(std::coroutine_handle<> task) {
     auto continuation = std::make_shared<Continuation>(task);

@@ -1,17 +1,17 @@
 #pragma once
 
-#include <memory>
+#include <utility>
 
 #include "foundation/Task.h"
 
 namespace quillmere {
 
-/// `co_await interruptible(task)` is as `co_await task`, but whoever cancels the waiting task cancels that one too. For
-/// a task that nobody else waits for.
+/// Awaited, gives what the task gives, and whoever cancels the waiting task cancels that one too. For a task that
+/// nobody else waits for.
 template <typename T>
 class Interruptible {
  public:
-  explicit Interruptible(const Task<T>& task) : task_(task) {}
+  explicit Interruptible(Task<T> task) : task_(std::move(task)) {}
   bool await_ready() const { return task_.isDone(); }
   template <typename Promise>
   bool await_suspend(std::coroutine_handle<Promise> waiter) {
@@ -28,16 +28,13 @@ class Interruptible {
   }
 
  private:
-  const Task<T>& task_;
+  Task<T> task_;
   detail::TaskStateBase* waiter_ = nullptr;  // of the coroutine that this stands in
 };
 
 template <typename T>
-Interruptible<T> interruptible(const Task<T>& task) {
-  return Interruptible<T>(task);
+Interruptible<T> interruptible(Task<T> task) {
+  return Interruptible<T>(std::move(task));
 }
-/// The task is a variable of the coroutine: GCC 12 destroys twice what is made inside an awaited expression.
-template <typename T>
-Interruptible<T> interruptible(Task<T>&& task) = delete;
 
 }  // namespace quillmere

@@ -29,6 +29,20 @@ class Continuation {
   std::coroutine_handle<> handle_;
 };
 
+/// `co_await isCancelled` tells a task whether it has been asked to stop.
+struct IsCancelled {
+  struct Tag {};
+  bool result = false;
+  bool await_ready() const { return false; }
+  template <typename Promise>
+  bool await_suspend(std::coroutine_handle<Promise> task) {
+    result = task.promise().state->isCancelled;
+    return false;
+  }
+  bool await_resume() const { return result; }
+};
+inline constexpr IsCancelled::Tag isCancelled{};
+
 namespace detail {
 
 /// What the handles of a task, its coroutine and its waiters share.
@@ -61,9 +75,39 @@ struct TaskState : TaskStateBase {
 template <>
 struct TaskState<void> : TaskStateBase {};
 
+/// An awaited variable. Promises can't give the variable itself: GCC 12 would copy it.
+template <typename Awaitable>
+class Awaited {
+ public:
+  explicit Awaited(Awaitable& awaitable) : awaitable_(awaitable) {}
+  bool await_ready() { return awaitable_.await_ready(); }
+  template <typename Promise>
+  auto await_suspend(std::coroutine_handle<Promise> waiter) {
+    return awaitable_.await_suspend(waiter);
+  }
+  decltype(auto) await_resume() { return awaitable_.await_resume(); }
+
+ private:
+  Awaitable& awaitable_;
+};
+
 struct PromiseBase {
   std::suspend_never initial_suspend() noexcept { return {}; }
   std::suspend_never final_suspend() noexcept { return {}; }
+  /// A task awaits only what has a name: `const auto reading = read(url); const auto text = co_await reading;`.
+  ///
+  /// GCC 12 destroys twice whatever closure and whatever aggregate written with braces stands in a full expression with
+  /// `co_await`, even one that was converted to a `std::function` or bound to a reference, and so releases twice what
+  /// it holds. Results of functions, objects made by a constructor, and copies of variables are destroyed once; so is
+  /// everything in an expression without `co_await`. Where the awaited is a variable, the call that makes it is such an
+  /// expression. What stands beside a `co_await`, as another argument of one call, is still in danger.
+  template <typename Awaitable>
+  Awaited<Awaitable> await_transform(Awaitable& awaitable) {
+    return Awaited<Awaitable>(awaitable);
+  }
+  template <typename Awaitable>
+  void await_transform(Awaitable&& temporary) = delete;
+  IsCancelled await_transform(IsCancelled::Tag) { return {}; }
   /// Errors are values here; an exception that escapes a task is a defect.
   void unhandled_exception() { std::terminate(); }
 };
@@ -121,22 +165,5 @@ class [[nodiscard]] Task {
   explicit Task(std::shared_ptr<detail::TaskState<T>> state) : state_(std::move(state)) {}
   std::shared_ptr<detail::TaskState<T>> state_;
 };
-
-/// `co_await isCancelled` tells a task whether it has been asked to stop.
-struct IsCancelled {
-  struct Tag {};
-  bool result = false;
-  bool await_ready() const { return false; }
-  template <typename Promise>
-  bool await_suspend(std::coroutine_handle<Promise> task) {
-    result = task.promise().state->isCancelled;
-    return false;
-  }
-  bool await_resume() const { return result; }
-};
-inline constexpr IsCancelled::Tag isCancelled{};
-inline IsCancelled operator co_await(IsCancelled::Tag) {
-  return {};
-}
 
 }  // namespace quillmere

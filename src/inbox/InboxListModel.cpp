@@ -122,7 +122,8 @@ QVariant InboxListModel::thumbnail(const ScreenshotItem& item) const {
 }
 
 Task<> InboxListModel::load(Weak<InboxListModel> self, UUID id, FileURL url) {
-  const auto outcome = co_await self->thumbnails_.load(url, kThumbnailPixels);
+  const auto loading = self->thumbnails_.load(url, kThumbnailPixels);
+  const auto outcome = co_await loading;
   if (!self) co_return;
   const QImage* image = std::get_if<QImage>(&outcome);
   const auto picture = self->pictures_.find(id);

@@ -123,7 +123,8 @@ Task<> AnalysisPipeline::run(Weak<AnalysisPipeline> self, UUID id, UUID token) {
     co_await recognition;
     if (!self || !self->isCurrent(id, token)) co_return;
   }
-  const bool isIn = co_await self->modelGate_.enter();
+  auto entering = self->modelGate_.enter();
+  const bool isIn = co_await entering;
   if (!isIn || !self) co_return;
   const Place place(self, self->modelGate_);
   if (!self->isCurrent(id, token)) co_return;
@@ -133,7 +134,8 @@ Task<> AnalysisPipeline::run(Weak<AnalysisPipeline> self, UUID id, UUID token) {
   if (!self || !self->isCurrent(id, token)) co_return;
   const auto* error = std::get_if<AnalysisError>(&outcome);
   if (error && error->kind == AnalysisError::Kind::busy) {
-    const bool waited = co_await self->executor_.sleep(seconds(self->waitSeconds(*error)));
+    auto pause = self->executor_.sleep(seconds(self->waitSeconds(*error)));
+    const bool waited = co_await pause;
     if (!waited || !self || !self->isCurrent(id, token)) co_return;
     const auto second = attempt(self, id, token);
     outcome = co_await second;
@@ -210,7 +212,8 @@ Task<std::optional<QString>> AnalysisPipeline::recognize(Weak<AnalysisPipeline> 
   };
   std::optional<QString> text;
   {
-    const bool isIn = co_await self->ocrGate_.enter();
+    auto entering = self->ocrGate_.enter();
+    const bool isIn = co_await entering;
     if (!isIn || !self) co_return std::nullopt;
     const Place place(self, self->ocrGate_);
     if (!entry()) co_return std::nullopt;

@@ -278,7 +278,8 @@ void AppModel::scheduleSave() {
 
 /// Counted from the first change, so that a steady stream is saved too.
 Task<> AppModel::saveLater(Weak<AppModel> self) {
-  const bool elapsed = co_await self->dependencies_.executor->sleep(self->dependencies_.saveCoalescingDelay);
+  auto pause = self->dependencies_.executor->sleep(self->dependencies_.saveCoalescingDelay);
+  const bool elapsed = co_await pause;
   if (elapsed && self) self->saveNow();
 }
 

@@ -14,7 +14,8 @@ Task<> AppModel::markTemporary(UUID id, TemporaryDuration duration, std::optiona
 Task<> AppModel::runMarkTemporary(Weak<AppModel> self, UUID id, TemporaryDuration duration,
                                   std::optional<QString> name) {
   if (!self->isUndecided(id)) co_return;
-  const bool isCommitted = co_await self->commitPromptExtraction(id);
+  const auto committing = self->commitPromptExtraction(id);
+  const bool isCommitted = co_await committing;
   if (!isCommitted || !self || !self->isUndecided(id)) co_return;
   if (name) self->rename(id, *name, ErrorScope::popup);
   // Its file turned out to have been moved away by the person, which keeps it.
@@ -69,7 +70,8 @@ Task<> AppModel::keepPrompt(UUID id, std::optional<QString> name) {
 
 Task<> AppModel::runKeepPrompt(Weak<AppModel> self, UUID id, std::optional<QString> name) {
   if (!self->isUndecided(id)) co_return;
-  const bool isCommitted = co_await self->commitPromptExtraction(id);
+  const auto committing = self->commitPromptExtraction(id);
+  const bool isCommitted = co_await committing;
   if (!isCommitted || !self || !self->isUndecided(id)) co_return;
   if (name) self->rename(id, *name, ErrorScope::popup);
   const auto index = self->items_.indexOf(id);

@@ -62,7 +62,8 @@ Task<> AppModel::runReconciliation(Weak<AppModel> self, ReconcileRequest request
     run->outcomes = resolveOutcomes(run->inputs, run->environment);
     return true;
   };
-  co_await executor.background(work);
+  auto resolving = executor.background(work);
+  co_await resolving;
   work = nullptr;
   if (!self) co_return;
   self->applyOutcomes(run->outcomes, run->inputs, request.polite, request.dropsUnavailableFromQueue);

@@ -10,7 +10,6 @@ namespace quillmere {
 namespace {
 
 using ImageOperations::Failure;
-using ImageOperations::ImageType;
 using ImageOperations::OperationError;
 
 /// The crop beside the original, in the original's format.
@@ -26,7 +25,7 @@ Result<FileURL, Failure> writeCropAsNew(const FileURL& folder, const QString& st
                                         const QRectF& rect) {
   const auto cropped = ImageOperations::crop(image, rect);
   if (!cropped) return Failure(cropped.reason());
-  const auto data = ImageOperations::encode(*cropped, ImageType::png);
+  const auto data = ImageOperations::encode(*cropped, PictureFormat::png);
   if (!data) return Failure(data.reason());
   return ImageOperations::writeNewFile(*data, folder.appending("crop"), stem);
 }
@@ -59,7 +58,8 @@ Task<std::optional<QString>> AppModel::runReplacement(Weak<AppModel> self, UUID 
   const std::function<Result<FileURL, Failure>()> work = [original, image, rect] {
     return writeCropBeside(original, image, rect);
   };
-  const auto temporary = co_await self->dependencies_.executor->background(work);
+  auto writing = self->dependencies_.executor->background(work);
+  const auto temporary = co_await writing;
   if (!self) {
     if (temporary) std::filesystem::remove(temporary->path());
     co_return description(OperationError::unreadable);
@@ -196,7 +196,8 @@ Task<> AppModel::sweepTemporaries(Weak<AppModel> self, std::vector<Replacement> 
     }
     return true;
   };
-  co_await self->dependencies_.executor->background(work);
+  auto sweeping = self->dependencies_.executor->background(work);
+  co_await sweeping;
 }
 
 // --- Save as New ---
@@ -214,7 +215,8 @@ Task<Result<UUID, QString>> AppModel::runSaveAsNew(Weak<AppModel> self, UUID id,
   const std::function<Result<FileURL, Failure>()> work = [folder, stem, image, rect] {
     return writeCropAsNew(*folder, stem, image, rect);
   };
-  const auto written = co_await self->dependencies_.executor->background(work);
+  auto writing = self->dependencies_.executor->background(work);
+  const auto written = co_await writing;
   if (!written) co_return description(written.reason());
   if (!self) co_return description(OperationError::noScreenshotFolder);
   co_return self->addDerived(*written, id);

@@ -44,8 +44,8 @@ void AppModel::checkLocationRegularly() {
 
 Task<> AppModel::checkLocation(Weak<AppModel> self) {
   for (;;) {
-    const bool elapsed =
-        co_await self->dependencies_.executor->sleep(self->dependencies_.screenshotLocationCheckInterval);
+    auto pause = self->dependencies_.executor->sleep(self->dependencies_.screenshotLocationCheckInterval);
+    const bool elapsed = co_await pause;
     if (!elapsed || !self) co_return;
     self->refreshScreenshotLocation();
   }

@@ -28,7 +28,8 @@ Task<> AppModel::keepAfterTimeout(Weak<AppModel> self, UUID id) {
   if (self->isSeekingWindow(id)) self->clearPromptWindowExtraction();
   // Before the window is saved, which makes the suggestion one for another picture.
   const auto name = self->timeoutName(*self->items_.find(id));
-  const auto extractionFailure = co_await self->saveExtractedWindow(id);
+  const auto saving = self->saveExtractedWindow(id);
+  const auto extractionFailure = co_await saving;
   if (!self || !self->isUndecided(id)) co_return;
   const auto& extraction = *self->promptWindowExtraction;
   if (extractionFailure && extraction && extraction->itemID == id) self->clearPromptWindowExtraction();

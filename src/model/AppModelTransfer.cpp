@@ -31,14 +31,16 @@ Task<> AppModel::runCopy(Weak<AppModel> self, ScreenshotItem item, ErrorScope sc
   } else {
     PromptPreviewTransfer transfer = self->transfer(item, std::nullopt);
     const auto reading = self->reading(transfer);
-    auto copied = co_await self->dependencies_.executor->background(reading);
+    auto copying = self->dependencies_.executor->background(reading);
+    auto copied = co_await copying;
     if (!self) co_return;
     // A decision may have given the file its name meanwhile.
     const ScreenshotItem* present = self->items_.find(item.id);
     if (!copied && present && present->url != transfer.url) {
       transfer.url = present->url;
       const auto readingAgain = self->reading(transfer);
-      copied = co_await self->dependencies_.executor->background(readingAgain);
+      auto copyingAgain = self->dependencies_.executor->background(readingAgain);
+      copied = co_await copyingAgain;
       if (!self) co_return;
     }
     if (number != self->copyCount_) co_return;
@@ -96,7 +98,8 @@ Task<std::optional<PromptPreviewNotice>> AppModel::copyRecognizedText(Screenshot
 }
 
 Task<std::optional<PromptPreviewNotice>> AppModel::runTextCopy(Weak<AppModel> self, ScreenshotItem item) {
-  const auto text = co_await self->recognizedText(item.id);
+  const auto recognizing = self->recognizedText(item.id);
+  const auto text = co_await recognizing;
   if (!self || !text) co_return std::nullopt;
   if (text->isEmpty()) co_return self->tell(PromptPreviewNotice::noText);
   self->dependencies_.pasteboard->write(*text);
@@ -118,7 +121,8 @@ Task<std::optional<PreparedTransfer>> AppModel::runTransfer(Weak<AppModel> self,
     if (!transfer.crop && isDataless(transfer.url)) return Failure(ImageOperations::OperationError::unreadable);
     return files.file(transfer);
   };
-  const auto file = co_await self->dependencies_.executor->background(work);
+  auto preparing = self->dependencies_.executor->background(work);
+  const auto file = co_await preparing;
   if (!self) co_return std::nullopt;
   if (!file) {
     self->show(self->scopeNow(ErrorScope::popup, item.id), localized("Couldn’t Share Screenshot"),

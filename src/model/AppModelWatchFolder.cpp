@@ -186,12 +186,14 @@ Task<> AppModel::refreshEveryItemAccess(Weak<AppModel> self) {
     }
     return true;
   };
-  co_await executor.background(work);
+  auto resolving = executor.background(work);
+  co_await resolving;
   int inThisTurn = 0;
   for (const ItemAccess& one : *all) {
     if (++inThisTurn > kMostInOneTurn) {
       inThisTurn = 0;
-      co_await executor.sleep(Duration::zero());
+      auto nextTurn = executor.sleep(Duration::zero());
+      co_await nextTurn;
     }
     // Another folder was chosen meanwhile: its own run ends the old access.
     if (co_await isCancelled || !self) co_return;

@@ -22,8 +22,7 @@ class AsyncGate {
   AsyncGate& operator=(const AsyncGate&) = delete;
 
   class Entry;
-  /// `co_await gate.enter()` gives true with a place, which `leave` gives back, or false if the task was cancelled
-  /// while it waited.
+  /// Awaited, gives true with a place, which `leave` gives back, or false if the task was cancelled while it waited.
   Entry enter();
   void leave();
 
@@ -46,6 +45,8 @@ class AsyncGate {
 class AsyncGate::Entry {
  public:
   explicit Entry(AsyncGate& gate) : gate_(gate) {}
+  Entry(const Entry&) = delete;
+  Entry& operator=(const Entry&) = delete;
   bool await_ready() {
     if (gate_.running_ >= gate_.limit_) return false;
     ++gate_.running_;

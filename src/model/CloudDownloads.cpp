@@ -55,7 +55,8 @@ Task<> CloudDownloads::watch(Weak<CloudDownloads> self, UUID id, FileURL url, st
   Executor& executor = *world.executor;
   const std::function<DownloadRequest()> ask = [scope = world.securityScope, startDownload = world.startDownload, url,
                                                 bookmark] { return request(*scope, startDownload, url, bookmark); };
-  const DownloadRequest made = co_await executor.background(ask);
+  auto asking = executor.background(ask);
+  const DownloadRequest made = co_await asking;
   if (co_await isCancelled || !self) co_return;
   if (!made.isAccepted) {
     self->finish(id, DownloadState::refused);
@@ -66,9 +67,11 @@ Task<> CloudDownloads::watch(Weak<CloudDownloads> self, UUID id, FileURL url, st
   const Duration timeout = world.downloadStallTimeout;
   const std::function<bool()> look = [isDataless = world.isDataless, place = made.url] { return isDataless(place); };
   for (Duration elapsed{0}; elapsed < timeout; elapsed += poll) {
-    const bool elapsedPoll = co_await executor.sleep(poll);
+    auto pause = executor.sleep(poll);
+    const bool elapsedPoll = co_await pause;
     if (!elapsedPoll) co_return;
-    const bool isStillAway = co_await executor.background(look);
+    auto looking = executor.background(look);
+    const bool isStillAway = co_await looking;
     if (co_await isCancelled || !self) co_return;
     if (!isStillAway) {
       self->finish(id, std::nullopt);

@@ -68,7 +68,8 @@ void ExpirationScheduler::rearm() {
 }
 
 Task<> ExpirationScheduler::waitAndFire(Weak<ExpirationScheduler> self, Duration delay) {
-  const bool elapsed = co_await self->executor_.sleep(delay);
+  auto pause = self->executor_.sleep(delay);
+  const bool elapsed = co_await pause;
   // A rearm that races with the end of the sleep has put another task in this one's place.
   if (!elapsed || co_await isCancelled || !self) co_return;
   self->timerTask_ = {};

@@ -68,7 +68,8 @@ void PopupAutoSaveScheduler::startTask() {
 
 Task<> PopupAutoSaveScheduler::tickRegularly(Weak<PopupAutoSaveScheduler> self) {
   while (true) {
-    const bool elapsed = co_await self->executor_.sleep(kTick);
+    auto pause = self->executor_.sleep(kTick);
+    const bool elapsed = co_await pause;
     if (!elapsed || !self) co_return;
     self->tick(self->now_());
     if (!self || co_await isCancelled) co_return;

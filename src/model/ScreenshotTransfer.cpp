@@ -14,11 +14,11 @@ namespace quillmere {
 namespace {
 
 using ImageOperations::Failure;
-using ImageOperations::ImageType;
 using ImageOperations::OperationError;
 namespace fs = std::filesystem;
 
-constexpr auto kPng = "image/png";
+/// A crop keeps every pixel as it was.
+constexpr PictureFormat kCropFormat = PictureFormat::png;
 constexpr std::chrono::hours kKept(24);
 
 std::error_code writeFile(const fs::path& path, const QByteArray& data) {
@@ -31,21 +31,27 @@ std::error_code writeFile(const fs::path& path, const QByteArray& data) {
 
 }  // namespace
 
+QString imageContentType(PictureFormat format) {
+  return QString::fromLatin1(traits(format).contentType);
+}
+
 QString imageContentType(const FileURL& url) {
+  if (const auto format = formatOfExtension(url.pathExtension())) return imageContentType(*format);
+  // As its person may have renamed it.
   const QString name = QStringLiteral("x.") + QString::fromStdString(url.pathExtension());
   const QString type = QMimeDatabase().mimeTypeForFile(name, QMimeDatabase::MatchExtension).name();
-  return type.startsWith(QLatin1String("image/")) ? type : QString::fromLatin1(kPng);
+  return type.startsWith(QLatin1String("image/")) ? type : imageContentType(PictureFormat::png);
 }
 
 std::string transferName(const std::optional<QString>& suggestedName, const FileURL& url, bool isCropped) {
   const auto cleaned = suggestedName ? sanitizedFileStem(*suggestedName) : std::nullopt;
   const std::string stem = cleaned ? cleaned->toStdString() : url.stem();
-  const std::string extension = isCropped ? "png" : url.pathExtension();
+  const std::string extension = isCropped ? fileExtension(kCropFormat) : url.pathExtension();
   return extension.empty() ? stem : stem + "." + extension;
 }
 
 QString PromptPreviewTransfer::contentType() const {
-  return crop ? QString::fromLatin1(kPng) : imageContentType(url);
+  return crop ? imageContentType(kCropFormat) : imageContentType(url);
 }
 
 Result<QByteArray, Failure> PromptPreviewTransfer::data() const {
@@ -56,7 +62,7 @@ Result<QByteArray, Failure> PromptPreviewTransfer::data() const {
   }
   const auto cropped = ImageOperations::crop(crop->image, crop->rect);
   if (!cropped) return Failure(cropped.reason());
-  const auto encoded = ImageOperations::encode(*cropped, ImageType::png);
+  const auto encoded = ImageOperations::encode(*cropped, kCropFormat);
   if (!encoded) return Failure(encoded.reason());
   return *encoded;
 }

@@ -10,9 +10,12 @@
 #include "formats/ImageOperations.h"
 #include "foundation/FileURL.h"
 #include "foundation/Result.h"
+#include "records/PictureFormat.h"
 
 namespace quillmere {
 
+/// What other applications are told that a picture is.
+QString imageContentType(PictureFormat format);
 /// The MIME type that a file's extension stands for; PNG for one that stands for no picture.
 QString imageContentType(const FileURL& url);
 

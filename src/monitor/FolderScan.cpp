@@ -1,11 +1,11 @@
 #include "monitor/FolderScan.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cmath>
 
 #include "foundation/FileStatus.h"
+#include "records/PictureFormat.h"
 
 namespace quillmere {
 namespace {
@@ -163,16 +163,9 @@ std::vector<FileURL> absent(const Table& table, const URLSet& current) {
 }  // namespace
 
 bool isWatchedName(std::string_view name) {
-  constexpr std::array<std::string_view, 5> kExtensions{"png", "heic", "heif", "jpg", "jpeg"};
   if (name.empty() || name.front() == '.') return false;
   const auto dot = name.rfind('.');
-  if (dot == std::string_view::npos) return false;
-  const auto extension = name.substr(dot + 1);
-  const auto equalsInAnyCase = [&](std::string_view candidate) {
-    return std::equal(extension.begin(), extension.end(), candidate.begin(), candidate.end(),
-                      [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a + ('a' - 'A') : a) == b; });
-  };
-  return std::any_of(kExtensions.begin(), kExtensions.end(), equalsInAnyCase);
+  return dot != std::string_view::npos && formatOfExtension(name.substr(dot + 1)).has_value();
 }
 
 std::optional<Fingerprint> readFingerprint(const FileURL& url) {

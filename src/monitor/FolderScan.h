@@ -86,7 +86,7 @@ struct ScanResult {
   std::vector<FileURL> absentEvidence;
 };
 
-/// Only image files of the five types are looked at, by their extension in any case; hidden files never.
+/// Only files are looked at whose extension stands for a picture format; hidden files never.
 bool isWatchedName(std::string_view name);
 
 /// Looks at one file. None for anything but a readable regular file.

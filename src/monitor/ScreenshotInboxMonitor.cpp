@@ -94,7 +94,8 @@ void ScreenshotInboxMonitor::setIncludesNonCaptureImages(bool includes) {
 
 Task<> ScreenshotInboxMonitor::reconcileRegularly(Weak<ScreenshotInboxMonitor> self) {
   while (self) {
-    const bool elapsed = co_await self->executor_.sleep(self->reconciliationInterval);
+    auto pause = self->executor_.sleep(self->reconciliationInterval);
+    const bool elapsed = co_await pause;
     if (!elapsed || !self) co_return;
     self->refresh();
   }
@@ -151,7 +152,8 @@ void ScreenshotInboxMonitor::scheduleScan(Duration after, bool full) {
 }
 
 Task<> ScreenshotInboxMonitor::scanLater(Weak<ScreenshotInboxMonitor> self, Duration delay) {
-  const bool elapsed = co_await self->executor_.sleep(delay);
+  auto pause = self->executor_.sleep(delay);
+  const bool elapsed = co_await pause;
   if (!elapsed || !self) co_return;
   const bool full = self->scheduledScanIsFull_;
   self->scanTask_ = {};
@@ -186,8 +188,8 @@ void ScreenshotInboxMonitor::scan(bool full) {
 
 Task<> ScreenshotInboxMonitor::runScan(Weak<ScreenshotInboxMonitor> self, std::shared_ptr<Snapshot> snapshot,
                                        int generation) {
-  const std::function<ScanResult()> work = [snapshot] { return performScan(*snapshot); };
-  ScanResult result = co_await self->executor_.background(work);
+  auto scanning = self->executor_.background([snapshot] { return performScan(*snapshot); });
+  ScanResult result = co_await scanning;
   if (!self) co_return;
   self->isScanning_ = false;
   // The result of a folder that has been replaced meanwhile says nothing of the new one.

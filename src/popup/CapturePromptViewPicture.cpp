@@ -120,7 +120,7 @@ Task<> CapturePromptView::share(Weak<CapturePromptView> self, QWidget* anchor) {
   if (!self->content_ || self->isChoosingTarget_) co_return;
   const ScreenshotItem item = self->content_->item;
   const bool isCropped = self->content_->shownPart().has_value();
-  const QString type = isCropped ? QStringLiteral("image/png") : imageContentType(item.url);
+  const QString type = isCropped ? imageContentType(PictureFormat::png) : imageContentType(item.url);
   self->isChoosingTarget_ = true;
   const auto asking = self->services_.sharing->targets(type);
   const auto targets = co_await asking;

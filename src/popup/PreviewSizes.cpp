@@ -21,10 +21,10 @@ std::optional<QSizeF> PreviewSizes::size(const ScreenshotItem& item) {
 }
 
 Task<> PreviewSizes::find(Weak<PreviewSizes> self, MeasuredImage image) {
-  const std::function<std::optional<QSize>()> work = [url = image.url, isDataless = self->isDataless_] {
+  auto measuring = self->executor_.background([url = image.url, isDataless = self->isDataless_] {
     return isDataless(url) ? std::nullopt : ImageFile::pixelSize(url);
-  };
-  const auto size = co_await self->executor_.background(work);
+  });
+  const auto size = co_await measuring;
   if (!self) co_return;
   // What could not be read now may be readable at the next look.
   self->sought_.erase(image);

@@ -52,7 +52,8 @@ void PromptPreviewNoticeView::clear() {
 }
 
 Task<> PromptPreviewNoticeView::dismissLater(Weak<PromptPreviewNoticeView> self) {
-  const bool hasElapsed = co_await self->executor_.sleep(kShown);
+  auto pause = self->executor_.sleep(kShown);
+  const bool hasElapsed = co_await pause;
   if (!hasElapsed || !self) co_return;
   self->notice_.reset();
   self->fade(0, QEasingCurve::InQuad, kGoing);

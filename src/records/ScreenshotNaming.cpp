@@ -1,10 +1,10 @@
 #include "records/ScreenshotNaming.h"
 
 #include <algorithm>
-#include <array>
 
 #include "foundation/FileStatus.h"
 #include "foundation/Graphemes.h"
+#include "records/PictureFormat.h"
 
 namespace quillmere {
 namespace {
@@ -13,7 +13,6 @@ constexpr qsizetype kMaxStemBytes = 160;
 constexpr int kMaxNumber = 999;
 /// The dash and the curly quotes are in it by design: they are what models like to write.
 constexpr QStringView kForbidden = u"/\\:?*\"<>|—“”";
-constexpr std::array kExtensions{".png", ".jpeg", ".jpg", ".heic", ".heif"};
 
 /// Also the invisible formatting characters, so that no bidirectional override can disguise a name.
 bool isControl(char32_t c) {
@@ -54,6 +53,17 @@ QString trimmingStopsAndBlanks(const QString& text) {
   return text.mid(begin, end - begin);
 }
 
+/// Each is tried once, in the order of the formats.
+QString withoutPictureExtensions(QString stem) {
+  for (const PictureFormat format : kPictureFormats) {
+    for (const std::string_view extension : traits(format).extensions) {
+      const QString ending = QStringLiteral(".") + QLatin1String(extension.data(), static_cast<int>(extension.size()));
+      if (stem.endsWith(ending, Qt::CaseInsensitive)) stem.chop(ending.size());
+    }
+  }
+  return stem;
+}
+
 /// The longest beginning of whole characters that fits.
 QString cutToBytes(const QString& text, qsizetype limit) {
   // Every UTF-16 unit takes a byte or more, so the limit lies within these units however long the text is.
@@ -72,11 +82,7 @@ QString cutToBytes(const QString& text, qsizetype limit) {
 
 std::optional<QString> sanitizedFileStem(const QString& name) {
   QString stem = trimmingStopsAndBlanks(replacingForbidden(name).simplified());
-  for (const char* extension : kExtensions) {
-    if (stem.endsWith(QLatin1String(extension), Qt::CaseInsensitive)) {
-      stem.chop(static_cast<qsizetype>(std::char_traits<char>::length(extension)));
-    }
-  }
+  stem = withoutPictureExtensions(stem);
   stem = trimmingStopsAndBlanks(cutToBytes(stem, kMaxStemBytes));
   if (stem.isEmpty()) return std::nullopt;
   return stem;

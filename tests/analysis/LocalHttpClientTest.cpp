@@ -28,7 +28,8 @@ class LocalHttpClientTest : public ::testing::Test {
     server.script = [this](const auto&) { return reply; };
   }
   static Task<> keep(Task<HttpOutcome> task, std::optional<HttpOutcome>& outcome) {
-    outcome = co_await interruptible(task);
+    auto waiting = interruptible(task);
+    outcome = co_await waiting;
   }
   Task<> begin(const LocalServerAddress& address, const HttpRequest& request = {.path = "/x"}) {
     outcome.reset();

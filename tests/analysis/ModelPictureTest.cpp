@@ -17,7 +17,7 @@ class ModelPictureTest : public ::testing::Test {
     testing::writeFile(folder.file(name), bytes.toStdString());
     return folder.file(name);
   }
-  static QByteArray encoded(int width, int height, ImageOperations::ImageType type) {
+  static QByteArray encoded(int width, int height, PictureFormat type) {
     QImage image(width, height, QImage::Format_RGB32);
     image.fill(Qt::red);
     return *ImageOperations::encode(image, type);
@@ -26,8 +26,8 @@ class ModelPictureTest : public ::testing::Test {
 };
 
 TEST_F(ModelPictureTest, ASmallPngOrJpegIsSentAsItIs) {
-  const QByteArray png = encoded(ModelPicture::kLongestSide, 10, ImageOperations::ImageType::png);
-  const QByteArray jpeg = encoded(10, ModelPicture::kLongestSide, ImageOperations::ImageType::jpeg);
+  const QByteArray png = encoded(ModelPicture::kLongestSide, 10, PictureFormat::png);
+  const QByteArray jpeg = encoded(10, ModelPicture::kLongestSide, PictureFormat::jpeg);
   const auto first = ModelPicture::read(write("a", png));
   const auto second = ModelPicture::read(write("b.png", jpeg));
   ASSERT_TRUE(first && second);
@@ -38,7 +38,7 @@ TEST_F(ModelPictureTest, ASmallPngOrJpegIsSentAsItIs) {
 }
 
 TEST_F(ModelPictureTest, ALargePictureIsMadeSmaller) {
-  for (const auto type : {ImageOperations::ImageType::png, ImageOperations::ImageType::jpeg}) {
+  for (const auto type : {PictureFormat::png, PictureFormat::jpeg}) {
     const auto picture = ModelPicture::read(write("a", encoded(ModelPicture::kLongestSide * 2, 1000, type)));
     ASSERT_TRUE(picture);
     EXPECT_STREQ(picture->type, "image/png");
@@ -47,7 +47,7 @@ TEST_F(ModelPictureTest, ALargePictureIsMadeSmaller) {
 }
 
 TEST_F(ModelPictureTest, AFormatThatServersDoNotReadIsTurnedIntoAnother) {
-  const auto picture = ModelPicture::read(write("a.heic", encoded(64, 32, ImageOperations::ImageType::heic)));
+  const auto picture = ModelPicture::read(write("a.heic", encoded(64, 32, PictureFormat::heif)));
   ASSERT_TRUE(picture);
   EXPECT_STREQ(picture->type, "image/png");
   EXPECT_EQ(QImage::fromData(picture->bytes).size(), QSize(64, 32));

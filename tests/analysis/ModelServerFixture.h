@@ -45,7 +45,8 @@ class ModelServerFixture : public ::testing::Test {
 
   template <typename T>
   static Task<> keep(Task<T> task, std::optional<T>& result) {
-    result.emplace(co_await interruptible(task));
+    auto waiting = interruptible(task);
+    result.emplace(co_await waiting);
   }
   bool isThere(const std::function<bool()>& condition) {
     return runLoopUntil([&] {

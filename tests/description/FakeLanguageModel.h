@@ -17,12 +17,14 @@ class FakeLanguageModel final : public LanguageModel {
 
   Task<std::optional<AnalysisError::Unavailability>> availability() override {
     ++looks;
-    if (holdsLooks) co_await Open{*this};
+    Open open{*this};
+    if (holdsLooks) co_await open;
     co_return unavailability;
   }
   Task<Answer> respond(ModelRequest request) override {
     requests.push_back(request);
-    if (holdsAnswers) co_await Open{*this};
+    Open open{*this};
+    if (holdsAnswers) co_await open;
     if (co_await isCancelled) co_return ModelFailure(AnalysisCancelled());
     Answer next = answers.front();
     answers.pop_front();

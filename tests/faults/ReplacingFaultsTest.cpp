@@ -23,7 +23,7 @@ QImage picture() {
 }
 std::string cropBytes() {
   static const QByteArray bytes =
-      *ImageOperations::encode(*ImageOperations::crop(picture(), kCrop), ImageOperations::ImageType::png);
+      *ImageOperations::encode(*ImageOperations::crop(picture(), kCrop), PictureFormat::png);
   return bytes.toStdString();
 }
 

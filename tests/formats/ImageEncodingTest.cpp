@@ -12,12 +12,16 @@ namespace quillmere {
 namespace {
 
 using ImageOperations::encode;
-using ImageOperations::ImageType;
 using testing::isAlike;
 using testing::redAndBlue;
 using testing::TemporaryFolder;
 
-constexpr std::array kTypes{ImageType::png, ImageType::jpeg, ImageType::heic};
+std::vector<PictureFormat> writableFormats() {
+  std::vector<PictureFormat> formats;
+  std::copy_if(kPictureFormats.begin(), kPictureFormats.end(), std::back_inserter(formats),
+               [](PictureFormat format) { return traits(format).isWritable; });
+  return formats;
+}
 
 std::vector<std::string> chunkTypes(const QByteArray& png) {
   std::vector<std::string> types;
@@ -31,12 +35,12 @@ std::vector<std::string> chunkTypes(const QByteArray& png) {
 
 class ImageEncoding : public ::testing::Test {
  protected:
-  QByteArray bytesOf(const QImage& image, ImageType type) {
+  QByteArray bytesOf(const QImage& image, PictureFormat type) {
     const auto bytes = encode(image, type);
     EXPECT_TRUE(bytes);
     return bytes ? *bytes : QByteArray();
   }
-  QImage back(const QImage& image, ImageType type) {
+  QImage back(const QImage& image, PictureFormat type) {
     const QByteArray bytes = bytesOf(image, type);
     testing::writeFile(url, {bytes.constData(), static_cast<size_t>(bytes.size())});
     EXPECT_TRUE(ImageFile::decodesCompletely(url));
@@ -57,7 +61,7 @@ class ImageEncoding : public ::testing::Test {
 };
 
 TEST_F(ImageEncoding, WritesTheTypeAskedFor) {
-  for (const ImageType type : kTypes) {
+  for (const PictureFormat type : writableFormats()) {
     const QByteArray bytes = bytesOf(redAndBlue(40, 30), type);
     const auto format = ImageFile::formatOf({bytes.constData(), static_cast<size_t>(bytes.size())});
     ASSERT_TRUE(format);
@@ -69,24 +73,25 @@ TEST_F(ImageEncoding, APngComesBackAsItWas) {
   for (const auto format : {QImage::Format_RGB32, QImage::Format_ARGB32, QImage::Format_Grayscale8,
                             QImage::Format_RGBX64, QImage::Format_RGBA64}) {
     const QImage image = redAndBlue(41, 31).convertToFormat(format);
-    const QImage again = back(image, ImageType::png);
+    const QImage again = back(image, PictureFormat::png);
     EXPECT_EQ(again.format(), format);
     EXPECT_EQ(again, image);
   }
 }
 
 TEST_F(ImageEncoding, APngHoldsNothingButThePicture) {
-  EXPECT_EQ(chunkTypes(bytesOf(withMetadata(), ImageType::png)), (std::vector<std::string>{"IHDR", "IDAT", "IEND"}));
+  EXPECT_EQ(chunkTypes(bytesOf(withMetadata(), PictureFormat::png)),
+            (std::vector<std::string>{"IHDR", "IDAT", "IEND"}));
 }
 
 TEST_F(ImageEncoding, AnOpaqueCaptureStaysRgbOf8Bits) {
-  const QByteArray png = bytesOf(redAndBlue(40, 30), ImageType::png);
+  const QByteArray png = bytesOf(redAndBlue(40, 30), PictureFormat::png);
   EXPECT_EQ(int{png[24]}, 8) << "bits in a channel";
   EXPECT_EQ(int{png[25]}, 2) << "RGB";
 }
 
 TEST_F(ImageEncoding, NoTypeKeepsTheResolutionOrAnyText) {
-  for (const ImageType type : kTypes) {
+  for (const PictureFormat type : writableFormats()) {
     const QByteArray bytes = bytesOf(withMetadata(), type);
     EXPECT_FALSE(bytes.contains("secret"));
     EXPECT_FALSE(bytes.contains("capture tool"));
@@ -94,7 +99,7 @@ TEST_F(ImageEncoding, NoTypeKeepsTheResolutionOrAnyText) {
     testing::writeFile(url, {bytes.constData(), static_cast<size_t>(bytes.size())});
     EXPECT_EQ(ImageOperations::imageScale(url), std::nullopt);
   }
-  EXPECT_EQ(bytesOf(withMetadata(), ImageType::jpeg).mid(13, 5), QByteArray("\0\0\1\0\1", 5)) << "square pixels";
+  EXPECT_EQ(bytesOf(withMetadata(), PictureFormat::jpeg).mid(13, 5), QByteArray("\0\0\1\0\1", 5)) << "square pixels";
 }
 
 TEST_F(ImageEncoding, ACropOfALoadedCaptureHoldsNothingOfIt) {
@@ -104,14 +109,14 @@ TEST_F(ImageEncoding, ACropOfALoadedCaptureHoldsNothingOfIt) {
   testing::writeFile(url, bytes);
   EXPECT_EQ(ImageOperations::imageScale(url), 2);
   const auto crop = ImageOperations::crop(*ImageOperations::loadImage(url), QRectF(1, 1, 10, 10));
-  EXPECT_EQ(chunkTypes(bytesOf(*crop, ImageType::png)), (std::vector<std::string>{"IHDR", "IDAT", "IEND"}));
+  EXPECT_EQ(chunkTypes(bytesOf(*crop, PictureFormat::png)), (std::vector<std::string>{"IHDR", "IDAT", "IEND"}));
 }
 
 TEST_F(ImageEncoding, TheColourSpaceIsKept) {
   for (const auto named : {QColorSpace::SRgb, QColorSpace::DisplayP3, QColorSpace::AdobeRgb}) {
     QImage image = redAndBlue(64, 64);
     image.setColorSpace(named);
-    for (const ImageType type : kTypes) {
+    for (const PictureFormat type : writableFormats()) {
       const QColorSpace again = back(image, type).colorSpace();
       EXPECT_EQ(again.primaries(), image.colorSpace().primaries()) << named << " " << static_cast<int>(type);
       EXPECT_EQ(again.transferFunction(), image.colorSpace().transferFunction()) << named;
@@ -125,23 +130,24 @@ TEST_F(ImageEncoding, AlphaIsKeptWhereTheTypeHasIt) {
   for (int y = 0; y < 64; ++y) {
     for (int x = 32; x < 64; ++x) image.setPixel(x, y, qRgba(10, 10, 200, 0));
   }
-  EXPECT_EQ(back(image, ImageType::png), image);
-  const QImage heic = back(image, ImageType::heic);
+  EXPECT_EQ(back(image, PictureFormat::png), image);
+  const QImage heic = back(image, PictureFormat::heif);
   ASSERT_EQ(heic.format(), QImage::Format_ARGB32);
   EXPECT_GT(qAlpha(heic.pixel(8, 32)), 250);
   EXPECT_LT(qAlpha(heic.pixel(56, 32)), 5);
-  const QImage jpeg = back(image, ImageType::jpeg);
+  const QImage jpeg = back(image, PictureFormat::jpeg);
   EXPECT_TRUE(isAlike(jpeg.pixel(8, 32), qRgb(200, 10, 10)));
   EXPECT_TRUE(isAlike(jpeg.pixel(56, 32), qRgb(255, 255, 255))) << "on white";
 }
 
 TEST_F(ImageEncoding, AnOpaquePictureComesBackOpaque) {
-  for (const ImageType type : kTypes) EXPECT_EQ(back(redAndBlue(64, 64), type).format(), QImage::Format_RGB32);
+  for (const PictureFormat type : writableFormats())
+    EXPECT_EQ(back(redAndBlue(64, 64), type).format(), QImage::Format_RGB32);
 }
 
 TEST_F(ImageEncoding, EverySizeComesBack) {
   for (const QSize size : {QSize(1, 1), QSize(1, 9), QSize(3, 5), QSize(17, 2), QSize(33, 31), QSize(127, 65)}) {
-    for (const ImageType type : kTypes) {
+    for (const PictureFormat type : writableFormats()) {
       EXPECT_EQ(back(redAndBlue(size.width(), size.height()), type).size(), size) << static_cast<int>(type);
     }
   }
@@ -149,14 +155,21 @@ TEST_F(ImageEncoding, EverySizeComesBack) {
 
 TEST_F(ImageEncoding, LossyTypesLookTheSame) {
   const QImage image = redAndBlue(128, 96);
-  for (const ImageType type : {ImageType::jpeg, ImageType::heic}) {
+  for (const PictureFormat type : {PictureFormat::jpeg, PictureFormat::heif}) {
     const QImage again = back(image, type);
     for (int x = 4; x < 128; x += 24) EXPECT_TRUE(isAlike(again.pixel(x, 40), image.pixel(x, 40))) << x;
   }
 }
 
+TEST_F(ImageEncoding, WhatCannotBeWrittenIsRefusedAndNeverWrittenAsAnotherFormat) {
+  for (const PictureFormat type : kPictureFormats) {
+    const auto bytes = encode(redAndBlue(16, 16), type);
+    EXPECT_EQ(bytes.isDone(), traits(type).isWritable) << traits(type).contentType;
+  }
+}
+
 TEST_F(ImageEncoding, NothingCannotBeEncoded) {
-  for (const ImageType type : kTypes) {
+  for (const PictureFormat type : writableFormats()) {
     const auto bytes = encode(QImage(), type);
     ASSERT_FALSE(bytes);
     EXPECT_EQ(bytes.reason(), ImageOperations::OperationError::encoding);
@@ -166,10 +179,10 @@ TEST_F(ImageEncoding, NothingCannotBeEncoded) {
 TEST_F(ImageEncoding, WhatATypeCannotHoldFailsAsEncoding) {
   QImage wide(70000, 1, QImage::Format_RGB32);
   wide.fill(Qt::red);
-  const auto bytes = encode(wide, ImageType::jpeg);
+  const auto bytes = encode(wide, PictureFormat::jpeg);
   ASSERT_FALSE(bytes) << "JPEG ends at 65,535 pixels";
   EXPECT_EQ(bytes.reason(), ImageOperations::OperationError::encoding);
-  EXPECT_TRUE(encode(wide, ImageType::png));
+  EXPECT_TRUE(encode(wide, PictureFormat::png));
 }
 
 }  // namespace

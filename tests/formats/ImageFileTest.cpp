@@ -51,15 +51,13 @@ std::string encodedHeif(const QImage& source) {
   return bytes;
 }
 
-enum class Format { png, jpeg, heif };
-
-std::string bytesOf(Format format, const QImage& image) {
+std::string bytesOf(PictureFormat format, const QImage& image) {
   switch (format) {
-    case Format::png:
+    case PictureFormat::png:
       return encoded(image, "PNG");
-    case Format::jpeg:
+    case PictureFormat::jpeg:
       return encoded(image, "JPEG");
-    case Format::heif:
+    case PictureFormat::heif:
       return encodedHeif(image);
   }
   return {};
@@ -75,17 +73,16 @@ class ImageFileTest : public ::testing::Test {
   TemporaryFolder folder;
 };
 
-class FormatTest : public ImageFileTest, public ::testing::WithParamInterface<Format> {
+class FormatTest : public ImageFileTest, public ::testing::WithParamInterface<PictureFormat> {
  protected:
   std::string bytes(int width = 320, int height = 200) { return bytesOf(GetParam(), redAndBlue(width, height)); }
 };
 
-std::string nameOf(const ::testing::TestParamInfo<Format>& format) {
-  const char* names[] = {"PNG", "JPEG", "HEIF"};
-  return names[static_cast<size_t>(format.param)];
+std::string nameOf(const ::testing::TestParamInfo<PictureFormat>& format) {
+  return fileExtension(format.param);
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats, FormatTest, ::testing::Values(Format::png, Format::jpeg, Format::heif), &nameOf);
+INSTANTIATE_TEST_SUITE_P(Formats, FormatTest, ::testing::ValuesIn(kPictureFormats), &nameOf);
 
 TEST_P(FormatTest, AWholePictureDecodesCompletely) {
   EXPECT_TRUE(ImageFile::decodesCompletely(write(bytes())));
@@ -102,6 +99,10 @@ TEST_P(FormatTest, ATruncatedPictureNeverDoes) {
     const auto part = std::string_view(whole).substr(0, whole.size() - missing);
     EXPECT_FALSE(ImageFile::decodesCompletely(write(part))) << missing << " bytes missing";
   }
+}
+
+TEST_P(FormatTest, IsToldByItsFirstBytes) {
+  EXPECT_EQ(ImageFile::formatOf(bytes().substr(0, 16)), GetParam());
 }
 
 TEST_P(FormatTest, ItsSizeComesFromItsHeader) {
@@ -135,7 +136,7 @@ TEST_P(FormatTest, TheNameDoesNotMatter) {
 
 /// As a program that sets the length first leaves it for a moment. The decoder of HEIF conceals such damage.
 TEST_F(ImageFileTest, APngOrJpegWhoseSecondHalfIsNotWrittenYetIsIncomplete) {
-  for (const Format format : {Format::png, Format::jpeg}) {
+  for (const PictureFormat format : {PictureFormat::png, PictureFormat::jpeg}) {
     std::string bytes = bytesOf(format, redAndBlue(320, 200));
     std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(bytes.size() / 2), bytes.end(), '\0');
     EXPECT_FALSE(ImageFile::decodesCompletely(write(bytes)));
@@ -169,6 +170,13 @@ TEST_F(NoPictureTest, Garbage) {
       write(std::string("\0\0\0\x18"
                         "ftypheic\0\0\0\0mif1heic and then nothing",
                         41)));
+}
+
+TEST_F(NoPictureTest, AFilmInTheBoxesThatHeifHas) {
+  EXPECT_EQ(ImageFile::formatOf(std::string_view("\0\0\0\x18"
+                                                 "ftypisom\0\0\2\0",
+                                                 16)),
+            std::nullopt);
 }
 
 TEST_F(NoPictureTest, AFolderAndAMissingFile) {

@@ -135,7 +135,7 @@ TEST_F(ImageScale, OfAJpegThatEndsAnywhereIsNoCrash) {
 }
 
 TEST_F(ImageScale, OfAHeicComesFromItsCameraData) {
-  const auto plain = ImageOperations::encode(testing::redAndBlue(64, 64), ImageOperations::ImageType::heic);
+  const auto plain = ImageOperations::encode(testing::redAndBlue(64, 64), PictureFormat::heif);
   ASSERT_TRUE(plain);
   EXPECT_EQ(scaleOf(plain->toStdString()), std::nullopt);
 

@@ -8,13 +8,15 @@ namespace {
 class InterruptibleTest : public ::testing::Test {
  protected:
   Task<bool> inner() {
-    const bool isOver = co_await executor.sleep(seconds(1));
+    auto pause = executor.sleep(seconds(1));
+    const bool isOver = co_await pause;
     co_return isOver;
   }
   Task<> outer() {
-    const auto task = inner();
-    elapsed = co_await interruptible(task);
-    const bool again = co_await executor.sleep(seconds(1));
+    auto waiting = interruptible(inner());
+    elapsed = co_await waiting;
+    auto pause = executor.sleep(seconds(1));
+    const bool again = co_await pause;
     sleptAgain = again;
   }
   ManualExecutor executor;
@@ -48,8 +50,10 @@ TEST_F(InterruptibleTest, CancellingLaterReachesOnlyWhatIsWaitedForThen) {
 TEST_F(InterruptibleTest, AWaiterThatIsCancelledAlreadyDoesNotWait) {
   const auto first = inner();
   const auto waiting = [](Executor& clock, const Task<bool>& task, std::optional<bool>& result) -> Task<> {
-    co_await clock.sleep(seconds(0));
-    result = co_await interruptible(task);
+    auto pause = clock.sleep(seconds(0));
+    co_await pause;
+    auto wait = interruptible(task);
+    result = co_await wait;
   };
   const auto task = waiting(executor, first, elapsed);
   task.cancel();
@@ -60,7 +64,8 @@ TEST_F(InterruptibleTest, ATaskThatIsDoneIsNotWaitedFor) {
   const auto first = inner();
   executor.advance(seconds(1));
   const auto waiting = [](const Task<bool>& task, std::optional<bool>& result) -> Task<> {
-    result = co_await interruptible(task);
+    auto wait = interruptible(task);
+    result = co_await wait;
   };
   const auto task = waiting(first, elapsed);
   EXPECT_TRUE(task.isDone());

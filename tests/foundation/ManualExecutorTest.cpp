@@ -115,8 +115,8 @@ TEST_F(ManualExecutorTest, DestroyedOneEndsItsDelaysAsNotElapsed) {
 TEST_F(ManualExecutorTest, BackgroundGivesWhatTheWorkReturned) {
   std::string got;
   [](Executor& in, std::string& out) -> Task<> {
-    const std::function<std::string()> work = [] { return std::string(100, 'x'); };
-    out = co_await in.background(work);
+    auto work = in.background([] { return std::string(100, 'x'); });
+    out = co_await work;
   }(executor, got)
                                             .detach();
   EXPECT_EQ(got, "");

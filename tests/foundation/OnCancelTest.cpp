@@ -8,10 +8,10 @@ namespace quillmere::testing {
 namespace {
 
 Task<int> working(ManualExecutor& executor, int& calls) {
-  const std::function<void()> action = [&] { ++calls; };
-  co_await onCancel(action);
-  const std::function<int()> work = [] { return 7; };
-  const int result = co_await executor.background(work);
+  OnCancel stopping([&] { ++calls; });
+  co_await stopping;
+  auto work = executor.background([] { return 7; });
+  const int result = co_await work;
   co_return result;
 }
 

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 #include <string>
 
+#include "foundation/Interruptible.h"
 #include "foundation/ManualExecutor.h"
+#include "foundation/OnCancel.h"
 
 namespace quillmere {
 namespace {
@@ -13,15 +15,19 @@ Task<int> answer(int number) {
 }
 
 Task<int> answerLater(Executor& executor, Duration delay, int number) {
-  const bool elapsed = co_await executor.sleep(delay);
+  auto pause = executor.sleep(delay);
+  const bool elapsed = co_await pause;
   co_return elapsed ? number : -number;
 }
 
-const std::function<int()> kWork = [] { return 5; };
+int work() {
+  return 5;
+}
 
 Task<> note(std::string& log, Executor& executor) {
   log += "start ";
-  const bool elapsed = co_await executor.sleep(seconds(1));
+  auto pause = executor.sleep(seconds(1));
+  const bool elapsed = co_await pause;
   log += elapsed ? "elapsed " : "cancelled ";
   log += co_await isCancelled ? "asked" : "not asked";
 }
@@ -54,8 +60,10 @@ TEST(Task, GivesItsValueToWhoAwaitsIt) {
   ManualExecutor executor;
   int got = 0;
   const auto outer = [](Executor& in, int& result) -> Task<> {
-    result = co_await answer(1);
-    result += co_await answerLater(in, seconds(1), 10);
+    const auto atOnce = answer(1);
+    result = co_await atOnce;
+    const auto later = answerLater(in, seconds(1), 10);
+    result += co_await later;
     const auto shared = answerLater(in, seconds(1), 100);
     result += co_await shared;
     result += co_await shared;
@@ -99,7 +107,8 @@ TEST(Task, SleepAfterACancellationDoesNotSleep) {
   ManualExecutor executor;
   std::string log;
   const auto task = [](Executor& in, std::string& out) -> Task<> {
-    for (int i = 0; i < 3; ++i) out += co_await in.sleep(seconds(1)) ? "e" : "c";
+    auto pause = in.sleep(seconds(1));
+    for (int i = 0; i < 3; ++i) out += co_await pause ? "e" : "c";
   }(executor, log);
   task.cancel();
   EXPECT_EQ(log, "ccc");
@@ -126,7 +135,8 @@ TEST(Task, BackgroundWorkGoesOnAfterACancellation) {
   bool wasAsked = false;
   int got = 0;
   const auto task = [](Executor& in, int& result, bool& asked) -> Task<> {
-    result = co_await in.background(kWork);
+    auto working = in.background(&work);
+    result = co_await working;
     asked = co_await isCancelled;
   }(executor, got, wasAsked);
   task.cancel();
@@ -169,11 +179,49 @@ TEST(Task, OwnerMayDropItsHandleInTheTasksLastStep) {
   ManualExecutor executor;
   Task<> owned;
   owned = [](Executor& in, Task<>& handle) -> Task<> {
-    co_await in.sleep(seconds(1));
+    auto pause = in.sleep(seconds(1));
+    co_await pause;
     handle = {};
   }(executor, owned);
   owned.cancel();
   EXPECT_FALSE(owned);
+}
+
+// --- What can be awaited ---
+
+template <typename Awaited>
+concept CanBeAwaited = requires(Task<>::promise_type& promise, Awaited&& awaited) {
+  promise.await_transform(std::forward<Awaited>(awaited));
+};
+
+static_assert(CanBeAwaited<Task<int>&> && CanBeAwaited<const Task<int>&>);
+static_assert(!CanBeAwaited<Task<int>> && !CanBeAwaited<const Task<int>>);
+static_assert(CanBeAwaited<Executor::Sleep&> && !CanBeAwaited<Executor::Sleep>);
+static_assert(CanBeAwaited<Executor::Background<int>&> && !CanBeAwaited<Executor::Background<int>>);
+static_assert(CanBeAwaited<Interruptible<int>&> && !CanBeAwaited<Interruptible<int>>);
+static_assert(CanBeAwaited<OnCancel&> && !CanBeAwaited<OnCancel>);
+static_assert(CanBeAwaited<decltype((isCancelled))>);
+
+Task<> takeInTurn(Executor& executor, std::function<int()> held, int& result) {
+  auto working = executor.background(held);
+  held = nullptr;
+  result = co_await working;
+}
+
+TEST(Task, ReleasesOnceWhatAClosureHoldsThatItIsGiven) {
+  ManualExecutor executor;
+  const auto held = std::make_shared<int>(5);
+  int got = 0;
+  const auto outer = [](Executor& in, std::shared_ptr<int> owned, int& result) -> Task<> {
+    const auto inner = takeInTurn(
+        in, [owned] { return *owned; }, result);
+    owned = nullptr;
+    co_await inner;
+  }(executor, held, got);
+  EXPECT_EQ(held.use_count(), 2);
+  executor.drain();
+  EXPECT_EQ(got, 5);
+  EXPECT_EQ(held.use_count(), 1);
 }
 
 // --- Executors that go away ---
@@ -201,7 +249,8 @@ TEST(Task, DestroyedExecutorTakesBackgroundWaitersWithIt) {
     ManualExecutor executor;
     [](Executor& in, int& count) -> Task<> {
       const Witness witness{count};
-      co_await in.background(kWork);
+      auto working = in.background(&work);
+      co_await working;
       ADD_FAILURE() << "nobody ran the work";
     }(executor, ends)
                                         .detach();
@@ -217,7 +266,8 @@ TEST(Task, DestroyedExecutorTakesThoseWithItWhoAwaitItsWaiters) {
     ManualExecutor executor;
     const auto inner = [](Executor& in, int& count) -> Task<int> {
       const Witness witness{count};
-      co_return co_await in.background(kWork);
+      auto working = in.background(&work);
+      co_return co_await working;
     };
     const auto outer = [](Task<int> task, int& count) -> Task<> {
       const Witness witness{count};

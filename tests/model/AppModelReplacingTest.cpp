@@ -222,7 +222,7 @@ class AppModelCutOffReplacing : public AppModelReplacing {
     id = arrivePicture("shot.png");
     describe(id);
     model.reset();
-    const auto crop = ImageOperations::encode(picture().copy(kCrop.toRect()), ImageOperations::ImageType::png);
+    const auto crop = ImageOperations::encode(picture().copy(kCrop.toRect()), PictureFormat::png);
     writeFile(temporary, crop->toStdString());
     const uint64_t file = fileStatus(temporary)->inode;
     ASSERT_TRUE(ReplacementJournal(journal()).save({{id, original, temporary, file}}));

@@ -13,7 +13,8 @@ using ::testing::IsEmpty;
 using Log = std::vector<std::string>;
 
 Task<> enterAndTell(AsyncGate* gate, std::string name, Log* log) {
-  const bool isIn = co_await gate->enter();
+  auto entering = gate->enter();
+  const bool isIn = co_await entering;
   log->push_back(name + (isIn ? " is in" : " was turned away"));
 }
 
@@ -24,7 +25,8 @@ struct Guard {
 };
 Task<> enterHolding(AsyncGate* gate, bool* isGone) {
   const Guard guard{isGone};
-  co_await gate->enter();
+  auto entering = gate->enter();
+  co_await entering;
 }
 
 TEST(AsyncGate, ItLetsInUpToItsLimitAtOnce) {

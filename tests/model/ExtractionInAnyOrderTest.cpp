@@ -26,7 +26,7 @@ class ExtractionInAnyOrder : public ModelFixture {
   std::string newPicture() {
     QImage image(40, 30, QImage::Format_RGB32);
     image.fill(QColor::fromRgb(random_() & 0xFFFFFFU));
-    return ImageOperations::encode(image, ImageOperations::ImageType::png).value().toStdString();
+    return ImageOperations::encode(image, PictureFormat::png).value().toStdString();
   }
   void capture() {
     const FileURL url = shots.appending("shot " + std::to_string(++captures_) + ".png");

@@ -45,6 +45,17 @@ TEST(ImageContentType, FollowsTheExtension) {
   EXPECT_EQ(imageContentType(kPhoto), "image/jpeg");
   EXPECT_EQ(imageContentType(FileURL::fromPath("/a.HEIC")), "image/heif");
 }
+TEST(ImageContentType, OfAFormatIsThatOfItsExtensions) {
+  for (const PictureFormat format : kPictureFormats) {
+    for (const std::string_view extension : traits(format).extensions) {
+      const FileURL file = FileURL::fromPath("/a." + std::string(extension));
+      EXPECT_EQ(imageContentType(file), imageContentType(format)) << extension;
+    }
+  }
+}
+TEST(ImageContentType, OfAnotherPictureIsTheDesktops) {
+  EXPECT_EQ(imageContentType(FileURL::fromPath("/a.gif")), "image/gif");
+}
 TEST(ImageContentType, IsPngForWhatNamesNoPicture) {
   EXPECT_EQ(imageContentType(FileURL::fromPath("/a.txt")), "image/png");
   EXPECT_EQ(imageContentType(FileURL::fromPath("/a")), "image/png");

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "records/PictureFormat.h"
 #include "support/ChildProcess.h"
 #include "support/FakeScanServices.h"
 #include "support/Files.h"
@@ -102,6 +103,14 @@ TEST_F(FolderScanTest, WatchedNamesAreToldByTheirEnd) {
   }
   for (const char* name : {"", ".", ".png", ".a.png", "png", "a.pn", "a.pngg", "a.png ", "a.png.", "a.gif", "a.tif"}) {
     EXPECT_FALSE(isWatchedName(name)) << name;
+  }
+}
+
+TEST_F(FolderScanTest, EachPictureFormatIsWatched) {
+  for (const PictureFormat format : kPictureFormats) {
+    for (const std::string_view extension : traits(format).extensions) {
+      EXPECT_TRUE(isWatchedName("a." + std::string(extension))) << extension;
+    }
   }
 }
 

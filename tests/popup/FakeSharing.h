@@ -10,8 +10,10 @@ class FakeSharing final : public Sharing {
  public:
   Task<std::vector<ShareTarget>> targets(QString contentType) override {
     asked.push_back(contentType);
-    const std::function<bool()> looking = [] { return true; };
-    if (executor) co_await executor->background(looking);
+    if (executor) {
+      auto looking = executor->background([] { return true; });
+      co_await looking;
+    }
     co_return offered;
   }
   Task<bool> share(PreparedTransfer transfer, QString targetID) override {

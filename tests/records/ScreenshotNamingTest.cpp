@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "records/PictureFormat.h"
 #include "support/Files.h"
 #include "support/Printing.h"
 #include "support/Records.h"
@@ -82,6 +83,14 @@ TEST(ScreenshotNaming, AnImageExtensionAtTheEndIsRemovedInAnyCase) {
   EXPECT_EQ(cleaned("shot.gif"), "shot.gif");
   EXPECT_EQ(cleaned("shot.png.txt"), "shot.png.txt");
   EXPECT_EQ(cleaned("shotpng"), "shotpng");
+}
+
+TEST(ScreenshotNaming, NoNameKeepsTheExtensionOfAPictureFormat) {
+  for (const PictureFormat format : kPictureFormats) {
+    for (const std::string_view extension : traits(format).extensions) {
+      EXPECT_EQ(cleaned(("shot." + std::string(extension)).c_str()), "shot") << extension;
+    }
+  }
 }
 
 TEST(ScreenshotNaming, EachExtensionIsTriedOnceAndInOrder) {

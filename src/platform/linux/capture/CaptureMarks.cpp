@@ -7,6 +7,8 @@
 #include <cctype>
 #include <cerrno>
 
+#include "records/PictureFormat.h"
+
 namespace quillmere::CaptureMarks {
 namespace {
 
@@ -121,12 +123,12 @@ bool readAt(int descriptor, int64_t offset, void* into, size_t count) {
 }
 
 TextChunks readChunks(int descriptor) {
-  constexpr std::string_view kSignature("\x89PNG\r\n\x1a\n", 8);
+  const std::string_view wanted = traits(PictureFormat::png).signature.bytes;
   constexpr int64_t kLimit = 1 << 20;
   TextChunks chunks;
   std::array<char, 8> signature{};
   if (!readAt(descriptor, 0, signature.data(), signature.size()) ||
-      std::string_view(signature.data(), signature.size()) != kSignature) {
+      std::string_view(signature.data(), signature.size()) != wanted) {
     return chunks;
   }
   int64_t offset = 8;

@@ -61,24 +61,24 @@ bool open(const QString& id, const FileURL& file) {
 }  // namespace
 
 Task<std::vector<ShareTarget>> LiveSharing::targets(QString contentType) {
-  const std::function<std::vector<ShareTarget>()> work = [contentType] {
+  auto looking = executor_.background([contentType] {
     std::vector<ShareTarget> targets = applicationsFor(contentType);
     if (EmailComposer::isAvailable()) {
       targets.insert(targets.begin(), {kEmail, localized("Mail"), QStringLiteral("mail-message-new")});
     }
     return targets;
-  };
-  auto targets = co_await executor_.background(work);
+  });
+  auto targets = co_await looking;
   co_return targets;
 }
 
 Task<bool> LiveSharing::share(PreparedTransfer transfer, QString targetID) {
-  const std::function<bool()> work = [transfer, targetID] {
+  auto opening = executor_.background([transfer, targetID] {
     // An application that is opened with a file that is gone would complain, or show nothing.
     if (::access(transfer.file.c_str(), R_OK) != 0) return false;
     return targetID == kEmail ? EmailComposer::compose(transfer.file) : open(targetID, transfer.file);
-  };
-  const bool isTaken = co_await executor_.background(work);
+  });
+  const bool isTaken = co_await opening;
   co_return isTaken;
 }
 

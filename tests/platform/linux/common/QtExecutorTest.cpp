@@ -133,8 +133,8 @@ TEST_F(QtExecutorTest, BackgroundWorkRunsElsewhereAndReturnsToTheMainThread) {
 }
 
 Task<> noteBackground(Executor& executor, std::vector<int>& ended) {
-  const std::function<int()> work = [] { return 42; };
-  ended.push_back(co_await executor.background(work));
+  auto working = executor.background([] { return 42; });
+  ended.push_back(co_await working);
 }
 
 TEST_F(QtExecutorTest, ATaskGetsWhatItsBackgroundWorkReturned) {
