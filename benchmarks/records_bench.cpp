@@ -7,8 +7,8 @@
 #include <random>
 
 #include "Limits.h"
+#include "foundation/FileCopy.h"
 #include "foundation/FileStatus.h"
-#include "records/FileCopy.h"
 #include "records/ScreenshotCoding.h"
 #include "records/ScreenshotListWriter.h"
 #include "records/ScreenshotRecordStore.h"

@@ -4,8 +4,8 @@
 #include <cerrno>
 
 #include "formats/ImageOperations.h"
+#include "foundation/FileCopy.h"
 #include "foundation/Localized.h"
-#include "records/FileCopy.h"
 #include "records/ScreenshotNaming.h"
 #include "records/UUID.h"
 

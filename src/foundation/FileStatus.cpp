@@ -6,55 +6,34 @@
 #include <unistd.h>
 #include <cerrno>
 
+#include "foundation/SystemFiles.h"
+
 namespace quillmere {
 namespace {
 
+using SystemFiles::LastLink;
+
 /// Room for a reader that wants a few bytes behind the text, so that a large file is not copied for them.
 constexpr size_t kSpareBytes = 32;
-
-FileStatus::Kind kindOf(uint16_t mode) {
-  if (S_ISREG(mode)) return FileStatus::Kind::regular;
-  if (S_ISDIR(mode)) return FileStatus::Kind::directory;
-  if (S_ISLNK(mode)) return FileStatus::Kind::symbolicLink;
-  return FileStatus::Kind::other;
-}
 
 EntryKind entryKind(unsigned char type) {
   if (type == DT_REG) return EntryKind::regular;
   return type == DT_UNKNOWN ? EntryKind::unknown : EntryKind::notRegular;
 }
 
-std::optional<FileStatus> look(int folder, const char* path, int flags) {
-  struct statx found {};
-  constexpr unsigned kMask = STATX_TYPE | STATX_SIZE | STATX_MTIME | STATX_INO | STATX_BTIME;
-  if (::statx(folder, path, flags | AT_NO_AUTOMOUNT, kMask, &found) != 0) return std::nullopt;
-
-  FileStatus status;
-  status.kind = kindOf(found.stx_mode);
-  status.size = static_cast<int64_t>(found.stx_size);
-  status.modified = Date::fromUnix(found.stx_mtime.tv_sec, found.stx_mtime.tv_nsec);
-  if (found.stx_mask & STATX_BTIME) {
-    status.created = Date::fromUnix(found.stx_btime.tv_sec, found.stx_btime.tv_nsec);
-  }
-  status.inode = found.stx_ino;
-  status.deviceMajor = found.stx_dev_major;
-  status.deviceMinor = found.stx_dev_minor;
-  return status;
-}
-
 }  // namespace
 
 std::optional<FileStatus> fileStatus(const FileURL& url) {
   if (url.isEmpty()) return std::nullopt;
-  return look(AT_FDCWD, url.c_str(), AT_SYMLINK_NOFOLLOW);
+  return SystemFiles::look(AT_FDCWD, url.c_str(), LastLink::seen);
 }
 
 std::optional<FileStatus> fileStatus(int folder, const char* name) {
-  return look(folder, name, AT_SYMLINK_NOFOLLOW);
+  return SystemFiles::look(folder, name, LastLink::seen);
 }
 
 bool fileExists(const FileURL& url) {
-  return !url.isEmpty() && look(AT_FDCWD, url.c_str(), 0).has_value();
+  return !url.isEmpty() && SystemFiles::look(AT_FDCWD, url.c_str(), LastLink::followed).has_value();
 }
 
 bool isAbsent(const FileURL& url) {
@@ -63,7 +42,7 @@ bool isAbsent(const FileURL& url) {
 
 bool isReadableDirectory(const FileURL& url) {
   if (url.isEmpty()) return false;
-  const auto status = look(AT_FDCWD, url.c_str(), 0);
+  const auto status = SystemFiles::look(AT_FDCWD, url.c_str(), LastLink::followed);
   return status && status->kind == FileStatus::Kind::directory && ::access(url.c_str(), R_OK) == 0;
 }
 

@@ -24,7 +24,7 @@ struct FileStatus {
   bool isRegular() const { return kind == Kind::regular; }
 };
 
-/// One `statx`. None when nothing can be seen at the path.
+/// One look. None when nothing can be seen at the path.
 std::optional<FileStatus> fileStatus(const FileURL& url);
 /// The same for a name in an open folder.
 std::optional<FileStatus> fileStatus(int folder, const char* name);

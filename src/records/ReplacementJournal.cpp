@@ -8,8 +8,8 @@
 #include <cerrno>
 #include <filesystem>
 
+#include "foundation/FileCopy.h"
 #include "foundation/FileStatus.h"
-#include "records/FileCopy.h"
 
 namespace quillmere {
 namespace {

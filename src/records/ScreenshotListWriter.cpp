@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "records/FileCopy.h"
+#include "foundation/FileCopy.h"
 #include "records/ScreenshotCoding.h"
 
 namespace quillmere {

@@ -2,8 +2,8 @@
 
 #include <QtCore/QLocale>
 
+#include "foundation/FileCopy.h"
 #include "foundation/FileStatus.h"
-#include "records/FileCopy.h"
 #include "records/ScreenshotCoding.h"
 
 namespace quillmere {

@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "foundation/FileCopy.h"
 #include "foundation/FileStatus.h"
-#include "records/FileCopy.h"
 
 namespace quillmere {
 namespace {

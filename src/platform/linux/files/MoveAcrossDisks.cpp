@@ -11,8 +11,8 @@
 #include <string>
 #include <utility>
 
+#include "foundation/FileCopy.h"
 #include "foundation/FileStatus.h"
-#include "records/FileCopy.h"
 
 namespace quillmere {
 namespace {

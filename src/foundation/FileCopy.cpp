@@ -1,4 +1,4 @@
-#include "records/FileCopy.h"
+#include "foundation/FileCopy.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <vector>
+
+#include "foundation/SystemFiles.h"
 
 namespace quillmere {
 
@@ -30,13 +32,9 @@ bool flushFolder(const FileURL& folder) {
 }
 
 bool copyBytes(int from, int64_t offset, int64_t length, int to) {
-  off64_t position = offset;
-  while (length > 0) {
-    const ssize_t count = ::copy_file_range(from, &position, to, nullptr, static_cast<size_t>(length), 0);
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) break;
-    length -= count;
-  }
+  const int64_t copied = SystemFiles::copyRange(from, offset, length, to);
+  int64_t position = offset + copied;
+  length -= copied;
   // Some file systems refuse to copy in the kernel, or stop short.
   std::vector<char> buffer(length > 0 ? 1 << 20 : 0);
   while (length > 0) {

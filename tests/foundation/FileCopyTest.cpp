@@ -1,4 +1,4 @@
-#include "records/FileCopy.h"
+#include "foundation/FileCopy.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
