@@ -10,6 +10,7 @@
 
 #include "imaging/ImageFile.h"
 #include "imaging/ImageOperations.h"
+#include "imaging/ImageScale.h"
 #include "imaging/PngChunks.h"
 #include "imaging/PngReader.h"
 

@@ -22,6 +22,8 @@
 #include "foundation/FileStatus.h"
 #include "imaging/EdgeMaps.h"
 #include "imaging/ImageOperations.h"
+#include "imaging/ImageScale.h"
+#include "imaging/ShadowFallOff.h"
 #include "imaging/VisionRectangles.h"
 #include "imaging/WindowScan.h"
 

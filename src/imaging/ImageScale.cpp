@@ -1,8 +1,9 @@
+#include "imaging/ImageScale.h"
+
 #include <cmath>
 
 #include "imaging/HeifFile.h"
 #include "imaging/ImageFile.h"
-#include "imaging/ImageOperations.h"
 #include "imaging/PngChunks.h"
 #include "imaging/TiffResolution.h"
 

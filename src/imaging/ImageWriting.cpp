@@ -1,10 +1,12 @@
+#include "imaging/ImageWriting.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <cerrno>
 
 #include "foundation/Localized.h"
-#include "imaging/ImageOperations.h"
+#include "imaging/ImageEncoding.h"
 #include "records/FileCopy.h"
 #include "records/ScreenshotNaming.h"
 #include "records/UUID.h"

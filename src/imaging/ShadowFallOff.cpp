@@ -1,7 +1,7 @@
+#include "imaging/ShadowFallOff.h"
+
 #include <algorithm>
 #include <cmath>
-
-#include "imaging/WindowShadow.h"
 
 namespace quillmere::WindowShadow {
 namespace {

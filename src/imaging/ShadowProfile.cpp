@@ -1,8 +1,9 @@
+#include "imaging/ShadowProfile.h"
+
 #include <algorithm>
 #include <memory>
 
 #include "imaging/MiddleMean.h"
-#include "imaging/WindowShadow.h"
 
 namespace quillmere::WindowShadow {
 namespace {

@@ -1,4 +1,5 @@
 #include "imaging/WindowScan.h"
+#include "imaging/ImageScale.h"
 
 namespace quillmere::ImageOperations {
 

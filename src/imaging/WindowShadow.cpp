@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "imaging/PixelRects.h"
+#include "imaging/ShadowFallOff.h"
 
 namespace quillmere::WindowShadow {
 namespace {

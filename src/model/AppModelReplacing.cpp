@@ -3,7 +3,9 @@
 
 #include "foundation/FileStatus.h"
 #include "foundation/Localized.h"
+#include "imaging/ImageEncoding.h"
 #include "imaging/ImageOperations.h"
+#include "imaging/ImageWriting.h"
 #include "model/AppModel.h"
 
 namespace quillmere {

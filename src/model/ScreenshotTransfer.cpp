@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "foundation/FileStatus.h"
+#include "imaging/ImageEncoding.h"
 #include "imaging/ImageFile.h"
 #include "records/ScreenshotNaming.h"
 #include "records/UUID.h"

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "imaging/ImageOperations.h"
+#include "imaging/ImageWriting.h"
 #include "support/FaultyCalls.h"
 #include "support/Files.h"
 #include "support/TemporaryFolder.h"

@@ -3,6 +3,7 @@
 
 #include "faults/LiveModel.h"
 #include "faults/Whereabouts.h"
+#include "imaging/ImageEncoding.h"
 #include "imaging/ImageOperations.h"
 #include "support/ChildProcess.h"
 #include "support/Printing.h"

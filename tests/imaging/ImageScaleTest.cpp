@@ -1,8 +1,9 @@
-#include "imaging/ImageOperations.h"
+#include "imaging/ImageScale.h"
 
 #include <libheif/heif.h>
 #include <cmath>
 
+#include "imaging/ImageEncoding.h"
 #include "imaging/Pictures.h"
 #include "imaging/TiffResolution.h"
 #include "support/Files.h"

@@ -1,3 +1,5 @@
+#include "imaging/ImageWriting.h"
+
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>

@@ -1,6 +1,7 @@
+#include "imaging/ShadowProfile.h"
+
 #include "imaging/PlainShadow.h"
 #include "imaging/RandomPictures.h"
-#include "imaging/WindowShadow.h"
 
 namespace quillmere::WindowShadow {
 namespace {

@@ -1,3 +1,4 @@
+#include "imaging/ImageEncoding.h"
 #include "model/PictureFixture.h"
 
 namespace quillmere::testing {

@@ -1,7 +1,9 @@
 #include <filesystem>
 #include <random>
 
+#include "imaging/ImageEncoding.h"
 #include "imaging/ImageOperations.h"
+#include "imaging/ImageWriting.h"
 #include "model/ModelFixture.h"
 
 // Extract Window, decisions, copies and what other programs do to the files meanwhile, in any order. Whatever happens,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "imaging/ImageEncoding.h"
 #include "imaging/ImageOperations.h"
 #include "model/ModelFixture.h"
 

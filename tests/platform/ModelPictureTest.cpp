@@ -2,6 +2,7 @@
 
 #include <QtGui/QImage>
 
+#include "imaging/ImageEncoding.h"
 #include "imaging/ImageOperations.h"
 #include "support/Files.h"
 #include "support/Images.h"

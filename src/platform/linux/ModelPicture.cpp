@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "imaging/ImageEncoding.h"
 #include "imaging/ImageFile.h"
 #include "imaging/ImageOperations.h"
 
