@@ -10,6 +10,7 @@
 
 #include "formats/ImageFile.h"
 #include "formats/ImageOperations.h"
+#include "formats/ImageScale.h"
 #include "formats/PngChunks.h"
 #include "formats/PngReader.h"
 

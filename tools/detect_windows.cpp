@@ -20,9 +20,11 @@
 #include <vector>
 
 #include "detection/EdgeMaps.h"
+#include "detection/ShadowFallOff.h"
 #include "detection/VisionRectangles.h"
 #include "detection/WindowScan.h"
 #include "formats/ImageOperations.h"
+#include "formats/ImageScale.h"
 #include "foundation/FileStatus.h"
 
 using namespace quillmere;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "formats/ImageEncoding.h"
 #include "formats/ImageFile.h"
 #include "formats/ImageOperations.h"
 

@@ -1,7 +1,7 @@
+#include "detection/ShadowFallOff.h"
+
 #include <algorithm>
 #include <cmath>
-
-#include "detection/WindowShadow.h"
 
 namespace quillmere::WindowShadow {
 namespace {

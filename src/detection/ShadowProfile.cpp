@@ -1,8 +1,9 @@
+#include "detection/ShadowProfile.h"
+
 #include <algorithm>
 #include <memory>
 
 #include "detection/MiddleMean.h"
-#include "detection/WindowShadow.h"
 
 namespace quillmere::WindowShadow {
 namespace {

@@ -1,4 +1,5 @@
 #include "detection/WindowScan.h"
+#include "formats/ImageScale.h"
 
 namespace quillmere::ImageOperations {
 

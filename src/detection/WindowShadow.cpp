@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "detection/ShadowFallOff.h"
 #include "pixels/PixelRects.h"
 
 namespace quillmere::WindowShadow {

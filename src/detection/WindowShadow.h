@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "detection/ShadowProfile.h"
 #include "pixels/GrayImage.h"
 
 namespace quillmere {
@@ -28,10 +29,6 @@ struct WindowShadowMargin {
 /// Measures drop shadows. A shadow is a smooth fall-off of brightness over whatever lies behind the window: a line is
 /// fitted to the background farther out, and the shadow is where pixels near the window drop below it.
 namespace WindowShadow {
-
-/// The order in which sides are always handled.
-enum Side { left, top, right, bottom };
-inline constexpr std::array kSides{left, top, right, bottom};
 
 /// What is seen on one side.
 struct SideReading {
@@ -56,26 +53,6 @@ std::vector<WindowShadowMargin> margins(const std::vector<QRectF>& frames, const
 
 /// `frame` is whole-numbered and inside the picture.
 SideReading sideReading(Side side, const GrayImage& gray, const QRectF& frame);
-
-/// The typical brightness at each of `depth` distances from the side, the nearest first: over the lines of the side's
-/// middle part, the mean of the middle half. None where the side is too short or a line leaves the picture.
-std::optional<std::vector<double>> brightnessProfile(Side side, const GrayImage& gray, const QRectF& frame,
-                                                     int64_t depth);
-
-struct FallOff {
-  enum class Kind { extentFound, clear, unreadable };
-  Kind kind = Kind::unreadable;
-  int64_t extent = 0;
-  double nearResidual = 0;  ///< how much darker it is beside the window than the background's trend foretells
-  bool operator==(const FallOff&) const = default;
-};
-/// Where a brightness profile begins to drop below the line of its background.
-FallOff fallOff(const std::vector<double>& profile);
-
-/// The middle value, or the mean of the two middle ones. None of none.
-std::optional<double> median(std::vector<double> values);
-/// A standard deviation that outliers do not move: 1.4826 times the median distance from the median; 0 of none.
-double robustSigma(const std::vector<double>& values);
 
 }  // namespace WindowShadow
 }  // namespace quillmere

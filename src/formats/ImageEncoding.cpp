@@ -1,10 +1,11 @@
+#include "formats/ImageEncoding.h"
+
 #include <QtCore/QBuffer>
 #include <QtGui/QColorSpace>
 #include <QtGui/QImageWriter>
 #include <QtGui/QPainter>
 
 #include "formats/HeifFile.h"
-#include "formats/ImageOperations.h"
 #include "formats/PngChunks.h"
 
 namespace quillmere {
@@ -79,6 +80,10 @@ std::optional<QByteArray> encoded(const QImage& image, PictureFormat format) {
 }
 
 }  // namespace
+
+PictureFormat ImageOperations::imageType(const FileURL& url) {
+  return formatOfExtension(url.pathExtension()).value_or(PictureFormat::png);
+}
 
 Result<QByteArray, ImageOperations::OperationError> ImageOperations::encode(const QImage& image, PictureFormat format) {
   if (image.isNull() || !traits(format).isWritable) return OperationError::encoding;

@@ -39,10 +39,6 @@ bool ImageOperations::isFileMissing(const Failure& failure) {
   return code && *code == std::errc::no_such_file_or_directory;
 }
 
-PictureFormat ImageOperations::imageType(const FileURL& url) {
-  return formatOfExtension(url.pathExtension()).value_or(PictureFormat::png);
-}
-
 Result<QImage, OperationError> ImageOperations::loadImage(const FileURL& url) {
   QImage image = ImageFile::picture(url);
   if (image.isNull()) return OperationError::unreadable;

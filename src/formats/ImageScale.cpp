@@ -1,8 +1,9 @@
+#include "formats/ImageScale.h"
+
 #include <cmath>
 
 #include "formats/HeifFile.h"
 #include "formats/ImageFile.h"
-#include "formats/ImageOperations.h"
 #include "formats/PngChunks.h"
 #include "formats/TiffResolution.h"
 

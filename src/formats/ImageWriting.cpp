@@ -1,8 +1,11 @@
+#include "formats/ImageWriting.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <cerrno>
 
+#include "formats/ImageEncoding.h"
 #include "formats/ImageOperations.h"
 #include "foundation/FileCopy.h"
 #include "foundation/Localized.h"

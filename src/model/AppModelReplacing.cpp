@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "formats/ImageEncoding.h"
 #include "formats/ImageOperations.h"
+#include "formats/ImageWriting.h"
 #include "foundation/FileStatus.h"
 #include "foundation/Localized.h"
 #include "model/AppModel.h"
@@ -53,7 +55,8 @@ Task<std::optional<QString>> AppModel::runReplacement(Weak<AppModel> self, UUID 
   if (!item) co_return description(OperationError::unreadable);
   const FileURL original = item->url;
   self->protect(id);
-  if (self->sweepTask_) co_await self->sweepTask_;
+  const Task<> sweep = self->sweepTask_;
+  if (sweep) co_await sweep;
   if (!self) co_return description(OperationError::unreadable);
   const std::function<Result<FileURL, Failure>()> work = [original, image, rect] {
     return writeCropBeside(original, image, rect);

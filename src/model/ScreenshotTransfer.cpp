@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "formats/ImageEncoding.h"
 #include "formats/ImageFile.h"
 #include "foundation/FileStatus.h"
 #include "records/ScreenshotNaming.h"

@@ -2,6 +2,7 @@
 
 #include <QtGui/QImage>
 
+#include "formats/ImageEncoding.h"
 #include "formats/ImageOperations.h"
 #include "support/Files.h"
 #include "support/Images.h"

@@ -1,5 +1,6 @@
+#include "detection/ShadowFallOff.h"
+
 #include "detection/PlainShadow.h"
-#include "detection/WindowShadow.h"
 #include "support/RandomPictures.h"
 
 namespace quillmere::WindowShadow {

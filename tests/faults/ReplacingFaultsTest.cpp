@@ -3,6 +3,7 @@
 
 #include "faults/LiveModel.h"
 #include "faults/Whereabouts.h"
+#include "formats/ImageEncoding.h"
 #include "formats/ImageOperations.h"
 #include "support/ChildProcess.h"
 #include "support/Printing.h"

@@ -46,22 +46,6 @@ TEST(OperationErrors, OnlyTheSystemSaysThatAFileIsMissing) {
   EXPECT_FALSE(ImageOperations::isFileMissing(OperationError::unreadable));
 }
 
-TEST(ImageTypeOfAName, IsThatOfItsExtensionInAnyCase) {
-  const auto type = [](const char* name) {
-    return ImageOperations::imageType(FileURL::fromPath("/a").appending(name));
-  };
-  for (const char* name : {"a.png", "a.PNG", "a.jpg.png"}) EXPECT_EQ(type(name), PictureFormat::png) << name;
-  for (const char* name : {"a.jpg", "a.JPG", "a.jpeg", "a.Jpeg"}) EXPECT_EQ(type(name), PictureFormat::jpeg) << name;
-  for (const char* name : {"a.heic", "a.HEIC", "a.heif"}) EXPECT_EQ(type(name), PictureFormat::heif) << name;
-}
-
-TEST(ImageTypeOfAName, IsPngForAnyOther) {
-  for (const char* name : {"a", "a.", ".jpg", "a.xyz", "a.tiff", "a.txt", "a.\xff\xfe", "a.jpg ", "jpg", "a.jpegs"}) {
-    EXPECT_EQ(ImageOperations::imageType(FileURL::fromPath("/a.jpg").appending(name)), PictureFormat::png) << name;
-  }
-  EXPECT_EQ(ImageOperations::imageType(FileURL()), PictureFormat::png);
-}
-
 class LoadImage : public ::testing::Test {
  protected:
   void expectUnreadable(const FileURL& url) {

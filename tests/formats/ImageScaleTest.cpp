@@ -1,8 +1,9 @@
-#include "formats/ImageOperations.h"
+#include "formats/ImageScale.h"
 
 #include <libheif/heif.h>
 #include <cmath>
 
+#include "formats/ImageEncoding.h"
 #include "formats/Pictures.h"
 #include "formats/TiffResolution.h"
 #include "support/Files.h"

@@ -1,3 +1,5 @@
+#include "formats/ImageWriting.h"
+
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>

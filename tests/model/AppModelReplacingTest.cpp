@@ -1,3 +1,4 @@
+#include "formats/ImageEncoding.h"
 #include "model/PictureFixture.h"
 
 namespace quillmere::testing {

@@ -1,7 +1,9 @@
 #include <filesystem>
 #include <random>
 
+#include "formats/ImageEncoding.h"
 #include "formats/ImageOperations.h"
+#include "formats/ImageWriting.h"
 #include "model/ModelFixture.h"
 
 // Extract Window, decisions, copies and what other programs do to the files meanwhile, in any order. Whatever happens,

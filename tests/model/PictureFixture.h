@@ -1,5 +1,6 @@
 #pragma once
 
+#include "formats/ImageEncoding.h"
 #include "formats/ImageOperations.h"
 #include "model/ModelFixture.h"
 

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+#include <string_view>
+
+#include "formats/ImageOperations.h"
+#include "foundation/FileURL.h"
+#include "foundation/Result.h"
+
+namespace quillmere::ImageOperations {
+
+/// Writes a PNG under the cleaned `stem`, numbered where the name is taken, in the folder of `url`; nothing is ever
+/// replaced. Gives its place.
+Result<FileURL, Failure> writeNewFile(const QByteArray& data, const FileURL& url, const QString& stem);
+
+/// What the names of replacements begin with.
+inline constexpr std::string_view kReplacementPrefix = ".quillmere-replacing-";
+/// Writes a hidden file of the same extension beside `original`, to take its place in one move. Gives its place.
+Result<FileURL, Failure> writeReplacement(const QByteArray& data, const FileURL& original);
+
+}  // namespace quillmere::ImageOperations
