@@ -101,7 +101,7 @@ void InboxDetail::show(const ScreenshotItem& item) {
   note_->setVisible(isUnavailable);
   keep_->setVisible(item.state != ScreenshotItem::State::permanent && !isUnavailable);
   move_->setVisible(!isUnavailable);
-  trash_->setText(*model_.deletesChosenImmediately ? localized("Delete") : localized("Move to Trash"));
+  trash_->setText(*model_.settings().deletesChosenImmediately ? localized("Delete") : localized("Move to Trash"));
   if (isEvicted) {
     const auto state = model_.downloadStates->find(item.id);
     const bool hasState = state != model_.downloadStates->end();
@@ -130,7 +130,8 @@ void InboxDetail::moveToTrash() {
   const ScreenshotItem* item = model_.items().find(id_);
   if (!item) return;
   const ScreenshotItem chosen = *item;
-  if (*model_.deletesChosenImmediately && !(confirmDeletion && confirmDeletion(chosen.url.displayName()))) return;
+  if (*model_.settings().deletesChosenImmediately && !(confirmDeletion && confirmDeletion(chosen.url.displayName())))
+    return;
   model_.disposeItem(chosen, ErrorScope::inbox, AppModel::DisposalReason::chosen);
 }
 

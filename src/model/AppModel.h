@@ -21,11 +21,11 @@
 #include "model/Reconciliation.h"
 #include "model/RecordIndex.h"
 #include "model/ScreenshotFolderMatch.h"
+#include "model/Settings.h"
 #include "records/ReplacementJournal.h"
 #include "records/ScreenshotList.h"
 #include "records/ScreenshotListWriter.h"
 #include "records/ScreenshotNaming.h"
-#include "records/TemporaryDuration.h"
 
 namespace quillmere {
 
@@ -33,6 +33,9 @@ namespace quillmere {
 /// operations; they decide nothing about files. Each group of operations stands in a file of its own, named in the
 /// comment above it.
 class AppModel : private AnalysisRecords {
+  template <typename T>
+  using Field = Published<T, AppModel>;
+
  public:
   explicit AppModel(AppModelDependencies dependencies);
   ~AppModel();
@@ -40,7 +43,7 @@ class AppModel : private AnalysisRecords {
   /// What a change was; told after it.
   Signal<const ModelChange&> changed;
 
-  // --- Frame, settings, saving: AppModel.cpp ---
+  // --- Frame, messages, saving: AppModel.cpp ---
   void start();
   /// Writes the list now. A failure is the banner.
   void saveNow();
@@ -50,63 +53,47 @@ class AppModel : private AnalysisRecords {
   bool isRecordsReadOnly() const { return recordsReadOnly_; }
 
   const ScreenshotList& items() const { return items_; }
-  Published<UUIDSet> selectedItemIDs{changed, ModelField::selectedItemIDs};
-  Published<TemporaryDuration> lastTemporaryDuration{changed, ModelField::lastTemporaryDuration,
-                                                     TemporaryDuration::fiveMinutes};
-  Published<bool> menuBarEnabled{changed, ModelField::menuBarEnabled, true};
-  Published<bool> showPopupThumbnail{changed, ModelField::showPopupThumbnail, true};
-  Published<bool> analyzeScreenshots{changed, ModelField::analyzeScreenshots, true};
-  Published<QString> modelAddress{changed, ModelField::modelAddress};  ///< empty: found by itself
-  Published<bool> showsDeleteImmediately{changed, ModelField::showsDeleteImmediately, false};
-  Published<bool> deletesChosenImmediately{changed, ModelField::deletesChosenImmediately, false};
-  Published<bool> deletesExpiredImmediately{changed, ModelField::deletesExpiredImmediately, false};
-  Published<bool> popupAutoSaveEnabled{changed, ModelField::popupAutoSaveEnabled, false};
-  Published<int> popupAutoSaveSeconds{changed, ModelField::popupAutoSaveSeconds, 10};
-  Published<ScreenshotNaming> screenshotNaming{changed, ModelField::screenshotNaming, ScreenshotNaming::original};
-  Published<bool> includesNonCaptureImages{changed, ModelField::includesNonCaptureImages, false};
-  Published<std::optional<ScopedError>> promptError{changed, ModelField::promptError};
-  Published<std::optional<ScopedError>> inboxError{changed, ModelField::inboxError};
-  Published<std::optional<ScopedError>> settingsError{changed, ModelField::settingsError};
-  Published<std::optional<BackgroundIssue>> backgroundIssue{changed, ModelField::backgroundIssue};
-  Published<std::optional<FileURL>> watchFolderURL{changed, ModelField::watchFolderURL};
-  Published<WatcherStatus> watcherStatus{changed, ModelField::watcherStatus, WatcherStatus::notChosen};
-  Published<std::optional<FileURL>> macOSScreenshotFolder{changed, ModelField::macOSScreenshotFolder};
-  Published<std::optional<ScreenshotLocationChange>> lastScreenshotLocationChange{
-      changed, ModelField::lastScreenshotLocationChange};
-  Published<bool> watchFolderHasReceivedScreenshot{changed, ModelField::watchFolderHasReceivedScreenshot, false};
-  Published<std::optional<QString>> dismissedLocationMismatchPath{changed, ModelField::dismissedLocationMismatchPath};
-  Published<bool> hasSeenWelcome{changed, ModelField::hasSeenWelcome, false};
-  Published<UUIDSet> unavailableItemIDs{changed, ModelField::unavailableItemIDs};
-  Published<UUIDSet> evictedItemIDs{changed, ModelField::evictedItemIDs};
-  Published<UUIDSet> iCloudItemIDs{changed, ModelField::iCloudItemIDs};
-  Published<UUIDMap<DownloadState>> downloadStates{changed, ModelField::downloadStates};
-  Published<UUIDSet> analyzingIDs{changed, ModelField::analyzingIDs};
-  Published<std::optional<AnalysisError>> intelligenceUnavailability{changed, ModelField::intelligenceUnavailability};
-  Published<std::vector<UUID>> promptQueue{changed, ModelField::promptQueue};
-  Published<int> promptFocusRequest{changed, ModelField::promptFocusRequest, 0};
-  Published<int> promptContentGeneration{changed, ModelField::promptContentGeneration, 0};
-  Published<std::optional<PromptWindowExtraction>> promptWindowExtraction{changed, ModelField::promptWindowExtraction};
+  Field<UUIDSet> selectedItemIDs{changed, ModelField::selectedItemIDs};
+  Field<std::optional<ScopedError>> promptError{changed, ModelField::promptError};
+  Field<std::optional<ScopedError>> inboxError{changed, ModelField::inboxError};
+  Field<std::optional<ScopedError>> settingsError{changed, ModelField::settingsError};
+  Field<std::optional<BackgroundIssue>> backgroundIssue{changed, ModelField::backgroundIssue};
+  Field<std::optional<FileURL>> watchFolderURL{changed, ModelField::watchFolderURL};
+  Field<WatcherStatus> watcherStatus{changed, ModelField::watcherStatus, WatcherStatus::notChosen};
+  Field<std::optional<FileURL>> macOSScreenshotFolder{changed, ModelField::macOSScreenshotFolder};
+  Field<std::optional<ScreenshotLocationChange>> lastScreenshotLocationChange{changed,
+                                                                              ModelField::lastScreenshotLocationChange};
+  Field<UUIDSet> unavailableItemIDs{changed, ModelField::unavailableItemIDs};
+  Field<UUIDSet> evictedItemIDs{changed, ModelField::evictedItemIDs};
+  Field<UUIDSet> iCloudItemIDs{changed, ModelField::iCloudItemIDs};
+  Field<UUIDMap<DownloadState>> downloadStates{changed, ModelField::downloadStates};
+  Field<UUIDSet> analyzingIDs{changed, ModelField::analyzingIDs};
+  Field<std::optional<AnalysisError>> intelligenceUnavailability{changed, ModelField::intelligenceUnavailability};
+  Field<std::vector<UUID>> promptQueue{changed, ModelField::promptQueue};
+  Field<int> promptFocusRequest{changed, ModelField::promptFocusRequest, 0};
+  Field<int> promptContentGeneration{changed, ModelField::promptContentGeneration, 0};
+  Field<std::optional<PromptWindowExtraction>> promptWindowExtraction{changed, ModelField::promptWindowExtraction};
 
   void setSelectedItemIDs(UUIDSet ids) { selectedItemIDs.set(std::move(ids)); }
-  void setMenuBarEnabled(bool isOn);
-  void setShowPopupThumbnail(bool isOn);
-  void setAnalyzeScreenshots(bool isOn);
-  void setModelAddress(const QString& address);
-  void setShowsDeleteImmediately(bool isOn);
-  void setDeletesChosenImmediately(bool isOn);
-  void setDeletesExpiredImmediately(bool isOn);
-  void setPopupAutoSaveEnabled(bool isOn);
-  static constexpr int kShortestPopupSeconds = 3;
-  static constexpr int kLongestPopupSeconds = 300;
-  /// Cut to those limits.
-  void setPopupAutoSaveSeconds(int seconds);
-  void setScreenshotNaming(ScreenshotNaming naming);
-  void setIncludesNonCaptureImages(bool includes);
-  void setHasSeenWelcome(bool hasSeen);
   void show(ErrorScope scope, const QString& title, const QString& message);
   void dismissError(ErrorScope scope);
   void announce(const QString& text, AnnouncementPriority priority) const;
   Date now() const { return dependencies_.now(); }
+
+  // --- Settings: AppModelSettings.cpp ---
+  const Settings& settings() const { return settings_; }
+  void setMenuBarEnabled(bool isOn) { settings_.menuBarEnabled.change(isOn); }
+  void setShowPopupThumbnail(bool isOn);
+  void setAnalyzeScreenshots(bool isOn);
+  void setModelAddress(const QString& address);
+  void setShowsDeleteImmediately(bool isOn) { settings_.showsDeleteImmediately.change(isOn); }
+  void setDeletesChosenImmediately(bool isOn) { settings_.deletesChosenImmediately.change(isOn); }
+  void setDeletesExpiredImmediately(bool isOn) { settings_.deletesExpiredImmediately.change(isOn); }
+  void setPopupAutoSaveEnabled(bool isOn);
+  void setPopupAutoSaveSeconds(int seconds);
+  void setScreenshotNaming(ScreenshotNaming naming) { settings_.screenshotNaming.change(naming); }
+  void setIncludesNonCaptureImages(bool includes);
+  void setHasSeenWelcome(bool hasSeen) { settings_.hasSeenWelcome.change(hasSeen); }
 
   // --- Arrival and the decision queue: AppModelArrival.cpp ---
   void record(const FileURL& url, bool arrivedFromElsewhere);
@@ -249,19 +236,16 @@ class AppModel : private AnalysisRecords {
 
  private:
   // AppModel.cpp
-  void readSettings();
   void wireMonitor();
   void observeSystem();
   void finishStart();
   void updateSystemPause();
-  void setFlag(Published<bool>& field, const char* key, bool isOn);
-  void setWatchFolderHasReceivedScreenshot(bool hasReceived);
   static Task<> saveLater(Weak<AppModel> self);
   /// The only way to change a record; answers whether it became another.
   bool updateItem(size_t index, const std::function<void(ScreenshotItem&)>& change);
   void insertNewest(ScreenshotItem item);
   void forgetInIndex(const ScreenshotItem& item);
-  static void setMember(Published<UUIDSet>& set, const UUID& id, bool isMember);
+  static void setMember(Field<UUIDSet>& set, const UUID& id, bool isMember);
 
   // AppModelArrival.cpp
   bool followRename(const FileURL& url, const FileIdentity& identity);
@@ -292,6 +276,7 @@ class AppModel : private AnalysisRecords {
 
   // AppModelTimeout.cpp
   void beginCountdown(const UUID& id);
+  void restartCountdown();
   void popupTimedOut(const UUID& id);
   static Task<> keepAfterTimeout(Weak<AppModel> self, UUID id);
   std::optional<QString> timeoutName(const ScreenshotItem& item) const;
@@ -386,6 +371,7 @@ class AppModel : private AnalysisRecords {
   void forget(const UUID& id);
 
   AppModelDependencies dependencies_;
+  Settings settings_;
   ScreenshotList items_;
   ScreenshotListWriter listWriter_;
   ReplacementJournal replacementJournal_;

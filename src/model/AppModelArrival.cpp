@@ -26,7 +26,7 @@ void AppModel::record(const FileURL& url, bool arrivedFromElsewhere) {
     item.state = ScreenshotItem::State::permanent;
     item.arrivedFromElsewhere = true;
   } else {
-    setWatchFolderHasReceivedScreenshot(true);
+    settings_.watchFolderHasReceivedScreenshot.change(true);
   }
   const UUID id = item.id;
   insertNewest(std::move(item));
@@ -36,7 +36,7 @@ void AppModel::record(const FileURL& url, bool arrivedFromElsewhere) {
   saveNow();
   if (arrivedFromElsewhere) return;
   if (!isRecovering_) enqueuePrompt(id);
-  if (*analyzeScreenshots) startAnalysis(id);
+  if (*settings_.analyzeScreenshots) startAnalysis(id);
 }
 
 /// Whether the file is a known one under a new name; its record then follows it.

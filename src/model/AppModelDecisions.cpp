@@ -19,8 +19,7 @@ Task<> AppModel::runMarkTemporary(Weak<AppModel> self, UUID id, TemporaryDuratio
   if (name) self->rename(id, *name, ErrorScope::popup);
   // Its file turned out to have been moved away by the person, which keeps it.
   if (!self->isUndecided(id)) co_return;
-  self->lastTemporaryDuration.set(duration);
-  self->dependencies_.defaults->set(QStringLiteral("quillmere.last-duration"), static_cast<int>(duration));
+  self->settings_.lastTemporaryDuration.choose(duration);
   self->makeTemporary(*self->items_.indexOf(id), duration, self->now());
   self->resolvePrompts({id});
   self->saveNow();
@@ -35,8 +34,7 @@ void AppModel::markTemporaryBatch(const std::vector<UUID>& ids, TemporaryDuratio
     if (item->state == ScreenshotItem::State::pending) decided.insert(id);
   }
   if (decided.empty()) return;
-  lastTemporaryDuration.set(duration);
-  dependencies_.defaults->set(QStringLiteral("quillmere.last-duration"), static_cast<int>(duration));
+  settings_.lastTemporaryDuration.choose(duration);
   const Date moment = now();
   for (const UUID& id : decided) makeTemporary(*items_.indexOf(id), duration, moment);
   resolvePrompts(decided);

@@ -8,9 +8,9 @@ namespace quillmere {
 bool AppModel::deletes(DisposalReason reason) const {
   switch (reason) {
     case DisposalReason::chosen:
-      return *deletesChosenImmediately;
+      return *settings_.deletesChosenImmediately;
     case DisposalReason::expired:
-      return *deletesExpiredImmediately;
+      return *settings_.deletesExpiredImmediately;
     case DisposalReason::deleteImmediately:
       return true;
   }

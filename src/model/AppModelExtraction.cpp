@@ -95,7 +95,7 @@ Task<std::optional<QString>> AppModel::runWindowSaving(Weak<AppModel> self, UUID
   const auto reason = co_await replacing;
   if (!self || !self->isSavingWindow(id)) co_return reason;
   // To be tried again, as long as the preview shows it.
-  if (reason && *self->showPopupThumbnail) {
+  if (reason && *self->settings_.showPopupThumbnail) {
     self->promptWindowExtraction.set(Extraction{id, Extraction::Extracted{window->crop}});
   } else {
     self->clearPromptWindowExtraction();

@@ -148,7 +148,7 @@ void AppModel::finishReplacement(size_t index) {
   refreshBookmark(index, std::nullopt);
   refreshItemAccess(index, std::nullopt);
   saveNow();
-  if (*analyzeScreenshots) startAnalysis(id);
+  if (*settings_.analyzeScreenshots) startAnalysis(id);
 }
 
 /// Brings replacements to their end that an earlier run had begun.

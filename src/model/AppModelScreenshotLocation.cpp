@@ -5,10 +5,10 @@ namespace quillmere {
 
 bool AppModel::showsLocationMismatch() const {
   // Asked first: comparing the folders looks at the disk.
-  if (*watchFolderHasReceivedScreenshot) return false;
+  if (*settings_.watchFolderHasReceivedScreenshot) return false;
   const auto match = screenshotFolderMatch();
   return match.kind == ScreenshotFolderMatch::Kind::differs &&
-         *dismissedLocationMismatchPath != match.folder->standardized().displayPath();
+         *settings_.dismissedLocationMismatchPath != match.folder->standardized().displayPath();
 }
 
 bool AppModel::canPointMacOSAtWatchFolder() const {
@@ -19,9 +19,7 @@ bool AppModel::canPointMacOSAtWatchFolder() const {
 void AppModel::dismissLocationMismatch() {
   const auto match = screenshotFolderMatch();
   if (match.kind != ScreenshotFolderMatch::Kind::differs) return;
-  const QString path = match.folder->standardized().displayPath();
-  dismissedLocationMismatchPath.set(path);
-  dependencies_.defaults->set(QStringLiteral("quillmere.dismissed-location-mismatch"), path);
+  settings_.dismissedLocationMismatchPath.change(match.folder->standardized().displayPath());
 }
 
 void AppModel::refreshScreenshotLocation() {

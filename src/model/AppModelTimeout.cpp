@@ -3,8 +3,14 @@
 namespace quillmere {
 
 void AppModel::beginCountdown(const UUID& id) {
-  if (!*popupAutoSaveEnabled || queueHead() != id) return;
-  popupAutoSaveScheduler_.begin(id, *popupAutoSaveSeconds);
+  if (!*settings_.popupAutoSaveEnabled || queueHead() != id) return;
+  popupAutoSaveScheduler_.begin(id, *settings_.popupAutoSaveSeconds);
+}
+
+/// The visible popup's time starts over in full.
+void AppModel::restartCountdown() {
+  popupAutoSaveScheduler_.reset();
+  if (const auto head = queueHead()) beginCountdown(*head);
 }
 
 bool AppModel::isPopupPaused(const UUID& id) const {
@@ -24,7 +30,7 @@ void AppModel::popupTimedOut(const UUID& id) {
 /// An unanswered popup always keeps: it never chooses Temporary and never moves anything to Trash but the whole
 /// screenshot that an extracted window takes the place of.
 Task<> AppModel::keepAfterTimeout(Weak<AppModel> self, UUID id) {
-  if (!*self->popupAutoSaveEnabled || !self->isUndecided(id)) co_return;
+  if (!*self->settings_.popupAutoSaveEnabled || !self->isUndecided(id)) co_return;
   if (self->isSeekingWindow(id)) self->clearPromptWindowExtraction();
   // Before the window is saved, which makes the suggestion one for another picture.
   const auto name = self->timeoutName(*self->items_.find(id));
@@ -57,7 +63,8 @@ std::optional<QString> AppModel::timeoutName(const ScreenshotItem& item) const {
   if (promptNameEdit_ && promptNameEdit_->id == item.id && promptNameEdit_->isEdited) {
     name = sanitizedFileStem(promptNameEdit_->text);
   }
-  if (!name && *screenshotNaming == ScreenshotNaming::suggested && item.imageDescription && item.suggestedName) {
+  if (!name && *settings_.screenshotNaming == ScreenshotNaming::suggested && item.imageDescription &&
+      item.suggestedName) {
     name = sanitizedFileStem(QString::fromUtf8(*item.suggestedName));
   }
   return name;

@@ -47,7 +47,7 @@ void AppModel::adoptWatchFolder(const FileURL& url, ErrorScope scope) {
   itemAccessTask_ = refreshEveryItemAccess(lifetime_.weak(this));
   dependencies_.monitor->expectArrivalsSince(std::nullopt);
   dependencies_.monitor->watch(url);
-  setWatchFolderHasReceivedScreenshot(false);
+  settings_.watchFolderHasReceivedScreenshot.change(false);
   refreshScreenshotLocation();
   checkLocationRegularly();
   if (didStart_) reconcile({});

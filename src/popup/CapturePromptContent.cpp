@@ -21,7 +21,7 @@ std::optional<CapturePromptContent> CapturePromptContent::make(
   CapturePromptContent content;
   content.item = *head;
   content.queuedCount = static_cast<int>(model.promptQueue->size()) - 1;
-  content.showThumbnail = *model.showPopupThumbnail;
+  content.showThumbnail = *model.settings().showPopupThumbnail;
   const auto& extraction = *model.promptWindowExtraction;
   if (extraction && extraction->itemID == head->id) content.windowExtraction = extraction->phase;
   if (const auto part = content.shownPart()) {
@@ -33,8 +33,8 @@ std::optional<CapturePromptContent> CapturePromptContent::make(
   content.error = *model.promptError;
   content.focusRequest = *model.promptFocusRequest;
   content.contentGeneration = *model.promptContentGeneration;
-  content.naming = *model.screenshotNaming;
-  content.deletesChosen = *model.deletesChosenImmediately;
+  content.naming = *model.settings().screenshotNaming;
+  content.deletesChosen = *model.settings().deletesChosenImmediately;
   content.isEvicted = model.evictedItemIDs->contains(head->id);
   content.canReadImage = !content.isEvicted && !model.unavailableItemIDs->contains(head->id);
   content.isAnalyzing = model.analyzingIDs->contains(head->id);

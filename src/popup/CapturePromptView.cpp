@@ -130,7 +130,7 @@ void CapturePromptView::showActions() {
 }
 
 void CapturePromptView::beginItem() {
-  actions_->setDuration(*model_.lastTemporaryDuration);
+  actions_->setDuration(*model_.settings().lastTemporaryDuration);
   gate_ = {content_->contentGeneration, services_.executor->instant()};
   nameSeed_ = displayName(content_->item, content_->naming);
   details_->nameField().setText(nameSeed_);
@@ -233,7 +233,7 @@ Task<> CapturePromptView::decideKeep(Weak<CapturePromptView> self, UUID id) {
 void CapturePromptView::chooseTrash() {
   if (!gateAllows()) return;
   const ScreenshotItem item = content_->item;
-  const bool isDeleting = *model_.deletesChosenImmediately;
+  const bool isDeleting = *model_.settings().deletesChosenImmediately;
   if (isDeleting && !confirmDeletion(item)) return;
   model_.disposeItem(item, ErrorScope::popup, AppModel::DisposalReason::chosen);
   if (model_.items().find(item.id)) return;  // refused: the banner says why

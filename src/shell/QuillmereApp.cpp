@@ -28,9 +28,9 @@ QuillmereApp::QuillmereApp(AppModel& model, ThumbnailLoader& thumbnails, SystemE
   // It stays and watches when the last window closes.
   QApplication::setQuitOnLastWindowClosed(false);
   QApplication::setWindowIcon(applicationIcon());
-  menuBarExtra_.setShown(*model_.menuBarEnabled);
+  menuBarExtra_.setShown(*model_.settings().menuBarEnabled);
   changes_ = model_.changed.connect([this](const ModelChange& change) {
-    if (change.field == ModelField::menuBarEnabled) menuBarExtra_.setShown(*model_.menuBarEnabled);
+    if (change.field == ModelField::menuBarEnabled) menuBarExtra_.setShown(*model_.settings().menuBarEnabled);
   });
   QObject::connect(qApp, &QGuiApplication::applicationStateChanged, &observer_, [&systemEvents](auto state) {
     if (state == Qt::ApplicationActive) systemEvents.didBecomeActive();

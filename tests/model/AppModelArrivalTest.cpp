@@ -44,9 +44,9 @@ TEST_F(AppModelArrival, TheRecordIsSavedBeforeItsPopupShows) {
 }
 
 TEST_F(AppModelArrival, TheFolderHasReceivedAScreenshot) {
-  EXPECT_FALSE(*model->watchFolderHasReceivedScreenshot);
+  EXPECT_FALSE(*model->settings().watchFolderHasReceivedScreenshot);
   arrive("shot.png");
-  EXPECT_TRUE(*model->watchFolderHasReceivedScreenshot);
+  EXPECT_TRUE(*model->settings().watchFolderHasReceivedScreenshot);
   EXPECT_EQ(settingsOnDisk()["quillmere.watch-folder-received-screenshot"], QJsonValue(true));
 }
 
@@ -203,7 +203,7 @@ TEST_F(AppModelArrival, FileFromElsewhereIsListedWithItsOwnDateAndAsksNothing) {
 
 TEST_F(AppModelArrival, FileFromElsewhereLeavesTheFolderWithoutAReceivedScreenshot) {
   arriveFromElsewhere("old.png");
-  EXPECT_FALSE(*model->watchFolderHasReceivedScreenshot);
+  EXPECT_FALSE(*model->settings().watchFolderHasReceivedScreenshot);
 }
 
 TEST_F(AppModelArrival, FileFromElsewhereWithNoBirthTimeIsDatedNow) {

@@ -341,7 +341,7 @@ void HistoryPlayer::dismissBanner(const HistoryStep&) {
 
 void HistoryPlayer::switchAutoSave(const HistoryStep&) {
   if (!program_.isRunning()) return;
-  const bool isOn = !*program_.model->popupAutoSaveEnabled;
+  const bool isOn = !*program_.model->settings().popupAutoSaveEnabled;
   say(isOn ? "unanswered popups keep after 3 s" : "unanswered popups stay");
   program_.model->setPopupAutoSaveSeconds(3);
   program_.model->setPopupAutoSaveEnabled(isOn);

@@ -3,6 +3,7 @@
 #include <QtNetwork/QTcpServer>
 
 #include "imaging/ImageAnalysisService.h"
+#include "model/Settings.h"
 #include "platform/ModelServerFixture.h"
 
 namespace quillmere {
@@ -113,7 +114,9 @@ TEST_F(LiveLanguageModelTest, TheUsualPortsAndTheSettingAreThese) {
   UserDefaults defaults(folder.file("settings.json").displayPath());
   defaults.set(QStringLiteral("quillmere.model-address"), QStringLiteral("127.0.0.1:9"));
   ::setenv("OLLAMA_HOST", "127.0.0.1:10", 1);
-  const LiveLanguageModel standard(executor, ModelServerPlaces::standard(defaults), [] { return kNow; });
+  const LiveLanguageModel standard(executor,
+                                   ModelServerPlaces::standard([&] { return Settings::storedModelAddress(defaults); }),
+                                   [] { return kNow; });
   using Address = LocalServerAddress;
   EXPECT_EQ(standard.addresses(), (std::vector{Address::loopback(9), Address::loopback(10), Address::loopback(11434),
                                                Address::loopback(8080)}));

@@ -118,7 +118,7 @@ class CapturePromptViewTest : public testing::ModelFixture {
 TEST_F(CapturePromptViewTest, StartsWithTheFilesNameTheLastDurationAndTheMainButton) {
   EXPECT_EQ(field()->text(), QStringLiteral("Screenshot 1"));
   EXPECT_TRUE(showsText(QStringLiteral(".png")));
-  EXPECT_EQ(picker()->duration(), *model->lastTemporaryDuration);
+  EXPECT_EQ(picker()->duration(), *model->settings().lastTemporaryDuration);
   EXPECT_EQ(QApplication::focusWidget(), button("Temporary"));
   EXPECT_FALSE(isErrorShown());
 }
@@ -420,7 +420,7 @@ TEST_F(CapturePromptViewTest, TheNextScreenshotStartsAnew) {
   QTest::mouseClick(button("Keep"), Qt::LeftButton);
   refresh();
   EXPECT_EQ(field()->text(), QStringLiteral("2"));
-  EXPECT_EQ(picker()->duration(), *model->lastTemporaryDuration);
+  EXPECT_EQ(picker()->duration(), *model->settings().lastTemporaryDuration);
   EXPECT_EQ(QApplication::focusWidget(), button("Temporary"));
   EXPECT_EQ(edit(), (AppModel::PromptNameEdit{second, QStringLiteral("2"), false, false}));
 }
@@ -502,7 +502,7 @@ TEST_F(CapturePromptViewTest, TheDurationCanBeChosenAtOnce) {
   refresh();
   picker()->setDuration(TemporaryDuration::oneHour);
   EXPECT_EQ(picker()->duration(), TemporaryDuration::oneHour);
-  EXPECT_NE(*model->lastTemporaryDuration, TemporaryDuration::oneHour) << "stored with the decision alone";
+  EXPECT_NE(*model->settings().lastTemporaryDuration, TemporaryDuration::oneHour) << "stored with the decision alone";
 }
 
 // --- Copy and Copy Text ---

@@ -5,6 +5,7 @@
 
 #include "foundation/FileStatus.h"
 #include "imaging/ImageFile.h"
+#include "model/Settings.h"
 #include "platform/linux/CloudFiles.h"
 #include "platform/linux/LiveFileIdentity.h"
 #include "platform/linux/ScreenCaptureAttributes.h"
@@ -57,7 +58,8 @@ LiveServices::LiveServices(const ApplicationPaths& paths)
       watchFolderStore(defaults, mounts),
       announcer(executor),
       sharing(executor),
-      languageModel(executor, ModelServerPlaces::standard(defaults), &systemNow),
+      languageModel(executor, ModelServerPlaces::standard([this] { return Settings::storedModelAddress(defaults); }),
+                    &systemNow),
       analyzer(executor, languageModel, &CloudFiles::isDataless),
       monitor(executor, systemEvents, folderEvents, scanServices(), &systemNow) {}
 
