@@ -109,7 +109,7 @@ int main(int argc, char** argv) {
       services.securityScope.setWatchedFolder(*model.watchFolderURL);
     } else if (change.field == ModelField::promptQueue || change.field == ModelField::popupAutoSaveEnabled) {
       // A countdown stands still while the displays are off, which on X11 has to be asked.
-      session.setWatchesScreens(*model.settings().popupAutoSaveEnabled && !model.promptQueue->empty());
+      session.setWatchesScreens(*model.settings().popupAutoSaveEnabled && !model.prompts().queue->empty());
     }
   });
 

@@ -4,6 +4,7 @@ namespace quillmere {
 AppModel::AppModel(AppModelDependencies dependencies)
     : dependencies_(std::move(dependencies)),
       settings_(*dependencies_.defaults, changed),
+      prompts_(dependencies_, items_, *this, changed),
       replacementJournal_(dependencies_.recordStore.fileURL.parent().appending("replacing.json")),
       expirationScheduler_(*dependencies_.executor, *dependencies_.systemEvents, dependencies_.now),
       popupAutoSaveScheduler_(*dependencies_.executor, dependencies_.now),
@@ -73,7 +74,7 @@ void AppModel::finishStart() {
   });
   expirationScheduler_.schedule(expirations);
   isRecovering_ = false;
-  enqueueAllPending();
+  for (const UUID& id : pendingPrompts()) prompts_.enqueue(id);
   if (*settings_.analyzeScreenshots) startMissingAnalysis();
 }
 

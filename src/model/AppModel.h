@@ -16,6 +16,7 @@
 #include "model/FolderAccess.h"
 #include "model/ModelMessages.h"
 #include "model/PopupAutoSaveScheduler.h"
+#include "model/PromptQueue.h"
 #include "model/PromptWindowExtraction.h"
 #include "model/Published.h"
 #include "model/Reconciliation.h"
@@ -32,7 +33,7 @@ namespace quillmere {
 /// All state of Quillmere, and every decision. Main thread only. Views follow the published fields and call the
 /// operations; they decide nothing about files. Each group of operations stands in a file of its own, named in the
 /// comment above it.
-class AppModel : private AnalysisRecords {
+class AppModel : private AnalysisRecords, private PromptStage {
   template <typename T>
   using Field = Published<T, AppModel>;
 
@@ -69,9 +70,6 @@ class AppModel : private AnalysisRecords {
   Field<UUIDMap<DownloadState>> downloadStates{changed, ModelField::downloadStates};
   Field<UUIDSet> analyzingIDs{changed, ModelField::analyzingIDs};
   Field<std::optional<AnalysisError>> intelligenceUnavailability{changed, ModelField::intelligenceUnavailability};
-  Field<std::vector<UUID>> promptQueue{changed, ModelField::promptQueue};
-  Field<int> promptFocusRequest{changed, ModelField::promptFocusRequest, 0};
-  Field<int> promptContentGeneration{changed, ModelField::promptContentGeneration, 0};
   Field<std::optional<PromptWindowExtraction>> promptWindowExtraction{changed, ModelField::promptWindowExtraction};
 
   void setSelectedItemIDs(UUIDSet ids) { selectedItemIDs.set(std::move(ids)); }
@@ -95,19 +93,22 @@ class AppModel : private AnalysisRecords {
   void setIncludesNonCaptureImages(bool includes);
   void setHasSeenWelcome(bool hasSeen) { settings_.hasSeenWelcome.change(hasSeen); }
 
-  // --- Arrival and the decision queue: AppModelArrival.cpp ---
+  // --- Arrival: AppModelArrival.cpp ---
   void record(const FileURL& url, bool arrivedFromElsewhere);
   const RecordIndex& recordIndex();
-  void enqueuePrompt(const UUID& id);
-  void showNextPrompt();
-  /// Takes ids out of the queue; only the head's leaving changes what is on screen.
+
+  // --- The popup's queue: AppModelPrompts.cpp ---
+  const PromptQueue& prompts() const { return prompts_; }
+  /// The screenshot in the popup.
+  const ScreenshotItem* promptedItem() const;
+  void enqueuePrompt(const UUID& id) { prompts_.enqueue(id); }
+  void showNextPrompt() { prompts_.showNext(); }
+  /// Takes ids out of the queue, and ends their time.
   void resolvePrompts(const UUIDSet& ids);
   /// The popup's close button: the record stays pending, and the next screenshot comes up.
   void dismissPrompt();
   /// Gives the popup the keyboard, filling the queue first if it is empty.
-  void reviewPending(bool announcesFocus);
-  /// The screenshot on screen.
-  const ScreenshotItem* headOfQueue() const;
+  void reviewPending(FocusNews news);
 
   // --- Reconciliation: AppModelReconciliation.cpp ---
   struct ReconcileRequest {
@@ -249,10 +250,12 @@ class AppModel : private AnalysisRecords {
 
   // AppModelArrival.cpp
   bool followRename(const FileURL& url, const FileIdentity& identity);
-  void setVisiblePrompt(const std::optional<UUID>& id);
-  void announcePrompt();
-  bool enqueueAllPending();
-  std::optional<UUID> queueHead() const;
+
+  // AppModelPrompts.cpp
+  std::vector<UUID> pendingPrompts() const;
+  void promptIsComing() override { promptError.set(std::nullopt); }
+  void promptIsLeft() override;
+  void showPrompt(const ScreenshotItem& item) override;
 
   // AppModelReconciliation.cpp
   void handleRemoval(const std::vector<FileURL>& urls);
@@ -373,6 +376,7 @@ class AppModel : private AnalysisRecords {
   AppModelDependencies dependencies_;
   Settings settings_;
   ScreenshotList items_;
+  PromptQueue prompts_;
   ScreenshotListWriter listWriter_;
   ReplacementJournal replacementJournal_;
   Task<> sweepTask_;
@@ -391,14 +395,11 @@ class AppModel : private AnalysisRecords {
   std::optional<WatchFolderPaths> watchFolderPaths_;
   std::optional<RecordIndex> recordIndexCache_;
 
-  std::optional<UUID> lastVisiblePromptID_;
   std::optional<PromptNameEdit> promptNameEdit_;
   QImage promptExtractionImage_;    ///< the scanned picture, so that saving reads nothing
   FileStamp promptExtractionFile_;  ///< that it was read from
   int copyCount_ = 0;
   Task<Result<ImageOperations::WindowScan, ImageOperations::OperationError>> promptWindowScan_;
-  bool announcesPromptChangesPolitely_ = false;
-  bool announcesShortcutHint_ = true;
 
   Task<> locationCheckTask_;
   CloudDownloads downloads_;

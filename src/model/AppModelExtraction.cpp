@@ -20,7 +20,7 @@ Task<std::optional<PromptPreviewNotice>> AppModel::runWindowExtraction(Weak<AppM
     co_return std::nullopt;
   }
   if (item.captureKind == CaptureKind::window) co_return self->tell(PromptPreviewNotice::alreadyWindow);
-  if (self->queueHead() != id) co_return std::nullopt;
+  if (self->prompts_.front() != id) co_return std::nullopt;
 
   self->promptWindowExtraction.set(Extraction{id, Extraction::Detecting{}});
   const FileStamp file = self->stampOf(item.url);
@@ -28,7 +28,7 @@ Task<std::optional<PromptPreviewNotice>> AppModel::runWindowExtraction(Weak<AppM
   self->promptWindowScan_ = scan;
   const auto result = co_await scan;
   // The scan's own identity tells whether it is the one that is waited for.
-  if (!self || self->promptWindowScan_ != scan || self->queueHead() != id) co_return std::nullopt;
+  if (!self || self->promptWindowScan_ != scan || self->prompts_.front() != id) co_return std::nullopt;
   if (!result) {
     self->clearPromptWindowExtraction();
     self->show(ErrorScope::popup, localized("Couldn’t Extract Window"), description(result.reason()));

@@ -103,7 +103,7 @@ ReconcileEnvironment AppModel::reconcileEnvironment() {
 
 void AppModel::applyOutcomes(const UUIDMap<ReconcileOutcome>& outcomes, const std::vector<ReconcileInput>& inputs,
                              bool polite, bool dropsUnavailable) {
-  announcesPromptChangesPolitely_ = polite;
+  prompts_.setPriority(polite ? AnnouncementPriority::low : AnnouncementPriority::high);
   UUIDSet unavailable = *unavailableItemIDs;
   UUIDSet evicted = *evictedItemIDs;
   UUIDSet iCloud = *iCloudItemIDs;
@@ -146,7 +146,7 @@ void AppModel::applyOutcomes(const UUIDMap<ReconcileOutcome>& outcomes, const st
     resolvePrompts(lost);
   }
   if (recordsChanged || !gone.empty()) saveNow();
-  announcesPromptChangesPolitely_ = false;
+  prompts_.setPriority(AnnouncementPriority::high);
 }
 
 /// Answers whether the record changed.

@@ -3,14 +3,14 @@
 namespace quillmere {
 
 void AppModel::beginCountdown(const UUID& id) {
-  if (!*settings_.popupAutoSaveEnabled || queueHead() != id) return;
+  if (!*settings_.popupAutoSaveEnabled || prompts_.front() != id) return;
   popupAutoSaveScheduler_.begin(id, *settings_.popupAutoSaveSeconds);
 }
 
 /// The visible popup's time starts over in full.
 void AppModel::restartCountdown() {
   popupAutoSaveScheduler_.reset();
-  if (const auto head = queueHead()) beginCountdown(*head);
+  if (const auto head = prompts_.front()) beginCountdown(*head);
 }
 
 bool AppModel::isPopupPaused(const UUID& id) const {
@@ -19,7 +19,7 @@ bool AppModel::isPopupPaused(const UUID& id) const {
     return true;
   }
   if (isSeekingWindow(id) || isSavingWindow(id)) return true;
-  if (queueHead() != id) return false;
+  if (prompts_.front() != id) return false;
   return dependencies_.promptPresenter->isPointerEngaged() || promptError->has_value();
 }
 

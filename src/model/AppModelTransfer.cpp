@@ -88,7 +88,7 @@ QString AppModel::copyMessage(CopyFailure failure, const QString& name) {
 
 /// The popup shows nothing about a screenshot that it has gone on from.
 ErrorScope AppModel::scopeNow(ErrorScope scope, const UUID& id) const {
-  return scope == ErrorScope::popup && queueHead() != id ? ErrorScope::inbox : scope;
+  return scope == ErrorScope::popup && prompts_.front() != id ? ErrorScope::inbox : scope;
 }
 
 Task<std::optional<PromptPreviewNotice>> AppModel::copyRecognizedText(ScreenshotItem item) {

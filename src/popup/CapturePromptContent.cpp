@@ -16,11 +16,11 @@ constexpr int kMostThumbnailHeight = 230;
 
 std::optional<CapturePromptContent> CapturePromptContent::make(
     const AppModel& model, const std::function<std::optional<QSizeF>(const ScreenshotItem&)>& pixelSize) {
-  const ScreenshotItem* head = model.headOfQueue();
+  const ScreenshotItem* head = model.promptedItem();
   if (!head) return std::nullopt;
   CapturePromptContent content;
   content.item = *head;
-  content.queuedCount = static_cast<int>(model.promptQueue->size()) - 1;
+  content.queuedCount = static_cast<int>(model.prompts().queue->size()) - 1;
   content.showThumbnail = *model.settings().showPopupThumbnail;
   const auto& extraction = *model.promptWindowExtraction;
   if (extraction && extraction->itemID == head->id) content.windowExtraction = extraction->phase;
@@ -31,8 +31,8 @@ std::optional<CapturePromptContent> CapturePromptContent::make(
   }
   content.thumbnailHeight = heightOfThumbnail(content.previewPixelSize);
   content.error = *model.promptError;
-  content.focusRequest = *model.promptFocusRequest;
-  content.contentGeneration = *model.promptContentGeneration;
+  content.focusRequest = *model.prompts().focusRequest;
+  content.contentGeneration = *model.prompts().contentGeneration;
   content.naming = *model.settings().screenshotNaming;
   content.deletesChosen = *model.settings().deletesChosenImmediately;
   content.isEvicted = model.evictedItemIDs->contains(head->id);

@@ -142,7 +142,7 @@ void CapturePromptPanelController::setFrame(const QRect& frame) {
 
 std::optional<CapturePromptContent> CapturePromptPanelController::makeContent() {
   // The next one's size is looked for ahead, so that its card comes up at the right height.
-  const auto& queue = *model_->promptQueue;
+  const auto& queue = *model_->prompts().queue;
   const ScreenshotItem* following = queue.size() > 1 ? model_->items().find(queue[1]) : nullptr;
   if (following) previewSizes_.size(*following);
   return CapturePromptContent::make(*model_, [this](const auto& item) { return previewSizes_.size(item); });

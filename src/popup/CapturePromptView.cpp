@@ -185,7 +185,7 @@ int CapturePromptView::extraHeight() const {
 
 bool CapturePromptView::gateAllows() const {
   // The model may have gone on while the card still shows the last screenshot.
-  return content_ && content_->contentGeneration == *model_.promptContentGeneration &&
+  return content_ && content_->contentGeneration == *model_.prompts().contentGeneration &&
          gate_.allows(services_.executor->instant());
 }
 

@@ -23,8 +23,8 @@ QuillmereApp::QuillmereApp(AppModel& model, ThumbnailLoader& thumbnails, SystemE
     : confirmQuit(&Confirmations::quit),
       model_(model),
       thumbnails_(thumbnails),
-      menuBarExtra_({[this] { openInbox(); }, [this] { model_.reviewPending(false); }, [this] { openSettings(); },
-                     [this] { quit(); }}) {
+      menuBarExtra_({[this] { openInbox(); }, [this] { model_.reviewPending(FocusNews::silent); },
+                     [this] { openSettings(); }, [this] { quit(); }}) {
   // It stays and watches when the last window closes.
   QApplication::setQuitOnLastWindowClosed(false);
   QApplication::setWindowIcon(applicationIcon());
@@ -54,7 +54,7 @@ void QuillmereApp::perform(const QString& action) {
   if (action == QLatin1String("inbox")) {
     openInbox();
   } else if (action == QLatin1String("review")) {
-    model_.reviewPending(false);
+    model_.reviewPending(FocusNews::silent);
   } else if (action == QLatin1String("settings")) {
     openSettings();
   } else if (action == QLatin1String("quit")) {
@@ -93,7 +93,7 @@ bool QuillmereApp::isInboxShown() const {
 
 void QuillmereApp::quit() {
   if (isAskingToQuit_) return;
-  const int waiting = static_cast<int>(model_.promptQueue->size());
+  const int waiting = static_cast<int>(model_.prompts().queue->size());
   if (waiting > 0) {
     isAskingToQuit_ = true;
     const bool confirmed = confirmQuit(waiting);

@@ -299,13 +299,13 @@ TEST_F(AppModelQueue, DecisionInTheInboxOnAWaitingRecordDoesNotChangeThePopup) {
   const UUID second = arrive("second.png");
   const UUID third = arrive("third.png");
   announcer.said.clear();
-  const int generation = *model->promptContentGeneration;
+  const int generation = *model->prompts().contentGeneration;
   model->keepBatch({second});
   EXPECT_THAT(queue(), ElementsAre(first, third));
   EXPECT_THAT(presenter.presented, ElementsAre(first));
   EXPECT_EQ(presenter.visible, first);
   EXPECT_THAT(announcer.said, IsEmpty());
-  EXPECT_EQ(*model->promptContentGeneration, generation);
+  EXPECT_EQ(*model->prompts().contentGeneration, generation);
 }
 
 TEST_F(AppModelQueue, ResolvingTheHeadAndOthersShowsTheNextThatIsLeft) {
@@ -319,11 +319,11 @@ TEST_F(AppModelQueue, ResolvingTheHeadAndOthersShowsTheNextThatIsLeft) {
 
 TEST_F(AppModelQueue, DrainedQueueHidesThePopup) {
   const UUID id = arrive("first.png");
-  const int generation = *model->promptContentGeneration;
+  const int generation = *model->prompts().contentGeneration;
   model->keepPrompt(id).detach();
   EXPECT_EQ(presenter.visible, std::nullopt);
   EXPECT_EQ(presenter.hides, 1);
-  EXPECT_EQ(*model->promptContentGeneration, generation + 1);
+  EXPECT_EQ(*model->prompts().contentGeneration, generation + 1);
 }
 
 TEST_F(AppModelQueue, DismissedScreenshotStaysPendingAndTheNextComesUp) {
@@ -386,21 +386,21 @@ TEST_F(AppModelQueue, AWaitingArrivalLeavesTheErrorOfTheVisibleScreenshot) {
 TEST_F(AppModelQueue, AChangeOfTheVisibleScreenshotForgetsTheNameField) {
   const UUID first = arrive("first.png");
   model->setPromptNameEdit(AppModel::PromptNameEdit{first, "typed", true, true});
-  const int generation = *model->promptContentGeneration;
+  const int generation = *model->prompts().contentGeneration;
   arrive("second.png");
   EXPECT_TRUE(model->promptNameEdit());
-  EXPECT_EQ(*model->promptContentGeneration, generation);
+  EXPECT_EQ(*model->prompts().contentGeneration, generation);
   model->dismissPrompt();
   EXPECT_FALSE(model->promptNameEdit());
-  EXPECT_EQ(*model->promptContentGeneration, generation + 1);
+  EXPECT_EQ(*model->prompts().contentGeneration, generation + 1);
 }
 
 TEST_F(AppModelQueue, ShowingTheSameScreenshotAgainIsNoChangeOfContent) {
   const UUID first = arrive("first.png");
   model->setPromptNameEdit(AppModel::PromptNameEdit{first, "typed", true, true});
-  const int generation = *model->promptContentGeneration;
+  const int generation = *model->prompts().contentGeneration;
   model->showNextPrompt();
-  EXPECT_EQ(*model->promptContentGeneration, generation);
+  EXPECT_EQ(*model->prompts().contentGeneration, generation);
   EXPECT_TRUE(model->promptNameEdit());
 }
 
@@ -420,12 +420,12 @@ TEST_F(AppModelReview, EmptyQueueWithTwoPendingRecordsShowsTheOlderWithoutAnnoun
   model->dismissPrompt();
   announcer.said.clear();
   presenter.presented.clear();
-  const int request = *model->promptFocusRequest;
-  model->reviewPending(true);
+  const int request = *model->prompts().focusRequest;
+  model->reviewPending(FocusNews::announced);
   EXPECT_THAT(queue(), ElementsAre(older, newer));
   EXPECT_THAT(presenter.presented, ElementsAre(older));
   EXPECT_EQ(presenter.focuses, 1);
-  EXPECT_EQ(*model->promptFocusRequest, request + 1);
+  EXPECT_EQ(*model->prompts().focusRequest, request + 1);
   EXPECT_THAT(announcer.said, ElementsAre(Announcement{"Screenshot ready for a decision.", kHigh}))
       << "neither the focus nor the shortcut that was just used is told";
 }
@@ -434,7 +434,7 @@ TEST_F(AppModelReview, TheShortcutIsToldAgainAfterwards) {
   spokenShortcut = "Control Option S";
   arrive("older.png");
   model->dismissPrompt();
-  model->reviewPending(false);
+  model->reviewPending(FocusNews::silent);
   announcer.said.clear();
   arrive("newer.png");
   model->dismissPrompt();
@@ -444,21 +444,21 @@ TEST_F(AppModelReview, TheShortcutIsToldAgainAfterwards) {
 TEST_F(AppModelReview, NothingPendingIsAnnounced) {
   arrivePermanent("kept.png");
   announcer.said.clear();
-  model->reviewPending(true);
+  model->reviewPending(FocusNews::announced);
   EXPECT_THAT(announcer.said, ElementsAre(Announcement{"No screenshots are waiting for a decision.", kHigh}));
   EXPECT_EQ(presenter.focuses, 0);
-  EXPECT_EQ(*model->promptFocusRequest, 0);
+  EXPECT_EQ(*model->prompts().focusRequest, 0);
 }
 
 TEST_F(AppModelReview, VisiblePopupIsFocusedAndSaysSoOnlyWhenAsked) {
   const UUID id = arrive("shot.png");
   announcer.said.clear();
-  model->reviewPending(false);
+  model->reviewPending(FocusNews::silent);
   EXPECT_THAT(announcer.said, IsEmpty());
-  model->reviewPending(true);
+  model->reviewPending(FocusNews::announced);
   EXPECT_THAT(announcer.said, ElementsAre(Announcement{"Screenshot popup focused", kLow}));
   EXPECT_EQ(presenter.focuses, 2);
-  EXPECT_EQ(*model->promptFocusRequest, 2);
+  EXPECT_EQ(*model->prompts().focusRequest, 2);
   EXPECT_THAT(presenter.presented, ElementsAre(id));
 }
 
@@ -466,7 +466,7 @@ TEST_F(AppModelReview, AVisiblePopupIsNotJoinedByDismissedOnes) {
   arrive("dismissed.png");
   model->dismissPrompt();
   const UUID visible = arrive("visible.png");
-  model->reviewPending(false);
+  model->reviewPending(FocusNews::silent);
   EXPECT_THAT(queue(), ElementsAre(visible));
 }
 
@@ -475,7 +475,7 @@ TEST_F(AppModelReview, UnavailableRecordsAreNotReviewed) {
   model->dismissPrompt();
   makeUnavailable(id);
   announcer.said.clear();
-  model->reviewPending(false);
+  model->reviewPending(FocusNews::silent);
   EXPECT_TRUE(announcer.hasSaid("No screenshots are waiting for a decision."));
   EXPECT_THAT(queue(), IsEmpty());
 }

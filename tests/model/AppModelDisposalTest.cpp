@@ -171,7 +171,7 @@ TEST_F(AppModelDisposal, TheErrorShowsWhereThePersonActed) {
 TEST_F(AppModelDisposal, AScreenshotWhoseDisposalFailedStaysInThePopupWithTheError) {
   const UUID id = arrive("shot.png");
   files.refuse(item(id).url);
-  model->disposeItem(*model->headOfQueue(), ErrorScope::popup, Reason::chosen);
+  model->disposeItem(*model->promptedItem(), ErrorScope::popup, Reason::chosen);
   EXPECT_THAT(queue(), ElementsAre(id));
   EXPECT_EQ(presenter.visible, id);
   EXPECT_EQ(stateOf(id), State::pending);
@@ -181,7 +181,7 @@ TEST_F(AppModelDisposal, AScreenshotWhoseDisposalFailedStaysInThePopupWithTheErr
 TEST_F(AppModelDisposal, DisposingOfTheVisibleScreenshotShowsTheNext) {
   arrive("first.png");
   const UUID second = arrive("second.png");
-  model->disposeItem(*model->headOfQueue(), ErrorScope::popup, Reason::chosen);
+  model->disposeItem(*model->promptedItem(), ErrorScope::popup, Reason::chosen);
   EXPECT_EQ(presenter.visible, second);
   EXPECT_EQ(model->items().size(), 1u);
 }

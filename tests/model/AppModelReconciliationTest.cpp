@@ -335,7 +335,7 @@ TEST_F(AppModelReconciliation, AScreenshotOfAnEjectedDiskReturnsByTheReview) {
   connectDisk();
   report(WatcherStatus::watching);
   EXPECT_THAT(queue(), IsEmpty());
-  model->reviewPending(false);
+  model->reviewPending(FocusNews::silent);
   EXPECT_THAT(queue(), ElementsAre(id));
 }
 

@@ -65,7 +65,7 @@ class ExtractionInAnyOrder : public ModelFixture {
     }
   }
   void step() {
-    const auto head = model->promptQueue->empty() ? std::nullopt : std::optional(model->promptQueue->front());
+    const auto head = model->prompts().queue->empty() ? std::nullopt : std::optional(model->prompts().queue->front());
     switch (below(15)) {
       case 0:
       case 1:
@@ -114,7 +114,7 @@ class ExtractionInAnyOrder : public ModelFixture {
   void expectExtractionIsOfTheHead() const {
     const auto& extraction = *model->promptWindowExtraction;
     if (extraction) {
-      EXPECT_EQ(extraction->itemID, model->promptQueue->front());
+      EXPECT_EQ(extraction->itemID, model->prompts().queue->front());
     }
   }
   std::multiset<std::string> bytesIn(const FileURL& folder) const {

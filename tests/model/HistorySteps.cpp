@@ -299,7 +299,7 @@ void HistoryPlayer::trashBatch(const HistoryStep& step) {
 }
 
 void HistoryPlayer::closePopup(const HistoryStep&) {
-  if (!program_.isRunning() || program_.model->promptQueue->empty()) return;
+  if (!program_.isRunning() || program_.model->prompts().queue->empty()) return;
   say("the person closes the popup");
   program_.model->dismissPrompt();
 }
@@ -307,7 +307,7 @@ void HistoryPlayer::closePopup(const HistoryStep&) {
 void HistoryPlayer::review(const HistoryStep&) {
   if (!program_.isRunning()) return;
   say("the person asks for the review");
-  program_.model->reviewPending(false);
+  program_.model->reviewPending(FocusNews::silent);
 }
 
 void HistoryPlayer::renameInProgram(const HistoryStep& step) {

@@ -230,7 +230,7 @@ class ModelFixture : public ::testing::Test {
   }
   bool hasRecord(const UUID& id) const { return model->items().find(id) != nullptr; }
   State stateOf(const UUID& id) const { return item(id).state; }
-  const std::vector<UUID>& queue() const { return *model->promptQueue; }
+  const std::vector<UUID>& queue() const { return *model->prompts().queue; }
   /// The records as they stand on the disk.
   std::vector<ScreenshotItem> savedRecords() const {
     return fileExists(listFile) ? ScreenshotRecordStore{listFile}.load(now()).items : std::vector<ScreenshotItem>();

@@ -105,7 +105,7 @@ class Scene final : public testing::ModelFixture {
     }
   }
   void extract(bool isFound) {
-    const UUID id = model->promptQueue->front();
+    const UUID id = model->prompts().queue->front();
     model->setPromptWindowExtraction(item(id), true).detach();
     const QImage picture = paintedDesktop(kCapture, 7);
     const auto window = ImageOperations::primaryWindow(ImageOperations::detectWindows(picture, std::nullopt));

@@ -328,7 +328,7 @@ TEST_F(CapturePromptViewTest, TabGoesThroughEveryControlAndBackToTheFirst) {
 
 TEST_F(CapturePromptViewTest, ARequestForTheKeyboardPutsItOnTheMainButton) {
   field()->setFocus();
-  model->reviewPending(false);
+  model->reviewPending(FocusNews::silent);
   refresh();
   EXPECT_EQ(QApplication::focusWidget(), button("Temporary"));
 }
