@@ -13,6 +13,7 @@
 #include "model/AppModelDependencies.h"
 #include "model/CloudDownloads.h"
 #include "model/ExpirationScheduler.h"
+#include "model/ExpiryRetries.h"
 #include "model/FolderAccess.h"
 #include "model/ModelMessages.h"
 #include "model/PopupAutoSaveScheduler.h"
@@ -275,7 +276,6 @@ class AppModel : private AnalysisRecords, private PromptStage {
   bool isUndecided(const UUID& id) const;
   void makeTemporary(size_t index, TemporaryDuration duration, Date moment);
   void keepItem(size_t index);
-  void refreshExpirationBanner();
 
   // AppModelTimeout.cpp
   void beginCountdown(const UUID& id);
@@ -372,6 +372,7 @@ class AppModel : private AnalysisRecords, private PromptStage {
   void retryUnreachable(const UUID& id);
   void recordExpirationFailure(const UUID& id);
   void forget(const UUID& id);
+  void refreshExpirationBanner();
 
   AppModelDependencies dependencies_;
   Settings settings_;
@@ -409,9 +410,8 @@ class AppModel : private AnalysisRecords, private PromptStage {
   UUIDSet arrivedDuringRun_;  ///< records under whose path a file came while a run was looking
 
   UUIDMap<int> protectedItems_;
-  UUIDMap<int> expirationFailures_;  ///< failed Trash attempts
+  ExpiryRetries expiryRetries_{dependencies_.unavailableRetryDelay};
   bool expiryChangedRecords_ = false;
-  UUIDMap<int> unreachableExpirations_;  ///< attempts made while the file could not be reached
 
   AnalysisPipeline analysis_;
 

@@ -57,8 +57,7 @@ void AppModel::keepItem(size_t index) {
   });
   const UUID id = items_[index].id;
   expirationScheduler_.cancel(id);
-  unreachableExpirations_.erase(id);
-  if (expirationFailures_.erase(id) > 0) refreshExpirationBanner();
+  if (expiryRetries_.forget(id)) refreshExpirationBanner();
 }
 
 Task<> AppModel::keepPrompt(UUID id, std::optional<QString> name) {
@@ -89,16 +88,6 @@ void AppModel::keepBatch(const std::vector<UUID>& ids) {
   if (kept.empty()) return;
   resolvePrompts(kept);
   saveNow();
-}
-
-void AppModel::refreshExpirationBanner() {
-  using Kind = BackgroundIssue::Kind;
-  if (!expirationFailures_.empty()) {
-    const int count = static_cast<int>(expirationFailures_.size());
-    backgroundIssue.set(BackgroundIssue{Kind::expiredScreenshotsNotTrashed, count});
-  } else if (*backgroundIssue && (*backgroundIssue)->kind == Kind::expiredScreenshotsNotTrashed) {
-    backgroundIssue.set(std::nullopt);
-  }
 }
 
 void AppModel::unprotect(const UUID& id) {

@@ -138,8 +138,7 @@ void AppModel::removeRecords(const UUIDSet& ids) {
     cancelAnalysis(id);
     access_.closeItem(id);
     endDownload(id);
-    unreachableExpirations_.erase(id);
-    failureWent = expirationFailures_.erase(id) > 0 || failureWent;
+    failureWent = expiryRetries_.forget(id) || failureWent;
     protectedItems_.erase(id);
     if (const ScreenshotItem* item = items_.find(id)) forgetInIndex(*item);
   }
