@@ -9,6 +9,7 @@ AppModel::AppModel(AppModelDependencies dependencies)
       expirationScheduler_(*dependencies_.executor, *dependencies_.systemEvents, dependencies_.now),
       popupAutoSaveScheduler_(*dependencies_.executor, dependencies_.now),
       access_(*dependencies_.securityScope),
+      reconciliations_(*dependencies_.executor, *this),
       downloads_(dependencies_,
                  [this](const UUID& id, std::optional<DownloadState> state) {
                    setDownloadState(id, state);
@@ -27,7 +28,6 @@ AppModel::~AppModel() {
   saveTask_.cancel();
   locationCheckTask_.cancel();
   itemAccessTask_.cancel();
-  reconcileTask_.cancel();
   // The monitor outlives the model and must not call it any more.
   dependencies_.monitor->onScreenshot = nullptr;
   dependencies_.monitor->onArrivedScreenshot = nullptr;

@@ -20,7 +20,7 @@
 #include "model/PromptQueue.h"
 #include "model/PromptWindowExtraction.h"
 #include "model/Published.h"
-#include "model/Reconciliation.h"
+#include "model/ReconciliationRuns.h"
 #include "model/RecordIndex.h"
 #include "model/ScreenshotFolderMatch.h"
 #include "model/Settings.h"
@@ -34,7 +34,7 @@ namespace quillmere {
 /// All state of Quillmere, and every decision. Main thread only. Views follow the published fields and call the
 /// operations; they decide nothing about files. Each group of operations stands in a file of its own, named in the
 /// comment above it.
-class AppModel : private AnalysisRecords, private PromptStage {
+class AppModel : private AnalysisRecords, private PromptStage, private ReconciledRecords {
   template <typename T>
   using Field = Published<T, AppModel>;
 
@@ -112,14 +112,8 @@ class AppModel : private AnalysisRecords, private PromptStage {
   void reviewPending(FocusNews news);
 
   // --- Reconciliation: AppModelReconciliation.cpp ---
-  struct ReconcileRequest {
-    std::optional<UUIDSet> ids;  ///< none: every record
-    bool polite = false;
-    bool dropsUnavailableFromQueue = false;
-    std::vector<std::function<void()>> completions;
-  };
-  void reconcile(ReconcileRequest request);
-  bool isReconciling() const { return static_cast<bool>(reconcileTask_); }
+  void reconcile(ReconcileRequest request) { reconciliations_.request(std::move(request)); }
+  bool isReconciling() const { return reconciliations_.isRunning(); }
 
   // --- Decisions: AppModelDecisions.cpp ---
   /// Both decide at once, unless an extracted window must take the screenshot's place first; where that fails nothing
@@ -261,11 +255,8 @@ class AppModel : private AnalysisRecords, private PromptStage {
   // AppModelReconciliation.cpp
   void handleRemoval(const std::vector<FileURL>& urls);
   void handleStatus(WatcherStatus status);
-  static Task<> runReconciliation(Weak<AppModel> self, ReconcileRequest request);
-  std::vector<ReconcileInput> reconcileInputs(const std::optional<UUIDSet>& ids) const;
-  ReconcileEnvironment reconcileEnvironment();
-  void applyOutcomes(const UUIDMap<ReconcileOutcome>& outcomes, const std::vector<ReconcileInput>& inputs, bool polite,
-                     bool dropsUnavailable);
+  ReconcileRun prepareRun(const std::optional<UUIDSet>& ids) override;
+  void applyRun(const ReconcileRun& run, const ReconcileRequest& request) override;
   bool applyPresent(size_t index, const FilePresent& present);
   void updateLocation(size_t index, const FileURL& url, const std::optional<FileURL>& scopedURL);
   std::optional<FileURL> relocateByBookmark(size_t index);
@@ -392,6 +383,7 @@ class AppModel : private AnalysisRecords, private PromptStage {
   ExpirationScheduler expirationScheduler_;
   PopupAutoSaveScheduler popupAutoSaveScheduler_;
   FolderAccess access_;
+  ReconciliationRuns reconciliations_;
   Task<> itemAccessTask_;
   std::optional<WatchFolderPaths> watchFolderPaths_;
   std::optional<RecordIndex> recordIndexCache_;
@@ -404,10 +396,6 @@ class AppModel : private AnalysisRecords, private PromptStage {
 
   Task<> locationCheckTask_;
   CloudDownloads downloads_;
-
-  Task<> reconcileTask_;
-  std::optional<ReconcileRequest> queuedReconcile_;
-  UUIDSet arrivedDuringRun_;  ///< records under whose path a file came while a run was looking
 
   UUIDMap<int> protectedItems_;
   ExpiryRetries expiryRetries_{dependencies_.unavailableRetryDelay};

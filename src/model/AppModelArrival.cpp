@@ -6,7 +6,7 @@ namespace quillmere {
 void AppModel::record(const FileURL& url, bool arrivedFromElsewhere) {
   if (const auto known = recordIndex().atPath(pathKeyOf(url))) {
     // A run that found the old file gone before this one came must not take the record away.
-    if (reconcileTask_) arrivedDuringRun_.insert(*known);
+    reconciliations_.noteArrival(*known);
     return;
   }
   const auto identity = dependencies_.fileIdentity(url);

@@ -143,7 +143,7 @@ void AppModel::finishReplacement(size_t index) {
     item.captureKind.reset();
   });
   // A look at the files that is under way saw the old one.
-  if (reconcileTask_) arrivedDuringRun_.insert(id);
+  reconciliations_.noteArrival(id);
   dependencies_.monitor->noteKnown(url);
   refreshBookmark(index, std::nullopt);
   refreshItemAccess(index, std::nullopt);

@@ -398,7 +398,7 @@ void HistoryPlayer::comeToFront(const HistoryStep&) {
 
 void HistoryPlayer::reconcile(const HistoryStep& step) {
   if (!program_.isRunning()) return;
-  AppModel::ReconcileRequest request;
+  ReconcileRequest request;
   if (step.how % 2 == 0) {
     request.ids.emplace();
     for (const ScreenshotItem& item : pickRecords(step)) request.ids->insert(item.id);
