@@ -16,6 +16,7 @@
 #include "model/ExpiryRetries.h"
 #include "model/FolderAccess.h"
 #include "model/ModelMessages.h"
+#include "model/PictureTransfers.h"
 #include "model/PopupAutoSaveScheduler.h"
 #include "model/PromptQueue.h"
 #include "model/PromptWindowExtraction.h"
@@ -34,7 +35,7 @@ namespace quillmere {
 /// All state of Quillmere, and every decision. Main thread only. Views follow the published fields and call the
 /// operations; they decide nothing about files. Each group of operations stands in a file of its own, named in the
 /// comment above it.
-class AppModel : private AnalysisRecords, private PromptStage, private ReconciledRecords {
+class AppModel : private AnalysisRecords, private PromptStage, private ReconciledRecords, private TransferSource {
   template <typename T>
   using Field = Published<T, AppModel>;
 
@@ -186,11 +187,13 @@ class AppModel : private AnalysisRecords, private PromptStage, private Reconcile
 
   // --- Copy, drag and share: AppModelTransfer.cpp ---
   /// Puts the picture, or the extracted window, on the clipboard. A failure is shown in `scope`.
-  Task<> copy(ScreenshotItem item, ErrorScope scope);
+  Task<> copy(ScreenshotItem item, ErrorScope scope) { return transfers_.copy(std::move(item), scope); }
   /// Puts the text in the screenshot on the clipboard; gives what the popup is to tell.
   Task<std::optional<PromptPreviewNotice>> copyRecognizedText(ScreenshotItem item);
   /// The file, or a copy of it under another name, or the extracted window. Nothing when that failed, which is shown.
-  Task<std::optional<PreparedTransfer>> prepareTransfer(ScreenshotItem item, std::optional<QString> name);
+  Task<std::optional<PreparedTransfer>> prepareTransfer(ScreenshotItem item, std::optional<QString> name) {
+    return transfers_.prepare(std::move(item), std::move(name));
+  }
 
   // --- Analysis: AppModelAnalysis.cpp ---
   /// Describes the screenshot anew or for the first time, unless that is being done.
@@ -248,6 +251,8 @@ class AppModel : private AnalysisRecords, private PromptStage, private Reconcile
 
   // AppModelPrompts.cpp
   std::vector<UUID> pendingPrompts() const;
+  /// The popup shows nothing about a screenshot that it has gone on from.
+  ErrorScope scopeNow(ErrorScope scope, const UUID& id) const;
   void promptIsComing() override { promptError.set(std::nullopt); }
   void promptIsLeft() override;
   void showPrompt(const ScreenshotItem& item) override;
@@ -297,29 +302,19 @@ class AppModel : private AnalysisRecords, private PromptStage, private Reconcile
   UUID addDerived(const FileURL& url, const UUID& source);
 
   // AppModelExtraction.cpp
-  struct ExtractedWindow {
-    QImage image;
-    QRectF crop;
-  };
   static Task<std::optional<PromptPreviewNotice>> runWindowExtraction(Weak<AppModel> self, ScreenshotItem item,
                                                                       bool enabled);
   static Task<std::optional<QString>> runWindowSaving(Weak<AppModel> self, UUID id);
   static Task<bool> runPromptCommit(Weak<AppModel> self, UUID id);
-  std::optional<ExtractedWindow> extractedWindow(const UUID& id) const;
+  std::optional<PromptPreviewTransfer::Crop> extractedWindow(const UUID& id) const override;
   bool isSeekingWindow(const UUID& id) const;
   bool isSavingWindow(const UUID& id) const;
   PromptPreviewNotice tell(PromptPreviewNotice notice) const;
 
   // AppModelTransfer.cpp
-  enum class CopyFailure { unavailable, evicted, unreadable };
-  static QString copyMessage(CopyFailure failure, const QString& name);
-  std::function<Result<ScreenshotPasteboardItem, CopyFailure>()> reading(const PromptPreviewTransfer& transfer) const;
-  PromptPreviewTransfer transfer(const ScreenshotItem& item, const std::optional<QString>& name) const;
-  static Task<> runCopy(Weak<AppModel> self, ScreenshotItem item, ErrorScope scope);
+  std::optional<CopyFailure> knownObstacle(const UUID& id) const override;
+  void showTransferFailure(ErrorScope scope, const UUID& id, const QString& title, const QString& message) override;
   static Task<std::optional<PromptPreviewNotice>> runTextCopy(Weak<AppModel> self, ScreenshotItem item);
-  static Task<std::optional<PreparedTransfer>> runTransfer(Weak<AppModel> self, ScreenshotItem item,
-                                                           std::optional<QString> name);
-  ErrorScope scopeNow(ErrorScope scope, const UUID& id) const;
 
   // AppModelAnalysis.cpp
   void startMissingAnalysis();
@@ -391,11 +386,11 @@ class AppModel : private AnalysisRecords, private PromptStage, private Reconcile
   std::optional<PromptNameEdit> promptNameEdit_;
   QImage promptExtractionImage_;    ///< the scanned picture, so that saving reads nothing
   FileStamp promptExtractionFile_;  ///< that it was read from
-  int copyCount_ = 0;
   Task<Result<ImageOperations::WindowScan, ImageOperations::OperationError>> promptWindowScan_;
 
   Task<> locationCheckTask_;
   CloudDownloads downloads_;
+  PictureTransfers transfers_{dependencies_, items_, *this};
 
   UUIDMap<int> protectedItems_;
   ExpiryRetries expiryRetries_{dependencies_.unavailableRetryDelay};

@@ -61,13 +61,13 @@ PromptPreviewNotice AppModel::tell(PromptPreviewNotice notice) const {
   return notice;
 }
 
-std::optional<AppModel::ExtractedWindow> AppModel::extractedWindow(const UUID& id) const {
+std::optional<PromptPreviewTransfer::Crop> AppModel::extractedWindow(const UUID& id) const {
   const auto& extraction = *promptWindowExtraction;
   if (!extraction || extraction->itemID != id || promptExtractionImage_.isNull()) return std::nullopt;
   // A file that is not here can't be replaced, and its popup offers no way to turn this off.
   if (unavailableItemIDs->contains(id) || evictedItemIDs->contains(id)) return std::nullopt;
   const auto part = Extraction::shownPart(extraction->phase);
-  return part ? std::optional(ExtractedWindow{promptExtractionImage_, *part}) : std::nullopt;
+  return part ? std::optional(PromptPreviewTransfer::Crop{promptExtractionImage_, *part}) : std::nullopt;
 }
 
 bool AppModel::isSeekingWindow(const UUID& id) const {
@@ -90,13 +90,13 @@ Task<std::optional<QString>> AppModel::runWindowSaving(Weak<AppModel> self, UUID
   const auto window = self->extractedWindow(id);
   const ScreenshotItem* item = self->items_.find(id);
   if (!window || !item) co_return std::nullopt;
-  self->promptWindowExtraction.set(Extraction{id, Extraction::Saving{window->crop}});
-  const auto replacing = self->replaceOriginal(id, window->image, window->crop, self->promptExtractionFile_);
+  self->promptWindowExtraction.set(Extraction{id, Extraction::Saving{window->rect}});
+  const auto replacing = self->replaceOriginal(id, window->image, window->rect, self->promptExtractionFile_);
   const auto reason = co_await replacing;
   if (!self || !self->isSavingWindow(id)) co_return reason;
   // To be tried again, as long as the preview shows it.
   if (reason && *self->settings_.showPopupThumbnail) {
-    self->promptWindowExtraction.set(Extraction{id, Extraction::Extracted{window->crop}});
+    self->promptWindowExtraction.set(Extraction{id, Extraction::Extracted{window->rect}});
   } else {
     self->clearPromptWindowExtraction();
   }

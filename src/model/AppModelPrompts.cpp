@@ -23,6 +23,10 @@ std::vector<UUID> AppModel::pendingPrompts() const {
   return ids;
 }
 
+ErrorScope AppModel::scopeNow(ErrorScope scope, const UUID& id) const {
+  return scope == ErrorScope::popup && prompts_.front() != id ? ErrorScope::inbox : scope;
+}
+
 void AppModel::resolvePrompts(const UUIDSet& ids) {
   for (const UUID& id : ids) popupAutoSaveScheduler_.drop(id);
   prompts_.resolve(ids);
