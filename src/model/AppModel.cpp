@@ -5,6 +5,7 @@ AppModel::AppModel(AppModelDependencies dependencies)
     : dependencies_(std::move(dependencies)),
       settings_(*dependencies_.defaults, changed),
       prompts_(dependencies_, items_, *this, changed),
+      extraction_(dependencies_, prompts_, changed),
       replacementJournal_(dependencies_.recordStore.fileURL.parent().appending("replacing.json")),
       expirationScheduler_(*dependencies_.executor, *dependencies_.systemEvents, dependencies_.now),
       popupAutoSaveScheduler_(*dependencies_.executor, dependencies_.now),

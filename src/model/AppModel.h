@@ -19,12 +19,12 @@
 #include "model/PictureTransfers.h"
 #include "model/PopupAutoSaveScheduler.h"
 #include "model/PromptQueue.h"
-#include "model/PromptWindowExtraction.h"
 #include "model/Published.h"
 #include "model/ReconciliationRuns.h"
 #include "model/RecordIndex.h"
 #include "model/ScreenshotFolderMatch.h"
 #include "model/Settings.h"
+#include "model/WindowExtractionRun.h"
 #include "records/ReplacementJournal.h"
 #include "records/ScreenshotList.h"
 #include "records/ScreenshotListWriter.h"
@@ -72,7 +72,6 @@ class AppModel : private AnalysisRecords, private PromptStage, private Reconcile
   Field<UUIDMap<DownloadState>> downloadStates{changed, ModelField::downloadStates};
   Field<UUIDSet> analyzingIDs{changed, ModelField::analyzingIDs};
   Field<std::optional<AnalysisError>> intelligenceUnavailability{changed, ModelField::intelligenceUnavailability};
-  Field<std::optional<PromptWindowExtraction>> promptWindowExtraction{changed, ModelField::promptWindowExtraction};
 
   void setSelectedItemIDs(UUIDSet ids) { selectedItemIDs.set(std::move(ids)); }
   void show(ErrorScope scope, const QString& title, const QString& message);
@@ -161,13 +160,7 @@ class AppModel : private AnalysisRecords, private PromptStage, private Reconcile
   void move(const UUID& id, const FileURL& destination);
 
   // --- Crops: AppModelReplacing.cpp ---
-  /// What tells whether a file is still the one that was read.
-  struct FileStamp {
-    std::optional<FileIdentity> identity;
-    Date modified;
-    bool operator==(const FileStamp&) const = default;
-  };
-  FileStamp stampOf(const FileURL& url) const;
+  FileStamp stampOf(const FileURL& url) const { return fileStamp(url, dependencies_.fileIdentity); }
   /// Puts the part of `image` inside `rect` in the place of the record's file, which goes to Trash; not if that is no
   /// longer the file that the picture was `readFrom`, or as it is now. Gives why it failed, in words; nothing has
   /// changed then.
@@ -177,9 +170,9 @@ class AppModel : private AnalysisRecords, private PromptStage, private Reconcile
   Task<Result<UUID, QString>> saveAsNew(UUID id, QImage image, QRectF rect);
 
   // --- Extract Window: AppModelExtraction.cpp ---
+  const WindowExtractionRun& windowExtraction() const { return extraction_; }
   /// Turns it on or off for the screenshot in the popup; gives what the popup is to tell.
   Task<std::optional<PromptPreviewNotice>> setPromptWindowExtraction(ScreenshotItem item, bool enabled);
-  void clearPromptWindowExtraction();
   /// Puts the extracted window in the screenshot's place, if there is one. Gives why it failed, in words.
   Task<std::optional<QString>> saveExtractedWindow(UUID id);
   /// The same before a decision; false when the decision must not be made, which is shown.
@@ -307,8 +300,6 @@ class AppModel : private AnalysisRecords, private PromptStage, private Reconcile
   static Task<std::optional<QString>> runWindowSaving(Weak<AppModel> self, UUID id);
   static Task<bool> runPromptCommit(Weak<AppModel> self, UUID id);
   std::optional<PromptPreviewTransfer::Crop> extractedWindow(const UUID& id) const override;
-  bool isSeekingWindow(const UUID& id) const;
-  bool isSavingWindow(const UUID& id) const;
   PromptPreviewNotice tell(PromptPreviewNotice notice) const;
 
   // AppModelTransfer.cpp
@@ -364,6 +355,7 @@ class AppModel : private AnalysisRecords, private PromptStage, private Reconcile
   Settings settings_;
   ScreenshotList items_;
   PromptQueue prompts_;
+  WindowExtractionRun extraction_;
   ScreenshotListWriter listWriter_;
   ReplacementJournal replacementJournal_;
   Task<> sweepTask_;
@@ -384,9 +376,6 @@ class AppModel : private AnalysisRecords, private PromptStage, private Reconcile
   std::optional<RecordIndex> recordIndexCache_;
 
   std::optional<PromptNameEdit> promptNameEdit_;
-  QImage promptExtractionImage_;    ///< the scanned picture, so that saving reads nothing
-  FileStamp promptExtractionFile_;  ///< that it was read from
-  Task<Result<ImageOperations::WindowScan, ImageOperations::OperationError>> promptWindowScan_;
 
   Task<> locationCheckTask_;
   CloudDownloads downloads_;

@@ -30,7 +30,7 @@ void AppModel::markTemporaryBatch(const std::vector<UUID>& ids, TemporaryDuratio
   for (const UUID& id : ids) {
     const ScreenshotItem* item = items_.find(id);
     // The decision that is being carried out in the popup came first.
-    if (!item || isSavingWindow(id) || unavailableItemIDs->contains(id)) continue;
+    if (!item || extraction_.isSaving(id) || unavailableItemIDs->contains(id)) continue;
     if (item->state == ScreenshotItem::State::pending) decided.insert(id);
   }
   if (decided.empty()) return;
@@ -80,7 +80,7 @@ void AppModel::keepBatch(const std::vector<UUID>& ids) {
   UUIDSet kept;
   for (const UUID& id : ids) {
     const auto index = items_.indexOf(id);
-    if (!index || isSavingWindow(id) || unavailableItemIDs->contains(id)) continue;
+    if (!index || extraction_.isSaving(id) || unavailableItemIDs->contains(id)) continue;
     if (items_[*index].state == ScreenshotItem::State::permanent) continue;
     keepItem(*index);
     kept.insert(id);

@@ -35,7 +35,7 @@ void AppModel::resolvePrompts(const UUIDSet& ids) {
 void AppModel::dismissPrompt() {
   const auto front = prompts_.front();
   // A decision that is being carried out can't be waved away any more.
-  if (front && !isSavingWindow(*front)) resolvePrompts({*front});
+  if (front && !extraction_.isSaving(*front)) resolvePrompts({*front});
 }
 
 void AppModel::reviewPending(FocusNews news) {
@@ -44,7 +44,7 @@ void AppModel::reviewPending(FocusNews news) {
 
 void AppModel::promptIsLeft() {
   promptNameEdit_.reset();
-  clearPromptWindowExtraction();
+  extraction_.clear();
 }
 
 void AppModel::showPrompt(const ScreenshotItem& item) {

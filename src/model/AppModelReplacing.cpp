@@ -35,11 +35,6 @@ Result<FileURL, Failure> writeCropAsNew(const FileURL& folder, const QString& st
 
 // --- Replace Original ---
 
-AppModel::FileStamp AppModel::stampOf(const FileURL& url) const {
-  const auto status = fileStatus(url);
-  return {dependencies_.fileIdentity(url), status ? status->modified : Date{}};
-}
-
 Task<std::optional<QString>> AppModel::replaceOriginal(UUID id, QImage image, QRectF rect,
                                                        std::optional<FileStamp> readFrom) {
   const ScreenshotItem* item = items_.find(id);

@@ -5,8 +5,8 @@ namespace quillmere {
 void AppModel::setShowPopupThumbnail(bool isOn) {
   settings_.showPopupThumbnail.change(isOn);
   // Nobody saves a window that they don't see; the toggle stands on the preview too.
-  const auto& extraction = *promptWindowExtraction;
-  if (!isOn && extraction && !isSavingWindow(extraction->itemID)) clearPromptWindowExtraction();
+  const auto& extraction = *extraction_.state;
+  if (!isOn && extraction && !extraction_.isSaving(extraction->itemID)) extraction_.clear();
 }
 
 void AppModel::setAnalyzeScreenshots(bool isOn) {

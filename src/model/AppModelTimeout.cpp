@@ -18,7 +18,7 @@ bool AppModel::isPopupPaused(const UUID& id) const {
   if (promptNameEdit_ && promptNameEdit_->id == id && (promptNameEdit_->isEdited || promptNameEdit_->isFocused)) {
     return true;
   }
-  if (isSeekingWindow(id) || isSavingWindow(id)) return true;
+  if (extraction_.isSeeking(id) || extraction_.isSaving(id)) return true;
   if (prompts_.front() != id) return false;
   return dependencies_.promptPresenter->isPointerEngaged() || promptError->has_value();
 }
@@ -31,13 +31,13 @@ void AppModel::popupTimedOut(const UUID& id) {
 /// screenshot that an extracted window takes the place of.
 Task<> AppModel::keepAfterTimeout(Weak<AppModel> self, UUID id) {
   if (!*self->settings_.popupAutoSaveEnabled || !self->isUndecided(id)) co_return;
-  if (self->isSeekingWindow(id)) self->clearPromptWindowExtraction();
+  if (self->extraction_.isSeeking(id)) self->extraction_.clear();
   // Before the window is saved, which makes the suggestion one for another picture.
   const auto name = self->timeoutName(*self->items_.find(id));
   const auto extractionFailure = co_await self->saveExtractedWindow(id);
   if (!self || !self->isUndecided(id)) co_return;
-  const auto& extraction = *self->promptWindowExtraction;
-  if (extractionFailure && extraction && extraction->itemID == id) self->clearPromptWindowExtraction();
+  const auto& extraction = *self->extraction_.state;
+  if (extractionFailure && extraction && extraction->itemID == id) self->extraction_.clear();
 
   using Kind = BackgroundIssue::Kind;
   const size_t index = *self->items_.indexOf(id);

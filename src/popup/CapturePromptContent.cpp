@@ -22,7 +22,7 @@ std::optional<CapturePromptContent> CapturePromptContent::make(
   content.item = *head;
   content.queuedCount = static_cast<int>(model.prompts().queue->size()) - 1;
   content.showThumbnail = *model.settings().showPopupThumbnail;
-  const auto& extraction = *model.promptWindowExtraction;
+  const auto& extraction = *model.windowExtraction().state;
   if (extraction && extraction->itemID == head->id) content.windowExtraction = extraction->phase;
   if (const auto part = content.shownPart()) {
     content.previewPixelSize = part->size();

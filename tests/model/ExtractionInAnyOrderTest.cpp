@@ -112,7 +112,7 @@ class ExtractionInAnyOrder : public ModelFixture {
     }
   }
   void expectExtractionIsOfTheHead() const {
-    const auto& extraction = *model->promptWindowExtraction;
+    const auto& extraction = *model->windowExtraction().state;
     if (extraction) {
       EXPECT_EQ(extraction->itemID, model->prompts().queue->front());
     }
