@@ -6,7 +6,6 @@ AppModel::AppModel(AppModelDependencies dependencies)
       settings_(*dependencies_.defaults, changed),
       prompts_(dependencies_, items_, *this, changed),
       extraction_(dependencies_, prompts_, changed),
-      replacementJournal_(dependencies_.recordStore.fileURL.parent().appending("replacing.json")),
       expirationScheduler_(*dependencies_.executor, *dependencies_.systemEvents, dependencies_.now),
       popupAutoSaveScheduler_(*dependencies_.executor, dependencies_.now),
       access_(*dependencies_.securityScope),
@@ -51,7 +50,7 @@ void AppModel::start() {
                                     [this](const UUID& id) { popupTimedOut(id); });
   expirationScheduler_.start([this](const UUID& id) { expireOne(id); }, [this] { saveAfterExpiry(); });
   restoreWatchFolder();
-  finishReplacements();
+  replacement_.finishBegun(*watchFolderURL);
   refreshScreenshotLocation();
   observeSystem();
   checkLocationRegularly();

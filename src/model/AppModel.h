@@ -14,6 +14,7 @@
 #include "model/CloudDownloads.h"
 #include "model/ExpirationScheduler.h"
 #include "model/ExpiryRetries.h"
+#include "model/FileReplacement.h"
 #include "model/FolderAccess.h"
 #include "model/ModelMessages.h"
 #include "model/PictureTransfers.h"
@@ -25,7 +26,6 @@
 #include "model/ScreenshotFolderMatch.h"
 #include "model/Settings.h"
 #include "model/WindowExtractionRun.h"
-#include "records/ReplacementJournal.h"
 #include "records/ScreenshotList.h"
 #include "records/ScreenshotListWriter.h"
 #include "records/ScreenshotNaming.h"
@@ -35,7 +35,11 @@ namespace quillmere {
 /// All state of Quillmere, and every decision. Main thread only. Views follow the published fields and call the
 /// operations; they decide nothing about files. Each group of operations stands in a file of its own, named in the
 /// comment above it.
-class AppModel : private AnalysisRecords, private PromptStage, private ReconciledRecords, private TransferSource {
+class AppModel : private AnalysisRecords,
+                 private PromptStage,
+                 private ReconciledRecords,
+                 private TransferSource,
+                 private ReplacedRecords {
   template <typename T>
   using Field = Published<T, AppModel>;
 
@@ -124,8 +128,8 @@ class AppModel : private AnalysisRecords, private PromptStage, private Reconcile
   void keepBatch(const std::vector<UUID>& ids);
   /// While a record's file is open in the program it cannot be disposed of, and its time does not run out.
   /// As often as it was protected.
-  void protect(const UUID& id) { ++protectedItems_[id]; }
-  void unprotect(const UUID& id);
+  void protect(const UUID& id) override { ++protectedItems_[id]; }
+  void unprotect(const UUID& id) override;
 
   // --- Popup timeout: AppModelTimeout.cpp ---
   /// What stands in the popup's name field.
@@ -283,15 +287,9 @@ class AppModel : private AnalysisRecords, private PromptStage, private Reconcile
   NumberedSearchResult moveToStem(const FileURL& url, const QString& stem);
 
   // AppModelReplacing.cpp
-  static Task<std::optional<QString>> runReplacement(Weak<AppModel> self, UUID id, QImage image, QRectF rect,
-                                                     FileStamp readFrom);
   static Task<Result<UUID, QString>> runSaveAsNew(Weak<AppModel> self, UUID id, QImage image, QRectF rect);
-  std::optional<QString> putInPlace(const UUID& id, const FileURL& original, const FileURL& temporary,
-                                    const FileStamp& readFrom);
-  void takeBackFromTrash(size_t index, const FileURL& place);
-  void finishReplacement(size_t index);
-  void finishReplacements();
-  static Task<> sweepTemporaries(Weak<AppModel> self, std::vector<Replacement> begun);
+  void fileWasReplaced(const UUID& id) override;
+  void fileWasPutAt(const UUID& id, const FileURL& url) override;
   UUID addDerived(const FileURL& url, const UUID& source);
 
   // AppModelExtraction.cpp
@@ -357,8 +355,7 @@ class AppModel : private AnalysisRecords, private PromptStage, private Reconcile
   PromptQueue prompts_;
   WindowExtractionRun extraction_;
   ScreenshotListWriter listWriter_;
-  ReplacementJournal replacementJournal_;
-  Task<> sweepTask_;
+  FileReplacement replacement_{dependencies_, items_, *this};
   bool recordsReadOnly_ = false;
   bool didStart_ = false;
   bool isRecovering_ = false;  ///< arrivals wait, so that the lost run's screenshots come back oldest first
