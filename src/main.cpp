@@ -95,12 +95,12 @@ int main(int argc, char** argv) {
   popupServices.windowSystem = &windowSystem;
   popupServices.isDataless = &CloudFiles::isDataless;
   popupServices.captureRect = &ScreenCaptureAttributes::globalRect;
-  popupServices.confirmDeletion = &Confirmations::deletion;
   CapturePromptPanelController popup(std::move(popupServices));
 
   AppModelDependencies dependencies = services.dependencies(paths);
   dependencies.promptPresenter = &popup;
   dependencies.fileChooser = &filePanels;
+  dependencies.confirmDeletion = &Confirmations::deletion;
   dependencies.interruptedSince = runMarker.interruptedSince();
   AppModel model(std::move(dependencies));
   SessionEvents session(services.executor, services.systemEvents);

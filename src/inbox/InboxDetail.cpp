@@ -77,7 +77,7 @@ QWidget* InboxDetail::makeHeader() {
   connect(move_, &QPushButton::clicked, this, [this] { model_.moveAndRename(id_); });
   trash_ = new ActionButton(Role::destructive, QStringLiteral("trash"), {}, header);
   trash_->setToolTip(localized("Move this screenshot to Trash"));
-  connect(trash_, &QPushButton::clicked, this, [this] { moveToTrash(); });
+  connect(trash_, &QPushButton::clicked, this, [this] { model_.disposeChosen(id_, ErrorScope::inbox); });
 
   auto* buttons = new QHBoxLayout;
   buttons->setSpacing(8);
@@ -124,15 +124,6 @@ void InboxDetail::show(const ScreenshotItem& item) {
   picture.identity = item.fileIdentity;
   picture.hasImageData = !isEvicted;
   picture_->show(picture);
-}
-
-void InboxDetail::moveToTrash() {
-  const ScreenshotItem* item = model_.items().find(id_);
-  if (!item) return;
-  const ScreenshotItem chosen = *item;
-  if (*model_.settings().deletesChosenImmediately && !(confirmDeletion && confirmDeletion(chosen.url.displayName())))
-    return;
-  model_.disposeItem(chosen, ErrorScope::inbox, AppModel::DisposalReason::chosen);
 }
 
 }  // namespace quillmere

@@ -148,6 +148,10 @@ class AppModel : private AnalysisRecords,
   // --- Disposal: AppModelDisposal.cpp ---
   enum class DisposalReason { chosen, expired, deleteImmediately };
   enum class TrashOutcome { removed, notTracked, inUse, failed, unreachable };
+  enum class ChosenDisposal { done, declined, refused };
+  /// What the person chose on any surface. Where that deletes, it asks first; until the answer the record can neither
+  /// expire nor be disposed of from elsewhere. A refusal is shown in `scope`.
+  ChosenDisposal disposeChosen(const UUID& id, ErrorScope scope);
   void disposeItem(const ScreenshotItem& item, ErrorScope scope, DisposalReason reason);
   void disposeBatch(const std::vector<ScreenshotItem>& items, ErrorScope scope, DisposalReason reason);
   /// Forgets records; their files stay. The caller saves.

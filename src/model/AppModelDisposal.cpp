@@ -40,6 +40,20 @@ AppModel::TrashOutcome AppModel::dispose(const UUID& id, bool deletes) {
   return TrashOutcome::unreachable;
 }
 
+AppModel::ChosenDisposal AppModel::disposeChosen(const UUID& id, ErrorScope scope) {
+  const ScreenshotItem* item = items_.find(id);
+  if (!item) return ChosenDisposal::declined;
+  const ScreenshotItem chosen = *item;
+  if (deletes(DisposalReason::chosen)) {
+    protect(chosen.id);
+    const bool isConfirmed = dependencies_.confirmDeletion(chosen.url.displayName());
+    unprotect(chosen.id);
+    if (!isConfirmed) return ChosenDisposal::declined;
+  }
+  disposeItem(chosen, scope, DisposalReason::chosen);
+  return items_.find(chosen.id) ? ChosenDisposal::refused : ChosenDisposal::done;
+}
+
 void AppModel::disposeItem(const ScreenshotItem& item, ErrorScope scope, DisposalReason reason) {
   const ScreenshotItem* present = items_.find(item.id);
   const QString name = (present ? *present : item).url.displayName();

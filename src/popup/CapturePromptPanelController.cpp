@@ -60,8 +60,7 @@ void CapturePromptPanelController::present(const ScreenshotItem& item, AppModel&
 }
 
 void CapturePromptPanelController::makePanel(AppModel& model) {
-  const CapturePromptView::Services services{&model, services_.executor, services_.thumbnails, services_.sharing,
-                                             services_.confirmDeletion};
+  const CapturePromptView::Services services{&model, services_.executor, services_.thumbnails, services_.sharing};
   view_ = new CapturePromptView(services, nullptr);
   view_->onKeyboardWanted = [this] { takeKeyboard(); };
   view_->onExtraHeightChanged = [this] { scheduleUpdate(); };

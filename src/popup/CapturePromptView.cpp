@@ -232,21 +232,11 @@ Task<> CapturePromptView::decideKeep(Weak<CapturePromptView> self, UUID id) {
 
 void CapturePromptView::chooseTrash() {
   if (!gateAllows()) return;
-  const ScreenshotItem item = content_->item;
   const bool isDeleting = *model_.settings().deletesChosenImmediately;
-  if (isDeleting && !confirmDeletion(item)) return;
-  model_.disposeItem(item, ErrorScope::popup, AppModel::DisposalReason::chosen);
-  if (model_.items().find(item.id)) return;  // refused: the banner says why
+  // Where it is refused the banner says why.
+  if (model_.disposeChosen(content_->item.id, ErrorScope::popup) != AppModel::ChosenDisposal::done) return;
   model_.announce(isDeleting ? localized("Screenshot deleted.") : localized("Screenshot moved to Trash."),
                   AnnouncementPriority::low);
-}
-
-/// The popup stays as it is while the question is open.
-bool CapturePromptView::confirmDeletion(const ScreenshotItem& item) {
-  model_.protect(item.id);
-  const bool isConfirmed = services_.confirmDeletion(item.url.displayName());
-  model_.unprotect(item.id);
-  return isConfirmed;
 }
 
 void CapturePromptView::closePrompt() {

@@ -65,7 +65,6 @@ void QuillmereApp::perform(const QString& action) {
 void QuillmereApp::openInbox() {
   if (!inbox_) {
     inbox_ = std::make_unique<InboxWindow>(model_, thumbnails_);
-    inbox_->confirmDeletion = &Confirmations::deletion;
     // Later: the window is still in the middle of closing.
     inbox_->onClosed = [this] {
       QMetaObject::invokeMethod(

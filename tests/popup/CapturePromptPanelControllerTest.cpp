@@ -77,7 +77,6 @@ class CapturePromptPanelControllerTest : public testing::ModelFixture {
     services.windowSystem = &windowSystem;
     services.isDataless = [this](const FileURL& url) { return dataless.contains(url.path()); };
     services.captureRect = [this](const FileURL&) { return captureRect; };
-    services.confirmDeletion = [](const QString&) { return true; };
     popup = std::make_unique<CapturePromptPanelController>(std::move(services));
     chooseFolderBefore(shots);
     defaults = std::make_unique<UserDefaults>(settingsFile.displayPath());
