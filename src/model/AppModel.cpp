@@ -37,8 +37,8 @@ AppModel::~AppModel() {
 
 void AppModel::wireMonitor() {
   ScreenshotMonitoring& monitor = *dependencies_.monitor;
-  monitor.onScreenshot = [this](const FileURL& url) { record(url, false); };
-  monitor.onArrivedScreenshot = [this](const FileURL& url) { record(url, true); };
+  monitor.onScreenshot = [this](const FileURL& url) { record(url, Origin::capturedHere); };
+  monitor.onArrivedScreenshot = [this](const FileURL& url) { record(url, Origin::elsewhere); };
   monitor.onRemoval = [this](const std::vector<FileURL>& urls) { handleRemoval(urls); };
   monitor.onStatusChange = [this](WatcherStatus status) { handleStatus(status); };
 }

@@ -99,7 +99,8 @@ class AppModel : private AnalysisRecords,
   void setHasSeenWelcome(bool hasSeen) { settings_.hasSeenWelcome.change(hasSeen); }
 
   // --- Arrival: AppModelArrival.cpp ---
-  void record(const FileURL& url, bool arrivedFromElsewhere);
+  enum class Origin { capturedHere, elsewhere };
+  void record(const FileURL& url, Origin origin);
   const RecordIndex& recordIndex();
 
   // --- The popup's queue: AppModelPrompts.cpp ---

@@ -3,7 +3,8 @@
 
 namespace quillmere {
 
-void AppModel::record(const FileURL& url, bool arrivedFromElsewhere) {
+void AppModel::record(const FileURL& url, Origin origin) {
+  const bool arrivedFromElsewhere = origin == Origin::elsewhere;
   if (const auto known = recordIndex().atPath(pathKeyOf(url))) {
     // A run that found the old file gone before this one came must not take the record away.
     reconciliations_.noteArrival(*known);

@@ -68,8 +68,7 @@ void AppModel::pointMacOSAtWatchFolder() {
     return;
   }
   const auto previous = location.rawValue();
-  const bool isRefused = location.setRawValue(location.rawValueOf(folder));
-  if (isRefused) {
+  if (!location.tryToSetRawValue(location.rawValueOf(folder))) {
     show(ErrorScope::settings, title,
          localized("macOS refused the change, and the setting is unchanged. Change it in Screenshot (⇧⌘5) › Options "
                    "instead."));
@@ -89,7 +88,7 @@ void AppModel::pointMacOSAtWatchFolder() {
 void AppModel::undoScreenshotLocationChange() {
   const auto change = *lastScreenshotLocationChange;
   if (!change) return;
-  if (dependencies_.screenshotLocation->setRawValue(change->previousRawValue)) {
+  if (!dependencies_.screenshotLocation->tryToSetRawValue(change->previousRawValue)) {
     show(ErrorScope::settings, localized("Couldn’t Undo the Change"),
          localized("macOS still saves screenshots to the folder Quillmere chose. Change it back in Screenshot (⇧⌘5) › "
                    "Options."));
