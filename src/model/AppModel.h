@@ -80,6 +80,7 @@ class AppModel : private AnalysisRecords,
   void setSelectedItemIDs(UUIDSet ids) { selectedItemIDs.set(std::move(ids)); }
   void show(ErrorScope scope, const QString& title, const QString& message);
   void dismissError(ErrorScope scope);
+  void dismissBackgroundIssue();
   void announce(const QString& text, AnnouncementPriority priority) const;
   Date now() const { return dependencies_.now(); }
 
@@ -127,10 +128,6 @@ class AppModel : private AnalysisRecords,
   Task<> keepPrompt(UUID id, std::optional<QString> name = {});
   void markTemporaryBatch(const std::vector<UUID>& ids, TemporaryDuration duration);
   void keepBatch(const std::vector<UUID>& ids);
-  /// While a record's file is open in the program it cannot be disposed of, and its time does not run out.
-  /// As often as it was protected.
-  void protect(const UUID& id) override { ++protectedItems_[id]; }
-  void unprotect(const UUID& id) override;
 
   // --- Popup timeout: AppModelTimeout.cpp ---
   /// What stands in the popup's name field.
@@ -155,6 +152,10 @@ class AppModel : private AnalysisRecords,
   ChosenDisposal disposeChosen(const UUID& id, ErrorScope scope);
   void disposeItem(const ScreenshotItem& item, ErrorScope scope, DisposalReason reason);
   void disposeBatch(const std::vector<ScreenshotItem>& items, ErrorScope scope, DisposalReason reason);
+  /// While a record's file is open in the program it cannot be disposed of, and its time does not run out: until it was
+  /// unprotected as often as it was protected.
+  void protect(const UUID& id) override { ++protectedItems_[id]; }
+  void unprotect(const UUID& id) override;
   /// Forgets records; their files stay. The caller saves.
   void removeRecords(const UUIDSet& ids);
 
@@ -168,7 +169,7 @@ class AppModel : private AnalysisRecords,
   void moveAndRename(UUID id);
   void move(const UUID& id, const FileURL& destination);
 
-  // --- Crops: AppModelReplacing.cpp ---
+  // --- Crops: AppModelCrops.cpp ---
   FileStamp stampOf(const FileURL& url) const { return fileStamp(url, dependencies_.fileIdentity); }
   /// Puts the part of `image` inside `rect` in the place of the record's file, which goes to Trash; not if that is no
   /// longer the file that the picture was `readFrom`, or as it is now. Gives why it failed, in words; nothing has
@@ -232,7 +233,6 @@ class AppModel : private AnalysisRecords,
 
   // --- Expiry: AppModelExpiry.cpp ---
   void expire(const UUID& id);
-  void dismissBackgroundIssue();
   const ExpirationScheduler& expirationScheduler() const { return expirationScheduler_; }
 
  private:
@@ -248,9 +248,6 @@ class AppModel : private AnalysisRecords,
   void forgetInIndex(const ScreenshotItem& item);
   static void setMember(Field<UUIDSet>& set, const UUID& id, bool isMember);
 
-  // AppModelArrival.cpp
-  bool followRename(const FileURL& url, const FileIdentity& identity);
-
   // AppModelPrompts.cpp
   std::vector<UUID> pendingPrompts() const;
   /// The popup shows nothing about a screenshot that it has gone on from.
@@ -265,8 +262,6 @@ class AppModel : private AnalysisRecords,
   ReconcileRun prepareRun(const std::optional<UUIDSet>& ids) override;
   void applyRun(const ReconcileRun& run, const ReconcileRequest& request) override;
   bool applyPresent(size_t index, const FilePresent& present);
-  void updateLocation(size_t index, const FileURL& url, const std::optional<FileURL>& scopedURL);
-  std::optional<FileURL> relocateByBookmark(size_t index);
 
   // AppModelDecisions.cpp
   static Task<> runMarkTemporary(Weak<AppModel> self, UUID id, TemporaryDuration duration, std::optional<QString> name);
@@ -291,7 +286,7 @@ class AppModel : private AnalysisRecords,
   bool isOfARecord(const FileIdentity& identity);
   NumberedSearchResult moveToStem(const FileURL& url, const QString& stem);
 
-  // AppModelReplacing.cpp
+  // AppModelCrops.cpp
   static Task<Result<UUID, QString>> runSaveAsNew(Weak<AppModel> self, UUID id, QImage image, QRectF rect);
   void fileWasReplaced(const UUID& id) override;
   void fileWasPutAt(const UUID& id, const FileURL& url) override;
@@ -326,13 +321,20 @@ class AppModel : private AnalysisRecords,
   void restoreWatchFolder();
   bool retryWatchFolder();
   void followMovedFolder(const FileURL& folder);
-  void moveRecords(const FileURL& from, const FileURL& to);
   void setWatchFolder(const std::optional<FileURL>& url);
   std::string pathKeyOf(const FileURL& url) const { return pathKey(url, watchFolderPaths_); }
+
+  // AppModelFileAccess.cpp
   void refreshBookmark(size_t index, const std::optional<QByteArray>& oldBookmark);
   void refreshItemAccess(size_t index, const std::optional<FileURL>& resolved);
   static Task<> refreshEveryItemAccess(Weak<AppModel> self);
   void openItemAccess(size_t index, const std::optional<ResolvedBookmark>& bookmarked);
+
+  // Files that are elsewhere now: AppModelFollowing.cpp
+  bool followRename(const FileURL& url, const FileIdentity& identity);
+  void updateLocation(size_t index, const FileURL& url, const std::optional<FileURL>& scopedURL);
+  std::optional<FileURL> relocateByBookmark(size_t index);
+  void moveRecords(const FileURL& from, const FileURL& to);
 
   // AppModelScreenshotLocation.cpp
   void checkLocationRegularly();

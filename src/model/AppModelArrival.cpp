@@ -37,32 +37,6 @@ void AppModel::record(const FileURL& url, Origin origin) {
   if (*settings_.analyzeScreenshots) startAnalysis(id);
 }
 
-/// Whether the file is a known one under a new name; its record then follows it.
-bool AppModel::followRename(const FileURL& url, const FileIdentity& identity) {
-  if (!identity.isComplete()) return false;
-  for (const UUID& id : recordIndex().withFileNumber(identity.file)) {
-    const auto index = items_.indexOf(id);
-    if (!index) continue;
-    const ScreenshotItem& item = items_[*index];
-    if (!item.fileIdentity || !item.fileIdentity->isSameFile(identity)) continue;
-    // A second link to the file is no rename; another file that has taken the old name does not matter.
-    const auto atOldPlace = dependencies_.fileIdentity(item.url);
-    const bool isAnother = atOldPlace && atOldPlace->isComplete() && !atOldPlace->isSameFile(identity);
-    if (fileExists(item.url) && !isAnother) continue;
-
-    const auto oldBookmark = item.fileBookmark;
-    updateItem(*index, [&](ScreenshotItem& record) { record.fileIdentity = identity; });
-    setMember(unavailableItemIDs, id, false);
-    refreshCloudMembership(id, url);
-    updateLocation(*index, url, std::nullopt);
-    refreshBookmark(*index, oldBookmark);
-    refreshItemAccess(*index, std::nullopt);
-    saveNow();
-    return true;
-  }
-  return false;
-}
-
 const RecordIndex& AppModel::recordIndex() {
   if (!recordIndexCache_) recordIndexCache_.emplace(items_, watchFolderPaths_);
   return *recordIndexCache_;

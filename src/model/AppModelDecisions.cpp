@@ -90,9 +90,4 @@ void AppModel::keepBatch(const std::vector<UUID>& ids) {
   saveNow();
 }
 
-void AppModel::unprotect(const UUID& id) {
-  const auto found = protectedItems_.find(id);
-  if (found != protectedItems_.end() && --found->second == 0) protectedItems_.erase(found);
-}
-
 }  // namespace quillmere

@@ -165,4 +165,9 @@ void AppModel::removeRecords(const UUIDSet& ids) {
   if (failureWent) refreshExpirationBanner();
 }
 
+void AppModel::unprotect(const UUID& id) {
+  const auto found = protectedItems_.find(id);
+  if (found != protectedItems_.end() && --found->second == 0) protectedItems_.erase(found);
+}
+
 }  // namespace quillmere

@@ -136,30 +136,4 @@ void AppModel::refreshExpirationBanner() {
   }
 }
 
-void AppModel::dismissBackgroundIssue() {
-  if (!*backgroundIssue) return;
-  switch ((*backgroundIssue)->kind) {
-    case BackgroundIssue::Kind::expiredScreenshotsNotTrashed: {
-      // Dismissing is an immediate retry with a fresh count.
-      UUIDMap<Date> retries;
-      for (const UUID& id : expiryRetries_.restart()) retries[id] = now();
-      expirationScheduler_.schedule(retries);
-      backgroundIssue.set(std::nullopt);
-      return;
-    }
-    case BackgroundIssue::Kind::recordsReadOnly: {
-      const auto& store = dependencies_.recordStore;
-      const bool isSafe =
-          store.backup(ScreenshotRecordStore::BackupReason::backup, now()) || !fileExists(store.fileURL);
-      if (!isSafe) return;
-      recordsReadOnly_ = false;
-      backgroundIssue.set(std::nullopt);
-      saveNow();
-      return;
-    }
-    default:
-      backgroundIssue.set(std::nullopt);
-  }
-}
-
 }  // namespace quillmere

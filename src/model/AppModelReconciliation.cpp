@@ -121,41 +121,4 @@ bool AppModel::applyPresent(size_t index, const FilePresent& present) {
   return hasChanged;
 }
 
-void AppModel::updateLocation(size_t index, const FileURL& url, const std::optional<FileURL>& scopedURL) {
-  endDownload(items_[index].id);
-  const auto other = recordIndex().atPath(pathKeyOf(url));
-  const FileURL oldURL = items_[index].url;
-  updateItem(index, [&](ScreenshotItem& item) { item.url = url; });
-  dependencies_.monitor->noteUnknown(oldURL);
-  // The place was another record's, whose file has gone from there.
-  if (didStart_ && other && *other != items_[index].id) {
-    reconcile({.ids = UUIDSet{*other}, .polite = true, .dropsUnavailableFromQueue = false, .completions = {}});
-  }
-  dependencies_.monitor->noteKnown(url);
-  const ScreenshotItem& item = items_[index];
-  const UUID id = item.id;
-  const bool leftTheFolder = !watchFolderPaths_ || !watchFolderPaths_->contains(pathKeyOf(url));
-  const bool isDecided =
-      item.state == ScreenshotItem::State::temporary || (item.state == ScreenshotItem::State::pending && leftTheFolder);
-  // What the person moved or renamed is not to be thrown away.
-  if (isDecided) {
-    keepItem(index);
-    resolvePrompts({id});
-  }
-  refreshItemAccess(index, scopedURL);
-}
-
-std::optional<FileURL> AppModel::relocateByBookmark(size_t index) {
-  const ScreenshotItem& item = items_[index];
-  const auto resolved = resolveBookmark(*dependencies_.securityScope, item.fileBookmark);
-  if (!resolved || dependencies_.isInTrash(resolved->url) || pathKeyOf(resolved->url) == pathKeyOf(item.url) ||
-      !fileExists(resolved->url)) {
-    return std::nullopt;
-  }
-  if (resolved->refreshed) {
-    updateItem(index, [&](ScreenshotItem& record) { record.fileBookmark = resolved->refreshed; });
-  }
-  return resolved->url;
-}
-
 }  // namespace quillmere
