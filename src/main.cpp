@@ -83,12 +83,12 @@ int main(int argc, char** argv) {
   popupServices.windowSystem = &windowSystem;
   popupServices.isDataless = &CloudFiles::isDataless;
   popupServices.captureRect = &ScreenCaptureAttributes::globalRect;
-  popupServices.confirmDeletion = &Confirmations::deletion;
   CapturePromptPanelController popup(std::move(popupServices));
 
   AppModelDependencies dependencies = services.dependencies(paths);
   dependencies.promptPresenter = &popup;
   dependencies.fileChooser = &filePanels;
+  dependencies.confirmDeletion = &Confirmations::deletion;
   dependencies.interruptedSince = runMarker.interruptedSince();
   AppModel model(std::move(dependencies));
   SessionEvents session(services.executor, services.systemEvents);
@@ -97,7 +97,7 @@ int main(int argc, char** argv) {
       services.securityScope.setWatchedFolder(*model.watchFolderURL);
     } else if (change.field == ModelField::promptQueue || change.field == ModelField::popupAutoSaveEnabled) {
       // A countdown stands still while the displays are off, which on X11 has to be asked.
-      session.setWatchesScreens(*model.popupAutoSaveEnabled && !model.promptQueue->empty());
+      session.setWatchesScreens(*model.settings().popupAutoSaveEnabled && !model.prompts().queue->empty());
     }
   });
 

@@ -20,7 +20,6 @@ constexpr uint16_t kLlamaPort = 8080;
 /// A model of a few billion parameters describes a picture in this time even without a graphics card.
 constexpr Duration kAnswerTime = std::chrono::seconds(60);
 
-const QString kAddressKey = QStringLiteral("quillmere.model-address");
 constexpr const char* kAddressVariable = "OLLAMA_HOST";
 
 const OllamaServer kOllama;
@@ -42,8 +41,8 @@ Unavailability nearer(Unavailability reason, const ModelServerLook& look) {
 
 }  // namespace
 
-ModelServerPlaces ModelServerPlaces::standard(const UserDefaults& defaults) {
-  return {.configured = [&defaults] { return defaults.text(kAddressKey); },
+ModelServerPlaces ModelServerPlaces::standard(std::function<std::optional<QString>()> configured) {
+  return {.configured = std::move(configured),
           .environment = [] { return environmentText(kAddressVariable); },
           .usual = {LocalServerAddress::loopback(kOllamaPort), LocalServerAddress::loopback(kLlamaPort)}};
 }

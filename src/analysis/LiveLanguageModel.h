@@ -8,7 +8,6 @@
 #include "analysis/ModelServer.h"
 #include "description/LanguageModel.h"
 #include "foundation/Executor.h"
-#include "foundation/UserDefaults.h"
 #include "foundation/Weak.h"
 
 namespace quillmere {
@@ -18,8 +17,7 @@ struct ModelServerPlaces {
   std::function<std::optional<QString>()> configured;   ///< what the person has set
   std::function<std::optional<QString>()> environment;  ///< what Ollama's own programs go by
   std::vector<LocalServerAddress> usual;
-  /// `defaults` outlives what it is read through.
-  static ModelServerPlaces standard(const UserDefaults& defaults);
+  static ModelServerPlaces standard(std::function<std::optional<QString>()> configured);
 };
 
 /// The language model of a server that runs on this machine. It remembers where it found one and looks anew when that

@@ -77,7 +77,7 @@ QWidget* InboxDetail::makeHeader() {
   connect(move_, &QPushButton::clicked, this, [this] { model_.moveAndRename(id_); });
   trash_ = new ActionButton(Role::destructive, QStringLiteral("trash"), {}, header);
   trash_->setToolTip(localized("Move this screenshot to Trash"));
-  connect(trash_, &QPushButton::clicked, this, [this] { moveToTrash(); });
+  connect(trash_, &QPushButton::clicked, this, [this] { model_.disposeChosen(id_, ErrorScope::inbox); });
 
   auto* buttons = new QHBoxLayout;
   buttons->setSpacing(8);
@@ -101,7 +101,7 @@ void InboxDetail::show(const ScreenshotItem& item) {
   note_->setVisible(isUnavailable);
   keep_->setVisible(item.state != ScreenshotItem::State::permanent && !isUnavailable);
   move_->setVisible(!isUnavailable);
-  trash_->setText(*model_.deletesChosenImmediately ? localized("Delete") : localized("Move to Trash"));
+  trash_->setText(*model_.settings().deletesChosenImmediately ? localized("Delete") : localized("Move to Trash"));
   if (isEvicted) {
     const auto state = model_.downloadStates->find(item.id);
     const bool hasState = state != model_.downloadStates->end();
@@ -124,14 +124,6 @@ void InboxDetail::show(const ScreenshotItem& item) {
   picture.identity = item.fileIdentity;
   picture.hasImageData = !isEvicted;
   picture_->show(picture);
-}
-
-void InboxDetail::moveToTrash() {
-  const ScreenshotItem* item = model_.items().find(id_);
-  if (!item) return;
-  const ScreenshotItem chosen = *item;
-  if (*model_.deletesChosenImmediately && !(confirmDeletion && confirmDeletion(chosen.url.displayName()))) return;
-  model_.disposeItem(chosen, ErrorScope::inbox, AppModel::DisposalReason::chosen);
 }
 
 }  // namespace quillmere

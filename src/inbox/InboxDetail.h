@@ -21,12 +21,8 @@ class InboxDetail final : public QWidget {
   InboxDetail(AppModel& model, ThumbnailLoader& thumbnails, QWidget* parent);
   void show(const ScreenshotItem& item);
 
-  /// Asks whether a file is to be deleted for good.
-  std::function<bool(const QString& fileName)> confirmDeletion;
-
  private:
   QWidget* makeHeader();
-  void moveToTrash();
 
   AppModel& model_;
   QLabel* name_ = nullptr;

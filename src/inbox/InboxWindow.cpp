@@ -98,7 +98,6 @@ QWidget* InboxWindow::makeDetail(ThumbnailLoader& thumbnails) {
                                   {}},
                                  detail_);
   selected_ = new InboxDetail(model_, thumbnails, detail_);
-  selected_->confirmDeletion = [this](const QString& fileName) { return confirmDeletion && confirmDeletion(fileName); };
   for (QWidget* page : {static_cast<QWidget*>(setup_), static_cast<QWidget*>(noScreenshots_),
                         static_cast<QWidget*>(noSelection_), static_cast<QWidget*>(selected_)}) {
     detail_->addWidget(page);

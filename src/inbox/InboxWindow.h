@@ -24,8 +24,6 @@ class InboxWindow final : public QWidget {
   ~InboxWindow() override;
 
   std::function<void()> onClosed;
-  /// Asks whether a file is to be deleted for good.
-  std::function<bool(const QString& fileName)> confirmDeletion;
 
  protected:
   void closeEvent(QCloseEvent* event) override;

@@ -1,34 +1,28 @@
 #include "model/AppModel.h"
 
-#include <algorithm>
+#include "foundation/FileStatus.h"
 
 namespace quillmere {
-namespace {
-
-int clampedPopupSeconds(int seconds) {
-  return std::clamp(seconds, AppModel::kShortestPopupSeconds, AppModel::kLongestPopupSeconds);
-}
-
-}  // namespace
-
 AppModel::AppModel(AppModelDependencies dependencies)
     : dependencies_(std::move(dependencies)),
-      replacementJournal_(dependencies_.recordStore.fileURL.parent().appending("replacing.json")),
+      settings_(*dependencies_.defaults, changed),
+      prompts_(dependencies_, items_, *this, changed),
+      extraction_(dependencies_, prompts_, changed),
       expirationScheduler_(*dependencies_.executor, *dependencies_.systemEvents, dependencies_.now),
       popupAutoSaveScheduler_(*dependencies_.executor, dependencies_.now),
       access_(*dependencies_.securityScope),
+      reconciliations_(*dependencies_.executor, *this),
       downloads_(dependencies_,
                  [this](const UUID& id, std::optional<DownloadState> state) {
                    setDownloadState(id, state);
                    if (!state) refreshAfterDownload(id);
                  }),
       analysis_(*dependencies_.analyzer, *dependencies_.executor, dependencies_.now, *this) {
-  readSettings();
   auto loaded = dependencies_.recordStore.load(now());
   items_ = ScreenshotList(std::move(loaded.items));
   recordsReadOnly_ = loaded.isReadOnly;
   if (recordsReadOnly_) backgroundIssue.set(BackgroundIssue{BackgroundIssue::Kind::recordsReadOnly});
-  dependencies_.monitor->setIncludesNonCaptureImages(*includesNonCaptureImages);
+  dependencies_.monitor->setIncludesNonCaptureImages(*settings_.includesNonCaptureImages);
   wireMonitor();
 }
 
@@ -36,7 +30,6 @@ AppModel::~AppModel() {
   saveTask_.cancel();
   locationCheckTask_.cancel();
   itemAccessTask_.cancel();
-  reconcileTask_.cancel();
   // The monitor outlives the model and must not call it any more.
   dependencies_.monitor->onScreenshot = nullptr;
   dependencies_.monitor->onArrivedScreenshot = nullptr;
@@ -44,35 +37,10 @@ AppModel::~AppModel() {
   dependencies_.monitor->onStatusChange = nullptr;
 }
 
-void AppModel::readSettings() {
-  const UserDefaults& defaults = *dependencies_.defaults;
-  const auto readFlag = [&](Published<bool>& field, const char* key) {
-    field.set(defaults.boolean(QLatin1String(key)).value_or(*field));
-  };
-  readFlag(menuBarEnabled, "quillmere.menu-bar-enabled");
-  readFlag(showPopupThumbnail, "quillmere.popup-thumbnail");
-  readFlag(analyzeScreenshots, "quillmere.analyze");
-  readFlag(showsDeleteImmediately, "quillmere.delete-immediately-command");
-  readFlag(deletesChosenImmediately, "quillmere.delete-immediately-chosen");
-  readFlag(deletesExpiredImmediately, "quillmere.delete-immediately-expired");
-  readFlag(popupAutoSaveEnabled, "quillmere.popup-autosave");
-  readFlag(includesNonCaptureImages, "quillmere.include-non-capture-images");
-  readFlag(watchFolderHasReceivedScreenshot, "quillmere.watch-folder-received-screenshot");
-  readFlag(hasSeenWelcome, "quillmere.welcome-seen");
-  popupAutoSaveSeconds.set(
-      clampedPopupSeconds(defaults.integer(QStringLiteral("quillmere.popup-seconds")).value_or(*popupAutoSaveSeconds)));
-  const auto naming = defaults.text(QStringLiteral("quillmere.popup-naming"));
-  screenshotNaming.set(naming == QLatin1String("suggested") ? ScreenshotNaming::suggested : ScreenshotNaming::original);
-  const auto duration = temporaryDuration(defaults.integer(QStringLiteral("quillmere.last-duration")).value_or(0));
-  lastTemporaryDuration.set(duration.value_or(TemporaryDuration::fiveMinutes));
-  modelAddress.set(defaults.text(QStringLiteral("quillmere.model-address")).value_or(QString()));
-  dismissedLocationMismatchPath.set(defaults.text(QStringLiteral("quillmere.dismissed-location-mismatch")));
-}
-
 void AppModel::wireMonitor() {
   ScreenshotMonitoring& monitor = *dependencies_.monitor;
-  monitor.onScreenshot = [this](const FileURL& url) { record(url, false); };
-  monitor.onArrivedScreenshot = [this](const FileURL& url) { record(url, true); };
+  monitor.onScreenshot = [this](const FileURL& url) { record(url, Origin::capturedHere); };
+  monitor.onArrivedScreenshot = [this](const FileURL& url) { record(url, Origin::elsewhere); };
   monitor.onRemoval = [this](const std::vector<FileURL>& urls) { handleRemoval(urls); };
   monitor.onStatusChange = [this](WatcherStatus status) { handleStatus(status); };
 }
@@ -84,7 +52,7 @@ void AppModel::start() {
                                     [this](const UUID& id) { popupTimedOut(id); });
   expirationScheduler_.start([this](const UUID& id) { expireOne(id); }, [this] { saveAfterExpiry(); });
   restoreWatchFolder();
-  finishReplacements();
+  replacement_.finishBegun(*watchFolderURL);
   refreshScreenshotLocation();
   observeSystem();
   checkLocationRegularly();
@@ -108,8 +76,8 @@ void AppModel::finishStart() {
   });
   expirationScheduler_.schedule(expirations);
   isRecovering_ = false;
-  enqueueAllPending();
-  if (*analyzeScreenshots) startMissingAnalysis();
+  for (const UUID& id : pendingPrompts()) prompts_.enqueue(id);
+  if (*settings_.analyzeScreenshots) startMissingAnalysis();
 }
 
 void AppModel::observeSystem() {
@@ -121,7 +89,7 @@ void AppModel::observeSystem() {
   };
   observers_.push_back(events.didBecomeActive.connect([this, findsLostFolder] {
     refreshScreenshotLocation();
-    if (*analyzeScreenshots) refreshModelAvailability();
+    if (*settings_.analyzeScreenshots) refreshModelAvailability();
     // The monitor's own news of the folder will be no change any more, so its records are looked at from here.
     if (findsLostFolder()) reconcile({});
   }));
@@ -144,79 +112,6 @@ void AppModel::observeSystem() {
 /// A popup does not count down while nobody can see it.
 void AppModel::updateSystemPause() {
   popupAutoSaveScheduler_.setSystemPaused(screensAsleep_ || sessionLocked_);
-}
-
-// --- Settings ---
-
-void AppModel::setFlag(Published<bool>& field, const char* key, bool isOn) {
-  if (field.set(isOn)) dependencies_.defaults->set(QLatin1String(key), isOn);
-}
-
-void AppModel::setMenuBarEnabled(bool isOn) {
-  setFlag(menuBarEnabled, "quillmere.menu-bar-enabled", isOn);
-}
-void AppModel::setShowPopupThumbnail(bool isOn) {
-  setFlag(showPopupThumbnail, "quillmere.popup-thumbnail", isOn);
-  // Nobody saves a window that they don't see; the toggle stands on the preview too.
-  const auto& extraction = *promptWindowExtraction;
-  if (!isOn && extraction && !isSavingWindow(extraction->itemID)) clearPromptWindowExtraction();
-}
-void AppModel::setAnalyzeScreenshots(bool isOn) {
-  if (isOn == *analyzeScreenshots) return;
-  setFlag(analyzeScreenshots, "quillmere.analyze", isOn);
-  if (isOn) {
-    refreshModelAvailability();
-    startMissingAnalysis();
-  } else {
-    cancelAllAnalysis();
-  }
-}
-void AppModel::setModelAddress(const QString& address) {
-  if (!modelAddress.set(address.trimmed())) return;
-  dependencies_.defaults->set(QStringLiteral("quillmere.model-address"), *modelAddress);
-  if (*analyzeScreenshots) refreshModelAvailability();
-}
-void AppModel::setShowsDeleteImmediately(bool isOn) {
-  setFlag(showsDeleteImmediately, "quillmere.delete-immediately-command", isOn);
-}
-void AppModel::setDeletesChosenImmediately(bool isOn) {
-  setFlag(deletesChosenImmediately, "quillmere.delete-immediately-chosen", isOn);
-}
-void AppModel::setDeletesExpiredImmediately(bool isOn) {
-  setFlag(deletesExpiredImmediately, "quillmere.delete-immediately-expired", isOn);
-}
-void AppModel::setWatchFolderHasReceivedScreenshot(bool hasReceived) {
-  setFlag(watchFolderHasReceivedScreenshot, "quillmere.watch-folder-received-screenshot", hasReceived);
-}
-void AppModel::setHasSeenWelcome(bool hasSeen) {
-  setFlag(hasSeenWelcome, "quillmere.welcome-seen", hasSeen);
-}
-
-void AppModel::setPopupAutoSaveEnabled(bool isOn) {
-  if (isOn == *popupAutoSaveEnabled) return;
-  setFlag(popupAutoSaveEnabled, "quillmere.popup-autosave", isOn);
-  // The visible popup's time starts over in full.
-  popupAutoSaveScheduler_.reset();
-  if (const auto head = queueHead()) beginCountdown(*head);
-}
-
-void AppModel::setPopupAutoSaveSeconds(int seconds) {
-  if (!popupAutoSaveSeconds.set(clampedPopupSeconds(seconds))) return;
-  dependencies_.defaults->set(QStringLiteral("quillmere.popup-seconds"), *popupAutoSaveSeconds);
-  popupAutoSaveScheduler_.reset();
-  if (const auto head = queueHead()) beginCountdown(*head);
-}
-
-void AppModel::setScreenshotNaming(ScreenshotNaming naming) {
-  if (!screenshotNaming.set(naming)) return;
-  dependencies_.defaults->set(QStringLiteral("quillmere.popup-naming"), naming == ScreenshotNaming::suggested
-                                                                            ? QStringLiteral("suggested")
-                                                                            : QStringLiteral("original"));
-}
-
-void AppModel::setIncludesNonCaptureImages(bool includes) {
-  setFlag(includesNonCaptureImages, "quillmere.include-non-capture-images", includes);
-  dependencies_.monitor->setIncludesNonCaptureImages(includes);
 }
 
 // --- Messages ---
@@ -248,6 +143,32 @@ void AppModel::dismissError(ErrorScope scope) {
     case ErrorScope::settings:
       settingsError.set(std::nullopt);
       return;
+  }
+}
+
+void AppModel::dismissBackgroundIssue() {
+  if (!*backgroundIssue) return;
+  switch ((*backgroundIssue)->kind) {
+    case BackgroundIssue::Kind::expiredScreenshotsNotTrashed: {
+      // Dismissing is an immediate retry with a fresh count.
+      UUIDMap<Date> retries;
+      for (const UUID& id : expiryRetries_.restart()) retries[id] = now();
+      expirationScheduler_.schedule(retries);
+      backgroundIssue.set(std::nullopt);
+      return;
+    }
+    case BackgroundIssue::Kind::recordsReadOnly: {
+      const auto& store = dependencies_.recordStore;
+      const bool isSafe =
+          store.backup(ScreenshotRecordStore::BackupReason::backup, now()) || !fileExists(store.fileURL);
+      if (!isSafe) return;
+      recordsReadOnly_ = false;
+      backgroundIssue.set(std::nullopt);
+      saveNow();
+      return;
+    }
+    default:
+      backgroundIssue.set(std::nullopt);
   }
 }
 
@@ -308,7 +229,7 @@ void AppModel::insertNewest(ScreenshotItem item) {
   changed(ModelChange{ModelField::items, ModelChange::Rows::inserted, {0}});
 }
 
-void AppModel::setMember(Published<UUIDSet>& set, const UUID& id, bool isMember) {
+void AppModel::setMember(Field<UUIDSet>& set, const UUID& id, bool isMember) {
   if (set->contains(id) == isMember) return;
   UUIDSet next = *set;
   if (isMember) {

@@ -13,26 +13,36 @@
 #include "model/AppModelDependencies.h"
 #include "model/CloudDownloads.h"
 #include "model/ExpirationScheduler.h"
+#include "model/ExpiryRetries.h"
+#include "model/FileReplacement.h"
 #include "model/FolderAccess.h"
 #include "model/ModelMessages.h"
+#include "model/PictureTransfers.h"
 #include "model/PopupAutoSaveScheduler.h"
-#include "model/PromptWindowExtraction.h"
+#include "model/PromptQueue.h"
 #include "model/Published.h"
-#include "model/Reconciliation.h"
+#include "model/ReconciliationRuns.h"
 #include "model/RecordIndex.h"
 #include "model/ScreenshotFolderMatch.h"
-#include "records/ReplacementJournal.h"
+#include "model/Settings.h"
+#include "model/WindowExtractionRun.h"
 #include "records/ScreenshotList.h"
 #include "records/ScreenshotListWriter.h"
 #include "records/ScreenshotNaming.h"
-#include "records/TemporaryDuration.h"
 
 namespace quillmere {
 
 /// All state of Quillmere, and every decision. Main thread only. Views follow the published fields and call the
 /// operations; they decide nothing about files. Each group of operations stands in a file of its own, named in the
 /// comment above it.
-class AppModel : private AnalysisRecords {
+class AppModel : private AnalysisRecords,
+                 private PromptStage,
+                 private ReconciledRecords,
+                 private TransferSource,
+                 private ReplacedRecords {
+  template <typename T>
+  using Field = Published<T, AppModel>;
+
  public:
   explicit AppModel(AppModelDependencies dependencies);
   ~AppModel();
@@ -40,7 +50,7 @@ class AppModel : private AnalysisRecords {
   /// What a change was; told after it.
   Signal<const ModelChange&> changed;
 
-  // --- Frame, settings, saving: AppModel.cpp ---
+  // --- Frame, messages, saving: AppModel.cpp ---
   void start();
   /// Writes the list now. A failure is the banner.
   void saveNow();
@@ -50,87 +60,66 @@ class AppModel : private AnalysisRecords {
   bool isRecordsReadOnly() const { return recordsReadOnly_; }
 
   const ScreenshotList& items() const { return items_; }
-  Published<UUIDSet> selectedItemIDs{changed, ModelField::selectedItemIDs};
-  Published<TemporaryDuration> lastTemporaryDuration{changed, ModelField::lastTemporaryDuration,
-                                                     TemporaryDuration::fiveMinutes};
-  Published<bool> menuBarEnabled{changed, ModelField::menuBarEnabled, true};
-  Published<bool> showPopupThumbnail{changed, ModelField::showPopupThumbnail, true};
-  Published<bool> analyzeScreenshots{changed, ModelField::analyzeScreenshots, true};
-  Published<QString> modelAddress{changed, ModelField::modelAddress};  ///< empty: found by itself
-  Published<bool> showsDeleteImmediately{changed, ModelField::showsDeleteImmediately, false};
-  Published<bool> deletesChosenImmediately{changed, ModelField::deletesChosenImmediately, false};
-  Published<bool> deletesExpiredImmediately{changed, ModelField::deletesExpiredImmediately, false};
-  Published<bool> popupAutoSaveEnabled{changed, ModelField::popupAutoSaveEnabled, false};
-  Published<int> popupAutoSaveSeconds{changed, ModelField::popupAutoSaveSeconds, 10};
-  Published<ScreenshotNaming> screenshotNaming{changed, ModelField::screenshotNaming, ScreenshotNaming::original};
-  Published<bool> includesNonCaptureImages{changed, ModelField::includesNonCaptureImages, false};
-  Published<std::optional<ScopedError>> promptError{changed, ModelField::promptError};
-  Published<std::optional<ScopedError>> inboxError{changed, ModelField::inboxError};
-  Published<std::optional<ScopedError>> settingsError{changed, ModelField::settingsError};
-  Published<std::optional<BackgroundIssue>> backgroundIssue{changed, ModelField::backgroundIssue};
-  Published<std::optional<FileURL>> watchFolderURL{changed, ModelField::watchFolderURL};
-  Published<WatcherStatus> watcherStatus{changed, ModelField::watcherStatus, WatcherStatus::notChosen};
-  Published<std::optional<FileURL>> macOSScreenshotFolder{changed, ModelField::macOSScreenshotFolder};
-  Published<std::optional<ScreenshotLocationChange>> lastScreenshotLocationChange{
-      changed, ModelField::lastScreenshotLocationChange};
-  Published<bool> watchFolderHasReceivedScreenshot{changed, ModelField::watchFolderHasReceivedScreenshot, false};
-  Published<std::optional<QString>> dismissedLocationMismatchPath{changed, ModelField::dismissedLocationMismatchPath};
-  Published<bool> hasSeenWelcome{changed, ModelField::hasSeenWelcome, false};
-  Published<UUIDSet> unavailableItemIDs{changed, ModelField::unavailableItemIDs};
-  Published<UUIDSet> evictedItemIDs{changed, ModelField::evictedItemIDs};
-  Published<UUIDSet> iCloudItemIDs{changed, ModelField::iCloudItemIDs};
-  Published<UUIDMap<DownloadState>> downloadStates{changed, ModelField::downloadStates};
-  Published<UUIDSet> analyzingIDs{changed, ModelField::analyzingIDs};
-  Published<std::optional<AnalysisError>> intelligenceUnavailability{changed, ModelField::intelligenceUnavailability};
-  Published<std::vector<UUID>> promptQueue{changed, ModelField::promptQueue};
-  Published<int> promptFocusRequest{changed, ModelField::promptFocusRequest, 0};
-  Published<int> promptContentGeneration{changed, ModelField::promptContentGeneration, 0};
-  Published<std::optional<PromptWindowExtraction>> promptWindowExtraction{changed, ModelField::promptWindowExtraction};
+  Field<UUIDSet> selectedItemIDs{changed, ModelField::selectedItemIDs};
+  Field<std::optional<ScopedError>> promptError{changed, ModelField::promptError};
+  Field<std::optional<ScopedError>> inboxError{changed, ModelField::inboxError};
+  Field<std::optional<ScopedError>> settingsError{changed, ModelField::settingsError};
+  Field<std::optional<BackgroundIssue>> backgroundIssue{changed, ModelField::backgroundIssue};
+  Field<std::optional<FileURL>> watchFolderURL{changed, ModelField::watchFolderURL};
+  Field<WatcherStatus> watcherStatus{changed, ModelField::watcherStatus, WatcherStatus::notChosen};
+  Field<std::optional<FileURL>> macOSScreenshotFolder{changed, ModelField::macOSScreenshotFolder};
+  Field<std::optional<ScreenshotLocationChange>> lastScreenshotLocationChange{changed,
+                                                                              ModelField::lastScreenshotLocationChange};
+  Field<UUIDSet> unavailableItemIDs{changed, ModelField::unavailableItemIDs};
+  Field<UUIDSet> evictedItemIDs{changed, ModelField::evictedItemIDs};
+  Field<UUIDSet> iCloudItemIDs{changed, ModelField::iCloudItemIDs};
+  Field<UUIDMap<DownloadState>> downloadStates{changed, ModelField::downloadStates};
+  Field<UUIDSet> analyzingIDs{changed, ModelField::analyzingIDs};
+  Field<std::optional<AnalysisError>> intelligenceUnavailability{changed, ModelField::intelligenceUnavailability};
 
   void setSelectedItemIDs(UUIDSet ids) { selectedItemIDs.set(std::move(ids)); }
-  void setMenuBarEnabled(bool isOn);
-  void setShowPopupThumbnail(bool isOn);
-  void setAnalyzeScreenshots(bool isOn);
-  void setModelAddress(const QString& address);
-  void setShowsDeleteImmediately(bool isOn);
-  void setDeletesChosenImmediately(bool isOn);
-  void setDeletesExpiredImmediately(bool isOn);
-  void setPopupAutoSaveEnabled(bool isOn);
-  static constexpr int kShortestPopupSeconds = 3;
-  static constexpr int kLongestPopupSeconds = 300;
-  /// Cut to those limits.
-  void setPopupAutoSaveSeconds(int seconds);
-  void setScreenshotNaming(ScreenshotNaming naming);
-  void setIncludesNonCaptureImages(bool includes);
-  void setHasSeenWelcome(bool hasSeen);
   void show(ErrorScope scope, const QString& title, const QString& message);
   void dismissError(ErrorScope scope);
+  void dismissBackgroundIssue();
   void announce(const QString& text, AnnouncementPriority priority) const;
   Date now() const { return dependencies_.now(); }
 
-  // --- Arrival and the decision queue: AppModelArrival.cpp ---
-  void record(const FileURL& url, bool arrivedFromElsewhere);
+  // --- Settings: AppModelSettings.cpp ---
+  const Settings& settings() const { return settings_; }
+  void setMenuBarEnabled(bool isOn) { settings_.menuBarEnabled.change(isOn); }
+  void setShowPopupThumbnail(bool isOn);
+  void setAnalyzeScreenshots(bool isOn);
+  void setModelAddress(const QString& address);
+  void setShowsDeleteImmediately(bool isOn) { settings_.showsDeleteImmediately.change(isOn); }
+  void setDeletesChosenImmediately(bool isOn) { settings_.deletesChosenImmediately.change(isOn); }
+  void setDeletesExpiredImmediately(bool isOn) { settings_.deletesExpiredImmediately.change(isOn); }
+  void setPopupAutoSaveEnabled(bool isOn);
+  void setPopupAutoSaveSeconds(int seconds);
+  void setScreenshotNaming(ScreenshotNaming naming) { settings_.screenshotNaming.change(naming); }
+  void setIncludesNonCaptureImages(bool includes);
+  void setHasSeenWelcome(bool hasSeen) { settings_.hasSeenWelcome.change(hasSeen); }
+
+  // --- Arrival: AppModelArrival.cpp ---
+  enum class Origin { capturedHere, elsewhere };
+  void record(const FileURL& url, Origin origin);
   const RecordIndex& recordIndex();
-  void enqueuePrompt(const UUID& id);
-  void showNextPrompt();
-  /// Takes ids out of the queue; only the head's leaving changes what is on screen.
+
+  // --- The popup's queue: AppModelPrompts.cpp ---
+  const PromptQueue& prompts() const { return prompts_; }
+  /// The screenshot in the popup.
+  const ScreenshotItem* promptedItem() const;
+  void enqueuePrompt(const UUID& id) { prompts_.enqueue(id); }
+  void showNextPrompt() { prompts_.showNext(); }
+  /// Takes ids out of the queue, and ends their time.
   void resolvePrompts(const UUIDSet& ids);
   /// The popup's close button: the record stays pending, and the next screenshot comes up.
   void dismissPrompt();
   /// Gives the popup the keyboard, filling the queue first if it is empty.
-  void reviewPending(bool announcesFocus);
-  /// The screenshot on screen.
-  const ScreenshotItem* headOfQueue() const;
+  void reviewPending(FocusNews news);
 
   // --- Reconciliation: AppModelReconciliation.cpp ---
-  struct ReconcileRequest {
-    std::optional<UUIDSet> ids;  ///< none: every record
-    bool polite = false;
-    bool dropsUnavailableFromQueue = false;
-    std::vector<std::function<void()>> completions;
-  };
-  void reconcile(ReconcileRequest request);
-  bool isReconciling() const { return static_cast<bool>(reconcileTask_); }
+  void reconcile(ReconcileRequest request) { reconciliations_.request(std::move(request)); }
+  bool isReconciling() const { return reconciliations_.isRunning(); }
 
   // --- Decisions: AppModelDecisions.cpp ---
   /// Both decide at once, unless an extracted window must take the screenshot's place first; where that fails nothing
@@ -139,10 +128,6 @@ class AppModel : private AnalysisRecords {
   Task<> keepPrompt(UUID id, std::optional<QString> name = {});
   void markTemporaryBatch(const std::vector<UUID>& ids, TemporaryDuration duration);
   void keepBatch(const std::vector<UUID>& ids);
-  /// While a record's file is open in the program it cannot be disposed of, and its time does not run out.
-  /// As often as it was protected.
-  void protect(const UUID& id) { ++protectedItems_[id]; }
-  void unprotect(const UUID& id);
 
   // --- Popup timeout: AppModelTimeout.cpp ---
   /// What stands in the popup's name field.
@@ -161,8 +146,16 @@ class AppModel : private AnalysisRecords {
   // --- Disposal: AppModelDisposal.cpp ---
   enum class DisposalReason { chosen, expired, deleteImmediately };
   enum class TrashOutcome { removed, notTracked, inUse, failed, unreachable };
+  enum class ChosenDisposal { done, declined, refused };
+  /// What the person chose on any surface. Where that deletes, it asks first; until the answer the record can neither
+  /// expire nor be disposed of from elsewhere. A refusal is shown in `scope`.
+  ChosenDisposal disposeChosen(const UUID& id, ErrorScope scope);
   void disposeItem(const ScreenshotItem& item, ErrorScope scope, DisposalReason reason);
   void disposeBatch(const std::vector<ScreenshotItem>& items, ErrorScope scope, DisposalReason reason);
+  /// While a record's file is open in the program it cannot be disposed of, and its time does not run out: until it was
+  /// unprotected as often as it was protected.
+  void protect(const UUID& id) override { ++protectedItems_[id]; }
+  void unprotect(const UUID& id) override;
   /// Forgets records; their files stay. The caller saves.
   void removeRecords(const UUIDSet& ids);
 
@@ -176,14 +169,8 @@ class AppModel : private AnalysisRecords {
   void moveAndRename(UUID id);
   void move(const UUID& id, const FileURL& destination);
 
-  // --- Crops: AppModelReplacing.cpp ---
-  /// What tells whether a file is still the one that was read.
-  struct FileStamp {
-    std::optional<FileIdentity> identity;
-    Date modified;
-    bool operator==(const FileStamp&) const = default;
-  };
-  FileStamp stampOf(const FileURL& url) const;
+  // --- Crops: AppModelCrops.cpp ---
+  FileStamp stampOf(const FileURL& url) const { return fileStamp(url, dependencies_.fileIdentity); }
   /// Puts the part of `image` inside `rect` in the place of the record's file, which goes to Trash; not if that is no
   /// longer the file that the picture was `readFrom`, or as it is now. Gives why it failed, in words; nothing has
   /// changed then.
@@ -193,9 +180,9 @@ class AppModel : private AnalysisRecords {
   Task<Result<UUID, QString>> saveAsNew(UUID id, QImage image, QRectF rect);
 
   // --- Extract Window: AppModelExtraction.cpp ---
+  const WindowExtractionRun& windowExtraction() const { return extraction_; }
   /// Turns it on or off for the screenshot in the popup; gives what the popup is to tell.
   Task<std::optional<PromptPreviewNotice>> setPromptWindowExtraction(ScreenshotItem item, bool enabled);
-  void clearPromptWindowExtraction();
   /// Puts the extracted window in the screenshot's place, if there is one. Gives why it failed, in words.
   Task<std::optional<QString>> saveExtractedWindow(UUID id);
   /// The same before a decision; false when the decision must not be made, which is shown.
@@ -203,11 +190,13 @@ class AppModel : private AnalysisRecords {
 
   // --- Copy, drag and share: AppModelTransfer.cpp ---
   /// Puts the picture, or the extracted window, on the clipboard. A failure is shown in `scope`.
-  Task<> copy(ScreenshotItem item, ErrorScope scope);
+  Task<> copy(ScreenshotItem item, ErrorScope scope) { return transfers_.copy(std::move(item), scope); }
   /// Puts the text in the screenshot on the clipboard; gives what the popup is to tell.
   Task<std::optional<PromptPreviewNotice>> copyRecognizedText(ScreenshotItem item);
   /// The file, or a copy of it under another name, or the extracted window. Nothing when that failed, which is shown.
-  Task<std::optional<PreparedTransfer>> prepareTransfer(ScreenshotItem item, std::optional<QString> name);
+  Task<std::optional<PreparedTransfer>> prepareTransfer(ScreenshotItem item, std::optional<QString> name) {
+    return transfers_.prepare(std::move(item), std::move(name));
+  }
 
   // --- Analysis: AppModelAnalysis.cpp ---
   /// Describes the screenshot anew or for the first time, unless that is being done.
@@ -244,43 +233,35 @@ class AppModel : private AnalysisRecords {
 
   // --- Expiry: AppModelExpiry.cpp ---
   void expire(const UUID& id);
-  void dismissBackgroundIssue();
   const ExpirationScheduler& expirationScheduler() const { return expirationScheduler_; }
 
  private:
   // AppModel.cpp
-  void readSettings();
   void wireMonitor();
   void observeSystem();
   void finishStart();
   void updateSystemPause();
-  void setFlag(Published<bool>& field, const char* key, bool isOn);
-  void setWatchFolderHasReceivedScreenshot(bool hasReceived);
   static Task<> saveLater(Weak<AppModel> self);
   /// The only way to change a record; answers whether it became another.
   bool updateItem(size_t index, const std::function<void(ScreenshotItem&)>& change);
   void insertNewest(ScreenshotItem item);
   void forgetInIndex(const ScreenshotItem& item);
-  static void setMember(Published<UUIDSet>& set, const UUID& id, bool isMember);
+  static void setMember(Field<UUIDSet>& set, const UUID& id, bool isMember);
 
-  // AppModelArrival.cpp
-  bool followRename(const FileURL& url, const FileIdentity& identity);
-  void setVisiblePrompt(const std::optional<UUID>& id);
-  void announcePrompt();
-  bool enqueueAllPending();
-  std::optional<UUID> queueHead() const;
+  // AppModelPrompts.cpp
+  std::vector<UUID> pendingPrompts() const;
+  /// The popup shows nothing about a screenshot that it has gone on from.
+  ErrorScope scopeNow(ErrorScope scope, const UUID& id) const;
+  void promptIsComing() override { promptError.set(std::nullopt); }
+  void promptIsLeft() override;
+  void showPrompt(const ScreenshotItem& item) override;
 
   // AppModelReconciliation.cpp
   void handleRemoval(const std::vector<FileURL>& urls);
   void handleStatus(WatcherStatus status);
-  static Task<> runReconciliation(Weak<AppModel> self, ReconcileRequest request);
-  std::vector<ReconcileInput> reconcileInputs(const std::optional<UUIDSet>& ids) const;
-  ReconcileEnvironment reconcileEnvironment();
-  void applyOutcomes(const UUIDMap<ReconcileOutcome>& outcomes, const std::vector<ReconcileInput>& inputs, bool polite,
-                     bool dropsUnavailable);
+  ReconcileRun prepareRun(const std::optional<UUIDSet>& ids) override;
+  void applyRun(const ReconcileRun& run, const ReconcileRequest& request) override;
   bool applyPresent(size_t index, const FilePresent& present);
-  void updateLocation(size_t index, const FileURL& url, const std::optional<FileURL>& scopedURL);
-  std::optional<FileURL> relocateByBookmark(size_t index);
 
   // AppModelDecisions.cpp
   static Task<> runMarkTemporary(Weak<AppModel> self, UUID id, TemporaryDuration duration, std::optional<QString> name);
@@ -288,10 +269,10 @@ class AppModel : private AnalysisRecords {
   bool isUndecided(const UUID& id) const;
   void makeTemporary(size_t index, TemporaryDuration duration, Date moment);
   void keepItem(size_t index);
-  void refreshExpirationBanner();
 
   // AppModelTimeout.cpp
   void beginCountdown(const UUID& id);
+  void restartCountdown();
   void popupTimedOut(const UUID& id);
   static Task<> keepAfterTimeout(Weak<AppModel> self, UUID id);
   std::optional<QString> timeoutName(const ScreenshotItem& item) const;
@@ -305,42 +286,24 @@ class AppModel : private AnalysisRecords {
   bool isOfARecord(const FileIdentity& identity);
   NumberedSearchResult moveToStem(const FileURL& url, const QString& stem);
 
-  // AppModelReplacing.cpp
-  static Task<std::optional<QString>> runReplacement(Weak<AppModel> self, UUID id, QImage image, QRectF rect,
-                                                     FileStamp readFrom);
+  // AppModelCrops.cpp
   static Task<Result<UUID, QString>> runSaveAsNew(Weak<AppModel> self, UUID id, QImage image, QRectF rect);
-  std::optional<QString> putInPlace(const UUID& id, const FileURL& original, const FileURL& temporary,
-                                    const FileStamp& readFrom);
-  void takeBackFromTrash(size_t index, const FileURL& place);
-  void finishReplacement(size_t index);
-  void finishReplacements();
-  static Task<> sweepTemporaries(Weak<AppModel> self, std::vector<Replacement> begun);
+  void fileWasReplaced(const UUID& id) override;
+  void fileWasPutAt(const UUID& id, const FileURL& url) override;
   UUID addDerived(const FileURL& url, const UUID& source);
 
   // AppModelExtraction.cpp
-  struct ExtractedWindow {
-    QImage image;
-    QRectF crop;
-  };
   static Task<std::optional<PromptPreviewNotice>> runWindowExtraction(Weak<AppModel> self, ScreenshotItem item,
                                                                       bool enabled);
   static Task<std::optional<QString>> runWindowSaving(Weak<AppModel> self, UUID id);
   static Task<bool> runPromptCommit(Weak<AppModel> self, UUID id);
-  std::optional<ExtractedWindow> extractedWindow(const UUID& id) const;
-  bool isSeekingWindow(const UUID& id) const;
-  bool isSavingWindow(const UUID& id) const;
+  std::optional<PromptPreviewTransfer::Crop> extractedWindow(const UUID& id) const override;
   PromptPreviewNotice tell(PromptPreviewNotice notice) const;
 
   // AppModelTransfer.cpp
-  enum class CopyFailure { unavailable, evicted, unreadable };
-  static QString copyMessage(CopyFailure failure, const QString& name);
-  std::function<Result<ScreenshotPasteboardItem, CopyFailure>()> reading(const PromptPreviewTransfer& transfer) const;
-  PromptPreviewTransfer transfer(const ScreenshotItem& item, const std::optional<QString>& name) const;
-  static Task<> runCopy(Weak<AppModel> self, ScreenshotItem item, ErrorScope scope);
+  std::optional<CopyFailure> knownObstacle(const UUID& id) const override;
+  void showTransferFailure(ErrorScope scope, const UUID& id, const QString& title, const QString& message) override;
   static Task<std::optional<PromptPreviewNotice>> runTextCopy(Weak<AppModel> self, ScreenshotItem item);
-  static Task<std::optional<PreparedTransfer>> runTransfer(Weak<AppModel> self, ScreenshotItem item,
-                                                           std::optional<QString> name);
-  ErrorScope scopeNow(ErrorScope scope, const UUID& id) const;
 
   // AppModelAnalysis.cpp
   void startMissingAnalysis();
@@ -358,13 +321,20 @@ class AppModel : private AnalysisRecords {
   void restoreWatchFolder();
   bool retryWatchFolder();
   void followMovedFolder(const FileURL& folder);
-  void moveRecords(const FileURL& from, const FileURL& to);
   void setWatchFolder(const std::optional<FileURL>& url);
   std::string pathKeyOf(const FileURL& url) const { return pathKey(url, watchFolderPaths_); }
+
+  // AppModelFileAccess.cpp
   void refreshBookmark(size_t index, const std::optional<QByteArray>& oldBookmark);
   void refreshItemAccess(size_t index, const std::optional<FileURL>& resolved);
   static Task<> refreshEveryItemAccess(Weak<AppModel> self);
   void openItemAccess(size_t index, const std::optional<ResolvedBookmark>& bookmarked);
+
+  // Files that are elsewhere now: AppModelFollowing.cpp
+  bool followRename(const FileURL& url, const FileIdentity& identity);
+  void updateLocation(size_t index, const FileURL& url, const std::optional<FileURL>& scopedURL);
+  std::optional<FileURL> relocateByBookmark(size_t index);
+  void moveRecords(const FileURL& from, const FileURL& to);
 
   // AppModelScreenshotLocation.cpp
   void checkLocationRegularly();
@@ -384,12 +354,15 @@ class AppModel : private AnalysisRecords {
   void retryUnreachable(const UUID& id);
   void recordExpirationFailure(const UUID& id);
   void forget(const UUID& id);
+  void refreshExpirationBanner();
 
   AppModelDependencies dependencies_;
+  Settings settings_;
   ScreenshotList items_;
+  PromptQueue prompts_;
+  WindowExtractionRun extraction_;
   ScreenshotListWriter listWriter_;
-  ReplacementJournal replacementJournal_;
-  Task<> sweepTask_;
+  FileReplacement replacement_{dependencies_, items_, *this};
   bool recordsReadOnly_ = false;
   bool didStart_ = false;
   bool isRecovering_ = false;  ///< arrivals wait, so that the lost run's screenshots come back oldest first
@@ -401,30 +374,20 @@ class AppModel : private AnalysisRecords {
   ExpirationScheduler expirationScheduler_;
   PopupAutoSaveScheduler popupAutoSaveScheduler_;
   FolderAccess access_;
+  ReconciliationRuns reconciliations_;
   Task<> itemAccessTask_;
   std::optional<WatchFolderPaths> watchFolderPaths_;
   std::optional<RecordIndex> recordIndexCache_;
 
-  std::optional<UUID> lastVisiblePromptID_;
   std::optional<PromptNameEdit> promptNameEdit_;
-  QImage promptExtractionImage_;    ///< the scanned picture, so that saving reads nothing
-  FileStamp promptExtractionFile_;  ///< that it was read from
-  int copyCount_ = 0;
-  Task<Result<ImageOperations::WindowScan, ImageOperations::OperationError>> promptWindowScan_;
-  bool announcesPromptChangesPolitely_ = false;
-  bool announcesShortcutHint_ = true;
 
   Task<> locationCheckTask_;
   CloudDownloads downloads_;
-
-  Task<> reconcileTask_;
-  std::optional<ReconcileRequest> queuedReconcile_;
-  UUIDSet arrivedDuringRun_;  ///< records under whose path a file came while a run was looking
+  PictureTransfers transfers_{dependencies_, items_, *this};
 
   UUIDMap<int> protectedItems_;
-  UUIDMap<int> expirationFailures_;  ///< failed Trash attempts
+  ExpiryRetries expiryRetries_{dependencies_.unavailableRetryDelay};
   bool expiryChangedRecords_ = false;
-  UUIDMap<int> unreachableExpirations_;  ///< attempts made while the file could not be reached
 
   AnalysisPipeline analysis_;
 

@@ -13,7 +13,7 @@ void AppModel::cancelAllAnalysis() {
 }
 
 AnalysisAvailability AppModel::analysisAvailability() const {
-  if (!*analyzeScreenshots) return AnalysisAvailability::turnedOff;
+  if (!*settings_.analyzeScreenshots) return AnalysisAvailability::turnedOff;
   return *intelligenceUnavailability ? AnalysisAvailability::unavailable : AnalysisAvailability::enabled;
 }
 
@@ -32,7 +32,7 @@ void AppModel::startMissingAnalysis() {
 
 void AppModel::refreshModelAvailability() {
   analysis_.refreshAvailability([this] {
-    if (*analyzeScreenshots) startMissingAnalysis();
+    if (*settings_.analyzeScreenshots) startMissingAnalysis();
   });
 }
 

@@ -20,8 +20,7 @@ Task<> AppModel::runMarkTemporary(Weak<AppModel> self, UUID id, TemporaryDuratio
   if (name) self->rename(id, *name, ErrorScope::popup);
   // Its file turned out to have been moved away by the person, which keeps it.
   if (!self->isUndecided(id)) co_return;
-  self->lastTemporaryDuration.set(duration);
-  self->dependencies_.defaults->set(QStringLiteral("quillmere.last-duration"), static_cast<int>(duration));
+  self->settings_.lastTemporaryDuration.choose(duration);
   self->makeTemporary(*self->items_.indexOf(id), duration, self->now());
   self->resolvePrompts({id});
   self->saveNow();
@@ -32,12 +31,11 @@ void AppModel::markTemporaryBatch(const std::vector<UUID>& ids, TemporaryDuratio
   for (const UUID& id : ids) {
     const ScreenshotItem* item = items_.find(id);
     // The decision that is being carried out in the popup came first.
-    if (!item || isSavingWindow(id) || unavailableItemIDs->contains(id)) continue;
+    if (!item || extraction_.isSaving(id) || unavailableItemIDs->contains(id)) continue;
     if (item->state == ScreenshotItem::State::pending) decided.insert(id);
   }
   if (decided.empty()) return;
-  lastTemporaryDuration.set(duration);
-  dependencies_.defaults->set(QStringLiteral("quillmere.last-duration"), static_cast<int>(duration));
+  settings_.lastTemporaryDuration.choose(duration);
   const Date moment = now();
   for (const UUID& id : decided) makeTemporary(*items_.indexOf(id), duration, moment);
   resolvePrompts(decided);
@@ -60,8 +58,7 @@ void AppModel::keepItem(size_t index) {
   });
   const UUID id = items_[index].id;
   expirationScheduler_.cancel(id);
-  unreachableExpirations_.erase(id);
-  if (expirationFailures_.erase(id) > 0) refreshExpirationBanner();
+  if (expiryRetries_.forget(id)) refreshExpirationBanner();
 }
 
 Task<> AppModel::keepPrompt(UUID id, std::optional<QString> name) {
@@ -85,7 +82,7 @@ void AppModel::keepBatch(const std::vector<UUID>& ids) {
   UUIDSet kept;
   for (const UUID& id : ids) {
     const auto index = items_.indexOf(id);
-    if (!index || isSavingWindow(id) || unavailableItemIDs->contains(id)) continue;
+    if (!index || extraction_.isSaving(id) || unavailableItemIDs->contains(id)) continue;
     if (items_[*index].state == ScreenshotItem::State::permanent) continue;
     keepItem(*index);
     kept.insert(id);
@@ -93,21 +90,6 @@ void AppModel::keepBatch(const std::vector<UUID>& ids) {
   if (kept.empty()) return;
   resolvePrompts(kept);
   saveNow();
-}
-
-void AppModel::refreshExpirationBanner() {
-  using Kind = BackgroundIssue::Kind;
-  if (!expirationFailures_.empty()) {
-    const int count = static_cast<int>(expirationFailures_.size());
-    backgroundIssue.set(BackgroundIssue{Kind::expiredScreenshotsNotTrashed, count});
-  } else if (*backgroundIssue && (*backgroundIssue)->kind == Kind::expiredScreenshotsNotTrashed) {
-    backgroundIssue.set(std::nullopt);
-  }
-}
-
-void AppModel::unprotect(const UUID& id) {
-  const auto found = protectedItems_.find(id);
-  if (found != protectedItems_.end() && --found->second == 0) protectedItems_.erase(found);
 }
 
 }  // namespace quillmere

@@ -143,6 +143,8 @@ struct AppModelDependencies {
   Duration downloadStallTimeout = std::chrono::seconds(120);
   double unavailableRetryDelay = 60.0;  ///< seconds
 
+  /// Asks, modally, whether the file of this name is to be deleted for good.
+  std::function<bool(const QString& fileName)> confirmDeletion;
   std::function<bool(const FileURL&)> isInTrash;                            ///< any thread
   std::function<std::optional<FileIdentity>(const FileURL&)> fileIdentity;  ///< any thread
   std::function<bool(const FileURL&)> isFolderReachable;                    ///< any thread

@@ -8,9 +8,9 @@ namespace quillmere {
 bool AppModel::deletes(DisposalReason reason) const {
   switch (reason) {
     case DisposalReason::chosen:
-      return *deletesChosenImmediately;
+      return *settings_.deletesChosenImmediately;
     case DisposalReason::expired:
-      return *deletesExpiredImmediately;
+      return *settings_.deletesExpiredImmediately;
     case DisposalReason::deleteImmediately:
       return true;
   }
@@ -38,6 +38,20 @@ AppModel::TrashOutcome AppModel::dispose(const UUID& id, bool deletes) {
   if (dependencies_.isFolderReachable(url.parent())) return TrashOutcome::removed;
   setMember(unavailableItemIDs, id, true);
   return TrashOutcome::unreachable;
+}
+
+AppModel::ChosenDisposal AppModel::disposeChosen(const UUID& id, ErrorScope scope) {
+  const ScreenshotItem* item = items_.find(id);
+  if (!item) return ChosenDisposal::declined;
+  const ScreenshotItem chosen = *item;
+  if (deletes(DisposalReason::chosen)) {
+    protect(chosen.id);
+    const bool isConfirmed = dependencies_.confirmDeletion(chosen.url.displayName());
+    unprotect(chosen.id);
+    if (!isConfirmed) return ChosenDisposal::declined;
+  }
+  disposeItem(chosen, scope, DisposalReason::chosen);
+  return items_.find(chosen.id) ? ChosenDisposal::refused : ChosenDisposal::done;
 }
 
 void AppModel::disposeItem(const ScreenshotItem& item, ErrorScope scope, DisposalReason reason) {
@@ -138,8 +152,7 @@ void AppModel::removeRecords(const UUIDSet& ids) {
     cancelAnalysis(id);
     access_.closeItem(id);
     endDownload(id);
-    unreachableExpirations_.erase(id);
-    failureWent = expirationFailures_.erase(id) > 0 || failureWent;
+    failureWent = expiryRetries_.forget(id) || failureWent;
     protectedItems_.erase(id);
     if (const ScreenshotItem* item = items_.find(id)) forgetInIndex(*item);
   }
@@ -150,6 +163,11 @@ void AppModel::removeRecords(const UUIDSet& ids) {
   auto indices = items_.remove(ids);
   if (!indices.empty()) changed(ModelChange{ModelField::items, ModelChange::Rows::removed, std::move(indices)});
   if (failureWent) refreshExpirationBanner();
+}
+
+void AppModel::unprotect(const UUID& id) {
+  const auto found = protectedItems_.find(id);
+  if (found != protectedItems_.end() && --found->second == 0) protectedItems_.erase(found);
 }
 
 }  // namespace quillmere

@@ -1,5 +1,3 @@
-#include <algorithm>
-#include <cmath>
 #include <utility>
 
 #include "foundation/FileStatus.h"
@@ -9,16 +7,6 @@ namespace quillmere {
 namespace {
 
 constexpr double kProtectedRetry = 10.0;
-constexpr double kFirstFailureRetry = 60.0;
-constexpr double kLongestRetry = 3600.0;
-/// From this many failures on nothing is retried until the person or the next launch asks.
-constexpr int kMaxFailures = 8;
-/// Keeps the power below from overflowing.
-constexpr int kMaxDoublings = 12;
-
-double backOff(double first, int attempt) {
-  return std::min(first * std::pow(2.0, std::min(attempt, kMaxDoublings) - 1), kLongestRetry);
-}
 
 /// Whether the file could be looked at closely enough to tell it from another one. What is no regular file has no
 /// identity.
@@ -130,43 +118,21 @@ void AppModel::forget(const UUID& id) {
 
 void AppModel::retryUnreachable(const UUID& id) {
   setMember(unavailableItemIDs, id, true);
-  const int attempt = ++unreachableExpirations_[id];
-  expirationScheduler_.schedule(id, now() + backOff(dependencies_.unavailableRetryDelay, attempt));
+  expirationScheduler_.schedule(id, now() + expiryRetries_.afterUnreachable(id));
 }
 
 void AppModel::recordExpirationFailure(const UUID& id) {
-  const int attempt = ++expirationFailures_[id];
-  if (attempt < kMaxFailures) expirationScheduler_.schedule(id, now() + backOff(kFirstFailureRetry, attempt));
+  if (const auto delay = expiryRetries_.afterRefusal(id)) expirationScheduler_.schedule(id, now() + *delay);
   refreshExpirationBanner();
   expiryChangedRecords_ = true;
 }
 
-void AppModel::dismissBackgroundIssue() {
-  if (!*backgroundIssue) return;
-  switch ((*backgroundIssue)->kind) {
-    case BackgroundIssue::Kind::expiredScreenshotsNotTrashed: {
-      // Dismissing is an immediate retry with a fresh count.
-      UUIDMap<Date> retries;
-      for (auto& [id, count] : expirationFailures_) {
-        count = 0;
-        retries[id] = now();
-      }
-      expirationScheduler_.schedule(retries);
-      backgroundIssue.set(std::nullopt);
-      return;
-    }
-    case BackgroundIssue::Kind::recordsReadOnly: {
-      const auto& store = dependencies_.recordStore;
-      const bool isSafe =
-          store.backup(ScreenshotRecordStore::BackupReason::backup, now()) || !fileExists(store.fileURL);
-      if (!isSafe) return;
-      recordsReadOnly_ = false;
-      backgroundIssue.set(std::nullopt);
-      saveNow();
-      return;
-    }
-    default:
-      backgroundIssue.set(std::nullopt);
+void AppModel::refreshExpirationBanner() {
+  using Kind = BackgroundIssue::Kind;
+  if (const int count = expiryRetries_.refusedCount(); count > 0) {
+    backgroundIssue.set(BackgroundIssue{Kind::expiredScreenshotsNotTrashed, count});
+  } else if (*backgroundIssue && (*backgroundIssue)->kind == Kind::expiredScreenshotsNotTrashed) {
+    backgroundIssue.set(std::nullopt);
   }
 }
 

@@ -30,64 +30,13 @@ void AppModel::handleStatus(WatcherStatus status) {
   reconcile({.ids = std::nullopt, .polite = true, .dropsUnavailableFromQueue = isLost(status), .completions = {}});
 }
 
-void AppModel::reconcile(ReconcileRequest request) {
-  if (!reconcileTask_) {
-    reconcileTask_ = runReconciliation(lifetime_.weak(this), std::move(request));
-    // A run that ended at once has nothing to clear the handle after it.
-    if (reconcileTask_.isDone()) reconcileTask_ = {};
-    return;
-  }
-  if (!queuedReconcile_) {
-    queuedReconcile_ = std::move(request);
-    return;
-  }
-  ReconcileRequest& queued = *queuedReconcile_;
-  if (!request.ids) {
-    queued.ids.reset();
-  } else if (queued.ids) {
-    queued.ids->insert(request.ids->begin(), request.ids->end());
-  }
-  queued.polite = queued.polite || request.polite;
-  queued.dropsUnavailableFromQueue = queued.dropsUnavailableFromQueue || request.dropsUnavailableFromQueue;
-  for (auto& completion : request.completions) queued.completions.push_back(std::move(completion));
-}
-
-Task<> AppModel::runReconciliation(Weak<AppModel> self, ReconcileRequest request) {
-  self->arrivedDuringRun_.clear();
-  Executor& executor = *self->dependencies_.executor;
-  auto run = std::make_shared<ReconcileRun>();
-  run->inputs = self->reconcileInputs(request.ids);
-  run->environment = self->reconcileEnvironment();
-  std::function<bool()> work = [run] {
-    run->outcomes = resolveOutcomes(run->inputs, run->environment);
-    return true;
-  };
-  auto resolving = executor.background(work);
-  co_await resolving;
-  work = nullptr;
-  if (!self) co_return;
-  self->applyOutcomes(run->outcomes, run->inputs, request.polite, request.dropsUnavailableFromQueue);
-  // Freeing so many texts takes as long as applying them.
-  executor.runInBackground([garbage = std::move(run)]() mutable { garbage.reset(); }, [] {});
-  for (const auto& completion : request.completions) {
-    if (self) completion();
-  }
-  if (!self) co_return;
-  self->reconcileTask_ = {};
-  if (auto next = std::exchange(self->queuedReconcile_, std::nullopt)) self->reconcile(std::move(*next));
-}
-
-std::vector<ReconcileInput> AppModel::reconcileInputs(const std::optional<UUIDSet>& ids) const {
-  std::vector<ReconcileInput> inputs;
-  inputs.reserve(ids ? ids->size() : items_.size());
+ReconcileRun AppModel::prepareRun(const std::optional<UUIDSet>& ids) {
+  ReconcileRun run;
+  run.inputs.reserve(ids ? ids->size() : items_.size());
   items_.forEach([&](const ScreenshotItem& item) {
-    if (!ids || ids->contains(item.id)) inputs.push_back({item.id, item.url, item.fileBookmark, item.fileIdentity});
+    if (!ids || ids->contains(item.id)) run.inputs.push_back({item.id, item.url, item.fileBookmark, item.fileIdentity});
   });
-  return inputs;
-}
-
-ReconcileEnvironment AppModel::reconcileEnvironment() {
-  ReconcileEnvironment environment;
+  ReconcileEnvironment& environment = run.environment;
   environment.watchFolder = *watchFolderURL;
   environment.watchFolderPaths = watchFolderPaths_;
   environment.hasFolderAccess = access_.folder() == *watchFolderURL;
@@ -99,26 +48,25 @@ ReconcileEnvironment AppModel::reconcileEnvironment() {
   environment.isFolderReachable = dependencies_.isFolderReachable;
   environment.isDataless = dependencies_.isDataless;
   environment.isUbiquitous = dependencies_.isUbiquitous;
-  return environment;
+  return run;
 }
 
-void AppModel::applyOutcomes(const UUIDMap<ReconcileOutcome>& outcomes, const std::vector<ReconcileInput>& inputs,
-                             bool polite, bool dropsUnavailable) {
-  announcesPromptChangesPolitely_ = polite;
+void AppModel::applyRun(const ReconcileRun& run, const ReconcileRequest& request) {
+  prompts_.setPriority(request.polite ? AnnouncementPriority::low : AnnouncementPriority::high);
   UUIDSet unavailable = *unavailableItemIDs;
   UUIDSet evicted = *evictedItemIDs;
   UUIDSet iCloud = *iCloudItemIDs;
   UUIDSet gone;
   bool recordsChanged = false;
 
-  for (const ReconcileInput& input : inputs) {
-    const auto outcome = outcomes.find(input.id);
+  for (const ReconcileInput& input : run.inputs) {
+    const auto outcome = run.outcomes.find(input.id);
     const auto index = items_.indexOf(input.id);
     // A record that changed during the run knows better.
-    if (outcome == outcomes.end() || !index || items_[*index].url != input.url) continue;
+    if (outcome == run.outcomes.end() || !index || items_[*index].url != input.url) continue;
     const bool isGone = std::holds_alternative<FileGone>(outcome->second);
     // A new file has taken the name during the run, and its arrival was taken for the known one.
-    if (isGone && arrivedDuringRun_.contains(input.id)) continue;
+    if (isGone && reconciliations_.hasArrived(input.id)) continue;
     if (!evicted.empty()) evicted.erase(input.id);
     if (!iCloud.empty()) iCloud.erase(input.id);
     const auto* present = std::get_if<FilePresent>(&outcome->second);
@@ -139,15 +87,15 @@ void AppModel::applyOutcomes(const UUIDMap<ReconcileOutcome>& outcomes, const st
   evictedItemIDs.set(std::move(evicted));
   iCloudItemIDs.set(std::move(iCloud));
   if (!gone.empty()) removeRecords(gone);
-  if (dropsUnavailable) {
+  if (request.dropsUnavailableFromQueue) {
     UUIDSet lost;
-    for (const ReconcileInput& input : inputs) {
+    for (const ReconcileInput& input : run.inputs) {
       if (unavailable.contains(input.id)) lost.insert(input.id);
     }
     resolvePrompts(lost);
   }
   if (recordsChanged || !gone.empty()) saveNow();
-  announcesPromptChangesPolitely_ = false;
+  prompts_.setPriority(AnnouncementPriority::high);
 }
 
 /// Answers whether the record changed.
@@ -171,43 +119,6 @@ bool AppModel::applyPresent(size_t index, const FilePresent& present) {
     hasChanged = updateItem(index, [&](ScreenshotItem& item) { item.fileIdentity = present.identity; }) || hasChanged;
   }
   return hasChanged;
-}
-
-void AppModel::updateLocation(size_t index, const FileURL& url, const std::optional<FileURL>& scopedURL) {
-  endDownload(items_[index].id);
-  const auto other = recordIndex().atPath(pathKeyOf(url));
-  const FileURL oldURL = items_[index].url;
-  updateItem(index, [&](ScreenshotItem& item) { item.url = url; });
-  dependencies_.monitor->noteUnknown(oldURL);
-  // The place was another record's, whose file has gone from there.
-  if (didStart_ && other && *other != items_[index].id) {
-    reconcile({.ids = UUIDSet{*other}, .polite = true, .dropsUnavailableFromQueue = false, .completions = {}});
-  }
-  dependencies_.monitor->noteKnown(url);
-  const ScreenshotItem& item = items_[index];
-  const UUID id = item.id;
-  const bool leftTheFolder = !watchFolderPaths_ || !watchFolderPaths_->contains(pathKeyOf(url));
-  const bool isDecided =
-      item.state == ScreenshotItem::State::temporary || (item.state == ScreenshotItem::State::pending && leftTheFolder);
-  // What the person moved or renamed is not to be thrown away.
-  if (isDecided) {
-    keepItem(index);
-    resolvePrompts({id});
-  }
-  refreshItemAccess(index, scopedURL);
-}
-
-std::optional<FileURL> AppModel::relocateByBookmark(size_t index) {
-  const ScreenshotItem& item = items_[index];
-  const auto resolved = resolveBookmark(*dependencies_.securityScope, item.fileBookmark);
-  if (!resolved || dependencies_.isInTrash(resolved->url) || pathKeyOf(resolved->url) == pathKeyOf(item.url) ||
-      !fileExists(resolved->url)) {
-    return std::nullopt;
-  }
-  if (resolved->refreshed) {
-    updateItem(index, [&](ScreenshotItem& record) { record.fileBookmark = resolved->refreshed; });
-  }
-  return resolved->url;
 }
 
 }  // namespace quillmere

@@ -5,10 +5,10 @@ namespace quillmere {
 
 bool AppModel::showsLocationMismatch() const {
   // Asked first: comparing the folders looks at the disk.
-  if (*watchFolderHasReceivedScreenshot) return false;
+  if (*settings_.watchFolderHasReceivedScreenshot) return false;
   const auto match = screenshotFolderMatch();
   return match.kind == ScreenshotFolderMatch::Kind::differs &&
-         *dismissedLocationMismatchPath != match.folder->standardized().displayPath();
+         *settings_.dismissedLocationMismatchPath != match.folder->standardized().displayPath();
 }
 
 bool AppModel::canPointMacOSAtWatchFolder() const {
@@ -19,9 +19,7 @@ bool AppModel::canPointMacOSAtWatchFolder() const {
 void AppModel::dismissLocationMismatch() {
   const auto match = screenshotFolderMatch();
   if (match.kind != ScreenshotFolderMatch::Kind::differs) return;
-  const QString path = match.folder->standardized().displayPath();
-  dismissedLocationMismatchPath.set(path);
-  dependencies_.defaults->set(QStringLiteral("quillmere.dismissed-location-mismatch"), path);
+  settings_.dismissedLocationMismatchPath.change(match.folder->standardized().displayPath());
 }
 
 void AppModel::refreshScreenshotLocation() {
@@ -70,8 +68,7 @@ void AppModel::pointMacOSAtWatchFolder() {
     return;
   }
   const auto previous = location.rawValue();
-  const bool isRefused = location.setRawValue(location.rawValueOf(folder));
-  if (isRefused) {
+  if (!location.tryToSetRawValue(location.rawValueOf(folder))) {
     show(ErrorScope::settings, title,
          localized("macOS refused the change, and the setting is unchanged. Change it in Screenshot (⇧⌘5) › Options "
                    "instead."));
@@ -91,7 +88,7 @@ void AppModel::pointMacOSAtWatchFolder() {
 void AppModel::undoScreenshotLocationChange() {
   const auto change = *lastScreenshotLocationChange;
   if (!change) return;
-  if (dependencies_.screenshotLocation->setRawValue(change->previousRawValue)) {
+  if (!dependencies_.screenshotLocation->tryToSetRawValue(change->previousRawValue)) {
     show(ErrorScope::settings, localized("Couldn’t Undo the Change"),
          localized("macOS still saves screenshots to the folder Quillmere chose. Change it back in Screenshot (⇧⌘5) › "
                    "Options."));

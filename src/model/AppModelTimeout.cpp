@@ -3,8 +3,14 @@
 namespace quillmere {
 
 void AppModel::beginCountdown(const UUID& id) {
-  if (!*popupAutoSaveEnabled || queueHead() != id) return;
-  popupAutoSaveScheduler_.begin(id, *popupAutoSaveSeconds);
+  if (!*settings_.popupAutoSaveEnabled || prompts_.front() != id) return;
+  popupAutoSaveScheduler_.begin(id, *settings_.popupAutoSaveSeconds);
+}
+
+/// The visible popup's time starts over in full.
+void AppModel::restartCountdown() {
+  popupAutoSaveScheduler_.reset();
+  if (const auto head = prompts_.front()) beginCountdown(*head);
 }
 
 bool AppModel::isPopupPaused(const UUID& id) const {
@@ -12,8 +18,8 @@ bool AppModel::isPopupPaused(const UUID& id) const {
   if (promptNameEdit_ && promptNameEdit_->id == id && (promptNameEdit_->isEdited || promptNameEdit_->isFocused)) {
     return true;
   }
-  if (isSeekingWindow(id) || isSavingWindow(id)) return true;
-  if (queueHead() != id) return false;
+  if (extraction_.isSeeking(id) || extraction_.isSaving(id)) return true;
+  if (prompts_.front() != id) return false;
   return dependencies_.promptPresenter->isPointerEngaged() || promptError->has_value();
 }
 
@@ -24,15 +30,15 @@ void AppModel::popupTimedOut(const UUID& id) {
 /// An unanswered popup always keeps: it never chooses Temporary and never moves anything to Trash but the whole
 /// screenshot that an extracted window takes the place of.
 Task<> AppModel::keepAfterTimeout(Weak<AppModel> self, UUID id) {
-  if (!*self->popupAutoSaveEnabled || !self->isUndecided(id)) co_return;
-  if (self->isSeekingWindow(id)) self->clearPromptWindowExtraction();
+  if (!*self->settings_.popupAutoSaveEnabled || !self->isUndecided(id)) co_return;
+  if (self->extraction_.isSeeking(id)) self->extraction_.clear();
   // Before the window is saved, which makes the suggestion one for another picture.
   const auto name = self->timeoutName(*self->items_.find(id));
   const auto saving = self->saveExtractedWindow(id);
   const auto extractionFailure = co_await saving;
   if (!self || !self->isUndecided(id)) co_return;
-  const auto& extraction = *self->promptWindowExtraction;
-  if (extractionFailure && extraction && extraction->itemID == id) self->clearPromptWindowExtraction();
+  const auto& extraction = *self->extraction_.state;
+  if (extractionFailure && extraction && extraction->itemID == id) self->extraction_.clear();
 
   using Kind = BackgroundIssue::Kind;
   const size_t index = *self->items_.indexOf(id);
@@ -58,7 +64,8 @@ std::optional<QString> AppModel::timeoutName(const ScreenshotItem& item) const {
   if (promptNameEdit_ && promptNameEdit_->id == item.id && promptNameEdit_->isEdited) {
     name = sanitizedFileStem(promptNameEdit_->text);
   }
-  if (!name && *screenshotNaming == ScreenshotNaming::suggested && item.imageDescription && item.suggestedName) {
+  if (!name && *settings_.screenshotNaming == ScreenshotNaming::suggested && item.imageDescription &&
+      item.suggestedName) {
     name = sanitizedFileStem(QString::fromUtf8(*item.suggestedName));
   }
   return name;

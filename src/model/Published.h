@@ -7,7 +7,7 @@
 
 namespace quillmere {
 
-/// The fields of `AppModel` that observers can follow.
+/// The fields of the model that observers can follow.
 enum class ModelField {
   items,
   selectedItemIDs,
@@ -54,8 +54,8 @@ struct ModelChange {
   std::vector<size_t> indices;  ///< ascending; of removed rows those that they had before
 };
 
-/// A field that anyone may read and follow, and that only the model sets.
-template <typename T>
+/// A field that anyone may read and follow, and that only its owner sets.
+template <typename T, typename Owner>
 class Published {
  public:
   Published(Signal<const ModelChange&>& changed, ModelField field, T value = {})
@@ -67,7 +67,7 @@ class Published {
   const T* operator->() const { return &value_; }
 
  private:
-  friend class AppModel;
+  friend Owner;
   /// Answers whether the value became another one; only then is it told.
   bool set(T value) {
     if (value == value_) return false;

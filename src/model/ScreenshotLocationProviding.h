@@ -21,9 +21,9 @@ class ScreenshotLocationProviding {
   virtual QString rawValueOf(const FileURL& folder) = 0;
   /// Whether the tool's folder can be changed at all.
   virtual bool canChange() = 0;
-  /// Writes the value exactly as given, none to remove it, and leaves all else that stands there. Answers whether the
-  /// change was refused; the configuration is then as it was.
-  virtual bool setRawValue(const std::optional<QString>& value) = 0;
+  /// Writes the value exactly as given, none to remove it, and leaves all else that stands there. True when that was
+  /// done; otherwise the configuration is as it was.
+  virtual bool tryToSetRawValue(const std::optional<QString>& value) = 0;
 };
 
 }  // namespace quillmere

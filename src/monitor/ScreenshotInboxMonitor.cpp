@@ -8,6 +8,10 @@ namespace {
 /// Gathers a burst of events into one scan.
 constexpr Duration kEventDebounce = std::chrono::milliseconds(50);
 
+ScanScope wider(ScanScope one, ScanScope other) {
+  return one == ScanScope::full ? one : other;
+}
+
 }  // namespace
 
 QString statusText(WatcherStatus status) {
@@ -73,14 +77,14 @@ void ScreenshotInboxMonitor::startOver(std::optional<FileURL> directory) {
 
 void ScreenshotInboxMonitor::lookAtFolder() {
   if (isRunning_) openDirectorySource();
-  if (directory_) scan(true);
+  if (directory_) scan(ScanScope::full);
 }
 
 void ScreenshotInboxMonitor::start() {
   if (isRunning_) return;
   isRunning_ = true;
   openDirectorySource();
-  scan(true);
+  scan(ScanScope::full);
   reconciliationTask_ = reconcileRegularly(lifetime_.weak(this));
   systemObservers_.push_back(systemEvents_.didWake.connect([this] { refresh(); }));
   systemObservers_.push_back(systemEvents_.volumesDidChange.connect([this] { refresh(); }));
@@ -89,7 +93,7 @@ void ScreenshotInboxMonitor::start() {
 void ScreenshotInboxMonitor::setIncludesNonCaptureImages(bool includes) {
   if (includes == includesNonCaptureImages_) return;
   includesNonCaptureImages_ = includes;
-  if (isRunning_) scheduleScan(Duration::zero(), true);
+  if (isRunning_) scheduleScan(Duration::zero(), ScanScope::full);
 }
 
 Task<> ScreenshotInboxMonitor::reconcileRegularly(Weak<ScreenshotInboxMonitor> self) {
@@ -104,7 +108,7 @@ Task<> ScreenshotInboxMonitor::reconcileRegularly(Weak<ScreenshotInboxMonitor> s
 void ScreenshotInboxMonitor::refresh() {
   if (!isRunning_) return;
   if (!directorySource_) openDirectorySource();
-  scheduleScan(Duration::zero(), true);
+  scheduleScan(Duration::zero(), ScanScope::full);
 }
 
 void ScreenshotInboxMonitor::openDirectorySource() {
@@ -124,7 +128,7 @@ void ScreenshotInboxMonitor::handleEvent(FolderEvent event) {
     directorySource_.reset();
     report(absenceStatus());
   }
-  scheduleScan(kEventDebounce, true);
+  scheduleScan(kEventDebounce, ScanScope::full);
 }
 
 WatcherStatus ScreenshotInboxMonitor::absenceStatus() const {
@@ -138,16 +142,16 @@ void ScreenshotInboxMonitor::report(WatcherStatus status) {
   if (onStatusChange) onStatusChange(status);
 }
 
-void ScreenshotInboxMonitor::scheduleScan(Duration after, bool full) {
+void ScreenshotInboxMonitor::scheduleScan(Duration after, ScanScope scope) {
   const Instant deadline = executor_.instant() + after;
   if (scanTask_ && scanDeadline_ && *scanDeadline_ <= deadline) {
-    scheduledScanIsFull_ = scheduledScanIsFull_ || full;
+    scheduledScope_ = wider(scheduledScope_, scope);
     return;
   }
-  const bool isFull = full || (scanTask_ && scheduledScanIsFull_);
+  const ScanScope widest = scanTask_ ? wider(scheduledScope_, scope) : scope;
   cancelScheduledScan();
   scanDeadline_ = deadline;
-  scheduledScanIsFull_ = isFull;
+  scheduledScope_ = widest;
   scanTask_ = scanLater(lifetime_.weak(this), after);
 }
 
@@ -155,35 +159,35 @@ Task<> ScreenshotInboxMonitor::scanLater(Weak<ScreenshotInboxMonitor> self, Dura
   auto pause = self->executor_.sleep(delay);
   const bool elapsed = co_await pause;
   if (!elapsed || !self) co_return;
-  const bool full = self->scheduledScanIsFull_;
+  const ScanScope scope = self->scheduledScope_;
   self->scanTask_ = {};
   self->scanDeadline_.reset();
-  self->scheduledScanIsFull_ = false;
-  self->scan(full);
+  self->scheduledScope_ = ScanScope::partial;
+  self->scan(scope);
 }
 
 void ScreenshotInboxMonitor::cancelScheduledScan() {
   scanTask_.cancel();
   scanTask_ = {};
   scanDeadline_.reset();
-  scheduledScanIsFull_ = false;
+  scheduledScope_ = ScanScope::partial;
 }
 
-void ScreenshotInboxMonitor::scan(bool full) {
+void ScreenshotInboxMonitor::scan(ScanScope scope) {
   if (!directory_) return;
   if (isScanning_) {
-    queuedScan_ = full || queuedScan_.value_or(false);
+    queuedScan_ = wider(scope, queuedScan_.value_or(ScanScope::partial));
     return;
   }
   // A look at the pending files alone cannot stand in for a baseline that is owed.
-  const bool isFull = full || needsBaseline_;
-  if (isFull) {
+  if (needsBaseline_) scope = ScanScope::full;
+  if (scope == ScanScope::full) {
     cancelScheduledScan();
   } else if (pendingFiles_.empty()) {
     return;
   }
   isScanning_ = true;
-  runScan(lifetime_.weak(this), takeSnapshot(isFull), generation_).detach();
+  runScan(lifetime_.weak(this), takeSnapshot(scope), generation_).detach();
 }
 
 Task<> ScreenshotInboxMonitor::runScan(Weak<ScreenshotInboxMonitor> self, std::shared_ptr<Snapshot> snapshot,
@@ -195,15 +199,15 @@ Task<> ScreenshotInboxMonitor::runScan(Weak<ScreenshotInboxMonitor> self, std::s
   // The result of a folder that has been replaced meanwhile says nothing of the new one.
   if (generation == self->generation_) self->apply(std::move(result), *snapshot);
   if (!self || !self->queuedScan_) co_return;
-  const bool full = *self->queuedScan_;
+  const ScanScope scope = *self->queuedScan_;
   self->queuedScan_.reset();
-  self->scan(full);
+  self->scan(scope);
 }
 
-std::shared_ptr<Snapshot> ScreenshotInboxMonitor::takeSnapshot(bool full) const {
+std::shared_ptr<Snapshot> ScreenshotInboxMonitor::takeSnapshot(ScanScope scope) const {
   auto snapshot = std::make_shared<Snapshot>();
   snapshot->directory = *directory_;
-  snapshot->full = full;
+  snapshot->full = scope == ScanScope::full;
   if (needsBaseline_) snapshot->baselineStart = arrivalsSince_.value_or(now_());
   snapshot->known = knownURLs_;
   for (const auto& [url, pending] : pendingFiles_) {

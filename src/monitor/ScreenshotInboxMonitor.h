@@ -39,7 +39,7 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
   void watch(std::optional<FileURL> directory) override;
   void follow(const FileURL& directory) override;
   void start() override;
-  void scheduleScan(Duration after, bool full) override;
+  void scheduleScan(Duration after, ScanScope scope) override;
   bool includesNonCaptureImages() const override { return includesNonCaptureImages_; }
   void setIncludesNonCaptureImages(bool includes) override;
   void expectArrivalsSince(std::optional<Date> moment) override { arrivalsSince_ = moment; }
@@ -75,8 +75,8 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
   void startOver(std::optional<FileURL> directory);
   void lookAtFolder();
   void cancelScheduledScan();
-  void scan(bool full);
-  std::shared_ptr<Snapshot> takeSnapshot(bool full) const;
+  void scan(ScanScope scope);
+  std::shared_ptr<Snapshot> takeSnapshot(ScanScope scope) const;
   WatcherStatus absenceStatus() const;
   void report(WatcherStatus status);
 
@@ -97,7 +97,7 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
   Task<> reconciliationTask_;
   Task<> scanTask_;
   std::optional<Instant> scanDeadline_;
-  bool scheduledScanIsFull_ = false;
+  ScanScope scheduledScope_ = ScanScope::partial;
   std::unique_ptr<FolderEventWatch> directorySource_;
   std::optional<FileURL> directory_;
   bool isRunning_ = false;
@@ -108,7 +108,7 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
   std::optional<Date> arrivalsSince_;
   Date watchedSince_;  ///< when the folder was given
   bool isScanning_ = false;
-  std::optional<bool> queuedScan_;
+  std::optional<ScanScope> queuedScan_;
 
   bool includesNonCaptureImages_ = false;
   // Shared with the running scan; copied when changed under one.

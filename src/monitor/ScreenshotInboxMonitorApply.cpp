@@ -40,7 +40,7 @@ void ScreenshotInboxMonitor::apply(ScanResult result, Snapshot& snapshot) {
   }
   for (const auto& [url, pending] : pendingFiles_) {
     if (pending.attempts >= kMaxQuickLooks && !pending.completeSince) continue;
-    scheduleScan(kQuickLookInterval, false);
+    scheduleScan(kQuickLookInterval, ScanScope::partial);
     break;
   }
 }
@@ -109,7 +109,7 @@ void ScreenshotInboxMonitor::noteUnknown(const FileURL& url) {
   if (!directory_ || !knownURLs_->contains(url)) return;
   knownURLs().erase(url);
   // Something may stand there already.
-  scheduleScan(Duration::zero(), true);
+  scheduleScan(Duration::zero(), ScanScope::full);
 }
 
 void ScreenshotInboxMonitor::accept(const FileURL& url) {

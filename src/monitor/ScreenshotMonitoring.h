@@ -19,6 +19,9 @@ enum class WatcherStatus {
 };
 QString statusText(WatcherStatus status);
 
+/// What a scan looks at: the files that may still become screenshots, or all of the folder.
+enum class ScanScope { partial, full };
+
 /// Watches one folder and tells what happens to the screenshots in it. Everything on the main thread.
 class ScreenshotMonitoring {
  public:
@@ -34,7 +37,7 @@ class ScreenshotMonitoring {
   /// The watched folder has another name now; what is known of its files stays known.
   virtual void follow(const FileURL& directory) { watch(directory); }
   virtual void start() = 0;
-  virtual void scheduleScan(Duration after, bool full) = 0;
+  virtual void scheduleScan(Duration after, ScanScope scope) = 0;
   virtual bool includesNonCaptureImages() const = 0;
   /// A change while the monitor runs asks for a full scan at once.
   virtual void setIncludesNonCaptureImages(bool includes) = 0;

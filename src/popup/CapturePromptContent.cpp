@@ -16,13 +16,13 @@ constexpr int kMostThumbnailHeight = 230;
 
 std::optional<CapturePromptContent> CapturePromptContent::make(
     const AppModel& model, const std::function<std::optional<QSizeF>(const ScreenshotItem&)>& pixelSize) {
-  const ScreenshotItem* head = model.headOfQueue();
+  const ScreenshotItem* head = model.promptedItem();
   if (!head) return std::nullopt;
   CapturePromptContent content;
   content.item = *head;
-  content.queuedCount = static_cast<int>(model.promptQueue->size()) - 1;
-  content.showThumbnail = *model.showPopupThumbnail;
-  const auto& extraction = *model.promptWindowExtraction;
+  content.queuedCount = static_cast<int>(model.prompts().queue->size()) - 1;
+  content.showThumbnail = *model.settings().showPopupThumbnail;
+  const auto& extraction = *model.windowExtraction().state;
   if (extraction && extraction->itemID == head->id) content.windowExtraction = extraction->phase;
   if (const auto part = content.shownPart()) {
     content.previewPixelSize = part->size();
@@ -31,10 +31,10 @@ std::optional<CapturePromptContent> CapturePromptContent::make(
   }
   content.thumbnailHeight = heightOfThumbnail(content.previewPixelSize);
   content.error = *model.promptError;
-  content.focusRequest = *model.promptFocusRequest;
-  content.contentGeneration = *model.promptContentGeneration;
-  content.naming = *model.screenshotNaming;
-  content.deletesChosen = *model.deletesChosenImmediately;
+  content.focusRequest = *model.prompts().focusRequest;
+  content.contentGeneration = *model.prompts().contentGeneration;
+  content.naming = *model.settings().screenshotNaming;
+  content.deletesChosen = *model.settings().deletesChosenImmediately;
   content.isEvicted = model.evictedItemIDs->contains(head->id);
   content.canReadImage = !content.isEvicted && !model.unavailableItemIDs->contains(head->id);
   content.isAnalyzing = model.analyzingIDs->contains(head->id);

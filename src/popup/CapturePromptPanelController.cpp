@@ -60,8 +60,7 @@ void CapturePromptPanelController::present(const ScreenshotItem& item, AppModel&
 }
 
 void CapturePromptPanelController::makePanel(AppModel& model) {
-  const CapturePromptView::Services services{&model, services_.executor, services_.thumbnails, services_.sharing,
-                                             services_.confirmDeletion};
+  const CapturePromptView::Services services{&model, services_.executor, services_.thumbnails, services_.sharing};
   view_ = new CapturePromptView(services, nullptr);
   view_->onKeyboardWanted = [this] { takeKeyboard(); };
   view_->onExtraHeightChanged = [this] { scheduleUpdate(); };
@@ -142,7 +141,7 @@ void CapturePromptPanelController::setFrame(const QRect& frame) {
 
 std::optional<CapturePromptContent> CapturePromptPanelController::makeContent() {
   // The next one's size is looked for ahead, so that its card comes up at the right height.
-  const auto& queue = *model_->promptQueue;
+  const auto& queue = *model_->prompts().queue;
   const ScreenshotItem* following = queue.size() > 1 ? model_->items().find(queue[1]) : nullptr;
   if (following) previewSizes_.size(*following);
   return CapturePromptContent::make(*model_, [this](const auto& item) { return previewSizes_.size(item); });

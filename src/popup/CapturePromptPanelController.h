@@ -29,7 +29,6 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
     std::function<bool(const FileURL&)> isDataless;  ///< any thread
     /// Where the capture was taken, in global top-left points, if the file says so.
     std::function<std::optional<QRectF>(const FileURL&)> captureRect;
-    std::function<bool(const QString& fileName)> confirmDeletion;
   };
   explicit CapturePromptPanelController(Services services);
   ~CapturePromptPanelController() override;

@@ -130,7 +130,7 @@ void CapturePromptView::showActions() {
 }
 
 void CapturePromptView::beginItem() {
-  actions_->setDuration(*model_.lastTemporaryDuration);
+  actions_->setDuration(*model_.settings().lastTemporaryDuration);
   gate_ = {content_->contentGeneration, services_.executor->instant()};
   nameSeed_ = displayName(content_->item, content_->naming);
   details_->nameField().setText(nameSeed_);
@@ -185,7 +185,7 @@ int CapturePromptView::extraHeight() const {
 
 bool CapturePromptView::gateAllows() const {
   // The model may have gone on while the card still shows the last screenshot.
-  return content_ && content_->contentGeneration == *model_.promptContentGeneration &&
+  return content_ && content_->contentGeneration == *model_.prompts().contentGeneration &&
          gate_.allows(services_.executor->instant());
 }
 
@@ -232,21 +232,11 @@ Task<> CapturePromptView::decideKeep(Weak<CapturePromptView> self, UUID id) {
 
 void CapturePromptView::chooseTrash() {
   if (!gateAllows()) return;
-  const ScreenshotItem item = content_->item;
-  const bool isDeleting = *model_.deletesChosenImmediately;
-  if (isDeleting && !confirmDeletion(item)) return;
-  model_.disposeItem(item, ErrorScope::popup, AppModel::DisposalReason::chosen);
-  if (model_.items().find(item.id)) return;  // refused: the banner says why
+  const bool isDeleting = *model_.settings().deletesChosenImmediately;
+  // Where it is refused the banner says why.
+  if (model_.disposeChosen(content_->item.id, ErrorScope::popup) != AppModel::ChosenDisposal::done) return;
   model_.announce(isDeleting ? localized("Screenshot deleted.") : localized("Screenshot moved to Trash."),
                   AnnouncementPriority::low);
-}
-
-/// The popup stays as it is while the question is open.
-bool CapturePromptView::confirmDeletion(const ScreenshotItem& item) {
-  model_.protect(item.id);
-  const bool isConfirmed = services_.confirmDeletion(item.url.displayName());
-  model_.unprotect(item.id);
-  return isConfirmed;
 }
 
 void CapturePromptView::closePrompt() {

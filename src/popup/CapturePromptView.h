@@ -29,8 +29,6 @@ class CapturePromptView final : public QWidget {
     Executor* executor = nullptr;
     ThumbnailLoader* thumbnails = nullptr;
     Sharing* sharing = nullptr;
-    /// Asks before a file is deleted for good; true to go on.
-    std::function<bool(const QString& fileName)> confirmDeletion;
   };
   CapturePromptView(Services services, QWidget* parent);
 
@@ -66,7 +64,6 @@ class CapturePromptView final : public QWidget {
   void chooseTemporary();
   void chooseKeep();
   void chooseTrash();
-  bool confirmDeletion(const ScreenshotItem& item);
   bool handleNameKey(int key);
   void toggleExtraction();
   void copyText();

@@ -23,14 +23,14 @@ QuillmereApp::QuillmereApp(AppModel& model, ThumbnailLoader& thumbnails, SystemE
     : confirmQuit(&Confirmations::quit),
       model_(model),
       thumbnails_(thumbnails),
-      menuBarExtra_({[this] { openInbox(); }, [this] { model_.reviewPending(false); }, [this] { openSettings(); },
-                     [this] { quit(); }}) {
+      menuBarExtra_({[this] { openInbox(); }, [this] { model_.reviewPending(FocusNews::silent); },
+                     [this] { openSettings(); }, [this] { quit(); }}) {
   // It stays and watches when the last window closes.
   QApplication::setQuitOnLastWindowClosed(false);
   QApplication::setWindowIcon(applicationIcon());
-  menuBarExtra_.setShown(*model_.menuBarEnabled);
+  menuBarExtra_.setShown(*model_.settings().menuBarEnabled);
   changes_ = model_.changed.connect([this](const ModelChange& change) {
-    if (change.field == ModelField::menuBarEnabled) menuBarExtra_.setShown(*model_.menuBarEnabled);
+    if (change.field == ModelField::menuBarEnabled) menuBarExtra_.setShown(*model_.settings().menuBarEnabled);
   });
   QObject::connect(qApp, &QGuiApplication::applicationStateChanged, &observer_, [&systemEvents](auto state) {
     if (state == Qt::ApplicationActive) systemEvents.didBecomeActive();
@@ -54,7 +54,7 @@ void QuillmereApp::perform(const QString& action) {
   if (action == QLatin1String("inbox")) {
     openInbox();
   } else if (action == QLatin1String("review")) {
-    model_.reviewPending(false);
+    model_.reviewPending(FocusNews::silent);
   } else if (action == QLatin1String("settings")) {
     openSettings();
   } else if (action == QLatin1String("quit")) {
@@ -65,7 +65,6 @@ void QuillmereApp::perform(const QString& action) {
 void QuillmereApp::openInbox() {
   if (!inbox_) {
     inbox_ = std::make_unique<InboxWindow>(model_, thumbnails_);
-    inbox_->confirmDeletion = &Confirmations::deletion;
     // Later: the window is still in the middle of closing.
     inbox_->onClosed = [this] {
       QMetaObject::invokeMethod(
@@ -93,7 +92,7 @@ bool QuillmereApp::isInboxShown() const {
 
 void QuillmereApp::quit() {
   if (isAskingToQuit_) return;
-  const int waiting = static_cast<int>(model_.promptQueue->size());
+  const int waiting = static_cast<int>(model_.prompts().queue->size());
   if (waiting > 0) {
     isAskingToQuit_ = true;
     const bool confirmed = confirmQuit(waiting);

@@ -226,7 +226,7 @@ QWidget* SettingsWindow::makePopupPane() {
   timeout->addWidget(dismissesPopup_);
   secondsLabel_ = new QLabel(pane);
   seconds_ = new QSpinBox(pane);
-  seconds_->setRange(AppModel::kShortestPopupSeconds, AppModel::kLongestPopupSeconds);
+  seconds_->setRange(Settings::kShortestPopupSeconds, Settings::kLongestPopupSeconds);
   seconds_->setAccessibleName(localized("Popup timeout in seconds"));
   // Each digit on the way to a number is no setting.
   seconds_->setKeyboardTracking(false);
@@ -267,14 +267,14 @@ void SettingsWindow::refresh() {
   folderSymbol_->setSymbol(symbolOf(status), status == WatcherStatus::watching ? Ink::secondary : Ink::warning);
   folderStatus_->setText(statusText(status));
   location_->update();
-  includesOthers_->setChecked(*model_.includesNonCaptureImages);
-  showsThumbnail_->setChecked(*model_.showPopupThumbnail);
-  dismissesPopup_->setChecked(*model_.popupAutoSaveEnabled);
-  secondsLabel_->setText(localized("Dismiss after %lld seconds", {*model_.popupAutoSaveSeconds}));
-  seconds_->setValue(*model_.popupAutoSaveSeconds);
-  seconds_->setEnabled(*model_.popupAutoSaveEnabled);
-  secondsLabel_->setEnabled(*model_.popupAutoSaveEnabled);
-  const bool usesSuggested = *model_.screenshotNaming == ScreenshotNaming::suggested;
+  includesOthers_->setChecked(*model_.settings().includesNonCaptureImages);
+  showsThumbnail_->setChecked(*model_.settings().showPopupThumbnail);
+  dismissesPopup_->setChecked(*model_.settings().popupAutoSaveEnabled);
+  secondsLabel_->setText(localized("Dismiss after %lld seconds", {*model_.settings().popupAutoSaveSeconds}));
+  seconds_->setValue(*model_.settings().popupAutoSaveSeconds);
+  seconds_->setEnabled(*model_.settings().popupAutoSaveEnabled);
+  secondsLabel_->setEnabled(*model_.settings().popupAutoSaveEnabled);
+  const bool usesSuggested = *model_.settings().screenshotNaming == ScreenshotNaming::suggested;
   naming_->setCurrentIndex(usesSuggested ? 1 : 0);
   const QString footer = localized(
       "This is the name the popup’s filename field starts with. You can change it there before choosing Keep or "
@@ -286,10 +286,10 @@ void SettingsWindow::refresh() {
 }
 
 void SettingsWindow::refreshIntelligence() {
-  analyzes_->setChecked(*model_.analyzeScreenshots);
-  if (!modelAddress_->hasFocus()) modelAddress_->setText(*model_.modelAddress);
+  analyzes_->setChecked(*model_.settings().analyzeScreenshots);
+  if (!modelAddress_->hasFocus()) modelAddress_->setText(*model_.settings().modelAddress);
   const auto& error = *model_.intelligenceUnavailability;
-  const bool isShown = *model_.analyzeScreenshots && error;
+  const bool isShown = *model_.settings().analyzeScreenshots && error;
   modelSymbol_->setVisible(isShown);
   modelStatus_->setVisible(isShown);
   if (!isShown) return;

@@ -4,6 +4,7 @@
 
 #include "analysis/ModelServerFixture.h"
 #include "description/ImageAnalysisService.h"
+#include "model/Settings.h"
 
 namespace quillmere {
 namespace {
@@ -113,7 +114,9 @@ TEST_F(LiveLanguageModelTest, TheUsualPortsAndTheSettingAreThese) {
   UserDefaults defaults(folder.file("settings.json").displayPath());
   defaults.set(QStringLiteral("quillmere.model-address"), QStringLiteral("127.0.0.1:9"));
   ::setenv("OLLAMA_HOST", "127.0.0.1:10", 1);
-  const LiveLanguageModel standard(executor, ModelServerPlaces::standard(defaults), [] { return kNow; });
+  const LiveLanguageModel standard(executor,
+                                   ModelServerPlaces::standard([&] { return Settings::storedModelAddress(defaults); }),
+                                   [] { return kNow; });
   using Address = LocalServerAddress;
   EXPECT_EQ(standard.addresses(), (std::vector{Address::loopback(9), Address::loopback(10), Address::loopback(11434),
                                                Address::loopback(8080)}));

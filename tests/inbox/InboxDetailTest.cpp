@@ -1,6 +1,7 @@
 #include "inbox/InboxDetail.h"
 
 #include <QtTest/QTest>
+#include <QtWidgets/QPushButton>
 
 #include "controls/ScreenshotThumbnail.h"
 #include "inbox/MessageView.h"
@@ -67,6 +68,25 @@ TEST_F(InboxDetailTest, AnUnavailableScreenshotSaysSoInThePicturesPlace) {
   show();
   EXPECT_FALSE(picture()->isVisible());
   EXPECT_TRUE(message()->isVisible());
+}
+
+TEST_F(InboxDetailTest, AScreenshotDoesNotExpireUnderTheQuestionWhetherToDeleteIt) {
+  model->markTemporary(id, TemporaryDuration::oneMinute).detach();
+  model->setDeletesChosenImmediately(true);
+  show();
+  confirmsDeletion = false;
+  onDeletionQuestion = [this] { advance(65); };
+  QPushButton* trashButton = nullptr;
+  for (auto* button : detail->findChildren<QPushButton*>()) {
+    if (button->text() == QStringLiteral("Delete")) trashButton = button;
+  }
+  ASSERT_TRUE(trashButton);
+  QTest::mouseClick(trashButton, Qt::LeftButton);
+  EXPECT_EQ(deletionQuestions, std::vector<QString>{QStringLiteral("1.png")});
+  EXPECT_TRUE(hasRecord(id));
+  EXPECT_EQ(files.calls(), 0);
+  advance(10);
+  EXPECT_FALSE(hasRecord(id)) << "its time goes on after the answer";
 }
 
 }  // namespace

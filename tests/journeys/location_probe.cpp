@@ -36,11 +36,11 @@ int main(int count, char** arguments) {
     const auto value = provider.rawValue();
     return print(value ? std::optional(value->toStdString()) : std::nullopt);
   }
-  if (command == "set") return provider.setRawValue(QString::fromStdString(argument)) ? 1 : 0;
+  if (command == "set") return provider.tryToSetRawValue(QString::fromStdString(argument)) ? 0 : 1;
   if (command == "set-folder") {
     const auto folder = quillmere::FileURL::fromPath(std::string_view(argument));
-    return provider.setRawValue(provider.rawValueOf(folder)) ? 1 : 0;
+    return provider.tryToSetRawValue(provider.rawValueOf(folder)) ? 0 : 1;
   }
-  if (command == "unset") return provider.setRawValue(std::nullopt) ? 1 : 0;
+  if (command == "unset") return provider.tryToSetRawValue(std::nullopt) ? 0 : 1;
   return usage();
 }

@@ -6,9 +6,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr auto kLow = AnnouncementPriority::low;
-constexpr auto kHigh = AnnouncementPriority::high;
-
 class AppModelArrival : public ModelFixture {
  protected:
   void SetUp() override { launchWatching(); }
@@ -44,9 +41,9 @@ TEST_F(AppModelArrival, TheRecordIsSavedBeforeItsPopupShows) {
 }
 
 TEST_F(AppModelArrival, TheFolderHasReceivedAScreenshot) {
-  EXPECT_FALSE(*model->watchFolderHasReceivedScreenshot);
+  EXPECT_FALSE(*model->settings().watchFolderHasReceivedScreenshot);
   arrive("shot.png");
-  EXPECT_TRUE(*model->watchFolderHasReceivedScreenshot);
+  EXPECT_TRUE(*model->settings().watchFolderHasReceivedScreenshot);
   EXPECT_EQ(settingsOnDisk()["quillmere.watch-folder-received-screenshot"], QJsonValue(true));
 }
 
@@ -203,7 +200,7 @@ TEST_F(AppModelArrival, FileFromElsewhereIsListedWithItsOwnDateAndAsksNothing) {
 
 TEST_F(AppModelArrival, FileFromElsewhereLeavesTheFolderWithoutAReceivedScreenshot) {
   arriveFromElsewhere("old.png");
-  EXPECT_FALSE(*model->watchFolderHasReceivedScreenshot);
+  EXPECT_FALSE(*model->settings().watchFolderHasReceivedScreenshot);
 }
 
 TEST_F(AppModelArrival, FileFromElsewhereWithNoBirthTimeIsDatedNow) {
@@ -240,244 +237,6 @@ TEST_F(AppModelArrival, ABurstIsIndexedOnceAndLooksAtNoOldFile) {
   arrive("another.png");
   EXPECT_EQ(&model->recordIndex(), before);
   EXPECT_TRUE(model->recordIndex().atPath(pathKey(shots.appending("another.png"), watchFolderPaths(shots))));
-}
-
-// --- The queue ---
-
-class AppModelQueue : public ModelFixture {
- protected:
-  void SetUp() override { launchWatching(); }
-};
-
-TEST_F(AppModelQueue, ArrivalsWaitBehindTheVisibleScreenshot) {
-  const UUID first = arrive("first.png");
-  const UUID second = arrive("second.png");
-  const UUID third = arrive("third.png");
-  EXPECT_THAT(queue(), ElementsAre(first, second, third));
-  EXPECT_THAT(presenter.presented, ElementsAre(first));
-  EXPECT_EQ(announcer.said.size(), 1u);
-}
-
-TEST_F(AppModelQueue, TheNextAnnouncementCountsThoseThatWait) {
-  const UUID first = arrive("first.png");
-  arrive("second.png");
-  arrive("third.png");
-  announcer.said.clear();
-  model->keepPrompt(first).detach();
-  EXPECT_THAT(announcer.said, ElementsAre(Announcement{"Screenshot ready for a decision. 1 more waiting.", kHigh}));
-}
-
-TEST_F(AppModelQueue, AnnouncementsFollowTheCountAndTheShortcut) {
-  struct Row {
-    int waiting;
-    std::optional<QString> shortcut;
-    const char* said;
-  };
-  const Row rows[] = {
-      {0, "Control Option S", "Screenshot ready for a decision. Press Control Option S to review it."},
-      {0, std::nullopt, "Screenshot ready for a decision."},
-      {1, "Control Option S", "Screenshot ready for a decision. 1 more waiting. Press Control Option S to review it."},
-      {1, std::nullopt, "Screenshot ready for a decision. 1 more waiting."},
-      {2, "Control Option S", "Screenshot ready for a decision. 2 more waiting. Press Control Option S to review it."},
-      {2, std::nullopt, "Screenshot ready for a decision. 2 more waiting."},
-  };
-  int number = 0;
-  for (const Row& row : rows) {
-    spokenShortcut = row.shortcut;
-    const auto name = [&] { return "shot " + std::to_string(++number) + ".png"; };
-    const UUID head = arrive(name());
-    for (int i = 0; i <= row.waiting; ++i) arrive(name());
-    announcer.said.clear();
-    model->keepPrompt(head).detach();
-    EXPECT_THAT(announcer.said, ElementsAre(Announcement{QString::fromUtf8(row.said), kHigh}));
-    while (!queue().empty()) model->dismissPrompt();
-  }
-}
-
-TEST_F(AppModelQueue, DecisionInTheInboxOnAWaitingRecordDoesNotChangeThePopup) {
-  const UUID first = arrive("first.png");
-  const UUID second = arrive("second.png");
-  const UUID third = arrive("third.png");
-  announcer.said.clear();
-  const int generation = *model->promptContentGeneration;
-  model->keepBatch({second});
-  EXPECT_THAT(queue(), ElementsAre(first, third));
-  EXPECT_THAT(presenter.presented, ElementsAre(first));
-  EXPECT_EQ(presenter.visible, first);
-  EXPECT_THAT(announcer.said, IsEmpty());
-  EXPECT_EQ(*model->promptContentGeneration, generation);
-}
-
-TEST_F(AppModelQueue, ResolvingTheHeadAndOthersShowsTheNextThatIsLeft) {
-  const UUID first = arrive("first.png");
-  const UUID second = arrive("second.png");
-  const UUID third = arrive("third.png");
-  model->resolvePrompts({second, first});
-  EXPECT_THAT(queue(), ElementsAre(third));
-  EXPECT_THAT(presenter.presented, ElementsAre(first, third));
-}
-
-TEST_F(AppModelQueue, DrainedQueueHidesThePopup) {
-  const UUID id = arrive("first.png");
-  const int generation = *model->promptContentGeneration;
-  model->keepPrompt(id).detach();
-  EXPECT_EQ(presenter.visible, std::nullopt);
-  EXPECT_EQ(presenter.hides, 1);
-  EXPECT_EQ(*model->promptContentGeneration, generation + 1);
-}
-
-TEST_F(AppModelQueue, DismissedScreenshotStaysPendingAndTheNextComesUp) {
-  const UUID first = arrive("first.png");
-  const UUID second = arrive("second.png");
-  model->dismissPrompt();
-  EXPECT_EQ(stateOf(first), State::pending);
-  EXPECT_EQ(presenter.visible, second);
-  EXPECT_THAT(queue(), ElementsAre(second));
-  model->dismissPrompt();
-  model->dismissPrompt();
-  EXPECT_THAT(queue(), IsEmpty());
-}
-
-TEST_F(AppModelQueue, AnIdIsQueuedOnce) {
-  const UUID id = arrive("first.png");
-  model->enqueuePrompt(id);
-  EXPECT_THAT(queue(), ElementsAre(id));
-  EXPECT_EQ(presenter.presented.size(), 1u);
-}
-
-TEST_F(AppModelQueue, VanishedAndDecidedRecordsAreSkipped) {
-  model->enqueuePrompt(uuid(404));
-  EXPECT_THAT(queue(), IsEmpty());
-  EXPECT_EQ(presenter.visible, std::nullopt);
-  const UUID first = arrive("first.png");
-  model->enqueuePrompt(uuid(405));
-  const UUID decided = arrivePermanent("decided.png");
-  model->enqueuePrompt(decided);
-  const UUID last = arrive("last.png");
-  ASSERT_THAT(queue(), ElementsAre(first, uuid(405), decided, last));
-  model->dismissPrompt();
-  EXPECT_THAT(queue(), ElementsAre(last));
-  EXPECT_EQ(presenter.visible, last);
-}
-
-TEST_F(AppModelQueue, AHeadWhoseRecordVanishedGivesWayToTheNextPendingOne) {
-  const UUID first = arrive("first.png");
-  const UUID second = arrive("second.png");
-  model->removeRecords({first});
-  EXPECT_THAT(queue(), ElementsAre(second));
-  EXPECT_EQ(presenter.visible, second);
-}
-
-TEST_F(AppModelQueue, TheNextScreenshotClearsTheErrorOfTheLast) {
-  arrive("first.png");
-  arrive("second.png");
-  model->show(ErrorScope::popup, "A title", "A message.");
-  model->dismissPrompt();
-  EXPECT_EQ(*model->promptError, std::nullopt);
-}
-
-TEST_F(AppModelQueue, AWaitingArrivalLeavesTheErrorOfTheVisibleScreenshot) {
-  arrive("first.png");
-  model->show(ErrorScope::popup, "A title", "A message.");
-  arrive("second.png");
-  EXPECT_TRUE(model->promptError->has_value());
-}
-
-TEST_F(AppModelQueue, AChangeOfTheVisibleScreenshotForgetsTheNameField) {
-  const UUID first = arrive("first.png");
-  model->setPromptNameEdit(AppModel::PromptNameEdit{first, "typed", true, true});
-  const int generation = *model->promptContentGeneration;
-  arrive("second.png");
-  EXPECT_TRUE(model->promptNameEdit());
-  EXPECT_EQ(*model->promptContentGeneration, generation);
-  model->dismissPrompt();
-  EXPECT_FALSE(model->promptNameEdit());
-  EXPECT_EQ(*model->promptContentGeneration, generation + 1);
-}
-
-TEST_F(AppModelQueue, ShowingTheSameScreenshotAgainIsNoChangeOfContent) {
-  const UUID first = arrive("first.png");
-  model->setPromptNameEdit(AppModel::PromptNameEdit{first, "typed", true, true});
-  const int generation = *model->promptContentGeneration;
-  model->showNextPrompt();
-  EXPECT_EQ(*model->promptContentGeneration, generation);
-  EXPECT_TRUE(model->promptNameEdit());
-}
-
-// --- The review shortcut ---
-
-class AppModelReview : public ModelFixture {
- protected:
-  void SetUp() override { launchWatching(); }
-};
-
-TEST_F(AppModelReview, EmptyQueueWithTwoPendingRecordsShowsTheOlderWithoutAnnouncingTheFocus) {
-  spokenShortcut = "Control Option S";
-  const UUID older = arrive("older.png");
-  advance(5);
-  const UUID newer = arrive("newer.png");
-  model->dismissPrompt();
-  model->dismissPrompt();
-  announcer.said.clear();
-  presenter.presented.clear();
-  const int request = *model->promptFocusRequest;
-  model->reviewPending(true);
-  EXPECT_THAT(queue(), ElementsAre(older, newer));
-  EXPECT_THAT(presenter.presented, ElementsAre(older));
-  EXPECT_EQ(presenter.focuses, 1);
-  EXPECT_EQ(*model->promptFocusRequest, request + 1);
-  EXPECT_THAT(announcer.said, ElementsAre(Announcement{"Screenshot ready for a decision.", kHigh}))
-      << "neither the focus nor the shortcut that was just used is told";
-}
-
-TEST_F(AppModelReview, TheShortcutIsToldAgainAfterwards) {
-  spokenShortcut = "Control Option S";
-  arrive("older.png");
-  model->dismissPrompt();
-  model->reviewPending(false);
-  announcer.said.clear();
-  arrive("newer.png");
-  model->dismissPrompt();
-  EXPECT_TRUE(announcer.hasSaid("Screenshot ready for a decision. Press Control Option S to review it."));
-}
-
-TEST_F(AppModelReview, NothingPendingIsAnnounced) {
-  arrivePermanent("kept.png");
-  announcer.said.clear();
-  model->reviewPending(true);
-  EXPECT_THAT(announcer.said, ElementsAre(Announcement{"No screenshots are waiting for a decision.", kHigh}));
-  EXPECT_EQ(presenter.focuses, 0);
-  EXPECT_EQ(*model->promptFocusRequest, 0);
-}
-
-TEST_F(AppModelReview, VisiblePopupIsFocusedAndSaysSoOnlyWhenAsked) {
-  const UUID id = arrive("shot.png");
-  announcer.said.clear();
-  model->reviewPending(false);
-  EXPECT_THAT(announcer.said, IsEmpty());
-  model->reviewPending(true);
-  EXPECT_THAT(announcer.said, ElementsAre(Announcement{"Screenshot popup focused", kLow}));
-  EXPECT_EQ(presenter.focuses, 2);
-  EXPECT_EQ(*model->promptFocusRequest, 2);
-  EXPECT_THAT(presenter.presented, ElementsAre(id));
-}
-
-TEST_F(AppModelReview, AVisiblePopupIsNotJoinedByDismissedOnes) {
-  arrive("dismissed.png");
-  model->dismissPrompt();
-  const UUID visible = arrive("visible.png");
-  model->reviewPending(false);
-  EXPECT_THAT(queue(), ElementsAre(visible));
-}
-
-TEST_F(AppModelReview, UnavailableRecordsAreNotReviewed) {
-  const UUID id = arrive("shot.png");
-  model->dismissPrompt();
-  makeUnavailable(id);
-  announcer.said.clear();
-  model->reviewPending(false);
-  EXPECT_TRUE(announcer.hasSaid("No screenshots are waiting for a decision."));
-  EXPECT_THAT(queue(), IsEmpty());
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ TEST_F(AppModelDecisions, TemporarySetsTheMomentRemembersTheDurationAndSaves) {
   EXPECT_EQ(stateOf(id), State::temporary);
   EXPECT_EQ(item(id).expiresAt, moment + 900.0);
   EXPECT_EQ(scheduledAt(id), moment + 900.0);
-  EXPECT_EQ(*model->lastTemporaryDuration, TemporaryDuration::fifteenMinutes);
+  EXPECT_EQ(*model->settings().lastTemporaryDuration, TemporaryDuration::fifteenMinutes);
   EXPECT_EQ(settingsOnDisk()["quillmere.last-duration"], QJsonValue(900));
   EXPECT_THAT(queue(), IsEmpty());
   EXPECT_EQ(savedRecord(id), item(id));
@@ -40,7 +40,7 @@ TEST_F(AppModelDecisions, TemporaryOnARecordThatBecamePermanentAMomentEarlierDoe
   model->markTemporary(id, TemporaryDuration::oneHour, "another name").detach();
   EXPECT_EQ(item(id), before);
   EXPECT_EQ(scheduledAt(id), std::nullopt);
-  EXPECT_EQ(*model->lastTemporaryDuration, TemporaryDuration::fiveMinutes);
+  EXPECT_EQ(*model->settings().lastTemporaryDuration, TemporaryDuration::fiveMinutes);
   EXPECT_EQ(files.calls(), 0);
   EXPECT_FALSE(wasSaved());
 }
@@ -60,7 +60,7 @@ TEST_F(AppModelDecisions, ADecisionOnAnUnknownRecordDoesNothing) {
   model->keepBatch({uuid(404)});
   model->markTemporaryBatch({uuid(404)}, TemporaryDuration::oneHour);
   EXPECT_THAT(queue(), ElementsAre(id));
-  EXPECT_EQ(*model->lastTemporaryDuration, TemporaryDuration::fiveMinutes);
+  EXPECT_EQ(*model->settings().lastTemporaryDuration, TemporaryDuration::fiveMinutes);
 }
 
 TEST_F(AppModelDecisions, KeepMakesPermanentAndSaves) {
@@ -135,7 +135,7 @@ TEST_F(AppModelDecisions, BatchWithNothingToDecideChangesNothing) {
   wasSaved();
   model->markTemporaryBatch({kept, lost}, TemporaryDuration::oneHour);
   model->keepBatch({kept, lost});
-  EXPECT_EQ(*model->lastTemporaryDuration, TemporaryDuration::fiveMinutes);
+  EXPECT_EQ(*model->settings().lastTemporaryDuration, TemporaryDuration::fiveMinutes);
   EXPECT_EQ(stateOf(lost), State::pending);
   EXPECT_FALSE(wasSaved());
 }

@@ -171,7 +171,7 @@ TEST_F(AppModelDisposal, TheErrorShowsWhereThePersonActed) {
 TEST_F(AppModelDisposal, AScreenshotWhoseDisposalFailedStaysInThePopupWithTheError) {
   const UUID id = arrive("shot.png");
   files.refuse(item(id).url);
-  model->disposeItem(*model->headOfQueue(), ErrorScope::popup, Reason::chosen);
+  model->disposeItem(*model->promptedItem(), ErrorScope::popup, Reason::chosen);
   EXPECT_THAT(queue(), ElementsAre(id));
   EXPECT_EQ(presenter.visible, id);
   EXPECT_EQ(stateOf(id), State::pending);
@@ -181,7 +181,7 @@ TEST_F(AppModelDisposal, AScreenshotWhoseDisposalFailedStaysInThePopupWithTheErr
 TEST_F(AppModelDisposal, DisposingOfTheVisibleScreenshotShowsTheNext) {
   arrive("first.png");
   const UUID second = arrive("second.png");
-  model->disposeItem(*model->headOfQueue(), ErrorScope::popup, Reason::chosen);
+  model->disposeItem(*model->promptedItem(), ErrorScope::popup, Reason::chosen);
   EXPECT_EQ(presenter.visible, second);
   EXPECT_EQ(model->items().size(), 1u);
 }
@@ -301,6 +301,77 @@ TEST_F(AppModelDisposal, ForgettingARecordWhoseExpiryFailedTakesItOutOfTheBanner
   EXPECT_EQ((*model->backgroundIssue)->count, 1);
   model->removeRecords({second});
   EXPECT_EQ(banner(), std::nullopt);
+}
+
+// --- What the person chose ---
+
+using Chosen = AppModel::ChosenDisposal;
+
+class AppModelChosenDisposal : public ModelFixture {
+ protected:
+  void SetUp() override { launchWatching(); }
+};
+
+TEST_F(AppModelChosenDisposal, MovingToTrashAsksNothing) {
+  const UUID id = arrive("shot.png");
+  EXPECT_EQ(model->disposeChosen(id, ErrorScope::popup), Chosen::done);
+  EXPECT_THAT(deletionQuestions, IsEmpty());
+  EXPECT_TRUE(isInTrashFolder("shot.png"));
+}
+
+TEST_F(AppModelChosenDisposal, DeletingAsksFirst) {
+  const UUID id = arrive("shot.png");
+  model->setDeletesChosenImmediately(true);
+  confirmsDeletion = false;
+  EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), Chosen::declined);
+  EXPECT_TRUE(hasRecord(id));
+  EXPECT_EQ(files.calls(), 0);
+  confirmsDeletion = true;
+  EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), Chosen::done);
+  EXPECT_EQ(deletionQuestions, (std::vector<QString>{"shot.png", "shot.png"}));
+  EXPECT_EQ(files.removeCalls, 1);
+}
+
+TEST_F(AppModelChosenDisposal, UnderTheQuestionARecordNeitherExpiresNorGoesFromElsewhere) {
+  const UUID id = arriveTemporary("shot.png", TemporaryDuration::oneMinute);
+  model->setDeletesChosenImmediately(true);
+  confirmsDeletion = false;
+  onDeletionQuestion = [&] {
+    advance(65);
+    model->disposeItem(item(id), ErrorScope::popup, AppModel::DisposalReason::deleteImmediately);
+    EXPECT_TRUE(hasRecord(id));
+    EXPECT_EQ((*model->promptError)->title, "Screenshot Is in Use");
+  };
+  EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), Chosen::declined);
+  EXPECT_EQ(files.calls(), 0);
+  advance(10);
+  EXPECT_FALSE(hasRecord(id)) << "its time goes on after the answer";
+}
+
+TEST_F(AppModelChosenDisposal, TheAnswerCountsForTheRecordAsItIsThen) {
+  const UUID id = arrive("shot.png");
+  model->setDeletesChosenImmediately(true);
+  onDeletionQuestion = [&] { ASSERT_TRUE(model->rename(id, "renamed", ErrorScope::inbox)); };
+  EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), Chosen::done);
+  EXPECT_FALSE(fileExists(shots.appending("renamed.png")));
+}
+
+TEST_F(AppModelChosenDisposal, ARecordThatIsGoneByTheAnswerIsNotTouched) {
+  const UUID id = arrive("shot.png");
+  model->setDeletesChosenImmediately(true);
+  onDeletionQuestion = [&] { model->removeRecords({id}); };
+  EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), Chosen::done);
+  EXPECT_EQ(files.calls(), 0);
+  EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), Chosen::declined) << "nobody is asked about it";
+  EXPECT_EQ(deletionQuestions.size(), 1u);
+}
+
+TEST_F(AppModelChosenDisposal, ARefusalIsShownWhereThePersonActed) {
+  const UUID id = arrive("shot.png");
+  model->setDeletesChosenImmediately(true);
+  files.refuse(item(id).url);
+  EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), Chosen::refused);
+  EXPECT_EQ((*model->inboxError)->title, "Couldn’t Delete");
 }
 
 }  // namespace

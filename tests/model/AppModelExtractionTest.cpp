@@ -29,7 +29,7 @@ class AppModelExtraction : public PictureFixture {
   }
   Task<std::optional<Notice>> turnOn(const UUID& id) { return model->setPromptWindowExtraction(item(id), true); }
   std::optional<Extraction::Phase> phase() const {
-    const auto& extraction = *model->promptWindowExtraction;
+    const auto& extraction = *model->windowExtraction().state;
     return extraction ? std::optional(extraction->phase) : std::nullopt;
   }
 };
@@ -38,7 +38,7 @@ TEST_F(AppModelExtraction, FindsTheWindowOfAScreenshot) {
   const UUID id = arrivePicture("shot.png");
   const auto toggle = turnOn(id);
   EXPECT_EQ(phase(), Extraction::Phase(Extraction::Detecting{}));
-  EXPECT_EQ((*model->promptWindowExtraction)->itemID, id);
+  EXPECT_EQ((*model->windowExtraction().state)->itemID, id);
   ASSERT_EQ(scanner.calls.size(), 1U);
   EXPECT_EQ(scanner.calls[0]->url, item(id).url);
   scanner.answer(0, picture(), kWindow);

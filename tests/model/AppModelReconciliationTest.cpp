@@ -9,8 +9,8 @@ using ::testing::IsEmpty;
 class AppModelReconciliation : public ModelFixture {
  protected:
   void SetUp() override { launchWatching(); }
-  AppModel::ReconcileRequest request(std::optional<UUIDSet> ids, const char* name = nullptr) {
-    AppModel::ReconcileRequest made;
+  ReconcileRequest request(std::optional<UUIDSet> ids, const char* name = nullptr) {
+    ReconcileRequest made;
     made.ids = std::move(ids);
     if (name) made.completions.push_back([this, name] { completed.push_back(name); });
     return made;
@@ -335,7 +335,7 @@ TEST_F(AppModelReconciliation, AScreenshotOfAnEjectedDiskReturnsByTheReview) {
   connectDisk();
   report(WatcherStatus::watching);
   EXPECT_THAT(queue(), IsEmpty());
-  model->reviewPending(false);
+  model->reviewPending(FocusNews::silent);
   EXPECT_THAT(queue(), ElementsAre(id));
 }
 

@@ -86,7 +86,7 @@ TEST_F(AppModelScreenshotLocation, WithoutAMismatchNothingIsDismissed) {
   location.value = shots.displayPath();
   launchWatching();
   model->dismissLocationMismatch();
-  EXPECT_FALSE(*model->dismissedLocationMismatchPath);
+  EXPECT_FALSE(*model->settings().dismissedLocationMismatchPath);
 }
 
 TEST_F(AppModelScreenshotLocation, AFixedFolderIsNotOfferedToBeChangedAndTheNoticeStillShows) {

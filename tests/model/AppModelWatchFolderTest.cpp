@@ -91,10 +91,10 @@ TEST_F(AppModelWatchFolder, NoFileIsWithoutAccessWhileTheFolderChanges) {
 TEST_F(AppModelWatchFolder, ReceivedScreenshotStartsOverEvenForTheSameFolder) {
   launchWatching();
   arrive("shot.png");
-  ASSERT_TRUE(*model->watchFolderHasReceivedScreenshot);
+  ASSERT_TRUE(*model->settings().watchFolderHasReceivedScreenshot);
   log.clear();
   model->adoptWatchFolder(shots, ErrorScope::inbox);
-  EXPECT_FALSE(*model->watchFolderHasReceivedScreenshot);
+  EXPECT_FALSE(*model->settings().watchFolderHasReceivedScreenshot);
   EXPECT_EQ(settingsOnDisk()["quillmere.watch-folder-received-screenshot"], QJsonValue(false));
   EXPECT_THAT(log.calls(),
               ElementsAre("make bookmark shots", "store folder bookmark", "start access shots", "watch shots"));
@@ -113,7 +113,7 @@ TEST_F(AppModelWatchFolder, FolderWhoseBookmarkCannotBeSavedLeavesThePreviousOne
   EXPECT_EQ(folderStore.stored, bookmarkOf(shots));
   EXPECT_EQ(monitor.watched, shots);
   EXPECT_TRUE(scope.isOpen(shots));
-  EXPECT_TRUE(*model->watchFolderHasReceivedScreenshot);
+  EXPECT_TRUE(*model->settings().watchFolderHasReceivedScreenshot);
   EXPECT_THAT(queue(), ElementsAre(id));
   EXPECT_THAT(log.calls(), ElementsAre("make bookmark elsewhere"));
   EXPECT_FALSE(wasSaved());

@@ -67,7 +67,7 @@ class ExtractionInAnyOrder : public ModelFixture {
     }
   }
   void step() {
-    const auto head = model->promptQueue->empty() ? std::nullopt : std::optional(model->promptQueue->front());
+    const auto head = model->prompts().queue->empty() ? std::nullopt : std::optional(model->prompts().queue->front());
     switch (below(15)) {
       case 0:
       case 1:
@@ -114,9 +114,9 @@ class ExtractionInAnyOrder : public ModelFixture {
     }
   }
   void expectExtractionIsOfTheHead() const {
-    const auto& extraction = *model->promptWindowExtraction;
+    const auto& extraction = *model->windowExtraction().state;
     if (extraction) {
-      EXPECT_EQ(extraction->itemID, model->promptQueue->front());
+      EXPECT_EQ(extraction->itemID, model->prompts().queue->front());
     }
   }
   std::multiset<std::string> bytesIn(const FileURL& folder) const {

@@ -124,7 +124,7 @@ class HistoryOracle {
           item.state == ScreenshotItem::State::pending && !program_.model->unavailableItemIDs->contains(item.id);
       if (isAsked) expected.push_back(item.id);
     }
-    const auto& queue = *program_.model->promptQueue;
+    const auto& queue = *program_.model->prompts().queue;
     // Those of one moment come in any order; so do all when the clock was set back.
     const bool isAfterAll = std::all_of(queue.begin(), queue.end(), [&](const UUID& id) {
       return program_.model->items().find(id)->createdAt < program_.startedAt;
@@ -197,7 +197,7 @@ class HistoryOracle {
     return names;
   }
   void judgeQueue() {
-    const auto& queue = *program_.model->promptQueue;
+    const auto& queue = *program_.model->prompts().queue;
     const std::optional<UUID> head = queue.empty() ? std::nullopt : std::optional(queue.front());
     if (head != program_.presenter.visible) fail("the popup shows the head of the queue", "");
     for (const UUID& id : queue) {

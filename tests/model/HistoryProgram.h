@@ -206,6 +206,7 @@ class HistoryProgram {
     all.systemEvents = &systemEvents;
     all.now = [this] { return world_.now(); };
     all.timeZone = [] { return QTimeZone::utc(); };
+    all.confirmDeletion = [](const QString&) { return true; };
     all.isInTrash = [this](const FileURL& url) { return world_.isInTrash(url); };
     all.fileIdentity = [this](const FileURL& url) { return world_.identityOf(url); };
     all.isFolderReachable = [this](const FileURL& url) { return world_.isFolderReachable(url); };

@@ -299,7 +299,7 @@ void HistoryPlayer::trashBatch(const HistoryStep& step) {
 }
 
 void HistoryPlayer::closePopup(const HistoryStep&) {
-  if (!program_.isRunning() || program_.model->promptQueue->empty()) return;
+  if (!program_.isRunning() || program_.model->prompts().queue->empty()) return;
   say("the person closes the popup");
   program_.model->dismissPrompt();
 }
@@ -307,7 +307,7 @@ void HistoryPlayer::closePopup(const HistoryStep&) {
 void HistoryPlayer::review(const HistoryStep&) {
   if (!program_.isRunning()) return;
   say("the person asks for the review");
-  program_.model->reviewPending(false);
+  program_.model->reviewPending(FocusNews::silent);
 }
 
 void HistoryPlayer::renameInProgram(const HistoryStep& step) {
@@ -341,7 +341,7 @@ void HistoryPlayer::dismissBanner(const HistoryStep&) {
 
 void HistoryPlayer::switchAutoSave(const HistoryStep&) {
   if (!program_.isRunning()) return;
-  const bool isOn = !*program_.model->popupAutoSaveEnabled;
+  const bool isOn = !*program_.model->settings().popupAutoSaveEnabled;
   say(isOn ? "unanswered popups keep after 3 s" : "unanswered popups stay");
   program_.model->setPopupAutoSaveSeconds(3);
   program_.model->setPopupAutoSaveEnabled(isOn);
@@ -398,7 +398,7 @@ void HistoryPlayer::comeToFront(const HistoryStep&) {
 
 void HistoryPlayer::reconcile(const HistoryStep& step) {
   if (!program_.isRunning()) return;
-  AppModel::ReconcileRequest request;
+  ReconcileRequest request;
   if (step.how % 2 == 0) {
     request.ids.emplace();
     for (const ScreenshotItem& item : pickRecords(step)) request.ids->insert(item.id);

@@ -9,7 +9,7 @@ using ::testing::ElementsAre;
 using ::testing::Field;
 using ::testing::SizeIs;
 
-AppModel::ReconcileRequest everything() {
+ReconcileRequest everything() {
   return {.ids = std::nullopt, .polite = false, .dropsUnavailableFromQueue = false, .completions = {}};
 }
 

@@ -214,7 +214,7 @@ class FakeMonitor final : public ScreenshotMonitoring {
     log_.add("start monitor");
     ++starts;
   }
-  void scheduleScan(Duration, bool) override {}
+  void scheduleScan(Duration, ScanScope) override {}
   bool includesNonCaptureImages() const override { return includes; }
   void setIncludesNonCaptureImages(bool isOn) override {
     log_.add(isOn ? "include other images" : "captures only");
@@ -272,11 +272,11 @@ class FakeScreenshotLocation final : public ScreenshotLocationProviding {
   std::optional<QString> rawValue() override { return value; }
   QString rawValueOf(const FileURL& folder) override { return folder.displayPath(); }
   bool canChange() override { return isChangeable; }
-  bool setRawValue(const std::optional<QString>& to) override {
+  bool tryToSetRawValue(const std::optional<QString>& to) override {
     ++writes;
-    if (refuses) return true;
+    if (refuses) return false;
     if (!ignores) value = to;
-    return false;
+    return true;
   }
 
   std::optional<QString> value;

@@ -109,6 +109,11 @@ class ModelFixture : public ::testing::Test {
     world.systemEvents = &systemEvents;
     world.now = [this] { return now(); };
     world.timeZone = [] { return QTimeZone::utc(); };
+    world.confirmDeletion = [this](const QString& fileName) {
+      deletionQuestions.push_back(fileName);
+      if (onDeletionQuestion) onDeletionQuestion();
+      return confirmsDeletion;
+    };
     world.isInTrash = [this](const FileURL& url) { return url.path().starts_with(trash.path() + "/"); };
     world.fileIdentity = [this](const FileURL& url) { return identityOf(url); };
     world.isFolderReachable = [this](const FileURL& url) {
@@ -230,7 +235,7 @@ class ModelFixture : public ::testing::Test {
   }
   bool hasRecord(const UUID& id) const { return model->items().find(id) != nullptr; }
   State stateOf(const UUID& id) const { return item(id).state; }
-  const std::vector<UUID>& queue() const { return *model->promptQueue; }
+  const std::vector<UUID>& queue() const { return *model->prompts().queue; }
   /// The records as they stand on the disk.
   std::vector<ScreenshotItem> savedRecords() const {
     return fileExists(listFile) ? ScreenshotRecordStore{listFile}.load(now()).items : std::vector<ScreenshotItem>();
@@ -307,6 +312,10 @@ class ModelFixture : public ::testing::Test {
   std::optional<FileURL> standardFolder;
   std::optional<QString> spokenShortcut;
   std::optional<Date> interruptedSince;
+
+  std::vector<QString> deletionQuestions;  ///< the files that were asked about
+  bool confirmsDeletion = true;
+  std::function<void()> onDeletionQuestion;  ///< what happens while the question is open
 
   std::vector<ModelChange> changes;
   std::unique_ptr<AppModel> model;

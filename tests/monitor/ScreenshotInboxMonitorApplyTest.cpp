@@ -447,7 +447,7 @@ TEST_F(ApplyTest, PendingFileThatCannotBeReadDuringAFullScanKeepsItsState) {
   advance(0.1);
   const int result = testing::exitCodeOfChild([&] {
     if (::chmod(folder.path().c_str(), 0744) != 0 || !testing::becomeOrdinaryUser()) return testing::kCannotSetUp;
-    monitor->scheduleScan(Duration::zero(), true);
+    monitor->scheduleScan(Duration::zero(), ScanScope::full);
     advance(0);
     return executor.nextDelay() && *executor.nextDelay() <= seconds(0.1) ? 0 : 1;
   });

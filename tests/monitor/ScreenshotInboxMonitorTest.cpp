@@ -166,10 +166,10 @@ TEST_F(LifecycleTest, QueuedScanIsFullIfAnyAskerWantedFull) {
        std::vector<std::tuple<bool, bool, int>>{{false, true, 2}, {true, false, 2}, {false, false, 1}}) {
     EXPECT_EQ(scansDuring([&, asks = std::vector{first, second}] {
                 executor.holdBackground();
-                monitor->scheduleScan(Duration::zero(), true);
+                monitor->scheduleScan(Duration::zero(), ScanScope::full);
                 advance(0);
                 for (const bool full : asks) {
-                  monitor->scheduleScan(Duration::zero(), full);
+                  monitor->scheduleScan(Duration::zero(), full ? ScanScope::full : ScanScope::partial);
                   advance(0);
                 }
                 executor.runHeldBackground();
@@ -183,7 +183,7 @@ TEST_F(LifecycleTest, PartialScanWithNothingPendingDoesNothing) {
   begin();
   executor.holdBackground();
   EXPECT_EQ(scansDuring([&] {
-              monitor->scheduleScan(Duration::zero(), false);
+              monitor->scheduleScan(Duration::zero(), ScanScope::partial);
               advance(0);
               EXPECT_FALSE(monitor->isScanning());
             }),
@@ -197,7 +197,7 @@ TEST_F(LifecycleTest, PartialScanIsFullWhileABaselineIsOwed) {
   executor.drain();
   services->isMounted = true;
   EXPECT_EQ(scansDuring([&] {
-              monitor->scheduleScan(Duration::zero(), false);
+              monitor->scheduleScan(Duration::zero(), ScanScope::partial);
               advance(0);
             }),
             1);
@@ -205,7 +205,7 @@ TEST_F(LifecycleTest, PartialScanIsFullWhileABaselineIsOwed) {
 
 TEST_F(LifecycleTest, ScanWithoutAFolderDoesNothing) {
   monitor->start();
-  monitor->scheduleScan(Duration::zero(), true);
+  monitor->scheduleScan(Duration::zero(), ScanScope::full);
   advance(1);
   EXPECT_EQ(scans(), 0);
 }
@@ -215,7 +215,7 @@ TEST_F(LifecycleTest, LaterRequestCannotDelayAnEarlierDeadlineButMakesItFull) {
   make("pending.png", "");
   tellChange();  // a quick look is due in 0.1 s
   EXPECT_EQ(scansDuring([&] {
-              monitor->scheduleScan(seconds(5), true);
+              monitor->scheduleScan(seconds(5), ScanScope::full);
               EXPECT_EQ(executor.nextDelay(), seconds(0.1));
               advance(0.1);
             }),
@@ -227,8 +227,8 @@ TEST_F(LifecycleTest, LaterRequestCannotDelayAnEarlierDeadlineButMakesItFull) {
 TEST_F(LifecycleTest, RequestForTheSameMomentJoinsTheOneThatIsThere) {
   begin();
   const auto before = executor.pendingDelays();
-  monitor->scheduleScan(seconds(1), false);
-  monitor->scheduleScan(seconds(1), true);
+  monitor->scheduleScan(seconds(1), ScanScope::partial);
+  monitor->scheduleScan(seconds(1), ScanScope::full);
   EXPECT_EQ(executor.pendingDelays(), before + 1);
   EXPECT_EQ(scansDuring([&] { advance(1); }), 1);
 }
@@ -236,8 +236,8 @@ TEST_F(LifecycleTest, RequestForTheSameMomentJoinsTheOneThatIsThere) {
 TEST_F(LifecycleTest, EarlierRequestReplacesALaterDeadlineAndKeepsItsFullness) {
   begin();
   EXPECT_EQ(scansDuring([&] {
-              monitor->scheduleScan(seconds(5), true);
-              monitor->scheduleScan(seconds(1), false);
+              monitor->scheduleScan(seconds(5), ScanScope::full);
+              monitor->scheduleScan(seconds(1), ScanScope::partial);
               advance(0.999);
             }),
             0);
@@ -260,7 +260,7 @@ TEST_F(LifecycleTest, FullScanTakesTheDelayedOneAlong) {
 TEST_F(LifecycleTest, FullnessOfADelayedScanDoesNotOutliveIt) {
   begin();
   make("pending.png", "");
-  monitor->scheduleScan(seconds(1), true);
+  monitor->scheduleScan(seconds(1), ScanScope::full);
   advance(1);
   EXPECT_EQ(scansDuring([&] { advance(1); }), 0) << "the quick looks that follow are partial";
 }

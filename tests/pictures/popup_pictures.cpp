@@ -57,7 +57,6 @@ class Scene final : public testing::ModelFixture {
     services.windowSystem = &windowSystem_;
     services.isDataless = [this](const FileURL& url) { return dataless.contains(url.path()); };
     services.captureRect = [](const FileURL&) { return std::nullopt; };
-    services.confirmDeletion = [](const QString&) { return false; };
     popup_ = std::make_unique<CapturePromptPanelController>(std::move(services));
     chooseFolderBefore(shots);
     defaults = std::make_unique<UserDefaults>(settingsFile.displayPath());
@@ -105,7 +104,7 @@ class Scene final : public testing::ModelFixture {
     }
   }
   void extract(bool isFound) {
-    const UUID id = model->promptQueue->front();
+    const UUID id = model->prompts().queue->front();
     model->setPromptWindowExtraction(item(id), true).detach();
     const QImage picture = paintedDesktop(kCapture, 7);
     const auto window = ImageOperations::primaryWindow(ImageOperations::detectWindows(picture, std::nullopt));

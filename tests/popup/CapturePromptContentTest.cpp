@@ -72,7 +72,7 @@ TEST_F(CapturePromptContentTest, TheHeadOfTheQueueIsShownAndTheRestIsCounted) {
   EXPECT_TRUE(content->canReadImage);
   EXPECT_FALSE(content->scrolls);
   EXPECT_FALSE(content->error);
-  EXPECT_EQ(content->contentGeneration, *model->promptContentGeneration);
+  EXPECT_EQ(content->contentGeneration, *model->prompts().contentGeneration);
 }
 
 TEST_F(CapturePromptContentTest, SettingsShowAtOnce) {
@@ -89,7 +89,7 @@ TEST_F(CapturePromptContentTest, SettingsShowAtOnce) {
 TEST_F(CapturePromptContentTest, AnErrorAndARequestForTheKeyboardShow) {
   arrive("1.png");
   model->show(ErrorScope::popup, QStringLiteral("Title"), QStringLiteral("Message"));
-  model->reviewPending(false);
+  model->reviewPending(FocusNews::silent);
   const auto content = make();
   ASSERT_TRUE(content->error);
   EXPECT_EQ(content->error->title, QStringLiteral("Title"));

@@ -77,7 +77,6 @@ class CapturePromptPanelControllerTest : public testing::ModelFixture {
     services.windowSystem = &windowSystem;
     services.isDataless = [this](const FileURL& url) { return dataless.contains(url.path()); };
     services.captureRect = [this](const FileURL&) { return captureRect; };
-    services.confirmDeletion = [](const QString&) { return true; };
     popup = std::make_unique<CapturePromptPanelController>(std::move(services));
     chooseFolderBefore(shots);
     defaults = std::make_unique<UserDefaults>(settingsFile.displayPath());
@@ -172,7 +171,7 @@ TEST_F(CapturePromptPanelControllerTest, WhatWasTypedIsForgottenOnceThePopupHasC
   field()->setText(QStringLiteral("Typed"));
   model->dismissPrompt();
   settle();
-  model->reviewPending(false);
+  model->reviewPending(FocusNews::silent);
   settle();
   ASSERT_TRUE(isVisible());
   ASSERT_EQ(popup->content()->item.id, id);
@@ -306,7 +305,7 @@ TEST_F(CapturePromptPanelControllerTest, AClosedPopupForgetsItsHeights) {
   model->dismissPrompt();
   settle();
   const int measurements = popup->measurementCount();
-  model->reviewPending(false);
+  model->reviewPending(FocusNews::silent);
   settle();
   ASSERT_EQ(popup->content()->item.id, id);
   EXPECT_GT(popup->measurementCount(), measurements);
@@ -463,7 +462,7 @@ TEST_F(CapturePromptPanelControllerTest, AScreenThatGoesAwayMovesItToAnother) {
 
 TEST_F(CapturePromptPanelControllerTest, TheReviewTakesTheKeyboardAndClosingGivesItBack) {
   show();
-  model->reviewPending(false);
+  model->reviewPending(FocusNews::silent);
   ASSERT_EQ(windowSystem.activated, std::vector<quintptr>{popup->panel()->winId()});
   ASSERT_TRUE(popup->panel()->isActiveWindow());
   EXPECT_FALSE(popup->panel()->windowHandle()->flags().testFlag(Qt::WindowDoesNotAcceptFocus));
@@ -474,7 +473,7 @@ TEST_F(CapturePromptPanelControllerTest, TheReviewTakesTheKeyboardAndClosingGive
 
 TEST_F(CapturePromptPanelControllerTest, WhereTheWindowManagerGaveTheKeyboardBackNothingIsActivated) {
   show();
-  model->reviewPending(false);
+  model->reviewPending(FocusNews::silent);
   windowSystem.activated.clear();
   model->dismissPrompt();
   windowSystem.active = kEditor;
@@ -491,7 +490,7 @@ TEST_F(CapturePromptPanelControllerTest, ClosingAPopupThatNeverHadTheKeyboardAct
 
 TEST_F(CapturePromptPanelControllerTest, AfterThePersonWentElsewhereClosingActivatesNothing) {
   show();
-  model->reviewPending(false);
+  model->reviewPending(FocusNews::silent);
   ASSERT_TRUE(popup->panel()->isActiveWindow());
   windowSystem.give(0);
   ASSERT_FALSE(popup->panel()->isActiveWindow());
@@ -508,7 +507,7 @@ TEST_F(CapturePromptPanelControllerTest, FromAWindowOfThisProgramNothingIsGivenB
   show();
   windowSystem.give(inbox.winId());
   ASSERT_TRUE(inbox.isActiveWindow());
-  model->reviewPending(false);
+  model->reviewPending(FocusNews::silent);
   ASSERT_TRUE(popup->panel()->isActiveWindow());
   windowSystem.activated.clear();
   model->dismissPrompt();
@@ -518,7 +517,7 @@ TEST_F(CapturePromptPanelControllerTest, FromAWindowOfThisProgramNothingIsGivenB
 
 TEST_F(CapturePromptPanelControllerTest, TheNextScreenshotKeepsTheKeyboard) {
   show();
-  model->reviewPending(false);
+  model->reviewPending(FocusNews::silent);
   arrive("2.png");
   model->dismissPrompt();
   executor.drain();
@@ -537,7 +536,7 @@ TEST_F(CapturePromptPanelControllerTest, AClickIntoTheNameTakesTheKeyboard) {
 
 TEST_F(CapturePromptPanelControllerTest, APopupShownAnewRefusesTheKeyboardAgain) {
   show();
-  model->reviewPending(false);
+  model->reviewPending(FocusNews::silent);
   model->dismissPrompt();
   settle();
   windowSystem.refusesFocusWhenShown = false;
@@ -562,7 +561,7 @@ TEST_F(CapturePromptPanelControllerTest, ThePointerOnTheCardEngagesAndOnTheMargi
 TEST_F(CapturePromptPanelControllerTest, APopupWithTheKeyboardIsEngagedWhereverThePointerIs) {
   show();
   EXPECT_FALSE(popup->isPointerEngaged());
-  model->reviewPending(false);
+  model->reviewPending(FocusNews::silent);
   EXPECT_TRUE(popup->isPointerEngaged());
 }
 

@@ -31,12 +31,7 @@ class CapturePromptViewTest : public testing::ModelFixture {
   CapturePromptViewTest() {
     launchWatching();
     id = arrive("Screenshot 1.png");
-    CapturePromptView::Services services{model.get(), &executor, &thumbnails, &sharing, {}};
-    services.confirmDeletion = [this](const QString& fileName) {
-      confirmed.push_back(fileName);
-      if (onQuestion) onQuestion();
-      return confirms;
-    };
+    const CapturePromptView::Services services{model.get(), &executor, &thumbnails, &sharing};
     view = std::make_unique<CapturePromptView>(services, nullptr);
     view->onKeyboardWanted = [this] { ++keyboardWanted; };
     refresh();
@@ -108,9 +103,6 @@ class CapturePromptViewTest : public testing::ModelFixture {
   ThumbnailLoader thumbnails{executor, [](const FileURL&) { return false; }};
   std::unique_ptr<CapturePromptView> view;
   int keyboardWanted = 0;
-  std::vector<QString> confirmed;
-  bool confirms = true;
-  std::function<void()> onQuestion;
 };
 
 // --- What it starts with ---
@@ -118,7 +110,7 @@ class CapturePromptViewTest : public testing::ModelFixture {
 TEST_F(CapturePromptViewTest, StartsWithTheFilesNameTheLastDurationAndTheMainButton) {
   EXPECT_EQ(field()->text(), QStringLiteral("Screenshot 1"));
   EXPECT_TRUE(showsText(QStringLiteral(".png")));
-  EXPECT_EQ(picker()->duration(), *model->lastTemporaryDuration);
+  EXPECT_EQ(picker()->duration(), *model->settings().lastTemporaryDuration);
   EXPECT_EQ(QApplication::focusWidget(), button("Temporary"));
   EXPECT_FALSE(isErrorShown());
 }
@@ -154,19 +146,19 @@ TEST_F(CapturePromptViewTest, MoveToTrashAsksNothing) {
   QTest::mouseClick(button("Move to Trash"), Qt::LeftButton);
   EXPECT_FALSE(hasRecord(id));
   EXPECT_TRUE(isInTrashFolder("Screenshot 1.png"));
-  EXPECT_TRUE(confirmed.empty());
+  EXPECT_TRUE(deletionQuestions.empty());
   EXPECT_TRUE(announcer.hasSaid(QStringLiteral("Screenshot moved to Trash.")));
 }
 
 TEST_F(CapturePromptViewTest, DeletingAsksFirst) {
   model->setDeletesChosenImmediately(true);
   refresh();
-  confirms = false;
+  confirmsDeletion = false;
   QTest::mouseClick(button("Delete"), Qt::LeftButton);
-  EXPECT_EQ(confirmed, std::vector<QString>{QStringLiteral("Screenshot 1.png")});
+  EXPECT_EQ(deletionQuestions, std::vector<QString>{QStringLiteral("Screenshot 1.png")});
   EXPECT_TRUE(hasRecord(id));
   EXPECT_EQ(files.calls(), 0);
-  confirms = true;
+  confirmsDeletion = true;
   QTest::mouseClick(button("Delete"), Qt::LeftButton);
   EXPECT_FALSE(hasRecord(id));
   EXPECT_EQ(files.removeCalls, 1);
@@ -328,7 +320,7 @@ TEST_F(CapturePromptViewTest, TabGoesThroughEveryControlAndBackToTheFirst) {
 
 TEST_F(CapturePromptViewTest, ARequestForTheKeyboardPutsItOnTheMainButton) {
   field()->setFocus();
-  model->reviewPending(false);
+  model->reviewPending(FocusNews::silent);
   refresh();
   EXPECT_EQ(QApplication::focusWidget(), button("Temporary"));
 }
@@ -420,7 +412,7 @@ TEST_F(CapturePromptViewTest, TheNextScreenshotStartsAnew) {
   QTest::mouseClick(button("Keep"), Qt::LeftButton);
   refresh();
   EXPECT_EQ(field()->text(), QStringLiteral("2"));
-  EXPECT_EQ(picker()->duration(), *model->lastTemporaryDuration);
+  EXPECT_EQ(picker()->duration(), *model->settings().lastTemporaryDuration);
   EXPECT_EQ(QApplication::focusWidget(), button("Temporary"));
   EXPECT_EQ(edit(), (AppModel::PromptNameEdit{second, QStringLiteral("2"), false, false}));
 }
@@ -502,7 +494,7 @@ TEST_F(CapturePromptViewTest, TheDurationCanBeChosenAtOnce) {
   refresh();
   picker()->setDuration(TemporaryDuration::oneHour);
   EXPECT_EQ(picker()->duration(), TemporaryDuration::oneHour);
-  EXPECT_NE(*model->lastTemporaryDuration, TemporaryDuration::oneHour) << "stored with the decision alone";
+  EXPECT_NE(*model->settings().lastTemporaryDuration, TemporaryDuration::oneHour) << "stored with the decision alone";
 }
 
 // --- Copy and Copy Text ---
@@ -877,10 +869,10 @@ TEST_F(CapturePromptViewTest, ThePopupWaitsForTheAnswerWhetherToDelete) {
   model->setPopupAutoSaveSeconds(3);
   model->setDeletesChosenImmediately(true);
   refresh();
-  onQuestion = [this] { executor.advance(std::chrono::seconds(10)); };
-  confirms = false;
+  onDeletionQuestion = [this] { executor.advance(std::chrono::seconds(10)); };
+  confirmsDeletion = false;
   click("Delete");
-  EXPECT_EQ(confirmed.size(), 1U);
+  EXPECT_EQ(deletionQuestions.size(), 1U);
   EXPECT_EQ(stateOf(id), State::pending);
 }
 

@@ -5,6 +5,7 @@
 
 #include "formats/ImageFile.h"
 #include "foundation/FileStatus.h"
+#include "model/Settings.h"
 #include "platform/linux/capture/ScreenCaptureAttributes.h"
 #include "platform/linux/files/CloudFiles.h"
 #include "platform/linux/files/LiveFileIdentity.h"
@@ -57,7 +58,8 @@ LiveServices::LiveServices(const ApplicationPaths& paths)
       watchFolderStore(defaults, mounts),
       announcer(executor),
       sharing(executor),
-      languageModel(executor, ModelServerPlaces::standard(defaults), &systemNow),
+      languageModel(executor, ModelServerPlaces::standard([this] { return Settings::storedModelAddress(defaults); }),
+                    &systemNow),
       analyzer(executor, languageModel, &CloudFiles::isDataless),
       monitor(executor, systemEvents, folderEvents, scanServices(), &systemNow) {}
 

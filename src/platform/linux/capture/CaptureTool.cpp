@@ -50,7 +50,7 @@ std::optional<QString> FileCaptureTool::textIn(const std::string& configuration)
   return textOf(value);
 }
 
-bool FileCaptureTool::setRawValue(const std::optional<QString>& value) const {
+bool FileCaptureTool::tryToSetRawValue(const std::optional<QString>& value) const {
   return file_.setValue(key_, bytesOf(value));
 }
 
@@ -67,7 +67,7 @@ std::optional<QString> SettingsCaptureTool::rawValue() const {
   return textOf(key_.value());
 }
 
-bool SettingsCaptureTool::setRawValue(const std::optional<QString>& value) const {
+bool SettingsCaptureTool::tryToSetRawValue(const std::optional<QString>& value) const {
   return key_.write(bytesOf(value));
 }
 

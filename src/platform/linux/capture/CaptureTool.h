@@ -26,8 +26,8 @@ class CaptureTool {
   virtual bool canChange() const { return false; }
   virtual std::optional<QString> rawValue() const { return std::nullopt; }
   virtual QString rawValueOf(const FileURL& folder) const { return folder.displayPath(); }
-  /// False when it was refused.
-  virtual bool setRawValue(const std::optional<QString>&) const { return false; }
+  /// True when it was done.
+  virtual bool tryToSetRawValue(const std::optional<QString>&) const { return false; }
   std::optional<FileURL> folder() const;
 
  protected:
@@ -56,7 +56,7 @@ class FileCaptureTool final : public CaptureTool {
   bool canChange() const override { return true; }
   std::optional<QString> rawValue() const override;
   QString rawValueOf(const FileURL& folder) const override { return notation_.write(folder); }
-  bool setRawValue(const std::optional<QString>& value) const override;
+  bool tryToSetRawValue(const std::optional<QString>& value) const override;
 
  private:
   std::optional<FileURL> configuredFolder() const override;
@@ -76,7 +76,7 @@ class SettingsCaptureTool final : public CaptureTool {
   bool canChange() const override { return use_ == Use::setByPerson && key_.canWrite(); }
   std::optional<QString> rawValue() const override;
   QString rawValueOf(const FileURL& folder) const override { return QString::fromStdString(folder.coded()); }
-  bool setRawValue(const std::optional<QString>& value) const override;
+  bool tryToSetRawValue(const std::optional<QString>& value) const override;
 
  private:
   std::optional<FileURL> configuredFolder() const override;

@@ -34,9 +34,9 @@ bool LiveScreenshotLocationProvider::canChange() {
   return quillmere::canChange(*captureToolInUse(environment_));
 }
 
-bool LiveScreenshotLocationProvider::setRawValue(const std::optional<QString>& value) {
+bool LiveScreenshotLocationProvider::tryToSetRawValue(const std::optional<QString>& value) {
   const auto tool = captureToolInUse(environment_);
-  return !isExact(value) || !quillmere::canChange(*tool) || !tool->setRawValue(value);
+  return isExact(value) && quillmere::canChange(*tool) && tool->tryToSetRawValue(value);
 }
 
 }  // namespace quillmere

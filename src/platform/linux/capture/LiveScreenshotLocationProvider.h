@@ -15,7 +15,7 @@ class LiveScreenshotLocationProvider final : public ScreenshotLocationProviding 
   std::optional<QString> rawValue() override;
   QString rawValueOf(const FileURL& folder) override;
   bool canChange() override;
-  bool setRawValue(const std::optional<QString>& value) override;
+  bool tryToSetRawValue(const std::optional<QString>& value) override;
 
  private:
   CaptureEnvironment environment_;

@@ -94,7 +94,7 @@ TEST_F(CaptureToolsTest, TheShellSavesToItsFixedFolderWhateverIsInstalled) {
     EXPECT_FALSE(tool()->canChange());
     EXPECT_EQ(tool()->rawValue(), std::nullopt);
     EXPECT_EQ(notation(), kFixed);
-    EXPECT_FALSE(tool()->setRawValue(QStringLiteral("/a")));
+    EXPECT_FALSE(tool()->tryToSetRawValue(QStringLiteral("/a")));
   }
 }
 
@@ -132,10 +132,10 @@ TEST_F(CaptureToolsTest, ASpectacleOfUnknownVersionUsesTheKeyThatIsSet) {
   install("spectacle");
   const std::string former = "[Save]\ndefaultSaveLocation=" + pictures.coded() + "\n";
   configure("spectaclerc", former);
-  EXPECT_TRUE(tool()->setRawValue(tool()->rawValueOf(shots)));
+  EXPECT_TRUE(tool()->tryToSetRawValue(tool()->rawValueOf(shots)));
   EXPECT_EQ(configuration("spectaclerc"), "[Save]\ndefaultSaveLocation=" + shots.coded() + "/\n");
   configure("spectaclerc", "");
-  EXPECT_TRUE(tool()->setRawValue(tool()->rawValueOf(shots)));
+  EXPECT_TRUE(tool()->tryToSetRawValue(tool()->rawValueOf(shots)));
   EXPECT_EQ(configuration("spectaclerc"), "[ImageSave]\nimageSaveLocation=" + shots.coded() + "/\n");
   describeSpectacle("no number");
   EXPECT_EQ(savedTo(), shots);
@@ -163,7 +163,7 @@ TEST_F(CaptureToolsTest, NoNameLooksLikeAVariableToSpectacle) {
   install("spectacle");
   configure("spectaclerc", "[ImageSave]\nimageSaveLocation[$e]=\n");
   const FileURL dollar = makeFolder("home/$HOME $$");
-  EXPECT_TRUE(tool()->setRawValue(tool()->rawValueOf(dollar)));
+  EXPECT_TRUE(tool()->tryToSetRawValue(tool()->rawValueOf(dollar)));
   EXPECT_EQ(savedTo(), dollar);
 }
 
@@ -174,7 +174,7 @@ TEST_F(CaptureToolsTest, FlameshotKeepsAPathWithTheEscapesOfItsLibrary) {
   configure("flameshot/flameshot.ini", "[General]\ndrawColor=#ff0000\n\n[Shortcuts]\nTYPE_COPY=Ctrl+C\n");
   const FileURL hard = makeFolder("home/a, \"b\" \\ 100% ä1");
   EXPECT_EQ(savedTo(), pictures);
-  EXPECT_TRUE(tool()->setRawValue(tool()->rawValueOf(hard)));
+  EXPECT_TRUE(tool()->tryToSetRawValue(tool()->rawValueOf(hard)));
   EXPECT_EQ(configuration("flameshot/flameshot.ini"),
             "[General]\nsavePath=\"" + home.path() +
                 "/a, \\\"b\\\" \\\\ 100% \\xe4\\x31\"\ndrawColor=#ff0000\n\n[Shortcuts]\nTYPE_COPY=Ctrl+C\n");
@@ -184,7 +184,7 @@ TEST_F(CaptureToolsTest, FlameshotKeepsAPathWithTheEscapesOfItsLibrary) {
 TEST_F(CaptureToolsTest, KsnipSavesInTheHomeByDefault) {
   install("ksnip");
   EXPECT_EQ(savedTo(), home);
-  EXPECT_TRUE(tool()->setRawValue(tool()->rawValueOf(shots)));
+  EXPECT_TRUE(tool()->tryToSetRawValue(tool()->rawValueOf(shots)));
   EXPECT_EQ(savedTo(), shots);
   EXPECT_EQ(configuration("ksnip/ksnip.conf"), "[Application]\nSaveDirectory=" + home.path() + "/My sh\\xf6ts\n");
 }
@@ -195,7 +195,7 @@ TEST_F(CaptureToolsTest, XfceKeepsAURLWithOneSlashOrThree) {
   install("xfce4-screenshooter");
   configure("xfce4/xfce4-screenshooter", "app=none\nscreenshot_dir=file:" + shots.path() + "\naction=1\n");
   EXPECT_EQ(savedTo(), shots);
-  EXPECT_TRUE(tool()->setRawValue(tool()->rawValueOf(pictures)));
+  EXPECT_TRUE(tool()->tryToSetRawValue(tool()->rawValueOf(pictures)));
   EXPECT_EQ(configuration("xfce4/xfce4-screenshooter"),
             "app=none\nscreenshot_dir=" + pictures.coded() + "\naction=1\n");
   EXPECT_EQ(savedTo(), pictures);
@@ -215,9 +215,9 @@ TEST_F(CaptureToolsTest, XfceWritesNamesThatAreNoTextWithoutEscapes) {
   EXPECT_EQ(savedTo(), bytes);
   const auto previous = tool()->rawValue();
   EXPECT_EQ(previous, QString::fromStdString("file:" + home.path() + "/b%E4r %C3%A4"));
-  EXPECT_TRUE(tool()->setRawValue(tool()->rawValueOf(shots)));
+  EXPECT_TRUE(tool()->tryToSetRawValue(tool()->rawValueOf(shots)));
   EXPECT_EQ(savedTo(), shots);
-  EXPECT_TRUE(tool()->setRawValue(previous));
+  EXPECT_TRUE(tool()->tryToSetRawValue(previous));
   EXPECT_EQ(savedTo(), bytes);
 }
 
@@ -237,14 +237,14 @@ TEST_F(CaptureToolsTest, GnomeScreenshotKeepsAURLInTheStore) {
   EXPECT_EQ(tool()->rawValue(), std::nullopt);
   EXPECT_EQ(savedTo(), home);
   EXPECT_TRUE(tool()->canChange());
-  EXPECT_TRUE(tool()->setRawValue(tool()->rawValueOf(shots)));
+  EXPECT_TRUE(tool()->tryToSetRawValue(tool()->rawValueOf(shots)));
   EXPECT_EQ(tool()->rawValue(), QString::fromStdString(shots.coded()));
   EXPECT_EQ(savedTo(), shots);
-  EXPECT_TRUE(tool()->setRawValue(QStringLiteral("~/Pictures")));
+  EXPECT_TRUE(tool()->tryToSetRawValue(QStringLiteral("~/Pictures")));
   EXPECT_EQ(savedTo(), pictures);
-  EXPECT_TRUE(tool()->setRawValue(QString()));
+  EXPECT_TRUE(tool()->tryToSetRawValue(QString()));
   EXPECT_EQ(savedTo(), home);
-  EXPECT_TRUE(tool()->setRawValue(std::nullopt));
+  EXPECT_TRUE(tool()->tryToSetRawValue(std::nullopt));
   EXPECT_EQ(tool()->rawValue(), std::nullopt);
 }
 

@@ -62,9 +62,9 @@ TEST_F(LiveScreenshotLocationProviderTest, AChangeAndItsUndoLeaveTheFileAsItWas)
     configure("spectaclerc", before);
     const auto previous = provider().rawValue();
     const FileURL shots = makeFolder("home/shots");
-    EXPECT_FALSE(provider().setRawValue(provider().rawValueOf(shots)));
+    EXPECT_TRUE(provider().tryToSetRawValue(provider().rawValueOf(shots)));
     EXPECT_EQ(provider().folder(), shots);
-    EXPECT_FALSE(provider().setRawValue(previous));
+    EXPECT_TRUE(provider().tryToSetRawValue(previous));
     EXPECT_EQ(configuration("spectaclerc"), before);
     EXPECT_EQ(provider().rawValue(), previous);
   }
@@ -73,7 +73,7 @@ TEST_F(LiveScreenshotLocationProviderTest, AChangeAndItsUndoLeaveTheFileAsItWas)
 TEST_F(LiveScreenshotLocationProviderTest, AValueIsWrittenExactlyAsGiven) {
   configureSpectacle("~");
   for (const QString& value : {QStringLiteral("anything; \\x = \"%20\" ä"), QString()}) {
-    EXPECT_FALSE(provider().setRawValue(value));
+    EXPECT_TRUE(provider().tryToSetRawValue(value));
     EXPECT_EQ(provider().rawValue(), value);
   }
 }
@@ -81,7 +81,7 @@ TEST_F(LiveScreenshotLocationProviderTest, AValueIsWrittenExactlyAsGiven) {
 TEST_F(LiveScreenshotLocationProviderTest, AFolderWhoseNameIsNoTextIsReadAndWrittenWhereTheToolCanSaveThere) {
   const FileURL bytes = makeFolder("home/b\xe4r");
   install("xfce4-screenshooter");
-  EXPECT_FALSE(provider().setRawValue(provider().rawValueOf(bytes)));
+  EXPECT_TRUE(provider().tryToSetRawValue(provider().rawValueOf(bytes)));
   EXPECT_EQ(provider().folder(), bytes);
 }
 
@@ -89,7 +89,7 @@ TEST_F(LiveScreenshotLocationProviderTest, AFolderWhoseNameIsNoTextIsRefusedWher
   const FileURL bytes = makeFolder("home/b\xe4r");
   for (const char* program : {"ksnip", "flameshot", "spectacle"}) {
     install(program);
-    EXPECT_TRUE(provider().setRawValue(provider().rawValueOf(bytes))) << program;
+    EXPECT_FALSE(provider().tryToSetRawValue(provider().rawValueOf(bytes))) << program;
     EXPECT_EQ(provider().rawValue(), std::nullopt);
   }
 }
@@ -98,22 +98,22 @@ TEST_F(LiveScreenshotLocationProviderTest, WhatCouldNotBePutBackIsNotChanged) {
   configureSpectacle("/b\xe4r");
   const std::string before = configuration("spectaclerc");
   EXPECT_FALSE(provider().canChange());
-  EXPECT_TRUE(provider().setRawValue(QStringLiteral("/a")));
+  EXPECT_FALSE(provider().tryToSetRawValue(QStringLiteral("/a")));
   EXPECT_EQ(configuration("spectaclerc"), before);
 }
 
 TEST_F(LiveScreenshotLocationProviderTest, ARefusedChangeLeavesTheConfiguration) {
   configureSpectacle("/a");
   const std::string before = configuration("spectaclerc");
-  EXPECT_TRUE(provider().setRawValue(QStringLiteral("/a\nb=1")));
-  EXPECT_TRUE(provider().setRawValue(QStringLiteral(" /a")));
-  EXPECT_TRUE(provider().setRawValue(QString(QChar(u'\0'))));
+  EXPECT_FALSE(provider().tryToSetRawValue(QStringLiteral("/a\nb=1")));
+  EXPECT_FALSE(provider().tryToSetRawValue(QStringLiteral(" /a")));
+  EXPECT_FALSE(provider().tryToSetRawValue(QString(QChar(u'\0'))));
   EXPECT_EQ(configuration("spectaclerc"), before);
 }
 
 TEST_F(LiveScreenshotLocationProviderTest, WithoutAToolEveryChangeIsRefused) {
-  EXPECT_TRUE(provider().setRawValue(QStringLiteral("/a")));
-  EXPECT_TRUE(provider().setRawValue(std::nullopt));
+  EXPECT_FALSE(provider().tryToSetRawValue(QStringLiteral("/a")));
+  EXPECT_FALSE(provider().tryToSetRawValue(std::nullopt));
 }
 
 }  // namespace

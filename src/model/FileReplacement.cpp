@@ -1,0 +1,159 @@
+#include "model/FileReplacement.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "formats/ImageEncoding.h"
+#include "formats/ImageOperations.h"
+#include "formats/ImageWriting.h"
+#include "foundation/FileStatus.h"
+
+namespace quillmere {
+namespace {
+
+using ImageOperations::Failure;
+using ImageOperations::OperationError;
+
+/// The crop beside the original, in the original's format.
+Result<FileURL, Failure> writeCropBeside(const FileURL& original, const QImage& image, const QRectF& rect) {
+  const auto cropped = ImageOperations::crop(image, rect);
+  if (!cropped) return Failure(cropped.reason());
+  const auto data = ImageOperations::encode(*cropped, ImageOperations::imageType(original));
+  if (!data) return Failure(data.reason());
+  return ImageOperations::writeReplacement(*data, original);
+}
+
+}  // namespace
+
+FileReplacement::FileReplacement(const AppModelDependencies& world, const ScreenshotList& items,
+                                 ReplacedRecords& records)
+    : world_(world),
+      items_(items),
+      records_(records),
+      journal_(world.recordStore.fileURL.parent().appending("replacing.json")) {}
+
+Task<std::optional<QString>> FileReplacement::replace(UUID id, QImage image, QRectF rect, FileStamp readFrom) {
+  return run(lifetime_.weak(this), id, std::move(image), rect, std::move(readFrom));
+}
+
+/// Encoding and writing take long and come first, in the background; the two renames that matter follow in one go.
+Task<std::optional<QString>> FileReplacement::run(Weak<FileReplacement> self, UUID id, QImage image, QRectF rect,
+                                                  FileStamp readFrom) {
+  const ScreenshotItem* item = self->items_.find(id);
+  if (!item) co_return description(OperationError::unreadable);
+  const FileURL original = item->url;
+  self->records_.protect(id);
+  const Task<> sweep = self->sweep_;
+  if (sweep) co_await sweep;
+  if (!self) co_return description(OperationError::unreadable);
+  const std::function<Result<FileURL, Failure>()> work = [original, image, rect] {
+    return writeCropBeside(original, image, rect);
+  };
+  auto writing = self->world_.executor->background(work);
+  const auto temporary = co_await writing;
+  if (!self) {
+    if (temporary) std::filesystem::remove(temporary->path());
+    co_return description(OperationError::unreadable);
+  }
+  self->records_.unprotect(id);
+  if (!temporary) co_return description(temporary.reason());
+  const auto reason = self->putInPlace(id, original, *temporary, readFrom);
+  if (reason) self->world_.fileOperations->remove(*temporary);
+  co_return reason;
+}
+
+/// Gives why it failed; the original is then where it was, unless it could not be taken back out of Trash.
+std::optional<QString> FileReplacement::putInPlace(const UUID& id, const FileURL& original, const FileURL& temporary,
+                                                   const FileStamp& readFrom) {
+  const ScreenshotItem* item = items_.find(id);
+  if (!item || item->url != original) return description(OperationError::unreadable);
+  // What was written meanwhile is not to be thrown away for a part of what stood there before; nor is a placeholder,
+  // with which the picture itself would go from the cloud.
+  if (fileStamp(original, world_.fileIdentity) != readFrom || world_.isDataless(original)) {
+    return description(OperationError::unreadable);
+  }
+  const auto status = fileStatus(temporary);
+  if (!status) return description(OperationError::encoding);
+
+  std::vector<Replacement> begun = journal_.load();
+  begun.push_back({id, original, temporary, status->inode});
+  if (!journal_.save(begun)) return description(OperationError::encoding);
+  begun.pop_back();
+
+  FileOperations& files = *world_.fileOperations;
+  TrashReport trashed;
+  std::optional<QString> reason;
+  const FileOutcome outcome = files.trash(original, trashed);
+  if (outcome == FileOutcome::missing) {
+    reason = description(OperationError::unreadable);
+  } else if (outcome != FileOutcome::done) {
+    reason = trashed.reason;
+  } else if (QString refusal; files.move(temporary, original, refusal) != FileOutcome::done) {
+    if (trashed.place) takeBack(id, original, *trashed.place);
+    reason = refusal;
+  }
+  if (!reason) records_.fileWasReplaced(id);
+  journal_.save(begun);
+  return reason;
+}
+
+/// Under a numbered name where another file has taken its own in that moment; the record goes with it.
+void FileReplacement::takeBack(const UUID& id, const FileURL& original, const FileURL& placeInTrash) {
+  constexpr int kMostNumber = 999;
+  const std::string extension = original.pathExtension();
+  FileURL target = original;
+  for (int number = 1; number <= kMostNumber; ++number) {
+    const FileOutcome outcome = world_.fileOperations->restore(placeInTrash, target);
+    if (outcome == FileOutcome::done && target != original) records_.fileWasPutAt(id, target);
+    if (outcome != FileOutcome::destinationExists) return;
+    target = original.parent().appending(original.stem() + " (" + std::to_string(number) + ")" +
+                                         (extension.empty() ? "" : "." + extension));
+  }
+}
+
+void FileReplacement::finishBegun(const std::optional<FileURL>& watchFolder) {
+  std::vector<Replacement> left;
+  for (const Replacement& one : journal_.load()) {
+    if (!finish(one)) left.push_back(one);
+  }
+  journal_.save(left);
+  if (watchFolder) sweep_ = sweep(*world_.executor, *watchFolder, left);
+}
+
+/// False where that cannot be done yet.
+bool FileReplacement::finish(const Replacement& one) {
+  if (!world_.isFolderReachable(one.original.parent())) return false;
+  FileOperations& files = *world_.fileOperations;
+  const bool wasTrashed = fileExists(one.temporary) && isAbsent(one.original);
+  if (wasTrashed && files.move(one.temporary, one.original) != FileOutcome::done) return false;
+  const auto status = fileStatus(one.original);
+  if (status && status->inode == one.file) {
+    const ScreenshotItem* item = items_.find(one.id);
+    if (item && item->url == one.original) records_.fileWasReplaced(one.id);
+  } else if (fileExists(one.temporary)) {
+    // The original never left, or is back.
+    files.remove(one.temporary);
+  }
+  return true;
+}
+
+/// Removes files that an earlier run had not even finished writing; their originals never left.
+Task<> FileReplacement::sweep(Executor& executor, FileURL folder, std::vector<Replacement> awaited) {
+  const std::function<bool()> work = [folder, awaited] {
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(folder.path(), error), end; !error && entry != end;
+         entry.increment(error)) {
+      const FileURL url = folder.appending(entry->path().filename().native());
+      const bool isAwaited =
+          std::any_of(awaited.begin(), awaited.end(), [&](const Replacement& one) { return one.temporary == url; });
+      if (url.lastPathComponent().starts_with(ImageOperations::kReplacementPrefix) && !isAwaited) {
+        std::filesystem::remove(url.path(), error);
+      }
+    }
+    return true;
+  };
+  auto sweeping = executor.background(work);
+  co_await sweeping;
+}
+
+}  // namespace quillmere

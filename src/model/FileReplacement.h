@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QtCore/QRectF>
+#include <QtGui/QImage>
+#include <optional>
+#include <vector>
+
+#include "foundation/Weak.h"
+#include "model/AppModelDependencies.h"
+#include "model/FileStamp.h"
+#include "records/ReplacementJournal.h"
+#include "records/ScreenshotList.h"
+
+namespace quillmere {
+
+/// The model as replacements need it.
+class ReplacedRecords {
+ public:
+  virtual ~ReplacedRecords() = default;
+  /// The record's file stays where it is until as many calls of `unprotect`.
+  virtual void protect(const UUID& id) = 0;
+  virtual void unprotect(const UUID& id) = 0;
+  /// Another picture stands in the place of the record's file, of which nothing is known yet.
+  virtual void fileWasReplaced(const UUID& id) = 0;
+  /// The record's file has another name now.
+  virtual void fileWasPutAt(const UUID& id, const FileURL& url) = 0;
+};
+
+/// Puts a crop in the place of its original, which goes to Trash. Between the original's leaving and the crop's coming
+/// nothing stands in the place, so each replacement is noted on disk until it is over. Main thread.
+class FileReplacement {
+ public:
+  /// All of them outlive this.
+  FileReplacement(const AppModelDependencies& world, const ScreenshotList& items, ReplacedRecords& records);
+
+  /// Replaces the record's file by the part of `image` inside `rect`, unless it is no longer the file that the picture
+  /// was `readFrom`. Gives why it failed, in words; nothing has changed then.
+  Task<std::optional<QString>> replace(UUID id, QImage image, QRectF rect, FileStamp readFrom);
+  /// Brings to their end what an earlier run had begun, and removes what it had not finished writing.
+  void finishBegun(const std::optional<FileURL>& watchFolder);
+
+ private:
+  static Task<std::optional<QString>> run(Weak<FileReplacement> self, UUID id, QImage image, QRectF rect,
+                                          FileStamp readFrom);
+  static Task<> sweep(Executor& executor, FileURL folder, std::vector<Replacement> awaited);
+  std::optional<QString> putInPlace(const UUID& id, const FileURL& original, const FileURL& temporary,
+                                    const FileStamp& readFrom);
+  void takeBack(const UUID& id, const FileURL& original, const FileURL& placeInTrash);
+  bool finish(const Replacement& one);
+
+  const AppModelDependencies& world_;
+  const ScreenshotList& items_;
+  ReplacedRecords& records_;
+  ReplacementJournal journal_;
+  Task<> sweep_;
+  Lifetime lifetime_;
+};
+
+}  // namespace quillmere

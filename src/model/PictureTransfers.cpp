@@ -1,0 +1,117 @@
+#include "model/PictureTransfers.h"
+
+#include "foundation/Localized.h"
+
+namespace quillmere {
+namespace {
+
+using ImageOperations::Failure;
+
+QString message(CopyFailure failure, const QString& name) {
+  switch (failure) {
+    case CopyFailure::unavailable:
+      return localized(
+          "“%@” can’t be found, or Quillmere doesn’t have access to its folder. Nothing was copied. Choose the "
+          "screenshot folder again in Settings, then try again.",
+          {name});
+    case CopyFailure::evicted:
+      return localized(
+          "“%@” isn’t on this Mac, so nothing was copied. Choose Download, or open it in Finder, then try again.",
+          {name});
+    case CopyFailure::unreadable:
+      return localized(
+          "“%@” couldn’t be read, so nothing was copied. Check that the file is still in its folder, then try again.",
+          {name});
+  }
+  return {};
+}
+
+}  // namespace
+
+PromptPreviewTransfer PictureTransfers::transfer(const ScreenshotItem& item, const std::optional<QString>& name) const {
+  PromptPreviewTransfer transfer;
+  transfer.url = item.url;
+  transfer.crop = source_.extractedWindow(item.id);
+  transfer.filename = transferName(name, item.url, transfer.crop.has_value());
+  return transfer;
+}
+
+// --- Copy ---
+
+Task<> PictureTransfers::copy(ScreenshotItem item, ErrorScope scope) {
+  return runCopy(lifetime_.weak(this), std::move(item), scope);
+}
+
+Task<> PictureTransfers::runCopy(Weak<PictureTransfers> self, ScreenshotItem item, ErrorScope scope) {
+  const int number = ++self->copies_;
+  CopyFailure failure = CopyFailure::unreadable;
+  if (const auto obstacle = self->source_.knownObstacle(item.id)) {
+    failure = *obstacle;
+  } else {
+    PromptPreviewTransfer transfer = self->transfer(item, std::nullopt);
+    const auto reading = self->reading(transfer);
+    auto copying = self->world_.executor->background(reading);
+    auto copied = co_await copying;
+    if (!self) co_return;
+    // A decision may have given the file its name meanwhile.
+    const ScreenshotItem* present = self->items_.find(item.id);
+    if (!copied && present && present->url != transfer.url) {
+      transfer.url = present->url;
+      const auto readingAgain = self->reading(transfer);
+      auto copyingAgain = self->world_.executor->background(readingAgain);
+      copied = co_await copyingAgain;
+      if (!self) co_return;
+    }
+    if (number != self->copies_) co_return;
+    if (copied) {
+      self->world_.pasteboard->write(*copied);
+      self->world_.announcer->announce(transfer.crop ? localized("Window copied.") : localized("Screenshot copied."),
+                                       AnnouncementPriority::low);
+      co_return;
+    }
+    failure = copied.reason();
+  }
+  self->source_.showTransferFailure(scope, item.id, localized("Couldn’t Copy Screenshot"),
+                                    message(failure, item.url.displayName()));
+}
+
+std::function<Result<ScreenshotPasteboardItem, CopyFailure>()> PictureTransfers::reading(
+    const PromptPreviewTransfer& transfer) const {
+  return [transfer, isDataless = world_.isDataless]() -> Result<ScreenshotPasteboardItem, CopyFailure> {
+    // Reading it would download it.
+    if (!transfer.crop && isDataless(transfer.url)) return CopyFailure::evicted;
+    const auto data = transfer.data();
+    if (!data) return CopyFailure::unreadable;
+    // The window is in no file yet.
+    const auto url = transfer.crop ? std::nullopt : std::optional(transfer.url);
+    return ScreenshotPasteboardItem{url, transfer.contentType(), *data};
+  };
+}
+
+// --- Drag and share ---
+
+Task<std::optional<PreparedTransfer>> PictureTransfers::prepare(ScreenshotItem item, std::optional<QString> name) {
+  return runPreparation(lifetime_.weak(this), std::move(item), std::move(name));
+}
+
+Task<std::optional<PreparedTransfer>> PictureTransfers::runPreparation(Weak<PictureTransfers> self, ScreenshotItem item,
+                                                                       std::optional<QString> name) {
+  const PromptPreviewTransfer transfer = self->transfer(item, name);
+  const std::function<Result<FileURL, Failure>()> work = [transfer, files = self->world_.transferFiles,
+                                                          isDataless =
+                                                              self->world_.isDataless]() -> Result<FileURL, Failure> {
+    if (!transfer.crop && isDataless(transfer.url)) return Failure(ImageOperations::OperationError::unreadable);
+    return files.file(transfer);
+  };
+  auto preparing = self->world_.executor->background(work);
+  const auto file = co_await preparing;
+  if (!self) co_return std::nullopt;
+  if (!file) {
+    self->source_.showTransferFailure(ErrorScope::popup, item.id, localized("Couldn’t Share Screenshot"),
+                                      description(file.reason()));
+    co_return std::nullopt;
+  }
+  co_return PreparedTransfer{*file, transfer.contentType()};
+}
+
+}  // namespace quillmere

@@ -1,0 +1,105 @@
+#include "model/PromptQueue.h"
+
+#include <algorithm>
+
+#include "foundation/Localized.h"
+
+namespace quillmere {
+
+PromptQueue::PromptQueue(const AppModelDependencies& world, const ScreenshotList& items, PromptStage& stage,
+                         Signal<const ModelChange&>& changed)
+    : queue(changed, ModelField::promptQueue),
+      focusRequest(changed, ModelField::promptFocusRequest, 0),
+      contentGeneration(changed, ModelField::promptContentGeneration, 0),
+      world_(world),
+      items_(items),
+      stage_(stage) {}
+
+std::optional<UUID> PromptQueue::front() const {
+  return queue->empty() ? std::nullopt : std::optional(queue->front());
+}
+
+void PromptQueue::enqueue(const UUID& id) {
+  if (std::find(queue->begin(), queue->end(), id) != queue->end()) return;
+  auto longer = *queue;
+  longer.push_back(id);
+  queue.set(std::move(longer));
+  if (queue->size() == 1) showNext();
+}
+
+void PromptQueue::showNext() {
+  auto undecided = *queue;
+  std::erase_if(undecided, [&](const UUID& id) {
+    const ScreenshotItem* item = items_.find(id);
+    return !item || item->state != ScreenshotItem::State::pending;
+  });
+  queue.set(std::move(undecided));
+  const auto next = front();
+  const ScreenshotItem* item = next ? items_.find(*next) : nullptr;
+  if (!item) {
+    setVisible(std::nullopt);
+    world_.promptPresenter->hide();
+    return;
+  }
+  stage_.promptIsComing();
+  setVisible(next);
+  stage_.showPrompt(*item);
+  announceFront();
+}
+
+void PromptQueue::setVisible(const std::optional<UUID>& id) {
+  if (id == visible_) return;
+  visible_ = id;
+  stage_.promptIsLeft();
+  contentGeneration.set(*contentGeneration + 1);
+}
+
+void PromptQueue::resolve(const UUIDSet& ids) {
+  const auto before = front();
+  const bool frontLeaves = before && ids.contains(*before);
+  auto rest = *queue;
+  std::erase_if(rest, [&](const UUID& id) { return ids.contains(id); });
+  queue.set(std::move(rest));
+  if (frontLeaves) showNext();
+}
+
+void PromptQueue::review(const std::function<std::vector<UUID>()>& pending, FocusNews news) {
+  bool hasAppeared = false;
+  if (queue->empty()) {
+    // The person who has just used the shortcut is not told to use it.
+    hintsAtShortcut_ = false;
+    for (const UUID& id : pending()) enqueue(id);
+    hintsAtShortcut_ = true;
+    hasAppeared = !queue->empty();
+  }
+  if (queue->empty()) {
+    announce(localized("No screenshots are waiting for a decision."), AnnouncementPriority::high);
+    return;
+  }
+  world_.promptPresenter->focusForReview();
+  focusRequest.set(*focusRequest + 1);
+  if (news == FocusNews::announced && !hasAppeared) {
+    announce(localized("Screenshot popup focused"), AnnouncementPriority::low);
+  }
+}
+
+void PromptQueue::announceFront() const {
+  const qsizetype waiting = static_cast<qsizetype>(queue->size()) - 1;
+  const auto shortcut = hintsAtShortcut_ ? world_.spokenReviewShortcut() : std::nullopt;
+  QString text;
+  if (waiting == 0) {
+    text = shortcut ? localized("Screenshot ready for a decision. Press %@ to review it.", {*shortcut})
+                    : localized("Screenshot ready for a decision.");
+  } else {
+    text = shortcut ? localized("Screenshot ready for a decision. %1$lld more waiting. Press %2$@ to review it.",
+                                {waiting, *shortcut})
+                    : localized("Screenshot ready for a decision. %lld more waiting.", {waiting});
+  }
+  announce(text, priority_);
+}
+
+void PromptQueue::announce(const QString& text, AnnouncementPriority priority) const {
+  world_.announcer->announce(text, priority);
+}
+
+}  // namespace quillmere

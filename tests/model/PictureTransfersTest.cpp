@@ -1,0 +1,129 @@
+#include "model/PictureTransfers.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "foundation/ManualExecutor.h"
+#include "model/ModelFakes.h"
+#include "support/Files.h"
+#include "support/Records.h"
+#include "support/TemporaryFolder.h"
+
+namespace quillmere::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+class FakeTransferSource final : public TransferSource {
+ public:
+  std::optional<PromptPreviewTransfer::Crop> extractedWindow(const UUID&) const override { return window; }
+  std::optional<CopyFailure> knownObstacle(const UUID&) const override { return obstacle; }
+  void showTransferFailure(ErrorScope scope, const UUID& id, const QString& title, const QString&) override {
+    failures.push_back({scope, id, title});
+  }
+
+  struct Failure {
+    ErrorScope scope;
+    UUID id;
+    QString title;
+    bool operator==(const Failure&) const = default;
+  };
+  std::optional<PromptPreviewTransfer::Crop> window;
+  std::optional<CopyFailure> obstacle;
+  std::vector<Failure> failures;
+};
+
+class PictureTransfersTest : public ::testing::Test {
+ protected:
+  PictureTransfersTest() {
+    world.executor = &executor;
+    world.pasteboard = &pasteboard;
+    world.announcer = &announcer;
+    world.transferFiles = TransferFiles(home.file("transfers"));
+    world.isDataless = [this](const FileURL&) { return isEvicted; };
+  }
+  ScreenshotItem add(int number, const char* bytes) {
+    ScreenshotItem item = bareItem(number);
+    item.url = home.file(std::to_string(number) + ".png");
+    writeFile(item.url, bytes);
+    items.insertNewest(item);
+    return item;
+  }
+
+  TemporaryFolder home;
+  CallLog log;
+  ManualExecutor executor;
+  FakePasteboard pasteboard;
+  FakeAnnouncer announcer{log};
+  FakeTransferSource source;
+  bool isEvicted = false;
+  AppModelDependencies world;
+  ScreenshotList items;
+  std::unique_ptr<PictureTransfers> transfers = std::make_unique<PictureTransfers>(world, items, source);
+};
+
+TEST_F(PictureTransfersTest, OfTwoCopiesTheLastCounts) {
+  transfers->copy(add(1, "one"), ErrorScope::popup).detach();
+  transfers->copy(add(2, "two"), ErrorScope::popup).detach();
+  executor.drain();
+  ASSERT_THAT(pasteboard.items, SizeIs(1));
+  EXPECT_EQ(pasteboard.items[0].data, "two");
+  EXPECT_THAT(announcer.said, SizeIs(1));
+}
+
+TEST_F(PictureTransfersTest, WhatIsKnownNotToBeHereIsNotRead) {
+  source.obstacle = CopyFailure::unavailable;
+  transfers->copy(add(1, "one"), ErrorScope::inbox).detach();
+  EXPECT_THAT(source.failures,
+              ElementsAre(FakeTransferSource::Failure{ErrorScope::inbox, uuid(1), "Couldn’t Copy Screenshot"}))
+      << "at once";
+  executor.drain();
+  EXPECT_THAT(pasteboard.items, IsEmpty());
+}
+
+TEST_F(PictureTransfersTest, AFileThatWasRenamedMeanwhileIsReadUnderItsNewName) {
+  const ScreenshotItem item = add(1, "one");
+  transfers->copy(item, ErrorScope::popup).detach();
+  const FileURL renamed = home.file("renamed.png");
+  std::filesystem::rename(item.url.path(), renamed.path());
+  items.update(0, [&](ScreenshotItem& record) { record.url = renamed; });
+  executor.drain();
+  ASSERT_THAT(pasteboard.items, SizeIs(1));
+  EXPECT_EQ(pasteboard.items[0].url, renamed);
+}
+
+TEST_F(PictureTransfersTest, ACopyWhoseOwnerIsGoneWritesNothing) {
+  transfers->copy(add(1, "one"), ErrorScope::popup).detach();
+  transfers.reset();
+  executor.drain();
+  EXPECT_THAT(pasteboard.items, IsEmpty());
+  EXPECT_THAT(source.failures, IsEmpty());
+}
+
+TEST_F(PictureTransfersTest, AnExtractedWindowIsPreparedAsAPngEvenOfAnEvictedFile) {
+  isEvicted = true;
+  QImage image(20, 10, QImage::Format_RGB32);
+  image.fill(Qt::red);
+  source.window = PromptPreviewTransfer::Crop{image, QRectF(0, 0, 5, 4)};
+  const auto preparing = transfers->prepare(add(1, "one"), QStringLiteral("Window"));
+  executor.drain();
+  ASSERT_TRUE(preparing.isDone());
+  const auto prepared = preparing.await_resume();
+  ASSERT_TRUE(prepared);
+  EXPECT_EQ(prepared->file.lastPathComponent(), "Window.png");
+  EXPECT_EQ(QImage(prepared->file.displayPath()).size(), QSize(5, 4));
+}
+
+TEST_F(PictureTransfersTest, AnEvictedFileIsNotSharedAndThatIsShown) {
+  isEvicted = true;
+  const auto preparing = transfers->prepare(add(1, "one"), {});
+  executor.drain();
+  EXPECT_EQ(preparing.await_resume(), std::nullopt);
+  EXPECT_THAT(source.failures,
+              ElementsAre(FakeTransferSource::Failure{ErrorScope::popup, uuid(1), "Couldn’t Share Screenshot"}));
+}
+
+}  // namespace
+}  // namespace quillmere::testing
