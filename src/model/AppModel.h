@@ -16,7 +16,7 @@
 #include "model/ExpiryRetries.h"
 #include "model/FileReplacement.h"
 #include "model/FolderAccess.h"
-#include "model/ModelMessages.h"
+#include "model/Messages.h"
 #include "model/PictureTransfers.h"
 #include "model/PopupAutoSaveScheduler.h"
 #include "model/PromptQueue.h"
