@@ -8,8 +8,8 @@
 
 namespace quillmere {
 
-/// Text by the recognition engine inside this process, descriptions by a model server of this machine. A file whose
-/// data is elsewhere is never read: that would bring it here.
+/// Text by the recognition engine inside this process, descriptions by a model server of this machine. An evicted
+/// file is never read: that would bring its data here.
 class LiveScreenshotAnalyzer final : public ScreenshotAnalyzing {
  public:
   /// All of them outlive this. `isDataless` is called on any thread.

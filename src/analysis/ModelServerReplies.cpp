@@ -2,7 +2,7 @@
 
 #include <QtCore/QJsonDocument>
 
-#include "description/ModelPrompt.h"
+#include "description/ModelQuestion.h"
 
 namespace quillmere {
 namespace {
@@ -97,7 +97,7 @@ ModelFailure ModelServerReplies::failure(HttpFailure failure) {
 }
 
 ModelResponse ModelServerReplies::fields(const QString& generated) {
-  if (const auto fields = ModelPrompt::answerFields(generated.toUtf8())) return *fields;
+  if (const auto fields = ModelQuestion::answerFields(generated.toUtf8())) return *fields;
   return ModelFailure(ModelError{Kind::unreadableAnswer});
 }
 

@@ -20,7 +20,7 @@ constexpr qsizetype kMostModels = 64;
 constexpr int kContext = 8192;
 
 /// The server passes questions for such a model on to another machine.
-bool runsElsewhere(const QJsonObject& model) {
+bool runsOnAnotherMachine(const QJsonObject& model) {
   const QString name = model[QLatin1String("name")].toString();
   return !model[QLatin1String("remote_host")].toString().isEmpty() ||
          !model[QLatin1String("remote_model")].toString().isEmpty() || name.endsWith(QLatin1String("-cloud")) ||
@@ -33,7 +33,7 @@ QStringList modelNames(const QJsonObject& tags) {
   for (const auto& entry : list) {
     const QJsonObject model = entry.toObject();
     const QString name = model[QLatin1String("name")].toString();
-    if (!name.isEmpty() && !runsElsewhere(model)) names << name;
+    if (!name.isEmpty() && !runsOnAnotherMachine(model)) names << name;
   }
   return names.mid(0, kMostModels);
 }
@@ -65,7 +65,7 @@ Task<ModelServerLook> OllamaServer::look(LocalHttpClient& client, LocalServerAdd
     if (!shown) co_return NoModelServer();
     const QJsonObject model = ModelServerReplies::object(*shown);
     const bool sees = model[QLatin1String("capabilities")].toArray().contains(QStringLiteral("vision"));
-    if (sees && !runsElsewhere(model)) co_return FoundModel{this, name};
+    if (sees && !runsOnAnotherMachine(model)) co_return FoundModel{this, name};
   }
   co_return BlindModelServer();
 }

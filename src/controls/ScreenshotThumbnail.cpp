@@ -106,19 +106,19 @@ void ScreenshotThumbnail::take(const Outcome& outcome, qreal displayScale) {
 }
 
 QRectF ScreenshotThumbnail::picturePlace() const {
-  if (isPlaceholder() || picture_.isNull()) return rect();
+  if (isWithoutPicture() || picture_.isNull()) return rect();
   return picture_.placeIn(rect(), content_.alignment, devicePixelRatioF());
 }
 
 void ScreenshotThumbnail::setOutcome(const std::optional<Outcome>& outcome) {
-  const bool wasElsewhere = isNotDownloaded(outcome_);
+  const bool wasEvicted = isNotDownloaded(outcome_);
   outcome_ = outcome;
-  const bool isElsewhere = isNotDownloaded(outcome_);
+  const bool isEvicted = isNotDownloaded(outcome_);
   // Otherwise it is the owner's.
-  if (isElsewhere == wasElsewhere) return;
-  setToolTip(isElsewhere ? localized("The image isn’t on this Mac. Choose Download, or open the screenshot in Finder, "
-                                     "to bring it back.")
-                         : QString());
+  if (isEvicted == wasEvicted) return;
+  setToolTip(isEvicted ? localized("The image isn’t on this Mac. Choose Download, or open the screenshot in Finder, "
+                                   "to bring it back.")
+                       : QString());
 }
 
 void ScreenshotThumbnail::showEvent(QShowEvent* event) {
@@ -133,7 +133,7 @@ void ScreenshotThumbnail::hideEvent(QHideEvent* event) {
   loaded_.reset();
 }
 
-bool ScreenshotThumbnail::isPlaceholder() const {
+bool ScreenshotThumbnail::isWithoutPicture() const {
   return outcome_ && !std::holds_alternative<QImage>(*outcome_);
 }
 
@@ -142,8 +142,8 @@ void ScreenshotThumbnail::paintEvent(QPaintEvent*) {
   loadIfNeeded();
   QPainter painter(this);
   painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-  if (isPlaceholder() || picture_.isNull()) {
-    paintPlaceholder(painter);
+  if (isWithoutPicture() || picture_.isNull()) {
+    paintWell(painter);
     return;
   }
   const qreal displayScale = devicePixelRatioF();
@@ -154,8 +154,8 @@ void ScreenshotThumbnail::paintEvent(QPaintEvent*) {
   painter.drawRoundedRect(place.adjusted(0.5, 0.5, -0.5, -0.5), content_.cornerRadius, content_.cornerRadius);
 }
 
-/// A well; while the first picture is awaited nothing stands in it that would go at once.
-void ScreenshotThumbnail::paintPlaceholder(QPainter& painter) {
+/// With a symbol; while the first picture is awaited nothing stands in it that would go at once.
+void ScreenshotThumbnail::paintWell(QPainter& painter) {
   const Theme theme(palette());
   painter.setPen(Qt::NoPen);
   painter.setBrush(theme.fill);
@@ -163,17 +163,17 @@ void ScreenshotThumbnail::paintPlaceholder(QPainter& painter) {
   constexpr int kSmallestSymbol = 8;
   constexpr int kLargestSymbol = 48;
   constexpr int kGap = 8;
-  const bool isElsewhere = isNotDownloaded(outcome_);
+  const bool isEvicted = isNotDownloaded(outcome_);
   const int side = std::min({kLargestSymbol, width() / 2, height() / 2});
-  if (!isPlaceholder() || side < kSmallestSymbol) return;
-  const QString title = isElsewhere ? localized("Screenshot Unavailable") : QString();
+  if (!isWithoutPicture() || side < kSmallestSymbol) return;
+  const QString title = isEvicted ? localized("Screenshot Unavailable") : QString();
   const QFont titleFont = scaled(font(), 1, QFont::DemiBold);
   const QSize text(QFontMetrics(titleFont).horizontalAdvance(title), QFontMetrics(titleFont).height());
   const bool hasRoom = text.width() + 2 * kGap <= width() && side + text.height() + 3 * kGap <= height();
   const bool hasTitle = !title.isEmpty() && hasRoom;
   const int top = (height() - side - (hasTitle ? kGap + text.height() : 0)) / 2;
   painter.drawPixmap((width() - side) / 2, top,
-                     symbolPixmap(isElsewhere ? QStringLiteral("photo.badge.exclamationmark") : QStringLiteral("photo"),
+                     symbolPixmap(isEvicted ? QStringLiteral("photo.badge.exclamationmark") : QStringLiteral("photo"),
                                   side, theme.secondaryText, devicePixelRatioF()));
   if (!hasTitle) return;
   painter.setFont(titleFont);

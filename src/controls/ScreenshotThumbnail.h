@@ -11,8 +11,8 @@
 namespace quillmere {
 
 /// A preview of a screenshot. It loads in the background, anew when the file, its size on the screen or its crop
-/// change; until then the earlier picture of the same screenshot stays. What is not on this computer or cannot be read
-/// has a placeholder.
+/// change; until then the earlier picture of the same screenshot stays. What is evicted or cannot be read has a symbol
+/// in its stead.
 class ScreenshotThumbnail : public QWidget {
  public:
   struct Content {
@@ -20,7 +20,7 @@ class ScreenshotThumbnail : public QWidget {
     qreal maxPointSize = 0;  ///< the largest side wanted
     QString accessibilityLabel;
     std::optional<FileIdentity> identity;  ///< the record's, so that a replaced file is loaded anew
-    bool hasImageData = true;              ///< false where the data is known to be elsewhere: nothing is read
+    bool hasImageData = true;              ///< false where it is known to be evicted: nothing is read
     qreal cornerRadius = 0;                ///< of the picture
     Qt::Alignment alignment = Qt::AlignCenter;
     std::optional<QRectF> crop;  ///< show only this part; in pixels of the full image
@@ -63,8 +63,8 @@ class ScreenshotThumbnail : public QWidget {
   void forget();
   void take(const ThumbnailLoader::Outcome& outcome, qreal displayScale);
   void setOutcome(const std::optional<ThumbnailLoader::Outcome>& outcome);
-  bool isPlaceholder() const;
-  void paintPlaceholder(QPainter& painter);
+  bool isWithoutPicture() const;
+  void paintWell(QPainter& painter);
 
   ThumbnailLoader& loader_;
   Content content_;

@@ -21,7 +21,7 @@ struct Theme {
 
   bool isDark = false;
   bool isHighContrast = false;
-  QColor card;  ///< the popup's and the panels' ground; opaque
+  QColor card;  ///< the ground of the card; opaque
   QColor text;
   QColor secondaryText;
   QColor hairline;

@@ -1,6 +1,6 @@
 #include "description/ImageAnalysisService.h"
 
-#include "description/ModelPrompt.h"
+#include "description/ModelQuestion.h"
 #include "foundation/Interruptible.h"
 
 namespace quillmere {
@@ -69,11 +69,11 @@ Task<DescribeOutcome> ImageAnalysisService::describe(LanguageModel& model, Execu
   if (unavailability) co_return AnalysisError::unavailable(*unavailability);
 
   const auto text = trimmed(recognizedText);
-  auto asking = interruptible(model.respond(ModelPrompt::request(url, text)));
+  auto asking = interruptible(model.respond(ModelQuestion::request(url, text)));
   Answer answer = co_await asking;
   if (co_await isCancelled) co_return AnalysisCancelled();
   if (!answer && text && mayBeForTheText(answer.reason())) {
-    auto askingAgain = interruptible(model.respond(ModelPrompt::request(url, std::nullopt)));
+    auto askingAgain = interruptible(model.respond(ModelQuestion::request(url, std::nullopt)));
     answer = co_await askingAgain;
     if (co_await isCancelled) co_return AnalysisCancelled();
   }

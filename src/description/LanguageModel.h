@@ -14,7 +14,7 @@
 
 namespace quillmere {
 
-/// One question to a model. The prompt is `question`, then the picture, then `recognizedText`.
+/// One question to a model: `question`, then the picture, then `recognizedText`.
 struct ModelRequest {
   QString instructions;
   QString question;

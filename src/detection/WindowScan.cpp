@@ -11,9 +11,9 @@ Result<WindowScan, OperationError> scanWindowsNow(const FileURL& url) {
 }
 
 Task<Result<WindowScan, OperationError>> scanWindows(Executor& executor, FileURL url,
-                                                     std::function<bool(const FileURL&)> isEvicted) {
-  auto scanning = executor.background([url, isEvicted] {
-    if (isEvicted && isEvicted(url)) return Result<WindowScan, OperationError>(OperationError::unreadable);
+                                                     std::function<bool(const FileURL&)> isDataless) {
+  auto scanning = executor.background([url, isDataless] {
+    if (isDataless && isDataless(url)) return Result<WindowScan, OperationError>(OperationError::unreadable);
     return scanWindowsNow(url);
   });
   auto scan = co_await scanning;

@@ -16,10 +16,10 @@ struct WindowScan {
   std::vector<DetectedWindow> windows;  ///< largest first
 };
 
-/// Reads the picture and finds its windows in the background. A file that `isEvicted` is not read and fails as
+/// Reads the picture and finds its windows in the background. A file that `isDataless` is not read and fails as
 /// unreadable; it is asked there too.
 Task<Result<WindowScan, OperationError>> scanWindows(Executor& executor, FileURL url,
-                                                     std::function<bool(const FileURL&)> isEvicted = {});
+                                                     std::function<bool(const FileURL&)> isDataless = {});
 /// The same at once, for a thread that may wait.
 Result<WindowScan, OperationError> scanWindowsNow(const FileURL& url);
 

@@ -12,8 +12,8 @@
 
 namespace quillmere {
 
-/// Small pictures of screenshots, made off the main thread and kept in a memory cache bounded by decoded bytes. A file
-/// whose data is elsewhere is never read, for that would bring it here.
+/// Small pictures of screenshots, made off the main thread and kept in a memory cache bounded by decoded bytes. An
+/// evicted file is never read, for that would bring its data here.
 class ThumbnailLoader {
  public:
   struct NotDownloaded {

@@ -4,7 +4,7 @@
 #include <functional>
 #include <optional>
 
-#include "model/ModelMessages.h"
+#include "model/Messages.h"
 
 class QLabel;
 

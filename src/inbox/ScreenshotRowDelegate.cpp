@@ -24,10 +24,10 @@ void paintPicture(QPainter& painter, const QRect& place, const QImage& image, co
   shape.addRoundedRect(place, kPictureRadius, kPictureRadius);
   painter.fillPath(shape, theme.fill);
   if (image.isNull()) {
-    constexpr int kPlaceholder = 20;
-    QRect symbol(0, 0, kPlaceholder, kPlaceholder);
+    constexpr int kMissingSymbol = 20;
+    QRect symbol(0, 0, kMissingSymbol, kMissingSymbol);
     symbol.moveCenter(place.center());
-    painter.drawPixmap(symbol.topLeft(), symbolPixmap(QStringLiteral("photo"), kPlaceholder, ink, ratio));
+    painter.drawPixmap(symbol.topLeft(), symbolPixmap(QStringLiteral("photo"), kMissingSymbol, ink, ratio));
     return;
   }
   // Filled, not fitted: in a list the pictures' places should line up.

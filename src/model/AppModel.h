@@ -16,7 +16,7 @@
 #include "model/ExpiryRetries.h"
 #include "model/FileReplacement.h"
 #include "model/FolderAccess.h"
-#include "model/ModelMessages.h"
+#include "model/Messages.h"
 #include "model/PictureTransfers.h"
 #include "model/PopupAutoSaveScheduler.h"
 #include "model/PromptQueue.h"
@@ -226,7 +226,7 @@ class AppModel : private AnalysisRecords,
   void dismissLocationMismatch();
   void refreshScreenshotLocation();
 
-  // --- Files whose data is elsewhere: AppModelCloud.cpp ---
+  // --- Evicted files: AppModelCloud.cpp ---
   bool canDownload(const UUID& id) const;
   /// Asks the sync client for the file's data. Never done unasked.
   void download(const UUID& id);

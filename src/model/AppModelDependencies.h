@@ -8,7 +8,7 @@
 #include "foundation/Executor.h"
 #include "foundation/SystemEvents.h"
 #include "foundation/UserDefaults.h"
-#include "model/ModelMessages.h"
+#include "model/Messages.h"
 #include "model/ScreenshotAnalyzing.h"
 #include "model/ScreenshotLocationProviding.h"
 #include "model/ScreenshotTransfer.h"

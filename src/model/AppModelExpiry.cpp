@@ -60,10 +60,10 @@ void AppModel::expireMissing(size_t index) {
   }
   const bool hasAccess = access_.folder() || access_.item(item.id);
   // A placeholder stands in its stead: the sync client has the file.
-  const bool isEvicted = dependencies_.isDataless(item.url);
+  const bool isDataless = dependencies_.isDataless(item.url);
   // Looked at again: a look that was refused does not make it missing.
   const bool isMissing = isAbsent(item.url) && dependencies_.isFolderReachable(item.url.parent());
-  if (!hasAccess || isEvicted || !isMissing) {
+  if (!hasAccess || isDataless || !isMissing) {
     retryUnreachable(item.id);
   } else {
     forget(item.id);

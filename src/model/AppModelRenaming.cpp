@@ -143,7 +143,7 @@ void AppModel::moveAndRename(UUID id) {
   const ScreenshotItem* item = items_.find(id);
   if (!item) return;
   const SavePanelStart start{item->url.parent(), item->url.lastPathComponent(), item->url.pathExtension()};
-  // It must not run out of time under the open panel.
+  // It must not run out of time under the open save panel.
   protect(id);
   const auto destination = dependencies_.fileChooser->chooseDestination(start);
   if (destination) move(id, *destination);

@@ -51,9 +51,10 @@ void CloudDownloads::finish(const UUID& id, std::optional<DownloadState> state) 
 }
 
 Task<> CloudDownloads::watch(Weak<CloudDownloads> self, UUID id, FileURL url, std::optional<QByteArray> bookmark) {
-  const AppModelDependencies& world = self->dependencies_;
-  Executor& executor = *world.executor;
-  const std::function<DownloadRequest()> ask = [scope = world.securityScope, startDownload = world.startDownload, url,
+  const AppModelDependencies& dependencies = self->dependencies_;
+  Executor& executor = *dependencies.executor;
+  const std::function<DownloadRequest()> ask = [scope = dependencies.securityScope,
+                                                startDownload = dependencies.startDownload, url,
                                                 bookmark] { return request(*scope, startDownload, url, bookmark); };
   auto asking = executor.background(ask);
   const DownloadRequest made = co_await asking;
@@ -63,9 +64,11 @@ Task<> CloudDownloads::watch(Weak<CloudDownloads> self, UUID id, FileURL url, st
     co_return;
   }
   self->onState_(id, DownloadState::downloading);
-  const Duration poll = world.downloadPollInterval;
-  const Duration timeout = world.downloadStallTimeout;
-  const std::function<bool()> look = [isDataless = world.isDataless, place = made.url] { return isDataless(place); };
+  const Duration poll = dependencies.downloadPollInterval;
+  const Duration timeout = dependencies.downloadStallTimeout;
+  const std::function<bool()> look = [isDataless = dependencies.isDataless, place = made.url] {
+    return isDataless(place);
+  };
   for (Duration elapsed{0}; elapsed < timeout; elapsed += poll) {
     auto pause = executor.sleep(poll);
     const bool elapsedPoll = co_await pause;

@@ -25,12 +25,12 @@ Result<FileURL, Failure> writeCropBeside(const FileURL& original, const QImage& 
 
 }  // namespace
 
-FileReplacement::FileReplacement(const AppModelDependencies& world, const ScreenshotList& items,
+FileReplacement::FileReplacement(const AppModelDependencies& dependencies, const ScreenshotList& items,
                                  ReplacedRecords& records)
-    : world_(world),
+    : dependencies_(dependencies),
       items_(items),
       records_(records),
-      journal_(world.recordStore.fileURL.parent().appending("replacing.json")) {}
+      journal_(dependencies.recordStore.fileURL.parent().appending("replacing.json")) {}
 
 Task<std::optional<QString>> FileReplacement::replace(UUID id, QImage image, QRectF rect, FileStamp readFrom) {
   return run(lifetime_.weak(this), id, std::move(image), rect, std::move(readFrom));
@@ -49,7 +49,7 @@ Task<std::optional<QString>> FileReplacement::run(Weak<FileReplacement> self, UU
   const std::function<Result<FileURL, Failure>()> work = [original, image, rect] {
     return writeCropBeside(original, image, rect);
   };
-  auto writing = self->world_.executor->background(work);
+  auto writing = self->dependencies_.executor->background(work);
   const auto temporary = co_await writing;
   if (!self) {
     if (temporary) std::filesystem::remove(temporary->path());
@@ -58,7 +58,7 @@ Task<std::optional<QString>> FileReplacement::run(Weak<FileReplacement> self, UU
   self->records_.unprotect(id);
   if (!temporary) co_return description(temporary.reason());
   const auto reason = self->putInPlace(id, original, *temporary, readFrom);
-  if (reason) self->world_.fileOperations->remove(*temporary);
+  if (reason) self->dependencies_.fileOperations->remove(*temporary);
   co_return reason;
 }
 
@@ -69,7 +69,7 @@ std::optional<QString> FileReplacement::putInPlace(const UUID& id, const FileURL
   if (!item || item->url != original) return description(OperationError::unreadable);
   // What was written meanwhile is not to be thrown away for a part of what stood there before; nor is a placeholder,
   // with which the picture itself would go from the cloud.
-  if (fileStamp(original, world_.fileIdentity) != readFrom || world_.isDataless(original)) {
+  if (fileStamp(original, dependencies_.fileIdentity) != readFrom || dependencies_.isDataless(original)) {
     return description(OperationError::unreadable);
   }
   const auto status = fileStatus(temporary);
@@ -80,7 +80,7 @@ std::optional<QString> FileReplacement::putInPlace(const UUID& id, const FileURL
   if (!journal_.save(begun)) return description(OperationError::encoding);
   begun.pop_back();
 
-  FileOperations& files = *world_.fileOperations;
+  FileOperations& files = *dependencies_.fileOperations;
   TrashReport trashed;
   std::optional<QString> reason;
   const FileOutcome outcome = files.trash(original, trashed);
@@ -103,7 +103,7 @@ void FileReplacement::takeBack(const UUID& id, const FileURL& original, const Fi
   const std::string extension = original.pathExtension();
   FileURL target = original;
   for (int number = 1; number <= kMostNumber; ++number) {
-    const FileOutcome outcome = world_.fileOperations->restore(placeInTrash, target);
+    const FileOutcome outcome = dependencies_.fileOperations->restore(placeInTrash, target);
     if (outcome == FileOutcome::done && target != original) records_.fileWasPutAt(id, target);
     if (outcome != FileOutcome::destinationExists) return;
     target = original.parent().appending(original.stem() + " (" + std::to_string(number) + ")" +
@@ -117,13 +117,13 @@ void FileReplacement::finishBegun(const std::optional<FileURL>& watchFolder) {
     if (!finish(one)) left.push_back(one);
   }
   journal_.save(left);
-  if (watchFolder) sweep_ = sweep(*world_.executor, *watchFolder, left);
+  if (watchFolder) sweep_ = sweep(*dependencies_.executor, *watchFolder, left);
 }
 
 /// False where that cannot be done yet.
 bool FileReplacement::finish(const Replacement& one) {
-  if (!world_.isFolderReachable(one.original.parent())) return false;
-  FileOperations& files = *world_.fileOperations;
+  if (!dependencies_.isFolderReachable(one.original.parent())) return false;
+  FileOperations& files = *dependencies_.fileOperations;
   const bool wasTrashed = fileExists(one.temporary) && isAbsent(one.original);
   if (wasTrashed && files.move(one.temporary, one.original) != FileOutcome::done) return false;
   const auto status = fileStatus(one.original);

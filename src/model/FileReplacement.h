@@ -31,7 +31,7 @@ class ReplacedRecords {
 class FileReplacement {
  public:
   /// All of them outlive this.
-  FileReplacement(const AppModelDependencies& world, const ScreenshotList& items, ReplacedRecords& records);
+  FileReplacement(const AppModelDependencies& dependencies, const ScreenshotList& items, ReplacedRecords& records);
 
   /// Replaces the record's file by the part of `image` inside `rect`, unless it is no longer the file that the picture
   /// was `readFrom`. Gives why it failed, in words; nothing has changed then.
@@ -48,7 +48,7 @@ class FileReplacement {
   void takeBack(const UUID& id, const FileURL& original, const FileURL& placeInTrash);
   bool finish(const Replacement& one);
 
-  const AppModelDependencies& world_;
+  const AppModelDependencies& dependencies_;
   const ScreenshotList& items_;
   ReplacedRecords& records_;
   ReplacementJournal journal_;

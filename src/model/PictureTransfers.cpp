@@ -50,7 +50,7 @@ Task<> PictureTransfers::runCopy(Weak<PictureTransfers> self, ScreenshotItem ite
   } else {
     PromptPreviewTransfer transfer = self->transfer(item, std::nullopt);
     const auto reading = self->reading(transfer);
-    auto copying = self->world_.executor->background(reading);
+    auto copying = self->dependencies_.executor->background(reading);
     auto copied = co_await copying;
     if (!self) co_return;
     // A decision may have given the file its name meanwhile.
@@ -58,15 +58,15 @@ Task<> PictureTransfers::runCopy(Weak<PictureTransfers> self, ScreenshotItem ite
     if (!copied && present && present->url != transfer.url) {
       transfer.url = present->url;
       const auto readingAgain = self->reading(transfer);
-      auto copyingAgain = self->world_.executor->background(readingAgain);
+      auto copyingAgain = self->dependencies_.executor->background(readingAgain);
       copied = co_await copyingAgain;
       if (!self) co_return;
     }
     if (number != self->copies_) co_return;
     if (copied) {
-      self->world_.pasteboard->write(*copied);
-      self->world_.announcer->announce(transfer.crop ? localized("Window copied.") : localized("Screenshot copied."),
-                                       AnnouncementPriority::low);
+      self->dependencies_.pasteboard->write(*copied);
+      self->dependencies_.announcer->announce(
+          transfer.crop ? localized("Window copied.") : localized("Screenshot copied."), AnnouncementPriority::low);
       co_return;
     }
     failure = copied.reason();
@@ -77,7 +77,7 @@ Task<> PictureTransfers::runCopy(Weak<PictureTransfers> self, ScreenshotItem ite
 
 std::function<Result<ScreenshotPasteboardItem, CopyFailure>()> PictureTransfers::reading(
     const PromptPreviewTransfer& transfer) const {
-  return [transfer, isDataless = world_.isDataless]() -> Result<ScreenshotPasteboardItem, CopyFailure> {
+  return [transfer, isDataless = dependencies_.isDataless]() -> Result<ScreenshotPasteboardItem, CopyFailure> {
     // Reading it would download it.
     if (!transfer.crop && isDataless(transfer.url)) return CopyFailure::evicted;
     const auto data = transfer.data();
@@ -97,13 +97,13 @@ Task<std::optional<PreparedTransfer>> PictureTransfers::prepare(ScreenshotItem i
 Task<std::optional<PreparedTransfer>> PictureTransfers::runPreparation(Weak<PictureTransfers> self, ScreenshotItem item,
                                                                        std::optional<QString> name) {
   const PromptPreviewTransfer transfer = self->transfer(item, name);
-  const std::function<Result<FileURL, Failure>()> work = [transfer, files = self->world_.transferFiles,
-                                                          isDataless =
-                                                              self->world_.isDataless]() -> Result<FileURL, Failure> {
+  const std::function<Result<FileURL, Failure>()> work =
+      [transfer, files = self->dependencies_.transferFiles,
+       isDataless = self->dependencies_.isDataless]() -> Result<FileURL, Failure> {
     if (!transfer.crop && isDataless(transfer.url)) return Failure(ImageOperations::OperationError::unreadable);
     return files.file(transfer);
   };
-  auto preparing = self->world_.executor->background(work);
+  auto preparing = self->dependencies_.executor->background(work);
   const auto file = co_await preparing;
   if (!self) co_return std::nullopt;
   if (!file) {

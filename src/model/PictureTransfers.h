@@ -28,8 +28,8 @@ class TransferSource {
 class PictureTransfers {
  public:
   /// All of them outlive this.
-  PictureTransfers(const AppModelDependencies& world, const ScreenshotList& items, TransferSource& source)
-      : world_(world), items_(items), source_(source) {}
+  PictureTransfers(const AppModelDependencies& dependencies, const ScreenshotList& items, TransferSource& source)
+      : dependencies_(dependencies), items_(items), source_(source) {}
 
   /// Of several that are under way at once the last one counts, whichever is read first.
   Task<> copy(ScreenshotItem item, ErrorScope scope);
@@ -43,7 +43,7 @@ class PictureTransfers {
   PromptPreviewTransfer transfer(const ScreenshotItem& item, const std::optional<QString>& name) const;
   std::function<Result<ScreenshotPasteboardItem, CopyFailure>()> reading(const PromptPreviewTransfer& transfer) const;
 
-  const AppModelDependencies& world_;
+  const AppModelDependencies& dependencies_;
   const ScreenshotList& items_;
   TransferSource& source_;
   int copies_ = 0;

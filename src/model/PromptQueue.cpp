@@ -6,12 +6,12 @@
 
 namespace quillmere {
 
-PromptQueue::PromptQueue(const AppModelDependencies& world, const ScreenshotList& items, PromptStage& stage,
+PromptQueue::PromptQueue(const AppModelDependencies& dependencies, const ScreenshotList& items, PromptStage& stage,
                          Signal<const ModelChange&>& changed)
     : queue(changed, ModelField::promptQueue),
       focusRequest(changed, ModelField::promptFocusRequest, 0),
       contentGeneration(changed, ModelField::promptContentGeneration, 0),
-      world_(world),
+      dependencies_(dependencies),
       items_(items),
       stage_(stage) {}
 
@@ -38,7 +38,7 @@ void PromptQueue::showNext() {
   const ScreenshotItem* item = next ? items_.find(*next) : nullptr;
   if (!item) {
     setVisible(std::nullopt);
-    world_.promptPresenter->hide();
+    dependencies_.promptPresenter->hide();
     return;
   }
   stage_.promptIsComing();
@@ -76,7 +76,7 @@ void PromptQueue::review(const std::function<std::vector<UUID>()>& pending, Focu
     announce(localized("No screenshots are waiting for a decision."), AnnouncementPriority::high);
     return;
   }
-  world_.promptPresenter->focusForReview();
+  dependencies_.promptPresenter->focusForReview();
   focusRequest.set(*focusRequest + 1);
   if (news == FocusNews::announced && !hasAppeared) {
     announce(localized("Screenshot popup focused"), AnnouncementPriority::low);
@@ -85,7 +85,7 @@ void PromptQueue::review(const std::function<std::vector<UUID>()>& pending, Focu
 
 void PromptQueue::announceFront() const {
   const qsizetype waiting = static_cast<qsizetype>(queue->size()) - 1;
-  const auto shortcut = hintsAtShortcut_ ? world_.spokenReviewShortcut() : std::nullopt;
+  const auto shortcut = hintsAtShortcut_ ? dependencies_.spokenReviewShortcut() : std::nullopt;
   QString text;
   if (waiting == 0) {
     text = shortcut ? localized("Screenshot ready for a decision. Press %@ to review it.", {*shortcut})
@@ -99,7 +99,7 @@ void PromptQueue::announceFront() const {
 }
 
 void PromptQueue::announce(const QString& text, AnnouncementPriority priority) const {
-  world_.announcer->announce(text, priority);
+  dependencies_.announcer->announce(text, priority);
 }
 
 }  // namespace quillmere

@@ -28,7 +28,7 @@ enum class FocusNews { silent, announced };
 class PromptQueue {
  public:
   /// All of them outlive this.
-  PromptQueue(const AppModelDependencies& world, const ScreenshotList& items, PromptStage& stage,
+  PromptQueue(const AppModelDependencies& dependencies, const ScreenshotList& items, PromptStage& stage,
               Signal<const ModelChange&>& changed);
 
   Published<std::vector<UUID>, PromptQueue> queue;
@@ -54,7 +54,7 @@ class PromptQueue {
   void announceFront() const;
   void announce(const QString& text, AnnouncementPriority priority) const;
 
-  const AppModelDependencies& world_;
+  const AppModelDependencies& dependencies_;
   const ScreenshotList& items_;
   PromptStage& stage_;
   std::optional<UUID> visible_;

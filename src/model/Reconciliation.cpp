@@ -10,24 +10,24 @@ namespace {
 /// One run over many records.
 class Resolver {
  public:
-  explicit Resolver(const ReconcileEnvironment& environment) : world_(environment) {}
+  explicit Resolver(const ReconcileEnvironment& environment) : environment_(environment) {}
 
   ReconcileOutcome resolve(const ReconcileInput& input) {
     ReconcileOutcome outcome = find(input);
     auto* present = std::get_if<FilePresent>(&outcome);
     // Here rather than where outcomes are applied: it looks at the disk.
     if (present && !present->refreshedBookmark && (!input.bookmark || present->foundByIdentity)) {
-      present->refreshedBookmark = world_.scope->makeBookmark(present->url);
+      present->refreshedBookmark = environment_.scope->makeBookmark(present->url);
     }
     return outcome;
   }
 
  private:
   ReconcileOutcome find(const ReconcileInput& input) {
-    if (world_.isInTrash(input.url)) return FileGone{};
-    const auto bookmarked = resolveBookmark(*world_.scope, input.bookmark);
+    if (environment_.isInTrash(input.url)) return FileGone{};
+    const auto bookmarked = resolveBookmark(*environment_.scope, input.bookmark);
     if (bookmarked) {
-      if (world_.isInTrash(bookmarked->url)) return FileGone{};
+      if (environment_.isInTrash(bookmarked->url)) return FileGone{};
       if (auto found = lookAtScoped(*bookmarked)) return *found;
     }
     const bool isTaken = isAnothers(input);
@@ -37,7 +37,7 @@ class Resolver {
       return found;
     }
     // A sync client may have put a placeholder of another name in its stead.
-    if (world_.isDataless(input.url)) return lookAtPlaceholder(input.url);
+    if (environment_.isDataless(input.url)) return lookAtPlaceholder(input.url);
     if (auto found = searchByIdentity(input)) return *found;
     // A look that was refused says nothing.
     const bool hasLeft = isTaken || isAbsent(input.url);
@@ -47,18 +47,18 @@ class Resolver {
 
   /// Several records have the place, and the file there is not this one's.
   bool isAnothers(const ReconcileInput& input) const {
-    if (!input.identity || !input.identity->isComplete() || world_.sharedPaths.empty()) return false;
-    if (!world_.sharedPaths.contains(pathKey(input.url, world_.watchFolderPaths))) return false;
-    const auto identity = world_.fileIdentity(input.url);
+    if (!input.identity || !input.identity->isComplete() || environment_.sharedPaths.empty()) return false;
+    if (!environment_.sharedPaths.contains(pathKey(input.url, environment_.watchFolderPaths))) return false;
+    const auto identity = environment_.fileIdentity(input.url);
     return identity && !identity->isSameFile(*input.identity);
   }
 
   FilePresent look(const FileURL& url) const {
     FilePresent found;
     found.url = url;
-    found.identity = world_.fileIdentity(url);
-    found.isEvicted = world_.isDataless(url);
-    found.isICloud = found.isEvicted && world_.isUbiquitous(url);
+    found.identity = environment_.fileIdentity(url);
+    found.isEvicted = environment_.isDataless(url);
+    found.isICloud = found.isEvicted && environment_.isUbiquitous(url);
     return found;
   }
 
@@ -66,19 +66,19 @@ class Resolver {
     FilePresent found;
     found.url = url;
     found.isEvicted = true;
-    found.isICloud = world_.isUbiquitous(url);
+    found.isICloud = environment_.isUbiquitous(url);
     return found;
   }
 
   std::optional<FilePresent> lookAtScoped(const ResolvedBookmark& bookmarked) const {
-    const bool hasAccess = world_.scope->start(bookmarked.url);
+    const bool hasAccess = environment_.scope->start(bookmarked.url);
     std::optional<FilePresent> found;
     if (fileExists(bookmarked.url)) {
       found = look(bookmarked.url);
       found->scopedURL = bookmarked.url;
       found->refreshedBookmark = bookmarked.refreshed;
     }
-    if (hasAccess) world_.scope->stop(bookmarked.url);
+    if (hasAccess) environment_.scope->stop(bookmarked.url);
     return found;
   }
 
@@ -86,9 +86,9 @@ class Resolver {
     if (!canSeeFolder() || !input.identity || !input.identity->isComplete()) return std::nullopt;
     const auto names = namesByFileNumber().equal_range(input.identity->file);
     for (auto name = names.first; name != names.second; ++name) {
-      const FileURL candidate = FileURL::fromPath(world_.watchFolderPaths->canonical).appending(name->second);
-      if (world_.trackedPaths.contains(candidate.path())) continue;  // another record's own file
-      const auto identity = world_.fileIdentity(candidate);
+      const FileURL candidate = FileURL::fromPath(environment_.watchFolderPaths->canonical).appending(name->second);
+      if (environment_.trackedPaths.contains(candidate.path())) continue;  // another record's own file
+      const auto identity = environment_.fileIdentity(candidate);
       if (!identity || !identity->isSameFile(*input.identity)) continue;
       FilePresent found = look(candidate);
       found.foundByIdentity = true;
@@ -100,28 +100,29 @@ class Resolver {
   const std::unordered_multimap<uint64_t, std::string>& namesByFileNumber() {
     if (names_) return *names_;
     names_.emplace();
-    listDirectory(FileURL::fromPath(world_.watchFolderPaths->canonical), [&](int folder, const char* name, EntryKind) {
-      if (const auto status = fileStatus(folder, name)) names_->emplace(status->inode, name);
-    });
+    listDirectory(FileURL::fromPath(environment_.watchFolderPaths->canonical),
+                  [&](int folder, const char* name, EntryKind) {
+                    if (const auto status = fileStatus(folder, name)) names_->emplace(status->inode, name);
+                  });
     return *names_;
   }
 
   bool isInWatchFolder(const FileURL& url) const {
-    if (!world_.watchFolderPaths) return false;
+    if (!environment_.watchFolderPaths) return false;
     const std::string parent = url.standardized().parent().path();
-    return parent == world_.watchFolderPaths->standardized || parent == world_.watchFolderPaths->canonical;
+    return parent == environment_.watchFolderPaths->standardized || parent == environment_.watchFolderPaths->canonical;
   }
 
   /// Asked once a run. A folder whose disk has left shows nothing, which must not be taken for empty.
   bool canSeeFolder() {
     if (!canSeeFolder_) {
-      canSeeFolder_ = world_.hasFolderAccess && world_.watchFolder && world_.watchFolderPaths &&
-                      world_.isFolderReachable(*world_.watchFolder);
+      canSeeFolder_ = environment_.hasFolderAccess && environment_.watchFolder && environment_.watchFolderPaths &&
+                      environment_.isFolderReachable(*environment_.watchFolder);
     }
     return *canSeeFolder_;
   }
 
-  const ReconcileEnvironment& world_;
+  const ReconcileEnvironment& environment_;
   std::optional<std::unordered_multimap<uint64_t, std::string>> names_;
   std::optional<bool> canSeeFolder_;
 };

@@ -7,9 +7,9 @@ namespace quillmere {
 using Extraction = PromptWindowExtraction;
 using ImageOperations::OperationError;
 
-WindowExtractionRun::WindowExtractionRun(const AppModelDependencies& world, const PromptQueue& prompts,
+WindowExtractionRun::WindowExtractionRun(const AppModelDependencies& dependencies, const PromptQueue& prompts,
                                          Signal<const ModelChange&>& changed)
-    : state(changed, ModelField::promptWindowExtraction), world_(world), prompts_(prompts) {}
+    : state(changed, ModelField::promptWindowExtraction), dependencies_(dependencies), prompts_(prompts) {}
 
 Task<Result<WindowExtractionRun::Sought, OperationError>> WindowExtractionRun::seek(UUID id, FileURL url) {
   return runSeek(lifetime_.weak(this), id, std::move(url));
@@ -18,8 +18,8 @@ Task<Result<WindowExtractionRun::Sought, OperationError>> WindowExtractionRun::s
 Task<Result<WindowExtractionRun::Sought, OperationError>> WindowExtractionRun::runSeek(Weak<WindowExtractionRun> self,
                                                                                        UUID id, FileURL url) {
   self->state.set(Extraction{id, Extraction::Detecting{}});
-  const FileStamp readFrom = fileStamp(url, self->world_.fileIdentity);
-  const auto scan = self->world_.scanWindows(url);
+  const FileStamp readFrom = fileStamp(url, self->dependencies_.fileIdentity);
+  const auto scan = self->dependencies_.scanWindows(url);
   self->scan_ = scan;
   const auto result = co_await scan;
   // The scan's own identity tells whether it is the one that is waited for.

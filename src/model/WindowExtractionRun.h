@@ -16,7 +16,7 @@ class WindowExtractionRun {
   using Crop = PromptPreviewTransfer::Crop;
 
   /// All of them outlive this.
-  WindowExtractionRun(const AppModelDependencies& world, const PromptQueue& prompts,
+  WindowExtractionRun(const AppModelDependencies& dependencies, const PromptQueue& prompts,
                       Signal<const ModelChange&>& changed);
 
   /// None while the whole screenshot is shown.
@@ -53,7 +53,7 @@ class WindowExtractionRun {
   template <typename Phase>
   bool isIn(const UUID& id) const;
 
-  const AppModelDependencies& world_;
+  const AppModelDependencies& dependencies_;
   const PromptQueue& prompts_;
   Scan scan_;
   QImage image_;

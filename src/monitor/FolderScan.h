@@ -71,7 +71,7 @@ struct Observation {
   std::optional<Fingerprint> fingerprint;  ///< none when it cannot be read
   std::optional<bool> decodesCompletely;   ///< none: not tested
   std::optional<bool> isScreenCapture;     ///< none: not tested
-  bool isPlaceholder = false;              ///< of a synced folder, its data still elsewhere
+  bool isPlaceholder = false;              ///< of a synced folder, and dataless
   std::optional<ArrivalEvidence> evidence;
 };
 

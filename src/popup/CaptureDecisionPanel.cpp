@@ -33,7 +33,7 @@ QAccessibleInterface* dialogInterface(const QString&, QObject* object) {
 
 }  // namespace
 
-CaptureDecisionPanel::CaptureDecisionPanel(QWidget* card)
+CaptureDecisionPanel::CaptureDecisionPanel(QWidget* contents)
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus |
                            Qt::NoDropShadowWindowHint),
       scroll_(new QScrollArea(this)) {
@@ -51,8 +51,8 @@ CaptureDecisionPanel::CaptureDecisionPanel(QWidget* card)
   scroll_->setFocusPolicy(Qt::NoFocus);
   scroll_->viewport()->setAutoFillBackground(false);
   scroll_->setWidgetResizable(true);
-  scroll_->setWidget(card);
-  card->setAutoFillBackground(false);
+  scroll_->setWidget(contents);
+  contents->setAutoFillBackground(false);
   makeScrollBar();
   setScrolls(false);
 }

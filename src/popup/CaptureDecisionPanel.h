@@ -13,7 +13,8 @@ namespace quillmere {
 /// The popup's window: the card, its shadow around it, and nothing else. It never takes the keyboard by itself.
 class CaptureDecisionPanel final : public QWidget {
  public:
-  explicit CaptureDecisionPanel(QWidget* card);
+  /// `contents` stand on the card.
+  explicit CaptureDecisionPanel(QWidget* contents);
 
   void setScrolls(bool scrolls);
   /// Without a compositor there is no shadow, and a stronger edge tells the card from what lies below.

@@ -23,7 +23,7 @@ struct CapturePromptContent {
   ScreenshotNaming naming = ScreenshotNaming::original;
   bool deletesChosen = false;  ///< Move to Trash deletes instead
   bool canReadImage = true;    ///< the file is reachable and its data is here
-  bool isEvicted = false;      ///< its data is known to be elsewhere
+  bool isEvicted = false;      ///< its data is known not to be on this computer
   bool isAnalyzing = false;
   AnalysisAvailability availability = AnalysisAvailability::enabled;
   std::optional<QSizeF> previewPixelSize;  ///< of what the preview shows

@@ -72,7 +72,7 @@ void CapturePromptPanelController::makePanel(AppModel& model) {
     // A question of ours gives the keyboard back by itself.
     if (QApplication::activeModalWidget()) return;
     previousWindow_ = 0;
-    // The person has gone elsewhere: a click on a button must leave the keyboard there.
+    // The person has gone to another window: a click on a button must leave the keyboard there.
     panel_->windowHandle()->setFlag(Qt::WindowDoesNotAcceptFocus, true);
   };
   panel_->winId();

@@ -11,7 +11,7 @@ namespace quillmere {
 /// begin at the lower left corner of the first screen. The turning, both ways, happens here alone.
 class LivePanelScreens final : public PanelScreenProviding {
  public:
-  /// Without a window system Qt's own answer tells what the desktop's panels leave free.
+  /// Without a window system Qt's own answer tells what the desktop's docks leave free.
   explicit LivePanelScreens(const PanelWindowSystem* windowSystem = nullptr) : windowSystem_(windowSystem) {}
 
   std::vector<PanelScreen> screens() const override;

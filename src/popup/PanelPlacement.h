@@ -11,7 +11,7 @@ namespace quillmere {
 /// `y()` is its lower edge.
 struct PanelScreen {
   QRectF frame;         ///< the whole screen
-  QRectF visibleFrame;  ///< without the desktop's panels
+  QRectF visibleFrame;  ///< without the desktop's docks
   bool operator==(const PanelScreen&) const = default;
 };
 

@@ -26,7 +26,7 @@ class PanelWindowSystem {
   virtual quintptr activeWindow() const = 0;
   /// Asks the window manager to give a window the keyboard.
   virtual void activate(quintptr window) = 0;
-  /// What the desktop's panels leave of a screen, in points.
+  /// What the desktop's docks leave of a screen, in points.
   virtual QRect availableGeometry(const QScreen& screen) const { return screen.availableGeometry(); }
   Signal<> availableGeometryChanged;
 };

@@ -3,7 +3,7 @@
 #include <QtWidgets/QWidget>
 #include <functional>
 
-#include "model/ModelMessages.h"
+#include "model/Messages.h"
 
 namespace quillmere {
 

@@ -10,7 +10,7 @@
 namespace quillmere {
 namespace {
 
-/// Panels are dark or light without telling; this grey is seen on both.
+/// Docks are dark or light without telling; this grey is seen on both.
 QIcon trayIcon() {
   QIcon icon;
   for (const int side : {16, 22, 24, 32, 48}) {

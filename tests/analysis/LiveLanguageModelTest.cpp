@@ -39,7 +39,7 @@ class LiveLanguageModelTest : public testing::ModelServerFixture {
   }
   std::optional<Unavailability> availability() { return finish(model->availability()); }
   ModelRequest request(const std::optional<QString>& text = std::nullopt) {
-    return ModelPrompt::request(writePicture(), text);
+    return ModelQuestion::request(writePicture(), text);
   }
   ModelAnswer respond() { return answerOf(finish(model->respond(request()))); }
   static QString text(const FakeModelServer& place) { return QStringLiteral("127.0.0.1:%1").arg(place.port()); }

@@ -69,7 +69,7 @@ TEST_F(LlamaServerTest, ASilentAddressIsTold) {
 }
 
 TEST_F(LlamaServerTest, TheQuestionHasTheseParts) {
-  const ModelRequest request = ModelPrompt::request(folder.file("a"), QStringLiteral("Hello"));
+  const ModelRequest request = ModelQuestion::request(folder.file("a"), QStringLiteral("Hello"));
   const HttpRequest question = llama.question(request, {smallPicture(), "image/jpeg"}, QStringLiteral("sees"));
   EXPECT_EQ(question.method, "POST");
   EXPECT_EQ(question.path, "/v1/chat/completions");
@@ -82,11 +82,11 @@ TEST_F(LlamaServerTest, TheQuestionHasTheseParts) {
   EXPECT_EQ(format[QLatin1String("type")], QStringLiteral("json_schema"));
   EXPECT_EQ(format[QLatin1String("json_schema")][QLatin1String("strict")], true);
   EXPECT_FALSE(format[QLatin1String("json_schema")][QLatin1String("name")].toString().isEmpty());
-  EXPECT_EQ(format[QLatin1String("json_schema")][QLatin1String("schema")], ModelPrompt::answerSchema());
+  EXPECT_EQ(format[QLatin1String("json_schema")][QLatin1String("schema")], ModelQuestion::answerSchema());
   const QJsonArray messages = body[QLatin1String("messages")].toArray();
   ASSERT_EQ(messages.size(), 2);
   EXPECT_EQ(messages[0][QLatin1String("role")], QStringLiteral("system"));
-  EXPECT_TRUE(messages[0][QLatin1String("content")].toString().startsWith(ModelPrompt::instructions()));
+  EXPECT_TRUE(messages[0][QLatin1String("content")].toString().startsWith(ModelQuestion::instructions()));
   EXPECT_EQ(messages[1][QLatin1String("role")], QStringLiteral("user"));
   const QJsonArray parts = messages[1][QLatin1String("content")].toArray();
   ASSERT_EQ(parts.size(), 3);
@@ -98,7 +98,7 @@ TEST_F(LlamaServerTest, TheQuestionHasTheseParts) {
 }
 
 TEST_F(LlamaServerTest, WithoutTextThePictureIsAskedAboutAlone) {
-  const ModelRequest request = ModelPrompt::request(folder.file("a"), std::nullopt);
+  const ModelRequest request = ModelQuestion::request(folder.file("a"), std::nullopt);
   const QByteArray body = llama.question(request, {smallPicture(), "image/png"}, QStringLiteral("x")).body;
   EXPECT_EQ(QJsonDocument::fromJson(body)[QLatin1String("messages")][1][QLatin1String("content")].toArray().size(), 2);
 }

@@ -6,7 +6,7 @@
 
 #include "analysis/LocalHttpClient.h"
 #include "analysis/ModelServer.h"
-#include "description/ModelPrompt.h"
+#include "description/ModelQuestion.h"
 #include "foundation/Interruptible.h"
 #include "foundation/ManualExecutor.h"
 #include "support/EventLoop.h"

@@ -82,7 +82,7 @@ TEST_F(OllamaServerTest, AServerThatDoesNotAnswerIsNotWaitedForLong) {
 }
 
 TEST_F(OllamaServerTest, TheQuestionHasTheseParts) {
-  const ModelRequest request = ModelPrompt::request(folder.file("a"), QStringLiteral("Hello"));
+  const ModelRequest request = ModelQuestion::request(folder.file("a"), QStringLiteral("Hello"));
   const HttpRequest question = ollama.question(request, {smallPicture(), "image/png"}, QStringLiteral("sees:4b"));
   EXPECT_EQ(question.method, "POST");
   EXPECT_EQ(question.path, "/api/chat");
@@ -90,7 +90,7 @@ TEST_F(OllamaServerTest, TheQuestionHasTheseParts) {
   EXPECT_EQ(body[QLatin1String("model")], QStringLiteral("sees:4b"));
   EXPECT_EQ(body[QLatin1String("stream")], false);
   EXPECT_EQ(body[QLatin1String("think")], false);
-  EXPECT_EQ(body[QLatin1String("format")], ModelPrompt::answerSchema());
+  EXPECT_EQ(body[QLatin1String("format")], ModelQuestion::answerSchema());
   EXPECT_EQ(body[QLatin1String("options")], (QJsonObject{{QStringLiteral("temperature"), 0.2},
                                                          {QStringLiteral("num_predict"), 250},
                                                          {QStringLiteral("num_ctx"), 8192}}));
@@ -98,7 +98,7 @@ TEST_F(OllamaServerTest, TheQuestionHasTheseParts) {
   ASSERT_EQ(messages.size(), 2);
   EXPECT_EQ(messages[0][QLatin1String("role")], QStringLiteral("system"));
   const QString system = messages[0][QLatin1String("content")].toString();
-  EXPECT_TRUE(system.startsWith(ModelPrompt::instructions() + QStringLiteral("\n\nAnswer with a JSON object")));
+  EXPECT_TRUE(system.startsWith(ModelQuestion::instructions() + QStringLiteral("\n\nAnswer with a JSON object")));
   EXPECT_TRUE(system.contains(QStringLiteral("At most 240 characters."))) << "the guides of the fields";
   EXPECT_EQ(
       messages[1].toObject(),
@@ -108,7 +108,7 @@ TEST_F(OllamaServerTest, TheQuestionHasTheseParts) {
 }
 
 TEST_F(OllamaServerTest, WithoutTextThePictureIsAskedAboutAlone) {
-  const ModelRequest request = ModelPrompt::request(folder.file("a"), std::nullopt);
+  const ModelRequest request = ModelQuestion::request(folder.file("a"), std::nullopt);
   const QByteArray body = ollama.question(request, {smallPicture(), "image/png"}, QStringLiteral("x")).body;
   EXPECT_EQ(QJsonDocument::fromJson(body)[QLatin1String("messages")][1][QLatin1String("content")], request.question);
 }

@@ -321,9 +321,9 @@ TEST_F(ScreenshotThumbnailTest, AnUnreadableFileHasAPlainPlaceholder) {
   EXPECT_TRUE(isUnreadable());
   EXPECT_EQ(view.toolTip(), QString());
   const QImage plain = view.grab().toImage();
-  Content elsewhere = content(folder.file("a.png"));
-  elsewhere.hasImageData = false;
-  show(elsewhere);
+  Content evicted = content(folder.file("a.png"));
+  evicted.hasImageData = false;
+  show(evicted);
   EXPECT_NE(view.grab().toImage(), plain);
 }
 

@@ -1,7 +1,7 @@
 #include "description/ImageAnalysisService.h"
 
 #include "description/FakeLanguageModel.h"
-#include "description/ModelPrompt.h"
+#include "description/ModelQuestion.h"
 #include "foundation/ManualExecutor.h"
 #include "support/Printing.h"
 
@@ -67,12 +67,12 @@ TEST_F(ImageAnalysisServiceTest, TheTextIsSentAndServesForCheckingWords) {
       describeWith({misspelled}, QStringLiteral("Nike")),
       DescribeOutcome(ScreenshotAnalysisResult{QStringLiteral("Nike login page"), QStringLiteral("Nike login page")}));
   EXPECT_EQ(model.requests.at(0).picture, kPicture);
-  EXPECT_EQ(model.requests.at(0).recognizedText, ModelPrompt::recognizedTextPart(QStringLiteral("Nike")));
+  EXPECT_EQ(model.requests.at(0).recognizedText, ModelQuestion::recognizedTextPart(QStringLiteral("Nike")));
 }
 
 TEST_F(ImageAnalysisServiceTest, TheTextIsTrimmed) {
   describeWith({kAnswer}, QStringLiteral(" \n\u00a0 two\nlines\t\n"));
-  EXPECT_EQ(model.requests.at(0).recognizedText, ModelPrompt::recognizedTextPart(QStringLiteral("two\nlines")));
+  EXPECT_EQ(model.requests.at(0).recognizedText, ModelQuestion::recognizedTextPart(QStringLiteral("two\nlines")));
 }
 
 TEST_F(ImageAnalysisServiceTest, BlankTextIsNone) {

@@ -357,7 +357,7 @@ TEST_F(FolderScanTest, WithOtherImagesIncludedTheTagIsNotRead) {
   EXPECT_TRUE(services->tagCalls.empty());
 }
 
-// --- Data that is elsewhere ---
+// --- Dataless files ---
 
 TEST_F(FolderScanTest, FirstLookAtAFileWithoutDataOnlyCountsIt) {
   havePending(make("a.png"));

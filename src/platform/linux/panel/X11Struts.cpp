@@ -35,7 +35,7 @@ std::vector<Strut> strutsOf(X11Display& display) {
   return result;
 }
 
-/// What a desktop tells whose panels are no windows: a rectangle for each screen.
+/// What a desktop tells whose docks are no windows: a rectangle for each screen.
 QRect withinWorkAreas(X11Display& display, const QRect& screen) {
   const auto desktop = display.number(display.root(), "_NET_CURRENT_DESKTOP");
   const auto numbers = display.property(display.root(), "_GTK_WORKAREAS_D" + std::to_string(desktop));

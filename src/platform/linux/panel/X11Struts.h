@@ -11,7 +11,7 @@ namespace quillmere {
 
 class X11Display;
 
-/// What docks and panels of the desktop reserve for themselves.
+/// What the desktop's docks reserve for themselves.
 namespace X11Struts {
 
 /// As `_NET_WM_STRUT_PARTIAL` has it: how far in from the left, right, top and bottom of the whole display, then where

@@ -1,4 +1,4 @@
-#include "model/ModelMessages.h"
+#include "model/Messages.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@ namespace {
 
 using Kind = BackgroundIssue::Kind;
 
-TEST(ModelMessages, EachBannerHasItsWords) {
+TEST(Messages, EachBannerHasItsWords) {
   struct Row {
     BackgroundIssue issue;
     const char* words;

@@ -10,14 +10,14 @@
 namespace quillmere {
 
 /// The words that a model is asked with.
-namespace ModelPrompt {
+namespace ModelQuestion {
 
 /// In the first of these languages, named by identifiers such as "de-DE", the answer is to be written.
 QString instructions(const QStringList& preferredLanguages);
 /// For the person's own languages.
 const QString& instructions();
 
-/// The part of the prompt that tells the text of the picture, as much of it as is sent.
+/// The part of the question that tells the text of the picture, as much of it as is sent.
 QString recognizedTextPart(const QString& text);
 
 /// Of an object with two texts. The description comes first: the name is made of it.
@@ -30,5 +30,5 @@ ModelRequest request(const FileURL& picture, const std::optional<QString>& text)
 /// text.
 std::optional<ModelAnswerFields> answerFields(const QByteArray& json);
 
-}  // namespace ModelPrompt
+}  // namespace ModelQuestion
 }  // namespace quillmere

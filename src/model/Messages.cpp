@@ -1,4 +1,4 @@
-#include "model/ModelMessages.h"
+#include "model/Messages.h"
 
 #include "foundation/Localized.h"
 

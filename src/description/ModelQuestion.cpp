@@ -1,4 +1,4 @@
-#include "description/ModelPrompt.h"
+#include "description/ModelQuestion.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -48,21 +48,21 @@ QString firstCharacters(const QString& text, qsizetype count) {
 
 }  // namespace
 
-QString ModelPrompt::instructions(const QStringList& preferredLanguages) {
+QString ModelQuestion::instructions(const QStringList& preferredLanguages) {
   const QString name = languageNameInEnglish(preferredLanguages.value(0, QStringLiteral("en")));
   return kInstructions + (name.isEmpty() ? QStringLiteral("English") : name) + kInstructionsEnd;
 }
 
-const QString& ModelPrompt::instructions() {
+const QString& ModelQuestion::instructions() {
   static const QString built = instructions(QLocale::system().uiLanguages());
   return built;
 }
 
-QString ModelPrompt::recognizedTextPart(const QString& text) {
+QString ModelQuestion::recognizedTextPart(const QString& text) {
   return kTextHead + firstCharacters(text, kMostCharacters);
 }
 
-QJsonObject ModelPrompt::answerSchema() {
+QJsonObject ModelQuestion::answerSchema() {
   // Servers generate the fields in the order in which the schema has them; an object of Qt's sorts by key, which
   // happens to be the right order here.
   const QJsonObject fields{{kDescription, textField(kDescriptionGuide)}, {kFilename, textField(kFilenameGuide)}};
@@ -72,7 +72,7 @@ QJsonObject ModelPrompt::answerSchema() {
           {QStringLiteral("additionalProperties"), false}};
 }
 
-ModelRequest ModelPrompt::request(const FileURL& picture, const std::optional<QString>& text) {
+ModelRequest ModelQuestion::request(const FileURL& picture, const std::optional<QString>& text) {
   ModelRequest request;
   request.instructions = instructions();
   request.question = kQuestion;
@@ -84,7 +84,7 @@ ModelRequest ModelPrompt::request(const FileURL& picture, const std::optional<QS
   return request;
 }
 
-std::optional<ModelAnswerFields> ModelPrompt::answerFields(const QByteArray& json) {
+std::optional<ModelAnswerFields> ModelQuestion::answerFields(const QByteArray& json) {
   const QJsonObject answer = QJsonDocument::fromJson(json).object();
   const QJsonValue description = answer.value(kDescription);
   const QJsonValue filename = answer.value(kFilename);
