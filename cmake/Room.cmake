@@ -1,9 +1,13 @@
-# quillmere_room(NAME [PATH dir] LINKS targets...)
+# quillmere_room(NAME [PATH dir] [HEADERS headers...] [HEADERS_OF room] LINKS targets...)
 #
 # A room is one folder of src/ and one static library. Its headers are seen through a folder of its own that holds
 # nothing but a link to it, so `#include "model/AppModel.h"` compiles only in a target that links `model`.
+#
+# Precompiled headers are foundation's, read once for all rooms. HEADERS: what nearly every file of this room includes
+# beside those, for precompiled headers of its own; HEADERS_OF: the room whose headers these are.
+set(room_headers <QtCore/QString> <functional> <memory> <optional> <string> <unordered_map> <vector>)
 function(quillmere_room name)
-  cmake_parse_arguments(ROOM "" "PATH" "LINKS" ${ARGN})
+  cmake_parse_arguments(ROOM "" "PATH;HEADERS_OF" "HEADERS;LINKS" ${ARGN})
   if(NOT ROOM_PATH)
     set(ROOM_PATH ${name})
   endif()
@@ -18,9 +22,10 @@ function(quillmere_room name)
   target_include_directories(${name} PUBLIC ${view})
 
   target_link_libraries(${name} PUBLIC quillmere_options ${ROOM_LINKS})
-  # What nearly every file includes is read once, for all rooms.
-  if(name STREQUAL foundation)
-    target_precompile_headers(${name} PRIVATE <QtCore/QString> <functional> <memory> <optional> <string> <unordered_map> <vector>)
+  if(ROOM_HEADERS)
+    target_precompile_headers(${name} PRIVATE ${room_headers} ${ROOM_HEADERS})
+  elseif(ROOM_HEADERS_OF)
+    target_precompile_headers(${name} REUSE_FROM ${ROOM_HEADERS_OF})
   else()
     target_precompile_headers(${name} REUSE_FROM foundation)
   endif()

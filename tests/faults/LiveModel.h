@@ -11,8 +11,8 @@
 
 #include "foundation/FileStatus.h"
 #include "foundation/ManualExecutor.h"
-#include "model/FakeAnalyzer.h"
-#include "model/ModelFakes.h"
+#include "fakes/FakeAnalyzer.h"
+#include "fakes/ModelFakes.h"
 #include "platform/linux/files/CloudFiles.h"
 #include "platform/linux/files/LiveFileIdentity.h"
 #include "platform/linux/files/LiveFileOperations.h"

@@ -1,7 +1,7 @@
 #include "inbox/InboxBanners.h"
 
 #include "foundation/Localized.h"
-#include "model/ModelFixture.h"
+#include "fakes/ModelFixture.h"
 
 namespace quillmere {
 namespace {

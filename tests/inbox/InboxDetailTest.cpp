@@ -5,7 +5,7 @@
 
 #include "controls/ScreenshotThumbnail.h"
 #include "inbox/MessageView.h"
-#include "model/ModelFixture.h"
+#include "fakes/ModelFixture.h"
 
 namespace quillmere {
 namespace {

@@ -5,7 +5,7 @@
 #include <QtTest/QAbstractItemModelTester>
 
 #include "foundation/Localized.h"
-#include "model/ModelFixture.h"
+#include "fakes/ModelFixture.h"
 
 namespace quillmere {
 namespace {

@@ -5,7 +5,7 @@
 #include <random>
 
 #include "foundation/ManualExecutor.h"
-#include "model/FakeAnalyzer.h"
+#include "fakes/FakeAnalyzer.h"
 #include "support/Printing.h"
 #include "support/Records.h"
 

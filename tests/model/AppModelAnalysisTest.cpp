@@ -1,5 +1,5 @@
 #include "formats/ImageOperations.h"
-#include "model/ModelFixture.h"
+#include "fakes/ModelFixture.h"
 
 namespace quillmere::testing {
 namespace {

@@ -1,5 +1,5 @@
 #include "formats/ImageEncoding.h"
-#include "model/PictureFixture.h"
+#include "fakes/PictureFixture.h"
 
 namespace quillmere::testing {
 namespace {

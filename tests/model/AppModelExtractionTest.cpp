@@ -1,7 +1,7 @@
 #include <chrono>
 #include <filesystem>
 
-#include "model/PictureFixture.h"
+#include "fakes/PictureFixture.h"
 
 namespace quillmere::testing {
 namespace {

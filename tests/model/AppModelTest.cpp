@@ -1,6 +1,6 @@
 #include <sys/stat.h>
 
-#include "model/ModelFixture.h"
+#include "fakes/ModelFixture.h"
 
 namespace quillmere::testing {
 namespace {

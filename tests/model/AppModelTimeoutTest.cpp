@@ -1,4 +1,4 @@
-#include "model/ModelFixture.h"
+#include "fakes/ModelFixture.h"
 
 namespace quillmere::testing {
 namespace {

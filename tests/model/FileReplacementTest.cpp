@@ -8,7 +8,7 @@
 #include "formats/ImageWriting.h"
 #include "foundation/FileStatus.h"
 #include "foundation/ManualExecutor.h"
-#include "model/ModelFakes.h"
+#include "fakes/ModelFakes.h"
 #include "support/Files.h"
 #include "support/Records.h"
 #include "support/TemporaryFolder.h"

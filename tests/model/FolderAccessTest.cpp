@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "model/ModelFakes.h"
+#include "fakes/ModelFakes.h"
 #include "support/Printing.h"
 #include "support/Records.h"
 #include "support/TemporaryFolder.h"

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "model/FakeAnalyzer.h"
+#include "fakes/FakeAnalyzer.h"
 #include "model/HistoryWorld.h"
-#include "model/ModelFakes.h"
+#include "fakes/ModelFakes.h"
 
 namespace quillmere::testing {
 

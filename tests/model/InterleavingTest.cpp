@@ -1,5 +1,5 @@
 #include "model/HistoryExecutor.h"
-#include "model/ModelFixture.h"
+#include "fakes/ModelFixture.h"
 
 namespace quillmere::testing {
 namespace {

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "foundation/ManualExecutor.h"
-#include "model/ModelFakes.h"
+#include "fakes/ModelFakes.h"
 #include "support/Files.h"
 #include "support/Records.h"
 #include "support/TemporaryFolder.h"

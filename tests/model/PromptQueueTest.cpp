@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "model/ModelFakes.h"
+#include "fakes/ModelFakes.h"
 #include "support/Records.h"
 
 namespace quillmere::testing {

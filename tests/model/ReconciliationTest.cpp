@@ -1,6 +1,6 @@
 #include "model/Reconciliation.h"
 
-#include "model/ModelFakes.h"
+#include "fakes/ModelFakes.h"
 #include "support/Files.h"
 #include "support/Printing.h"
 #include "support/Records.h"

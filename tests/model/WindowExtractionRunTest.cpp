@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "model/FakeWindowScanner.h"
-#include "model/ModelFakes.h"
+#include "fakes/FakeWindowScanner.h"
+#include "fakes/ModelFakes.h"
 #include "support/Records.h"
 
 namespace quillmere::testing {

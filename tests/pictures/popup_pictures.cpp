@@ -15,7 +15,7 @@
 #include "PaintedDesktop.h"
 #include "controls/ApplicationAppearance.h"
 #include "foundation/Localized.h"
-#include "model/ModelFixture.h"
+#include "fakes/ModelFixture.h"
 #include "popup/CapturePromptPanelController.h"
 #include "popup/FakeSharing.h"
 #include "popup/StillWindowSystem.h"

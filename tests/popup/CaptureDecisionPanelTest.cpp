@@ -12,7 +12,7 @@
 namespace quillmere {
 namespace {
 
-class CaptureDecisionPanelTest : public testing::Test {
+class CaptureDecisionPanelTest : public ::testing::Test {
  protected:
   CaptureDecisionPanelTest() {
     auto* rows = new QVBoxLayout(card);

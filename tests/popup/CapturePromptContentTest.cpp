@@ -1,6 +1,6 @@
 #include "popup/CapturePromptContent.h"
 
-#include "model/ModelFixture.h"
+#include "fakes/ModelFixture.h"
 
 namespace quillmere {
 namespace {

@@ -8,7 +8,7 @@
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 
-#include "model/ModelFixture.h"
+#include "fakes/ModelFixture.h"
 #include "popup/FakeSharing.h"
 #include "popup/LivePanelScreens.h"
 

@@ -10,7 +10,7 @@
 
 #include "controls/ActionButton.h"
 #include "controls/ScreenshotThumbnail.h"
-#include "model/ModelFixture.h"
+#include "fakes/ModelFixture.h"
 #include "popup/DurationPicker.h"
 #include "popup/FakeSharing.h"
 #include "popup/PreviewButton.h"

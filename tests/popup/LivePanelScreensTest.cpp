@@ -14,7 +14,7 @@ class PanelBelow final : public StillWindowSystem {
   QRect availableGeometry(const QScreen& screen) const override { return screen.geometry().adjusted(0, 0, 0, -40); }
 };
 
-class FirstScreenTest : public testing::Test {
+class FirstScreenTest : public ::testing::Test {
  protected:
   const QRect geometry = QGuiApplication::primaryScreen()->geometry();
 };

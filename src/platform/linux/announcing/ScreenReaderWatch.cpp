@@ -110,14 +110,17 @@ void ScreenReaderWatch::askForEvents(BusService& registry) {
   hasChangedMeanwhile_ = isAsking_;
   if (isAsking_) return;
   isAsking_ = true;
+  const auto finish = [this, &registry] {
+    isAsking_ = false;
+    if (hasChangedMeanwhile_) askForEvents(registry);
+  };
   registry.call(
       kRegistryPath, kRegistry, QStringLiteral("GetRegisteredEvents"), {},
-      [this, &registry](const QVariantList& answer) {
-        isAsking_ = false;
+      [this, finish](const QVariantList& answer) {
         events_ = eventsIn(answer.value(0));
-        if (hasChangedMeanwhile_) askForEvents(registry);
+        finish();
       },
-      [this] { isAsking_ = false; });
+      finish);
 }
 
 void ScreenReaderWatch::leaveAccessibility() {

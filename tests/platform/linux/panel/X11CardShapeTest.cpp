@@ -30,7 +30,7 @@ class Covered {
   std::map<int, std::vector<std::pair<int, int>>> rows_;
 };
 
-class X11CardShapeTest : public testing::TestWithParam<qreal> {};
+class X11CardShapeTest : public ::testing::TestWithParam<qreal> {};
 
 TEST_P(X11CardShapeTest, EveryLineOfTheCardIsCoveredOnceAndSymmetrically) {
   for (const int height : {1, 2, 40, 66, 67, 421, 422, 423}) {

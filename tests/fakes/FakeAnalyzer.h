@@ -23,41 +23,9 @@ class FakeAnalyzer final : public ScreenshotAnalyzing {
   using Description = Call<DescribeOutcome>;
   using Reading = Call<std::optional<QString>>;
 
-  Task<std::optional<AnalysisError::Unavailability>> availability() override {
-    ++availabilityLooks;
-    co_return unavailability;
-  }
-  Task<DescribeOutcome> describe(FileURL url, std::optional<QString> known) override {
-    if (!holdsDescriptions && immediateDescriptions.empty()) co_return DescribeOutcome(description);
-    if (!holdsDescriptions) {
-      DescribeOutcome next = immediateDescriptions.front();
-      immediateDescriptions.erase(immediateDescriptions.begin());
-      described.push_back({url, known});
-      co_return next;
-    }
-    auto call = std::make_shared<Description>(Description{url, known, std::nullopt, nullptr, false});
-    descriptions.push_back(call);
-    ++describing;
-    mostDescribing = std::max(mostDescribing, describing);
-    Open<DescribeOutcome> open{call};
-    co_await open;
-    --describing;
-    co_return call->isCancelled ? DescribeOutcome(AnalysisCancelled()) : *call->value;
-  }
-  Task<std::optional<QString>> recognizeText(FileURL url) override {
-    if (!holdsReadings) {
-      read.push_back(url);
-      co_return text;
-    }
-    auto call = std::make_shared<Reading>(Reading{url, std::nullopt, std::nullopt, nullptr, false});
-    readings.push_back(call);
-    ++reading;
-    mostReading = std::max(mostReading, reading);
-    Open<std::optional<QString>> open{call};
-    co_await open;
-    --reading;
-    co_return call->isCancelled ? std::nullopt : *call->value;
-  }
+  Task<std::optional<AnalysisError::Unavailability>> availability() override;
+  Task<DescribeOutcome> describe(FileURL url, std::optional<QString> known) override;
+  Task<std::optional<QString>> recognizeText(FileURL url) override;
 
   template <typename Value>
   static void answer(const std::shared_ptr<Call<Value>>& call, Value value) {

@@ -17,26 +17,10 @@ class FakeWindowScanner {
     std::shared_ptr<Continuation> waiter;
   };
 
-  Task<Outcome> scan(FileURL url) {
-    auto call = std::make_shared<Call>(Call{url, std::nullopt, nullptr});
-    calls.push_back(call);
-    Open open{call};
-    co_await open;
-    co_return *call->outcome;
-  }
-  void answer(size_t index, Outcome outcome) {
-    calls[index]->outcome = std::move(outcome);
-    if (const auto waiter = std::exchange(calls[index]->waiter, nullptr)) waiter->resume();
-  }
+  Task<Outcome> scan(FileURL url);
+  void answer(size_t index, Outcome outcome);
   /// The picture with one window in it, or with none.
-  void answer(size_t index, const QImage& image, std::optional<QRectF> window) {
-    ImageOperations::WindowScan scan{image, {}};
-    if (window) {
-      scan.windows.emplace_back();
-      scan.windows.back().frame = *window;
-    }
-    answer(index, Outcome(scan));
-  }
+  void answer(size_t index, const QImage& image, std::optional<QRectF> window);
 
   std::vector<std::shared_ptr<Call>> calls;
 

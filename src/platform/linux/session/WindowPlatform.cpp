@@ -1,4 +1,4 @@
-#include "shell/WindowPlatform.h"
+#include "platform/linux/session/WindowPlatform.h"
 
 #include <QtCore/QStringList>
 #include <cstdio>

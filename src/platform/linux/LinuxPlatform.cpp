@@ -1,0 +1,87 @@
+#include "platform/linux/LinuxPlatform.h"
+
+#include "model/AppModel.h"
+#include "platform/linux/capture/ScreenCaptureAttributes.h"
+#include "platform/linux/files/CloudFiles.h"
+#include "platform/linux/session/WindowPlatform.h"
+
+namespace quillmere {
+namespace {
+
+/// Qt asks once whether a screen reader runs, when the accessibility bus appears, and never again; but one may start
+/// later. Being on that bus costs little while nobody listens there. For good, since the bus may appear at any time.
+void beAlwaysAccessible() {
+  constexpr const char* kAlwaysOn = "QT_LINUX_ACCESSIBILITY_ALWAYS_ON";
+  if (!qEnvironmentVariableIsSet(kAlwaysOn)) qputenv(kAlwaysOn, "1");
+}
+
+class LinuxPlatformStart final : public PlatformStart {
+ public:
+  LinuxPlatformStart() {
+    beAlwaysAccessible();
+    TerminationSignals::block();
+  }
+
+  std::unique_ptr<Platform> begin(PlatformRequests requests) override {
+    windowPlatform_.settle();
+    auto process = std::make_unique<LinuxProcess>(std::move(requests));
+    if (process->isOnly()) return std::make_unique<LinuxPlatform>(std::move(process));
+    ApplicationBus::activateOther();
+    return nullptr;
+  }
+
+ private:
+  WindowPlatform windowPlatform_;
+};
+
+}  // namespace
+
+std::unique_ptr<PlatformStart> startPlatform() {
+  return std::make_unique<LinuxPlatformStart>();
+}
+
+LinuxProcess::LinuxProcess(PlatformRequests requests)
+    : terminationSignals_(std::move(requests.terminate)),
+      bus_({std::move(requests.reopen), std::move(requests.perform)}) {}
+
+LinuxPlatform::LinuxPlatform(std::unique_ptr<LinuxProcess> process)
+    : process_(std::move(process)),
+      services_(process_->paths()),
+      session_(services_.executor, services_.systemEvents) {}
+
+bool LinuxPlatform::isDataless(const FileURL& url) const {
+  return CloudFiles::isDataless(url);
+}
+
+AppModelDependencies LinuxPlatform::modelDependencies() {
+  AppModelDependencies dependencies = services_.dependencies(process_->paths());
+  dependencies.interruptedSince = process_->interruptedSince();
+  return dependencies;
+}
+
+CapturePromptPanelController::Services LinuxPlatform::popupServices() {
+  CapturePromptPanelController::Services services;
+  services.executor = &services_.executor;
+  services.sharing = &services_.sharing;
+  services.windowSystem = &windowSystem_;
+  services.isDataless = &CloudFiles::isDataless;
+  services.captureRect = &ScreenCaptureAttributes::globalRect;
+  return services;
+}
+
+void LinuxPlatform::followAppearance(std::function<void(const Appearance&)> show) {
+  appearance_ = std::make_unique<DesktopAppearance>(services_.executor, AppearanceSources::live(), std::move(show));
+}
+
+void LinuxPlatform::follow(AppModel& model) {
+  modelFollower_ = model.changed.connect([this, &model](const ModelChange& change) {
+    if (change.field == ModelField::watchFolderURL) {
+      services_.securityScope.setWatchedFolder(*model.watchFolderURL);
+    } else if (change.field == ModelField::promptQueue || change.field == ModelField::popupAutoSaveEnabled) {
+      // A countdown stands still while the displays are off, which on X11 has to be asked.
+      session_.setWatchesScreens(*model.settings().popupAutoSaveEnabled && !model.prompts().queue->empty());
+    }
+  });
+}
+
+}  // namespace quillmere

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/linux/LiveServices.h"
+#include "platform/linux/appearance/DesktopAppearance.h"
+#include "platform/linux/panel/X11PanelWindowSystem.h"
+#include "platform/linux/session/ApplicationBus.h"
+#include "platform/linux/session/RunMarker.h"
+#include "platform/linux/session/SessionEvents.h"
+#include "platform/linux/session/TerminationSignals.h"
+#include "shell/Platform.h"
+
+namespace quillmere {
+
+/// This process among the others of its person: how it is reached, how it is ended, and whether it is the only one.
+class LinuxProcess {
+ public:
+  explicit LinuxProcess(PlatformRequests requests);
+
+  bool isOnly() const { return isNameOurs_ && !runMarker_.isTaken(); }
+  const ApplicationPaths& paths() const { return paths_; }
+  const std::optional<Date>& interruptedSince() const { return runMarker_.interruptedSince(); }
+
+ private:
+  TerminationSignals terminationSignals_;
+  ApplicationBus bus_;
+  ApplicationPaths paths_ = ApplicationPaths::standard();
+  bool isNameOurs_ = bus_.registerOnBus();
+  RunMarker runMarker_{paths_.runMarker, paths_.recordList};
+};
+
+/// The Linux desktop: freedesktop's services, and X11 for the popup.
+class LinuxPlatform final : public Platform {
+ public:
+  explicit LinuxPlatform(std::unique_ptr<LinuxProcess> process);
+
+  Executor& executor() override { return services_.executor; }
+  SystemEvents& systemEvents() override { return services_.systemEvents; }
+  bool isDataless(const FileURL& url) const override;
+  AppModelDependencies modelDependencies() override;
+  CapturePromptPanelController::Services popupServices() override;
+  void followAppearance(std::function<void(const Appearance&)> show) override;
+  void follow(AppModel& model) override;
+
+ private:
+  std::unique_ptr<LinuxProcess> process_;
+  LiveServices services_;
+  std::unique_ptr<DesktopAppearance> appearance_;
+  X11PanelWindowSystem windowSystem_;
+  SessionEvents session_;
+  Connection modelFollower_;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "controls/Appearance.h"
+#include "model/AppModelDependencies.h"
+#include "popup/CapturePromptPanelController.h"
+
+namespace quillmere {
+
+/// What others may ask of the running program.
+struct PlatformRequests {
+  std::function<void()> reopen;                        ///< it was started once more
+  std::function<void(const QString& action)> perform;  ///< an action of its launcher entry, by name
+  std::function<void()> terminate;                     ///< the session or a signal ends it; nobody can be asked
+};
+
+/// A desktop, as the program sees it: every service that is not the program's own. One folder of platform/ is built and
+/// implements it; nothing else in the tree knows which.
+class Platform {
+ public:
+  virtual ~Platform() = default;
+
+  virtual Executor& executor() = 0;
+  virtual SystemEvents& systemEvents() = 0;
+  /// Whether a file's data is elsewhere. Any thread.
+  virtual bool isDataless(const FileURL& url) const = 0;
+  /// What the model needs, less what the program's own windows bring.
+  virtual AppModelDependencies modelDependencies() = 0;
+  /// The same of the popup.
+  virtual CapturePromptPanelController::Services popupServices() = 0;
+  /// Tells how the desktop wants its programs to look, now and at each change.
+  virtual void followAppearance(std::function<void(const Appearance&)> show) = 0;
+  /// Lets the services follow what the model decides. The model may go first.
+  virtual void follow(AppModel& model) = 0;
+};
+
+/// The platform before there is an application object.
+class PlatformStart {
+ public:
+  virtual ~PlatformStart() = default;
+  /// Once the application object is there. Null when the program runs already for this person; that one has then been
+  /// asked to come to the front.
+  virtual std::unique_ptr<Platform> begin(PlatformRequests requests) = 0;
+};
+
+/// Before the application object, and while the main thread is the only one. The one function that a folder of
+/// platform/ gives to the program.
+std::unique_ptr<PlatformStart> startPlatform();
+
+}  // namespace quillmere
