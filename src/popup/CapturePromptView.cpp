@@ -55,15 +55,13 @@ void CapturePromptView::wire() {
   header_->onClose = [this] { closePrompt(); };
   preview_->onDragBegun = [this] { drag(lifetime_.weak(this)).detach(); };
   preview_->actions().onExtract = [this] { toggleExtraction(); };
-  preview_->actions().onCopyText = [this] { copyText(); };
-  preview_->actions().onShare = [this](QWidget& anchor) { share(lifetime_.weak(this), &anchor).detach(); };
+  preview_->actions().onAction = [this](PictureAction action, QWidget& button) { run(action, button); };
   details_->onAnalyze = [this] {
     if (content_) model_.startAnalysis(content_->item.id);
   };
   details_->onNameChanged = [this] { reportEdit(); };
   details_->nameField().installEventFilter(this);
-  textActions_->onCopyText = [this] { copyText(); };
-  textActions_->onShare = [this](QWidget& anchor) { share(lifetime_.weak(this), &anchor).detach(); };
+  textActions_->onAction = [this](PictureAction action, QWidget& button) { run(action, button); };
   noticeRow_->onVisibilityChanged = [this] {
     if (onExtraHeightChanged) onExtraHeightChanged();
   };

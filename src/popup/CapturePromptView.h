@@ -6,6 +6,7 @@
 #include "formats/ThumbnailLoader.h"
 #include "model/Sharing.h"
 #include "popup/CapturePromptContent.h"
+#include "popup/PictureAction.h"
 #include "popup/PromptActionGate.h"
 
 class QLineEdit;
@@ -66,6 +67,7 @@ class CapturePromptView final : public QWidget {
   void chooseTrash();
   bool handleNameKey(int key);
   void toggleExtraction();
+  void run(PictureAction action, QWidget& button);
   void copyText();
   void setCopyingText(bool isCopying);
   void tell(std::optional<PromptPreviewNotice> notice);

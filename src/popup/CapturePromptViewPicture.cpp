@@ -70,6 +70,17 @@ std::optional<QString> chooseTarget(AppModel& model, const UUID& id, const std::
 
 }  // namespace
 
+void CapturePromptView::run(PictureAction action, QWidget& button) {
+  switch (action) {
+    case PictureAction::copyText:
+      copyText();
+      break;
+    case PictureAction::share:
+      share(lifetime_.weak(this), &button).detach();
+      break;
+  }
+}
+
 // --- Extract Window ---
 
 void CapturePromptView::toggleExtraction() {
@@ -102,7 +113,7 @@ Task<> CapturePromptView::copyText(Weak<CapturePromptView> self) {
 
 void CapturePromptView::setCopyingText(bool isCopying) {
   isCopyingText_ = isCopying;
-  preview_->actions().setCopyingText(isCopying);
+  preview_->actions().setWorking(PictureAction::copyText, isCopying);
 }
 
 void CapturePromptView::tell(std::optional<PromptPreviewNotice> notice) {

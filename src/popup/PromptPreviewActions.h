@@ -2,9 +2,11 @@
 
 #include <QtWidgets/QWidget>
 #include <functional>
+#include <map>
 #include <vector>
 
 #include "popup/CapturePromptContent.h"
+#include "popup/PictureAction.h"
 
 namespace quillmere {
 
@@ -16,18 +18,18 @@ class PromptPreviewActions final : public QWidget {
   explicit PromptPreviewActions(QWidget* parent);
 
   void show(const CapturePromptContent& content);
-  void setCopyingText(bool isCopying);
+  /// Something is under way that the action began.
+  void setWorking(PictureAction action, bool isWorking);
 
   std::function<void()> onExtract;
-  std::function<void()> onCopyText;
-  std::function<void(QWidget& anchor)> onShare;
+  OnPictureAction onAction;
   /// For the order of the card's controls.
-  std::vector<QWidget*> controls() const;
+  const std::vector<QWidget*>& controls() const { return controls_; }
 
  private:
   PreviewButton* extract_;
-  PreviewButton* copyText_;
-  PreviewButton* share_;
+  std::map<PictureAction, PreviewButton*> buttons_;
+  std::vector<QWidget*> controls_;
 };
 
 }  // namespace quillmere

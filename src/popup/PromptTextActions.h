@@ -1,26 +1,23 @@
 #pragma once
 
 #include <QtWidgets/QWidget>
-#include <functional>
 #include <vector>
 
-namespace quillmere {
+#include "popup/PictureAction.h"
 
-class ActionButton;
+namespace quillmere {
 
 /// What can be done with the picture where no preview shows it.
 class PromptTextActions final : public QWidget {
  public:
   explicit PromptTextActions(QWidget* parent);
 
-  std::function<void()> onCopyText;
-  std::function<void(QWidget& anchor)> onShare;
+  OnPictureAction onAction;
   /// For the order of the card's controls.
-  std::vector<QWidget*> controls() const;
+  const std::vector<QWidget*>& controls() const { return controls_; }
 
  private:
-  ActionButton* copyText_;
-  ActionButton* share_;
+  std::vector<QWidget*> controls_;
 };
 
 }  // namespace quillmere

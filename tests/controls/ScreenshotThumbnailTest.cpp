@@ -274,7 +274,7 @@ TEST_F(ScreenshotThumbnailTest, AnotherScreenshotNeverShowsTheEarlierPicture) {
   EXPECT_NE(colourAt(100, 50), QColor(Qt::red));
 }
 
-TEST_F(ScreenshotThumbnailTest, APictureThatTurnsUnreadableHasAPlaceholder) {
+TEST_F(ScreenshotThumbnailTest, APictureThatTurnsUnreadableHasASymbol) {
   Content picture = content(write("a.png", Qt::red));
   show(picture);
   writeFile(picture.url, "no picture");
@@ -284,7 +284,7 @@ TEST_F(ScreenshotThumbnailTest, APictureThatTurnsUnreadableHasAPlaceholder) {
   EXPECT_NE(colourAt(100, 50), QColor(Qt::red));
 }
 
-// --- Placeholders ---
+// --- Symbols in place of a picture ---
 
 TEST_F(ScreenshotThumbnailTest, AnEvictedFileSaysHowToBringItBack) {
   const FileURL url = write("a.png", Qt::red);
@@ -315,15 +315,15 @@ TEST_F(ScreenshotThumbnailTest, KnownToBeElsewhereItIsNotEvenLookedFor) {
   EXPECT_EQ(colourAt(100, 50), QColor(Qt::red));
 }
 
-TEST_F(ScreenshotThumbnailTest, AnUnreadableFileHasAPlainPlaceholder) {
+TEST_F(ScreenshotThumbnailTest, AnUnreadableFileHasAPlainSymbol) {
   writeFile(folder.file("a.png"), "no picture");
   show(content(folder.file("a.png")));
   EXPECT_TRUE(isUnreadable());
   EXPECT_EQ(view.toolTip(), QString());
   const QImage plain = view.grab().toImage();
-  Content evicted = content(folder.file("a.png"));
-  evicted.hasImageData = false;
-  show(evicted);
+  Content notHere = content(folder.file("a.png"));
+  notHere.hasImageData = false;
+  show(notHere);
   EXPECT_NE(view.grab().toImage(), plain);
 }
 
@@ -333,7 +333,7 @@ TEST_F(ScreenshotThumbnailTest, ToolTipsOfItsOwnerStay) {
   EXPECT_EQ(view.toolTip(), QStringLiteral("Mine"));
 }
 
-TEST_F(ScreenshotThumbnailTest, PlaceholdersFollowTheColoursOfTheDesktop) {
+TEST_F(ScreenshotThumbnailTest, SymbolsFollowTheColoursOfTheDesktop) {
   Content picture = content(folder.file("a.png"));
   picture.hasImageData = false;
   show(picture);
@@ -343,7 +343,7 @@ TEST_F(ScreenshotThumbnailTest, PlaceholdersFollowTheColoursOfTheDesktop) {
   EXPECT_NE(view.grab().toImage(), light);
 }
 
-TEST_F(ScreenshotThumbnailTest, NoPlaceholderIsTooLargeForItsPlace) {
+TEST_F(ScreenshotThumbnailTest, NoSymbolIsTooLargeForItsPlace) {
   Content picture = content(folder.file("a.png"));
   picture.hasImageData = false;
   for (const QSize size : {QSize(64, 44), QSize(20, 20), QSize(3, 3), QSize(1, 1), QSize(408, 96)}) {
