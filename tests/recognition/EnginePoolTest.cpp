@@ -1,5 +1,6 @@
 #include "recognition/EnginePool.h"
 
+#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <unistd.h>
 #include <atomic>
