@@ -85,6 +85,7 @@ TEST(EnginePool, DropsWhatHasNotBegunWhenItEnds) {
     both.arrive_and_wait();
     // Its destruction tells when the pool has dropped it.
     struct Teller {
+      explicit Teller(std::atomic<bool>& toRaise) : flag(toRaise) {}
       std::atomic<bool>& flag;
       ~Teller() { flag = true; }
     };
