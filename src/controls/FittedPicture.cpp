@@ -9,8 +9,9 @@
 namespace quillmere {
 
 QRectF FittedPicture::placeIn(const QRect& frame, Qt::Alignment alignment, qreal displayScale) const {
-  const QRect pixels(QPoint(qCeil(frame.x() * displayScale), qCeil(frame.y() * displayScale)),
-                     QSize(qFloor(frame.width() * displayScale), qFloor(frame.height() * displayScale)));
+  const QRectF exact(QPointF(frame.topLeft()) * displayScale, QSizeF(frame.size()) * displayScale);
+  const QPoint topLeft(qCeil(exact.left()), qCeil(exact.top()));
+  const QRect pixels(topLeft, QSize(qFloor(exact.right()) - topLeft.x(), qFloor(exact.bottom()) - topLeft.y()));
   QSizeF size = QSizeF(image_.size()) / scale_ * displayScale;
   if (size.width() > pixels.width() || size.height() > pixels.height()) size.scale(pixels.size(), Qt::KeepAspectRatio);
   const QSize whole(std::max(1, qRound(size.width())), std::max(1, qRound(size.height())));

@@ -29,8 +29,9 @@ QPixmap symbolPixmap(const QString& name, int points, const QColor& color, qreal
   pixmap.setDevicePixelRatio(devicePixelRatio);
   pixmap.fill(Qt::transparent);
   QPainter painter(&pixmap);
-  painter.setOpacity(color.alphaF());
   renderer.render(&painter, QRectF(0, 0, points, points));
+  painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+  painter.fillRect(QRect(0, 0, points, points), color);
   painter.end();
   QPixmapCache::insert(key, pixmap);
   return pixmap;

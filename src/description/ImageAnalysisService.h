@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <utility>
 
 #include "description/DescribeOutcome.h"
 #include "description/LanguageModel.h"
@@ -21,7 +22,7 @@ class ImageAnalysisService {
   /// `recognizedText` helps the model, and its words are checked against it. Where that text is what the model stumbles
   /// over, it is asked once more about the picture alone.
   Task<DescribeOutcome> describe(FileURL url, std::optional<QString> recognizedText) {
-    return describe(model_, executor_, url, recognizedText);
+    return describe(model_, executor_, std::move(url), std::move(recognizedText));
   }
 
  private:

@@ -31,7 +31,7 @@ bool repeatsDecision(const QKeyEvent& event) {
 
 CapturePromptView::CapturePromptView(Services services, QWidget* parent)
     : QWidget(parent),
-      services_(std::move(services)),
+      services_(services),
       model_(*services_.model),
       header_(new PromptHeader(this)),
       preview_(new PromptPreview(*services_.executor, *services_.thumbnails, this)),

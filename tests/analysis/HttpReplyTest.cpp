@@ -1,5 +1,7 @@
 #include "analysis/HttpReply.h"
 
+#include <gtest/gtest.h>
+
 #include "support/Printing.h"
 
 namespace quillmere {

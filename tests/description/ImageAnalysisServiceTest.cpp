@@ -1,5 +1,7 @@
 #include "description/ImageAnalysisService.h"
 
+#include <gtest/gtest.h>
+
 #include "description/FakeLanguageModel.h"
 #include "description/ModelQuestion.h"
 #include "foundation/ManualExecutor.h"

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <random>
 
-#include "description/StopWords.h"
 #include "support/Printing.h"
 
 namespace quillmere::testing {
@@ -136,11 +135,6 @@ TEST(EditDistance, IsThatOfThePlainTableOnRandomWords) {
     const size_t limit = random() % 4;
     EXPECT_EQ(editDistance(a, b, limit), std::min(table[a.size()][b.size()], limit + 1)) << "seed " << seed;
   }
-}
-
-TEST(StopWords, AreTheListAsItStands) {
-  for (const char* word : {"about", "dashboard", "login", "screenshot", "your"}) EXPECT_TRUE(isStopWord(text(word)));
-  for (const char* word : {"", "About", "nike", "about above", "ferrari"}) EXPECT_FALSE(isStopWord(text(word))) << word;
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "description/ModelQuestion.h"
 
+#include <gtest/gtest.h>
 #include <QtCore/QJsonArray>
 
 #include "support/Printing.h"

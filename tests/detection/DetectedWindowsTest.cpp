@@ -1,5 +1,7 @@
 #include "detection/DetectedWindows.h"
 
+#include <gtest/gtest.h>
+
 #include "support/DrawnPictures.h"
 
 namespace quillmere::ImageOperations {

@@ -12,10 +12,11 @@ enum Side { kLeft, kTop, kRight, kBottom };
 inline double middleMean(std::vector<int> values) {
   std::sort(values.begin(), values.end());
   const size_t n = values.size();
-  const size_t end = std::max(n / 4 + 1, 3 * n / 4);
+  const size_t begin = n / 4;
+  const size_t end = std::max(begin + 1, 3 * n / 4);
   double sum = 0;
-  for (size_t i = n / 4; i < end; ++i) sum += values[i];
-  return sum / static_cast<double>(end - n / 4);
+  for (size_t i = begin; i < end; ++i) sum += values[i];
+  return sum / static_cast<double>(end - begin);
 }
 
 inline std::optional<std::vector<double>> brightnessProfile(int side, const Gray& gray, const QRectF& frame,

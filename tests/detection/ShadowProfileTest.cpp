@@ -1,5 +1,7 @@
 #include "detection/ShadowProfile.h"
 
+#include <gtest/gtest.h>
+
 #include "detection/PlainShadow.h"
 #include "support/RandomPictures.h"
 

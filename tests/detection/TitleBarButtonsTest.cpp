@@ -1,5 +1,7 @@
 #include "detection/TitleBarButtons.h"
 
+#include <gtest/gtest.h>
+
 #include "detection/PlainButtons.h"
 #include "support/RandomPictures.h"
 

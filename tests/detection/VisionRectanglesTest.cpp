@@ -1,5 +1,7 @@
 #include "detection/VisionRectangles.h"
 
+#include <gtest/gtest.h>
+
 #include "pixels/PixelRects.h"
 #include "support/DrawnPictures.h"
 

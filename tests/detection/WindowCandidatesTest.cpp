@@ -1,5 +1,7 @@
 #include "detection/WindowCandidates.h"
 
+#include <gtest/gtest.h>
+
 #include "detection/DrawnEdges.h"
 #include "support/RandomPictures.h"
 

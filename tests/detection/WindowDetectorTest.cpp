@@ -1,5 +1,7 @@
 #include "detection/WindowDetector.h"
 
+#include <gtest/gtest.h>
+
 #include "detection/PlainDetector.h"
 #include "support/RandomPictures.h"
 
@@ -191,9 +193,9 @@ TEST(WindowDetectorTest, ThePictureIsUsedAtFullSizeWhateverItIs) {
 }
 
 TEST(WindowDetectorTest, DashedOutlinesAreDrawnButNotSolid) {
-  // The covering window's outline is dashed with runs below 16 where it crosses the other: no score is ahead.
   const QRectF below(40, 40, 300, 250);
-  const QRectF above(290, 240, 250, 200);
+  // The covering window, 250 by 200 at (290, 240), has dashes below 16 where its outline crosses the other: no score is
+  // ahead.
   plain::Gray gray(600, 500, 220);
   pictures::outline(gray, below, 60);
   dash(gray, true, 291, 241, 440, 11, 3);

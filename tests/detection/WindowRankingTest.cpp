@@ -1,5 +1,7 @@
 #include "detection/WindowRanking.h"
 
+#include <gtest/gtest.h>
+
 #include "support/DrawnPictures.h"
 
 namespace quillmere::WindowDetector {

@@ -289,8 +289,8 @@ TEST_F(ImageFileTest, AJpegOfAnySidesHasTheThumbnailOfItsPicture) {
         for (int y = 0; y < small.height(); ++y) {
           for (int x = 0; x < small.width(); ++x) {
             // Nowhere further away than half a pixel, and what the compression makes of colours.
-            ASSERT_NEAR(qRed(small.pixel(x, y)), qRed(expected.pixel(x, y)), 8 + 128 / stored.width());
-            ASSERT_NEAR(qGreen(small.pixel(x, y)), qGreen(expected.pixel(x, y)), 8 + 128 / stored.height());
+            ASSERT_NEAR(qRed(small.pixel(x, y)), qRed(expected.pixel(x, y)), 8 + 128.0 / stored.width());
+            ASSERT_NEAR(qGreen(small.pixel(x, y)), qGreen(expected.pixel(x, y)), 8 + 128.0 / stored.height());
           }
         }
       }

@@ -5,7 +5,7 @@
 
 #include "formats/ImageEncoding.h"
 #include "formats/Pictures.h"
-#include "formats/TiffResolution.h"
+#include "formats/Tiffs.h"
 #include "support/Files.h"
 #include "support/Images.h"
 #include "support/TemporaryFolder.h"
@@ -16,30 +16,11 @@ namespace {
 using testing::bigEndian32;
 using testing::pngChunk;
 using testing::TemporaryFolder;
+using testing::tiff;
 
 std::string resolutionChunk(double dpi, char unit = 1) {
   const std::string number = bigEndian32(static_cast<uint32_t>(std::lround(dpi / 0.0254)));
   return pngChunk("pHYs", number + number + unit);
-}
-
-std::string littleEndian(uint32_t number, int bytes) {
-  std::string result;
-  for (int i = 0; i < bytes; ++i) result.push_back(static_cast<char>(number >> 8 * i));
-  return result;
-}
-std::string bigEndian(uint32_t number, int bytes) {
-  return bigEndian32(number).substr(static_cast<size_t>(4 - bytes));
-}
-
-/// A directory with a resolution and, if wanted, its unit.
-std::string tiff(uint32_t numerator, uint32_t denominator, std::optional<uint32_t> unit,
-                 std::string (*number)(uint32_t, int) = &bigEndian) {
-  const uint32_t count = unit ? 2 : 1;
-  const uint32_t place = 8 + 2 + count * 12 + 4;
-  std::string result = (number == &bigEndian ? "MM" : "II") + number(42, 2) + number(8, 4) + number(count, 2);
-  result += number(282, 2) + number(5, 2) + number(1, 4) + number(place, 4);
-  if (unit) result += number(296, 2) + number(3, 2) + number(1, 4) + number(*unit, 2) + number(0, 2);
-  return result + number(0, 4) + number(numerator, 4) + number(denominator, 4);
 }
 
 /// A JPEG whose own head says so many dots; unit 1 is the inch, 2 the centimetre.
@@ -159,32 +140,6 @@ TEST_F(ImageScale, OfAHeicComesFromItsCameraData) {
   heif_image_handle_release(handle);
   heif_context_free(context);
   EXPECT_EQ(scaleOf(bytes), 2);
-}
-
-TEST(TiffResolution, IsReadInEitherOrderOfBytes) {
-  EXPECT_EQ(tiffResolution(tiff(144, 1, 2)), 144);
-  EXPECT_EQ(tiffResolution(tiff(144, 1, 2, &littleEndian)), 144);
-  EXPECT_EQ(tiffResolution(tiff(287, 2, 2)), 143.5);
-}
-
-TEST(TiffResolution, IsInInchesUnlessTheUnitSaysOtherwise) {
-  EXPECT_EQ(tiffResolution(tiff(72, 1, std::nullopt)), 72);
-  EXPECT_EQ(tiffResolution(tiff(100, 1, 3)), 254);
-  EXPECT_EQ(tiffResolution(tiff(72, 1, 1)), std::nullopt) << "no unit of length";
-  EXPECT_EQ(tiffResolution(tiff(72, 1, 9)), std::nullopt);
-}
-
-TEST(TiffResolution, IsNoneOfNonsense) {
-  EXPECT_EQ(tiffResolution({}), std::nullopt);
-  EXPECT_EQ(tiffResolution("MM"), std::nullopt);
-  EXPECT_EQ(tiffResolution("XX" + tiff(72, 1, 2).substr(2)), std::nullopt);
-  EXPECT_EQ(tiffResolution(tiff(72, 0, 2)), std::nullopt);
-  EXPECT_EQ(tiffResolution(tiff(0, 1, 2)), std::nullopt);
-  EXPECT_EQ(tiffResolution(std::string("MM\0*\xff\xff\xff\xff", 8)), std::nullopt);
-  const std::string whole = tiff(72, 1, 2);
-  for (size_t length = 0; length < whole.size(); ++length) {
-    EXPECT_EQ(tiffResolution(std::string_view(whole).substr(0, length)), std::nullopt) << length;
-  }
 }
 
 }  // namespace

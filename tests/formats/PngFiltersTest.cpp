@@ -1,5 +1,6 @@
 #include "formats/PngFilters.h"
 
+#include <gtest/gtest.h>
 #include <QtGui/QRgb>
 #include <array>
 #include <random>

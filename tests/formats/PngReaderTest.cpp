@@ -219,7 +219,7 @@ TEST_F(PngReaderTest, ColourSpaceAndResolutionAreThoseOfTheGeneralReader) {
   const std::string srgb = pngChunk("sRGB", std::string(1, '\0'));
   const std::string gamma = pngChunk("gAMA", bigEndian32(45455));
   const std::string otherGamma = pngChunk("gAMA", bigEndian32(100000));
-  const auto chromaticities = [](std::vector<uint32_t> numbers) {
+  const auto chromaticities = [](const std::vector<uint32_t>& numbers) {
     std::string data;
     for (const uint32_t number : numbers) data += bigEndian32(number);
     return pngChunk("cHRM", data);

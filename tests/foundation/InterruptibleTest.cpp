@@ -1,5 +1,7 @@
 #include "foundation/Interruptible.h"
 
+#include <gtest/gtest.h>
+
 #include "foundation/ManualExecutor.h"
 
 namespace quillmere {

@@ -1,5 +1,7 @@
 #include "foundation/LanguageName.h"
 
+#include <gtest/gtest.h>
+
 #include "support/Printing.h"
 
 namespace quillmere {

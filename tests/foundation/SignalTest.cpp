@@ -39,7 +39,7 @@ TEST(Signal, ConnectionCanBeMovedAndReset) {
   int calls = 0;
   Connection first = signal.connect([&] { ++calls; });
   Connection second = std::move(first);
-  EXPECT_FALSE(first);
+  EXPECT_FALSE(first);  // NOLINT(bugprone-use-after-move): a connection promises to be empty then
   EXPECT_TRUE(second);
   signal();
   second.reset();

@@ -22,12 +22,10 @@ class PlainLanczos {
     int width;
     int height;
     std::vector<double> values;
-    double& at(int x, int y, int channel) { return values[static_cast<size_t>(4 * (y * width + x) + channel)]; }
-    double at(int x, int y, int channel) const { return values[static_cast<size_t>(4 * (y * width + x) + channel)]; }
+    double& at(int x, int y, int channel) { return values[4 * (y * width + x) + channel]; }
+    double at(int x, int y, int channel) const { return values[4 * (y * width + x) + channel]; }
   };
-  static Picture empty(int width, int height) {
-    return {width, height, std::vector<double>(static_cast<size_t>(4 * width * height))};
-  }
+  static Picture empty(int width, int height) { return {width, height, std::vector<double>(4 * width * height)}; }
   static Picture of(const QImage& image) {
     Picture picture = empty(image.width(), image.height());
     for (int y = 0; y < image.height(); ++y) {

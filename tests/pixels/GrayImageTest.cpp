@@ -1,5 +1,7 @@
 #include "pixels/GrayImage.h"
 
+#include <gtest/gtest.h>
+
 #include "support/RandomPictures.h"
 
 namespace quillmere {

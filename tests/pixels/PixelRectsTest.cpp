@@ -1,5 +1,7 @@
 #include "pixels/PixelRects.h"
 
+#include <gtest/gtest.h>
+
 namespace quillmere {
 namespace {
 

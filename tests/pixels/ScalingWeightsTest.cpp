@@ -72,7 +72,7 @@ TEST(ScalingWeightsTest, BothEndsAreTreatedAlike) {
   std::vector<int> backward(forward);
   for (const int i : {0, 1, 7}) {
     for (int tap = 0; tap < plan.taps; ++tap) {
-      const auto place = [&](int pixel) { return static_cast<size_t>(plan.firsts[static_cast<size_t>(pixel)] + tap); };
+      const auto place = [&](int pixel) -> size_t { return plan.firsts[static_cast<size_t>(pixel)] + tap; };
       if (place(i) < forward.size()) forward[place(i)] = plan.weightsOf(i)[tap];
       const int mirrored = plan.to - 1 - i;
       if (place(mirrored) < forward.size())

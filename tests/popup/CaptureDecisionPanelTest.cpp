@@ -1,5 +1,6 @@
 #include "popup/CaptureDecisionPanel.h"
 
+#include <gtest/gtest.h>
 #include <QtGui/QAccessible>
 #include <QtTest/QTest>
 #include <QtWidgets/QPushButton>

@@ -1,5 +1,6 @@
 #include "popup/CardShadow.h"
 
+#include <gtest/gtest.h>
 #include <algorithm>
 #include <cmath>
 

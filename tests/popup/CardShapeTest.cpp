@@ -1,5 +1,7 @@
 #include "popup/CardShape.h"
 
+#include <gtest/gtest.h>
+
 namespace quillmere {
 namespace {
 

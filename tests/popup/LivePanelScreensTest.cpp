@@ -1,5 +1,6 @@
 #include "popup/LivePanelScreens.h"
 
+#include <gtest/gtest.h>
 #include <QtGui/QCursor>
 #include <QtGui/QGuiApplication>
 

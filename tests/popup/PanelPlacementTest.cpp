@@ -1,5 +1,7 @@
 #include "popup/PanelPlacement.h"
 
+#include <gtest/gtest.h>
+
 namespace quillmere {
 
 inline void PrintTo(const PanelScreen& screen, std::ostream* out) {

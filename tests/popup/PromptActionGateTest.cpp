@@ -1,5 +1,7 @@
 #include "popup/PromptActionGate.h"
 
+#include <gtest/gtest.h>
+
 namespace quillmere {
 namespace {
 

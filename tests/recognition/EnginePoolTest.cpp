@@ -1,5 +1,6 @@
 #include "recognition/EnginePool.h"
 
+#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <unistd.h>
 #include <atomic>
@@ -84,6 +85,7 @@ TEST(EnginePool, DropsWhatHasNotBegunWhenItEnds) {
     both.arrive_and_wait();
     // Its destruction tells when the pool has dropped it.
     struct Teller {
+      explicit Teller(std::atomic<bool>& toRaise) : flag(toRaise) {}
       std::atomic<bool>& flag;
       ~Teller() { flag = true; }
     };

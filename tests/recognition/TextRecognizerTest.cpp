@@ -1,5 +1,6 @@
 #include "recognition/TextRecognizer.h"
 
+#include <gtest/gtest.h>
 #include <QtCore/QBuffer>
 #include <QtGui/QPainter>
 #include <filesystem>

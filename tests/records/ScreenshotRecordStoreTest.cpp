@@ -164,7 +164,8 @@ TEST_F(ScreenshotRecordStoreTest, LargeGarbageIsCopiedWhole) {
 }
 
 TEST_F(ScreenshotRecordStoreTest, LargeGarbageWithoutNulsIsCopiedWhole) {
-  const std::string bytes(24'000'000, '"');
+  std::string bytes;
+  bytes.resize(24'000'000, '"');
   writeFile(file, bytes);
   EXPECT_TRUE(store.load(kNow).items.empty());
   EXPECT_TRUE(readBytes(folder.file(kUnreadable)) == bytes);

@@ -206,7 +206,7 @@ using quillmere::testing::Call;
 using quillmere::testing::carryOut;
 using quillmere::testing::judge;
 
-/// libc's own function of this type and name.
+/// libc's own function of this type and name; a type in parentheses would be none, which the check here does not see.
 #define REAL(type, name) \
   static const auto real = reinterpret_cast<type>(::dlsym(RTLD_NEXT, name));  // NOLINT(bugprone-macro-parentheses)
 

@@ -4,6 +4,7 @@
 #include "support/PrivateEnvironment.h"
 
 /// The encoder of HEVC frees its own memory but for a kilobyte a picture.
+// NOLINTNEXTLINE(clang-diagnostic-reserved-identifier): the leak checker asks by this name
 extern "C" const char* __lsan_default_suppressions() {
   return "leak:libx265\n";
 }

@@ -24,7 +24,7 @@ void speak(const Message& message) {
   constexpr int kStartsService = 0;
   SPDConnection* connection =
       spd_open2("quillmere", "announcer", nullptr, SPD_MODE_SINGLE, nullptr, kStartsService, &error);
-  std::free(error);  // NOLINT(cppcoreguidelines-no-malloc): the library's way
+  std::free(error);  // the library's way
   if (!connection) return;
   spd_say(connection, message.priority, message.text.constData());
   spd_close(connection);

@@ -13,7 +13,7 @@ namespace quillmere {
 namespace {
 
 struct Free {
-  void operator()(void* reply) const { std::free(reply); }  // NOLINT(cppcoreguidelines-no-malloc): xcb's way
+  void operator()(void* reply) const { std::free(reply); }  // xcb's way
 };
 template <typename Reply>
 using ReplyOf = std::unique_ptr<Reply, Free>;

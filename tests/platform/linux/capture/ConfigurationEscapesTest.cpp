@@ -1,5 +1,6 @@
 #include "platform/linux/capture/ConfigurationEscapes.h"
 
+#include <gtest/gtest.h>
 #include <QtCore/QSettings>
 #include <QtCore/QTemporaryDir>
 

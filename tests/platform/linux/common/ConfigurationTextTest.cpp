@@ -1,5 +1,7 @@
 #include "platform/linux/common/ConfigurationText.h"
 
+#include <gtest/gtest.h>
+
 namespace quillmere {
 namespace {
 

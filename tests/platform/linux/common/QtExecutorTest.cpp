@@ -1,5 +1,6 @@
 #include "platform/linux/common/QtExecutor.h"
 
+#include <gtest/gtest.h>
 #include <atomic>
 #include <thread>
 

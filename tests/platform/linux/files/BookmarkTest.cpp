@@ -1,5 +1,6 @@
 #include "platform/linux/files/Bookmark.h"
 
+#include <gtest/gtest.h>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 

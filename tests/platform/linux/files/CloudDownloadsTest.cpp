@@ -1,5 +1,6 @@
 #include "model/CloudDownloads.h"
 
+#include <gmock/gmock.h>
 #include <sys/xattr.h>
 
 #include "foundation/ManualExecutor.h"

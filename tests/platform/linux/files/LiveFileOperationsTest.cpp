@@ -1,6 +1,7 @@
 #include "platform/linux/files/LiveFileOperations.h"
 
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
 #include <unistd.h>

@@ -1,5 +1,6 @@
 #include "platform/linux/panel/X11CardShape.h"
 
+#include <gtest/gtest.h>
 #include <algorithm>
 
 #include "popup/CardShape.h"

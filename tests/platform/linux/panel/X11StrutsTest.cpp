@@ -1,5 +1,7 @@
 #include "platform/linux/panel/X11Struts.h"
 
+#include <gtest/gtest.h>
+
 namespace quillmere {
 
 inline void PrintTo(const QRect& rect, std::ostream* out) {

@@ -1,5 +1,6 @@
 #include "platform/linux/session/ApplicationBus.h"
 
+#include <gtest/gtest.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>

@@ -1,5 +1,6 @@
 #include "platform/linux/session/ScreenPower.h"
 
+#include <gmock/gmock.h>
 #include <vector>
 
 #include "foundation/ManualExecutor.h"

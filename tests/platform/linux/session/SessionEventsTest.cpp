@@ -1,5 +1,6 @@
 #include "platform/linux/session/SessionEvents.h"
 
+#include <gmock/gmock.h>
 #include <unistd.h>
 
 #include "foundation/ManualExecutor.h"

@@ -1,5 +1,6 @@
 #include "platform/linux/sharing/LivePasteboard.h"
 
+#include <gtest/gtest.h>
 #include <QtCore/QMimeData>
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>

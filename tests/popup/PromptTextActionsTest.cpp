@@ -1,0 +1,32 @@
+#include "popup/PromptTextActions.h"
+
+#include <gtest/gtest.h>
+#include <QtTest/QTest>
+#include <QtWidgets/QPushButton>
+
+#include "support/Printing.h"
+
+namespace quillmere {
+namespace {
+
+TEST(PromptTextActions, SayWhatTheyDoAndDoIt) {
+  PromptTextActions actions(nullptr);
+  const auto controls = actions.controls();
+  ASSERT_EQ(controls.size(), 2u);
+  const auto& copyText = dynamic_cast<QPushButton&>(*controls[0]);
+  const auto& share = dynamic_cast<QPushButton&>(*controls[1]);
+  EXPECT_EQ(copyText.text(), QStringLiteral("Copy Text"));
+  EXPECT_EQ(copyText.toolTip(), QStringLiteral("Copy the text in this screenshot"));
+  EXPECT_EQ(share.text(), QStringLiteral("Share"));
+  EXPECT_EQ(share.toolTip(), QStringLiteral("Share this screenshot"));
+  int copied = 0;
+  const QWidget* sharedAt = nullptr;
+  actions.onCopyText = [&] { ++copied; };
+  actions.onShare = [&](const QWidget& anchor) { sharedAt = &anchor; };
+  for (QWidget* control : controls) QTest::mouseClick(control, Qt::LeftButton);
+  EXPECT_EQ(copied, 1);
+  EXPECT_EQ(sharedAt, &share) << "the menu opens under its button";
+}
+
+}  // namespace
+}  // namespace quillmere
