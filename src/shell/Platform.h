@@ -24,7 +24,7 @@ class Platform {
 
   virtual Executor& executor() = 0;
   virtual SystemEvents& systemEvents() = 0;
-  /// Whether a file's data is elsewhere. Any thread.
+  /// Whether a file is dataless. Any thread.
   virtual bool isDataless(const FileURL& url) const = 0;
   /// What the model needs, less what the program's own windows bring.
   virtual AppModelDependencies modelDependencies() = 0;

@@ -16,6 +16,7 @@
 #include "popup/PreviewButton.h"
 #include "popup/PromptErrorBanner.h"
 #include "popup/PromptPreview.h"
+#include "popup/PromptPreviewActions.h"
 #include "popup/PromptPreviewNoticeView.h"
 
 namespace quillmere {
@@ -355,7 +356,7 @@ TEST_F(CapturePromptViewTest, AFailureThatMayPassOffersToTryAgain) {
   model->startAnalysis(id);
   refresh();
   ASSERT_TRUE(button("Analyze Again")->isVisible());
-  button("Share")->setFocus();
+  part<PromptPreviewActions>().controls().back()->setFocus();
   press(Qt::Key_Tab);
   EXPECT_EQ(QApplication::focusWidget(), button("Analyze Again")) << "where it stands on the card";
   press(Qt::Key_Tab);
