@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <QtTest/QTest>
+#include <map>
 
 #include "popup/PreviewButton.h"
 
@@ -22,14 +23,14 @@ class PromptPreviewActionsTest : public ::testing::Test {
 };
 
 TEST_F(PromptPreviewActionsTest, EachButtonDoesItsOwn) {
-  std::string done;
-  const QWidget* sharedAt = nullptr;
-  actions.onExtract = [&] { done += 'e'; };
-  actions.onCopyText = [&] { done += 'c'; };
-  actions.onShare = [&](const QWidget& anchor) { sharedAt = &anchor; };
+  int extractions = 0;
+  std::map<PictureAction, const QWidget*> done;
+  actions.onExtract = [&] { ++extractions; };
+  actions.onAction = [&](PictureAction action, const QWidget& pressed) { done[action] = &pressed; };
   for (QWidget* control : actions.controls()) QTest::mouseClick(control, Qt::LeftButton);
-  EXPECT_EQ(done, "ec");
-  EXPECT_EQ(sharedAt, actions.controls().at(2)) << "the menu opens under its button";
+  EXPECT_EQ(extractions, 1);
+  EXPECT_EQ(done.at(PictureAction::copyText), actions.controls().at(1));
+  EXPECT_EQ(done.at(PictureAction::share), actions.controls().at(2)) << "the menu opens under its button";
 }
 
 TEST_F(PromptPreviewActionsTest, ExtractWindowTellsHowFarItIs) {
@@ -51,7 +52,7 @@ TEST_F(PromptPreviewActionsTest, ExtractWindowTellsHowFarItIs) {
 }
 
 TEST_F(PromptPreviewActionsTest, CopyingTextWorksByItself) {
-  actions.setCopyingText(true);
+  actions.setWorking(PictureAction::copyText, true);
   EXPECT_TRUE(button(1).isWorking());
   show(std::nullopt);
   EXPECT_TRUE(button(1).isWorking()) << "whatever else changes on the card";

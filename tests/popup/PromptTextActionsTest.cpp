@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 #include <QtTest/QTest>
 #include <QtWidgets/QPushButton>
+#include <map>
 
+#include "popup/PictureAction.h"
 #include "support/Printing.h"
 
 namespace quillmere {
@@ -19,13 +21,11 @@ TEST(PromptTextActions, SayWhatTheyDoAndDoIt) {
   EXPECT_EQ(copyText.toolTip(), QStringLiteral("Copy the text in this screenshot"));
   EXPECT_EQ(share.text(), QStringLiteral("Share"));
   EXPECT_EQ(share.toolTip(), QStringLiteral("Share this screenshot"));
-  int copied = 0;
-  const QWidget* sharedAt = nullptr;
-  actions.onCopyText = [&] { ++copied; };
-  actions.onShare = [&](const QWidget& anchor) { sharedAt = &anchor; };
+  std::map<PictureAction, const QWidget*> done;
+  actions.onAction = [&](PictureAction action, const QWidget& button) { done[action] = &button; };
   for (QWidget* control : controls) QTest::mouseClick(control, Qt::LeftButton);
-  EXPECT_EQ(copied, 1);
-  EXPECT_EQ(sharedAt, &share) << "the menu opens under its button";
+  EXPECT_EQ(done.at(PictureAction::copyText), &copyText);
+  EXPECT_EQ(done.at(PictureAction::share), &share) << "the menu opens under its button";
 }
 
 }  // namespace

@@ -1,0 +1,80 @@
+#include "shell/Confirmations.h"
+
+#include <gtest/gtest.h>
+#include <QtCore/QTimer>
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPushButton>
+
+#include "support/Printing.h"
+
+namespace quillmere {
+namespace {
+
+/// What the question gives when it is answered so.
+bool answer(const std::function<bool()>& question, const std::function<void(QMessageBox&)>& how) {
+  bool isSeen = false;
+  QTimer::singleShot(0, [&] {
+    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    ASSERT_TRUE(box);
+    isSeen = true;
+    how(*box);
+    box->close();
+  });
+  const bool isConfirmed = question();
+  EXPECT_TRUE(isSeen);
+  return isConfirmed;
+}
+QPushButton* confirming(const QMessageBox& box) {
+  for (QAbstractButton* button : box.buttons()) {
+    if (box.buttonRole(button) == QMessageBox::DestructiveRole) return qobject_cast<QPushButton*>(button);
+  }
+  return nullptr;
+}
+
+struct Question {
+  const char* text;
+  const char* details;
+  const char* action;
+  std::function<bool()> ask;
+};
+class ConfirmationsTest : public ::testing::TestWithParam<Question> {};
+
+TEST_P(ConfirmationsTest, SaysWhatWouldBeDone) {
+  answer(GetParam().ask, [](const QMessageBox& box) {
+    EXPECT_EQ(box.text(), QString::fromUtf8(GetParam().text));
+    EXPECT_EQ(box.windowTitle(), box.text());
+    EXPECT_EQ(box.informativeText(), QString::fromUtf8(GetParam().details));
+    EXPECT_EQ(confirming(box)->text(), QString::fromUtf8(GetParam().action));
+    for (const auto* label : box.findChildren<QLabel*>()) EXPECT_EQ(label->textFormat(), Qt::PlainText);
+  });
+}
+
+TEST_P(ConfirmationsTest, OnlyItsOwnButtonDoesIt) {
+  EXPECT_TRUE(
+      answer(GetParam().ask, [](const QMessageBox& box) { QTest::mouseClick(confirming(box), Qt::LeftButton); }));
+  for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
+    EXPECT_FALSE(answer(GetParam().ask, [key](QMessageBox& box) { QTest::keyClick(&box, key); })) << key;
+  }
+  EXPECT_FALSE(answer(GetParam().ask, [](QMessageBox& box) { box.close(); }));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Each, ConfirmationsTest,
+    ::testing::Values(
+        Question{"Quit Quillmere?",
+                 "2 screenshots are still waiting for a decision. They’ll be waiting again the next time you open "
+                 "Quillmere, but a screenshot you take while it’s closed is saved without a popup.",
+                 "Quit Quillmere", [] { return Confirmations::quit(2); }},
+        Question{"Delete Screenshot?",
+                 "“<b>1</b>.png” will be deleted from its folder and removed from Quillmere. This can’t be undone.",
+                 "Delete", [] { return Confirmations::deletion(QStringLiteral("<b>1</b>.png")); }},
+        Question{"Save Screenshots to “Shots”?",
+                 "Every screenshot that your screenshot tool takes will be saved there from now on. You can change it "
+                 "back in the tool’s settings, or here in Quillmere.",
+                 "Save Screenshots Here", [] { return Confirmations::savingScreenshotsIn(QStringLiteral("Shots")); }}));
+
+}  // namespace
+}  // namespace quillmere

@@ -1,0 +1,151 @@
+#include "shell/QuillmereApp.h"
+
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+
+#include "fakes/ModelFixture.h"
+#include "inbox/InboxWindow.h"
+#include "shell/SettingsWindow.h"
+
+namespace quillmere {
+namespace {
+
+class QuillmereAppTest : public testing::ModelFixture {
+ protected:
+  /// As main does, with a folder or without.
+  void start(bool isLoginLaunch, bool hasFolder = true) {
+    if (hasFolder) chooseFolderBefore(shots);
+    makeModel();
+    app = std::make_unique<QuillmereApp>(*model, thumbnails, systemEvents);
+    app->confirmQuit = [this](int waiting) {
+      questions.push_back(waiting);
+      if (whileAsked) whileAsked();
+      return confirms;
+    };
+    app->didFinishLaunching({isLoginLaunch});
+    executor.drain();
+  }
+  template <typename Window>
+  static QWidget* open() {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+      if (dynamic_cast<Window*>(window)) return window;
+    }
+    return nullptr;
+  }
+  /// Whether the program's loop ends of this.
+  static bool quits(const std::function<void()>& work) {
+    constexpr int kWentOn = 7;
+    QObject turn;  // takes with it what is left for later
+    const auto later = [&turn](const auto& step) { QMetaObject::invokeMethod(&turn, step, Qt::QueuedConnection); };
+    later([&] {
+      work();
+      later([] { QCoreApplication::exit(kWentOn); });
+    });
+    return QCoreApplication::exec() != kWentOn;
+  }
+
+  ThumbnailLoader thumbnails{executor, [](const FileURL&) { return false; }};
+  std::unique_ptr<QuillmereApp> app;
+  std::vector<int> questions;
+  std::function<void()> whileAsked;
+  bool confirms = false;
+};
+
+TEST_F(QuillmereAppTest, TheInboxOpensUnlessItStartsWithTheSession) {
+  start(false);
+  EXPECT_TRUE(app->isInboxShown());
+  app.reset();
+  start(true);
+  EXPECT_FALSE(app->isInboxShown());
+}
+
+TEST_F(QuillmereAppTest, WithoutAFolderItOpensEvenThen) {
+  start(true, false);
+  EXPECT_TRUE(app->isInboxShown());
+}
+
+TEST_F(QuillmereAppTest, WhatTheBusAsksForIsDone) {
+  start(true);
+  app->perform(QStringLiteral("inbox"));
+  EXPECT_TRUE(app->isInboxShown());
+  app->perform(QStringLiteral("settings"));
+  ASSERT_TRUE(open<SettingsWindow>());
+  EXPECT_TRUE(open<SettingsWindow>()->isVisible());
+  arrive("1.png");
+  app->perform(QStringLiteral("review"));
+  EXPECT_EQ(presenter.focuses, 1);
+  app->perform(QStringLiteral("nobody knows this"));
+  app->perform(QStringLiteral("quit"));
+  EXPECT_EQ(questions, std::vector<int>{1});
+}
+
+TEST_F(QuillmereAppTest, AMinimizedInboxComesBack) {
+  start(false);
+  open<InboxWindow>()->showMinimized();
+  app->reopen();
+  EXPECT_FALSE(open<InboxWindow>()->isMinimized());
+  EXPECT_TRUE(app->isInboxShown());
+}
+
+TEST_F(QuillmereAppTest, AClosedInboxIsLetGoOfLaterAndTheProgramGoesOn) {
+  start(false);
+  EXPECT_FALSE(QApplication::quitOnLastWindowClosed());
+  open<InboxWindow>()->close();
+  EXPECT_FALSE(app->isInboxShown());
+  EXPECT_TRUE(open<InboxWindow>()) << "it is still closing";
+  QCoreApplication::processEvents();
+  EXPECT_FALSE(open<InboxWindow>());
+  app->reopen();
+  EXPECT_TRUE(app->isInboxShown());
+}
+
+TEST_F(QuillmereAppTest, QuittingIsAskedAboutOnlyWhileScreenshotsWait) {
+  start(true);
+  EXPECT_TRUE(quits([this] { app->quit(); }));
+  EXPECT_TRUE(questions.empty());
+  arrive("1.png");
+  arrive("2.png");
+  EXPECT_FALSE(quits([this] { app->quit(); }));
+  confirms = true;
+  EXPECT_TRUE(quits([this] { app->quit(); }));
+  EXPECT_EQ(questions, (std::vector<int>{2, 2}));
+}
+
+TEST_F(QuillmereAppTest, TheQuestionIsAskedOnceAtATime) {
+  start(true);
+  arrive("1.png");
+  whileAsked = [this] { app->quit(); };
+  app->quit();
+  EXPECT_EQ(questions.size(), 1u);
+}
+
+TEST_F(QuillmereAppTest, ASessionThatEndsAsksNothing) {
+  start(true);
+  arrive("1.png");
+  EXPECT_TRUE(quits([this] { app->quitWithoutAsking(); }));
+  EXPECT_TRUE(questions.empty());
+}
+
+TEST_F(QuillmereAppTest, WhatIsNotSavedYetIsSavedLast) {
+  start(true);
+  wasSaved();
+  app->willTerminate();
+  EXPECT_FALSE(wasSaved()) << "nothing has changed";
+  model->scheduleSave();
+  app->willTerminate();
+  EXPECT_TRUE(wasSaved());
+  EXPECT_FALSE(model->hasPendingSave());
+}
+
+TEST_F(QuillmereAppTest, AWindowThatComesToTheFrontIsToldToEveryone) {
+  int told = 0;
+  const Connection listening = systemEvents.didBecomeActive.connect([&] { ++told; });
+  start(true);
+  Q_EMIT qApp->applicationStateChanged(Qt::ApplicationInactive);
+  EXPECT_EQ(told, 0);
+  Q_EMIT qApp->applicationStateChanged(Qt::ApplicationActive);
+  EXPECT_EQ(told, 1);
+}
+
+}  // namespace
+}  // namespace quillmere
