@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "foundation/FileStatus.h"
-#include "foundation/ManualExecutor.h"
 #include "fakes/FakeAnalyzer.h"
 #include "fakes/ModelFakes.h"
+#include "foundation/FileStatus.h"
+#include "foundation/ManualExecutor.h"
 #include "platform/linux/files/CloudFiles.h"
 #include "platform/linux/files/LiveFileIdentity.h"
 #include "platform/linux/files/LiveFileOperations.h"

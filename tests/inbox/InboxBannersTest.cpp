@@ -1,7 +1,7 @@
 #include "inbox/InboxBanners.h"
 
-#include "foundation/Localized.h"
 #include "fakes/ModelFixture.h"
+#include "foundation/Localized.h"
 
 namespace quillmere {
 namespace {

@@ -4,8 +4,8 @@
 #include <QtWidgets/QPushButton>
 
 #include "controls/ScreenshotThumbnail.h"
-#include "inbox/MessageView.h"
 #include "fakes/ModelFixture.h"
+#include "inbox/MessageView.h"
 
 namespace quillmere {
 namespace {

@@ -4,8 +4,8 @@
 #include <QtGui/QImage>
 #include <QtTest/QAbstractItemModelTester>
 
-#include "foundation/Localized.h"
 #include "fakes/ModelFixture.h"
+#include "foundation/Localized.h"
 
 namespace quillmere {
 namespace {

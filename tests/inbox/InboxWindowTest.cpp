@@ -9,9 +9,9 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QStackedWidget>
 
+#include "fakes/ModelFixture.h"
 #include "inbox/InboxDetail.h"
 #include "inbox/MessageView.h"
-#include "fakes/ModelFixture.h"
 #include "support/EventLoop.h"
 
 namespace quillmere {

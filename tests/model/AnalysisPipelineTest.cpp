@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 #include <random>
 
-#include "foundation/ManualExecutor.h"
 #include "fakes/FakeAnalyzer.h"
+#include "foundation/ManualExecutor.h"
 #include "support/Printing.h"
 #include "support/Records.h"
 

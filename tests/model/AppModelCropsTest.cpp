@@ -1,5 +1,5 @@
-#include "formats/ImageEncoding.h"
 #include "fakes/PictureFixture.h"
+#include "formats/ImageEncoding.h"
 
 namespace quillmere::testing {
 namespace {

@@ -1,5 +1,5 @@
-#include "foundation/Localized.h"
 #include "fakes/ModelFixture.h"
+#include "foundation/Localized.h"
 
 namespace quillmere::testing {
 namespace {

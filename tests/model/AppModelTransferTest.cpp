@@ -1,5 +1,5 @@
-#include "formats/ImageOperations.h"
 #include "fakes/ModelFixture.h"
+#include "formats/ImageOperations.h"
 
 namespace quillmere::testing {
 namespace {

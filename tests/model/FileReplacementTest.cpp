@@ -3,12 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "fakes/ModelFakes.h"
 #include "formats/ImageEncoding.h"
 #include "formats/ImageOperations.h"
 #include "formats/ImageWriting.h"
 #include "foundation/FileStatus.h"
 #include "foundation/ManualExecutor.h"
-#include "fakes/ModelFakes.h"
 #include "support/Files.h"
 #include "support/Records.h"
 #include "support/TemporaryFolder.h"

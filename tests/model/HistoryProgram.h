@@ -1,8 +1,8 @@
 #pragma once
 
 #include "fakes/FakeAnalyzer.h"
-#include "model/HistoryWorld.h"
 #include "fakes/ModelFakes.h"
+#include "model/HistoryWorld.h"
 
 namespace quillmere::testing {
 

@@ -1,5 +1,5 @@
-#include "model/HistoryExecutor.h"
 #include "fakes/ModelFixture.h"
+#include "model/HistoryExecutor.h"
 
 namespace quillmere::testing {
 namespace {

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "foundation/ManualExecutor.h"
 #include "fakes/ModelFakes.h"
+#include "foundation/ManualExecutor.h"
 #include "support/Files.h"
 #include "support/Records.h"
 #include "support/TemporaryFolder.h"

@@ -14,8 +14,8 @@
 
 #include "PaintedDesktop.h"
 #include "controls/ApplicationAppearance.h"
-#include "foundation/Localized.h"
 #include "fakes/ModelFixture.h"
+#include "foundation/Localized.h"
 #include "popup/CapturePromptPanelController.h"
 #include "popup/FakeSharing.h"
 #include "popup/StillWindowSystem.h"
