@@ -1,0 +1,82 @@
+#!/usr/bin/python3
+"""Each source has a test file of its own name in its place, or a line below that says what fails when it breaks."""
+
+import pathlib
+import unittest
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+SOURCES = ROOT / "src"
+TESTS = ROOT / "tests"
+
+# By their paths in src, without ".cpp". Each was broken once, and the test that is named failed.
+TESTED_ELSEWHERE = {
+    "main": "Every journey starts the program; journey.command_line and journey.without_x11 ask what it says where it "
+            "can't start.",
+    "formats/PngFiltersVector": "formats/PngFiltersTest compares it with the plain form, bit for bit.",
+    "pixels/ScalingStepsVector": "pixels/ScalingStepsTest compares it with the plain form, bit for bit.",
+    "model/AppModelFileAccess": "Access to files outside the folder is asked of what needs it: "
+                                "model/AppModelWatchFolderTest and model/AppModelMovingTest.",
+    "model/AppModelFollowing": "Records follow files that come under new names, and their folder: "
+                               "model/AppModelArrivalTest and model/AppModelWatchFolderTest.",
+    "model/CloudDownloads": "Asks a sync client over D-Bus: platform/linux/files/CloudDownloadsTest, with a fake one.",
+    "popup/CapturePromptViewPicture": "A part of CapturePromptView: popup/CapturePromptViewTest.",
+    "platform/linux/system/SystemFiles": "foundation/FileStatusTest and foundation/FileCopyTest: it is what those two "
+                                         "call on this system.",
+    "platform/linux/sharing/EmailComposer": "platform/linux/sharing/LiveSharingTest sends by the command, and "
+                                            "journey.shared by the portal, which takes a bus of the session.",
+    "platform/linux/announcing/LiveAnnouncer": "Chooses a form by the reader that runs: journey.announcements has all "
+                                               "of them.",
+    "platform/linux/appearance/XSettingsAppearance": "Needs an X server with a settings manager: journey.appearance.",
+    "platform/linux/panel/X11Display": "Needs an X server: journey.popup_on_window_managers.",
+    "platform/linux/panel/X11FullScreenCompanion": "Needs a window manager: journey.popup_on_window_managers.",
+    "platform/linux/panel/X11PanelWindowSystem": "Needs a window manager: journey.popup_on_window_managers.",
+}
+
+# Files that share the header of a class whose work they are a part of.
+PARTS = {
+    "main": "It has nothing to declare.",
+    "monitor/ScreenshotInboxMonitorApply": "ScreenshotInboxMonitor.h: what it does with what a look has found.",
+    "popup/CapturePromptViewPicture": "CapturePromptView.h: what the card does with its picture.",
+}
+
+
+def is_part_of_model(name):
+    """AppModel is cut over several files by concern, under one header."""
+    return name.startswith("model/AppModel")
+
+
+def sources():
+    return sorted(path.relative_to(SOURCES).with_suffix("").as_posix() for path in SOURCES.rglob("*.cpp"))
+
+
+def has_test(name):
+    return (TESTS / (name + "Test.cpp")).is_file()
+
+
+class Mirrored(unittest.TestCase):
+    def test_every_source_has_a_test_file_or_a_reason(self):
+        untested = [name for name in sources() if not has_test(name) and name not in TESTED_ELSEWHERE]
+        self.assertEqual(untested, [])
+
+    def test_every_source_has_a_header_or_a_reason(self):
+        bare = [name for name in sources()
+                if not has_header(name) and name not in PARTS and not is_part_of_model(name)]
+        self.assertEqual(bare, [])
+
+    def test_no_reason_is_out_of_date(self):
+        present = set(sources())
+        self.assertEqual([name for name in TESTED_ELSEWHERE if name not in present or has_test(name)], [])
+        self.assertEqual([name for name in PARTS if name not in present or has_header(name)], [])
+
+    def test_the_sources_were_found(self):
+        self.assertIn("model/AppModel", sources())
+
+
+def has_header(name):
+    """What every system does in a way of its own is declared in the foundation."""
+    declared = SOURCES / "foundation" / (pathlib.PurePath(name).name + ".h")
+    return (SOURCES / (name + ".h")).is_file() or (name.startswith("platform/") and declared.is_file())
+
+
+if __name__ == "__main__":
+    unittest.main()
