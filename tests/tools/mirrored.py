@@ -12,6 +12,8 @@ TESTS = ROOT / "tests"
 TESTED_ELSEWHERE = {
     "main": "Every journey starts the program; journey.command_line and journey.without_x11 ask what it says where it "
             "can't start.",
+    "platform/linux/LinuxPlatform": "Puts the services together: every journey starts through it, and "
+                                    "journey.popup_timeout has the countdown that stands still.",
     "formats/PngFiltersVector": "formats/PngFiltersTest compares it with the plain form, bit for bit.",
     "pixels/ScalingStepsVector": "pixels/ScalingStepsTest compares it with the plain form, bit for bit.",
     "model/AppModelFileAccess": "Access to files outside the folder is asked of what needs it: "
