@@ -48,10 +48,7 @@ TEST(PngChunks, EndWhereTheRestIsNoWholeChunk) {
 }
 
 TEST(PngChunks, ATypeIsFourLetters) {
-  for (const char* type : {"ID4T", "ID T",
-                           "\xC9"
-                           "DAT",
-                           "IDA_", "@DAT", "IDA{"}) {
+  for (const char* type : {"ID4T", "ID T", "\311DAT", "IDA_", "@DAT", "IDA{"}) {
     EXPECT_EQ(typesIn(kPNGSignature + pngChunk(type, {})), "") << type;
   }
   EXPECT_EQ(typesIn(kPNGSignature + pngChunk("AZaz", {})), "AZaz ");

@@ -84,7 +84,7 @@ TEST_F(PromptPreviewTest, ANoticeIsAtTheBottomInTheMiddle) {
   preview.notice().show(PromptPreviewNotice::textCopied);
   const QRect notice = preview.notice().geometry();
   EXPECT_EQ(notice.bottom(), preview.height() - kInset - 1);
-  EXPECT_NEAR(notice.center().x(), preview.width() / 2, 1);
+  EXPECT_NEAR(notice.center().x(), preview.width() / 2.0, 1);
 }
 
 TEST_F(PromptPreviewTest, WhatIsDraggedAlongIsTheSmallPicture) {
