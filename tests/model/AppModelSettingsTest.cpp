@@ -5,24 +5,29 @@ namespace {
 
 using ::testing::IsEmpty;
 
-class AppModelSettings : public ModelFixture {};
+class AppModelSettings : public ModelFixture {
+ protected:
+  void expectDefaults() const {
+    EXPECT_TRUE(*model->settings().menuBarEnabled);
+    EXPECT_TRUE(*model->settings().showPopupThumbnail);
+    EXPECT_TRUE(*model->settings().analyzeScreenshots);
+    EXPECT_FALSE(*model->settings().showsDeleteImmediately);
+    EXPECT_FALSE(*model->settings().deletesChosenImmediately);
+    EXPECT_FALSE(*model->settings().deletesExpiredImmediately);
+    EXPECT_FALSE(*model->settings().popupAutoSaveEnabled);
+    EXPECT_EQ(*model->settings().popupAutoSaveSeconds, 10);
+    EXPECT_EQ(*model->settings().screenshotNaming, ScreenshotNaming::original);
+    EXPECT_FALSE(*model->settings().includesNonCaptureImages);
+    EXPECT_EQ(*model->settings().lastTemporaryDuration, TemporaryDuration::fiveMinutes);
+    EXPECT_FALSE(*model->settings().watchFolderHasReceivedScreenshot);
+    EXPECT_EQ(*model->settings().dismissedLocationMismatchPath, std::nullopt);
+    EXPECT_FALSE(*model->settings().hasSeenWelcome);
+  }
+};
 
 TEST_F(AppModelSettings, AbsentKeysGiveTheDefaults) {
   makeModel();
-  EXPECT_TRUE(*model->settings().menuBarEnabled);
-  EXPECT_TRUE(*model->settings().showPopupThumbnail);
-  EXPECT_TRUE(*model->settings().analyzeScreenshots);
-  EXPECT_FALSE(*model->settings().showsDeleteImmediately);
-  EXPECT_FALSE(*model->settings().deletesChosenImmediately);
-  EXPECT_FALSE(*model->settings().deletesExpiredImmediately);
-  EXPECT_FALSE(*model->settings().popupAutoSaveEnabled);
-  EXPECT_EQ(*model->settings().popupAutoSaveSeconds, 10);
-  EXPECT_EQ(*model->settings().screenshotNaming, ScreenshotNaming::original);
-  EXPECT_FALSE(*model->settings().includesNonCaptureImages);
-  EXPECT_EQ(*model->settings().lastTemporaryDuration, TemporaryDuration::fiveMinutes);
-  EXPECT_FALSE(*model->settings().watchFolderHasReceivedScreenshot);
-  EXPECT_EQ(*model->settings().dismissedLocationMismatchPath, std::nullopt);
-  EXPECT_FALSE(*model->settings().hasSeenWelcome);
+  expectDefaults();
 }
 
 TEST_F(AppModelSettings, StoredValuesAreRead) {
@@ -59,20 +64,7 @@ TEST_F(AppModelSettings, ValuesOfTheWrongTypeGiveTheDefaults) {
     "quillmere.last-duration": "900", "quillmere.watch-folder-received-screenshot": "yes",
     "quillmere.dismissed-location-mismatch": 3, "quillmere.welcome-seen": 1})");
   makeModel();
-  EXPECT_TRUE(*model->settings().menuBarEnabled);
-  EXPECT_TRUE(*model->settings().showPopupThumbnail);
-  EXPECT_TRUE(*model->settings().analyzeScreenshots);
-  EXPECT_FALSE(*model->settings().showsDeleteImmediately);
-  EXPECT_FALSE(*model->settings().deletesChosenImmediately);
-  EXPECT_FALSE(*model->settings().deletesExpiredImmediately);
-  EXPECT_FALSE(*model->settings().popupAutoSaveEnabled);
-  EXPECT_EQ(*model->settings().popupAutoSaveSeconds, 10);
-  EXPECT_EQ(*model->settings().screenshotNaming, ScreenshotNaming::original);
-  EXPECT_FALSE(*model->settings().includesNonCaptureImages);
-  EXPECT_EQ(*model->settings().lastTemporaryDuration, TemporaryDuration::fiveMinutes);
-  EXPECT_FALSE(*model->settings().watchFolderHasReceivedScreenshot);
-  EXPECT_EQ(*model->settings().dismissedLocationMismatchPath, std::nullopt);
-  EXPECT_FALSE(*model->settings().hasSeenWelcome);
+  expectDefaults();
 }
 
 TEST_F(AppModelSettings, ASettingsFileThatIsNoObjectGivesTheDefaults) {
