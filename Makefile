@@ -39,13 +39,13 @@ pictures:
 test:
 	tools/setup test
 	cmake --preset release -DQUILLMERE_TESTS=ON
-	$(BUILD) quillmere packaging/all tests/all tools/all
+	$(BUILD) quillmere packaging/all tests/all detect-windows
 	tools/test -j $(JOBS)
 
 bench:
 	tools/setup bench
 	cmake --preset release -DQUILLMERE_BENCHMARKS=ON
-	$(BUILD) quillmere benchmarks/all
+	$(BUILD) quillmere benchmarks/all measure-text
 	@for bench in build/*_bench; do echo "== $$bench"; $$bench || exit 1; done
 	tests/journeys/latency.py
 

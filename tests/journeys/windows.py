@@ -86,7 +86,9 @@ class Windows:
 
     def find_hidden(self, title):
         """Also one that is put away."""
-        return int(self._desktop.run("xdotool", "search", "--name", f"^{re.escape(title)}$").split()[-1])
+        # The search ends early when a window closes under it.
+        return int(wait_until(f"a window “{title}”", lambda: self._desktop.run(
+            "xdotool", "search", "--name", f"^{re.escape(title)}$").split())[-1])
 
     def click(self, title):
         left, top, right, bottom = self.frame(title)
