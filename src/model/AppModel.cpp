@@ -1,5 +1,7 @@
 #include "model/AppModel.h"
 
+#include <algorithm>
+
 #include "foundation/FileStatus.h"
 
 namespace quillmere {
@@ -159,8 +161,7 @@ void AppModel::dismissBackgroundIssue() {
     }
     case BackgroundIssue::Kind::recordsReadOnly: {
       const auto& store = dependencies_.recordStore;
-      const bool isSafe =
-          store.backup(ScreenshotRecordStore::BackupReason::backup, now()) || !fileExists(store.fileURL);
+      const bool isSafe = store.backup(ScreenshotRecordStore::BackupReason::backup, now()) || isAbsent(store.fileURL);
       if (!isSafe) return;
       recordsReadOnly_ = false;
       backgroundIssue.set(std::nullopt);
@@ -185,12 +186,28 @@ void AppModel::saveNow() {
     backgroundIssue.set(BackgroundIssue{BackgroundIssue::Kind::recordsReadOnly});
     return;
   }
-  const BackgroundIssue notSaved{BackgroundIssue::Kind::recordsNotSaved};
+  if (!trySaving()) backgroundIssue.set(BackgroundIssue{BackgroundIssue::Kind::recordsNotSaved});
+}
+
+/// Without a word of a failure, which has been told: a banner that was dismissed stays away.
+bool AppModel::trySaving() {
+  constexpr int kMostDoublings = 5;
   if (!listWriter_.save(items_, dependencies_.recordStore.fileURL)) {
-    backgroundIssue.set(notSaved);
-  } else if (*backgroundIssue == notSaved) {
-    backgroundIssue.set(std::nullopt);
+    const Duration pause = std::chrono::seconds(1 << std::min(failedSaves_++, kMostDoublings));
+    saveTask_ = saveAgain(lifetime_.weak(this), pause);
+    return false;
   }
+  failedSaves_ = 0;
+  if (*backgroundIssue == BackgroundIssue{BackgroundIssue::Kind::recordsNotSaved}) backgroundIssue.set(std::nullopt);
+  return true;
+}
+
+Task<> AppModel::saveAgain(Weak<AppModel> self, Duration pause) {
+  auto waiting = self->dependencies_.executor->sleep(pause);
+  const bool elapsed = co_await waiting;
+  if (!elapsed || !self) co_return;
+  self->saveTask_ = {};
+  self->trySaving();
 }
 
 void AppModel::scheduleSave() {

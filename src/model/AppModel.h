@@ -52,11 +52,13 @@ class AppModel : private AnalysisRecords,
 
   // --- Frame, messages, saving: AppModel.cpp ---
   void start();
-  /// Writes the list now. A failure is the banner.
+  /// Writes the list now. A failure is the banner, and is tried again with growing pauses.
   void saveNow();
   /// Writes the list soon; for streams of small changes.
   void scheduleSave();
   bool hasPendingSave() const { return static_cast<bool>(saveTask_); }
+  /// False after a save that failed, until one succeeds.
+  bool isSaved() const { return failedSaves_ == 0; }
   bool isRecordsReadOnly() const { return recordsReadOnly_; }
 
   const ScreenshotList& items() const { return items_; }
@@ -242,6 +244,8 @@ class AppModel : private AnalysisRecords,
   void finishStart();
   void updateSystemPause();
   static Task<> saveLater(Weak<AppModel> self);
+  static Task<> saveAgain(Weak<AppModel> self, Duration pause);
+  bool trySaving();
   /// The only way to change a record; answers whether it became another.
   bool updateItem(size_t index, const std::function<void(ScreenshotItem&)>& change);
   void insertNewest(ScreenshotItem item);
@@ -353,6 +357,7 @@ class AppModel : private AnalysisRecords,
   void expirePresent(size_t index);
   void retryUnreachable(const UUID& id);
   void recordExpirationFailure(const UUID& id);
+  void tellOfKept();
   void forget(const UUID& id);
   void refreshExpirationBanner();
 
@@ -367,6 +372,7 @@ class AppModel : private AnalysisRecords,
   bool didStart_ = false;
   bool isRecovering_ = false;  ///< arrivals wait, so that the lost run's screenshots come back oldest first
   Task<> saveTask_;
+  int failedSaves_ = 0;  ///< since one succeeded
   std::vector<Connection> observers_;
   bool screensAsleep_ = false;
   bool sessionLocked_ = false;

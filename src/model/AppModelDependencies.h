@@ -151,8 +151,8 @@ struct AppModelDependencies {
   std::function<bool(const FileURL&)> isDataless;                           ///< any thread
   std::function<bool(const FileURL&)> isUbiquitous;                         ///< any thread
   /// Asks the sync client for the file's data; answers whether it took the request.
-  std::function<bool(const FileURL&)> startDownload;  ///< any thread
-  std::function<bool(const FileURL&)> isVolumeMounted;
+  std::function<bool(const FileURL&)> startDownload;    ///< any thread
+  std::function<bool(const FileURL&)> isVolumeMounted;  ///< any thread
   std::function<std::optional<CaptureKind>(const FileURL&)> captureKind;
   /// Where the folder panel opens when nothing better is known.
   std::function<std::optional<FileURL>()> defaultScreenshotFolder;

@@ -38,6 +38,11 @@ void AppModel::expireOne(const UUID& id) {
   if (!index) return;
   const ScreenshotItem& item = items_[*index];
   if (item.state != ScreenshotItem::State::temporary || !item.expiresAt || *item.expiresAt > now()) return;
+  // What another disk in the place of the folder's has under this name is not ours.
+  if (!dependencies_.isVolumeMounted(item.url)) {
+    retryUnreachable(id);
+    return;
+  }
   if (fileExists(item.url)) {
     expirePresent(*index);
   } else {
@@ -61,8 +66,10 @@ void AppModel::expireMissing(size_t index) {
   const bool hasAccess = access_.folder() || access_.item(item.id);
   // A placeholder stands in its stead: the sync client has the file.
   const bool isDataless = dependencies_.isDataless(item.url);
-  // Looked at again: a look that was refused does not make it missing.
-  const bool isMissing = isAbsent(item.url) && dependencies_.isFolderReachable(item.url.parent());
+  // Looked at again: a look that was refused does not make it missing, nor one while the disk was away.
+  const FileURL folder = item.url.parent();
+  const bool isMissing =
+      dependencies_.isFolderReachable(folder) && isAbsent(item.url) && dependencies_.isFolderReachable(folder);
   if (!hasAccess || isDataless || !isMissing) {
     retryUnreachable(item.id);
   } else {
@@ -79,22 +86,30 @@ void AppModel::expirePresent(size_t index) {
     expiryChangedRecords_ = true;
     return;
   }
-  if (item.fileIdentity && item.fileIdentity->isComplete()) {
-    const auto present = dependencies_.fileIdentity(item.url);
-    if (!isKnown(present, item.url)) {
-      retryUnreachable(item.id);
-      return;
+  const auto present = dependencies_.fileIdentity(item.url);
+  if (!isKnown(present, item.url)) {
+    retryUnreachable(item.id);
+    return;
+  }
+  using Match = FileIdentity::Match;
+  const Match match = !present             ? Match::different
+                      : !item.fileIdentity ? Match::unknown
+                                           : item.fileIdentity->match(*present);
+  if (match == Match::different) {
+    // Another file has taken this name.
+    if (const auto moved = relocateByBookmark(index)) {
+      updateLocation(index, *moved, std::nullopt);
+      expiryChangedRecords_ = true;
+    } else {
+      forget(item.id);
     }
-    if (!present || !present->isSameFile(*item.fileIdentity)) {
-      // Another file has taken this name.
-      if (const auto moved = relocateByBookmark(index)) {
-        updateLocation(index, *moved, std::nullopt);
-        expiryChangedRecords_ = true;
-      } else {
-        forget(item.id);
-      }
-      return;
-    }
+    return;
+  }
+  // By its name alone nothing is thrown away.
+  if (match == Match::unknown) {
+    keepItem(index);
+    tellOfKept();
+    return;
   }
   FileOperations& files = *dependencies_.fileOperations;
   switch (deletes(DisposalReason::expired) ? files.remove(item.url) : files.trash(item.url)) {
@@ -109,6 +124,14 @@ void AppModel::expirePresent(size_t index) {
       recordExpirationFailure(item.id);
       return;
   }
+}
+
+void AppModel::tellOfKept() {
+  using Kind = BackgroundIssue::Kind;
+  const auto& issue = *backgroundIssue;
+  const int before = issue && issue->kind == Kind::expiredScreenshotsKept ? issue->count : 0;
+  backgroundIssue.set(BackgroundIssue{Kind::expiredScreenshotsKept, before + 1});
+  expiryChangedRecords_ = true;
 }
 
 void AppModel::forget(const UUID& id) {

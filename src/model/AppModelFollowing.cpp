@@ -14,7 +14,7 @@ bool AppModel::followRename(const FileURL& url, const FileIdentity& identity) {
     // A second link to the file is no rename; another file that has taken the old name does not matter.
     const auto atOldPlace = dependencies_.fileIdentity(item.url);
     const bool isAnother = atOldPlace && atOldPlace->isComplete() && !atOldPlace->isSameFile(identity);
-    if (fileExists(item.url) && !isAnother) continue;
+    if (!isAbsent(item.url) && !isAnother) continue;
 
     const auto oldBookmark = item.fileBookmark;
     updateItem(*index, [&](ScreenshotItem& record) { record.fileIdentity = identity; });

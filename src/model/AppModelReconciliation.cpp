@@ -46,6 +46,7 @@ ReconcileRun AppModel::prepareRun(const std::optional<UUIDSet>& ids) {
   environment.isInTrash = dependencies_.isInTrash;
   environment.fileIdentity = dependencies_.fileIdentity;
   environment.isFolderReachable = dependencies_.isFolderReachable;
+  environment.isVolumeMounted = dependencies_.isVolumeMounted;
   environment.isDataless = dependencies_.isDataless;
   environment.isUbiquitous = dependencies_.isUbiquitous;
   return run;

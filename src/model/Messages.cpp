@@ -8,6 +8,10 @@ QString message(const BackgroundIssue& issue) {
   switch (issue.kind) {
     case BackgroundIssue::Kind::expiredScreenshotsNotTrashed:
       return localized("%lld expired screenshots couldn’t be moved to Trash. Quillmere will try again.", {issue.count});
+    case BackgroundIssue::Kind::expiredScreenshotsKept:
+      return localized(
+          "%lld expired screenshots were kept because Quillmere couldn’t tell whether they had been replaced.",
+          {issue.count});
     case BackgroundIssue::Kind::automaticRenameFailed:
       return localized("A screenshot was kept with its original filename because automatic renaming failed.");
     case BackgroundIssue::Kind::automaticExtractionFailed:

@@ -22,13 +22,14 @@ struct ScopedError {
 struct BackgroundIssue {
   enum class Kind {
     expiredScreenshotsNotTrashed,
+    expiredScreenshotsKept,  ///< it could not be told whether their files are still the same
     automaticRenameFailed,
     automaticExtractionFailed,
     recordsNotSaved,
     recordsReadOnly,
   };
   Kind kind;
-  int count = 0;  ///< of `expiredScreenshotsNotTrashed`
+  int count = 0;  ///< of the expired screenshots
   bool operator==(const BackgroundIssue&) const = default;
 };
 QString message(const BackgroundIssue& issue);

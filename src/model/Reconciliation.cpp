@@ -22,9 +22,17 @@ class Resolver {
     return outcome;
   }
 
+  /// The files that only seem to have gone, since their disk has left while they were looked for.
+  std::vector<UUID> doubtful() {
+    if (goneFromFolder_.empty() || environment_.isFolderReachable(*environment_.watchFolder)) return {};
+    return std::move(goneFromFolder_);
+  }
+
  private:
   ReconcileOutcome find(const ReconcileInput& input) {
     if (environment_.isInTrash(input.url)) return FileGone{};
+    // Another disk in the place of the folder's has files of its own, perhaps under the same names.
+    if (isInWatchFolder(input.url) && !isDiskThere()) return FileUnavailable{};
     const auto bookmarked = resolveBookmark(*environment_.scope, input.bookmark);
     if (bookmarked) {
       if (environment_.isInTrash(bookmarked->url)) return FileGone{};
@@ -41,7 +49,10 @@ class Resolver {
     if (auto found = searchByIdentity(input)) return *found;
     // A look that was refused says nothing.
     const bool hasLeft = isTaken || isAbsent(input.url);
-    if (hasLeft && isInWatchFolder(input.url) && canSeeFolder()) return FileGone{};
+    if (hasLeft && isInWatchFolder(input.url) && canSeeFolder()) {
+      goneFromFolder_.push_back(input.id);
+      return FileGone{};
+    }
     return FileUnavailable{};
   }
 
@@ -122,9 +133,18 @@ class Resolver {
     return *canSeeFolder_;
   }
 
+  bool isDiskThere() {
+    if (!isDiskThere_) {
+      isDiskThere_ = !environment_.watchFolder || environment_.isVolumeMounted(*environment_.watchFolder);
+    }
+    return *isDiskThere_;
+  }
+
   const ReconcileEnvironment& environment_;
   std::optional<std::unordered_multimap<uint64_t, std::string>> names_;
   std::optional<bool> canSeeFolder_;
+  std::optional<bool> isDiskThere_;
+  std::vector<UUID> goneFromFolder_;
 };
 
 }  // namespace
@@ -135,6 +155,7 @@ UUIDMap<ReconcileOutcome> resolveOutcomes(const std::vector<ReconcileInput>& inp
   UUIDMap<ReconcileOutcome> outcomes;
   outcomes.reserve(inputs.size());
   for (const ReconcileInput& input : inputs) outcomes.insert_or_assign(input.id, resolver.resolve(input));
+  for (const UUID& id : resolver.doubtful()) outcomes.insert_or_assign(id, FileUnavailable{});
   return outcomes;
 }
 

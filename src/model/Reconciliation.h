@@ -30,6 +30,7 @@ struct ReconcileEnvironment {
   std::function<bool(const FileURL&)> isInTrash;
   std::function<std::optional<FileIdentity>(const FileURL&)> fileIdentity;
   std::function<bool(const FileURL&)> isFolderReachable;
+  std::function<bool(const FileURL&)> isVolumeMounted;
   std::function<bool(const FileURL&)> isDataless;
   std::function<bool(const FileURL&)> isUbiquitous;
 };

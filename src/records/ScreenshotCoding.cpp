@@ -120,6 +120,7 @@ void appendEncoded(std::string& out, const FileIdentity& identity) {
   object.integer("file", identity.file);
   if (identity.creationDate) object.number("creationDate", identity.creationDate->seconds);
   if (identity.size) object.integer("size", *identity.size);
+  if (identity.modificationDate) object.number("modificationDate", identity.modificationDate->seconds);
   object.finish();
 }
 
@@ -266,6 +267,7 @@ std::optional<FileIdentity> decodeIdentity(const Value& value) {
   const auto file = reader.orFail(reader.unsignedNumber("file"));
   identity.creationDate = reader.date("creationDate");
   identity.size = reader.signedNumber("size");
+  identity.modificationDate = reader.date("modificationDate");
   if (reader.failed()) return std::nullopt;
   identity.file = *file;
   return identity;

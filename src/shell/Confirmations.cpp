@@ -6,6 +6,7 @@
 #include <QtWidgets/QPushButton>
 
 #include "foundation/Localized.h"
+#include "model/Messages.h"
 
 namespace quillmere {
 namespace {
@@ -29,12 +30,16 @@ bool ask(const QString& question, const QString& details, const QString& action)
 
 }  // namespace
 
-bool Confirmations::quit(int waitingScreenshots) {
-  return ask(localized("Quit Quillmere?"),
-             localized("%lld screenshots are still waiting for a decision. They’ll be waiting again the next time you "
-                       "open Quillmere, but a screenshot you take while it’s closed is saved without a popup.",
-                       {waitingScreenshots}),
-             localized("Quit Quillmere"));
+bool Confirmations::quit(const QuitConcerns& concerns) {
+  QStringList details;
+  if (concerns.isNotSaved) details += message(BackgroundIssue{BackgroundIssue::Kind::recordsNotSaved});
+  if (concerns.waitingScreenshots > 0) {
+    details += localized(
+        "%lld screenshots are still waiting for a decision. They’ll be waiting again the next time you open Quillmere, "
+        "but a screenshot you take while it’s closed is saved without a popup.",
+        {concerns.waitingScreenshots});
+  }
+  return ask(localized("Quit Quillmere?"), details.join(QStringLiteral("\n\n")), localized("Quit Quillmere"));
 }
 
 bool Confirmations::deletion(const QString& fileName) {

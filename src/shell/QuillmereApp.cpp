@@ -4,7 +4,6 @@
 
 #include "controls/Symbol.h"
 #include "inbox/InboxWindow.h"
-#include "shell/Confirmations.h"
 #include "shell/SettingsWindow.h"
 
 namespace quillmere {
@@ -92,10 +91,11 @@ bool QuillmereApp::isInboxShown() const {
 
 void QuillmereApp::quit() {
   if (isAskingToQuit_) return;
-  const int waiting = static_cast<int>(model_.prompts().queue->size());
-  if (waiting > 0) {
+  if (!model_.isSaved()) model_.saveNow();
+  const Confirmations::QuitConcerns concerns{static_cast<int>(model_.prompts().queue->size()), !model_.isSaved()};
+  if (concerns.waitingScreenshots > 0 || concerns.isNotSaved) {
     isAskingToQuit_ = true;
-    const bool confirmed = confirmQuit(waiting);
+    const bool confirmed = confirmQuit(concerns);
     isAskingToQuit_ = false;
     if (!confirmed) return;
   }

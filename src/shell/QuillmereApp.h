@@ -6,6 +6,7 @@
 
 #include "formats/ThumbnailLoader.h"
 #include "model/AppModel.h"
+#include "shell/Confirmations.h"
 #include "shell/MenuBarExtra.h"
 
 namespace quillmere {
@@ -31,14 +32,14 @@ class QuillmereApp {
   void openInbox();
   void openSettings();
   bool isInboxShown() const;
-  /// Asks first while screenshots wait.
+  /// Asks first while screenshots wait, or when the list cannot be saved.
   void quit();
   /// The session ends: nothing is asked.
   void quitWithoutAsking();
   /// The last thing: a change that is not yet saved is saved now.
   void willTerminate();
 
-  std::function<bool(int waitingScreenshots)> confirmQuit;
+  std::function<bool(const Confirmations::QuitConcerns&)> confirmQuit;
 
  private:
   AppModel& model_;

@@ -20,6 +20,8 @@
 #include "platform/linux/files/MountTable.h"
 #include "records/ScreenshotListWriter.h"
 #include "records/ScreenshotRecordStore.h"
+#include "support/FakeFolderEventSource.h"
+#include "support/FakeScanServices.h"
 #include "support/Files.h"
 #include "support/Records.h"
 #include "support/TemporaryFolder.h"
@@ -45,42 +47,31 @@ class LiveModel {
   static constexpr double kLifetime = 300;
 
   /// Writes the files and the list; launches the model, which reconciles and saves.
-  explicit LiveModel(State state) {
-    std::filesystem::remove_all(homeTrash().path());
-    std::filesystem::create_directory(shots.path());
-    std::filesystem::create_directory(listFile.parent().path());
-    std::vector<ScreenshotItem> records;
-    for (const int number : {3, 1, 2}) {
-      ScreenshotItem record = bareItem(number);
-      record.url = shots.appending("Screenshot " + std::to_string(number) + ".png");
-      writeFile(record.url, bytesOf(number));
-      record.createdAt = now() + -60;
-      record.state = number == 1 ? state : State::permanent;
-      if (record.state == State::temporary) record.expiresAt = now() + kLifetime;
-      record.imageDescription = QByteArray("An invoice");
-      record.suggestedName = QByteArray("Invoice");
-      record.fileIdentity = liveFileIdentity(record.url, *mounts_);
-      record.fileBookmark = scope_->makeBookmark(record.url);
-      records.push_back(std::move(record));
-    }
-    ScreenshotList list(std::move(records));
-    EXPECT_TRUE(ScreenshotListWriter().save(list, listFile));
-    folderStore_.stored = scope_->makeBookmark(shots);
-    launch();
-    // From the second save on records are copied out of the last one's file.
-    model->saveNow();
-  }
+  explicit LiveModel(State state) : LiveModel(state, std::nullopt) {}
+  /// The same in a folder that is there already; it is watched by the real monitor, which `tellOfMounts` makes look.
+  LiveModel(State state, const FileURL& folder) : LiveModel(state, std::optional(folder)) {}
+  ~LiveModel() { model.reset(); }
 
+  /// The program has ended.
+  void quit() {
+    model.reset();
+    watch_.reset();
+    presenter.visible.reset();
+  }
   /// A fresh run of the program over what stands on the disk.
   void launch() {
-    model.reset();
+    quit();
     mounts_ = std::make_unique<MountTable>(nullptr);
     scope_ = std::make_unique<LiveSecurityScopeAccess>(*mounts_);
+    folderStore_ = std::make_unique<LiveWatchFolderStore>(defaults_, *mounts_);
+    if (isWatching_) watch_ = makeWatch();
     model = std::make_unique<AppModel>(dependencies());
     model->start();
     executor.drain();
   }
   void advance(double bySeconds) { executor.advance(seconds(bySeconds)); }
+  void tellOfMounts() { systemEvents_.volumesDidChange(); }
+  void tellOfWaking() { systemEvents_.didWake(); }
   Date now() const {
     return Date{700000000.0 + std::chrono::duration<double>(executor.instant().time_since_epoch()).count()};
   }
@@ -108,7 +99,7 @@ class LiveModel {
 
   const UUID id = uuid(1);
   TemporaryFolder home{privateHome().path()};
-  const FileURL shots = home.file("shots");
+  const FileURL shots;
   const FileURL listFile = home.file("support").appending("screenshots.json");
   const FileURL oldPlace = shots.appending(kOldName);
   const FileURL newPlace = shots.appending(kNewName);
@@ -118,6 +109,38 @@ class LiveModel {
   FakePresenter presenter{log};
 
  private:
+  LiveModel(State state, const std::optional<FileURL>& folder)
+      : shots(folder.value_or(home.file("shots"))), isWatching_(folder) {
+    std::filesystem::remove_all(homeTrash().path());
+    std::filesystem::create_directory(shots.path());
+    std::filesystem::create_directory(listFile.parent().path());
+    std::vector<ScreenshotItem> records;
+    for (const int number : {3, 1, 2}) {
+      ScreenshotItem record = bareItem(number);
+      record.url = shots.appending("Screenshot " + std::to_string(number) + ".png");
+      writeFile(record.url, bytesOf(number));
+      record.createdAt = now() + -60;
+      record.state = number == 1 ? state : State::permanent;
+      if (record.state == State::temporary) record.expiresAt = now() + kLifetime;
+      record.imageDescription = QByteArray("An invoice");
+      record.suggestedName = QByteArray("Invoice");
+      record.fileIdentity = liveFileIdentity(record.url, *mounts_);
+      record.fileBookmark = scope_->makeBookmark(record.url);
+      records.push_back(std::move(record));
+    }
+    ScreenshotList list(std::move(records));
+    EXPECT_TRUE(ScreenshotListWriter().save(list, listFile));
+    LiveWatchFolderStore(defaults_, *mounts_).setBookmark(*scope_->makeBookmark(shots));
+    launch();
+    // From the second save on records are copied out of the last one's file.
+    model->saveNow();
+  }
+  std::unique_ptr<ScreenshotInboxMonitor> makeWatch() {
+    ScanServices services = scanServices_.services();
+    services.isVolumeMounted = [this](const FileURL& url) { return mounts_->isVolumeMounted(url); };
+    return std::make_unique<ScreenshotInboxMonitor>(executor, systemEvents_, folderEvents_, std::move(services),
+                                                    [this] { return now(); });
+  }
   AppModelDependencies dependencies() {
     AppModelDependencies world;
     world.recordStore.fileURL = listFile;
@@ -125,9 +148,9 @@ class LiveModel {
     world.defaults = &defaults_;
     world.fileOperations = &files_;
     world.securityScope = scope_.get();
-    world.watchFolderStore = &folderStore_;
+    world.watchFolderStore = folderStore_.get();
     world.promptPresenter = &presenter;
-    world.monitor = &monitor_;
+    world.monitor = watch_ ? static_cast<ScreenshotMonitoring*>(watch_.get()) : &monitor_;
     world.fileChooser = &chooser_;
     world.screenshotLocation = &screenshotLocation_;
     world.announcer = &announcer_;
@@ -155,8 +178,12 @@ class LiveModel {
   std::unique_ptr<MountTable> mounts_ = std::make_unique<MountTable>(nullptr);
   LiveFileOperations files_;
   std::unique_ptr<LiveSecurityScopeAccess> scope_ = std::make_unique<LiveSecurityScopeAccess>(*mounts_);
-  FakeWatchFolderStore folderStore_{log};
+  std::unique_ptr<LiveWatchFolderStore> folderStore_;
+  const bool isWatching_;
   FakeMonitor monitor_{log};
+  FakeScanServices scanServices_;
+  FakeFolderEventSource folderEvents_;
+  std::unique_ptr<ScreenshotInboxMonitor> watch_;
   FakeFileChooser chooser_;
   FakeScreenshotLocation screenshotLocation_;
   FakeAnnouncer announcer_{log};

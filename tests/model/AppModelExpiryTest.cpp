@@ -177,11 +177,51 @@ TEST_F(AppModelExpiry, FileWhoseIdentityCannotBeReadIsNotSentToTrashAndIsTriedAg
   EXPECT_TRUE(isInTrashFolder("shot.png"));
 }
 
-TEST_F(AppModelExpiry, AnIncompleteIdentityIsNotCompared) {
-  identities[shots.appending("shot.png").path()] = FileIdentity{std::nullopt, 7, std::nullopt, 8};
+TEST_F(AppModelExpiry, WithoutBirthTimesAFileIsKnownByInodeSizeAndDateOfWriting) {
+  identities[shots.appending("shot.png").path()] = FileIdentity{"volume", 7, std::nullopt, 8, Date{5}};
   arriveTemporary("shot.png", TemporaryDuration::oneMinute);
-  identities[shots.appending("shot.png").path()] = std::nullopt;
   advance(61);
+  EXPECT_TRUE(isInTrashFolder("shot.png"));
+}
+
+TEST_F(AppModelExpiry, AFileThatCannotBeToldFromAnotherIsKeptAndThatIsTold) {
+  setSettings(R"({"quillmere.delete-immediately-expired":true})");
+  launchWatching();
+  std::vector<UUID> ids;
+  for (const char* name : {"1.png", "2.png", "3.png"}) {
+    identities[shots.appending(name).path()] = FileIdentity{"volume", 7, std::nullopt, 8, Date{5}};
+    ids.push_back(arriveTemporary(name, TemporaryDuration::oneMinute));
+  }
+  identities[shots.appending("1.png").path()] = FileIdentity{"volume", 7, std::nullopt, 8, Date{6}};
+  identities[shots.appending("2.png").path()] = FileIdentity{"volume", 9, std::nullopt, 8, Date{5}};
+  identities[shots.appending("3.png").path()] = FileIdentity{"volume", 7, Date{1}, 8};
+  advance(61);
+  EXPECT_EQ(files.calls(), 0);
+  for (const UUID& id : ids) EXPECT_EQ(stateOf(id), State::permanent);
+  EXPECT_EQ(*model->backgroundIssue, (BackgroundIssue{Issue::expiredScreenshotsKept, 3}));
+  EXPECT_EQ(savedRecord(ids[0])->state, State::permanent);
+  model->dismissBackgroundIssue();
+  EXPECT_EQ(banner(), std::nullopt);
+}
+
+TEST_F(AppModelExpiry, ByItsNameAloneNothingIsThrownAway) {
+  identities[shots.appending("shot.png").path()] = std::nullopt;
+  const UUID id = arriveTemporary("shot.png", TemporaryDuration::oneMinute);
+  identities.clear();
+  advance(61);
+  EXPECT_EQ(files.calls(), 0);
+  EXPECT_EQ(stateOf(id), State::permanent);
+  EXPECT_EQ(banner(), Issue::expiredScreenshotsKept);
+}
+
+TEST_F(AppModelExpiry, WhatAnotherDiskHasUnderTheNameIsLeftAlone) {
+  const UUID id = arriveTemporary("shot.png", TemporaryDuration::oneMinute);
+  isVolumeMounted = false;
+  advance(61);
+  EXPECT_EQ(files.calls(), 0);
+  EXPECT_TRUE(model->unavailableItemIDs->contains(id));
+  isVolumeMounted = true;
+  advance(60);
   EXPECT_TRUE(isInTrashFolder("shot.png"));
 }
 

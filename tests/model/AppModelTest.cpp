@@ -402,6 +402,58 @@ TEST_F(AppModelSaving, AFailureIsTheBannerAndKeepsTheRecords) {
   EXPECT_TRUE(savedRecord(id));
 }
 
+TEST_F(AppModelSaving, AFailedSaveIsTriedAgainWithGrowingPauses) {
+  launchWatching();
+  makeSavingFail();
+  const UUID id = arrive("one.png");
+  advance(3.5);  // tried after 1 and 2 seconds more
+  makeSavingWork();
+  advance(3.4);
+  EXPECT_FALSE(model->isSaved());
+  advance(0.1);
+  EXPECT_TRUE(model->isSaved());
+  EXPECT_TRUE(savedRecord(id));
+  EXPECT_EQ(banner(), std::nullopt);
+  EXPECT_FALSE(model->hasPendingSave());
+}
+
+TEST_F(AppModelSaving, RoomThatReturnsIsNoticedWithinHalfAMinute) {
+  launchWatching();
+  makeSavingFail();
+  const UUID id = arrive("one.png");
+  advance(10'000);
+  makeSavingWork();
+  advance(32);
+  EXPECT_TRUE(savedRecord(id));
+}
+
+TEST_F(AppModelSaving, ABannerThatWasDismissedStaysAwayWhileItIsTriedAgain) {
+  launchWatching();
+  makeSavingFail();
+  arrive("one.png");
+  model->dismissBackgroundIssue();
+  advance(100);
+  EXPECT_EQ(banner(), std::nullopt);
+  EXPECT_FALSE(model->isSaved());
+  model->saveNow();
+  EXPECT_EQ(banner(), Issue::recordsNotSaved) << "another decision that is not saved";
+}
+
+TEST_F(AppModelSaving, AListThatCouldNotBeLookedAtIsNotTakenForAbsent) {
+  const FileURL loop = home.file("loop");
+  std::filesystem::create_symlink("loop", loop.path());
+  defaults = std::make_unique<UserDefaults>(settingsFile.displayPath());
+  AppModelDependencies world = dependencies();
+  world.recordStore.fileURL = loop.appending("screenshots.json");
+  model = std::make_unique<AppModel>(world);
+  EXPECT_TRUE(model->isRecordsReadOnly());
+  model->start();
+  executor.drain();
+  model->dismissBackgroundIssue();
+  EXPECT_TRUE(model->isRecordsReadOnly());
+  EXPECT_EQ(banner(), Issue::recordsReadOnly);
+}
+
 TEST_F(AppModelSaving, ASaveThatSucceedsLeavesAnotherBannerStanding) {
   launchWatching();
   const UUID id = arriveTemporary("one.png", TemporaryDuration::oneMinute);

@@ -27,6 +27,7 @@ class ReconciliationTest : public ::testing::Test {
       if (changeIdentity) changeIdentity(identity);
       return identity;
     };
+    world.isVolumeMounted = [this](const FileURL&) { return isDiskThere; };
     world.isFolderReachable = [this](const FileURL& url) {
       ++reachableCalls;
       return isReachable && isReadableDirectory(url);
@@ -59,6 +60,7 @@ class ReconciliationTest : public ::testing::Test {
   FakeSecurityScope scope{log};
   ReconcileEnvironment world;
   bool isReachable = true;
+  bool isDiskThere = true;
   bool isDataless = false;
   bool isUbiquitous = false;
   int identityReads = 0;
@@ -207,7 +209,19 @@ TEST_F(ReconciliationTest, NoDirectoryIsReadWhileEveryFileIsInPlace) {
   EXPECT_EQ(reachableCalls, 0);
 }
 
-TEST_F(ReconciliationTest, TheFolderIsJudgedOnceARun) {
+TEST_F(ReconciliationTest, AFileIsNotGoneWhenItsDiskLeftWhileItWasLookedFor) {
+  world.isFolderReachable = [this](const FileURL&) { return ++reachableCalls == 1; };
+  EXPECT_EQ(resolve(input(shots.appending("shot.png"))), ReconcileOutcome(FileUnavailable{}));
+}
+
+TEST_F(ReconciliationTest, AFileOfAnotherDiskUnderTheNameIsNotTheRecords) {
+  const FileURL shot = write(shots, "shot.png");
+  isDiskThere = false;
+  EXPECT_EQ(resolve(bookmarked(shot)), ReconcileOutcome(FileUnavailable{}));
+  EXPECT_TRUE(present(resolve(input(write(elsewhere, "shot.png"))))) << "it has its own disk";
+}
+
+TEST_F(ReconciliationTest, TheFolderIsJudgedBeforeAndAfterARun) {
   std::vector<ReconcileInput> inputs;
   for (int i = 0; i < 20; ++i) {
     inputs.push_back(identified(write(shots, std::to_string(i).c_str())));
@@ -216,7 +230,7 @@ TEST_F(ReconciliationTest, TheFolderIsJudgedOnceARun) {
   }
   reachableCalls = 0;
   for (const auto& [id, outcome] : resolveOutcomes(inputs, world)) EXPECT_EQ(outcome, ReconcileOutcome(FileGone{}));
-  EXPECT_EQ(reachableCalls, 1);
+  EXPECT_EQ(reachableCalls, 2);
 }
 
 // --- Nothing found ---

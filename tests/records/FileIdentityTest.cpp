@@ -1,6 +1,7 @@
 #include "records/FileIdentity.h"
 
 #include <gtest/gtest.h>
+#include <functional>
 
 namespace quillmere {
 namespace {
@@ -69,6 +70,55 @@ TEST(FileIdentity, IsEqualOnlyInAllFourFields) {
   EXPECT_EQ(other, complete());
   other.creationDate = Date{700000000.0005};
   EXPECT_NE(other, complete());
+}
+
+FileIdentity withoutBirthTime() {
+  return {"volume", 42, std::nullopt, 1234, Date{5}};
+}
+
+TEST(FileIdentity, CompleteOnesMatchOrAreDifferent) {
+  FileIdentity resized = complete();
+  resized.size = 1;
+  EXPECT_EQ(complete().match(complete()), FileIdentity::Match::same);
+  EXPECT_EQ(complete().match(resized), FileIdentity::Match::different);
+}
+
+TEST(FileIdentity, WithoutBirthTimesOnlyWhatIsAllTheSameMatches) {
+  using Match = FileIdentity::Match;
+  EXPECT_EQ(withoutBirthTime().match(withoutBirthTime()), Match::same);
+  const std::function<void(FileIdentity&)> changes[] = {
+      [](FileIdentity& identity) { identity.volume = "other"; },
+      [](FileIdentity& identity) { identity.volume.reset(); },
+      [](FileIdentity& identity) { ++identity.file; },
+      [](FileIdentity& identity) { identity.size = 1; },
+      [](FileIdentity& identity) { identity.size.reset(); },
+      [](FileIdentity& identity) { identity.modificationDate = Date{5.000001}; },
+      [](FileIdentity& identity) { identity.modificationDate.reset(); },
+      [](FileIdentity& identity) { identity.creationDate = Date{1}; },
+  };
+  for (const auto& change : changes) {
+    FileIdentity now = withoutBirthTime();
+    change(now);
+    EXPECT_EQ(withoutBirthTime().match(now), Match::unknown);
+    EXPECT_EQ(now.match(withoutBirthTime()), Match::unknown);
+  }
+  FileIdentity nothing;
+  EXPECT_EQ(nothing.match(nothing), Match::unknown);
+}
+
+TEST(FileIdentity, ADeviceNumberThatChangesSaysNothing) {
+  EXPECT_TRUE(isStableVolume("1b0c6a3e-0000-4000-8000-000000000000"));
+  EXPECT_TRUE(isStableVolume("1234-ABCD"));
+  EXPECT_FALSE(isStableVolume("0:45"));
+  EXPECT_TRUE(canBeSameVolume("0:45", "0:52"));
+  EXPECT_FALSE(canBeSameVolume("0:45", "1234-ABCD"));
+  EXPECT_FALSE(canBeSameVolume("1234-ABCD", "1234-ABCE"));
+  FileIdentity before = complete(), after = complete();
+  before.volume = "0:45";
+  after.volume = "0:52";
+  EXPECT_TRUE(before.isSameFile(after)) << "remounted";
+  after.volume = "1234-ABCD";
+  EXPECT_FALSE(before.isSameFile(after));
 }
 
 }  // namespace

@@ -67,7 +67,24 @@ INSTANTIATE_TEST_SUITE_P(
         Question{"Quit Quillmere?",
                  "2 screenshots are still waiting for a decision. They’ll be waiting again the next time you open "
                  "Quillmere, but a screenshot you take while it’s closed is saved without a popup.",
-                 "Quit Quillmere", [] { return Confirmations::quit(2); }},
+                 "Quit Quillmere",
+                 [] {
+                   return Confirmations::quit({2, false});
+                 }},
+        Question{"Quit Quillmere?",
+                 "Quillmere couldn’t save its screenshot list. Recent changes may be lost when Quillmere quits.",
+                 "Quit Quillmere",
+                 [] {
+                   return Confirmations::quit({0, true});
+                 }},
+        Question{"Quit Quillmere?",
+                 "Quillmere couldn’t save its screenshot list. Recent changes may be lost when Quillmere quits.\n\n"
+                 "1 screenshot is still waiting for a decision. It’ll be waiting again the next time you open "
+                 "Quillmere, but a screenshot you take while it’s closed is saved without a popup.",
+                 "Quit Quillmere",
+                 [] {
+                   return Confirmations::quit({1, true});
+                 }},
         Question{"Delete Screenshot?",
                  "“<b>1</b>.png” will be deleted from its folder and removed from Quillmere. This can’t be undone.",
                  "Delete", [] { return Confirmations::deletion(QStringLiteral("<b>1</b>.png")); }},

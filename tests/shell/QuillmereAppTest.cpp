@@ -17,8 +17,9 @@ class QuillmereAppTest : public testing::ModelFixture {
     if (hasFolder) chooseFolderBefore(shots);
     makeModel();
     app = std::make_unique<QuillmereApp>(*model, thumbnails, systemEvents);
-    app->confirmQuit = [this](int waiting) {
-      questions.push_back(waiting);
+    app->confirmQuit = [this](const Confirmations::QuitConcerns& concerns) {
+      questions.push_back(concerns.waitingScreenshots);
+      isToldOfSaving = concerns.isNotSaved;
       if (whileAsked) whileAsked();
       return confirms;
     };
@@ -46,6 +47,7 @@ class QuillmereAppTest : public testing::ModelFixture {
 
   ThumbnailLoader thumbnails{executor, [](const FileURL&) { return false; }};
   std::unique_ptr<QuillmereApp> app;
+  bool isToldOfSaving = false;
   std::vector<int> questions;
   std::function<void()> whileAsked;
   bool confirms = false;
@@ -109,6 +111,19 @@ TEST_F(QuillmereAppTest, QuittingIsAskedAboutOnlyWhileScreenshotsWait) {
   confirms = true;
   EXPECT_TRUE(quits([this] { app->quit(); }));
   EXPECT_EQ(questions, (std::vector<int>{2, 2}));
+}
+
+TEST_F(QuillmereAppTest, QuittingIsAskedAboutWhileTheListCannotBeSaved) {
+  start(true);
+  const UUID id = arrivePermanent("1.png");
+  makeSavingFail();
+  model->saveNow();
+  EXPECT_FALSE(quits([this] { app->quit(); }));
+  EXPECT_TRUE(isToldOfSaving);
+  makeSavingWork();
+  EXPECT_TRUE(quits([this] { app->quit(); }));
+  EXPECT_EQ(questions.size(), 1u) << "there was room again";
+  EXPECT_TRUE(savedRecord(id));
 }
 
 TEST_F(QuillmereAppTest, TheQuestionIsAskedOnceAtATime) {

@@ -24,6 +24,12 @@ std::optional<std::string> optionalText(const QJsonValue& value) {
 
 }  // namespace
 
+std::optional<ExpectedDisk> Bookmark::disk() const {
+  if (!isDirectory || !mountPoint) return std::nullopt;
+  const bool isMountPoint = url.path() == *mountPoint;
+  return ExpectedDisk{url, *mountPoint, volume, isMountPoint ? file : std::nullopt};
+}
+
 QByteArray Bookmark::encoded() const {
   QJsonObject object;
   object[QLatin1String("path")] = textOf(url);

@@ -7,6 +7,7 @@
 
 #include "foundation/Date.h"
 #include "foundation/FileURL.h"
+#include "platform/linux/files/MountTable.h"
 
 namespace quillmere {
 
@@ -19,6 +20,9 @@ struct Bookmark {
   std::optional<Date> creationDate;
   bool isDirectory = false;
   std::optional<std::string> mountPoint;  ///< of a directory
+
+  /// Of a directory whose mount point is known.
+  std::optional<ExpectedDisk> disk() const;
 
   QByteArray encoded() const;
   /// None for anything but such an object. The path is the coded URL's, so that any name survives.

@@ -12,6 +12,7 @@ std::optional<FileIdentity> liveFileIdentity(const FileURL& url, const MountTabl
   identity.file = status->inode;
   identity.creationDate = status->created;
   identity.size = status->size;
+  if (!status->created) identity.modificationDate = status->modified;
   return identity;
 }
 

@@ -6,6 +6,7 @@
 #include <ctime>
 
 #include "foundation/FileStatus.h"
+#include "records/FileIdentity.h"
 
 namespace quillmere {
 namespace {
@@ -76,10 +77,17 @@ std::optional<SecurityScopeAccess::Resolution> LiveSecurityScopeAccess::resolve(
   if (!bookmark->file) return Resolution{bookmark->url, fileExists(bookmark->url)};
   if (isSameFile(*bookmark, bookmark->url)) return Resolution{bookmark->url, false};
   if (const auto found = search(*bookmark)) return Resolution{*found, true, bookmark->url};
-  // A folder made anew under its name is taken for the old one; a missing one may come back with its disk. Another file
-  // under a file's name is another file.
-  if (bookmark->isDirectory) return Resolution{bookmark->url, isReadableDirectory(bookmark->url)};
+  // A folder made anew under its name on its disk is taken for the old one; a missing one may come back with its disk,
+  // and what stands in its place meanwhile is not it. Another file under a file's name is another file.
+  if (bookmark->isDirectory) {
+    return Resolution{bookmark->url, isReadableDirectory(bookmark->url) && isOnItsDisk(*bookmark)};
+  }
   return std::nullopt;
+}
+
+bool LiveSecurityScopeAccess::isOnItsDisk(const Bookmark& bookmark) const {
+  const auto disk = bookmark.disk();
+  return !disk || mounts_.isThere(*disk);
 }
 
 bool LiveSecurityScopeAccess::isSameFile(const Bookmark& bookmark, const FileURL& candidate) const {
@@ -92,7 +100,9 @@ bool LiveSecurityScopeAccess::isSameFile(const Bookmark& bookmark, const FileURL
       std::abs(*bookmark.creationDate - *status->created) >= kDateTolerance) {
     return false;
   }
-  return !bookmark.volume || bookmark.volume == mounts_.volume(candidate);
+  if (!bookmark.volume) return true;
+  const auto volume = mounts_.volume(candidate);
+  return volume && canBeSameVolume(*volume, *bookmark.volume);
 }
 
 std::optional<FileURL> LiveSecurityScopeAccess::search(const Bookmark& bookmark) {
@@ -146,7 +156,8 @@ void LiveWatchFolderStore::setBookmark(const QByteArray& bookmark) {
 
 void LiveWatchFolderStore::expectMount(const QByteArray& bytes) {
   const auto bookmark = Bookmark::decode(bytes);
-  if (bookmark && bookmark->mountPoint) mounts_.expect(bookmark->url, *bookmark->mountPoint);
+  if (!bookmark) return;
+  if (const auto disk = bookmark->disk()) mounts_.expect(*disk);
 }
 
 }  // namespace quillmere

@@ -29,6 +29,7 @@ class LiveSecurityScopeAccess final : public SecurityScopeAccess {
 
  private:
   bool isSameFile(const Bookmark& bookmark, const FileURL& candidate) const;
+  bool isOnItsDisk(const Bookmark& bookmark) const;
   std::optional<FileURL> search(const Bookmark& bookmark);
   std::optional<FileURL> searchFolder(const Bookmark& bookmark, const FileURL& folder);
 

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <linux/btrfs.h>
 #include <linux/fs.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -17,6 +18,7 @@
 #include <sstream>
 
 #include "foundation/FileStatus.h"
+#include "records/FileIdentity.h"
 
 namespace quillmere {
 namespace {
@@ -128,22 +130,20 @@ std::optional<MountPoint> coveringMount(const std::vector<MountPoint>& mounts, c
 }
 
 MountTable::MountTable(SystemEvents* events) {
+  constexpr const char* kTable = "/proc/self/mountinfo";
+  volumesDescriptor_ = ::open(kTable, O_RDONLY | O_CLOEXEC);
   if (!events) return;
-  descriptor_ = ::open("/proc/self/mountinfo", O_RDONLY | O_CLOEXEC);
+  descriptor_ = ::open(kTable, O_RDONLY | O_CLOEXEC);
   if (descriptor_ < 0) return;
   // A change shows as an exceptional condition; the file is always readable.
   notifier_ = std::make_unique<QSocketNotifier>(descriptor_, QSocketNotifier::Exception);
-  QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this, events] {
-    {
-      const std::lock_guard lock(mutex_);
-      volumes_.clear();
-    }
-    events->volumesDidChange();
-  });
+  QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
+                   [events] { events->volumesDidChange(); });
 }
 
 MountTable::~MountTable() {
   notifier_.reset();
+  if (volumesDescriptor_ >= 0) ::close(volumesDescriptor_);
   if (descriptor_ >= 0) ::close(descriptor_);
 }
 
@@ -165,6 +165,7 @@ std::optional<std::string> MountTable::volume(const FileURL& url) const {
   const std::pair<uint32_t, uint32_t> device{major(status.st_dev), minor(status.st_dev)};
   {
     const std::lock_guard lock(mutex_);
+    forgetVolumesOfOtherMounts();
     if (const auto known = volumes_.find(device); known != volumes_.end()) return known->second;
   }
   auto volume = uuidByIoctl(url);
@@ -181,20 +182,41 @@ std::optional<std::string> MountTable::volume(const FileURL& url) const {
   return volume;
 }
 
-void MountTable::expect(const FileURL& folder, const std::string& mountPoint) {
+/// Another disk may get the device number of one that has left. Asked here and not only told by the event loop: a look
+/// at a file may come before the event.
+void MountTable::forgetVolumesOfOtherMounts() const {
+  pollfd changes{volumesDescriptor_, POLLPRI, 0};
+  const bool isUnchanged = volumesDescriptor_ >= 0 && ::poll(&changes, 1, 0) == 0;
+  if (!isUnchanged) volumes_.clear();
+}
+
+void MountTable::expect(ExpectedDisk disk) {
   const std::lock_guard lock(mutex_);
-  expected_ = {folder.standardized().path(), mountPoint};
+  disk.folder = disk.folder.standardized();
+  expected_ = std::move(disk);
+}
+
+bool MountTable::isThere(const ExpectedDisk& disk) const {
+  const auto mount = covering(disk.folder);
+  if (!mount || (mount->path != disk.mountPoint && covers(mount->path, disk.mountPoint))) return false;
+  // Without a UUID one disk cannot be told from another.
+  if (!disk.volume || !isStableVolume(*disk.volume)) return true;
+  const FileURL place = FileURL::fromPath(mount->path);
+  if (volume(place) != disk.volume) return false;
+  const auto status = disk.folderNumber ? fileStatus(place) : std::nullopt;
+  return !status || status->inode == disk.folderNumber;
 }
 
 bool MountTable::isVolumeMounted(const FileURL& url) const {
   const auto mount = covering(url);
   if (!mount) return false;
   const std::string path = url.standardized().path();
+  std::optional<ExpectedDisk> expected;
   {
     const std::lock_guard lock(mutex_);
-    const bool isExpected = expected_ && covers(expected_->first, path);
-    if (isExpected && mount->path != expected_->second && covers(mount->path, expected_->second)) return false;
+    if (expected_ && covers(expected_->folder.path(), path)) expected = expected_;
   }
+  if (expected && !isThere(*expected)) return false;
   for (const std::string& root : diskRoots()) {
     if (path != root && covers(root, path) && mount->path != root && covers(mount->path, root)) return false;
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -24,6 +25,14 @@ std::vector<MountPoint> parseMountInfo(const std::string& text);
 /// The deepest mount point that holds the path; none without any.
 std::optional<MountPoint> coveringMount(const std::vector<MountPoint>& mounts, const std::string& path);
 
+/// Which disk a folder is on: what must be mounted where for the folder at the path to be that folder.
+struct ExpectedDisk {
+  FileURL folder;
+  std::string mountPoint;
+  std::optional<std::string> volume = std::nullopt;     ///< none: any
+  std::optional<uint64_t> folderNumber = std::nullopt;  ///< of a folder that is the mount point itself: its inode
+};
+
 /// The mounted file systems. Any thread.
 class MountTable {
  public:
@@ -35,18 +44,21 @@ class MountTable {
   /// The file system's UUID, or else its textual device number. Follows symbolic links.
   std::optional<std::string> volume(const FileURL& url) const;
 
-  /// From now on this folder counts as connected only while `mountPoint` is mounted: the folder under a mount point
-  /// that is not in use looks like the real one, only empty.
-  void expect(const FileURL& folder, const std::string& mountPoint);
-  /// False for a path that an expected mount point or a removable disk should cover, and does not.
+  /// From now on this folder and what is in it count as connected only while its disk is there: the folder under a
+  /// mount point that is not in use, or on another disk, looks like the real one, but for its files.
+  void expect(ExpectedDisk disk);
+  bool isThere(const ExpectedDisk& disk) const;
+  /// False for a path that an expected or a removable disk should cover, and does not.
   bool isVolumeMounted(const FileURL& url) const;
 
  private:
   std::vector<MountPoint> read() const;
+  void forgetVolumesOfOtherMounts() const;
 
   mutable std::mutex mutex_;
-  mutable std::map<std::pair<uint32_t, uint32_t>, std::string> volumes_;  // by device; emptied when mounts change
-  std::optional<std::pair<std::string, std::string>> expected_;           // folder, mount point
+  mutable std::map<std::pair<uint32_t, uint32_t>, std::string> volumes_;  // by device, of the mounts as they are
+  std::optional<ExpectedDisk> expected_;
+  int volumesDescriptor_ = -1;  // tells whether mounts have changed since `volumes_`
   int descriptor_ = -1;
   std::unique_ptr<QSocketNotifier> notifier_;
 };

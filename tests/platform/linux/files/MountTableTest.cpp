@@ -167,7 +167,7 @@ TEST_F(MountTableTest, AnOrdinaryFolderIsMounted) {
 TEST_F(MountTableTest, AFolderWhoseMountPointIsExpectedCountsOnlyWhileThatIsMounted) {
   const FileURL shots = disk.appending("shots");
   std::filesystem::create_directory(shots.path());
-  mounts.expect(shots, disk.path());
+  mounts.expect({shots, disk.path()});
   EXPECT_FALSE(mounts.isVolumeMounted(shots)) << "the folder under the mount point looks like the real one";
   EXPECT_FALSE(mounts.isVolumeMounted(shots.appending("a.png")));
   EXPECT_TRUE(mounts.isVolumeMounted(disk.appending("other"))) << "only what was chosen is expected";
@@ -182,7 +182,7 @@ TEST_F(MountTableTest, AFolderWhoseMountPointIsExpectedCountsOnlyWhileThatIsMoun
 TEST_F(MountTableTest, ADiskMountedDeeperThanExpectedServesToo) {
   const FileURL shots = disk.appending("shots");
   std::filesystem::create_directory(shots.path());
-  mounts.expect(shots, disk.path());
+  mounts.expect({shots, disk.path()});
   EXPECT_EQ(failureWithPrivateMounts([&]() -> std::string {
               MUST(mountTemporary(shots));
               MUST(mounts.isVolumeMounted(shots));
@@ -192,9 +192,9 @@ TEST_F(MountTableTest, ADiskMountedDeeperThanExpectedServesToo) {
 }
 
 TEST_F(MountTableTest, AFolderMovedToAnotherDiskMayBeExpectedThere) {
-  mounts.expect(disk, disk.path());
+  mounts.expect({disk, disk.path()});
   EXPECT_FALSE(mounts.isVolumeMounted(disk));
-  mounts.expect(disk, "/");
+  mounts.expect({disk, "/"});
   EXPECT_EQ(failureWithPrivateMounts([&]() -> std::string {
               MUST(mounts.isVolumeMounted(disk));
               return {};

@@ -77,7 +77,7 @@ class VolumesComeAndGoTest : public ::testing::Test {
   bool connect() const { return testing::connectDisk(image.path(), disk.path()); }
   bool disconnect() const { return ::umount(disk.c_str()) == 0; }
   /// As choosing the folder does.
-  void expectDisk(Watch& watch) const { watch.mounts.expect(shots, disk.path()); }
+  void expectDisk(Watch& watch) const { watch.mounts.expect({shots, disk.path()}); }
   bool write(const char* name) const { return run("echo picture > '" + shots.appending(name).path() + "'"); }
 
   testing::TemporaryFolder folder;
