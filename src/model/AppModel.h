@@ -104,6 +104,7 @@ class AppModel : private AnalysisRecords,
   // --- Arrival: AppModelArrival.cpp ---
   enum class Origin { capturedHere, elsewhere };
   void record(const FileURL& url, Origin origin);
+  bool hasLeft(const UUID& id, const std::optional<FileIdentity>& identity) const;
   const RecordIndex& recordIndex();
 
   // --- The popup's queue: AppModelPrompts.cpp ---
@@ -265,6 +266,7 @@ class AppModel : private AnalysisRecords,
   void handleStatus(WatcherStatus status);
   ReconcileRun prepareRun(const std::optional<UUIDSet>& ids) override;
   void applyRun(const ReconcileRun& run, const ReconcileRequest& request) override;
+  bool noteMovedAway(size_t index);
   bool applyPresent(size_t index, const FilePresent& present);
 
   // AppModelDecisions.cpp

@@ -5,12 +5,13 @@ namespace quillmere {
 
 void AppModel::record(const FileURL& url, Origin origin) {
   const bool arrivedFromElsewhere = origin == Origin::elsewhere;
-  if (const auto known = recordIndex().atPath(pathKeyOf(url))) {
+  const auto identity = dependencies_.fileIdentity(url);
+  const auto known = recordIndex().atPath(pathKeyOf(url));
+  if (known && !hasLeft(*known, identity)) {
     // A run that found the old file gone before this one came must not take the record away.
     reconciliations_.noteArrival(*known);
     return;
   }
-  const auto identity = dependencies_.fileIdentity(url);
   if (identity && followRename(url, *identity)) return;
 
   ScreenshotItem item;
@@ -28,6 +29,9 @@ void AppModel::record(const FileURL& url, Origin origin) {
   }
   const UUID id = item.id;
   insertNewest(std::move(item));
+  if (known && didStart_) {
+    reconcile({.ids = UUIDSet{*known}, .polite = true, .dropsUnavailableFromQueue = true, .completions = {}});
+  }
   if (arrivedFromElsewhere) refreshCloudMembership(id, url);
   refreshBookmark(0, std::nullopt);
   refreshItemAccess(0, std::nullopt);
@@ -35,6 +39,14 @@ void AppModel::record(const FileURL& url, Origin origin) {
   if (arrivedFromElsewhere) return;
   if (!isRecovering_) enqueuePrompt(id);
   if (*settings_.analyzeScreenshots) startAnalysis(id);
+}
+
+/// Whether what has this identity is another file than the record's, which had the name before it.
+bool AppModel::hasLeft(const UUID& id, const std::optional<FileIdentity>& identity) const {
+  const ScreenshotItem& item = *items_.find(id);
+  if (item.hasMovedAway) return true;
+  const auto& before = item.fileIdentity;
+  return before && identity && before->isComplete() && identity->isComplete() && !before->isSameInode(*identity);
 }
 
 const RecordIndex& AppModel::recordIndex() {

@@ -66,6 +66,8 @@ class SecurityScopeAccess {
   virtual void stop(const FileURL& url) = 0;
   virtual std::optional<QByteArray> makeBookmark(const FileURL& url) = 0;
   virtual std::optional<Resolution> resolve(const QByteArray& bookmark) = 0;
+  /// A file of ours is, or was, there: another one may have gone to the same folder. Any thread.
+  virtual void rememberPlace(const FileURL&) {}
 };
 
 /// Keeps the bookmark of the chosen folder.

@@ -63,6 +63,12 @@ void AppModel::expireMissing(size_t index) {
     expiryChangedRecords_ = true;
     return;
   }
+  if (dependencies_.monitor->hasMovedOut(item.url)) {
+    noteMovedAway(index);
+    setMember(unavailableItemIDs, item.id, true);
+    expiryChangedRecords_ = true;
+    return;
+  }
   const bool hasAccess = access_.folder() || access_.item(item.id);
   // A placeholder stands in its stead: the sync client has the file.
   const bool isDataless = dependencies_.isDataless(item.url);

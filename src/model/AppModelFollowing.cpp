@@ -17,7 +17,10 @@ bool AppModel::followRename(const FileURL& url, const FileIdentity& identity) {
     if (!isAbsent(item.url) && !isAnother) continue;
 
     const auto oldBookmark = item.fileBookmark;
-    updateItem(*index, [&](ScreenshotItem& record) { record.fileIdentity = identity; });
+    updateItem(*index, [&](ScreenshotItem& record) {
+      record.fileIdentity = identity;
+      record.hasMovedAway.reset();
+    });
     setMember(unavailableItemIDs, id, false);
     refreshCloudMembership(id, url);
     updateLocation(*index, url, std::nullopt);

@@ -34,7 +34,9 @@ ReconcileRun AppModel::prepareRun(const std::optional<UUIDSet>& ids) {
   ReconcileRun run;
   run.inputs.reserve(ids ? ids->size() : items_.size());
   items_.forEach([&](const ScreenshotItem& item) {
-    if (!ids || ids->contains(item.id)) run.inputs.push_back({item.id, item.url, item.fileBookmark, item.fileIdentity});
+    if (ids && !ids->contains(item.id)) return;
+    const bool hasMovedAway = item.hasMovedAway.value_or(false) || dependencies_.monitor->hasMovedOut(item.url);
+    run.inputs.push_back({item.id, item.url, item.fileBookmark, item.fileIdentity, hasMovedAway});
   });
   ReconcileEnvironment& environment = run.environment;
   environment.watchFolder = *watchFolderURL;
@@ -76,6 +78,9 @@ void AppModel::applyRun(const ReconcileRun& run, const ReconcileRequest& request
       gone.insert(input.id);
     } else if (!present) {
       unavailable.insert(input.id);
+      if (std::get<FileUnavailable>(outcome->second).hasMovedAway) {
+        recordsChanged = noteMovedAway(*index) || recordsChanged;
+      }
     } else {
       if (!unavailable.empty()) unavailable.erase(input.id);
       if (present->isEvicted) evicted.insert(input.id);
@@ -99,10 +104,25 @@ void AppModel::applyRun(const ReconcileRun& run, const ReconcileRequest& request
   prompts_.setPriority(AnnouncementPriority::high);
 }
 
+/// What the person moved is not to be thrown away, wherever it is. Answers whether the record changed.
+bool AppModel::noteMovedAway(size_t index) {
+  const UUID id = items_[index].id;
+  if (items_[index].hasMovedAway) return false;
+  updateItem(index, [](ScreenshotItem& item) { item.hasMovedAway = true; });
+  keepItem(index);
+  resolvePrompts({id});
+  return true;
+}
+
 /// Answers whether the record changed.
 bool AppModel::applyPresent(size_t index, const FilePresent& present) {
   const bool hadCompleteIdentity = items_[index].fileIdentity && items_[index].fileIdentity->isComplete();
   const bool isInPlace = present.url == items_[index].url;
+  if (items_[index].hasMovedAway) {
+    updateItem(index, [](ScreenshotItem& item) { item.hasMovedAway.reset(); });
+    applyPresent(index, present);
+    return true;
+  }
   // Nearly all of them.
   if (isInPlace && hadCompleteIdentity && !present.refreshedBookmark) return false;
   const FileURL oldURL = items_[index].url;

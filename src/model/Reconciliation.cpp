@@ -34,11 +34,11 @@ class Resolver {
     // Another disk in the place of the folder's has files of its own, perhaps under the same names.
     if (isInWatchFolder(input.url) && !isDiskThere()) return FileUnavailable{};
     const auto bookmarked = resolveBookmark(*environment_.scope, input.bookmark);
-    if (bookmarked) {
-      if (environment_.isInTrash(bookmarked->url)) return FileGone{};
+    if (bookmarked && environment_.isInTrash(bookmarked->url)) return FileGone{};
+    const bool isTaken = isAnothers(input);
+    if (bookmarked && !(isTaken && bookmarked->url == input.url)) {
       if (auto found = lookAtScoped(*bookmarked)) return *found;
     }
-    const bool isTaken = isAnothers(input);
     if (fileExists(input.url) && !isTaken) {
       auto found = look(input.url);
       if (bookmarked) found.refreshedBookmark = bookmarked->refreshed;
@@ -50,6 +50,8 @@ class Resolver {
     // A look that was refused says nothing.
     const bool hasLeft = isTaken || isAbsent(input.url);
     if (hasLeft && isInWatchFolder(input.url) && canSeeFolder()) {
+      // Moved to where it was not found: it was wanted.
+      if (input.hasMovedAway) return FileUnavailable{true};
       goneFromFolder_.push_back(input.id);
       return FileGone{};
     }
@@ -151,6 +153,8 @@ class Resolver {
 
 UUIDMap<ReconcileOutcome> resolveOutcomes(const std::vector<ReconcileInput>& inputs,
                                           const ReconcileEnvironment& environment) {
+  // The newest last: of many folders those of the newest are remembered.
+  for (auto input = inputs.rbegin(); input != inputs.rend(); ++input) environment.scope->rememberPlace(input->url);
   Resolver resolver(environment);
   UUIDMap<ReconcileOutcome> outcomes;
   outcomes.reserve(inputs.size());

@@ -17,6 +17,7 @@ struct ReconcileInput {
   FileURL url;
   std::optional<QByteArray> bookmark;
   std::optional<FileIdentity> identity;
+  bool hasMovedAway = false;  ///< seen to be moved out of the watched folder
 };
 
 /// The world as it is when a run starts; used off the main thread.
@@ -52,6 +53,7 @@ struct FileGone {
 };
 /// It cannot be told.
 struct FileUnavailable {
+  bool hasMovedAway = false;
   bool operator==(const FileUnavailable&) const = default;
 };
 using ReconcileOutcome = std::variant<FilePresent, FileGone, FileUnavailable>;

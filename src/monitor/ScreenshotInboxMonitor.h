@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "foundation/Executor.h"
 #include "foundation/SystemEvents.h"
@@ -15,6 +16,8 @@ namespace quillmere {
 class FolderEventWatch {
  public:
   virtual ~FolderEventWatch() = default;
+  /// Whether the file of this name was last seen to be moved to another folder.
+  virtual bool hasMovedOut(const std::string&) const { return false; }
 };
 enum class FolderEvent {
   changed,
@@ -45,6 +48,7 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
   void expectArrivalsSince(std::optional<Date> moment) override { arrivalsSince_ = moment; }
   void noteKnown(const FileURL& url) override;
   void noteUnknown(const FileURL& url) override;
+  bool hasMovedOut(const FileURL& url) const override;
   void refresh() override;
 
   bool isScanning() const { return isScanning_; }

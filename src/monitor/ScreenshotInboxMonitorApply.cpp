@@ -112,6 +112,11 @@ void ScreenshotInboxMonitor::noteUnknown(const FileURL& url) {
   scheduleScan(Duration::zero(), ScanScope::full);
 }
 
+bool ScreenshotInboxMonitor::hasMovedOut(const FileURL& url) const {
+  return directory_ && directorySource_ && url.parent() == *directory_ &&
+         directorySource_->hasMovedOut(url.lastPathComponent());
+}
+
 void ScreenshotInboxMonitor::accept(const FileURL& url) {
   const auto evidence = arrivalEvidence_.extract(url);
   const bool isFromElsewhere = evidence && evidence.mapped().isFromElsewhere;

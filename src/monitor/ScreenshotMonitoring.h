@@ -49,6 +49,8 @@ class ScreenshotMonitoring {
   virtual void noteKnown(const FileURL& url) = 0;
   /// No record has this name any more: a file that stands there is news.
   virtual void noteUnknown(const FileURL&) {}
+  /// Whether the file under this name was moved out of the folder while it was watched, and not deleted.
+  virtual bool hasMovedOut(const FileURL&) const { return false; }
   /// Opens a lost folder again, if it is there, and looks at all of it.
   virtual void refresh() = 0;
 };

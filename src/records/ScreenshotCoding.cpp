@@ -322,6 +322,7 @@ std::optional<ScreenshotItem> decodeItem(const Value& value) {
   item.arrivedFromElsewhere = reader.boolean("arrivedFromElsewhere");
   // As text: a kind that a newer version knows must not cost the record.
   if (const auto kind = reader.text("captureKind")) item.captureKind = captureKind(*kind);
+  item.hasMovedAway = reader.boolean("hasMovedAway");
   if (reader.failed()) return std::nullopt;
   return item;
 }
@@ -348,6 +349,7 @@ void appendEncoded(std::string& out, const ScreenshotItem& item) {
   }
   object.boolean("arrivedFromElsewhere", item.arrivedFromElsewhere);
   if (item.captureKind) object.text("captureKind", codedValue(*item.captureKind));
+  object.boolean("hasMovedAway", item.hasMovedAway);
   object.finish();
 }
 

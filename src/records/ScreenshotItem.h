@@ -53,6 +53,7 @@ struct ScreenshotItem {
   std::optional<FileIdentity> fileIdentity;
   std::optional<bool> arrivedFromElsewhere;
   std::optional<CaptureKind> captureKind;
+  std::optional<bool> hasMovedAway;  ///< the file was seen to be moved away, and has not been found since
 
   bool operator==(const ScreenshotItem&) const = default;
 };

@@ -133,6 +133,7 @@ class FakeMonitor final : public ScreenshotMonitoring {
   void expectArrivalsSince(std::optional<Date> moment) override;
   void noteKnown(const FileURL& url) override;
   void noteUnknown(const FileURL& url) override;
+  bool hasMovedOut(const FileURL& url) const override { return movedOut.contains(url.path()); }
   /// A folder that can be opened again is told as watched, as the real monitor tells it.
   void refresh() override;
 
@@ -140,6 +141,7 @@ class FakeMonitor final : public ScreenshotMonitoring {
   std::optional<Date> expectedSince;
   std::vector<FileURL> known;
   std::vector<FileURL> unknown;
+  std::set<std::string> movedOut;  ///< paths
   int refreshes = 0;
   int starts = 0;
   bool includes = false;

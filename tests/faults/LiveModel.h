@@ -56,6 +56,7 @@ class LiveModel {
   void quit() {
     model.reset();
     watch_.reset();
+    executor.drain();  // what is under way in the background uses the services
     presenter.visible.reset();
   }
   /// A fresh run of the program over what stands on the disk.
@@ -70,6 +71,7 @@ class LiveModel {
     executor.drain();
   }
   void advance(double bySeconds) { executor.advance(seconds(bySeconds)); }
+  void hold(const std::vector<FileURL>& files) { scope_->hold(files); }
   void tellOfMounts() { systemEvents_.volumesDidChange(); }
   void tellOfWaking() { systemEvents_.didWake(); }
   Date now() const {

@@ -239,5 +239,33 @@ TEST_F(AppModelArrival, ABurstIsIndexedOnceAndLooksAtNoOldFile) {
   EXPECT_TRUE(model->recordIndex().atPath(pathKey(shots.appending("another.png"), watchFolderPaths(shots))));
 }
 
+// --- A name that is taken again ---
+
+TEST_F(AppModelArrival, ANewCaptureUnderTheNameOfAFileThatHasGoneIsAskedAbout) {
+  launchWatching();
+  const UUID first = arrivePermanent("shot.png");
+  const FileURL shot = shots.appending("shot.png");
+  reconcileAll();  // under way when the new one comes
+  identities[shot.path()] = FileIdentity{"volume", 4711, Date{kStart + 50}, 7};
+  monitor.onScreenshot(shot);
+  ASSERT_EQ(queue().size(), 1u);
+  const UUID second = queue().front();
+  EXPECT_NE(second, first);
+  executor.drain();
+  EXPECT_FALSE(hasRecord(first)) << "its file is no more";
+  EXPECT_EQ(stateOf(second), State::pending);
+  EXPECT_EQ(savedRecords().size(), 1u);
+}
+
+TEST_F(AppModelArrival, AKnownFileThatWasWrittenAgainIsTheKnownOne) {
+  launchWatching();
+  const UUID first = arrivePermanent("shot.png");
+  writeFile(shots.appending("shot.png"), "longer than before");
+  monitor.onScreenshot(shots.appending("shot.png"));
+  EXPECT_TRUE(queue().empty());
+  EXPECT_TRUE(hasRecord(first));
+  EXPECT_EQ(model->items().size(), 1u);
+}
+
 }  // namespace
 }  // namespace quillmere::testing

@@ -364,5 +364,15 @@ TEST_F(AppModelReadOnlyList, DismissingSavesWhereTheListIsGone) {
   EXPECT_EQ(readBytes(listFile), R"({"version":1,"items":[]})");
 }
 
+TEST_F(AppModelExpiry, AFileThatWasMovedAwayIsKeptEvenBeforeThatIsReported) {
+  const UUID id = arriveTemporary("shot.png", TemporaryDuration::oneMinute);
+  deleteFile(shots.appending("shot.png"));
+  monitor.movedOut.insert(shots.appending("shot.png").path());
+  advance(61);
+  EXPECT_EQ(stateOf(id), State::permanent);
+  EXPECT_TRUE(model->unavailableItemIDs->contains(id));
+  EXPECT_EQ(savedRecord(id)->hasMovedAway, true);
+}
+
 }  // namespace
 }  // namespace quillmere::testing

@@ -418,5 +418,51 @@ TEST_F(AppModelReconciliation, AFileMovedBackAndForthKeepsItsAccessBalanced) {
   EXPECT_EQ(scope.openCount(), 1);
 }
 
+// --- Moved away to where it is not found ---
+
+TEST_F(AppModelReconciliation, AFileThatWasMovedAwayAndIsNotFoundIsSavedAndUnavailable) {
+  launchWatching();
+  const UUID temporary = arriveTemporary("temporary.png");
+  const UUID pending = arrive("pending.png");
+  for (const char* name : {"temporary.png", "pending.png"}) {
+    deleteFile(shots.appending(name));
+    monitor.movedOut.insert(shots.appending(name).path());
+  }
+  reportRemoval({shots.appending("temporary.png"), shots.appending("pending.png")});
+  executor.drain();
+  for (const UUID& id : {temporary, pending}) {
+    EXPECT_EQ(stateOf(id), State::permanent);
+    EXPECT_TRUE(model->unavailableItemIDs->contains(id));
+    EXPECT_EQ(savedRecord(id)->hasMovedAway, true);
+  }
+  EXPECT_TRUE(queue().empty());
+  // Nobody remembers in the next run but the record.
+  monitor.movedOut.clear();
+  launchWatching();
+  EXPECT_TRUE(hasRecord(temporary));
+  EXPECT_TRUE(model->unavailableItemIDs->contains(temporary));
+}
+
+TEST_F(AppModelReconciliation, AFileThatIsFoundAgainHasNotMovedAway) {
+  launchWatching();
+  const UUID id = arrivePermanent("shot.png");
+  const FileURL shot = shots.appending("shot.png");
+  moveFile(shot, elsewhere.appending("shot.png"));
+  monitor.movedOut.insert(shot.path());
+  reportRemoval({shot});
+  executor.drain();
+  ASSERT_EQ(item(id).hasMovedAway, true);
+  moveFile(elsewhere.appending("shot.png"), shot);
+  monitor.movedOut.clear();
+  reconcileAll();
+  executor.drain();
+  EXPECT_EQ(item(id).hasMovedAway, std::nullopt);
+  EXPECT_TRUE(model->unavailableItemIDs->empty());
+  deleteFile(shot);
+  reportRemoval({shot});
+  executor.drain();
+  EXPECT_FALSE(hasRecord(id)) << "deleted this time";
+}
+
 }  // namespace
 }  // namespace quillmere::testing

@@ -74,7 +74,9 @@ void LinuxPlatform::followAppearance(std::function<void(const Appearance&)> show
 }
 
 void LinuxPlatform::follow(AppModel& model) {
+  services_.holdUndecided(model);
   modelFollower_ = model.changed.connect([this, &model](const ModelChange& change) {
+    if (change.field == ModelField::items) services_.holdUndecided(model);
     if (change.field == ModelField::watchFolderURL) {
       services_.securityScope.setWatchedFolder(*model.watchFolderURL);
     } else if (change.field == ModelField::promptQueue || change.field == ModelField::popupAutoSaveEnabled) {

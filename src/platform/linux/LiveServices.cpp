@@ -2,9 +2,11 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QStandardPaths>
+#include <utility>
 
 #include "formats/ImageFile.h"
 #include "foundation/FileStatus.h"
+#include "model/AppModel.h"
 #include "model/Settings.h"
 #include "platform/linux/capture/ScreenCaptureAttributes.h"
 #include "platform/linux/files/CloudFiles.h"
@@ -72,6 +74,19 @@ ScanServices LiveServices::scanServices() {
   services.decodesCompletely = &ImageFile::decodesCompletely;
   services.fileDates = &fileDates;
   return services;
+}
+
+void LiveServices::holdUndecided(const AppModel& model) {
+  if (std::exchange(isHoldDue_, true)) return;
+  executor.post([this, &model] {
+    isHoldDue_ = false;
+    std::vector<FileURL> files;
+    model.items().forEach([&](const ScreenshotItem& item) {
+      const bool isUndecided = item.state != ScreenshotItem::State::permanent;
+      if (isUndecided && files.size() < HeldFiles::kMost) files.push_back(item.url);
+    });
+    securityScope.hold(files);
+  });
 }
 
 bool LiveServices::isFolderReachable(const FileURL& url) const {

@@ -37,6 +37,10 @@ class LiveServices {
   /// What the model needs, less what the windows bring.
   AppModelDependencies dependencies(const ApplicationPaths& paths);
 
+  /// Soon, once for many calls: has the files followed whose move would decide about them. The model outlives the event
+  /// loop.
+  void holdUndecided(const AppModel& model);
+
   QtExecutor executor;
   SystemEvents systemEvents;
   UserDefaults defaults;
@@ -56,6 +60,7 @@ class LiveServices {
  private:
   ScanServices scanServices();
   bool isFolderReachable(const FileURL& url) const;
+  bool isHoldDue_ = false;
 };
 
 }  // namespace quillmere

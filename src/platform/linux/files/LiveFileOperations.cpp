@@ -123,6 +123,17 @@ FileOutcome LiveFileOperations::remove(const FileURL& url) {
   return TEMP_FAILURE_RETRY(::unlink(url.c_str())) == 0 ? FileOutcome::done : outcomeOf(errno, url);
 }
 
+std::vector<FileURL> trashFolders(const FileURL& file, const MountTable& mounts) {
+  std::vector<FileURL> folders{FileURL::fromPath(std::string_view(g_get_user_data_dir())).appending("Trash/files")};
+  const auto mount = mounts.covering(file.parent());
+  if (!mount || mount->path == "/") return folders;
+  const FileURL top = FileURL::fromPath(mount->path);
+  const std::string user = std::to_string(::getuid());
+  folders.push_back(top.appending(".Trash/" + user + "/files"));
+  folders.push_back(top.appending(".Trash-" + user + "/files"));
+  return folders;
+}
+
 bool isInTrash(const FileURL& url, const MountTable& mounts) {
   const FileURL parent = url.parent().resolvingSymlinks().value_or(url.parent().standardized());
   const std::string path = parent.appending(url.lastPathComponent()).path();

@@ -16,6 +16,8 @@ class LiveFileOperations final : public FileOperations {
   FileOutcome remove(const FileURL& url) override;
 };
 
+/// The folders into which a file of this place goes when it is put in the Trash, whether or not they exist.
+std::vector<FileURL> trashFolders(const FileURL& file, const MountTable& mounts);
 /// Whether the path, symbolic links resolved, lies below the `files` folder of the home Trash or of the Trash of its
 /// file system, in either of that one's forms.
 bool isInTrash(const FileURL& url, const MountTable& mounts);

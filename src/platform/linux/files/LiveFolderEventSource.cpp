@@ -4,6 +4,8 @@
 #include <unistd.h>
 #include <QtCore/QSocketNotifier>
 #include <array>
+#include <map>
+#include <string>
 
 namespace quillmere {
 namespace {
@@ -23,6 +25,7 @@ class InotifyWatch final : public FolderEventWatch {
     notifier_.setEnabled(false);
     ::close(descriptor_);
   }
+  bool hasMovedOut(const std::string& name) const override { return movedOut_.contains(name); }
 
  private:
   void readEvents() {
@@ -32,6 +35,7 @@ class InotifyWatch final : public FolderEventWatch {
       for (const char* at = buffer.data(); at < buffer.data() + count;) {
         const auto* event = reinterpret_cast<const inotify_event*>(at);
         seen |= event->mask;
+        if (event->len > 0) follow(*event);
         at += sizeof(inotify_event) + event->len;
       }
     }
@@ -41,7 +45,23 @@ class InotifyWatch final : public FolderEventWatch {
     onEvent((seen & kLost) != 0 ? FolderEvent::lost : FolderEvent::changed);
   }
 
+  /// The kernel tells of a rename in the folder as of two moves with one cookie.
+  void follow(const inotify_event& event) {
+    constexpr size_t kMost = 10'000;
+    const std::string name = event.name;
+    if ((event.mask & IN_MOVED_FROM) != 0) {
+      if (movedOut_.size() >= kMost) movedOut_.clear();
+      movedOut_[name] = event.cookie;
+      return;
+    }
+    if ((event.mask & IN_MOVED_TO) != 0) {
+      std::erase_if(movedOut_, [&](const auto& one) { return one.second == event.cookie; });
+    }
+    if ((event.mask & (IN_MOVED_TO | IN_CREATE | IN_DELETE)) != 0) movedOut_.erase(name);
+  }
+
   int descriptor_;
+  std::map<std::string, uint32_t> movedOut_;  // names with the cookies of their moves
   QSocketNotifier notifier_;
   std::function<void(FolderEvent)> onEvent_;
 };

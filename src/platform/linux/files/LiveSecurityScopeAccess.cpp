@@ -2,15 +2,18 @@
 
 #include <dirent.h>
 #include <unistd.h>
+#include <algorithm>
 #include <cmath>
 #include <ctime>
 
 #include "foundation/FileStatus.h"
+#include "platform/linux/files/LiveFileOperations.h"
 #include "records/FileIdentity.h"
 
 namespace quillmere {
 namespace {
 
+constexpr size_t kMostFoldersKept = 40;
 const QString kBookmarkKey = QStringLiteral("quillmere.staging-folder-bookmark");
 
 /// What a path leads to; a symbolic link to a folder counts as the folder.
@@ -108,14 +111,36 @@ bool LiveSecurityScopeAccess::isSameFile(const Bookmark& bookmark, const FileURL
 std::optional<FileURL> LiveSecurityScopeAccess::search(const Bookmark& bookmark) {
   // Without a birth time a reused number could not be told from the old file.
   if (!bookmark.creationDate) return std::nullopt;
-  if (auto found = searchFolder(bookmark, bookmark.url.parent())) return found;
-  std::optional<FileURL> watched;
+  if (const auto place = held_.place(*bookmark.file); place && isSameFile(bookmark, *place)) return place;
+  for (const FileURL& folder : foldersToSearch(bookmark)) {
+    if (auto found = searchFolder(bookmark, folder)) return found;
+  }
+  return std::nullopt;
+}
+
+std::vector<FileURL> LiveSecurityScopeAccess::foldersToSearch(const Bookmark& bookmark) const {
+  std::vector<FileURL> folders{bookmark.url.parent()};
+  const auto add = [&](const FileURL& folder) {
+    if (std::find(folders.begin(), folders.end(), folder) == folders.end()) folders.push_back(folder);
+  };
   {
     const std::lock_guard lock(mutex_);
-    watched = watchedFolder_;
+    if (watchedFolder_) add(*watchedFolder_);
+    if (bookmark.isDirectory) return folders;
+    for (const FileURL& folder : otherFolders_) add(folder);
   }
-  if (!watched || *watched == bookmark.url.parent()) return std::nullopt;
-  return searchFolder(bookmark, *watched);
+  for (const FileURL& folder : trashFolders(bookmark.url, mounts_)) add(folder);
+  return folders;
+}
+
+void LiveSecurityScopeAccess::rememberPlace(const FileURL& file) {
+  constexpr size_t kMost = 32;
+  const FileURL folder = file.parent();
+  const std::lock_guard lock(mutex_);
+  if (folder == watchedFolder_ || (!otherFolders_.empty() && otherFolders_.front() == folder)) return;
+  std::erase(otherFolders_, folder);
+  otherFolders_.push_front(folder);
+  if (otherFolders_.size() > kMost) otherFolders_.pop_back();
 }
 
 std::optional<FileURL> LiveSecurityScopeAccess::searchFolder(const Bookmark& bookmark, const FileURL& folder) {
@@ -125,15 +150,17 @@ std::optional<FileURL> LiveSecurityScopeAccess::searchFolder(const Bookmark& boo
   {
     // A lock of its own: listing a slow folder must not hold those who only open or end access.
     const std::lock_guard lock(numbersMutex_);
-    const bool isKnown = numbers_ && numbers_->folder == folder && numbers_->modified == status->modified;
-    if (!isKnown || !numbers_->isSettled) {
-      numbers_ = FolderNumbers{folder, status->modified, hasSettled(status->modified), {}};
+    auto known = numbers_.find(folder);
+    if (known == numbers_.end() || known->second.modified != status->modified || !known->second.isSettled) {
+      if (numbers_.size() >= kMostFoldersKept) numbers_.clear();
+      known =
+          numbers_.insert_or_assign(folder, FolderNumbers{status->modified, hasSettled(status->modified), {}}).first;
       if (DIR* stream = ::opendir(folder.c_str())) {
-        while (const dirent* entry = ::readdir(stream)) numbers_->names.emplace(entry->d_ino, entry->d_name);
+        while (const dirent* entry = ::readdir(stream)) known->second.names.emplace(entry->d_ino, entry->d_name);
         ::closedir(stream);
       }
     }
-    const auto [first, last] = numbers_->names.equal_range(*bookmark.file);
+    const auto [first, last] = known->second.names.equal_range(*bookmark.file);
     for (auto name = first; name != last; ++name) names.push_back(name->second);
   }
   for (const std::string& name : names) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -7,13 +8,15 @@
 
 #include "model/AppModelDependencies.h"
 #include "platform/linux/files/Bookmark.h"
+#include "platform/linux/files/HeldFiles.h"
 #include "platform/linux/files/MountTable.h"
 
 namespace quillmere {
 
-/// Bookmarks over inodes. A bookmark answers its path while the same file stands there; otherwise it looks for the
-/// inode in the folder last known and in the watched folder. A reused inode number never passes: the birth time must
-/// match.
+/// Bookmarks over inodes. A bookmark answers its path while the same file stands there. A file that is held is found
+/// wherever it was moved on its file system; another is looked for by its inode in the folder last known, the watched
+/// folder, the Trash, and the folders where other files were found. A reused inode number never passes: the birth time
+/// must match.
 class LiveSecurityScopeAccess final : public SecurityScopeAccess {
  public:
   explicit LiveSecurityScopeAccess(MountTable& mounts) : mounts_(mounts) {}
@@ -23,7 +26,12 @@ class LiveSecurityScopeAccess final : public SecurityScopeAccess {
   std::optional<QByteArray> makeBookmark(const FileURL& url) override;
   std::optional<Resolution> resolve(const QByteArray& bookmark) override;
 
+  void rememberPlace(const FileURL& file) override;
+
   void setWatchedFolder(const std::optional<FileURL>& folder);
+  /// From now on these files, or the first 200 of them, are found wherever they are moved, as far as that keeps no disk
+  /// from leaving.
+  void hold(const std::vector<FileURL>& files) { held_.hold(files); }
   /// Starts that no stop has answered yet.
   int openCount() const;
 
@@ -31,11 +39,11 @@ class LiveSecurityScopeAccess final : public SecurityScopeAccess {
   bool isSameFile(const Bookmark& bookmark, const FileURL& candidate) const;
   bool isOnItsDisk(const Bookmark& bookmark) const;
   std::optional<FileURL> search(const Bookmark& bookmark);
+  std::vector<FileURL> foldersToSearch(const Bookmark& bookmark) const;
   std::optional<FileURL> searchFolder(const Bookmark& bookmark, const FileURL& folder);
 
-  /// The inode numbers of one folder's entries: looking for many lost files lists it once.
+  /// The inode numbers of a folder's entries: looking for many lost files lists it once.
   struct FolderNumbers {
-    FileURL folder;
     Date modified;
     bool isSettled = false;  ///< a later change of the folder will show in its date
     std::multimap<uint64_t, std::string> names;
@@ -46,7 +54,9 @@ class LiveSecurityScopeAccess final : public SecurityScopeAccess {
   std::map<std::string, int> openCounts_;
   std::optional<FileURL> watchedFolder_;
   std::mutex numbersMutex_;
-  std::optional<FolderNumbers> numbers_;
+  std::map<FileURL, FolderNumbers> numbers_;
+  std::deque<FileURL> otherFolders_;  // where files were found, the last ones first
+  HeldFiles held_{mounts_};
 };
 
 /// Keeps the folder's bookmark in the settings, and has its file system expected.

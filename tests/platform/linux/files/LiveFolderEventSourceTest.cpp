@@ -71,6 +71,32 @@ TEST_F(LiveFolderEventSourceTest, AFileThatIsMovedInOrOutIsAChange) {
   EXPECT_TRUE(hears(FolderEvent::changed));
 }
 
+TEST_F(LiveFolderEventSourceTest, AMoveOutIsToldFromADeletionAndFromARename) {
+  const auto rename = [](const FileURL& from, const FileURL& to) { return ::rename(from.c_str(), to.c_str()) == 0; };
+  ASSERT_TRUE(rename(present, folder.file("outside.png")));
+  EXPECT_TRUE(hears(FolderEvent::changed));
+  EXPECT_TRUE(watch->hasMovedOut("present.png"));
+  EXPECT_FALSE(watch->hasMovedOut("other.png"));
+
+  ASSERT_TRUE(rename(folder.file("outside.png"), present));
+  EXPECT_TRUE(hears(FolderEvent::changed));
+  EXPECT_FALSE(watch->hasMovedOut("present.png")) << "it is back";
+
+  ASSERT_TRUE(rename(present, fresh));
+  EXPECT_TRUE(hears(FolderEvent::changed));
+  EXPECT_FALSE(watch->hasMovedOut("present.png")) << "it is still in the folder";
+
+  ASSERT_EQ(::unlink(fresh.c_str()), 0);
+  EXPECT_TRUE(hears(FolderEvent::changed));
+  EXPECT_FALSE(watch->hasMovedOut("new.png"));
+
+  writeFile(present, "");
+  ASSERT_TRUE(rename(present, folder.file("outside.png")));
+  writeFile(present, "another");
+  EXPECT_TRUE(hears(FolderEvent::changed));
+  EXPECT_FALSE(watch->hasMovedOut("present.png")) << "another one has taken the name";
+}
+
 TEST_F(LiveFolderEventSourceTest, AFileThatIsRemovedIsAChange) {
   ASSERT_EQ(::unlink(present.c_str()), 0);
   EXPECT_TRUE(hears(FolderEvent::changed));
