@@ -1,16 +1,15 @@
 #include "controls/Alert.h"
 
-#include <QtWidgets/QLabel>
 #include <QtWidgets/QMessageBox>
+
+#include "controls/PlainText.h"
 
 namespace quillmere {
 
 void showAlert(QWidget* parent, const QString& title, const QString& message) {
   QWidget* above = parent && parent->isVisible() ? parent : nullptr;
-  QMessageBox box(QMessageBox::Warning, title, title, QMessageBox::Ok, above);
-  box.setInformativeText(message);
-  // File names stand in them.
-  for (QLabel* label : box.findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
+  QMessageBox box(QMessageBox::Warning, title, {}, QMessageBox::Ok, above);
+  setPlainTexts(box, title, message);
   box.exec();
 }
 

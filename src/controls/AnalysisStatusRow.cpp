@@ -22,7 +22,6 @@ AnalysisStatusRow::AnalysisStatusRow(QWidget* parent)
   text_->setObjectName(QStringLiteral("analysisStatus"));
   text_->setWordWrap(true);
   // What a model wrote is text and nothing else.
-  text_->setTextFormat(Qt::PlainText);
   text_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   text_->setFocusPolicy(Qt::NoFocus);
   button_->setAccessibleName(localized("Analyze Again"));

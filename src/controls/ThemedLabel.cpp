@@ -6,7 +6,7 @@
 
 namespace quillmere {
 
-ThemedLabel::ThemedLabel(Ink ink, QWidget* parent, const QString& text) : QLabel(text, parent), ink_(ink) {
+ThemedLabel::ThemedLabel(Ink ink, QWidget* parent, const QString& text) : PlainLabel(text, parent), ink_(ink) {
   followTheme();
 }
 
@@ -30,12 +30,12 @@ void ThemedLabel::followFont() {
 
 bool ThemedLabel::eventFilter(QObject* watched, QEvent* event) {
   if (watched == parentWidget() && event->type() == QEvent::FontChange) followFont();
-  return QLabel::eventFilter(watched, event);
+  return PlainLabel::eventFilter(watched, event);
 }
 
 void ThemedLabel::changeEvent(QEvent* event) {
   if (event->type() == QEvent::PaletteChange) followTheme();
-  QLabel::changeEvent(event);
+  PlainLabel::changeEvent(event);
 }
 
 }  // namespace quillmere

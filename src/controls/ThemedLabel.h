@@ -1,13 +1,12 @@
 #pragma once
 
-#include <QtWidgets/QLabel>
-
+#include "controls/PlainText.h"
 #include "controls/Theme.h"
 
 namespace quillmere {
 
 /// A label in one of the theme's colours and of a size that goes by the desktop's font, whichever they are now.
-class ThemedLabel final : public QLabel {
+class ThemedLabel final : public PlainLabel {
  public:
   using Ink = quillmere::Ink;
   ThemedLabel(Ink ink, QWidget* parent, const QString& text = {});

@@ -17,7 +17,27 @@ constexpr size_t kFewestWordsForStrictness = 5;
 constexpr size_t kShortestName = 4;
 constexpr int kTooManyDigits = 4;
 
+/// In UTF-16 units. A description is two sentences; what is so much longer is no description.
+constexpr qsizetype kLongestText = 2000;
+
 enum class Mode { plain, strict };
+
+QString shortened(QString text) {
+  if (text.size() <= kLongestText) return text;
+  text.truncate(kLongestText);
+  const auto ends = graphemeEnds(text);
+  // The last character may be half of one.
+  if (ends.size() > 1) text.truncate(ends[ends.size() - 2]);
+  return text;
+}
+
+/// A hostile picture may have the model write what turns the direction of all that stands around it. (In a name every
+/// invisible character becomes a blank.)
+QString withoutDirections(QString text) {
+  static const QRegularExpression directions(
+      QStringLiteral("[\\x{061C}\\x{200E}\\x{200F}\\x{202A}-\\x{202E}\\x{2066}-\\x{2069}]"));
+  return text.remove(directions);
+}
 
 QStringList tokensOf(const QString& text) {
   static const QRegularExpression blanks(QStringLiteral("\\s+"), QRegularExpression::UseUnicodePropertiesOption);
@@ -87,11 +107,11 @@ QString capitalized(const QString& text) {
 std::optional<ScreenshotAnalysisResult> cleanedAnswer(const QString& description, const QString& filename,
                                                       const std::optional<QString>& recognizedText) {
   const KnownWords known(recognizedText.value_or(QString()));
-  ScreenshotAnalysisResult result{description, filename};
+  ScreenshotAnalysisResult result{withoutDirections(shortened(description)), shortened(filename)};
   if (!known.isEmpty()) {
     const Mode mode = known.size() >= kFewestWordsForStrictness ? Mode::strict : Mode::plain;
-    result.description = correctedText(description, known, Mode::plain);
-    result.filename = correctedText(filename, known, mode);
+    result.description = correctedText(result.description, known, Mode::plain);
+    result.filename = correctedText(result.filename, known, mode);
   }
   static const QRegularExpression dash(QStringLiteral("\\s*\u2014\\s*"),
                                        QRegularExpression::UseUnicodePropertiesOption);

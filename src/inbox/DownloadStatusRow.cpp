@@ -4,6 +4,7 @@
 #include <QtWidgets/QLabel>
 
 #include "controls/ActionButton.h"
+#include "controls/PlainText.h"
 #include "controls/SymbolLabel.h"
 #include "foundation/Localized.h"
 
@@ -50,7 +51,7 @@ DownloadStatusContent DownloadStatusContent::make(bool canDownload, std::optiona
 DownloadStatusRow::DownloadStatusRow(QWidget* parent)
     : QWidget(parent),
       symbol_(new SymbolLabel(kSymbol, Ink::secondary, this)),
-      text_(new QLabel(this)),
+      text_(new PlainLabel(this)),
       button_(new ActionButton(ActionButton::Role::secondary, {}, {}, this)) {
   text_->setWordWrap(true);
   connect(button_, &QPushButton::clicked, this, [this] { onDownload(); });

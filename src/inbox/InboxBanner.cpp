@@ -5,6 +5,7 @@
 
 #include "controls/ActionButton.h"
 #include "controls/Grounds.h"
+#include "controls/PlainText.h"
 #include "controls/SymbolLabel.h"
 #include "foundation/Localized.h"
 
@@ -18,7 +19,7 @@ constexpr int kSymbol = 18;
 InboxBanner::InboxBanner(QWidget* parent)
     : QWidget(parent),
       symbol_(new SymbolLabel(kSymbol, Ink::warning, this)),
-      message_(new QLabel(this)),
+      message_(new PlainLabel(this)),
       action_(new ActionButton(ActionButton::Role::secondary, {}, {}, this)),
       dismiss_(new ActionButton(ActionButton::Role::icon, QStringLiteral("xmark"), {}, this)) {
   message_->setWordWrap(true);

@@ -6,6 +6,7 @@
 
 #include "controls/ActionButton.h"
 #include "controls/AnalysisStatusRow.h"
+#include "controls/PlainText.h"
 #include "controls/ScreenshotThumbnail.h"
 #include "controls/ThemedLabel.h"
 #include "foundation/Localized.h"
@@ -59,7 +60,7 @@ InboxDetail::InboxDetail(AppModel& model, ThumbnailLoader& thumbnails, QWidget* 
 
 QWidget* InboxDetail::makeHeader() {
   auto* header = new QWidget(this);
-  name_ = new QLabel(header);
+  name_ = new PlainLabel(header);
   name_->setFont(scaled(font(), 1.2, QFont::DemiBold));
   name_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   name_->setWordWrap(true);

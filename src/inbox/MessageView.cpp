@@ -4,6 +4,7 @@
 #include <QtWidgets/QVBoxLayout>
 
 #include "controls/ActionButton.h"
+#include "controls/PlainText.h"
 #include "controls/SymbolLabel.h"
 #include "controls/ThemedLabel.h"
 
@@ -17,7 +18,7 @@ constexpr int kTextWidth = 360;
 
 MessageView::MessageView(const Content& content, QWidget* parent) : QWidget(parent) {
   auto* symbol = new SymbolLabel(kSymbol, Ink::secondary, this, content.symbol);
-  auto* title = new QLabel(content.title, this);
+  auto* title = new PlainLabel(content.title, this);
   title->setFont(scaled(font(), 1.35, QFont::DemiBold));
   title->setAlignment(Qt::AlignCenter);
   auto* text = new ThemedLabel(Ink::secondary, this, content.text);

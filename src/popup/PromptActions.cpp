@@ -4,6 +4,7 @@
 #include <QtWidgets/QVBoxLayout>
 
 #include "controls/ActionButton.h"
+#include "controls/PlainText.h"
 #include "foundation/Localized.h"
 #include "popup/AdaptiveActionRow.h"
 #include "popup/DurationPicker.h"
@@ -22,7 +23,7 @@ PromptActions::PromptActions(QWidget* parent) : QWidget(parent) {
   durationPicker_ = new DurationPicker(this);
   trash_ = new ActionButton(Role::destructive, QStringLiteral("trash"), localized("Move to Trash"), this);
   // Qt names a menu after what is chosen in it; what it is for, screen readers learn from its label.
-  auto* durationLabel = new QLabel(durationPicker_->accessibleName(), this);
+  auto* durationLabel = new PlainLabel(durationPicker_->accessibleName(), this);
   durationLabel->setBuddy(durationPicker_);
   durationLabel->hide();
   connect(temporary_, &QPushButton::clicked, this, [this] { onTemporary(); });

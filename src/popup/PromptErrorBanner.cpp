@@ -25,8 +25,6 @@ PromptErrorBanner::PromptErrorBanner(QWidget* parent)
   title_->setTextSize(1, QFont::DemiBold);
   message_->setWordWrap(true);
   // File names stand in them.
-  title_->setTextFormat(Qt::PlainText);
-  message_->setTextFormat(Qt::PlainText);
   auto* symbol = new SymbolLabel(kSymbol, Ink::warning, this, QStringLiteral("exclamationmark.triangle.fill"));
   connect(dismiss_, &QPushButton::clicked, this, [this] { onDismiss(); });
 

@@ -1,10 +1,10 @@
 #include "shell/Confirmations.h"
 
 #include <QtWidgets/QApplication>
-#include <QtWidgets/QLabel>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
 
+#include "controls/PlainText.h"
 #include "foundation/Localized.h"
 #include "model/Messages.h"
 
@@ -15,10 +15,7 @@ bool ask(const QString& question, const QString& details, const QString& action)
   QMessageBox box(QApplication::activeWindow());
   box.setWindowTitle(question);
   box.setIcon(QMessageBox::Question);
-  box.setText(question);
-  box.setInformativeText(details);
-  // File names stand in them.
-  for (QLabel* label : box.findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
+  setPlainTexts(box, question, details);
   QPushButton* confirm = box.addButton(action, QMessageBox::DestructiveRole);
   QPushButton* cancel = box.addButton(localized("Cancel"), QMessageBox::RejectRole);
   confirm->setAutoDefault(false);

@@ -7,6 +7,7 @@
 #include <QtWidgets/QGridLayout>
 #include <QtWidgets/QLabel>
 
+#include "controls/PlainText.h"
 #include "foundation/Localized.h"
 
 namespace quillmere {
@@ -16,7 +17,7 @@ namespace {
 void explain(QFileDialog& dialog, const QString& message) {
   auto* grid = qobject_cast<QGridLayout*>(dialog.layout());
   if (!grid) return;
-  auto* line = new QLabel(message, &dialog);
+  auto* line = new PlainLabel(message, &dialog);
   line->setWordWrap(true);
   line->setContentsMargins(0, 4, 0, 2);
   grid->addWidget(line, grid->rowCount(), 0, 1, grid->columnCount());

@@ -11,6 +11,7 @@
 
 #include "controls/ActionButton.h"
 #include "controls/Alert.h"
+#include "controls/PlainText.h"
 #include "controls/SymbolLabel.h"
 #include "controls/ThemedLabel.h"
 #include "foundation/Localized.h"
@@ -129,7 +130,7 @@ QWidget* SettingsWindow::makeGeneralPane() {
     model_.setScreenshotNaming(index == 1 ? ScreenshotNaming::suggested : ScreenshotNaming::original);
   });
   auto* row = new QHBoxLayout;
-  row->addWidget(new QLabel(localized("New screenshots keep"), pane));
+  row->addWidget(new PlainLabel(localized("New screenshots keep"), pane));
   row->addStretch();
   row->addWidget(naming_);
   group->addLayout(row);
@@ -146,7 +147,7 @@ QWidget* SettingsWindow::makeIntelligencePane() {
   connect(analyzes_, &QCheckBox::toggled, this, [this](bool isOn) { model_.setAnalyzeScreenshots(isOn); });
   column->addWidget(analyzes_);
   modelSymbol_ = new SymbolLabel(kSymbol, Ink::warning, pane);
-  modelStatus_ = new QLabel(pane);
+  modelStatus_ = new PlainLabel(pane);
   modelStatus_->setWordWrap(true);
   auto* status = new QHBoxLayout;
   status->setSpacing(8);
@@ -159,7 +160,7 @@ QWidget* SettingsWindow::makeIntelligencePane() {
   modelAddress_->setPlaceholderText(localized("Found by itself"));
   connect(modelAddress_, &QLineEdit::editingFinished, this, [this] { model_.setModelAddress(modelAddress_->text()); });
   auto* address = new QHBoxLayout;
-  address->addWidget(new QLabel(localized("Model server address"), pane));
+  address->addWidget(new PlainLabel(localized("Model server address"), pane));
   address->addSpacing(8);
   address->addWidget(modelAddress_, 1);
   column->addLayout(address);
@@ -177,14 +178,14 @@ QWidget* SettingsWindow::makeScreenshotsPane() {
   auto* column = makePane(pane);
   auto* folder = addGroup(column, localized("Folder"), pane);
 
-  folderName_ = new QLabel(pane);
+  folderName_ = new PlainLabel(pane);
   folderName_->setFont(scaled(font(), 1, QFont::DemiBold));
   auto* choose = new ActionButton(ActionButton::Role::secondary, {}, localized("Choose…"), pane);
   choose->setAccessibleName(localized("Choose Screenshot Folder"));
   choose->setToolTip(localized("Choose the folder where macOS saves screenshots"));
   connect(choose, &QPushButton::clicked, this, [this] { model_.chooseWatchFolder({}, ErrorScope::settings); });
   auto* nameRow = new QHBoxLayout;
-  nameRow->addWidget(new QLabel(localized("Screenshot folder"), pane));
+  nameRow->addWidget(new PlainLabel(localized("Screenshot folder"), pane));
   nameRow->addStretch();
   nameRow->addWidget(folderName_);
   nameRow->addSpacing(8);
@@ -192,7 +193,7 @@ QWidget* SettingsWindow::makeScreenshotsPane() {
   folder->addLayout(nameRow);
 
   folderSymbol_ = new SymbolLabel(kSymbol, Ink::secondary, pane);
-  folderStatus_ = new QLabel(pane);
+  folderStatus_ = new PlainLabel(pane);
   folderStatus_->setWordWrap(true);
   auto* statusRow = new QHBoxLayout;
   statusRow->setSpacing(8);
@@ -224,7 +225,7 @@ QWidget* SettingsWindow::makePopupPane() {
   dismissesPopup_ = new QCheckBox(localized("Automatically dismiss the popup"), pane);
   connect(dismissesPopup_, &QCheckBox::toggled, this, [this](bool isOn) { model_.setPopupAutoSaveEnabled(isOn); });
   timeout->addWidget(dismissesPopup_);
-  secondsLabel_ = new QLabel(pane);
+  secondsLabel_ = new PlainLabel(pane);
   seconds_ = new QSpinBox(pane);
   seconds_->setRange(Settings::kShortestPopupSeconds, Settings::kLongestPopupSeconds);
   seconds_->setAccessibleName(localized("Popup timeout in seconds"));
@@ -263,7 +264,7 @@ void SettingsWindow::refresh() {
   const auto& folder = *model_.watchFolderURL;
   const WatcherStatus status = *model_.watcherStatus;
   folderName_->setText(folder ? folder->displayName() : localized("Not selected"));
-  folderName_->setToolTip(folder ? folder->displayPath() : QString());
+  setPlainToolTip(*folderName_, folder ? folder->displayPath() : QString());
   folderSymbol_->setSymbol(symbolOf(status), status == WatcherStatus::watching ? Ink::secondary : Ink::warning);
   folderStatus_->setText(statusText(status));
   location_->update();

@@ -36,6 +36,19 @@ TEST(ModelAnswer, ATokenKeepsItsPunctuation) {
   EXPECT_EQ(description("The (Nikey), page", "Nike"), "The (Nike), page");
 }
 
+TEST(ModelAnswer, NothingInItTurnsTheDirectionOfText) {
+  EXPECT_EQ(description("a \u202Egnp.exe\u202C b \u2066c\u2069\u200F\u061C"), "a gnp.exe b c");
+  EXPECT_EQ(filename("Notes \u202Efdp"), "Notes fdp");
+}
+
+TEST(ModelAnswer, ATextWithoutEndIsCutBetweenCharacters) {
+  EXPECT_EQ(description(std::string(10'000'000, 'a').c_str()), std::string(1999, 'a'));
+  std::string faces;
+  for (int i = 0; i < 2000; ++i) faces += "\U0001F600";
+  EXPECT_EQ(description(faces.c_str()), faces.substr(0, 999 * 4));
+  EXPECT_EQ(description(std::string(2000, 'a').c_str()), std::string(2000, 'a'));
+}
+
 TEST(ModelAnswer, CorrectedTextHasSingleBlanks) {
   EXPECT_EQ(description("Nikey \n login\t page", "Nike"), "Nike login page");
   EXPECT_EQ(description("Two  blanks"), "Two  blanks") << "without known words nothing is corrected";
