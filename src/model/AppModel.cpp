@@ -192,6 +192,9 @@ void AppModel::saveNow() {
 /// Without a word of a failure, which has been told: a banner that was dismissed stays away.
 bool AppModel::trySaving() {
   constexpr int kMostDoublings = 5;
+  // After a power cut the list may be older than the files, never newer: a file that the list tells gone would come
+  // back.
+  dependencies_.fileOperations->flush();
   if (!listWriter_.save(items_, dependencies_.recordStore.fileURL)) {
     const Duration pause = std::chrono::seconds(1 << std::min(failedSaves_++, kMostDoublings));
     saveTask_ = saveAgain(lifetime_.weak(this), pause);

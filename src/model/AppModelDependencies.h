@@ -49,6 +49,8 @@ class FileOperations {
     return move(from, to, unread);
   }
   virtual FileOutcome remove(const FileURL& url) = 0;
+  /// Makes all of the above survive a power cut. Called before anything is written that tells of it.
+  virtual void flush() {}
 };
 
 /// Bookmarks, which find a file again after it was renamed or moved, and counted access to places. `makeBookmark` and

@@ -93,6 +93,7 @@ std::optional<QString> FileReplacement::putInPlace(const UUID& id, const FileURL
     reason = refusal;
   }
   if (!reason) records_.fileWasReplaced(id);
+  files.flush();
   journal_.save(begun);
   return reason;
 }
@@ -116,6 +117,7 @@ void FileReplacement::finishBegun(const std::optional<FileURL>& watchFolder) {
   for (const Replacement& one : journal_.load()) {
     if (!finish(one)) left.push_back(one);
   }
+  dependencies_.fileOperations->flush();
   journal_.save(left);
   if (watchFolder) sweep_ = sweep(*dependencies_.executor, *watchFolder, left);
 }

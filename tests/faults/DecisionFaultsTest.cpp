@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <algorithm>
+#include <set>
 
 #include "faults/LiveModel.h"
 #include "faults/Whereabouts.h"
@@ -360,6 +362,33 @@ TEST_P(DecisionFaults, CallThatFailsLeavesTheDecisionDoneOrRefusedAndTold) {
     });
   }
   RecordProperty("cases", cases);
+}
+
+/// What a power cut leaves is then found by the next start: the file where the decision put it, or the old list.
+TEST_P(DecisionFaults, TheFoldersAreFlushedBeforeTheListThatTellsOfThem) {
+  LiveModel live(decision().before);
+  decision().prepare(live);
+  FaultyCalls faults(privateHome());
+  decision().act(live);
+  const auto made = faults.made();
+  const auto isDone = [&](const FaultyCalls::Made& one) {
+    return one.call == decision().decisive && one.path == live.oldPlace.path();
+  };
+  const auto done = std::find_if(made.begin(), made.end(), isDone);
+  ASSERT_NE(done, made.end());
+  const auto saved = std::find_if(done, made.end(), [&](const auto& one) {
+    return one.call == Call::rename && one.path.starts_with(live.listFile.path());
+  });
+  ASSERT_NE(saved, made.end());
+  std::set<std::string> flushed;
+  for (auto one = done; one != saved; ++one) {
+    if (one->call == Call::flush) flushed.insert(one->path);
+  }
+  std::set<std::string> touched{live.shots.path()};
+  if (decision().goal == Place::trash) {
+    touched.insert({homeTrash().appending("files").path(), homeTrash().appending("info").path()});
+  }
+  EXPECT_TRUE(std::includes(flushed.begin(), flushed.end(), touched.begin(), touched.end()));
 }
 
 TEST_P(DecisionFaults, TransferThatFallsShortIsFinished) {

@@ -7,7 +7,9 @@
 #include <array>
 #include <cerrno>
 #include <climits>
+#include <utility>
 
+#include "foundation/FileCopy.h"
 #include "foundation/FileStatus.h"
 #include "platform/linux/files/MoveAcrossDisks.h"
 
@@ -99,6 +101,8 @@ FileOutcome LiveFileOperations::trash(const FileURL& url, TrashReport& report) {
   // back.
   const FileURL trashed = place.now();
   const bool isInFiles = trashed.parent().lastPathComponent() == "files";
+  touched_.insert(url.parent());
+  if (isInFiles) touched_.insert({trashed.parent(), trashInfo(trashed).parent()});
   if (isInFiles && !isRestorable(trashed) && restore(trashed, url) == FileOutcome::done) return refused(ENOSPC);
   if (isInFiles) report.place = trashed;
   return FileOutcome::done;
@@ -106,7 +110,10 @@ FileOutcome LiveFileOperations::trash(const FileURL& url, TrashReport& report) {
 
 FileOutcome LiveFileOperations::restore(const FileURL& place, const FileURL& url) {
   const FileOutcome outcome = move(place, url);
-  if (outcome == FileOutcome::done) ::unlink(trashInfo(place).c_str());
+  if (outcome == FileOutcome::done) {
+    ::unlink(trashInfo(place).c_str());
+    touched_.insert(trashInfo(place).parent());
+  }
   return outcome;
 }
 
@@ -114,13 +121,22 @@ FileOutcome LiveFileOperations::move(const FileURL& from, const FileURL& to, QSt
   if (from.standardized() == to.standardized()) return FileOutcome::done;
   int error = renameWithoutReplacing(from, to);
   if (error == EXDEV && from.parent() != to.parent()) error = moveAcrossDisks(from, to);
-  if (error == 0) return FileOutcome::done;
+  if (error == 0) {
+    touched_.insert({from.parent(), to.parent()});
+    return FileOutcome::done;
+  }
   reason = systemReason(error);
   return outcomeOf(error, from);
 }
 
 FileOutcome LiveFileOperations::remove(const FileURL& url) {
-  return TEMP_FAILURE_RETRY(::unlink(url.c_str())) == 0 ? FileOutcome::done : outcomeOf(errno, url);
+  if (TEMP_FAILURE_RETRY(::unlink(url.c_str())) != 0) return outcomeOf(errno, url);
+  touched_.insert(url.parent());
+  return FileOutcome::done;
+}
+
+void LiveFileOperations::flush() {
+  for (const FileURL& folder : std::exchange(touched_, {})) flushFolder(folder);
 }
 
 std::vector<FileURL> trashFolders(const FileURL& file, const MountTable& mounts) {

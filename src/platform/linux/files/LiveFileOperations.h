@@ -1,5 +1,8 @@
 #pragma once
 
+#include <set>
+#include <vector>
+
 #include "model/AppModelDependencies.h"
 #include "platform/linux/files/MountTable.h"
 
@@ -14,6 +17,10 @@ class LiveFileOperations final : public FileOperations {
   FileOutcome restore(const FileURL& place, const FileURL& url) override;
   FileOutcome move(const FileURL& from, const FileURL& to, QString& reason) override;
   FileOutcome remove(const FileURL& url) override;
+  void flush() override;
+
+ private:
+  std::set<FileURL> touched_;  // folders with names that came or went since they were last flushed
 };
 
 /// The folders into which a file of this place goes when it is put in the Trash, whether or not they exist.
