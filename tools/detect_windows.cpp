@@ -88,7 +88,7 @@ Arguments parse(int argc, char** argv) {
     } else if (argument == "--rectangles") {
       arguments.rectangles = readRectangles(next());
     } else if (arguments.image.isEmpty() && !argument.starts_with("--")) {
-      arguments.image = FileURL::fromPath(std::filesystem::absolute(argument).string());
+      arguments.image = FileURL::fromPath(std::filesystem::weakly_canonical(argument).string());
     } else {
       stop("what is " + argument + "?");
     }

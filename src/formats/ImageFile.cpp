@@ -23,7 +23,8 @@ constexpr int64_t kMostFileBytes = int64_t{1} << 30;
 class OpenFile {
  public:
   explicit OpenFile(const FileURL& url) {
-    const int descriptor = ::open(url.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    // A link put in a picture's place would have another file read, and sent to where pictures go.
+    const int descriptor = ::open(url.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW);
     if (descriptor >= 0) file_.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle);
   }
   bool isOpen() const { return file_.isOpen(); }
@@ -194,7 +195,7 @@ std::optional<PictureFormat> ImageFile::formatOf(std::string_view head) {
 }
 
 std::optional<std::string> ImageFile::bytesOf(const FileURL& url) {
-  return readFile(url, kMostFileBytes);
+  return readFileItself(url, kMostFileBytes);
 }
 
 bool ImageFile::decodesCompletely(const FileURL& url) {

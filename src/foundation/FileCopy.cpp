@@ -49,7 +49,7 @@ bool copyBytes(int from, int64_t offset, int64_t length, int to) {
 }
 
 CopyResult copyFile(const FileURL& source, const FileURL& destination) {
-  const int from = ::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  const int from = ::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW);
   if (from < 0) return CopyResult::failed;
   struct stat status {};
   if (::fstat(from, &status) != 0 || !S_ISREG(status.st_mode)) {

@@ -6,7 +6,8 @@ namespace quillmere {
 
 enum class CopyResult { done, destinationExists, failed };
 
-/// Copies a regular file to a name that must be free, and flushes the copy. A copy that fails leaves nothing behind.
+/// Copies a regular file, and no link to one, to a name that must be free, and flushes the copy. A copy that fails
+/// leaves nothing behind.
 CopyResult copyFile(const FileURL& source, const FileURL& destination);
 
 /// Copies a range of bytes between two open files by the kernel where it can, else through memory. `to` is written at

@@ -66,9 +66,11 @@ bool listDirectory(const FileURL& folder, const std::function<void(int, const ch
   return complete;
 }
 
-std::optional<std::string> readFile(const FileURL& url, int64_t limit) {
+namespace {
+
+std::optional<std::string> readWhole(const FileURL& url, int64_t limit, int flags) {
   // Not blocking: a named pipe in the file's place must not hold the program.
-  const int descriptor = ::open(url.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  const int descriptor = ::open(url.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | flags);
   if (descriptor < 0) return std::nullopt;
   struct stat status {};
   std::optional<std::string> result;
@@ -87,6 +89,16 @@ std::optional<std::string> readFile(const FileURL& url, int64_t limit) {
   }
   ::close(descriptor);
   return result;
+}
+
+}  // namespace
+
+std::optional<std::string> readFile(const FileURL& url, int64_t limit) {
+  return readWhole(url, limit, 0);
+}
+
+std::optional<std::string> readFileItself(const FileURL& url, int64_t limit) {
+  return readWhole(url, limit, O_NOFOLLOW);
 }
 
 }  // namespace quillmere

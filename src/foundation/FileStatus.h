@@ -47,5 +47,7 @@ bool listDirectory(const FileURL& folder,
 
 /// Reads a whole regular file; none on any failure, or when it is larger than `limit` bytes.
 std::optional<std::string> readFile(const FileURL& url, int64_t limit = INT64_MAX);
+/// The same, but none for a symbolic link: for a file that may not be swapped for another.
+std::optional<std::string> readFileItself(const FileURL& url, int64_t limit);
 
 }  // namespace quillmere

@@ -15,6 +15,7 @@
 #include "model/ExpirationScheduler.h"
 #include "model/ExpiryRetries.h"
 #include "model/FileReplacement.h"
+#include "model/FileStamp.h"
 #include "model/FolderAccess.h"
 #include "model/Messages.h"
 #include "model/PictureTransfers.h"
@@ -148,7 +149,7 @@ class AppModel : private AnalysisRecords,
 
   // --- Disposal: AppModelDisposal.cpp ---
   enum class DisposalReason { chosen, expired, deleteImmediately };
-  enum class TrashOutcome { removed, notTracked, inUse, failed, unreachable };
+  enum class TrashOutcome { removed, notTracked, inUse, replaced, failed, unreachable };
   enum class ChosenDisposal { done, declined, refused };
   /// What the person chose on any surface. Where that deletes, it asks first; until the answer the record can neither
   /// expire nor be disposed of from elsewhere. A refusal is shown in `scope`.
@@ -286,6 +287,9 @@ class AppModel : private AnalysisRecords,
   // AppModelDisposal.cpp
   TrashOutcome dispose(const UUID& id, bool deletes);
   bool deletes(DisposalReason reason) const;
+  bool isReplaced(const ScreenshotItem& item) const;
+  void adoptReplacement(const UUID& id);
+  void showReplaced(ErrorScope scope, const FileURL& url);
 
   // AppModelRenaming.cpp
   RenameOutcome renameItem(size_t index, const QString& name);
@@ -388,6 +392,7 @@ class AppModel : private AnalysisRecords,
   std::optional<RecordIndex> recordIndexCache_;
 
   std::optional<PromptNameEdit> promptNameEdit_;
+  std::optional<std::pair<UUID, FileStamp>> shownFile_;  ///< the file in the popup as it was when it came up
 
   Task<> locationCheckTask_;
   CloudDownloads downloads_;

@@ -40,6 +40,7 @@ void AppModel::fileWasReplaced(const UUID& id) {
   const size_t index = *items_.indexOf(id);
   const FileURL url = items_[index].url;
   const auto identity = dependencies_.fileIdentity(url);
+  if (shownFile_ && shownFile_->first == id) shownFile_->second = fileStamp(url, dependencies_.fileIdentity);
   // Whatever is being read is the old picture.
   cancelAnalysis(id);
   updateItem(index, [&](ScreenshotItem& item) {

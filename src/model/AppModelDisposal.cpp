@@ -1,5 +1,6 @@
 #include <QtCore/QStringList>
 
+#include "foundation/FileStatus.h"
 #include "foundation/Localized.h"
 #include "model/AppModel.h"
 
@@ -22,6 +23,12 @@ AppModel::TrashOutcome AppModel::dispose(const UUID& id, bool deletes) {
   const ScreenshotItem* item = items_.find(id);
   if (!item) return TrashOutcome::notTracked;
   const FileURL url = item->url;
+  // What another disk has under this name is not ours.
+  if (!dependencies_.isVolumeMounted(url)) {
+    setMember(unavailableItemIDs, id, true);
+    return TrashOutcome::unreachable;
+  }
+  if (isReplaced(*item)) return TrashOutcome::replaced;
   FileOperations& files = *dependencies_.fileOperations;
   switch (deletes ? files.remove(url) : files.trash(url)) {
     case FileOutcome::done:
@@ -40,18 +47,54 @@ AppModel::TrashOutcome AppModel::dispose(const UUID& id, bool deletes) {
   return TrashOutcome::unreachable;
 }
 
+/// Whether something else than the record's file stands in its place.
+bool AppModel::isReplaced(const ScreenshotItem& item) const {
+  const auto status = fileStatus(item.url);
+  if (!status) return false;
+  if (!status->isRegular()) return true;
+  const auto present = dependencies_.fileIdentity(item.url);
+  return item.fileIdentity && present && item.fileIdentity->isComplete() && present->isComplete() &&
+         !present->isSameInode(*item.fileIdentity);
+}
+
+/// The person is asked again, now about the file that is there. That its predecessor was Temporary says nothing of it.
+void AppModel::adoptReplacement(const UUID& id) {
+  const auto index = items_.indexOf(id);
+  const auto present = index ? dependencies_.fileIdentity(items_[*index].url) : std::nullopt;
+  if (!present) return;
+  updateItem(*index, [&](ScreenshotItem& item) { item.fileIdentity = present; });
+  refreshBookmark(*index, items_[*index].fileBookmark);
+  if (items_[*index].state == ScreenshotItem::State::temporary) keepItem(*index);
+  saveNow();
+}
+
 AppModel::ChosenDisposal AppModel::disposeChosen(const UUID& id, ErrorScope scope) {
   const ScreenshotItem* item = items_.find(id);
   if (!item) return ChosenDisposal::declined;
   const ScreenshotItem chosen = *item;
+  const auto stampNow = [&] { return fileStamp(chosen.url, dependencies_.fileIdentity); };
+  const bool isInPopup = scope == ErrorScope::popup && shownFile_ && shownFile_->first == id;
+  const FileStamp shown = isInPopup ? shownFile_->second : stampNow();
   if (deletes(DisposalReason::chosen)) {
     protect(chosen.id);
     const bool isConfirmed = dependencies_.confirmDeletion(chosen.url.displayName());
     unprotect(chosen.id);
     if (!isConfirmed) return ChosenDisposal::declined;
   }
+  // What was written or put there since the person looked is not what was decided about.
+  if (const FileStamp present = stampNow(); present != shown && present.identity && items_.find(id)) {
+    if (isInPopup) shownFile_->second = present;
+    adoptReplacement(id);
+    showReplaced(scope, chosen.url);
+    return ChosenDisposal::refused;
+  }
   disposeItem(chosen, scope, DisposalReason::chosen);
   return items_.find(chosen.id) ? ChosenDisposal::refused : ChosenDisposal::done;
+}
+
+void AppModel::showReplaced(ErrorScope scope, const FileURL& url) {
+  show(scope, localized("Screenshot Has Changed"),
+       localized("“%@” has changed since it was shown. Look at it again, then decide.", {url.displayName()}));
 }
 
 void AppModel::disposeItem(const ScreenshotItem& item, ErrorScope scope, DisposalReason reason) {
@@ -66,6 +109,10 @@ void AppModel::disposeItem(const ScreenshotItem& item, ErrorScope scope, Disposa
       saveNow();
       return;
     case TrashOutcome::notTracked:
+      return;
+    case TrashOutcome::replaced:
+      adoptReplacement(id);
+      showReplaced(scope, (present ? *present : item).url);
       return;
     case TrashOutcome::inUse:
       show(scope, localized("Screenshot Is in Use"),
@@ -97,6 +144,7 @@ void AppModel::disposeBatch(const std::vector<ScreenshotItem>& items, ErrorScope
   const bool isDeleting = deletes(reason);
   UUIDSet removed;
   int inUse = 0;
+  int replaced = 0;
   int failed = 0;
   int unreachable = 0;
   for (const ScreenshotItem& item : items) {
@@ -105,6 +153,10 @@ void AppModel::disposeBatch(const std::vector<ScreenshotItem>& items, ErrorScope
         removed.insert(item.id);
         break;
       case TrashOutcome::notTracked:
+        break;
+      case TrashOutcome::replaced:
+        ++replaced;
+        adoptReplacement(item.id);
         break;
       case TrashOutcome::inUse:
         ++inUse;
@@ -129,6 +181,10 @@ void AppModel::disposeBatch(const std::vector<ScreenshotItem>& items, ErrorScope
   }
   if (unreachable > 0) {
     sentences << localized("%lld screenshots are on a disk or in a folder that isn’t available.", {unreachable});
+  }
+  if (replaced > 0) {
+    sentences << localized("%lld screenshots have changed since they were shown. Look at them again, then decide.",
+                           {replaced});
   }
   if (sentences.isEmpty()) return;
   sentences << localized("They are still in Quillmere.");

@@ -49,6 +49,7 @@ void AppModel::promptIsLeft() {
 
 void AppModel::showPrompt(const ScreenshotItem& item) {
   const UUID id = item.id;
+  shownFile_ = {id, fileStamp(item.url, dependencies_.fileIdentity)};
   dependencies_.promptPresenter->present(item, *this);
   beginCountdown(id);
 }

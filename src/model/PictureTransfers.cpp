@@ -26,12 +26,21 @@ QString message(CopyFailure failure, const QString& name) {
   return {};
 }
 
+/// Whether another file stands in the place of the one that is meant: it must not be sent in its stead.
+bool isAnother(const PromptPreviewTransfer& transfer,
+               const std::function<std::optional<FileIdentity>(const FileURL&)>& identity) {
+  if (transfer.crop || !transfer.identity || !transfer.identity->isComplete()) return false;
+  const auto present = identity(transfer.url);
+  return present && present->isComplete() && !present->isSameInode(*transfer.identity);
+}
+
 }  // namespace
 
 PromptPreviewTransfer PictureTransfers::transfer(const ScreenshotItem& item, const std::optional<QString>& name) const {
   PromptPreviewTransfer transfer;
   transfer.url = item.url;
   transfer.crop = source_.extractedWindow(item.id);
+  transfer.identity = item.fileIdentity;
   transfer.filename = transferName(name, item.url, transfer.crop.has_value());
   return transfer;
 }
@@ -77,11 +86,14 @@ Task<> PictureTransfers::runCopy(Weak<PictureTransfers> self, ScreenshotItem ite
 
 std::function<Result<ScreenshotPasteboardItem, CopyFailure>()> PictureTransfers::reading(
     const PromptPreviewTransfer& transfer) const {
-  return [transfer, isDataless = dependencies_.isDataless]() -> Result<ScreenshotPasteboardItem, CopyFailure> {
+  return [transfer, isDataless = dependencies_.isDataless,
+          identity = dependencies_.fileIdentity]() -> Result<ScreenshotPasteboardItem, CopyFailure> {
     // Reading it would download it.
     if (!transfer.crop && isDataless(transfer.url)) return CopyFailure::evicted;
+    if (isAnother(transfer, identity)) return CopyFailure::unreadable;
     const auto data = transfer.data();
-    if (!data) return CopyFailure::unreadable;
+    // Once more: it may have been put there in between.
+    if (!data || isAnother(transfer, identity)) return CopyFailure::unreadable;
     // The window is in no file yet.
     const auto url = transfer.crop ? std::nullopt : std::optional(transfer.url);
     return ScreenshotPasteboardItem{url, transfer.contentType(), *data};
@@ -98,10 +110,13 @@ Task<std::optional<PreparedTransfer>> PictureTransfers::runPreparation(Weak<Pict
                                                                        std::optional<QString> name) {
   const PromptPreviewTransfer transfer = self->transfer(item, name);
   const std::function<Result<FileURL, Failure>()> work =
-      [transfer, files = self->dependencies_.transferFiles,
-       isDataless = self->dependencies_.isDataless]() -> Result<FileURL, Failure> {
-    if (!transfer.crop && isDataless(transfer.url)) return Failure(ImageOperations::OperationError::unreadable);
-    return files.file(transfer);
+      [transfer, files = self->dependencies_.transferFiles, isDataless = self->dependencies_.isDataless,
+       identity = self->dependencies_.fileIdentity]() -> Result<FileURL, Failure> {
+    const Failure unreadable(ImageOperations::OperationError::unreadable);
+    if (!transfer.crop && isDataless(transfer.url)) return unreadable;
+    if (isAnother(transfer, identity)) return unreadable;
+    auto file = files.file(transfer);
+    return isAnother(transfer, identity) ? Result<FileURL, Failure>(unreadable) : file;
   };
   auto preparing = self->dependencies_.executor->background(work);
   const auto file = co_await preparing;

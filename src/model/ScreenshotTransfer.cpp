@@ -7,6 +7,7 @@
 
 #include "formats/ImageEncoding.h"
 #include "formats/ImageFile.h"
+#include "foundation/FileCopy.h"
 #include "foundation/FileStatus.h"
 #include "records/ScreenshotNaming.h"
 #include "records/UUID.h"
@@ -69,8 +70,9 @@ Result<QByteArray, Failure> PromptPreviewTransfer::data() const {
 }
 
 Result<FileURL, Failure> TransferFiles::file(const PromptPreviewTransfer& transfer) const {
-  // Nothing is handed over that is no longer there.
-  if (!transfer.crop && !fileExists(transfer.url)) return Failure(OperationError::unreadable);
+  // Nothing is handed over that is no longer there, or is a link to something else.
+  const auto status = transfer.crop ? std::nullopt : fileStatus(transfer.url);
+  if (!transfer.crop && !(status && status->isRegular())) return Failure(OperationError::unreadable);
   if (transfer.isFile()) return transfer.url;
   removeOld();
   std::error_code error;
@@ -86,7 +88,8 @@ Result<FileURL, Failure> TransferFiles::file(const PromptPreviewTransfer& transf
     if (!bytes) return bytes.reason();
     error = writeFile(place.path(), *bytes);
   } else {
-    fs::copy_file(transfer.url.path(), place.path(), error);
+    const bool isCopied = copyFile(transfer.url, place) == CopyResult::done;
+    if (!isCopied) error = std::make_error_code(std::errc::io_error);
   }
   if (!error) return place;
   std::error_code ignored;

@@ -10,6 +10,7 @@
 #include "formats/ImageOperations.h"
 #include "foundation/FileURL.h"
 #include "foundation/Result.h"
+#include "records/FileIdentity.h"
 #include "records/PictureFormat.h"
 
 namespace quillmere {
@@ -32,7 +33,8 @@ struct PromptPreviewTransfer {
   };
   FileURL url;
   std::optional<Crop> crop;
-  std::string filename;  ///< the name it arrives under
+  std::string filename;                                 ///< the name it arrives under
+  std::optional<FileIdentity> identity = std::nullopt;  ///< of the file that is meant
 
   /// The file itself can be handed over.
   bool isFile() const { return !crop && filename == url.lastPathComponent(); }

@@ -152,7 +152,8 @@ class Cell {
 class DiskMatrixTest : public ::testing::TestWithParam<std::tuple<Place, Disk>> {};
 
 TEST_P(DiskMatrixTest, LosesNothing) {
-  const auto [place, disk] = GetParam();
+  const Place place = std::get<Place>(GetParam());
+  const Disk disk = std::get<Disk>(GetParam());
   for (const Meanwhile meanwhile :
        {Meanwhile::nothing, Meanwhile::expiryDue, Meanwhile::popupOpen, Meanwhile::rename, Meanwhile::reconciliation}) {
     EXPECT_EQ(testing::failureWithPrivateMounts([&] { return Cell(place, meanwhile).play(disk); }), "")

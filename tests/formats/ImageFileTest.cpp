@@ -135,6 +135,15 @@ TEST_P(FormatTest, TheNameDoesNotMatter) {
 }
 
 /// As a program that sets the length first leaves it for a moment. The decoder of HEIF conceals such damage.
+TEST_F(ImageFileTest, ALinkToAPictureIsNotRead) {
+  const FileURL picture = write(bytesOf(PictureFormat::png, redAndBlue(32, 20)));
+  const FileURL link = folder.file("link.png");
+  std::filesystem::create_symlink(picture.path(), link.path());
+  EXPECT_TRUE(ImageFile::bytesOf(picture));
+  EXPECT_FALSE(ImageFile::bytesOf(link));
+  EXPECT_FALSE(ImageFile::decodesCompletely(link));
+}
+
 TEST_F(ImageFileTest, APngOrJpegWhoseSecondHalfIsNotWrittenYetIsIncomplete) {
   for (const PictureFormat format : {PictureFormat::png, PictureFormat::jpeg}) {
     std::string bytes = bytesOf(format, redAndBlue(320, 200));

@@ -213,7 +213,7 @@ TEST_F(AppModelDisposal, BatchSentencesStandInTheirOrderWithPluralForms) {
   model->protect(ids[5]);
   files.refuse(item(ids[1]).url);
   files.refuse(item(ids[4]).url);
-  ejectDisk();
+  unreachableFolders.insert(shots.path());
   files.answers[item(ids[0]).url.path()] = FileOutcome::missing;
   files.answers[item(ids[3]).url.path()] = FileOutcome::missing;
   disposeAll(ids, Reason::deleteImmediately);
@@ -224,6 +224,88 @@ TEST_F(AppModelDisposal, BatchSentencesStandInTheirOrderWithPluralForms) {
             "They are still in Quillmere.");
   EXPECT_EQ(model->items().size(), 6u);
   EXPECT_EQ(*model->unavailableItemIDs, (UUIDSet{ids[0], ids[3]}));
+}
+
+// --- Another file in the place of the one that was shown ---
+
+TEST_F(AppModelDisposal, AFileThatWasReplacedIsAskedAboutAgain) {
+  const UUID id = arrivePermanent("shot.png");
+  const FileURL shot = shots.appending("shot.png");
+  identities[shot.path()] = FileIdentity{"volume", 4711, Date{kStart + 50}, 7};
+  model->disposeItem(item(id), ErrorScope::inbox, Reason::chosen);
+  EXPECT_EQ(files.calls(), 0);
+  EXPECT_EQ(title(), "Screenshot Has Changed");
+  EXPECT_EQ(text(), "“shot.png” has changed since it was shown. Look at it again, then decide.");
+  EXPECT_EQ(savedRecord(id)->fileIdentity->file, 4711u);
+  model->disposeItem(item(id), ErrorScope::inbox, Reason::chosen);
+  EXPECT_TRUE(isInTrashFolder("shot.png"));
+  EXPECT_FALSE(hasRecord(id));
+}
+
+TEST_F(AppModelDisposal, AReplacementOfATemporaryFileIsNotTemporary) {
+  const UUID id = arriveTemporary("shot.png");
+  identities[shots.appending("shot.png").path()] = FileIdentity{"volume", 4711, Date{kStart + 50}, 7};
+  model->disposeItem(item(id), ErrorScope::inbox, Reason::chosen);
+  EXPECT_EQ(stateOf(id), State::permanent);
+  advance(100'000);
+  EXPECT_EQ(files.calls(), 0);
+}
+
+TEST_F(AppModelDisposal, ALinkInThePlaceOfAFileIsLeftAlone) {
+  const UUID id = arrivePermanent("shot.png");
+  const FileURL shot = shots.appending("shot.png");
+  deleteFile(shot);
+  std::filesystem::create_symlink("/etc/hostname", shot.path());
+  for (const Reason reason : {Reason::chosen, Reason::deleteImmediately}) {
+    model->disposeItem(item(id), ErrorScope::inbox, reason);
+    EXPECT_EQ(title(), "Screenshot Has Changed");
+  }
+  EXPECT_EQ(files.calls(), 0);
+  EXPECT_TRUE(hasRecord(id));
+}
+
+TEST_F(AppModelDisposal, AFileThatWasWrittenUnderThePopupIsAskedAboutAgain) {
+  const UUID id = arrive("shot.png");
+  writeFile(shots.appending("shot.png"), "another picture in the same file");
+  EXPECT_EQ(model->disposeChosen(id, ErrorScope::popup), AppModel::ChosenDisposal::refused);
+  EXPECT_EQ(files.calls(), 0);
+  ASSERT_TRUE(*model->promptError);
+  EXPECT_EQ((*model->promptError)->title, QStringLiteral("Screenshot Has Changed"));
+  EXPECT_EQ(model->disposeChosen(id, ErrorScope::popup), AppModel::ChosenDisposal::done);
+}
+
+TEST_F(AppModelDisposal, AFileThatWasReplacedUnderTheQuestionIsAskedAboutAgain) {
+  setSettings(R"({"quillmere.delete-immediately-chosen":true})");
+  launchWatching();
+  const UUID id = arrivePermanent("shot.png");
+  const FileURL shot = shots.appending("shot.png");
+  onDeletionQuestion = [&] { identities[shot.path()] = FileIdentity{"volume", 4711, Date{kStart + 50}, 7}; };
+  confirmsDeletion = true;
+  EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), AppModel::ChosenDisposal::refused);
+  EXPECT_TRUE(fileExists(shot));
+  onDeletionQuestion = {};
+  EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), AppModel::ChosenDisposal::done);
+  EXPECT_FALSE(fileExists(shot));
+}
+
+TEST_F(AppModelDisposal, ReplacedFilesOfABatchAreCounted) {
+  const UUID first = arrivePermanent("1.png"), second = arrivePermanent("2.png"), third = arrivePermanent("3.png");
+  for (const char* name : {"1.png", "2.png"}) {
+    identities[shots.appending(name).path()] = FileIdentity{"volume", 4711, Date{kStart + 50}, 7};
+  }
+  disposeAll({first, second, third});
+  EXPECT_EQ(text(),
+            "2 screenshots have changed since they were shown. Look at them again, then decide. They are still in "
+            "Quillmere.");
+  EXPECT_FALSE(hasRecord(third));
+}
+
+TEST_F(AppModelDisposal, WhatAnotherDiskHasUnderTheNameIsLeftAlone) {
+  const UUID id = arrivePermanent("shot.png");
+  isVolumeMounted = false;
+  model->disposeItem(item(id), ErrorScope::inbox, Reason::deleteImmediately);
+  EXPECT_EQ(files.calls(), 0);
+  EXPECT_TRUE(model->unavailableItemIDs->contains(id));
 }
 
 TEST_F(AppModelDisposal, BatchThatWentWellShowsNothingAndSavesOnce) {

@@ -43,6 +43,10 @@ class PictureTransfersTest : public ::testing::Test {
     world.announcer = &announcer;
     world.transferFiles = TransferFiles(home.file("transfers"));
     world.isDataless = [this](const FileURL&) { return isEvicted; };
+    world.fileIdentity = [this](const FileURL&) {
+      ++looks;
+      return looks >= replacedAtLook ? another : identity;
+    };
   }
   ScreenshotItem add(int number, const char* bytes) {
     ScreenshotItem item = bareItem(number);
@@ -59,6 +63,10 @@ class PictureTransfersTest : public ::testing::Test {
   FakeAnnouncer announcer{log};
   FakeTransferSource source;
   bool isEvicted = false;
+  const std::optional<FileIdentity> identity = FileIdentity{"volume", 1, Date{1}, 3};
+  const std::optional<FileIdentity> another = FileIdentity{"volume", 2, Date{2}, 3};
+  int looks = 0;
+  int replacedAtLook = 1000;
   AppModelDependencies world;
   ScreenshotList items;
   std::unique_ptr<PictureTransfers> transfers = std::make_unique<PictureTransfers>(world, items, source);
@@ -123,6 +131,24 @@ TEST_F(PictureTransfersTest, AnEvictedFileIsNotSharedAndThatIsShown) {
   EXPECT_EQ(preparing.await_resume(), std::nullopt);
   EXPECT_THAT(source.failures,
               ElementsAre(FakeTransferSource::Failure{ErrorScope::popup, uuid(1), "Couldn’t Share Screenshot"}));
+}
+
+TEST_F(PictureTransfersTest, AnotherFileInThePlaceIsNotSentBeforeOrDuringTheReading) {
+  for (const int look : {1, 2}) {
+    replacedAtLook = 1000;
+    ScreenshotItem item = add(look, "one");
+    item.fileIdentity = identity;
+    looks = 0;
+    replacedAtLook = look;
+    const auto copying = transfers->copy(item, ErrorScope::inbox);
+    executor.drain();
+    looks = 0;
+    const auto preparing = transfers->prepare(item, {});
+    executor.drain();
+    EXPECT_EQ(preparing.await_resume(), std::nullopt);
+  }
+  EXPECT_TRUE(pasteboard.items.empty());
+  EXPECT_EQ(source.failures.size(), 4u);
 }
 
 }  // namespace

@@ -138,6 +138,16 @@ TEST_F(ScreenshotTransfer, OfAVanishedFileFails) {
   EXPECT_FALSE(fileExists(home.file("transfers"))) << "nothing is left of it";
 }
 
+TEST_F(ScreenshotTransfer, OfALinkThatWasPutInThePlaceFails) {
+  const FileURL secret = home.file("private key");
+  writeFile(secret, "secret");
+  std::filesystem::remove(shot.path());
+  std::filesystem::create_symlink(secret.path(), shot.path());
+  EXPECT_FALSE(files.file(transfer("shot.png")));
+  EXPECT_FALSE(files.file(transfer("Invoice.png")));
+  EXPECT_FALSE(transfer("shot.png").data());
+}
+
 TEST_F(ScreenshotTransfer, IsReadableByItsOwnerAlone) {
   const auto file = files.file(transfer("Invoice.png"));
   ASSERT_TRUE(file);

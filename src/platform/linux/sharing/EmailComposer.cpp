@@ -31,7 +31,7 @@ bool hasPortal() {
 
 /// The file is handed over open, so that a mail program that may not read the folder has it too.
 bool composeByPortal(const FileURL& attachment) {
-  const int descriptor = ::open(attachment.c_str(), O_RDONLY | O_CLOEXEC);
+  const int descriptor = ::open(attachment.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
   if (descriptor < 0) return false;
   QDBusUnixFileDescriptor file;
   file.giveFileDescriptor(descriptor);
