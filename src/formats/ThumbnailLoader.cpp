@@ -19,8 +19,7 @@ using Outcome = ThumbnailLoader::Outcome;
 /// file may be replaced within a second.
 std::string cacheKey(const FileURL& url, int pixels) {
   struct stat status {};
-  // Of what will be read, if the name is a link.
-  if (::stat(url.c_str(), &status) != 0) status.st_mtim = {};
+  if (::lstat(url.c_str(), &status) != 0) status.st_mtim = {};
   return url.path() + "|" + std::to_string(status.st_mtim.tv_sec) + "." + std::to_string(status.st_mtim.tv_nsec) + "|" +
          std::to_string(pixels);
 }
