@@ -3,10 +3,15 @@
 #include <QtCore/QIODevice>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
+#include <QtCore/QSaveFile>
 #include <QtCore/QSettings>
 #include <QtCore/QVariant>
 #include <cmath>
+#include <cstdio>
 #include <limits>
+
+#include "foundation/FileCopy.h"
+#include "foundation/FileStatus.h"
 
 namespace quillmere {
 namespace {
@@ -29,9 +34,55 @@ QSettings::Format jsonFormat() {
   return format;
 }
 
+FileURL fileURLOf(const QString& path) {
+  return FileURL::fromPath(path);
+}
+
+/// As they are written: one setting a line.
+QJsonObject settingsIn(const QByteArray& damaged) {
+  QJsonObject kept;
+  for (QByteArray line : damaged.split('\n')) {
+    line = line.trimmed();
+    if (line.endsWith(',')) line.chop(1);
+    const QJsonObject one = QJsonDocument::fromJson("{" + line + "}").object();
+    for (auto setting = one.begin(); setting != one.end(); ++setting) kept[setting.key()] = setting.value();
+  }
+  return kept;
+}
+
+/// One damaged byte must not cost all settings, the chosen folder among them.
+void repair(const QString& path) {
+  constexpr int kMaxBackupTries = 100;
+  const FileURL asked = fileURLOf(path);
+  const FileURL file = asked.resolvingSymlinks().value_or(asked);
+  const auto status = fileStatus(file);
+  // Reading a named pipe would wait for ever.
+  if (status && status->kind == FileStatus::Kind::other) {
+    ::rename(file.c_str(), file.parent().appending(file.stem() + ".no-file").c_str());
+    return;
+  }
+  const auto bytes = readFile(file);
+  if (!bytes || bytes->empty()) return;
+  const QByteArray text = QByteArray::fromStdString(*bytes);
+  if (QJsonDocument::fromJson(text).isObject()) return;
+  CopyResult copied = CopyResult::destinationExists;
+  for (int attempt = 1; copied == CopyResult::destinationExists && attempt <= kMaxBackupTries; ++attempt) {
+    const std::string number = attempt == 1 ? std::string() : "-" + std::to_string(attempt);
+    copied = copyFile(file, file.parent().appending(file.stem() + ".damaged" + number + ".json"));
+  }
+  if (copied != CopyResult::done) return;
+  QSaveFile repaired(QString::fromLocal8Bit(file.c_str()));
+  if (!repaired.open(QIODevice::WriteOnly)) return;
+  repaired.write(QJsonDocument(settingsIn(text)).toJson(QJsonDocument::Indented));
+  repaired.commit();
+}
+
 }  // namespace
 
-UserDefaults::UserDefaults(const QString& filePath) : settings_(std::make_unique<QSettings>(filePath, jsonFormat())) {}
+UserDefaults::UserDefaults(const QString& filePath) {
+  repair(filePath);
+  settings_ = std::make_unique<QSettings>(filePath, jsonFormat());
+}
 UserDefaults::~UserDefaults() = default;
 
 std::optional<bool> UserDefaults::boolean(const QString& key) const {
@@ -65,17 +116,17 @@ std::optional<QByteArray> UserDefaults::data(const QString& key) const {
   return *decoded;
 }
 
-void UserDefaults::set(const QString& key, bool value) {
-  write(key, value);
+bool UserDefaults::set(const QString& key, bool value) {
+  return write(key, value);
 }
-void UserDefaults::set(const QString& key, int value) {
-  write(key, value);
+bool UserDefaults::set(const QString& key, int value) {
+  return write(key, value);
 }
-void UserDefaults::set(const QString& key, const QString& value) {
-  write(key, value);
+bool UserDefaults::set(const QString& key, const QString& value) {
+  return write(key, value);
 }
-void UserDefaults::set(const QString& key, const QByteArray& value) {
-  write(key, QString::fromLatin1(value.toBase64()));
+bool UserDefaults::set(const QString& key, const QByteArray& value) {
+  return write(key, QString::fromLatin1(value.toBase64()));
 }
 
 void UserDefaults::remove(const QString& key) {
@@ -83,9 +134,13 @@ void UserDefaults::remove(const QString& key) {
   settings_->sync();
 }
 
-void UserDefaults::write(const QString& key, const QVariant& value) {
+bool UserDefaults::write(const QString& key, const QVariant& value) {
   settings_->setValue(key, value);
   settings_->sync();
+  // Asked of the file: the status of QSettings tells of the first failure for ever.
+  const auto bytes = readFile(fileURLOf(settings_->fileName()));
+  const auto object = bytes ? QJsonDocument::fromJson(QByteArray::fromStdString(*bytes)).object() : QJsonObject();
+  return object.value(key) == QJsonValue::fromVariant(value);
 }
 
 }  // namespace quillmere

@@ -274,6 +274,7 @@ class AppModel : private AnalysisRecords,
   static Task<> runMarkTemporary(Weak<AppModel> self, UUID id, TemporaryDuration duration, std::optional<QString> name);
   static Task<> runKeepPrompt(Weak<AppModel> self, UUID id, std::optional<QString> name);
   bool isUndecided(const UUID& id) const;
+  void renameBeforeDecision(const UUID& id, const QString& name);
   void makeTemporary(size_t index, TemporaryDuration duration, Date moment);
   void keepItem(size_t index);
 

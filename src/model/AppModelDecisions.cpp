@@ -7,6 +7,11 @@ bool AppModel::isUndecided(const UUID& id) const {
   return item && item->state == ScreenshotItem::State::pending;
 }
 
+/// The popup goes on to the next screenshot at once, and takes with it what it says: the Inbox says it, too.
+void AppModel::renameBeforeDecision(const UUID& id, const QString& name) {
+  if (!rename(id, name, ErrorScope::popup)) inboxError.set(*promptError);
+}
+
 Task<> AppModel::markTemporary(UUID id, TemporaryDuration duration, std::optional<QString> name) {
   return runMarkTemporary(lifetime_.weak(this), id, duration, std::move(name));
 }
@@ -17,7 +22,7 @@ Task<> AppModel::runMarkTemporary(Weak<AppModel> self, UUID id, TemporaryDuratio
   const auto committing = self->commitPromptExtraction(id);
   const bool isCommitted = co_await committing;
   if (!isCommitted || !self || !self->isUndecided(id)) co_return;
-  if (name) self->rename(id, *name, ErrorScope::popup);
+  if (name) self->renameBeforeDecision(id, *name);
   // Its file turned out to have been moved away by the person, which keeps it.
   if (!self->isUndecided(id)) co_return;
   self->settings_.lastTemporaryDuration.choose(duration);
@@ -70,7 +75,7 @@ Task<> AppModel::runKeepPrompt(Weak<AppModel> self, UUID id, std::optional<QStri
   const auto committing = self->commitPromptExtraction(id);
   const bool isCommitted = co_await committing;
   if (!isCommitted || !self || !self->isUndecided(id)) co_return;
-  if (name) self->rename(id, *name, ErrorScope::popup);
+  if (name) self->renameBeforeDecision(id, *name);
   const auto index = self->items_.indexOf(id);
   if (!index) co_return;
   self->keepItem(*index);

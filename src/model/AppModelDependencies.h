@@ -77,7 +77,8 @@ class WatchFolderStore {
  public:
   virtual ~WatchFolderStore() = default;
   virtual std::optional<QByteArray> bookmark() = 0;
-  virtual void setBookmark(const QByteArray& bookmark) = 0;
+  /// Answers whether it is stored.
+  virtual bool setBookmark(const QByteArray& bookmark) = 0;
 };
 
 /// The popup, as the model drives it.

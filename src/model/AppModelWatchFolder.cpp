@@ -28,14 +28,14 @@ void AppModel::chooseWatchFolder(const std::optional<FileURL>& preferred, ErrorS
 
 void AppModel::adoptWatchFolder(const FileURL& url, ErrorScope scope) {
   const auto bookmark = dependencies_.securityScope->makeBookmark(url);
-  if (!bookmark) {
+  // One that cannot be stored would be forgotten with the next start.
+  if (!bookmark || !dependencies_.watchFolderStore->setBookmark(*bookmark)) {
     show(scope, localized("Couldn’t Use Folder"),
          localized("Quillmere couldn’t save access to “%@”. It is still watching the previous folder. Choose the "
                    "folder again.",
                    {url.displayName()}));
     return;
   }
-  dependencies_.watchFolderStore->setBookmark(*bookmark);
   // While the old folder can still be reached: afterwards its files may not be.
   for (size_t i = 0; i < items_.size(); ++i) {
     if (!items_[i].fileBookmark) refreshBookmark(i, std::nullopt);

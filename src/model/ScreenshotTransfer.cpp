@@ -80,7 +80,9 @@ Result<FileURL, Failure> TransferFiles::file(const PromptPreviewTransfer& transf
   const FileURL own = folder_.appending(UUID::createUuid().toString(QUuid::WithoutBraces).toStdString());
   if (!error) fs::create_directory(own.path(), error);
   // Screenshots are nobody else's business.
-  if (!error) fs::permissions(own.path(), fs::perms::owner_all, error);
+  for (const FileURL& folder : {folder_, own}) {
+    if (!error) fs::permissions(folder.path(), fs::perms::owner_all, error);
+  }
   if (error) return Failure(error);
   FileURL place = own.appending(transfer.filename);
   if (transfer.crop) {

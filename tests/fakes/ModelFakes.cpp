@@ -125,9 +125,11 @@ std::optional<QByteArray> FakeWatchFolderStore::bookmark() {
   return stored;
 }
 
-void FakeWatchFolderStore::setBookmark(const QByteArray& bookmark) {
+bool FakeWatchFolderStore::setBookmark(const QByteArray& bookmark) {
   log_.add("store folder bookmark");
+  if (refuses) return false;
   stored = bookmark;
+  return true;
 }
 
 void FakePresenter::present(const ScreenshotItem& item, AppModel&) {

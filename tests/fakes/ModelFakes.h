@@ -96,8 +96,9 @@ class FakeWatchFolderStore final : public WatchFolderStore {
  public:
   explicit FakeWatchFolderStore(CallLog& log) : log_(log) {}
   std::optional<QByteArray> bookmark() override;
-  void setBookmark(const QByteArray& bookmark) override;
+  bool setBookmark(const QByteArray& bookmark) override;
   std::optional<QByteArray> stored;
+  bool refuses = false;
 
  private:
   CallLog& log_;

@@ -167,5 +167,60 @@ TEST_F(UserDefaultsTest, FolderThatIsMissingIsMade) {
   EXPECT_EQ(UserDefaults(deep).integer(key), 7);
 }
 
+// --- A damaged file ---
+
+TEST_F(UserDefaultsTest, OfADamagedFileEveryWholeLineIsKeptAndTheRestLiesBesideIt) {
+  {
+    UserDefaults defaults = open();
+    defaults.set(QStringLiteral("quillmere.a"), true);
+    defaults.set(QStringLiteral("quillmere.b"), QByteArray("the folder"));
+    defaults.set(QStringLiteral("quillmere.c"), 7);
+  }
+  std::string damaged = testing::readBytes(file);
+  damaged.replace(damaged.find("quillmere.c") - 1, 1, "\x01");
+  write(damaged);
+  {
+    UserDefaults defaults = open();
+    EXPECT_EQ(defaults.boolean(QStringLiteral("quillmere.a")), true);
+    EXPECT_EQ(defaults.data(QStringLiteral("quillmere.b")), QByteArray("the folder"));
+    EXPECT_EQ(defaults.integer(QStringLiteral("quillmere.c")), std::nullopt);
+    defaults.set(QStringLiteral("quillmere.c"), 8);
+  }
+  EXPECT_EQ(testing::readBytes(folder.file("settings.damaged.json")), damaged);
+  EXPECT_EQ(json().size(), 3);
+  write("garbage");
+  EXPECT_EQ(open().boolean(QStringLiteral("quillmere.a")), std::nullopt);
+  EXPECT_EQ(testing::readBytes(folder.file("settings.damaged-2.json")), "garbage");
+  EXPECT_EQ(testing::readBytes(folder.file("settings.damaged.json")), damaged) << "nothing is replaced";
+}
+
+TEST_F(UserDefaultsTest, AFileThatCannotBeCopiedAsideIsLeftAsItIs) {
+  const FileURL longName = folder.file(std::string(250, 'x') + ".json");
+  testing::writeFile(longName, "garbage");
+  { const UserDefaults defaults(longName.displayPath()); }
+  EXPECT_EQ(testing::readBytes(longName), "garbage");
+}
+
+TEST_F(UserDefaultsTest, APipeInThePlaceOfTheFileDoesNotHoldTheStart) {
+  ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+  UserDefaults defaults = open();
+  EXPECT_EQ(defaults.boolean(key), std::nullopt);
+  EXPECT_TRUE(defaults.set(key, true));
+  EXPECT_EQ(json()[key], true);
+}
+
+TEST_F(UserDefaultsTest, AWriteAnswersWhetherItIsOnTheDisk) {
+  UserDefaults defaults = open();
+  EXPECT_TRUE(defaults.set(key, true));
+  EXPECT_TRUE(defaults.set(key, QByteArray("data")));
+  std::filesystem::remove(file.path());
+  // A folder stands where the file should be written: refused to everyone.
+  std::filesystem::create_directory(file.path());
+  EXPECT_FALSE(defaults.set(key, 7));
+  std::filesystem::remove(file.path());
+  EXPECT_TRUE(defaults.set(key, 8)) << "it can be written again";
+  EXPECT_EQ(json()[key], 8);
+}
+
 }  // namespace
 }  // namespace quillmere

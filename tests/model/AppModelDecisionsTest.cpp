@@ -97,6 +97,7 @@ TEST_F(AppModelDecisions, AFailedRenameDoesNotStopTheDecision) {
   model->keepPrompt(kept, "A kept one").detach();
   EXPECT_EQ(stateOf(kept), State::permanent);
   EXPECT_EQ((*model->promptError)->title, "Couldn’t Rename Screenshot");
+  EXPECT_EQ(*model->inboxError, *model->promptError) << "the next popup takes it away";
 
   const UUID temporary = arrive("two.png");
   files.refuse(shots.appending("two.png"));

@@ -123,6 +123,16 @@ TEST_F(AppModelWatchFolder, FolderWhoseBookmarkCannotBeSavedLeavesThePreviousOne
             "folder again.");
 }
 
+TEST_F(AppModelWatchFolder, AFolderThatCannotBeRememberedIsNotWatched) {
+  launchWatching();
+  folderStore.refuses = true;
+  model->adoptWatchFolder(elsewhere, ErrorScope::settings);
+  EXPECT_EQ(*model->watchFolderURL, shots);
+  EXPECT_EQ(folderStore.stored, FakeSecurityScope::bookmarkOf(shots));
+  EXPECT_EQ(monitor.watched, shots);
+  EXPECT_EQ((*model->settingsError)->title, "Couldn’t Use Folder");
+}
+
 TEST_F(AppModelWatchFolder, TheErrorOfAChoiceShowsWhereThePersonActed) {
   launch();
   scope.refusesBookmarks = true;

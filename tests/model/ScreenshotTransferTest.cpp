@@ -152,6 +152,7 @@ TEST_F(ScreenshotTransfer, IsReadableByItsOwnerAlone) {
   const auto file = files.file(transfer("Invoice.png"));
   ASSERT_TRUE(file);
   EXPECT_EQ(std::filesystem::status(file->parent().path()).permissions(), std::filesystem::perms::owner_all);
+  EXPECT_EQ(std::filesystem::status(file->parent().parent().path()).permissions(), std::filesystem::perms::owner_all);
 }
 
 TEST_F(ScreenshotTransfer, TwoOfOneNameDoNotMeet) {

@@ -1,6 +1,7 @@
 #include "platform/linux/LiveServices.h"
 
 #include <QtCore/QDir>
+#include <QtCore/QFile>
 #include <QtCore/QStandardPaths>
 #include <utility>
 
@@ -43,6 +44,10 @@ ApplicationPaths ApplicationPaths::standard() {
   const QString support = data + QStringLiteral("/Quillmere");
   QDir().mkpath(support);
   QDir().mkpath(config + QStringLiteral("/Quillmere"));
+  // What screenshots say is nobody else's business.
+  for (const QString& folder : {support, config + QStringLiteral("/Quillmere")}) {
+    QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+  }
   ApplicationPaths paths;
   paths.support = FileURL::fromPath(support);
   paths.settings = config + QStringLiteral("/Quillmere/settings.json");

@@ -18,6 +18,9 @@ TEST(ApplicationPathsTest, FollowTheBaseDirectoriesAndAreMade) {
   EXPECT_EQ(paths.runMarker.parent(), paths.support);
   EXPECT_EQ(paths.settings, config.appending("Quillmere/settings.json").displayPath());
   EXPECT_TRUE(isReadableDirectory(paths.support)) << "without it nothing can be put in the Trash";
+  for (const FileURL& folder : {paths.support, config.appending("Quillmere")}) {
+    EXPECT_EQ(std::filesystem::status(folder.path()).permissions(), std::filesystem::perms::owner_all);
+  }
 }
 
 class LiveServicesTest : public ::testing::Test {

@@ -176,9 +176,19 @@ std::optional<QByteArray> LiveWatchFolderStore::bookmark() {
   return bookmark;
 }
 
-void LiveWatchFolderStore::setBookmark(const QByteArray& bookmark) {
-  defaults_.set(kBookmarkKey, bookmark);
-  expectMount(bookmark);
+bool LiveWatchFolderStore::setBookmark(const QByteArray& bookmark) {
+  const auto before = defaults_.data(kBookmarkKey);
+  if (defaults_.set(kBookmarkKey, bookmark)) {
+    expectMount(bookmark);
+    return true;
+  }
+  // Or it would be written with the next setting that can be.
+  if (before) {
+    defaults_.set(kBookmarkKey, *before);
+  } else {
+    defaults_.remove(kBookmarkKey);
+  }
+  return false;
 }
 
 void LiveWatchFolderStore::expectMount(const QByteArray& bytes) {

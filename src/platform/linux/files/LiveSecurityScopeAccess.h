@@ -64,7 +64,7 @@ class LiveWatchFolderStore final : public WatchFolderStore {
  public:
   LiveWatchFolderStore(UserDefaults& defaults, MountTable& mounts) : defaults_(defaults), mounts_(mounts) {}
   std::optional<QByteArray> bookmark() override;
-  void setBookmark(const QByteArray& bookmark) override;
+  bool setBookmark(const QByteArray& bookmark) override;
 
  private:
   void expectMount(const QByteArray& bookmark);
