@@ -21,7 +21,7 @@ def journey(desktop):
 
     moved = captures.save(desktop.folder)
     make_temporary(desktop, moved)
-    place = os.path.join(folder, "2026 <b>paid</b>.png")
+    place = os.path.join(folder, "2026 <b>paid.png")
     desktop.run("mv", moved, place, check=True)
     wait_until("it is kept in its new place", lambda: desktop.state_of(place) == "permanent")
     expect("without a time", "expiresAt" not in desktop.record_of(place))
