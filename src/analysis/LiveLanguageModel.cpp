@@ -41,10 +41,12 @@ Unavailability nearer(Unavailability reason, const ModelServerLook& look) {
 
 }  // namespace
 
-ModelServerPlaces ModelServerPlaces::standard(std::function<std::optional<QString>()> configured) {
+ModelServerPlaces ModelServerPlaces::standard(std::function<std::optional<QString>()> configured,
+                                              std::function<bool(const LocalServerAddress&)> isTrusted) {
   return {.configured = std::move(configured),
           .environment = [] { return environmentText(kAddressVariable); },
-          .usual = {LocalServerAddress::loopback(kOllamaPort), LocalServerAddress::loopback(kLlamaPort)}};
+          .usual = {LocalServerAddress::loopback(kOllamaPort), LocalServerAddress::loopback(kLlamaPort)},
+          .isTrusted = std::move(isTrusted)};
 }
 
 LiveLanguageModel::LiveLanguageModel(Executor& executor, ModelServerPlaces places, std::function<Date()> now)
@@ -57,9 +59,8 @@ std::vector<LocalServerAddress> LiveLanguageModel::addresses() const {
       addresses.push_back(*address);
     }
   };
-  for (const auto& named : {places_.configured(), places_.environment()}) {
-    if (named) add(LocalServerAddress::parse(*named, kOllamaPort));
-  }
+  if (const auto named = places_.configured()) add(LocalServerAddress::parse(*named, kOllamaPort));
+  if (const auto named = places_.environment()) add(LocalServerAddress::parseOfServer(*named, kOllamaPort));
   for (const auto& usual : places_.usual) add(usual);
   return addresses;
 }
@@ -97,6 +98,8 @@ Task<LiveLanguageModel::Finding> LiveLanguageModel::find(Self self) {
 }
 
 Task<ModelServerLook> LiveLanguageModel::look(Self self, LocalServerAddress address) {
+  // Not even asked what it is: a stranger would learn that somebody looks.
+  if (!self->places_.isTrusted(address)) co_return NoModelServer();
   for (const ModelServer* server : kServers) {
     auto looking = interruptible(server->look(self->client_, address));
     const ModelServerLook seen = co_await looking;
@@ -135,6 +138,8 @@ Task<ModelResponse> LiveLanguageModel::ask(Self self, Found found, ModelRequest 
   const std::optional<HttpRequest> question = co_await preparing;
   if (!self || co_await isCancelled) co_return ModelFailure(AnalysisCancelled());
   if (!question) co_return ModelFailure(ModelError{ModelError::Kind::other});
+  // Asked again: another may have taken the place since the look.
+  if (!self->places_.isTrusted(found.address)) co_return ModelServerReplies::failure(HttpFailure::unreachable);
   auto sending = interruptible(self->client_.send(found.address, *question, kAnswerTime));
   const HttpOutcome reply = co_await sending;
   if (!self) co_return ModelFailure(AnalysisCancelled());

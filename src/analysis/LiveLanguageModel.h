@@ -17,7 +17,10 @@ struct ModelServerPlaces {
   std::function<std::optional<QString>()> configured;   ///< what the person has set
   std::function<std::optional<QString>()> environment;  ///< what Ollama's own programs go by
   std::vector<LocalServerAddress> usual;
-  static ModelServerPlaces standard(std::function<std::optional<QString>()> configured);
+  /// Whether who listens there may see this person's screenshots. Others on this machine can open a port, too.
+  std::function<bool(const LocalServerAddress&)> isTrusted;
+  static ModelServerPlaces standard(std::function<std::optional<QString>()> configured,
+                                    std::function<bool(const LocalServerAddress&)> isTrusted);
 };
 
 /// The language model of a server that runs on this machine. It remembers where it found one and looks anew when that

@@ -96,6 +96,26 @@ std::optional<LocalServerAddress> LocalServerAddress::parse(const QString& text,
   return LocalServerAddress(Tcp{*host, static_cast<uint16_t>(*port)});
 }
 
+std::optional<LocalServerAddress> LocalServerAddress::parseOfServer(const QString& text, uint16_t usualPort) {
+  QString address = text.trimmed();
+  const bool namesHttp = address.startsWith(kHttp, Qt::CaseInsensitive);
+  const qsizetype start = namesHttp ? kHttp.size() : 0;
+  const QString rest = address.mid(start);
+  const auto meansAny = [&](const QString& host) {
+    if (!rest.startsWith(host)) return false;
+    const QString after = rest.mid(host.size());
+    return after.isEmpty() || after.startsWith(QLatin1Char(':')) || after == QLatin1String("/");
+  };
+  if (meansAny(QStringLiteral("0.0.0.0"))) {
+    address.replace(start, 7, QStringLiteral("127.0.0.1"));
+  } else if (meansAny(QStringLiteral("[::]"))) {
+    address.replace(start, 4, QStringLiteral("[::1]"));
+  } else if (rest.startsWith(QLatin1Char(':')) && rest != QLatin1String("::1")) {
+    address.insert(start, QStringLiteral("127.0.0.1"));
+  }
+  return parse(address, usualPort);
+}
+
 QByteArray LocalServerAddress::hostHeader() const {
   if (!tcp()) return "localhost";
   const QByteArray host = tcp()->host.toString().toLatin1();

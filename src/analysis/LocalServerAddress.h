@@ -18,6 +18,9 @@ class LocalServerAddress {
   /// resolved: whatever else leads to this machine would have to be trusted to go on doing so. Without a port it is
   /// HTTP's own where the text names HTTP, else `usualPort`.
   static std::optional<LocalServerAddress> parse(const QString& text, uint16_t usualPort);
+  /// The same for the address at which a server was told to listen: one that means every address of this machine, or
+  /// that names a port alone, is the loopback one to us.
+  static std::optional<LocalServerAddress> parseOfServer(const QString& text, uint16_t usualPort);
   static LocalServerAddress loopback(uint16_t port);
 
   struct Tcp {

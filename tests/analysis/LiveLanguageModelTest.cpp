@@ -34,7 +34,8 @@ class LiveLanguageModelTest : public testing::ModelServerFixture {
     other.script = [this](const FakeRequest& request) { return llama(request); };
   }
   std::unique_ptr<LiveLanguageModel> made() {
-    ModelServerPlaces places{[this] { return configured; }, [this] { return environment; }, usual};
+    ModelServerPlaces places{[this] { return configured; }, [this] { return environment; }, usual,
+                             [this](const LocalServerAddress&) { return isTrusted; }};
     return std::make_unique<LiveLanguageModel>(executor, places, [] { return kNow; });
   }
   std::optional<Unavailability> availability() { return finish(model->availability()); }
@@ -53,6 +54,7 @@ class LiveLanguageModelTest : public testing::ModelServerFixture {
   FakeModelServer other;
   std::optional<QString> configured;
   std::optional<QString> environment;
+  bool isTrusted = true;
   std::vector<LocalServerAddress> usual{server.address()};
   std::unique_ptr<LiveLanguageModel> model = made();
 };
@@ -65,6 +67,19 @@ TEST_F(LiveLanguageModelTest, AServerAtAUsualAddressIsFoundAndAsked) {
   EXPECT_EQ(asked->json()[QLatin1String("model")], QStringLiteral("sees:4b"));
   EXPECT_EQ(asked->json()[QLatin1String("messages")][1][QLatin1String("images")][0],
             QString::fromLatin1(smallPicture().toBase64()));
+}
+
+TEST_F(LiveLanguageModelTest, AServerOfAnotherPersonIsNotAskedAnything) {
+  isTrusted = false;
+  EXPECT_EQ(availability(), Unavailability::deviceNotEligible);
+  EXPECT_TRUE(server.paths().empty());
+}
+
+TEST_F(LiveLanguageModelTest, OneThatTookThePlaceOfAFoundOneGetsNoPicture) {
+  ASSERT_EQ(availability(), std::nullopt);
+  isTrusted = false;
+  EXPECT_NE(respond(), ModelAnswer(kLoginPage));
+  EXPECT_FALSE(server.requestFor("/api/chat"));
 }
 
 TEST_F(LiveLanguageModelTest, BothKindsOfServersAreKnown) {
@@ -103,6 +118,8 @@ TEST_F(LiveLanguageModelTest, AnAddressThatIsNotOfThisMachineIsNeverAsked) {
                            "user@127.0.0.1", "127.0.0.1.example.com", "https://127.0.0.1", "example.com"}) {
     configured = QString::fromLatin1(host) + port;
     environment = configured;
+    // A server's own programs mean every address of this machine by it.
+    if (configured->startsWith(QLatin1String("0.0.0.0"))) environment.reset();
     EXPECT_EQ(model->addresses(), usual) << host;
     EXPECT_EQ(availability(), std::nullopt) << "the usual address is asked all the same";
   }
@@ -110,12 +127,19 @@ TEST_F(LiveLanguageModelTest, AnAddressThatIsNotOfThisMachineIsNeverAsked) {
   EXPECT_EQ(other.connections, 0) << "although each of the first ones would have led there";
 }
 
+TEST_F(LiveLanguageModelTest, AServerThatWasToldToListenEverywhereIsFoundHere) {
+  environment = QStringLiteral("0.0.0.0:%1").arg(other.port());
+  EXPECT_EQ(respond(), ModelAnswer(kLoginPage));
+  EXPECT_TRUE(other.requestFor("/v1/chat/completions"));
+}
+
 TEST_F(LiveLanguageModelTest, TheUsualPortsAndTheSettingAreThese) {
   UserDefaults defaults(folder.file("settings.json").displayPath());
   defaults.set(QStringLiteral("quillmere.model-address"), QStringLiteral("127.0.0.1:9"));
   ::setenv("OLLAMA_HOST", "127.0.0.1:10", 1);
   const LiveLanguageModel standard(executor,
-                                   ModelServerPlaces::standard([&] { return Settings::storedModelAddress(defaults); }),
+                                   ModelServerPlaces::standard([&] { return Settings::storedModelAddress(defaults); },
+                                                               [](const LocalServerAddress&) { return true; }),
                                    [] { return kNow; });
   using Address = LocalServerAddress;
   EXPECT_EQ(standard.addresses(), (std::vector{Address::loopback(9), Address::loopback(10), Address::loopback(11434),

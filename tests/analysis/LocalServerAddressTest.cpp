@@ -108,5 +108,23 @@ TEST(LocalServerAddress, AHostWithANulIsRefused) {
   EXPECT_FALSE(LocalServerAddress::parse(QString::fromUtf8("127.0.0.1\0.example.com", 22), kUsual));
 }
 
+TEST(LocalServerAddressOfServer, WhereItListensEverywhereIsTheLoopbackAddress) {
+  const auto parsed = [](const char* text) {
+    const auto address = LocalServerAddress::parseOfServer(QString::fromUtf8(text), 11434);
+    return address ? address->hostHeader().toStdString() : "none";
+  };
+  EXPECT_EQ(parsed("0.0.0.0"), "127.0.0.1:11434");
+  EXPECT_EQ(parsed("0.0.0.0:8080"), "127.0.0.1:8080");
+  EXPECT_EQ(parsed("http://0.0.0.0:8080/"), "127.0.0.1:8080");
+  EXPECT_EQ(parsed("[::]:8080"), "[::1]:8080");
+  EXPECT_EQ(parsed(":8080"), "127.0.0.1:8080");
+  EXPECT_EQ(parsed("127.0.0.1:8080"), "127.0.0.1:8080");
+  for (const char* elsewhere :
+       {"0.0.0.0.example.org", "0.0.0.01", "192.168.0.1:8080", "http://0.0.0.0@example.org", ""}) {
+    EXPECT_EQ(parsed(elsewhere), "none") << elsewhere;
+  }
+  EXPECT_FALSE(LocalServerAddress::parse(QStringLiteral("0.0.0.0:8080"), 1)) << "a person does not mean that";
+}
+
 }  // namespace
 }  // namespace quillmere

@@ -9,6 +9,7 @@
 #include "foundation/FileStatus.h"
 #include "model/AppModel.h"
 #include "model/Settings.h"
+#include "platform/linux/ServerOwner.h"
 #include "platform/linux/capture/ScreenCaptureAttributes.h"
 #include "platform/linux/files/CloudFiles.h"
 #include "platform/linux/files/LiveFileIdentity.h"
@@ -65,8 +66,10 @@ LiveServices::LiveServices(const ApplicationPaths& paths)
       watchFolderStore(defaults, mounts),
       announcer(executor),
       sharing(executor),
-      languageModel(executor, ModelServerPlaces::standard([this] { return Settings::storedModelAddress(defaults); }),
-                    &systemNow),
+      languageModel(
+          executor,
+          ModelServerPlaces::standard([this] { return Settings::storedModelAddress(defaults); }, &isServerTrusted),
+          &systemNow),
       analyzer(executor, languageModel, &CloudFiles::isDataless),
       monitor(executor, systemEvents, folderEvents, scanServices(), &systemNow) {}
 

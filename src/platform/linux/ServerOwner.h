@@ -1,0 +1,24 @@
+#pragma once
+
+#include <sys/types.h>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "analysis/LocalServerAddress.h"
+
+namespace quillmere {
+
+/// Who listens there, each once: several may where one listens at an address and another at all of them. None when
+/// nobody does or it cannot be told.
+std::vector<uid_t> ownersOf(const LocalServerAddress& address);
+
+/// Whether all who listen there are this person or an account of the system's services (below 1000), and somebody does.
+/// Any other person of this machine could have opened the port to see what is sent to it.
+bool isServerTrusted(const LocalServerAddress& address);
+
+/// The owners of what listens on the port at one of these addresses, both as the text of /proc/net/tcp or tcp6 has
+/// them.
+std::vector<uid_t> listenersIn(const std::string& table, const std::vector<std::string>& addresses, uint16_t port);
+
+}  // namespace quillmere
