@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "foundation/FileStatus.h"
+#include "support/EventLoop.h"
 #include "support/Files.h"
 #include "support/Printing.h"
 #include "support/PrivateMounts.h"
@@ -13,6 +14,7 @@
 namespace quillmere {
 namespace {
 
+using testing::runLoopUntil;
 using testing::TemporaryFolder;
 using testing::writeFile;
 
@@ -140,10 +142,17 @@ TEST_F(LiveSecurityScopeAccessTest, AReusedNumberIsNeverTakenForTheOldFile) {
                 const uint64_t number = fileStatus(old)->inode;
                 const auto bookmark = access.makeBookmark(old);
                 MUST(bookmark && access.resolve(*bookmark));
+                const Date born = *fileStatus(old)->created;
                 MUST(::unlink(old.c_str()) == 0);
-                ::usleep(20000);  // a tick of the clock of births, through which a screenshot always lives
-                MUST(testing::run("echo new > '" + other.path() + "'"));
-                MUST(fileStatus(other)->inode == number);
+                // Until the number is given again, and a tick of the clock of births later: a screenshot lives through
+                // one.
+                MUST(runLoopUntil([&] {
+                  testing::writeFile(other, "new");
+                  const auto status = fileStatus(other);
+                  if (status->inode == number && *status->created - born > 0.002) return true;
+                  ::unlink(other.c_str());
+                  return false;
+                }));
                 MUST(!access.resolve(*bookmark));
               }
               return {};
