@@ -21,7 +21,6 @@ AnalysisStatusRow::AnalysisStatusRow(QWidget* parent)
       button_(new ActionButton(ActionButton::Role::icon, QStringLiteral("arrow.clockwise"), {}, this)) {
   text_->setObjectName(QStringLiteral("analysisStatus"));
   text_->setWordWrap(true);
-  // What a model wrote is text and nothing else.
   text_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   text_->setFocusPolicy(Qt::NoFocus);
   button_->setAccessibleName(localized("Analyze Again"));

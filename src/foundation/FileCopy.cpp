@@ -70,4 +70,21 @@ CopyResult copyFile(const FileURL& source, const FileURL& destination) {
   return CopyResult::failed;
 }
 
+std::optional<FileURL> copyAside(const FileURL& source, const FileURL& folder, const std::string& stem) {
+  constexpr int kMaxTries = 100;
+  for (int attempt = 1; attempt <= kMaxTries; ++attempt) {
+    const std::string number = attempt == 1 ? std::string() : "-" + std::to_string(attempt);
+    const FileURL copy = folder.appending(stem + number + ".json");
+    switch (copyFile(source, copy)) {
+      case CopyResult::done:
+        return copy;
+      case CopyResult::destinationExists:
+        continue;
+      case CopyResult::failed:
+        return std::nullopt;
+    }
+  }
+  return std::nullopt;
+}
+
 }  // namespace quillmere

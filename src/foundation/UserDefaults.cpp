@@ -34,10 +34,6 @@ QSettings::Format jsonFormat() {
   return format;
 }
 
-FileURL fileURLOf(const QString& path) {
-  return FileURL::fromPath(path);
-}
-
 /// As they are written: one setting a line.
 QJsonObject settingsIn(const QByteArray& damaged) {
   QJsonObject kept;
@@ -52,8 +48,7 @@ QJsonObject settingsIn(const QByteArray& damaged) {
 
 /// One damaged byte must not cost all settings, the chosen folder among them.
 void repair(const QString& path) {
-  constexpr int kMaxBackupTries = 100;
-  const FileURL asked = fileURLOf(path);
+  const FileURL asked = FileURL::fromPath(path);
   const FileURL file = asked.resolvingSymlinks().value_or(asked);
   const auto status = fileStatus(file);
   // Reading a named pipe would wait for ever.
@@ -65,12 +60,7 @@ void repair(const QString& path) {
   if (!bytes || bytes->empty()) return;
   const QByteArray text = QByteArray::fromStdString(*bytes);
   if (QJsonDocument::fromJson(text).isObject()) return;
-  CopyResult copied = CopyResult::destinationExists;
-  for (int attempt = 1; copied == CopyResult::destinationExists && attempt <= kMaxBackupTries; ++attempt) {
-    const std::string number = attempt == 1 ? std::string() : "-" + std::to_string(attempt);
-    copied = copyFile(file, file.parent().appending(file.stem() + ".damaged" + number + ".json"));
-  }
-  if (copied != CopyResult::done) return;
+  if (!copyAside(file, file.parent(), file.stem() + ".damaged")) return;
   QSaveFile repaired(QString::fromLocal8Bit(file.c_str()));
   if (!repaired.open(QIODevice::WriteOnly)) return;
   repaired.write(QJsonDocument(settingsIn(text)).toJson(QJsonDocument::Indented));
@@ -138,7 +128,7 @@ bool UserDefaults::write(const QString& key, const QVariant& value) {
   settings_->setValue(key, value);
   settings_->sync();
   // Asked of the file: the status of QSettings tells of the first failure for ever.
-  const auto bytes = readFile(fileURLOf(settings_->fileName()));
+  const auto bytes = readFile(FileURL::fromPath(settings_->fileName()));
   const auto object = bytes ? QJsonDocument::fromJson(QByteArray::fromStdString(*bytes)).object() : QJsonObject();
   return object.value(key) == QJsonValue::fromVariant(value);
 }

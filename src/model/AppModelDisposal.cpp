@@ -74,15 +74,17 @@ AppModel::ChosenDisposal AppModel::disposeChosen(const UUID& id, ErrorScope scop
   const ScreenshotItem chosen = *item;
   const auto stampNow = [&] { return fileStamp(chosen.url, dependencies_.fileIdentity); };
   const bool isInPopup = scope == ErrorScope::popup && shownFile_ && shownFile_->first == id;
-  const FileStamp shown = isInPopup ? shownFile_->second : stampNow();
-  if (deletes(DisposalReason::chosen)) {
+  const bool isAsked = deletes(DisposalReason::chosen);
+  const FileStamp shown = isInPopup ? shownFile_->second : isAsked ? stampNow() : FileStamp();
+  if (isAsked) {
     protect(chosen.id);
     const bool isConfirmed = dependencies_.confirmDeletion(chosen.url.displayName());
     unprotect(chosen.id);
     if (!isConfirmed) return ChosenDisposal::declined;
   }
   // What was written or put there since the person looked is not what was decided about.
-  if (const FileStamp present = stampNow(); present != shown && present.identity && items_.find(id)) {
+  const FileStamp present = isInPopup || isAsked ? stampNow() : shown;
+  if (present != shown && present.identity && items_.find(id)) {
     if (isInPopup) shownFile_->second = present;
     adoptReplacement(id);
     showReplaced(scope, chosen.url);

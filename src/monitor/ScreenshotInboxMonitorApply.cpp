@@ -113,8 +113,9 @@ void ScreenshotInboxMonitor::noteUnknown(const FileURL& url) {
 }
 
 bool ScreenshotInboxMonitor::hasMovedOut(const FileURL& url) const {
-  return directory_ && directorySource_ && url.parent() == *directory_ &&
-         directorySource_->hasMovedOut(url.lastPathComponent());
+  // The name first: it is asked for every record, and hardly any has moved.
+  return directory_ && directorySource_ && directorySource_->hasMovedOut(url.lastPathComponent()) &&
+         url.parent() == *directory_;
 }
 
 void ScreenshotInboxMonitor::accept(const FileURL& url) {

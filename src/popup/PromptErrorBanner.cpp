@@ -24,7 +24,6 @@ PromptErrorBanner::PromptErrorBanner(QWidget* parent)
   title_->setWordWrap(true);
   title_->setTextSize(1, QFont::DemiBold);
   message_->setWordWrap(true);
-  // File names stand in them.
   auto* symbol = new SymbolLabel(kSymbol, Ink::warning, this, QStringLiteral("exclamationmark.triangle.fill"));
   connect(dismiss_, &QPushButton::clicked, this, [this] { onDismiss(); });
 

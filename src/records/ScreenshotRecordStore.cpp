@@ -9,8 +9,6 @@
 namespace quillmere {
 namespace {
 
-constexpr int kMaxBackupTries = 100;
-
 std::string reasonText(ScreenshotRecordStore::BackupReason reason) {
   return reason == ScreenshotRecordStore::BackupReason::backup ? "backup" : "unreadable";
 }
@@ -33,20 +31,7 @@ ScreenshotRecordStore::LoadResult ScreenshotRecordStore::load(Date now) const {
 std::optional<FileURL> ScreenshotRecordStore::backup(BackupReason reason, Date now) const {
   const QString moment = QLocale::c().toString(now.toDateTime().toLocalTime(), QStringLiteral("yyyyMMdd-HHmmss"));
   const std::string name = fileURL.stem() + "." + reasonText(reason) + "-" + moment.toStdString();
-  const FileURL source = fileURL.resolvingSymlinks().value_or(fileURL);
-  for (int attempt = 1; attempt <= kMaxBackupTries; ++attempt) {
-    const std::string number = attempt == 1 ? std::string() : "-" + std::to_string(attempt);
-    const FileURL copy = fileURL.parent().appending(name + number + ".json");
-    switch (copyFile(source, copy)) {
-      case CopyResult::done:
-        return copy;
-      case CopyResult::destinationExists:
-        continue;
-      case CopyResult::failed:
-        return std::nullopt;
-    }
-  }
-  return std::nullopt;
+  return copyAside(fileURL.resolvingSymlinks().value_or(fileURL), fileURL.parent(), name);
 }
 
 }  // namespace quillmere

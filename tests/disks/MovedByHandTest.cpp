@@ -63,22 +63,19 @@ TEST_F(MovedByHandTest, WhileTheProgramWasClosedItIsFollowedToWhereOthersWent) {
   EXPECT_EQ(live.record()->state, State::permanent);
 }
 
-TEST_F(MovedByHandTest, OneThatWasDeletedIsForgotten) {
-  LiveModel live(State::temporary);
-  live.hold({live.oldPlace});
-  ASSERT_EQ(::unlink(live.oldPlace.c_str()), 0);
-  live.tellOfWaking();
-  live.executor.drain();
-  EXPECT_FALSE(live.record());
-}
-
-TEST_F(MovedByHandTest, OneThatWasThrownAwayIsForgotten) {
-  LiveModel live(State::temporary);
-  live.hold({live.oldPlace});
-  moveToTrash(live.oldPlace);
-  live.tellOfWaking();
-  live.executor.drain();
-  EXPECT_FALSE(live.record());
+TEST_F(MovedByHandTest, OneThatWasDeletedOrThrownAwayIsForgotten) {
+  for (const bool isDeleted : {true, false}) {
+    LiveModel live(State::temporary);
+    live.hold({live.oldPlace});
+    if (isDeleted) {
+      ASSERT_EQ(::unlink(live.oldPlace.c_str()), 0);
+    } else {
+      moveToTrash(live.oldPlace);
+    }
+    live.tellOfWaking();
+    live.executor.drain();
+    EXPECT_FALSE(live.record()) << isDeleted;
+  }
 }
 
 TEST_F(MovedByHandTest, AKeptOneOutsideTheFolderThatIsThrownAwayIsForgotten) {

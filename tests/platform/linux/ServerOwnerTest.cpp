@@ -8,6 +8,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 #include <algorithm>
+#include <filesystem>
+#include <functional>
 
 #include "support/TemporaryFolder.h"
 
@@ -83,9 +85,8 @@ constexpr uid_t kOtherPerson = 4242;
 
 class ServerOwnerTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    if (::geteuid() != 0) GTEST_SKIP() << "only root can be several users";
-  }
+  void SetUp() override { ASSERT_EQ(::geteuid(), 0u) << "only root can be several users: run the tests as root"; }
+  static bool hasVersion6() { return std::filesystem::exists("/proc/net/if_inet6"); }
 };
 
 TEST_F(ServerOwnerTest, OursAndThatOfAServiceAreTrustedAndAnotherPersonsIsNot) {
@@ -103,7 +104,8 @@ TEST_F(ServerOwnerTest, OursAndThatOfAServiceAreTrustedAndAnotherPersonsIsNot) {
 TEST_F(ServerOwnerTest, ThatHoldsForVersion6Too) {
   for (const in6_addr& host : {in6addr_loopback, in6addr_any}) {
     const Stranger server(kOtherPerson, [&] { return listenAtVersion6(host); });
-    if (server.port == 0) GTEST_SKIP() << "no addresses of version 6 here";
+    ASSERT_EQ(server.port != 0, hasVersion6());
+    if (!hasVersion6()) return;
     const auto address = LocalServerAddress::parse(QStringLiteral("[::1]:%1").arg(server.port), 1);
     EXPECT_EQ(ownersOf(*address), std::vector<uid_t>{kOtherPerson});
     EXPECT_FALSE(isServerTrusted(*address));
@@ -132,6 +134,15 @@ TEST_F(ServerOwnerTest, WhereNobodyListensNobodyIsTrusted) {
   }
   EXPECT_FALSE(isServerTrusted(LocalServerAddress::loopback(port)));
   EXPECT_FALSE(isServerTrusted(*LocalServerAddress::parse(QStringLiteral("unix:/nowhere/socket"), 1)));
+}
+
+TEST(ListenersTest, AddressesOfVersion6AreToldApart) {
+  const std::string table =
+      "  sl  local_address remote_address st tx_queue rx_queue tr tm->when retrnsmt   uid  timeout inode\n"
+      "   0: 00000000000000000000000001000000:2CAA 00000000000000000000000000000000:0000 0A 0:0 00:0 0  1001  0 1\n"
+      "   1: 0000000000000000FFFF00000100007F:2CAA 00000000000000000000000000000000:0000 0A 0:0 00:0 0  1002  0 2\n";
+  EXPECT_EQ(listenersIn(table, {"00000000000000000000000001000000"}, 0x2CAA), std::vector<uid_t>{1001});
+  EXPECT_EQ(listenersIn(table, {"0000000000000000FFFF00000100007F"}, 0x2CAA), std::vector<uid_t>{1002});
 }
 
 TEST(ListenersTest, OnlyThoseThatListenAtTheAddressAndPortCount) {

@@ -29,8 +29,8 @@ HeldFiles::~HeldFiles() {
   for (const auto& [file, held] : files_) ::close(held.descriptor);
 }
 
-bool HeldFiles::canHold(const FileURL& file) const {
-  const auto mount = mounts_.covering(file.parent());
+bool HeldFiles::canHoldIn(const FileURL& folder) const {
+  const auto mount = mounts_.covering(folder);
   if (!mount) return false;
   const char* home = std::getenv("HOME");
   for (const char* fixed : {"/", home ? home : "/"}) {
@@ -42,6 +42,7 @@ bool HeldFiles::canHold(const FileURL& file) const {
 
 void HeldFiles::hold(const std::vector<FileURL>& files) {
   std::map<FileURL, Held> next;
+  std::map<FileURL, bool> folders;
   const std::lock_guard lock(mutex_);
   for (const FileURL& file : files) {
     if (next.size() == kMost) break;
@@ -50,7 +51,10 @@ void HeldFiles::hold(const std::vector<FileURL>& files) {
       next.insert(files_.extract(kept));
       continue;
     }
-    if (!canHold(file)) continue;
+    // Asked once a folder: each look reads the table of mounts.
+    const auto [known, isNew] = folders.try_emplace(file.parent());
+    if (isNew) known->second = canHoldIn(known->first);
+    if (!known->second) continue;
     const int descriptor = ::open(file.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC);
     if (descriptor < 0) continue;
     struct stat status {};

@@ -31,7 +31,7 @@ class HeldFiles {
   size_t count() const;
 
  private:
-  bool canHold(const FileURL& file) const;
+  bool canHoldIn(const FileURL& folder) const;
 
   struct Held {
     int descriptor = -1;

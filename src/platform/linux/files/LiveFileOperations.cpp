@@ -68,6 +68,12 @@ FileURL trashInfo(const FileURL& trashed) {
   return trashed.parent().parent().appending("info").appending(trashed.lastPathComponent() + ".trashinfo");
 }
 
+/// This person's, at the top of a file system: in the one of all, or alone.
+std::array<std::string, 2> trashesAtTop() {
+  const std::string user = std::to_string(::getuid());
+  return {".Trash/" + user, ".Trash-" + user};
+}
+
 bool isRestorable(const FileURL& trashed) {
   const auto info = readFile(trashInfo(trashed));
   return info && info->starts_with("[Trash Info]\n") && info->find("\nPath=") != std::string::npos;
@@ -144,9 +150,7 @@ std::vector<FileURL> trashFolders(const FileURL& file, const MountTable& mounts)
   const auto mount = mounts.covering(file.parent());
   if (!mount || mount->path == "/") return folders;
   const FileURL top = FileURL::fromPath(mount->path);
-  const std::string user = std::to_string(::getuid());
-  folders.push_back(top.appending(".Trash/" + user + "/files"));
-  folders.push_back(top.appending(".Trash-" + user + "/files"));
+  for (const std::string& trash : trashesAtTop()) folders.push_back(top.appending(trash + "/files"));
   return folders;
 }
 
@@ -156,8 +160,7 @@ bool isInTrash(const FileURL& url, const MountTable& mounts) {
   const FileURL dataHome = FileURL::fromPath(std::string_view(g_get_user_data_dir()));
   const FileURL homeFiles = dataHome.appending("Trash/files");
   if (path.starts_with(homeFiles.resolvingSymlinks().value_or(homeFiles).path() + "/")) return true;
-  const std::string user = std::to_string(::getuid());
-  for (const std::string& trash : {".Trash/" + user, ".Trash-" + user}) {
+  for (const std::string& trash : trashesAtTop()) {
     // Only at the top of its file system is a folder of this name a Trash; asking costs a look at the mount table.
     const auto at = path.find("/" + trash + "/files/");
     if (at == std::string::npos) continue;
