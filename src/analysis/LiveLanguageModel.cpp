@@ -74,27 +74,35 @@ Task<ModelResponse> LiveLanguageModel::respond(ModelRequest request) {
 }
 
 Task<std::optional<Unavailability>> LiveLanguageModel::availability(Self self) {
-  auto finding = interruptible(find(self));
+  // What was found earlier may have gone since.
+  auto finding = interruptible(lookEverywhere(self));
   const Finding found = co_await finding;
   co_return found ? std::nullopt : std::optional(found.reason());
 }
 
 Task<LiveLanguageModel::Finding> LiveLanguageModel::find(Self self) {
+  if (self->found_ && self->found_->lookedAt == self->addresses()) co_return *self->found_;
+  auto finding = interruptible(lookEverywhere(self));
+  const Finding found = co_await finding;
+  co_return found;
+}
+
+Task<LiveLanguageModel::Finding> LiveLanguageModel::lookEverywhere(Self self) {
+  const uint64_t generation = ++self->looks_;
   const auto addresses = self->addresses();
-  if (self->found_ && self->found_->lookedAt == addresses) co_return *self->found_;
-  self->found_.reset();
   Unavailability reason = Unavailability::deviceNotEligible;
-  for (const LocalServerAddress& address : addresses) {
-    auto looking = interruptible(look(self, address));
+  std::optional<Found> found;
+  for (size_t i = 0; i < addresses.size() && !found; ++i) {
+    auto looking = interruptible(look(self, addresses[i]));
     const ModelServerLook seen = co_await looking;
     if (!self || co_await isCancelled) co_return reason;
-    if (const auto* model = std::get_if<FoundModel>(&seen)) {
-      self->found_ = Found{*model, address, addresses};
-      co_return *self->found_;
-    }
+    if (const auto* model = std::get_if<FoundModel>(&seen)) found = Found{*model, addresses[i], addresses};
     reason = nearer(reason, seen);
   }
-  co_return reason;
+  // A slow look does not overwrite what a later one saw.
+  if (generation == self->looks_) self->found_ = found;
+  if (!found) co_return reason;
+  co_return *found;
 }
 
 Task<ModelServerLook> LiveLanguageModel::look(Self self, LocalServerAddress address) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -23,8 +24,8 @@ struct ModelServerPlaces {
                                     std::function<bool(const LocalServerAddress&)> isTrusted);
 };
 
-/// The language model of a server that runs on this machine. It remembers where it found one and looks anew when that
-/// one fails or when the settings change. Main thread.
+/// The language model of a server that runs on this machine. It remembers where it found one and looks anew when asked
+/// whether there is one, when that one fails, or when the settings change. Main thread.
 class LiveLanguageModel final : public LanguageModel {
  public:
   /// The executor outlives this. What is under way when this goes is dropped with those who wait for it.
@@ -50,6 +51,7 @@ class LiveLanguageModel final : public LanguageModel {
   static Task<ModelResponse> respond(Self self, ModelRequest request);
   /// What is remembered, or what a look brings.
   static Task<Finding> find(Self self);
+  static Task<Finding> lookEverywhere(Self self);
   static Task<ModelServerLook> look(Self self, LocalServerAddress address);
   static Task<ModelResponse> ask(Self self, Found found, ModelRequest request);
 
@@ -57,6 +59,7 @@ class LiveLanguageModel final : public LanguageModel {
   ModelServerPlaces places_;
   std::function<Date()> now_;
   std::optional<Found> found_;
+  uint64_t looks_ = 0;  ///< begun so far
   LocalHttpClient client_;
   Lifetime lifetime_;
 };

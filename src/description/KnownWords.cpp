@@ -22,6 +22,22 @@ char32_t firstCode(QStringView character) {
   return first.unicode();
 }
 
+struct CodeRange {
+  char32_t first;
+  char32_t last;
+};
+// What has a case without being a letter: Roman numerals, circled and squared letters (Unicode, PropList.txt,
+// Other_Uppercase and Other_Lowercase; of the latter, what has an upper case).
+constexpr std::array kOtherUppercase{CodeRange{0x2160, 0x216F}, CodeRange{0x24B6, 0x24CF}, CodeRange{0x1F130, 0x1F149},
+                                     CodeRange{0x1F150, 0x1F169}, CodeRange{0x1F170, 0x1F189}};
+constexpr std::array kOtherLowercase{CodeRange{0x0345, 0x0345}, CodeRange{0x2170, 0x217F}, CodeRange{0x24D0, 0x24E9}};
+
+template <size_t count>
+bool isOneOf(const std::array<CodeRange, count>& ranges, char32_t code) {
+  return std::any_of(ranges.begin(), ranges.end(),
+                     [code](const CodeRange& range) { return range.first <= code && code <= range.last; });
+}
+
 bool isOfAWord(QStringView character) {
   return isLetterOrDigit(character) || character == u"'";
 }
@@ -47,10 +63,12 @@ bool isDigit(QStringView character) {
   return QChar::isDigit(firstCode(character));
 }
 bool isUppercase(QStringView character) {
-  return QChar::isUpper(firstCode(character));
+  const char32_t code = firstCode(character);
+  return QChar::isUpper(code) || isOneOf(kOtherUppercase, code);
 }
 bool isLowercase(QStringView character) {
-  return QChar::isLower(firstCode(character));
+  const char32_t code = firstCode(character);
+  return QChar::isLower(code) || isOneOf(kOtherLowercase, code);
 }
 bool holdsUppercase(const QString& text) {
   qsizetype begin = 0;

@@ -40,8 +40,7 @@ QString withoutDirections(QString text) {
 }
 
 QStringList tokensOf(const QString& text) {
-  static const QRegularExpression blanks(QStringLiteral("\\s+"), QRegularExpression::UseUnicodePropertiesOption);
-  return text.split(blanks, Qt::SkipEmptyParts);
+  return text.simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts);
 }
 
 bool looksLikeName(const QString& word) {
@@ -113,8 +112,8 @@ std::optional<ScreenshotAnalysisResult> cleanedAnswer(const QString& description
     result.description = correctedText(result.description, known, Mode::plain);
     result.filename = correctedText(result.filename, known, mode);
   }
-  static const QRegularExpression dash(QStringLiteral("\\s*\u2014\\s*"),
-                                       QRegularExpression::UseUnicodePropertiesOption);
+  // White space as Unicode has it; what regular expressions call so holds U+180E too, which is part of Mongolian words.
+  static const QRegularExpression dash(QStringLiteral("[\t-\r\\x{85}\\p{Z}]*\u2014[\t-\r\\x{85}\\p{Z}]*"));
   result.description.replace(dash, QStringLiteral(", "));
   result.description = result.description.trimmed();
   if (result.description.isEmpty()) return std::nullopt;

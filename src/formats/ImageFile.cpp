@@ -10,6 +10,7 @@
 
 #include "formats/HeifFile.h"
 #include "formats/PngChunks.h"
+#include "formats/PngOrientation.h"
 #include "formats/PngReader.h"
 #include "foundation/FileStatus.h"
 #include "pixels/Downscaler.h"
@@ -120,14 +121,25 @@ QImage readGenerally(std::string_view bytes, PictureFormat format) {
   return readGenerally(bytes, format, [](GeneralReader& reader) { return reader.read(); });
 }
 
+QImage uprightPng(const QImage& stored, std::string_view bytes) {
+  QByteArray view = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
+  QBuffer buffer(&view);
+  buffer.open(QIODevice::ReadOnly);
+  return upright(stored, pngOrientation(buffer));
+}
+
+/// As the file has it.
+QImage storedPng(std::string_view bytes) {
+  auto picture = PngReader::read(bytes);
+  return picture ? *std::move(picture) : readGenerally(bytes, PictureFormat::png);
+}
+
 QImage decoded(std::string_view bytes) {
   const auto format = ImageFile::formatOf(bytes);
   if (!format) return {};
   switch (*format) {
-    case PictureFormat::png: {
-      auto picture = PngReader::read(bytes);
-      return picture ? *std::move(picture) : readGenerally(bytes, *format);
-    }
+    case PictureFormat::png:
+      return uprightPng(storedPng(bytes), bytes);
     case PictureFormat::jpeg:
       return readGenerally(bytes, *format);
     case PictureFormat::heif:
@@ -174,8 +186,8 @@ QImage decodedSmall(std::string_view bytes, int maxPixels) {
   if (!format) return {};
   switch (*format) {
     case PictureFormat::png: {
-      auto picture = PngReader::readSmall(bytes, maxPixels);
-      return picture ? *std::move(picture) : fitted(decoded(bytes), maxPixels);
+      const auto picture = PngReader::readSmall(bytes, maxPixels);
+      return uprightPng(picture ? *picture : fitted(storedPng(bytes), maxPixels), bytes);
     }
     case PictureFormat::jpeg:
       return smallJpeg(bytes, maxPixels);
@@ -209,7 +221,11 @@ std::optional<QSize> ImageFile::pixelSize(const FileURL& url) {
   const auto format = formatOf(file.device().peek(16).toStdString());
   if (!format) return std::nullopt;
   switch (*format) {
-    case PictureFormat::png:
+    case PictureFormat::png: {
+      const auto size = GeneralReader(file.device(), *format).size();
+      const bool isSideways = pngOrientation(file.device()).testFlag(QImageIOHandler::TransformationRotate90);
+      return size && isSideways ? size->transposed() : size;
+    }
     case PictureFormat::jpeg:
       return GeneralReader(file.device(), *format).size();
     case PictureFormat::heif: {

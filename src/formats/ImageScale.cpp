@@ -5,7 +5,7 @@
 #include "formats/HeifFile.h"
 #include "formats/ImageFile.h"
 #include "formats/PngChunks.h"
-#include "formats/TiffResolution.h"
+#include "formats/TiffTags.h"
 
 namespace quillmere {
 namespace {

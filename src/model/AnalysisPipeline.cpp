@@ -180,9 +180,11 @@ void AnalysisPipeline::apply(const UUID& id, const DescribeOutcome& outcome) {
   });
   records_.saveRecordsSoon();
   if (isPassing) {
+    ++looks_;
     modelWasUnavailable_ = true;
     setUnavailability(*error);
   } else if (result) {
+    ++looks_;
     setUnavailability(std::nullopt);
   }
 }
@@ -238,9 +240,11 @@ void AnalysisPipeline::refreshAvailability(std::function<void()> becameAvailable
 }
 
 Task<> AnalysisPipeline::refresh(Weak<AnalysisPipeline> self, std::function<void()> becameAvailable) {
+  const uint64_t generation = ++self->looks_;
   const auto asked = self->analyzer_.availability();
   const auto reason = co_await asked;
-  if (!self) co_return;
+  // A slow look must not overwrite what was seen later.
+  if (!self || generation != self->looks_) co_return;
   std::optional<AnalysisError> error;
   if (reason) error = AnalysisError::unavailable(*reason);
   self->setUnavailability(error);

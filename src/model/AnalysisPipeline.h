@@ -89,6 +89,7 @@ class AnalysisPipeline {
   AsyncGate modelGate_{1};
   AsyncGate ocrGate_{2};
   bool modelWasUnavailable_ = false;
+  uint64_t looks_ = 0;  ///< at the model, a description counted as one
   std::optional<AnalysisError> unavailability_;
   Lifetime lifetime_;
 };

@@ -183,10 +183,30 @@ TEST_F(LiveLanguageModelTest, OfSeveralServersTheOneNearestToAModelSaysWhyThereI
 
 TEST_F(LiveLanguageModelTest, WhatWasFoundIsRemembered) {
   EXPECT_EQ(availability(), std::nullopt);
-  EXPECT_EQ(availability(), std::nullopt);
   respond();
   respond();
   EXPECT_EQ(looks(), 1);
+}
+
+TEST_F(LiveLanguageModelTest, AServerThatHasGoneIsNotAvailableThoughItWasFound) {
+  EXPECT_EQ(respond(), ModelAnswer(kLoginPage));
+  server.stopListening();
+  EXPECT_EQ(availability(), Unavailability::deviceNotEligible);
+}
+
+TEST_F(LiveLanguageModelTest, ASlowLookDoesNotOverwriteALaterOne) {
+  configured = text(other);
+  other.script = nullptr;
+  std::optional<std::optional<Unavailability>> slow;
+  const auto looking = keep(model->availability(), slow);
+  ASSERT_TRUE(isThere([&] { return other.requests.size() == 1; }));
+  configured.reset();
+  EXPECT_EQ(availability(), std::nullopt);
+  executor.advance(seconds(5));
+  ASSERT_TRUE(isThere([&] { return slow.has_value(); }));
+  const int before = looks();
+  EXPECT_EQ(respond(), ModelAnswer(kLoginPage));
+  EXPECT_EQ(looks(), before) << "what the later look found is still remembered";
 }
 
 TEST_F(LiveLanguageModelTest, WhatWasNotFoundIsLookedForAnew) {

@@ -30,6 +30,20 @@ TEST(KnownWords, WordsOfOneCharacterAreNotKept) {
   EXPECT_TRUE(KnownWords(text("e\u0301")).isEmpty()) << "one character of two code points";
 }
 
+TEST(Characters, RomanNumeralsAndCircledLettersHaveACase) {
+  for (const char* capital : {"A", "Ⅻ", "Ⓐ", "🄰", "🅐", "🅰", "Ж"}) {
+    EXPECT_TRUE(isUppercase(text(capital))) << capital;
+    EXPECT_FALSE(isLowercase(text(capital))) << capital;
+  }
+  for (const char* small : {"a", "ⅻ", "ⓐ", "ж"}) {
+    EXPECT_TRUE(isLowercase(text(small))) << small;
+    EXPECT_FALSE(isUppercase(text(small))) << small;
+  }
+  for (const char* neither : {"1", "①", "字", "-"}) {
+    EXPECT_FALSE(isUppercase(text(neither)) || isLowercase(text(neither))) << neither;
+  }
+}
+
 TEST(KnownWords, NoTextKnowsNothing) {
   EXPECT_TRUE(KnownWords(QString()).isEmpty());
   EXPECT_TRUE(KnownWords(text("... — !")).isEmpty());

@@ -54,6 +54,12 @@ TEST(ModelAnswer, CorrectedTextHasSingleBlanks) {
   EXPECT_EQ(description("Two  blanks"), "Two  blanks") << "without known words nothing is corrected";
 }
 
+TEST(ModelAnswer, AMongolianVowelSeparatorIsNoWhiteSpace) {
+  EXPECT_EQ(description("\u1820\u180E\u1821 page", "Nike"), "\u1820\u180E\u1821 page");
+  EXPECT_EQ(description("\u1820\u180E—page"), "\u1820\u180E, page");
+  EXPECT_EQ(description("Login\u3000—\u00A0page"), "Login, page") << "what Unicode has as white space is";
+}
+
 TEST(ModelAnswer, AnEmDashBecomesAComma) {
   EXPECT_EQ(description("Login page — error shown"), "Login page, error shown");
   EXPECT_EQ(description("Login page—error"), "Login page, error");

@@ -4,7 +4,12 @@ namespace quillmere::testing {
 
 Task<std::optional<AnalysisError::Unavailability>> FakeAnalyzer::availability() {
   ++availabilityLooks;
-  co_return unavailability;
+  if (!holdsLooks) co_return unavailability;
+  auto call = std::make_shared<Look>(Look{{}, std::nullopt, std::nullopt, nullptr, false});
+  looks.push_back(call);
+  Open<std::optional<AnalysisError::Unavailability>> open{call};
+  co_await open;
+  co_return *call->value;
 }
 
 Task<DescribeOutcome> FakeAnalyzer::describe(FileURL url, std::optional<QString> known) {

@@ -22,6 +22,7 @@ class FakeAnalyzer final : public ScreenshotAnalyzing {
   };
   using Description = Call<DescribeOutcome>;
   using Reading = Call<std::optional<QString>>;
+  using Look = Call<std::optional<AnalysisError::Unavailability>>;
 
   Task<std::optional<AnalysisError::Unavailability>> availability() override;
   Task<DescribeOutcome> describe(FileURL url, std::optional<QString> known) override;
@@ -39,6 +40,7 @@ class FakeAnalyzer final : public ScreenshotAnalyzing {
   std::optional<QString> text;
   bool holdsDescriptions = false;
   bool holdsReadings = false;
+  bool holdsLooks = false;
 
   int availabilityLooks = 0;
   struct Asked {
@@ -49,6 +51,7 @@ class FakeAnalyzer final : public ScreenshotAnalyzing {
   std::vector<FileURL> read;
   std::vector<std::shared_ptr<Description>> descriptions;
   std::vector<std::shared_ptr<Reading>> readings;
+  std::vector<std::shared_ptr<Look>> looks;
   int describing = 0;
   int mostDescribing = 0;
   int reading = 0;

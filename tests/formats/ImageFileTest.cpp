@@ -16,6 +16,7 @@ using testing::isAlike;
 using testing::kBlue;
 using testing::kRed;
 using testing::oriented;
+using testing::orientedPng;
 using testing::redAndBlue;
 using testing::TemporaryFolder;
 using testing::writeFile;
@@ -219,13 +220,24 @@ TEST_F(NoPictureTest, ANamedPipeHoldsNobody) {
 
 // --- Orientation ---
 
-class OrientationTest : public ImageFileTest, public ::testing::WithParamInterface<int> {};
+/// The number in the camera data, and the format.
+class OrientationTest : public ImageFileTest, public ::testing::WithParamInterface<std::tuple<int, const char*>> {
+ protected:
+  static int orientation() { return std::get<0>(GetParam()); }
+  FileURL writeOriented(const QImage& stored) {
+    const char* format = std::get<1>(GetParam());
+    const std::string bytes = encoded(stored, format);
+    return write(std::string_view(format) == "JPEG" ? oriented(bytes, static_cast<char>(orientation()))
+                                                    : orientedPng(bytes, orientation()));
+  }
+};
 
-INSTANTIATE_TEST_SUITE_P(Values, OrientationTest, ::testing::Range(1, 9));
+INSTANTIATE_TEST_SUITE_P(Values, OrientationTest,
+                         ::testing::Combine(::testing::Range(1, 9), ::testing::Values("JPEG", "PNG")));
 
 TEST_P(OrientationTest, FromFiveOnTheSidesAreSwapped) {
-  const FileURL url = write(oriented(encoded(redAndBlue(320, 200), "JPEG"), static_cast<char>(GetParam())));
-  const bool isSideways = GetParam() >= 5;
+  const FileURL url = writeOriented(redAndBlue(320, 200));
+  const bool isSideways = orientation() >= 5;
   EXPECT_EQ(ImageFile::pixelSize(url), isSideways ? QSize(200, 320) : QSize(320, 200));
   EXPECT_EQ(ImageFile::thumbnail(url, 160).size(), isSideways ? QSize(100, 160) : QSize(160, 100));
 }
@@ -251,9 +263,9 @@ TEST_P(OrientationTest, ThePictureIsUprightAtFullSize) {
   enum Corner { TL, TR, BL, BR };
   constexpr std::array<std::array<Corner, 3>, 8> kPlaces{
       {{TL, TR, BL}, {TR, TL, BR}, {BR, BL, TR}, {BL, BR, TL}, {TL, BL, TR}, {TR, BR, TL}, {BR, TR, BL}, {BL, TL, BR}}};
-  const auto& places = kPlaces.at(static_cast<size_t>(GetParam() - 1));
-  const QImage upright = ImageFile::picture(write(oriented(encoded(corners, "JPEG"), static_cast<char>(GetParam()))));
-  ASSERT_EQ(upright.size(), GetParam() >= 5 ? QSize(48, 64) : QSize(64, 48));
+  const auto& places = kPlaces.at(static_cast<size_t>(orientation() - 1));
+  const QImage upright = ImageFile::picture(writeOriented(corners));
+  ASSERT_EQ(upright.size(), orientation() >= 5 ? QSize(48, 64) : QSize(64, 48));
   const auto at = [&](Corner corner) {
     const bool isRight = corner == TR || corner == BR;
     const bool isBottom = corner == BL || corner == BR;

@@ -5,6 +5,8 @@
 #include <QtGui/QImage>
 #include <string>
 
+#include "formats/Tiffs.h"
+
 namespace quillmere::testing {
 
 /// Left half red, right half blue, with some noise so that it does not compress away.
@@ -47,6 +49,11 @@ inline std::string withExif(std::string jpeg, const std::string& tiff) {
 inline std::string oriented(std::string jpeg, char orientation) {
   return withExif(std::move(jpeg), std::string("MM\0*\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0", 19) + orientation +
                                        std::string("\0\0\0\0\0\0", 6));
+}
+
+/// A PNG with these camera data before its end.
+inline std::string orientedPng(std::string png, int orientation) {
+  return png.insert(png.size() - pngChunk("IEND", {}).size(), pngChunk("eXIf", orientationTiff(orientation)));
 }
 
 }  // namespace quillmere::testing

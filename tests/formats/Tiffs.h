@@ -28,4 +28,11 @@ inline std::string tiff(uint32_t numerator, uint32_t denominator, std::optional<
   return result + number(0, 4) + number(numerator, 4) + number(denominator, 4);
 }
 
+/// A directory with an orientation alone.
+inline std::string orientationTiff(int orientation, std::string (*number)(uint32_t, int) = &bigEndian) {
+  std::string result = (number == &bigEndian ? "MM" : "II") + number(42, 2) + number(8, 4) + number(1, 2);
+  result += number(274, 2) + number(3, 2) + number(1, 4) + number(static_cast<uint32_t>(orientation), 2);
+  return result + number(0, 2) + number(0, 4);
+}
+
 }  // namespace quillmere::testing

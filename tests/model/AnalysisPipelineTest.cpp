@@ -409,6 +409,34 @@ TEST_F(AnalysisPipelineTest, AModelThatWasThereAllTheTimeIsNoReturn) {
   EXPECT_EQ(returns, 0);
 }
 
+using Seen = std::optional<Unavailability>;
+
+TEST_F(AnalysisPipelineTest, ASlowLookDoesNotOverwriteALaterOne) {
+  int returns = 0;
+  analyzer.holdsLooks = true;
+  pipeline->refreshAvailability([&] { ++returns; });
+  pipeline->refreshAvailability([&] { ++returns; });
+  FakeAnalyzer::answer(analyzer.looks[1], Seen(Unavailability::deviceNotEligible));
+  FakeAnalyzer::answer(analyzer.looks[0], Seen());
+  EXPECT_EQ(returns, 0);
+  EXPECT_THAT(records.unavailability, ElementsAre(AnalysisError::unavailable(Unavailability::deviceNotEligible)));
+}
+
+TEST_F(AnalysisPipelineTest, ASlowLookDoesNotOverwriteWhatADescriptionShowed) {
+  analyzer.holdsLooks = true;
+  pipeline->refreshAvailability([] {});
+  analyzer.immediateDescriptions = {kResult};
+  pipeline->start({addWithText(1)});
+  FakeAnalyzer::answer(analyzer.looks[0], Seen(Unavailability::deviceNotEligible));
+  EXPECT_THAT(records.unavailability, IsEmpty());
+
+  pipeline->refreshAvailability([] {});
+  analyzer.immediateDescriptions = {AnalysisError::unavailable(Unavailability::modelNotReady)};
+  pipeline->start({addWithText(2)});
+  FakeAnalyzer::answer(analyzer.looks[1], Seen());
+  EXPECT_THAT(records.unavailability, ElementsAre(AnalysisError::unavailable(Unavailability::modelNotReady)));
+}
+
 TEST_F(AnalysisPipelineTest, AJobThatMissedTheModelIsMadeUpForWhenItReturns) {
   analyzer.immediateDescriptions = {AnalysisError::unavailable(Unavailability::modelNotReady)};
   pipeline->start({addWithText(1)});

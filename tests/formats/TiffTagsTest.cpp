@@ -1,4 +1,4 @@
-#include "formats/TiffResolution.h"
+#include "formats/TiffTags.h"
 
 #include <gtest/gtest.h>
 
@@ -8,6 +8,7 @@ namespace quillmere {
 namespace {
 
 using testing::littleEndian;
+using testing::orientationTiff;
 using testing::tiff;
 
 TEST(TiffResolution, IsReadInEitherOrderOfBytes) {
@@ -33,6 +34,25 @@ TEST(TiffResolution, IsNoneOfNonsense) {
   const std::string whole = tiff(72, 1, 2);
   for (size_t length = 0; length < whole.size(); ++length) {
     EXPECT_EQ(tiffResolution(std::string_view(whole).substr(0, length)), std::nullopt) << length;
+  }
+}
+
+TEST(TiffOrientation, IsReadInEitherOrderOfBytes) {
+  for (int orientation = 1; orientation <= 8; ++orientation) {
+    EXPECT_EQ(tiffOrientation(orientationTiff(orientation)), orientation);
+    EXPECT_EQ(tiffOrientation(orientationTiff(orientation, &littleEndian)), orientation);
+  }
+}
+
+TEST(TiffOrientation, IsUprightWhereItIsNotTold) {
+  EXPECT_EQ(tiffOrientation({}), 1);
+  EXPECT_EQ(tiffOrientation(tiff(72, 1, 2)), 1);
+  EXPECT_EQ(tiffOrientation(orientationTiff(0)), 1);
+  EXPECT_EQ(tiffOrientation(orientationTiff(9)), 1);
+  const std::string whole = orientationTiff(6);
+  const size_t value = 8 + 2 + 8 + 2;
+  for (size_t length = 0; length < value; ++length) {
+    EXPECT_EQ(tiffOrientation(std::string_view(whole).substr(0, length)), 1) << length;
   }
 }
 
