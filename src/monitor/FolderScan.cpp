@@ -95,6 +95,13 @@ class Examination {
   void classify(Observation& seen, ArrivalEvidence& evidence) {
     readTag(seen);
     const FileDates dates = snapshot_.services.fileDates(seen.url);
+    // A copy gets a birth time of its own, but may keep the date of writing, or say itself how old it is.
+    if (evidence.firstSeen - seen.fingerprint->modified > snapshot_.recentCaptureInterval) {
+      evidence.isFromElsewhere = true;
+    }
+    if (dates.captured && evidence.firstSeen - *dates.captured > snapshot_.oldCaptureInterval) {
+      evidence.isFromElsewhere = true;
+    }
     if (!dates.created) return;
     // One-sided: a capture is never added to its folder before it is made.
     if (dates.addedToDirectory && isSynced() &&

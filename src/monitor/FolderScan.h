@@ -29,8 +29,9 @@ struct ArrivalEvidence {
 };
 
 struct FileDates {
-  std::optional<Date> created;
-  std::optional<Date> addedToDirectory;  ///< where the file system keeps it
+  std::optional<Date> created = std::nullopt;
+  std::optional<Date> addedToDirectory = std::nullopt;  ///< where the file system keeps it
+  std::optional<Date> captured = std::nullopt;          ///< at the latest, as the file itself or its name tells
 };
 
 template <typename T>
@@ -62,6 +63,7 @@ struct Snapshot {
   bool includesNonCaptureImages = false;
   double localArrivalTolerance = 2.0;    ///< seconds
   double recentCaptureInterval = 120.0;  ///< seconds
+  double oldCaptureInterval = 86400.0;   ///< seconds
   ScanServices services;
 };
 

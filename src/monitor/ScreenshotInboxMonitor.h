@@ -18,6 +18,9 @@ class FolderEventWatch {
   virtual ~FolderEventWatch() = default;
   /// Whether the file of this name was last seen to be moved to another folder.
   virtual bool hasMovedOut(const std::string&) const { return false; }
+  /// Whether a sync client brought the file of this name: it was renamed from the name that such a client gives to what
+  /// it has not received whole.
+  virtual bool wasSynced(const std::string&) const { return false; }
 };
 enum class FolderEvent {
   changed,
@@ -61,6 +64,9 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
   double localArrivalTolerance = 2.0;
   /// Largest gap between a file's creation and its first sighting for it to count as captured just now.
   double recentCaptureInterval = 120.0;
+  /// How long after the date that it bears itself a file counts as captured just now. Such dates are days, of the clock
+  /// and time zone of whoever wrote them.
+  double oldCaptureInterval = 86400.0;
 
  private:
   struct Pending {

@@ -120,7 +120,8 @@ bool ScreenshotInboxMonitor::hasMovedOut(const FileURL& url) const {
 
 void ScreenshotInboxMonitor::accept(const FileURL& url) {
   const auto evidence = arrivalEvidence_.extract(url);
-  const bool isFromElsewhere = evidence && evidence.mapped().isFromElsewhere;
+  const bool isFromElsewhere = (evidence && evidence.mapped().isFromElsewhere) ||
+                               (directorySource_ && directorySource_->wasSynced(url.lastPathComponent()));
   pendingFiles_.erase(url);
   knownURLs().insert(url);
   const auto& callback = isFromElsewhere ? onArrivedScreenshot : onScreenshot;

@@ -11,6 +11,7 @@ import zlib
 from waiting import wait_until
 
 _seconds = itertools.count()
+_start = datetime.datetime.now()
 
 
 def png(width=64, height=40, colour=(70, 130, 180)):
@@ -23,8 +24,8 @@ def png(width=64, height=40, colour=(70, 130, 180)):
 
 
 def capture_name():
-    """A name of the most common form; each call gives the next second."""
-    moment = datetime.datetime(2026, 1, 2, 3, 4, 5) + datetime.timedelta(seconds=next(_seconds))
+    """A name of the most common form; each call gives the next second. A name of another day would tell of a copy."""
+    moment = _start + datetime.timedelta(seconds=next(_seconds))
     return moment.strftime("Screenshot from %Y-%m-%d %H-%M-%S.png")
 
 

@@ -192,7 +192,7 @@ class HistoryWorld {
     };
     services.fileDates = [this](const FileURL& url) {
       const File* file = at(url);
-      return file ? FileDates{file->born, std::nullopt} : FileDates{};
+      return file ? FileDates{.created = file->born} : FileDates{};
     };
     return services;
   }

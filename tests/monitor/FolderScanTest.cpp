@@ -417,10 +417,32 @@ TEST_F(FolderScanTest, CreationUpTo120SecondsFromTheFirstSightingIsLocal) {
   }
 }
 
+TEST_F(FolderScanTest, AFileWrittenMoreThan120SecondsBeforeItsFirstSightingIsACopyThatKeptItsDate) {
+  for (const auto& [offset, isFromElsewhere] : std::vector<std::pair<double, bool>>{
+           {0, false}, {-120, false}, {-121, true}, {-7 * 86400, true}, {500, false}}) {
+    for (const auto& created : {std::optional(kNow), std::optional<Date>()}) {
+      snapshot.pending.clear();
+      havePending(make("a.png", kNow + offset));
+      services->anyFile.dates.created = created;
+      EXPECT_EQ(onlyObservation().evidence->isFromElsewhere, isFromElsewhere) << offset;
+    }
+  }
+}
+
+TEST_F(FolderScanTest, AFileThatSaysItWasCapturedMoreThanADayAgoIsACopy) {
+  havePending(make("a.png"));
+  services->anyFile.dates.created = kNow;
+  for (const auto& [offset, isFromElsewhere] :
+       std::vector<std::pair<double, bool>>{{0, false}, {-86400, false}, {-86401, true}, {86400 * 3, false}}) {
+    services->anyFile.dates.captured = kNow + offset;
+    EXPECT_EQ(onlyObservation().evidence->isFromElsewhere, isFromElsewhere) << offset;
+  }
+}
+
 TEST_F(FolderScanTest, FileWithoutCreationDateKeepsItsEvidence) {
   havePending(make("a.png"));
   services->isSynced = true;
-  services->anyFile.dates = {std::nullopt, kNow + 1000};
+  services->anyFile.dates = {.addedToDirectory = kNow + 1000};
   EXPECT_EQ(onlyObservation().evidence, (ArrivalEvidence{kNow, 0, false}));
 }
 
@@ -429,14 +451,14 @@ TEST_F(FolderScanTest, InASyncedFolderAFileAddedMoreThanTwoSecondsAfterItsCreati
   services->isSynced = true;
   for (const auto& [gap, isFromElsewhere] :
        std::vector<std::pair<double, bool>>{{0, false}, {2, false}, {2.001, true}, {-100, false}}) {
-    services->anyFile.dates = {kNow, kNow + gap};
+    services->anyFile.dates = {.created = kNow, .addedToDirectory = kNow + gap};
     EXPECT_EQ(onlyObservation().evidence->isFromElsewhere, isFromElsewhere) << gap;
   }
 }
 
 TEST_F(FolderScanTest, ElsewhereTheDateOfAddingDoesNotCount) {
   havePending(make("a.png"));
-  services->anyFile.dates = {kNow, kNow + 1000};
+  services->anyFile.dates = {.created = kNow, .addedToDirectory = kNow + 1000};
   EXPECT_FALSE(onlyObservation().evidence->isFromElsewhere);
 }
 
@@ -450,9 +472,9 @@ TEST_F(FolderScanTest, LimitsAreThoseOfTheSnapshot) {
   services->isSynced = true;
   snapshot.localArrivalTolerance = 10;
   snapshot.recentCaptureInterval = 5;
-  services->anyFile.dates = {kNow, kNow + 9};
+  services->anyFile.dates = {.created = kNow, .addedToDirectory = kNow + 9};
   EXPECT_FALSE(onlyObservation().evidence->isFromElsewhere);
-  services->anyFile.dates = {kNow + -6, std::nullopt};
+  services->anyFile.dates = {.created = kNow + -6};
   EXPECT_TRUE(onlyObservation().evidence->isFromElsewhere);
 }
 

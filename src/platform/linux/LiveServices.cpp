@@ -10,6 +10,7 @@
 #include "model/AppModel.h"
 #include "model/Settings.h"
 #include "platform/linux/ServerOwner.h"
+#include "platform/linux/capture/CaptureMarks.h"
 #include "platform/linux/capture/ScreenCaptureAttributes.h"
 #include "platform/linux/files/CloudFiles.h"
 #include "platform/linux/files/LiveFileIdentity.h"
@@ -26,7 +27,7 @@ Date systemNow() {
 FileDates fileDates(const FileURL& url) {
   const auto status = fileStatus(url);
   // No Linux file system keeps when a file was added to its folder.
-  return {status ? status->created : std::nullopt, std::nullopt};
+  return {status ? status->created : std::nullopt, std::nullopt, CaptureMarks::captureDate(url)};
 }
 
 std::optional<FileURL> defaultScreenshotFolder() {

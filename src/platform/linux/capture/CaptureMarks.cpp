@@ -2,94 +2,17 @@
 
 #include <fcntl.h>
 #include <unistd.h>
+#include <QtCore/QDateTime>
+#include <QtCore/QRegularExpression>
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cerrno>
 
+#include "platform/linux/capture/CaptureNames.h"
 #include "records/PictureFormat.h"
 
 namespace quillmere::CaptureMarks {
 namespace {
-
-/// In a pattern "#" is one digit and "~" a run of one or more characters, none at the very end. Patterns cover the
-/// whole stem and are compared in lower case.
-struct NamePattern {
-  std::string_view pattern;
-  std::string_view tool;
-};
-
-constexpr std::array kNamePatterns{
-    // Word, then date and time, of the desktops whose word is translated: only the shape of the date tells.
-    NamePattern{"~ ####-##-## ##-##-##", "GNOME Shell, gnome-screenshot, mate-screenshot, niri"},
-    NamePattern{"~ ####-##-## ##-##-##-+", "the same, on a collision"},
-    NamePattern{"~ ####-##-## ##-##-## - +", "the same, on a collision"},
-    NamePattern{"~ ####-##-## ##.##.##", "elementary, ChromeOS"},
-    NamePattern{"~ ####-##-## ##.##.##@#x", "elementary, scaled"},
-    NamePattern{"~ ####-##-## ##.##.## (+)", "elementary, on a collision"},
-    NamePattern{"~_########_######", "Spectacle"},
-    NamePattern{"~_########_######-+", "Spectacle, on a collision"},
-    NamePattern{"~_####-##-##_##-##-##", "xfce4-screenshooter, COSMIC"},
-    NamePattern{"~_####-##-##_##-##-##-+", "xfce4-screenshooter, on a collision"},
-    NamePattern{"~_##############", "deepin"},
-    NamePattern{"####-##-##_##-##", "Flameshot"},
-    NamePattern{"####-##-##_##-##_+", "Flameshot, on a collision"},
-    NamePattern{"####-##-##_##-##-##", "Flameshot, older"},
-    // Words that the tools do not translate.
-    NamePattern{"ksnip_########-######", "ksnip"},
-    NamePattern{"ksnip_########-######-+", "ksnip, on a collision"},
-    NamePattern{"####-##-##-######_~_scrot", "scrot"},
-    NamePattern{"####-##-##-######_~_scrot_###", "scrot, on a collision"},
-    NamePattern{"########_##h##m##s_grim", "grim"},
-    NamePattern{"####-##-##t##:##:##,#########~", "grimshot"},
-    NamePattern{"####-##-##-######_hyprshot", "hyprshot"},
-    // Other systems' names, as they arrive by sync.
-    NamePattern{"screenshot_########-######~", "Android"},
-    NamePattern{"screenshot ####-##-## at +.##.##~", "by sync"},
-    NamePattern{"screen shot ####-##-## at +.##.##~", "by sync, older"},
-    NamePattern{"screenshot ####-##-## +.##.##~", "ChromeOS, 12 hours"},
-    NamePattern{"screenshot (+)", "by sync"},
-    NamePattern{"screenshot ####-##-## ######", "by sync"},
-};
-
-/// Beginnings of names that cameras, scanners and messengers give in the same shapes.
-constexpr std::array<std::string_view, 7> kOtherBeginnings{"img_", "mvimg_", "pano_", "pxl_", "photo_", "dsc_", "scan"};
-
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
-bool matches(std::string_view pattern, std::string_view text) {
-  while (!pattern.empty()) {
-    if (pattern.front() == '~') {
-      pattern.remove_prefix(1);
-      for (size_t skipped = 1; skipped <= text.size(); ++skipped) {
-        if (matches(pattern, text.substr(skipped))) return true;
-      }
-      return pattern.empty() && text.empty();
-    }
-    if (text.empty()) return false;
-    const bool wantsDigit = pattern.front() == '#' || pattern.front() == '+';
-    if (wantsDigit ? !isDigit(text.front()) : pattern.front() != text.front()) return false;
-    const bool isRun = pattern.front() == '+';
-    do {
-      text.remove_prefix(1);
-    } while (isRun && !text.empty() && isDigit(text.front()));
-    pattern.remove_prefix(1);
-  }
-  return text.empty();
-}
-
-std::string lowerCase(std::string_view text) {
-  std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; });
-  return result;
-}
-
-std::string_view stemOf(std::string_view fileName) {
-  return fileName.substr(0, fileName.rfind('.'));
-}
 
 uint32_t bigEndian(const unsigned char* bytes) {
   return (uint32_t{bytes[0]} << 24) | (uint32_t{bytes[1]} << 16) | (uint32_t{bytes[2]} << 8) | bytes[3];
@@ -162,12 +85,19 @@ bool isCaptureText(const TextChunks& chunks) {
   });
 }
 
-bool isCaptureName(std::string_view fileName) {
-  const std::string stem = lowerCase(stemOf(fileName));
-  const auto begins = [&](std::string_view beginning) { return stem.starts_with(beginning); };
-  if (std::any_of(kOtherBeginnings.begin(), kOtherBeginnings.end(), begins)) return false;
-  return std::any_of(kNamePatterns.begin(), kNamePatterns.end(),
-                     [&](const NamePattern& candidate) { return matches(candidate.pattern, stem); });
+std::optional<QDate> dayInText(const TextChunks& chunks) {
+  // ISO 8601, as GNOME's tools and the camera data of other systems have it.
+  static const QRegularExpression creation(QStringLiteral("^(\\d{4})-(\\d\\d)-(\\d\\d)T"));
+  static const QRegularExpression camera(
+      QStringLiteral("(?:DateTimeOriginal|DateCreated)(?:>|=[\"'])(\\d{4})-(\\d\\d)-(\\d\\d)T"));
+  for (const auto& [key, value] : chunks) {
+    const bool isCamera = key == "XML:com.adobe.xmp";
+    if (!isCamera && key != "Creation Time") continue;
+    const auto match = (isCamera ? camera : creation).match(QString::fromUtf8(value));
+    const QDate day(match.captured(1).toInt(), match.captured(2).toInt(), match.captured(3).toInt());
+    if (day.isValid()) return day;
+  }
+  return std::nullopt;
 }
 
 TextChunks readTextChunks(const FileURL& url) {
@@ -179,7 +109,14 @@ TextChunks readTextChunks(const FileURL& url) {
 }
 
 bool marksCapture(const FileURL& url) {
-  return isCaptureName(url.lastPathComponent()) || isCaptureText(readTextChunks(url));
+  return CaptureName::of(url.lastPathComponent()) || isCaptureText(readTextChunks(url));
+}
+
+std::optional<Date> captureDate(const FileURL& url) {
+  std::optional<QDate> day = dayInText(readTextChunks(url));
+  if (const auto name = CaptureName::of(url.lastPathComponent()); name && !day) day = name->day;
+  if (!day) return std::nullopt;
+  return Date::fromUnix(day->addDays(1).startOfDay().toSecsSinceEpoch(), 0);
 }
 
 }  // namespace quillmere::CaptureMarks

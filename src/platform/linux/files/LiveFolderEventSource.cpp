@@ -3,9 +3,13 @@
 #include <sys/inotify.h>
 #include <unistd.h>
 #include <QtCore/QSocketNotifier>
+#include <algorithm>
 #include <array>
 #include <map>
+#include <set>
 #include <string>
+
+#include "platform/linux/files/SyncClientNames.h"
 
 namespace quillmere {
 namespace {
@@ -26,6 +30,7 @@ class InotifyWatch final : public FolderEventWatch {
     ::close(descriptor_);
   }
   bool hasMovedOut(const std::string& name) const override { return movedOut_.contains(name); }
+  bool wasSynced(const std::string& name) const override { return synced_.contains(name); }
 
  private:
   void readEvents() {
@@ -49,19 +54,28 @@ class InotifyWatch final : public FolderEventWatch {
   void follow(const inotify_event& event) {
     constexpr size_t kMost = 10'000;
     const std::string name = event.name;
+    // Attributes and dates are set afterwards, too.
+    if ((event.mask & (IN_MOVED_FROM | IN_MOVED_TO | IN_CREATE | IN_DELETE)) != 0) synced_.erase(name);
     if ((event.mask & IN_MOVED_FROM) != 0) {
       if (movedOut_.size() >= kMost) movedOut_.clear();
       movedOut_[name] = event.cookie;
       return;
     }
     if ((event.mask & IN_MOVED_TO) != 0) {
-      std::erase_if(movedOut_, [&](const auto& one) { return one.second == event.cookie; });
+      const auto from =
+          std::find_if(movedOut_.begin(), movedOut_.end(), [&](const auto& one) { return one.second == event.cookie; });
+      if (from != movedOut_.end()) {
+        if (synced_.size() >= kMost) synced_.clear();
+        if (isNameWhileReceived(from->first, name)) synced_.insert(name);
+        movedOut_.erase(from);
+      }
     }
     if ((event.mask & (IN_MOVED_TO | IN_CREATE | IN_DELETE)) != 0) movedOut_.erase(name);
   }
 
   int descriptor_;
   std::map<std::string, uint32_t> movedOut_;  // names with the cookies of their moves
+  std::set<std::string> synced_;
   QSocketNotifier notifier_;
   std::function<void(FolderEvent)> onEvent_;
 };

@@ -18,121 +18,6 @@ using testing::TemporaryFolder;
 using testing::textChunk;
 using testing::writeFile;
 
-// --- Names ---
-
-struct NameRow {
-  const char* tool;
-  const char* name;
-};
-
-TEST(CaptureMarks, NamesThatCaptureToolsGiveAreKnown) {
-  for (const auto& [tool, name] : std::vector<NameRow>{
-           {"GNOME Shell to 46", "Screenshot from 2024-01-02 03-04-05.png"},
-           {"GNOME Shell, first collision", "Screenshot from 2024-01-02 03-04-05-1.png"},
-           {"GNOME Shell, twelfth collision", "Screenshot from 2024-01-02 03-04-05-12.png"},
-           {"GNOME Shell from 47", "Screenshot From 2024-01-02 03-04-05.png"},
-           {"GNOME Shell in German", "Bildschirmfoto vom 2024-01-02 03-04-05.png"},
-           {"GNOME Shell in French", "Capture d’écran du 2024-01-02 03-04-05.png"},
-           {"GNOME Shell in Spanish", "Captura desde 2024-01-02 03-04-05.png"},
-           {"GNOME Shell in Portuguese", "Captura de tela de 2024-01-02 03-04-05.png"},
-           {"GNOME Shell in Russian", "Снимок экрана от 2024-01-02 03-04-05.png"},
-           {"GNOME Shell in Chinese", "截图 2024-01-02 03-04-05.png"},
-           {"gnome-screenshot, collision", "Screenshot from 2024-01-02 03-04-05 - 1.png"},
-           {"Spectacle", "Screenshot_20240102_030405.png"},
-           {"Spectacle, collision", "Screenshot_20240102_030405-1.png"},
-           {"Spectacle in German", "Bildschirmfoto_20240102_030405.png"},
-           {"Flameshot", "2024-01-02_03-04.png"},
-           {"Flameshot, second in that minute", "2024-01-02_03-04_1.png"},
-           {"Flameshot, eleventh in that minute", "2024-01-02_03-04_10.png"},
-           {"Flameshot, older", "2024-01-02_03-04-05.png"},
-           {"ksnip", "ksnip_20240102-030405.png"},
-           {"xfce4-screenshooter", "Screenshot_2024-01-02_03-04-05.png"},
-           {"xfce4-screenshooter, collision", "Screenshot_2024-01-02_03-04-05-1.png"},
-           {"xfce4-screenshooter in German", "Bildschirmfoto_2024-01-02_03-04-05.png"},
-           {"mate-screenshot", "Screenshot at 2024-01-02 03-04-05.png"},
-           {"mate-screenshot, collision", "Screenshot at 2024-01-02 03-04-05 - 1.png"},
-           {"scrot", "2024-01-02-030405_1280x800_scrot.png"},
-           {"scrot, collision", "2024-01-02-030405_1280x800_scrot_000.png"},
-           {"grim", "20240102_03h04m05s_grim.png"},
-           {"grimshot", "2024-01-02T03:04:05,123456789+00:00.png"},
-           {"hyprshot", "2024-01-02-030405_hyprshot.png"},
-           {"niri", "Screenshot from 2024-01-02 03-04-05.png"},
-           {"COSMIC", "Screenshot_2024-01-02_03-04-05.png"},
-           {"elementary", "Screenshot from 2024-01-02 03.04.05.png"},
-           {"elementary, scaled", "Screenshot from 2024-01-02 03.04.05@2x.png"},
-           {"elementary, collision", "Screenshot from 2024-01-02 03.04.05 (1).png"},
-           {"deepin, an area", "Screenshot_select-area_20240102030405.png"},
-           {"deepin, a window", "Screenshot_firefox_20240102030405.png"},
-           {"deepin, the screen", "Screenshot_20240102030405.png"},
-           {"ChromeOS", "Screenshot 2024-01-02 03.04.05.png"},
-           {"ChromeOS, 12 hours", "Screenshot 2024-01-02 3.04.05 PM.png"},
-           {"ChromeOS, 12 hours, late", "Screenshot 2024-01-02 11.04.05 AM.png"},
-           {"Android", "Screenshot_20240102-030405.png"},
-           {"Android, of an app", "Screenshot_20240102-030405_Maps.jpg"},
-           {"by sync, 12 hours", "Screenshot 2024-01-02 at 3.04.05 PM.png"},
-           {"by sync, narrow blank", "Screenshot 2024-01-02 at 3.04.05\u202fPM.png"},
-           {"by sync, 24 hours", "Screenshot 2024-01-02 at 13.04.05.png"},
-           {"by sync, older", "Screen Shot 2024-01-02 at 3.04.05 PM.png"},
-           {"by sync, numbered", "Screenshot (12).png"},
-           {"by sync, numbered high", "Screenshot (1234).png"},
-           {"by sync, date and time", "Screenshot 2024-01-02 030405.png"},
-           {"in another case", "SCREENSHOT FROM 2024-01-02 03-04-05.PNG"},
-       }) {
-    EXPECT_TRUE(isCaptureName(name)) << tool << ": " << name;
-  }
-}
-
-TEST(CaptureMarks, OtherNamesAreNot) {
-  for (const char* name : {
-           "",
-           ".png",
-           "a",
-           "IMG_1234.jpg",
-           "holiday.png",
-           "2024-01-02.png",
-           "invoice 2024-01-02.png",
-           "2024-01-02 03-04-05.png",  // no word before it
-           "IMG_20240102_030405.jpg",  // cameras
-           "MVIMG_20240102_030405.jpg",
-           "PANO_20240102_030405.jpg",
-           "PXL_20240102_030405123.jpg",
-           "photo_2024-01-02_03-04-05.jpg",  // messengers
-           "WhatsApp Image 2024-01-02 at 03.04.05.jpeg",
-           "Signal-2024-01-02-03-04-05-123.jpg",
-           "Scan_20240102_030405.png",
-           "Scan 2024-01-02 03-04-05.png",
-           "Screenshot.png",
-           "screenshot of the week.png",
-           "My Screenshot (12).png",
-           "Screenshot ().png",
-           "Screenshot (12) edited.png",
-           "Screenshot from 2024-01-02.png",
-           "Screenshot from 2024-01-02 03-04.png",
-           "Screenshot from 24-01-02 03-04-05.png",
-           "Screenshot from 2024-01-02 03-04-05 edited.png",
-           "Screenshot from 2024-01-02 03-04-05-.png",
-           "Screenshot_20240102_03040.png",
-           "Screenshot_2024010203040.png",
-           "2024-01-02_03-04_notes.png",
-           "2024-01-02_03.04.png",
-           "ksnip_2024-01-02.png",
-           "20240102_03h04m05s.png",
-           "2024-01-02-030405_scrot.png",
-           "2024-01-02T03:04:05.png",
-           "Screenshot 2024-01-02 at .04.05.png",
-       }) {
-    EXPECT_FALSE(isCaptureName(name)) << name;
-  }
-}
-
-TEST(CaptureMarks, ANameOfAnyBytesIsBorne) {
-  std::string name;
-  for (int byte = 1; byte < 256; ++byte) name.push_back(static_cast<char>(byte));
-  EXPECT_FALSE(isCaptureName(name));
-  EXPECT_FALSE(isCaptureName(std::string(255, '_') + ".png"));
-  EXPECT_TRUE(isCaptureName("\xff\xfe 2024-01-02 03-04-05.png"));
-}
-
 // --- Text ---
 
 TEST(CaptureMarks, TextsOfCaptureToolsAreKnown) {
@@ -164,6 +49,18 @@ TEST(CaptureMarks, OtherTextsAreNot) {
   EXPECT_FALSE(isCaptureText({{"Creation Time", "2024-01-02T03:04:05+0000"}}));
   EXPECT_FALSE(isCaptureText({{"XML:com.adobe.xmp", "<exif:UserComment>A photo</exif:UserComment>"}}));
   EXPECT_FALSE(isCaptureText({{"Comment", "<exif:UserComment>Screenshot</exif:UserComment>"}}));
+}
+
+TEST(CaptureMarks, TheDayOfTakingIsReadFromTheText) {
+  const QDate day(2024, 1, 2);
+  EXPECT_EQ(dayInText({{"Creation Time", "2024-01-02T03:04:05+0100"}}), day);
+  EXPECT_EQ(dayInText({{"Title", "x"}, {"XML:com.adobe.xmp", "<exif:DateTimeOriginal>2024-01-02T03:04:05</exif>"}}),
+            day);
+  EXPECT_EQ(dayInText({{"XML:com.adobe.xmp", "<a photoshop:DateCreated=\"2024-01-02T03:04:05\"/>"}}), day);
+  EXPECT_EQ(dayInText({}), std::nullopt);
+  EXPECT_EQ(dayInText({{"Creation Time", "2024-13-02T03:04:05"}}), std::nullopt);
+  EXPECT_EQ(dayInText({{"Creation Time", "yesterday"}}), std::nullopt);
+  EXPECT_EQ(dayInText({{"Title", "2024-01-02T03:04:05"}}), std::nullopt);
 }
 
 class CaptureTextTest : public ::testing::Test {
@@ -233,6 +130,22 @@ TEST_F(CaptureTextTest, NameOrTextMarkACapture) {
   EXPECT_FALSE(marksCapture(folder.file("plain.png")));
   EXPECT_TRUE(marksCapture(folder.file("2024-01-02_03-04.png")));
   EXPECT_TRUE(marksCapture(folder.file("marked.png")));
+}
+
+TEST_F(CaptureTextTest, TheDateOfTakingIsThatOfTheTextElseOfTheNameAtTheEndOfTheDay) {
+  const auto dateOf = [&](const char* name, std::string_view chunks) {
+    writeFile(folder.file(name), pngWith(chunks));
+    return captureDate(folder.file(name));
+  };
+  const auto endOf = [](int day) {
+    return Date::fromUnix(QDate(2024, 1, day).addDays(1).startOfDay().toSecsSinceEpoch(), 0);
+  };
+  const std::string told = textChunk("Creation Time", "2024-01-05T03:04:05+0000");
+  EXPECT_EQ(dateOf("2024-01-02_03-04.png", {}), endOf(2));
+  EXPECT_EQ(dateOf("2024-01-02_03-04.png", told), endOf(5));
+  EXPECT_EQ(dateOf("any.png", told), endOf(5));
+  EXPECT_EQ(dateOf("any.png", {}), std::nullopt);
+  EXPECT_EQ(dateOf("Invoice 2024-01-02 03-04-05.png", {}), std::nullopt);
 }
 
 }  // namespace

@@ -97,6 +97,31 @@ TEST_F(LiveFolderEventSourceTest, AMoveOutIsToldFromADeletionAndFromARename) {
   EXPECT_FALSE(watch->hasMovedOut("present.png")) << "another one has taken the name";
 }
 
+TEST_F(LiveFolderEventSourceTest, WhatASyncClientRenamesIntoPlaceIsKnownAsSynced) {
+  const FileURL received = fresh.parent().appending(".new.png.~1a2b3c");
+  writeFile(received, "bytes");
+  ASSERT_EQ(::rename(received.c_str(), fresh.c_str()), 0);
+  EXPECT_TRUE(hears(FolderEvent::changed));
+  EXPECT_TRUE(watch->wasSynced("new.png"));
+  EXPECT_FALSE(watch->wasSynced("present.png"));
+  ASSERT_EQ(::chmod(fresh.c_str(), 0400), 0);
+  EXPECT_TRUE(hears(FolderEvent::changed));
+  EXPECT_TRUE(watch->wasSynced("new.png")) << "its attributes are set later";
+
+  ASSERT_EQ(::unlink(fresh.c_str()), 0);
+  writeFile(fresh, "a capture");
+  EXPECT_TRUE(hears(FolderEvent::changed));
+  EXPECT_FALSE(watch->wasSynced("new.png"));
+}
+
+TEST_F(LiveFolderEventSourceTest, WhatAProgramSavesSafelyIsNotSynced) {
+  const FileURL written = fresh.parent().appending("new.png.XXabcd");
+  writeFile(written, "bytes");
+  ASSERT_EQ(::rename(written.c_str(), fresh.c_str()), 0);
+  EXPECT_TRUE(hears(FolderEvent::changed));
+  EXPECT_FALSE(watch->wasSynced("new.png"));
+}
+
 TEST_F(LiveFolderEventSourceTest, AFileThatIsRemovedIsAChange) {
   ASSERT_EQ(::unlink(present.c_str()), 0);
   EXPECT_TRUE(hears(FolderEvent::changed));
