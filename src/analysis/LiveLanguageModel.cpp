@@ -27,11 +27,6 @@ const LlamaServer kLlama;
 /// Ollama first: it answers the other's questions too, but not that about pictures.
 constexpr std::array<const ModelServer*, 2> kServers{&kOllama, &kLlama};
 
-std::optional<QString> environmentText(const char* name) {
-  const QString text = qEnvironmentVariable(name);
-  return text.isEmpty() ? std::nullopt : std::optional(text);
-}
-
 /// The better of two reasons: the one that is nearer to a model.
 Unavailability nearer(Unavailability reason, const ModelServerLook& look) {
   if (std::holds_alternative<LoadingModelServer>(look)) return Unavailability::modelNotReady;
@@ -41,12 +36,13 @@ Unavailability nearer(Unavailability reason, const ModelServerLook& look) {
 
 }  // namespace
 
-ModelServerPlaces ModelServerPlaces::standard(std::function<std::optional<QString>()> configured,
-                                              std::function<bool(const LocalServerAddress&)> isTrusted) {
-  return {.configured = std::move(configured),
-          .environment = [] { return environmentText(kAddressVariable); },
-          .usual = {LocalServerAddress::loopback(kOllamaPort), LocalServerAddress::loopback(kLlamaPort)},
-          .isTrusted = std::move(isTrusted)};
+std::vector<LocalServerAddress> ModelServerPlaces::usualAddresses() {
+  return {LocalServerAddress::loopback(kOllamaPort), LocalServerAddress::loopback(kLlamaPort)};
+}
+
+std::optional<QString> ModelServerPlaces::environmentAddress() {
+  const QString text = qEnvironmentVariable(kAddressVariable);
+  return text.isEmpty() ? std::nullopt : std::optional(text);
 }
 
 LiveLanguageModel::LiveLanguageModel(Executor& executor, ModelServerPlaces places, std::function<Date()> now)
@@ -63,6 +59,14 @@ std::vector<LocalServerAddress> LiveLanguageModel::addresses() const {
   if (const auto named = places_.environment()) add(LocalServerAddress::parseOfServer(*named, kOllamaPort));
   for (const auto& usual : places_.usual) add(usual);
   return addresses;
+}
+
+bool LiveLanguageModel::mayBeAsked(const ServerListener& listener) const {
+  return listener.isKnown && (!listener.foreign || places_.isAllowed(listener.foreign->key));
+}
+
+std::optional<ForeignModelServer> LiveLanguageModel::foreignServer() const {
+  return found_ ? found_->foreign : refused_;
 }
 
 Task<std::optional<Unavailability>> LiveLanguageModel::availability() {
@@ -92,22 +96,32 @@ Task<LiveLanguageModel::Finding> LiveLanguageModel::lookEverywhere(Self self) {
   const auto addresses = self->addresses();
   Unavailability reason = Unavailability::deviceNotEligible;
   std::optional<Found> found;
+  std::optional<ForeignModelServer> refused;
   for (size_t i = 0; i < addresses.size() && !found; ++i) {
+    const ServerListener listener = self->places_.listener(addresses[i]);
+    // Not even asked what it is: a stranger would learn that somebody looks.
+    if (!self->mayBeAsked(listener)) {
+      if (!refused) refused = listener.foreign;
+      continue;
+    }
     auto looking = interruptible(look(self, addresses[i]));
     const ModelServerLook seen = co_await looking;
     if (!self || co_await isCancelled) co_return reason;
-    if (const auto* model = std::get_if<FoundModel>(&seen)) found = Found{*model, addresses[i], addresses};
+    if (const auto* model = std::get_if<FoundModel>(&seen)) {
+      found = Found{*model, addresses[i], addresses, listener.foreign};
+    }
     reason = nearer(reason, seen);
   }
   // A slow look does not overwrite what a later one saw.
-  if (generation == self->looks_) self->found_ = found;
+  if (generation == self->looks_) {
+    self->found_ = found;
+    self->refused_ = refused;
+  }
   if (!found) co_return reason;
   co_return *found;
 }
 
 Task<ModelServerLook> LiveLanguageModel::look(Self self, LocalServerAddress address) {
-  // Not even asked what it is: a stranger would learn that somebody looks.
-  if (!self->places_.isTrusted(address)) co_return NoModelServer();
   for (const ModelServer* server : kServers) {
     auto looking = interruptible(server->look(self->client_, address));
     const ModelServerLook seen = co_await looking;
@@ -147,7 +161,8 @@ Task<ModelResponse> LiveLanguageModel::ask(Self self, Found found, ModelRequest 
   if (!self || co_await isCancelled) co_return ModelFailure(AnalysisCancelled());
   if (!question) co_return ModelFailure(ModelError{ModelError::Kind::other});
   // Asked again: another may have taken the place since the look.
-  if (!self->places_.isTrusted(found.address)) co_return ModelServerReplies::failure(HttpFailure::unreachable);
+  if (!self->mayBeAsked(self->places_.listener(found.address)))
+    co_return ModelServerReplies::failure(HttpFailure::unreachable);
   auto sending = interruptible(self->client_.send(found.address, *question, kAnswerTime));
   const HttpOutcome reply = co_await sending;
   if (!self) co_return ModelFailure(AnalysisCancelled());

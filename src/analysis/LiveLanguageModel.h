@@ -13,15 +13,25 @@
 
 namespace quillmere {
 
+/// Who listens at an address.
+struct ServerListener {
+  bool isKnown = false;                       ///< somebody does, and it could be told who
+  std::optional<ForeignModelServer> foreign;  ///< where it is neither this person nor a service of the system
+};
+
 /// Where a model server may be.
 struct ModelServerPlaces {
-  std::function<std::optional<QString>()> configured;   ///< what the person has set
-  std::function<std::optional<QString>()> environment;  ///< what Ollama's own programs go by
-  std::vector<LocalServerAddress> usual;
-  /// Whether who listens there may see this person's screenshots. Others on this machine can open a port, too.
-  std::function<bool(const LocalServerAddress&)> isTrusted;
-  static ModelServerPlaces standard(std::function<std::optional<QString>()> configured,
-                                    std::function<bool(const LocalServerAddress&)> isTrusted);
+  std::function<std::optional<QString>()> configured;  ///< what the person has set
+  std::function<std::optional<QString>()> environment = &environmentAddress;
+  std::vector<LocalServerAddress> usual = usualAddresses();
+  /// Others on this machine can open a port, too, to see what is sent there.
+  std::function<ServerListener(const LocalServerAddress&)> listener;
+  /// Whether this person has allowed the foreign server of this key.
+  std::function<bool(const QString& key)> isAllowed;
+
+  static std::vector<LocalServerAddress> usualAddresses();
+  /// What Ollama's own programs go by.
+  static std::optional<QString> environmentAddress();
 };
 
 /// The language model of a server that runs on this machine. It remembers where it found one and looks anew when asked
@@ -34,6 +44,7 @@ class LiveLanguageModel final : public LanguageModel {
   /// Not eligible without a server, not enabled without a model that sees pictures, not ready while it is loaded.
   Task<std::optional<AnalysisError::Unavailability>> availability() override;
   Task<ModelResponse> respond(ModelRequest request) override;
+  std::optional<ForeignModelServer> foreignServer() const override;
 
   /// In the order in which they are asked; whatever was named that is not of this machine is not among them.
   std::vector<LocalServerAddress> addresses() const;
@@ -43,6 +54,7 @@ class LiveLanguageModel final : public LanguageModel {
     FoundModel model;
     LocalServerAddress address;
     std::vector<LocalServerAddress> lookedAt;  ///< all addresses of that time
+    std::optional<ForeignModelServer> foreign;
   };
   using Finding = Result<Found, AnalysisError::Unavailability>;
   using Self = Weak<LiveLanguageModel>;
@@ -55,11 +67,14 @@ class LiveLanguageModel final : public LanguageModel {
   static Task<ModelServerLook> look(Self self, LocalServerAddress address);
   static Task<ModelResponse> ask(Self self, Found found, ModelRequest request);
 
+  bool mayBeAsked(const ServerListener& listener) const;
+
   Executor& executor_;
   ModelServerPlaces places_;
   std::function<Date()> now_;
   std::optional<Found> found_;
-  uint64_t looks_ = 0;  ///< begun so far
+  std::optional<ForeignModelServer> refused_;  ///< of the last look
+  uint64_t looks_ = 0;                         ///< begun so far
   LocalHttpClient client_;
   Lifetime lifetime_;
 };

@@ -18,6 +18,7 @@ class LiveScreenshotAnalyzer final : public ScreenshotAnalyzing {
   Task<std::optional<AnalysisError::Unavailability>> availability() override { return service_.availability(); }
   Task<DescribeOutcome> describe(FileURL url, std::optional<QString> text) override;
   Task<std::optional<QString>> recognizeText(FileURL url) override;
+  std::optional<ForeignModelServer> foreignServer() const override { return service_.foreignServer(); }
 
  private:
   Executor& executor_;

@@ -18,6 +18,7 @@ class ImageAnalysisService {
   ImageAnalysisService(LanguageModel& model, Executor& executor) : model_(model), executor_(executor) {}
 
   Task<std::optional<AnalysisError::Unavailability>> availability() { return model_.availability(); }
+  std::optional<ForeignModelServer> foreignServer() const { return model_.foreignServer(); }
 
   /// `recognizedText` helps the model, and its words are checked against it. Where that text is what the model stumbles
   /// over, it is asked once more about the picture alone.

@@ -7,6 +7,7 @@
 
 #include "description/AnalysisError.h"
 #include "description/DescribeOutcome.h"
+#include "description/ForeignModelServer.h"
 #include "foundation/Date.h"
 #include "foundation/FileURL.h"
 #include "foundation/Result.h"
@@ -63,6 +64,9 @@ class LanguageModel {
   /// Why it cannot be asked now; nothing if it can.
   virtual Task<std::optional<AnalysisError::Unavailability>> availability() = 0;
   virtual Task<Result<ModelAnswerFields, ModelFailure>> respond(ModelRequest request) = 0;
+  /// What the last look found: the server in use where it is another person's, or one that could be used if it were
+  /// allowed.
+  virtual std::optional<ForeignModelServer> foreignServer() const { return std::nullopt; }
 };
 
 }  // namespace quillmere

@@ -248,6 +248,10 @@ Task<> AnalysisPipeline::refresh(Weak<AnalysisPipeline> self, std::function<void
   std::optional<AnalysisError> error;
   if (reason) error = AnalysisError::unavailable(*reason);
   self->setUnavailability(error);
+  if (const auto server = self->analyzer_.foreignServer(); server != self->foreignServer_) {
+    self->foreignServer_ = server;
+    self->records_.foreignServerChanged(server);
+  }
   const bool wasUnavailable = std::exchange(self->modelWasUnavailable_, reason.has_value());
   if (wasUnavailable && !reason) becameAvailable();
 }

@@ -22,6 +22,7 @@ class AnalysisRecords {
   virtual void saveRecordsSoon() = 0;
   virtual void analyzingChanged(const UUIDSet& ids) = 0;
   virtual void unavailabilityChanged(const std::optional<AnalysisError>& error) = 0;
+  virtual void foreignServerChanged(const std::optional<ForeignModelServer>& server) = 0;
 };
 
 /// Feeds records to text recognition and to the model and writes the results back: one model call and two recognitions
@@ -91,6 +92,7 @@ class AnalysisPipeline {
   bool modelWasUnavailable_ = false;
   uint64_t looks_ = 0;  ///< at the model, a description counted as one
   std::optional<AnalysisError> unavailability_;
+  std::optional<ForeignModelServer> foreignServer_;
   Lifetime lifetime_;
 };
 

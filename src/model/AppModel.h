@@ -79,6 +79,8 @@ class AppModel : private AnalysisRecords,
   Field<UUIDMap<DownloadState>> downloadStates{changed, ModelField::downloadStates};
   Field<UUIDSet> analyzingIDs{changed, ModelField::analyzingIDs};
   Field<std::optional<AnalysisError>> intelligenceUnavailability{changed, ModelField::intelligenceUnavailability};
+  /// Another person's model server that is used, or that could be if it were allowed.
+  Field<std::optional<ForeignModelServer>> foreignModelServer{changed, ModelField::foreignModelServer};
 
   void setSelectedItemIDs(UUIDSet ids) { selectedItemIDs.set(std::move(ids)); }
   void show(ErrorScope scope, const QString& title, const QString& message);
@@ -93,6 +95,12 @@ class AppModel : private AnalysisRecords,
   void setShowPopupThumbnail(bool isOn);
   void setAnalyzeScreenshots(bool isOn);
   void setModelAddress(const QString& address);
+  /// Whether another person's model server may see screenshots.
+  void setAllowed(const ForeignModelServer& server, bool isAllowed);
+  bool isAllowed(const ForeignModelServer& server) const;
+  /// False where the disk of the folder keeps too little of its files to find one that was renamed or moved.
+  bool canFollowWatchFolder() const;
+  void refreshModelAvailability();
   void setShowsDeleteImmediately(bool isOn) { settings_.showsDeleteImmediately.change(isOn); }
   void setDeletesChosenImmediately(bool isOn) { settings_.deletesChosenImmediately.change(isOn); }
   void setDeletesExpiredImmediately(bool isOn) { settings_.deletesExpiredImmediately.change(isOn); }
@@ -318,12 +326,14 @@ class AppModel : private AnalysisRecords,
 
   // AppModelAnalysis.cpp
   void startMissingAnalysis();
-  void refreshModelAvailability();
   const ScreenshotItem* find(const UUID& id) const override { return items_.find(id); }
   void change(const UUID& id, const std::function<void(ScreenshotItem&)>& change) override;
   void saveRecords() override { saveNow(); }
   void saveRecordsSoon() override { scheduleSave(); }
   void analyzingChanged(const UUIDSet& ids) override { analyzingIDs.set(ids); }
+  void foreignServerChanged(const std::optional<ForeignModelServer>& server) override {
+    foreignModelServer.set(server);
+  }
   void unavailabilityChanged(const std::optional<AnalysisError>& error) override {
     intelligenceUnavailability.set(error);
   }

@@ -23,6 +23,18 @@ void AppModel::setModelAddress(const QString& address) {
   if (settings_.modelAddress.change(address.trimmed()) && *settings_.analyzeScreenshots) refreshModelAvailability();
 }
 
+void AppModel::setAllowed(const ForeignModelServer& server, bool isAllowed) {
+  QStringList keys = settings_.foreignModelServers->split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+  keys.removeAll(server.key);
+  if (isAllowed) keys << server.key;
+  const bool isChanged = settings_.foreignModelServers.change(keys.join(QLatin1Char('\n')));
+  if (isChanged && *settings_.analyzeScreenshots) refreshModelAvailability();
+}
+
+bool AppModel::isAllowed(const ForeignModelServer& server) const {
+  return settings_.foreignModelServers->split(QLatin1Char('\n')).contains(server.key);
+}
+
 void AppModel::setPopupAutoSaveEnabled(bool isOn) {
   if (settings_.popupAutoSaveEnabled.change(isOn)) restartCountdown();
 }

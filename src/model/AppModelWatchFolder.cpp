@@ -4,6 +4,12 @@
 
 namespace quillmere {
 
+bool AppModel::canFollowWatchFolder() const {
+  const auto identity = *watchFolderURL ? dependencies_.fileIdentity(**watchFolderURL) : std::nullopt;
+  if (!identity) return true;
+  return identity->creationDate && identity->volume && isStableVolume(*identity->volume);
+}
+
 FolderPanelStart AppModel::folderPanelStart(const std::optional<FileURL>& preferred) {
   refreshScreenshotLocation();
   FolderPanelStart start;

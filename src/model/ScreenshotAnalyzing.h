@@ -5,6 +5,7 @@
 
 #include "description/AnalysisError.h"
 #include "description/DescribeOutcome.h"
+#include "description/ForeignModelServer.h"
 #include "foundation/FileURL.h"
 #include "foundation/Task.h"
 
@@ -21,6 +22,8 @@ class ScreenshotAnalyzing {
   virtual Task<DescribeOutcome> describe(FileURL url, std::optional<QString> text) = 0;
   /// The lines of text from top to bottom, empty where there is none; nothing when it was cancelled or failed.
   virtual Task<std::optional<QString>> recognizeText(FileURL url) = 0;
+  /// As `LanguageModel` tells it.
+  virtual std::optional<ForeignModelServer> foreignServer() const { return std::nullopt; }
 };
 
 }  // namespace quillmere

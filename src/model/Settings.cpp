@@ -52,6 +52,10 @@ std::optional<QString> Settings::storedModelAddress(const UserDefaults& defaults
   return defaults.text(QLatin1String(kModelAddress));
 }
 
+QStringList Settings::storedForeignModelServers(const UserDefaults& defaults) {
+  return defaults.text(QLatin1String(kForeignModelServers)).value_or(QString()).split(QLatin1Char('\n'));
+}
+
 int Settings::popupSeconds(int seconds) {
   return std::clamp(seconds, kShortestPopupSeconds, kLongestPopupSeconds);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 #include <optional>
 
 #include "foundation/UserDefaults.h"
@@ -78,9 +79,12 @@ class Settings {
   static constexpr int kLongestPopupSeconds = 300;
   /// The address of a model server as it is stored now, for those that read it anew each time.
   static std::optional<QString> storedModelAddress(const UserDefaults& defaults);
+  /// The keys of the foreign model servers that are allowed now.
+  static QStringList storedForeignModelServers(const UserDefaults& defaults);
 
  private:
   static constexpr const char* kModelAddress = "quillmere.model-address";
+  static constexpr const char* kForeignModelServers = "quillmere.foreign-model-servers";
   static int popupSeconds(int seconds);
 
   SettingsHome home_;
@@ -91,6 +95,8 @@ class Settings {
   Setting<bool> analyzeScreenshots{home_, "quillmere.analyze", ModelField::analyzeScreenshots, true};
   /// Empty: it is found by itself.
   Setting<QString> modelAddress{home_, kModelAddress, ModelField::modelAddress, {}};
+  /// Keys, each on a line.
+  Setting<QString> foreignModelServers{home_, kForeignModelServers, ModelField::foreignModelServers, {}};
   Setting<bool> showsDeleteImmediately{home_, "quillmere.delete-immediately-command",
                                        ModelField::showsDeleteImmediately, false};
   Setting<bool> deletesChosenImmediately{home_, "quillmere.delete-immediately-chosen",

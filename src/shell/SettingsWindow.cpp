@@ -73,6 +73,8 @@ bool isShown(ModelField field) {
     case ModelField::analyzeScreenshots:
     case ModelField::intelligenceUnavailability:
     case ModelField::modelAddress:
+    case ModelField::foreignModelServer:
+    case ModelField::foreignModelServers:
       return true;
     default:
       return false;
@@ -164,6 +166,17 @@ QWidget* SettingsWindow::makeIntelligencePane() {
   address->addSpacing(8);
   address->addWidget(modelAddress_, 1);
   column->addLayout(address);
+  foreignServer_ = new PlainLabel(pane);
+  foreignServer_->setWordWrap(true);
+  allowsForeign_ = new ActionButton(ActionButton::Role::secondary, {}, {}, pane);
+  connect(allowsForeign_, &QPushButton::clicked, this, [this] {
+    if (const auto server = *model_.foreignModelServer) model_.setAllowed(*server, !model_.isAllowed(*server));
+  });
+  auto* foreign = new QHBoxLayout;
+  foreign->setSpacing(8);
+  foreign->addWidget(foreignServer_, 1);
+  foreign->addWidget(allowsForeign_, 0, Qt::AlignTop);
+  column->addLayout(foreign);
   column->addWidget(makeFooter(
       localized(
           "Descriptions and filename suggestions use Apple Intelligence on this Mac. Screenshot content isn’t sent "
@@ -200,6 +213,12 @@ QWidget* SettingsWindow::makeScreenshotsPane() {
   statusRow->addWidget(folderSymbol_, 0, Qt::AlignTop);
   statusRow->addWidget(folderStatus_, 1);
   folder->addLayout(statusRow);
+  cannotFollow_ = makeFooter(
+      localized("The disk of this folder keeps too little about its files: a screenshot that you rename or move with "
+                "another app may become unavailable here, and one that can’t be told from another file isn’t deleted "
+                "when its time is up."),
+      pane);
+  folder->addWidget(cannotFollow_);
 
   location_ = new ScreenshotLocationRow(model_, pane);
   location_->confirmSavingHere = [this](const QString& name) { return confirmSavingHere && confirmSavingHere(name); };
@@ -267,6 +286,7 @@ void SettingsWindow::refresh() {
   setPlainToolTip(*folderName_, folder ? folder->displayPath() : QString());
   folderSymbol_->setSymbol(symbolOf(status), status == WatcherStatus::watching ? Ink::secondary : Ink::warning);
   folderStatus_->setText(statusText(status));
+  cannotFollow_->setVisible(status == WatcherStatus::watching && !model_.canFollowWatchFolder());
   location_->update();
   includesOthers_->setChecked(*model_.settings().includesNonCaptureImages);
   showsThumbnail_->setChecked(*model_.settings().showPopupThumbnail);
@@ -289,6 +309,7 @@ void SettingsWindow::refresh() {
 void SettingsWindow::refreshIntelligence() {
   analyzes_->setChecked(*model_.settings().analyzeScreenshots);
   if (!modelAddress_->hasFocus()) modelAddress_->setText(*model_.settings().modelAddress);
+  refreshForeignServer();
   const auto& error = *model_.intelligenceUnavailability;
   const bool isShown = *model_.settings().analyzeScreenshots && error;
   modelSymbol_->setVisible(isShown);
@@ -297,6 +318,22 @@ void SettingsWindow::refreshIntelligence() {
   const ModelStatus status = modelStatus(error->unavailability);
   modelStatus_->setText(status.text);
   modelSymbol_->setSymbol(status.symbol);
+}
+
+void SettingsWindow::refreshForeignServer() {
+  const auto& server = *model_.foreignModelServer;
+  const bool isShown = *model_.settings().analyzeScreenshots && server;
+  foreignServer_->setVisible(isShown);
+  allowsForeign_->setVisible(isShown);
+  if (!isShown) return;
+  const bool isAllowed = model_.isAllowed(*server);
+  foreignServer_->setText(
+      localized(isAllowed ? "Screenshots and their text are sent to the model server of “%@”, another user of this "
+                            "computer, at %@."
+                          : "“%@”, another user of this computer, runs a model server at %@. It would see your "
+                            "screenshots and their text.",
+                {server->owner, server->address}));
+  allowsForeign_->setText(isAllowed ? localized("Don’t Use") : localized("Use It"));
 }
 
 void SettingsWindow::showError() {

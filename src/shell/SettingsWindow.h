@@ -14,6 +14,7 @@ class QTabWidget;
 
 namespace quillmere {
 
+class ActionButton;
 class ScreenshotLocationRow;
 class SymbolLabel;
 
@@ -34,6 +35,7 @@ class SettingsWindow final : public QWidget {
   QWidget* makePopupPane();
   QWidget* makeIntelligencePane();
   void refreshIntelligence();
+  void refreshForeignServer();
   void follow(const ModelChange& change);
   void refresh();
   void showError();
@@ -54,6 +56,9 @@ class SettingsWindow final : public QWidget {
   SymbolLabel* modelSymbol_ = nullptr;
   QLabel* modelStatus_ = nullptr;
   QLineEdit* modelAddress_ = nullptr;
+  QLabel* foreignServer_ = nullptr;
+  ActionButton* allowsForeign_ = nullptr;
+  QLabel* cannotFollow_ = nullptr;
   Connection changes_;
 };
 

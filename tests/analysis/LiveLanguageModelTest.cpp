@@ -22,6 +22,8 @@ using testing::httpReply;
 using testing::kLoginPage;
 using testing::ModelAnswer;
 
+const ForeignModelServer kForeign{QStringLiteral("someone"), QStringLiteral("127.0.0.1:11434"),
+                                  QStringLiteral("1001@127.0.0.1:11434")};
 const QStringList kSees{QStringLiteral("completion"), QStringLiteral("vision")};
 
 /// The fixture's server speaks as Ollama and stands at a usual address; `other` speaks as llama.cpp's and stands at
@@ -35,7 +37,8 @@ class LiveLanguageModelTest : public testing::ModelServerFixture {
   }
   std::unique_ptr<LiveLanguageModel> made() {
     ModelServerPlaces places{[this] { return configured; }, [this] { return environment; }, usual,
-                             [this](const LocalServerAddress&) { return isTrusted; }};
+                             [this](const LocalServerAddress&) { return listener; },
+                             [this](const QString& key) { return allowed.contains(key); }};
     return std::make_unique<LiveLanguageModel>(executor, places, [] { return kNow; });
   }
   std::optional<Unavailability> availability() { return finish(model->availability()); }
@@ -54,7 +57,8 @@ class LiveLanguageModelTest : public testing::ModelServerFixture {
   FakeModelServer other;
   std::optional<QString> configured;
   std::optional<QString> environment;
-  bool isTrusted = true;
+  ServerListener listener{true, std::nullopt};
+  QStringList allowed;
   std::vector<LocalServerAddress> usual{server.address()};
   std::unique_ptr<LiveLanguageModel> model = made();
 };
@@ -70,14 +74,38 @@ TEST_F(LiveLanguageModelTest, AServerAtAUsualAddressIsFoundAndAsked) {
 }
 
 TEST_F(LiveLanguageModelTest, AServerOfAnotherPersonIsNotAskedAnything) {
-  isTrusted = false;
+  listener.foreign = kForeign;
+  EXPECT_EQ(availability(), Unavailability::deviceNotEligible);
+  EXPECT_TRUE(server.paths().empty());
+  EXPECT_EQ(model->foreignServer(), kForeign);
+}
+
+TEST_F(LiveLanguageModelTest, AnotherPersonsServerIsAskedWhileItIsAllowed) {
+  listener.foreign = kForeign;
+  allowed = {kForeign.key};
+  EXPECT_EQ(respond(), ModelAnswer(kLoginPage));
+  EXPECT_EQ(model->foreignServer(), kForeign) << "it is still told whose it is";
+
+  allowed = {QStringLiteral("1002@127.0.0.1:11434")};
+  server.requests.clear();
+  EXPECT_NE(respond(), ModelAnswer(kLoginPage));
+  EXPECT_FALSE(server.requestFor("/api/chat")) << "what was found is not trusted either";
+}
+
+TEST_F(LiveLanguageModelTest, OursHasNoForeignServerToTellOf) {
+  EXPECT_EQ(availability(), std::nullopt);
+  EXPECT_EQ(model->foreignServer(), std::nullopt);
+}
+
+TEST_F(LiveLanguageModelTest, WhereItCannotBeToldWhoListensNothingIsAsked) {
+  listener.isKnown = false;
   EXPECT_EQ(availability(), Unavailability::deviceNotEligible);
   EXPECT_TRUE(server.paths().empty());
 }
 
 TEST_F(LiveLanguageModelTest, OneThatTookThePlaceOfAFoundOneGetsNoPicture) {
   ASSERT_EQ(availability(), std::nullopt);
-  isTrusted = false;
+  listener.foreign = kForeign;
   EXPECT_NE(respond(), ModelAnswer(kLoginPage));
   EXPECT_FALSE(server.requestFor("/api/chat"));
 }
@@ -137,10 +165,11 @@ TEST_F(LiveLanguageModelTest, TheUsualPortsAndTheSettingAreThese) {
   UserDefaults defaults(folder.file("settings.json").displayPath());
   defaults.set(QStringLiteral("quillmere.model-address"), QStringLiteral("127.0.0.1:9"));
   ::setenv("OLLAMA_HOST", "127.0.0.1:10", 1);
-  const LiveLanguageModel standard(executor,
-                                   ModelServerPlaces::standard([&] { return Settings::storedModelAddress(defaults); },
-                                                               [](const LocalServerAddress&) { return true; }),
-                                   [] { return kNow; });
+  const LiveLanguageModel standard(
+      executor,
+      ModelServerPlaces{
+          .configured = [&] { return Settings::storedModelAddress(defaults); }, .listener = {}, .isAllowed = {}},
+      [] { return kNow; });
   using Address = LocalServerAddress;
   EXPECT_EQ(standard.addresses(), (std::vector{Address::loopback(9), Address::loopback(10), Address::loopback(11434),
                                                Address::loopback(8080)}));

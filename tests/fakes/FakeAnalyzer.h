@@ -27,6 +27,7 @@ class FakeAnalyzer final : public ScreenshotAnalyzing {
   Task<std::optional<AnalysisError::Unavailability>> availability() override;
   Task<DescribeOutcome> describe(FileURL url, std::optional<QString> known) override;
   Task<std::optional<QString>> recognizeText(FileURL url) override;
+  std::optional<ForeignModelServer> foreignServer() const override { return foreign; }
 
   template <typename Value>
   static void answer(const std::shared_ptr<Call<Value>>& call, Value value) {
@@ -35,6 +36,7 @@ class FakeAnalyzer final : public ScreenshotAnalyzing {
   }
 
   std::optional<AnalysisError::Unavailability> unavailability;
+  std::optional<ForeignModelServer> foreign;
   DescribeOutcome description = AnalysisCancelled();
   std::vector<DescribeOutcome> immediateDescriptions;
   std::optional<QString> text;

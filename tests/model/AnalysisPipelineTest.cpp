@@ -34,11 +34,15 @@ class FakeRecords final : public AnalysisRecords {
   void saveRecords() override { ++saves; }
   void saveRecordsSoon() override { ++laterSaves; }
   void analyzingChanged(const UUIDSet& ids) override { analyzing = ids; }
+  void foreignServerChanged(const std::optional<ForeignModelServer>& server) override {
+    foreignServers.push_back(server);
+  }
   void unavailabilityChanged(const std::optional<AnalysisError>& error) override { unavailability.push_back(error); }
 
   UUIDMap<ScreenshotItem> items;
   UUIDSet analyzing;
   std::vector<std::optional<AnalysisError>> unavailability;
+  std::vector<std::optional<ForeignModelServer>> foreignServers;
   int changes = 0;
   int saves = 0;
   int laterSaves = 0;
@@ -400,6 +404,16 @@ TEST_F(AnalysisPipelineTest, AModelThatComesBackIsToldOnce) {
   EXPECT_EQ(returns, 1);
   EXPECT_EQ(records.unavailability.size(), 2u);
   EXPECT_EQ(records.unavailability.back(), std::nullopt);
+}
+
+TEST_F(AnalysisPipelineTest, AForeignServerIsToldWhenItChanges) {
+  analyzer.foreign = ForeignModelServer{QStringLiteral("someone"), QStringLiteral("there"), QStringLiteral("key")};
+  pipeline->refreshAvailability([] {});
+  pipeline->refreshAvailability([] {});
+  const auto first = analyzer.foreign;
+  analyzer.foreign.reset();
+  pipeline->refreshAvailability([] {});
+  EXPECT_THAT(records.foreignServers, ElementsAre(first, std::nullopt));
 }
 
 TEST_F(AnalysisPipelineTest, AModelThatWasThereAllTheTimeIsNoReturn) {

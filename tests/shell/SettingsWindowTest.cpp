@@ -8,6 +8,7 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPushButton>
 #include <QtWidgets/QSpinBox>
 #include <QtWidgets/QTabWidget>
 
@@ -28,6 +29,12 @@ class SettingsWindowTest : public testing::ModelFixture {
   QCheckBox& box(const char* text) const {
     for (auto* found : window->findChildren<QCheckBox*>()) {
       if (found->text() == QLatin1String(text)) return *found;
+    }
+    throw std::logic_error(text);
+  }
+  QPushButton& pushButton(const char* text) const {
+    for (auto* found : window->findChildren<QPushButton*>()) {
+      if (found->text() == QString::fromUtf8(text)) return *found;
     }
     throw std::logic_error(text);
   }
@@ -109,6 +116,61 @@ TEST_F(SettingsWindowTest, ANumberIsSetOnceItIsTyped) {
   QTest::keyClick(&seconds(), Qt::Key_Return);
   EXPECT_EQ(*model->settings().popupAutoSaveSeconds, 25);
   EXPECT_TRUE(says(QStringLiteral("Dismiss after 25 seconds")));
+}
+
+TEST_F(SettingsWindowTest, AnotherUsersServerIsUsedOnlyOnceItIsAllowed) {
+  const QString question = QStringLiteral(
+      "“someone”, another user of this computer, runs a model server at there. It "
+      "would see your screenshots and their text.");
+  const QString warning = QStringLiteral(
+      "Screenshots and their text are sent to the model server of “someone”, another "
+      "user of this computer, at there.");
+  EXPECT_FALSE(says(question));
+  const auto found = [&](std::optional<ForeignModelServer> server) {
+    analyzer.foreign = std::move(server);
+    model->refreshModelAvailability();
+  };
+  const ForeignModelServer server{QStringLiteral("someone"), QStringLiteral("there"), QStringLiteral("1001@there")};
+  found(server);
+  EXPECT_TRUE(says(question));
+  EXPECT_FALSE(model->isAllowed(server));
+
+  pushButton("Use It").click();
+  EXPECT_TRUE(model->isAllowed(server));
+  EXPECT_EQ(Settings::storedForeignModelServers(*defaults), QStringList{QStringLiteral("1001@there")});
+  EXPECT_TRUE(says(warning));
+  const ForeignModelServer another{QStringLiteral("else"), QStringLiteral("there"), QStringLiteral("1002@there")};
+  EXPECT_FALSE(model->isAllowed(another));
+  model->setAllowed(another, true);
+  pushButton("Don’t Use").click();
+  EXPECT_FALSE(model->isAllowed(server));
+  EXPECT_TRUE(model->isAllowed(another)) << "each by itself";
+  EXPECT_TRUE(says(question));
+
+  model->setAnalyzeScreenshots(false);
+  EXPECT_FALSE(says(question)) << "nothing is described";
+  model->setAnalyzeScreenshots(true);
+  found(std::nullopt);
+  EXPECT_FALSE(says(question));
+}
+
+TEST_F(SettingsWindowTest, AFolderWhoseFilesCannotBeFollowedIsToldOf) {
+  const QString warning = QStringLiteral(
+      "The disk of this folder keeps too little about its files: a screenshot that you rename or move "
+      "with another app may become unavailable here, and one that can’t be told from another file isn’t "
+      "deleted when its time is up.");
+  const auto saysSoOn = [&](const FileIdentity& folder) {
+    identities[shots.path()] = folder;
+    window->hide();
+    window->show();
+    return says(warning);
+  };
+  EXPECT_FALSE(saysSoOn({"uuid", 1, Date{kStart}, 1}));
+  EXPECT_TRUE(saysSoOn({"uuid", 1, std::nullopt, 1})) << "no birth times";
+  EXPECT_TRUE(saysSoOn({"0:38", 1, Date{kStart}, 1})) << "a device number, which another disk may have tomorrow";
+  EXPECT_TRUE(saysSoOn({std::nullopt, 1, Date{kStart}, 1}));
+  report(WatcherStatus::notFound);
+  EXPECT_FALSE(says(warning));
 }
 
 TEST_F(SettingsWindowTest, TheFolderIsNamedWithItsState) {

@@ -67,10 +67,14 @@ LiveServices::LiveServices(const ApplicationPaths& paths)
       watchFolderStore(defaults, mounts),
       announcer(executor),
       sharing(executor),
-      languageModel(
-          executor,
-          ModelServerPlaces::standard([this] { return Settings::storedModelAddress(defaults); }, &isServerTrusted),
-          &systemNow),
+      languageModel(executor,
+                    ModelServerPlaces{.configured = [this] { return Settings::storedModelAddress(defaults); },
+                                      .listener = &serverListener,
+                                      .isAllowed =
+                                          [this](const QString& key) {
+                                            return Settings::storedForeignModelServers(defaults).contains(key);
+                                          }},
+                    &systemNow),
       analyzer(executor, languageModel, &CloudFiles::isDataless),
       monitor(executor, systemEvents, folderEvents, scanServices(), &systemNow) {}
 

@@ -1,10 +1,12 @@
 #include "platform/linux/ServerOwner.h"
 
+#include <pwd.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
 #include <QtCore/QtEndian>
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -79,6 +81,14 @@ std::vector<uid_t> ownersOf(const FileURL& socket) {
   return owners;
 }
 
+QString accountName(uid_t user) {
+  std::array<char, 4096> room{};
+  passwd account{};
+  passwd* found = nullptr;
+  const int error = ::getpwuid_r(user, &account, room.data(), room.size(), &found);
+  return error == 0 && found ? QString::fromLocal8Bit(found->pw_name) : QString::number(user);
+}
+
 }  // namespace
 
 std::vector<uid_t> listenersIn(const std::string& table, const std::vector<std::string>& addresses, uint16_t port) {
@@ -106,10 +116,21 @@ std::vector<uid_t> ownersOf(const LocalServerAddress& address) {
   return address.tcp() ? ownersOf(*address.tcp()) : ownersOf(*address.socket());
 }
 
-bool isServerTrusted(const LocalServerAddress& address) {
-  const auto owners = ownersOf(address);
-  return !owners.empty() && std::all_of(owners.begin(), owners.end(),
-                                        [](uid_t owner) { return owner == ::geteuid() || owner < kFirstPerson; });
+ServerListener serverListener(const LocalServerAddress& address) {
+  auto owners = ownersOf(address);
+  ServerListener listener{!owners.empty(), std::nullopt};
+  std::erase_if(owners, [](uid_t owner) { return owner == ::geteuid() || owner < kFirstPerson; });
+  if (owners.empty()) return listener;
+  QStringList names;
+  QStringList numbers;
+  for (const uid_t owner : owners) {
+    names << accountName(owner);
+    numbers << QString::number(owner);
+  }
+  const QString place = address.socket() ? address.socket()->displayPath() : QString::fromLatin1(address.hostHeader());
+  listener.foreign = ForeignModelServer{names.join(QStringLiteral(", ")), place,
+                                        numbers.join(QLatin1Char(',')) + QLatin1Char('@') + place};
+  return listener;
 }
 
 }  // namespace quillmere

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "analysis/LocalServerAddress.h"
+#include "analysis/LiveLanguageModel.h"
 
 namespace quillmere {
 
@@ -13,9 +13,9 @@ namespace quillmere {
 /// nobody does or it cannot be told.
 std::vector<uid_t> ownersOf(const LocalServerAddress& address);
 
-/// Whether all who listen there are this person or an account of the system's services (below 1000), and somebody does.
-/// Any other person of this machine could have opened the port to see what is sent to it.
-bool isServerTrusted(const LocalServerAddress& address);
+/// Foreign is what anybody listens at but this person or an account of the system's services (below 1000): any other
+/// person of this machine could have opened the port to see what is sent to it.
+ServerListener serverListener(const LocalServerAddress& address);
 
 /// The owners of what listens on the port at one of these addresses, both as the text of /proc/net/tcp or tcp6 has
 /// them.

@@ -80,6 +80,11 @@ std::pair<int, uint16_t> listenAtFile(const std::string& path) {
   return {isListening ? descriptor : -1, 1};
 }
 
+bool isServerTrusted(const LocalServerAddress& address) {
+  const ServerListener listener = serverListener(address);
+  return listener.isKnown && !listener.foreign;
+}
+
 constexpr uid_t kService = 998;
 constexpr uid_t kOtherPerson = 4242;
 
@@ -125,6 +130,20 @@ TEST_F(ServerOwnerTest, OfASocketFileWhoeverListensCounts) {
     EXPECT_EQ(ownersOf(*address), std::vector<uid_t>{user});
     EXPECT_EQ(isServerTrusted(*address), isTrusted) << user;
   }
+}
+
+TEST_F(ServerOwnerTest, AForeignOneIsToldByAccountAndAddress) {
+  const Stranger server(kOtherPerson, [] { return listenAt(INADDR_LOOPBACK); });
+  const auto foreign = serverListener(LocalServerAddress::loopback(server.port)).foreign;
+  ASSERT_TRUE(foreign);
+  const QString place = QStringLiteral("127.0.0.1:%1").arg(server.port);
+  EXPECT_EQ(foreign->owner, QStringLiteral("4242")) << "an account without a name";
+  EXPECT_EQ(foreign->address, place);
+  EXPECT_EQ(foreign->key, QStringLiteral("4242@") + place);
+
+  constexpr uid_t kNobody = 65534;
+  const Stranger named(kNobody, [] { return listenAt(INADDR_LOOPBACK); });
+  EXPECT_EQ(serverListener(LocalServerAddress::loopback(named.port)).foreign->owner, QStringLiteral("nobody"));
 }
 
 TEST_F(ServerOwnerTest, WhereNobodyListensNobodyIsTrusted) {
