@@ -1,5 +1,6 @@
 #include "foundation/UserDefaults.h"
 
+#include <QtCore/QFile>
 #include <QtCore/QIODevice>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
@@ -127,6 +128,7 @@ void UserDefaults::remove(const QString& key) {
 bool UserDefaults::write(const QString& key, const QVariant& value) {
   settings_->setValue(key, value);
   settings_->sync();
+  QFile::setPermissions(settings_->fileName(), QFile::ReadOwner | QFile::WriteOwner);
   // Asked of the file: the status of QSettings tells of the first failure for ever.
   const auto bytes = readFile(FileURL::fromPath(settings_->fileName()));
   const auto object = bytes ? QJsonDocument::fromJson(QByteArray::fromStdString(*bytes)).object() : QJsonObject();

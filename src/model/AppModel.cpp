@@ -37,6 +37,7 @@ AppModel::~AppModel() {
   dependencies_.monitor->onArrivedScreenshot = nullptr;
   dependencies_.monitor->onRemoval = nullptr;
   dependencies_.monitor->onStatusChange = nullptr;
+  transfers_.removeCopies();
 }
 
 void AppModel::wireMonitor() {
@@ -53,6 +54,7 @@ void AppModel::start() {
   popupAutoSaveScheduler_.configure([this](const UUID& id) { return isPopupPaused(id); },
                                     [this](const UUID& id) { popupTimedOut(id); });
   expirationScheduler_.start([this](const UUID& id) { expireOne(id); }, [this] { saveAfterExpiry(); });
+  transfers_.removeLeftCopies();
   restoreWatchFolder();
   replacement_.finishBegun(*watchFolderURL);
   refreshScreenshotLocation();

@@ -198,6 +198,7 @@ void AppModel::disposeBatch(const std::vector<ScreenshotItem>& items, ErrorScope
 
 void AppModel::removeRecords(const UUIDSet& ids) {
   resolvePrompts(ids);
+  transfers_.forget(ids);
   const auto without = [&](const UUIDSet& set) {
     UUIDSet rest = set;
     for (const UUID& id : ids) rest.erase(id);

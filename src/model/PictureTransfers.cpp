@@ -45,6 +45,22 @@ PromptPreviewTransfer PictureTransfers::transfer(const ScreenshotItem& item, con
   return transfer;
 }
 
+// --- Copies that are left ---
+
+void PictureTransfers::forget(const UUIDSet& records) {
+  for (const UUID& id : records) {
+    if (prepared_.erase(id) > 0) removeCopies(id);
+  }
+}
+
+void PictureTransfers::removeCopies(const UUID& id) {
+  dependencies_.executor->runInBackground([files = dependencies_.transferFiles, id] { files.remove(id); }, [] {});
+}
+
+void PictureTransfers::removeLeftCopies() {
+  dependencies_.executor->runInBackground([files = dependencies_.transferFiles] { files.removeAll(); }, [] {});
+}
+
 // --- Copy ---
 
 Task<> PictureTransfers::copy(ScreenshotItem item, ErrorScope scope) {
@@ -109,18 +125,23 @@ Task<std::optional<PreparedTransfer>> PictureTransfers::prepare(ScreenshotItem i
 Task<std::optional<PreparedTransfer>> PictureTransfers::runPreparation(Weak<PictureTransfers> self, ScreenshotItem item,
                                                                        std::optional<QString> name) {
   const PromptPreviewTransfer transfer = self->transfer(item, name);
+  self->prepared_.insert(item.id);
   const std::function<Result<FileURL, Failure>()> work =
-      [transfer, files = self->dependencies_.transferFiles, isDataless = self->dependencies_.isDataless,
+      [transfer, id = item.id, files = self->dependencies_.transferFiles, isDataless = self->dependencies_.isDataless,
        identity = self->dependencies_.fileIdentity]() -> Result<FileURL, Failure> {
     const Failure unreadable(ImageOperations::OperationError::unreadable);
     if (!transfer.crop && isDataless(transfer.url)) return unreadable;
     if (isAnother(transfer, identity)) return unreadable;
-    auto file = files.file(transfer);
+    auto file = files.file(id, transfer);
     return isAnother(transfer, identity) ? Result<FileURL, Failure>(unreadable) : file;
   };
   auto preparing = self->dependencies_.executor->background(work);
   const auto file = co_await preparing;
   if (!self) co_return std::nullopt;
+  if (!self->items_.find(item.id)) {
+    self->removeCopies(item.id);
+    co_return std::nullopt;
+  }
   if (!file) {
     self->source_.showTransferFailure(ErrorScope::popup, item.id, localized("Couldn’t Share Screenshot"),
                                       description(file.reason()));

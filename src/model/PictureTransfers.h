@@ -36,7 +36,13 @@ class PictureTransfers {
   /// Nothing when it failed, which is shown.
   Task<std::optional<PreparedTransfer>> prepare(ScreenshotItem item, std::optional<QString> name);
 
+  /// Copies that were made of a picture go when its record goes, and all of them at the start and the end.
+  void forget(const UUIDSet& records);
+  void removeLeftCopies();
+  void removeCopies() { dependencies_.transferFiles.removeAll(); }
+
  private:
+  void removeCopies(const UUID& id);
   static Task<> runCopy(Weak<PictureTransfers> self, ScreenshotItem item, ErrorScope scope);
   static Task<std::optional<PreparedTransfer>> runPreparation(Weak<PictureTransfers> self, ScreenshotItem item,
                                                               std::optional<QString> name);
@@ -47,6 +53,7 @@ class PictureTransfers {
   const ScreenshotList& items_;
   TransferSource& source_;
   int copies_ = 0;
+  UUIDSet prepared_;  ///< pictures of which there may be copies
   Lifetime lifetime_;
 };
 

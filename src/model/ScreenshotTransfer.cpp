@@ -10,7 +10,6 @@
 #include "foundation/FileCopy.h"
 #include "foundation/FileStatus.h"
 #include "records/ScreenshotNaming.h"
-#include "records/UUID.h"
 
 namespace quillmere {
 namespace {
@@ -69,7 +68,11 @@ Result<QByteArray, Failure> PromptPreviewTransfer::data() const {
   return *encoded;
 }
 
-Result<FileURL, Failure> TransferFiles::file(const PromptPreviewTransfer& transfer) const {
+FileURL TransferFiles::folderOf(const UUID& record) const {
+  return folder_.appending(record.toString(QUuid::WithoutBraces).toStdString());
+}
+
+Result<FileURL, Failure> TransferFiles::file(const UUID& record, const PromptPreviewTransfer& transfer) const {
   // Nothing is handed over that is no longer there, or is a link to something else.
   const auto status = transfer.crop ? std::nullopt : fileStatus(transfer.url);
   if (!transfer.crop && !(status && status->isRegular())) return Failure(OperationError::unreadable);
@@ -77,10 +80,10 @@ Result<FileURL, Failure> TransferFiles::file(const PromptPreviewTransfer& transf
   removeOld();
   std::error_code error;
   fs::create_directories(folder_.path(), error);
-  const FileURL own = folder_.appending(UUID::createUuid().toString(QUuid::WithoutBraces).toStdString());
-  if (!error) fs::create_directory(own.path(), error);
+  const FileURL own = folderOf(record).appending(UUID::createUuid().toString(QUuid::WithoutBraces).toStdString());
+  if (!error) fs::create_directories(own.path(), error);
   // Screenshots are nobody else's business.
-  for (const FileURL& folder : {folder_, own}) {
+  for (const FileURL& folder : {folder_, own.parent(), own}) {
     if (!error) fs::permissions(folder.path(), fs::perms::owner_all, error);
   }
   if (error) return Failure(error);
@@ -93,10 +96,25 @@ Result<FileURL, Failure> TransferFiles::file(const PromptPreviewTransfer& transf
     const bool isCopied = copyFile(transfer.url, place) == CopyResult::done;
     if (!isCopied) error = std::make_error_code(std::errc::io_error);
   }
+  if (!error) fs::permissions(place.path(), fs::perms::owner_read | fs::perms::owner_write, error);
   if (!error) return place;
   std::error_code ignored;
   fs::remove_all(own.path(), ignored);
+  fs::remove(own.parent().path(), ignored);  // where it holds no other
   return Failure(error);
+}
+
+void TransferFiles::remove(const UUID& record) const {
+  std::error_code ignored;
+  fs::remove_all(folderOf(record).path(), ignored);
+}
+
+void TransferFiles::removeAll() const {
+  std::error_code error;
+  for (fs::directory_iterator entry(folder_.path(), error), end; !error && entry != end; entry.increment(error)) {
+    std::error_code ignored;
+    fs::remove_all(entry->path(), ignored);
+  }
 }
 
 void TransferFiles::removeOld() const {

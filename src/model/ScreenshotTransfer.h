@@ -12,6 +12,7 @@
 #include "foundation/Result.h"
 #include "records/FileIdentity.h"
 #include "records/PictureFormat.h"
+#include "records/UUID.h"
 
 namespace quillmere {
 
@@ -65,16 +66,20 @@ class Pasteboard {
 };
 
 /// Where pictures are put that another application is to read although no file of theirs exists. Each lies in a folder
-/// of its own, so that it can have any name; what is older than a day is removed with the next one. Any thread.
+/// of its own, so that it can have any name, and stays while its record does, since mail reads what it is given when it
+/// is sent; what is older than a day is removed with the next one. Only their owner can read them. Any thread.
 class TransferFiles {
  public:
   TransferFiles() = default;
   explicit TransferFiles(FileURL folder) : folder_(std::move(folder)) {}
   /// The file itself where that can be handed over, else a copy.
-  Result<FileURL, ImageOperations::Failure> file(const PromptPreviewTransfer& transfer) const;
+  Result<FileURL, ImageOperations::Failure> file(const UUID& record, const PromptPreviewTransfer& transfer) const;
   void removeOld() const;
+  void remove(const UUID& record) const;
+  void removeAll() const;
 
  private:
+  FileURL folderOf(const UUID& record) const;
   FileURL folder_;
 };
 

@@ -187,7 +187,18 @@ void ScreenshotInboxMonitor::scan(ScanScope scope) {
     return;
   }
   isScanning_ = true;
+  noteClock();
   runScan(lifetime_.weak(this), takeSnapshot(scope), generation_).detach();
+}
+
+void ScreenshotInboxMonitor::noteClock() {
+  constexpr double kDrift = 1.0;  // what setting it slowly changes in a minute, and more
+  const double offset = now_().seconds - std::chrono::duration<double>(executor_.instant().time_since_epoch()).count();
+  const double jump = std::abs(offset - clockOffset_.value_or(offset));
+  clockOffset_ = offset;
+  if (jump < kDrift) return;
+  clockJump_ = jump;
+  clockJumpedAt_ = executor_.instant();
 }
 
 Task<> ScreenshotInboxMonitor::runScan(Weak<ScreenshotInboxMonitor> self, std::shared_ptr<Snapshot> snapshot,
@@ -218,6 +229,8 @@ std::shared_ptr<Snapshot> ScreenshotInboxMonitor::takeSnapshot(ScanScope scope) 
   snapshot->includesNonCaptureImages = includesNonCaptureImages_;
   snapshot->localArrivalTolerance = localArrivalTolerance;
   snapshot->recentCaptureInterval = recentCaptureInterval;
+  const auto sinceJump = std::chrono::duration<double>(executor_.instant() - clockJumpedAt_).count();
+  if (sinceJump < recentCaptureInterval) snapshot->recentCaptureInterval += clockJump_;
   snapshot->services = services_;
   return snapshot;
 }

@@ -89,6 +89,7 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
   std::shared_ptr<Snapshot> takeSnapshot(ScanScope scope) const;
   WatcherStatus absenceStatus() const;
   void report(WatcherStatus status);
+  void noteClock();
 
   // What a look means.
   void apply(ScanResult result, Snapshot& snapshot);
@@ -117,6 +118,10 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
   bool needsBaseline_ = false;
   std::optional<Date> arrivalsSince_;
   Date watchedSince_;  ///< when the folder was given
+  // The clock may be set between a capture and its first sighting: then their dates are that far apart.
+  std::optional<double> clockOffset_;  ///< between the clock and the executor's time, at the last look
+  double clockJump_ = 0;               ///< seconds
+  Instant clockJumpedAt_{};
   bool isScanning_ = false;
   std::optional<ScanScope> queuedScan_;
 

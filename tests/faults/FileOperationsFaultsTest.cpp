@@ -181,8 +181,10 @@ TEST_P(FileOperationFaults, ProcessEndedAtACallLeavesThePictureOnce) {
       EXPECT_EQ(code, FaultyCalls::kEnded);
       Whereabouts picture = scene.picture(GetParam());
       if (GetParam().isAcrossDisks) {
-        // The original goes only when the copy is safe: in between there are two, and before that a part of one.
+        // The original goes only when the copy is safe: in between there are two. A part of one is left nowhere.
         EXPECT_FALSE(picture.copies.empty());
+        const auto names = namesIn(scene.otherDisk);
+        EXPECT_TRUE(names.empty() || names == std::vector{scene.placeOnOtherDisk.lastPathComponent()});
         return true;
       }
       EXPECT_THAT(picture.faults, ::testing::IsEmpty());
@@ -246,6 +248,31 @@ TEST(PlainRenameFaults, MovesWhereTheNameIsFree) {
     EXPECT_EQ(scene.files.move(scene.oldPlace, scene.newPlace), FileOutcome::done);
   }
   EXPECT_EQ(scene.picture(kMove).copies, std::vector{Place::newName});
+}
+
+TEST(MoveAcrossDisksFaults, WhereACopyMustHaveANameWhatAKilledMoveLeavesGoesWithTheNextOne) {
+  size_t parts = 0;
+  for (size_t number = 1;; ++number) {
+    Scene scene;
+    const auto move = [&](size_t endAt) {
+      FaultyCalls faults(privateHome());
+      faults.failEvery(Call::rename, EXDEV, scene.oldPlace.lastPathComponent());
+      faults.failOnly(Call::open, 2, EOPNOTSUPP);
+      if (endAt > 0) faults.endProcess(endAt, Moment::after);
+      return scene.files.move(scene.oldPlace, scene.placeOnOtherDisk);
+    };
+    const int code = exitCodeOfChild([&] { return move(number) == FileOutcome::done ? 0 : 1; });
+    if (code == 0) break;
+    ASSERT_EQ(code, FaultyCalls::kEnded);
+    const auto left = namesIn(scene.otherDisk);
+    if (left.empty() || left.front() == "Invoice.png") continue;
+    ++parts;
+    EXPECT_TRUE(left.front().starts_with(".quillmere-")) << left.front();
+    EXPECT_EQ(move(0), FileOutcome::done);
+    EXPECT_EQ(namesIn(scene.otherDisk), std::vector<std::string>{"Invoice.png"});
+    EXPECT_EQ(readBytes(scene.placeOnOtherDisk), kPicture);
+  }
+  EXPECT_GT(parts, 3u);
 }
 
 TEST(MoveAcrossDisksFaults, OriginalThatWentDespiteARefusalLeavesTheCopy) {

@@ -203,9 +203,17 @@ class Desktop:
         with open(configuration, "w", encoding="utf-8") as file:
             file.write(_BUS_CONFIGURATION.format(socket=socket, services=services))
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + socket
-        self.start(["dbus-daemon", "--nofork", "--config-file", configuration], stdout=subprocess.DEVNULL,
-                   stderr=subprocess.DEVNULL)
+        self._run_bus = lambda: self.start(["dbus-daemon", "--nofork", "--config-file", configuration],
+                                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self._bus_process = self._run_bus()
         self.bus = wait_until("the session bus answers", self._connect_to_bus)
+
+    def restart_bus(self):
+        """At the same address, as the session's service manager does it. The accessibility bus goes with it."""
+        self._bus_process.kill()
+        self._bus_process.wait()
+        self._bus_process = self._run_bus()
+        self.bus = wait_until("the new session bus answers", self._connect_to_bus)
 
     def _connect_to_bus(self):
         # Its socket is there a moment before it listens.
@@ -261,12 +269,12 @@ class Desktop:
     def launch(self, *arguments, timeout=20.0):
         """Starts the program and waits until it is up: from then on captures are announced."""
         self.program = Program(self, arguments)
-        wait_until("the program took its name on the bus", self._has_bus_name, timeout)
+        wait_until("the program took its name on the bus", self.has_bus_name, timeout)
         # Answered from the program's main loop, and so after its folder is watched; it has no such action.
         self.action("none", wait=True)
         return self.program
 
-    def _has_bus_name(self):
+    def has_bus_name(self):
         expect("the program runs on", self.program.is_running)
         return accessibility.call(self.bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
                                   "NameHasOwner", GLib.Variant("(s)", ("com.quillmere.app",)))[0]

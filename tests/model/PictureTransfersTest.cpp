@@ -81,6 +81,40 @@ TEST_F(PictureTransfersTest, OfTwoCopiesTheLastCounts) {
   EXPECT_THAT(announcer.said, SizeIs(1));
 }
 
+TEST_F(PictureTransfersTest, TheCopiesOfAPictureGoWithItsRecord) {
+  const FileURL copies = home.file("transfers");
+  const auto prepare = [&](int number) {
+    transfers->prepare(*items.find(uuid(number)), QStringLiteral("Another name")).detach();
+    executor.drain();
+  };
+  const auto count = [&] {
+    return std::distance(std::filesystem::directory_iterator(copies.path()), std::filesystem::directory_iterator());
+  };
+  add(1, "one");
+  add(2, "two");
+  prepare(1);
+  prepare(1);
+  prepare(2);
+  EXPECT_EQ(count(), 2);
+  transfers->forget({uuid(1)});
+  executor.drain();
+  EXPECT_EQ(count(), 1);
+  transfers->removeLeftCopies();
+  executor.drain();
+  EXPECT_EQ(count(), 0);
+}
+
+TEST_F(PictureTransfersTest, ACopyThatIsReadyAfterItsRecordWentIsRemoved) {
+  add(1, "one");
+  executor.holdBackground();
+  transfers->prepare(*items.find(uuid(1)), QStringLiteral("Another name")).detach();
+  items.remove({uuid(1)});
+  transfers->forget({uuid(1)});
+  executor.runHeldBackground();
+  executor.drain();
+  EXPECT_TRUE(std::filesystem::is_empty(home.file("transfers").path()));
+}
+
 TEST_F(PictureTransfersTest, WhatIsKnownNotToBeHereIsNotRead) {
   source.obstacle = CopyFailure::unavailable;
   transfers->copy(add(1, "one"), ErrorScope::inbox).detach();

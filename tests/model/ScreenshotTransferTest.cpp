@@ -6,6 +6,7 @@
 #include "formats/ImageFile.h"
 #include "foundation/FileStatus.h"
 #include "support/Files.h"
+#include "support/Records.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmere::testing {
@@ -15,6 +16,7 @@ using ImageOperations::Failure;
 using ImageOperations::OperationError;
 
 const FileURL kShot = FileURL::fromPath("/shots/Screenshot 1.png");
+const UUID kRecord = uuid(1);
 const FileURL kPhoto = FileURL::fromPath("/shots/photo.jpg");
 
 TEST(TransferName, IsTheSuggestionWithTheFilesExtension) {
@@ -89,7 +91,7 @@ class ScreenshotTransfer : public ::testing::Test {
 
 TEST_F(ScreenshotTransfer, OfAnUnchangedNameIsTheFileItself) {
   EXPECT_TRUE(transfer("shot.png").isFile());
-  const auto file = files.file(transfer("shot.png"));
+  const auto file = files.file(kRecord, transfer("shot.png"));
   ASSERT_TRUE(file);
   EXPECT_EQ(*file, shot);
   EXPECT_FALSE(fileExists(home.file("transfers")));
@@ -97,7 +99,7 @@ TEST_F(ScreenshotTransfer, OfAnUnchangedNameIsTheFileItself) {
 
 TEST_F(ScreenshotTransfer, OfAnotherNameIsACopyUnderIt) {
   EXPECT_FALSE(transfer("Invoice.png").isFile());
-  const auto file = files.file(transfer("Invoice.png"));
+  const auto file = files.file(kRecord, transfer("Invoice.png"));
   ASSERT_TRUE(file);
   EXPECT_EQ(file->lastPathComponent(), "Invoice.png");
   EXPECT_EQ(readBytes(*file), "the bytes");
@@ -105,7 +107,7 @@ TEST_F(ScreenshotTransfer, OfAnotherNameIsACopyUnderIt) {
 }
 
 TEST_F(ScreenshotTransfer, OfACropIsAPng) {
-  const auto file = files.file(cropped(QRectF(5, 5, 20, 10)));
+  const auto file = files.file(kRecord, cropped(QRectF(5, 5, 20, 10)));
   ASSERT_TRUE(file);
   EXPECT_NE(*file, shot);
   EXPECT_EQ(file->lastPathComponent(), "shot.png");
@@ -118,7 +120,7 @@ TEST_F(ScreenshotTransfer, OfAWrongCropFails) {
   const auto data = cropped(QRectF(100, 100, 5, 5)).data();
   ASSERT_FALSE(data);
   EXPECT_EQ(data.reason(), Failure(OperationError::invalidCrop));
-  EXPECT_FALSE(files.file(cropped(QRectF(0, 0, 0, 0))));
+  EXPECT_FALSE(files.file(kRecord, cropped(QRectF(0, 0, 0, 0))));
 }
 
 TEST_F(ScreenshotTransfer, GivesTheFilesBytes) {
@@ -131,7 +133,7 @@ TEST_F(ScreenshotTransfer, OfAVanishedFileFails) {
   std::filesystem::remove(shot.path());
   EXPECT_FALSE(transfer("shot.png").data());
   for (const char* name : {"shot.png", "Invoice.png"}) {
-    const auto file = files.file(transfer(name));
+    const auto file = files.file(kRecord, transfer(name));
     ASSERT_FALSE(file) << name;
     EXPECT_EQ(file.reason(), Failure(OperationError::unreadable)) << name;
   }
@@ -143,21 +145,40 @@ TEST_F(ScreenshotTransfer, OfALinkThatWasPutInThePlaceFails) {
   writeFile(secret, "secret");
   std::filesystem::remove(shot.path());
   std::filesystem::create_symlink(secret.path(), shot.path());
-  EXPECT_FALSE(files.file(transfer("shot.png")));
-  EXPECT_FALSE(files.file(transfer("Invoice.png")));
+  EXPECT_FALSE(files.file(kRecord, transfer("shot.png")));
+  EXPECT_FALSE(files.file(kRecord, transfer("Invoice.png")));
   EXPECT_FALSE(transfer("shot.png").data());
 }
 
 TEST_F(ScreenshotTransfer, IsReadableByItsOwnerAlone) {
-  const auto file = files.file(transfer("Invoice.png"));
+  const auto file = files.file(kRecord, transfer("Invoice.png"));
   ASSERT_TRUE(file);
   EXPECT_EQ(std::filesystem::status(file->parent().path()).permissions(), std::filesystem::perms::owner_all);
   EXPECT_EQ(std::filesystem::status(file->parent().parent().path()).permissions(), std::filesystem::perms::owner_all);
+  EXPECT_EQ(std::filesystem::status(home.file("transfers").path()).permissions(), std::filesystem::perms::owner_all);
+  const auto ownerAlone = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
+  EXPECT_EQ(std::filesystem::status(file->path()).permissions(), ownerAlone);
+  const auto window = files.file(kRecord, cropped(QRectF(5, 5, 20, 10)));
+  ASSERT_TRUE(window);
+  EXPECT_EQ(std::filesystem::status(window->path()).permissions(), ownerAlone);
+}
+
+TEST_F(ScreenshotTransfer, CopiesOfARecordGoTogether) {
+  const auto first = files.file(kRecord, transfer("Invoice.png"));
+  const auto second = files.file(kRecord, transfer("Invoice.png"));
+  const auto other = files.file(uuid(2), transfer("Invoice.png"));
+  ASSERT_TRUE(first && second && other);
+  files.remove(kRecord);
+  EXPECT_FALSE(fileExists(*first) || fileExists(*second));
+  EXPECT_TRUE(fileExists(*other));
+  EXPECT_TRUE(fileExists(shot));
+  files.removeAll();
+  EXPECT_TRUE(std::filesystem::is_empty(home.file("transfers").path()));
 }
 
 TEST_F(ScreenshotTransfer, TwoOfOneNameDoNotMeet) {
-  const auto first = files.file(transfer("Invoice.png"));
-  const auto second = files.file(transfer("Invoice.png"));
+  const auto first = files.file(kRecord, transfer("Invoice.png"));
+  const auto second = files.file(kRecord, transfer("Invoice.png"));
   ASSERT_TRUE(first && second);
   EXPECT_NE(*first, *second);
   EXPECT_EQ(second->lastPathComponent(), "Invoice.png");
@@ -165,12 +186,12 @@ TEST_F(ScreenshotTransfer, TwoOfOneNameDoNotMeet) {
 
 TEST_F(ScreenshotTransfer, OlderThanADayIsRemovedWithTheNext) {
   using Clock = std::filesystem::file_time_type::clock;
-  const auto old = files.file(transfer("Old.png"));
-  const auto recent = files.file(transfer("Recent.png"));
+  const auto old = files.file(uuid(2), transfer("Old.png"));
+  const auto recent = files.file(uuid(3), transfer("Recent.png"));
   ASSERT_TRUE(old && recent);
-  std::filesystem::last_write_time(old->parent().path(), Clock::now() - std::chrono::hours(25));
-  std::filesystem::last_write_time(recent->parent().path(), Clock::now() - std::chrono::hours(23));
-  ASSERT_TRUE(files.file(transfer("New.png")));
+  std::filesystem::last_write_time(old->parent().parent().path(), Clock::now() - std::chrono::hours(25));
+  std::filesystem::last_write_time(recent->parent().parent().path(), Clock::now() - std::chrono::hours(23));
+  ASSERT_TRUE(files.file(kRecord, transfer("New.png")));
   EXPECT_FALSE(fileExists(*old));
   EXPECT_TRUE(fileExists(*recent));
 }

@@ -20,6 +20,7 @@ namespace quillmere::testing {
 /// along with it.
 class MonitorTest : public ::testing::Test {
  protected:
+  double clockShift = 0;  ///< seconds by which somebody set the wall clock
   static constexpr Date kStart{725857445.0};
 
   MonitorTest() {
@@ -36,7 +37,9 @@ class MonitorTest : public ::testing::Test {
     monitor->onStatusChange = [this](WatcherStatus status) { statuses.push_back(status); };
   }
 
-  Date now() const { return kStart + std::chrono::duration<double>(executor.instant().time_since_epoch()).count(); }
+  Date now() const {
+    return kStart + (clockShift + std::chrono::duration<double>(executor.instant().time_since_epoch()).count());
+  }
   void advance(double bySeconds) { executor.advance(seconds(bySeconds)); }
 
   /// A file that is written now.

@@ -306,6 +306,24 @@ TEST_F(ApplyTest, RecentCreationTellsACaptureFromAnArrival) {
   EXPECT_EQ(all, (Names{"arrived 121.png", "arrived future.png", "captured 119.png"}));
 }
 
+TEST_F(ApplyTest, AClockThatIsSetWhileACaptureComesHidesNone) {
+  begin();
+  for (const double shift : {-3600.0, 7200.0}) {
+    const std::string name = std::to_string(static_cast<int>(shift)) + ".png";
+    make(name);
+    clockShift += shift;
+    tellChange();
+    advance(0.1);
+    EXPECT_EQ(told(), Names{"captured " + name});
+    advance(300);
+  }
+  make("old.png");
+  services->file("old.png").dates.created = now() + -3600;
+  tellChange();
+  advance(0.1);
+  EXPECT_EQ(told(), Names{"arrived old.png"}) << "later the dates count as ever";
+}
+
 TEST_F(ApplyTest, EvictedFileOfASyncedFolderWithItsTagArrivesAtItsThirdLookWithoutBeingDecoded) {
   begin();
   services->isSynced = true;

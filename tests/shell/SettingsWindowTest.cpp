@@ -169,6 +169,7 @@ TEST_F(SettingsWindowTest, AFolderWhoseFilesCannotBeFollowedIsToldOf) {
   EXPECT_TRUE(saysSoOn({"uuid", 1, std::nullopt, 1})) << "no birth times";
   EXPECT_TRUE(saysSoOn({"0:38", 1, Date{kStart}, 1})) << "a device number, which another disk may have tomorrow";
   EXPECT_TRUE(saysSoOn({std::nullopt, 1, Date{kStart}, 1}));
+  moveFile(shots, away);
   report(WatcherStatus::notFound);
   EXPECT_FALSE(says(warning));
 }

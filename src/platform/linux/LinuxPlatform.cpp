@@ -1,5 +1,9 @@
 #include "platform/linux/LinuxPlatform.h"
 
+#include <cstdio>
+
+#include "controls/Alert.h"
+#include "foundation/Localized.h"
 #include "model/AppModel.h"
 #include "platform/linux/capture/ScreenCaptureAttributes.h"
 #include "platform/linux/files/CloudFiles.h"
@@ -15,6 +19,17 @@ void beAlwaysAccessible() {
   if (!qEnvironmentVariableIsSet(kAlwaysOn)) qputenv(kAlwaysOn, "1");
 }
 
+/// Another process holds the marker, and cannot be asked: in another session of this person, on a bus that was
+/// restarted, or no Quillmere at all.
+void tellThatItIsTaken(const FileURL& marker) {
+  const QString title = localized("Quillmere Is Already Open");
+  const QString message =
+      localized("It runs in another session, or another program uses “%@”. Close that, then open Quillmere again.",
+                {marker.displayPath()});
+  std::fprintf(stderr, "quillmere: %s. %s\n", title.toLocal8Bit().constData(), message.toLocal8Bit().constData());
+  showAlert(nullptr, title, message);
+}
+
 class LinuxPlatformStart final : public PlatformStart {
  public:
   LinuxPlatformStart() {
@@ -26,7 +41,7 @@ class LinuxPlatformStart final : public PlatformStart {
     windowPlatform_.settle();
     auto process = std::make_unique<LinuxProcess>(std::move(requests));
     if (process->isOnly()) return std::make_unique<LinuxPlatform>(std::move(process));
-    ApplicationBus::activateOther();
+    if (!ApplicationBus::activateOther()) tellThatItIsTaken(process->paths().runMarker);
     return nullptr;
   }
 

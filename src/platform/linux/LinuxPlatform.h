@@ -27,7 +27,7 @@ class LinuxProcess {
   ApplicationBus bus_;
   ApplicationPaths paths_ = ApplicationPaths::standard();
   bool isNameOurs_ = bus_.registerOnBus();
-  RunMarker runMarker_{paths_.runMarker, paths_.recordList};
+  RunMarker runMarker_{paths_.runMarker, paths_.recordList, systemNow()};
 };
 
 /// The Linux desktop: freedesktop's services, and X11 for the popup.

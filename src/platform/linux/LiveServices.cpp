@@ -18,12 +18,6 @@
 namespace quillmere {
 namespace {
 
-Date systemNow() {
-  timespec now{};
-  ::clock_gettime(CLOCK_REALTIME, &now);
-  return Date::fromUnix(now.tv_sec, static_cast<uint32_t>(now.tv_nsec));
-}
-
 FileDates fileDates(const FileURL& url) {
   const auto status = fileStatus(url);
   // No Linux file system keeps when a file was added to its folder.
@@ -39,6 +33,12 @@ std::optional<FileURL> defaultScreenshotFolder() {
 }
 
 }  // namespace
+
+Date systemNow() {
+  timespec now{};
+  ::clock_gettime(CLOCK_REALTIME, &now);
+  return Date::fromUnix(now.tv_sec, static_cast<uint32_t>(now.tv_nsec));
+}
 
 ApplicationPaths ApplicationPaths::standard() {
   const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);

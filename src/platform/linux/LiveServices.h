@@ -18,6 +18,9 @@
 
 namespace quillmere {
 
+/// The time of day, which may be set while the program runs.
+Date systemNow();
+
 /// Where the application's own files are.
 struct ApplicationPaths {
   FileURL support;   ///< the folder of the list

@@ -4,30 +4,60 @@
 #include <QtDBus/QDBusConnection>
 #include <QtDBus/QDBusConnectionInterface>
 #include <QtDBus/QDBusMessage>
+#include <algorithm>
+#include <chrono>
 
 namespace quillmere {
 namespace {
 
 const QString kName = QStringLiteral("com.quillmere.app");
 const QString kPath = QStringLiteral("/com/quillmere/app");
+constexpr std::chrono::milliseconds kFirstPause(500);
+constexpr std::chrono::milliseconds kLongestPause(30'000);
 const QString kInterface = QStringLiteral("org.freedesktop.Application");
 
 }  // namespace
 
+ApplicationBus::ApplicationBus(ApplicationRequests requests) : requests_(std::move(requests)) {
+  rejoining_.setSingleShot(true);
+  connect(&rejoining_, &QTimer::timeout, this, &ApplicationBus::rejoin);
+}
+
 bool ApplicationBus::registerOnBus() {
-  QDBusConnection bus = QDBusConnection::sessionBus();
-  if (!bus.isConnected()) return true;
+  const QDBusConnection bus = QDBusConnection::sessionBus();
+  return !bus.isConnected() || join(bus);
+}
+
+bool ApplicationBus::join(const QDBusConnection& bus) {
+  QDBusConnection connection = bus;
   // The object first: a request may come as soon as the name is there.
-  bus.registerVirtualObject(kPath, this);
-  const auto reply = bus.interface()->registerService(kName, QDBusConnectionInterface::DontQueueService,
-                                                      QDBusConnectionInterface::DontAllowReplacement);
+  connection.registerVirtualObject(kPath, this);
+  connection.connect(QString(), QString(), QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
+                     this, SLOT(loseBus()));
+  const auto reply = connection.interface()->registerService(kName, QDBusConnectionInterface::DontQueueService,
+                                                             QDBusConnectionInterface::DontAllowReplacement);
   return reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered;
 }
 
-void ApplicationBus::activateOther() {
+void ApplicationBus::loseBus() {
+  rejoining_.start(kFirstPause);
+}
+
+void ApplicationBus::rejoin() {
+  const QString name = QStringLiteral("com.quillmere.app-%1").arg(++connections_);
+  const QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
+  if (bus.isConnected() && join(bus)) return;
+  QDBusConnection::disconnectFromBus(name);
+  rejoining_.start(std::min(2 * rejoining_.intervalAsDuration(), kLongestPause));
+}
+
+bool ApplicationBus::activateOther() {
   QDBusMessage call = QDBusMessage::createMethodCall(kName, kPath, kInterface, QStringLiteral("Activate"));
+  // Else the bus would start one more, which would find the other here as well.
+  call.setAutoStartService(false);
   call << QVariantMap();
-  QDBusConnection::sessionBus().call(call, QDBus::Block, 5000);
+  constexpr int kTimeout = 5000;
+  return QDBusConnection::sessionBus().call(call, QDBus::Block, kTimeout).type() == QDBusMessage::ReplyMessage;
 }
 
 bool ApplicationBus::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {

@@ -15,10 +15,12 @@ namespace {
 
 /// Longer than an arrival needs from its first byte to its record.
 constexpr double kArrivalMargin = 5.0;
+/// Between two runs, where the clock does not tell.
+constexpr double kLongestGap = 86400.0;
 
 }  // namespace
 
-RunMarker::RunMarker(FileURL file, const FileURL& listFile) : file_(std::move(file)) {
+RunMarker::RunMarker(FileURL file, const FileURL& listFile, Date now) : file_(std::move(file)) {
   std::error_code ignored;
   std::filesystem::create_directories(file_.parent().path(), ignored);
   const auto left = fileStatus(file_);
@@ -31,6 +33,8 @@ RunMarker::RunMarker(FileURL file, const FileURL& listFile) : file_(std::move(fi
   if (left) {
     Date alive = left->modified;
     if (const auto list = fileStatus(listFile)) alive = std::max(alive, list->modified);
+    // The clock was set back since: what was captured then is older than the lost run by it.
+    if (alive > now) alive = now + -kLongestGap;
     interruptedSince_ = alive + -kArrivalMargin;
   }
   ::futimens(descriptor_, nullptr);

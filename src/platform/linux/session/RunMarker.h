@@ -12,7 +12,7 @@ namespace quillmere {
 class RunMarker {
  public:
   /// `listFile` is written at every decision: its date tells when the lost run was last alive.
-  RunMarker(FileURL file, const FileURL& listFile);
+  RunMarker(FileURL file, const FileURL& listFile, Date now);
   RunMarker(const RunMarker&) = delete;
   RunMarker& operator=(const RunMarker&) = delete;
   ~RunMarker();

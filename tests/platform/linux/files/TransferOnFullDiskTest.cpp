@@ -22,6 +22,7 @@ class TransferOnFullDiskTest : public ::testing::Test {
   testing::TemporaryFolder folder;
   FileURL disk = folder.file("disk");
   FileURL shot = folder.file("shot.png");
+  UUID record = UUID::createUuid();
   PromptPreviewTransfer transfer{shot, std::nullopt, "Invoice.png"};
   TransferFiles files{disk.appending("transfers")};
 };
@@ -30,7 +31,7 @@ TEST_F(TransferOnFullDiskTest, ACopyFailsAndLeavesNothing) {
   std::filesystem::create_directory(disk.path());
   testing::writeFile(shot, kLarge);
   EXPECT_EQ(withSmallDisk([&]() -> std::string {
-              const auto file = files.file(transfer);
+              const auto file = files.file(record, transfer);
               MUST(!file);
               MUST(std::filesystem::is_empty(disk.appending("transfers").path()));
               return {};
@@ -50,7 +51,7 @@ TEST_F(TransferOnFullDiskTest, ACropFailsAndLeavesNothing) {
   }
   transfer.crop = PromptPreviewTransfer::Crop{image, QRectF(0, 0, 400, 400)};
   EXPECT_EQ(withSmallDisk([&]() -> std::string {
-              const auto file = files.file(transfer);
+              const auto file = files.file(record, transfer);
               MUST(!file);
               MUST(std::filesystem::is_empty(disk.appending("transfers").path()));
               return {};

@@ -15,12 +15,14 @@ using testing::setModified;
 using testing::TemporaryFolder;
 using testing::writeFile;
 
+const Date kNow{710000000};
+
 class RunMarkerTest : public ::testing::Test {
  protected:
   /// A run that ends without notice.
   void crash() {
     ASSERT_EQ(exitCodeOfChild([this] {
-                const auto* lost = new RunMarker(marker, list);
+                const auto* lost = new RunMarker(marker, list, kNow);
                 return lost->isTaken() ? 1 : 0;
               }),
               0);
@@ -32,25 +34,34 @@ class RunMarkerTest : public ::testing::Test {
 };
 
 TEST_F(RunMarkerTest, TheFirstRunWasNotInterrupted) {
-  const RunMarker run(marker, list);
+  const RunMarker run(marker, list, kNow);
   EXPECT_FALSE(run.isTaken());
   EXPECT_EQ(run.interruptedSince(), std::nullopt);
   EXPECT_TRUE(fileExists(marker)) << "its folder is made with it";
 }
 
 TEST_F(RunMarkerTest, ACleanEndLeavesNothing) {
-  { const RunMarker run(marker, list); }
+  { const RunMarker run(marker, list, kNow); }
   EXPECT_FALSE(fileExists(marker));
-  EXPECT_EQ(RunMarker(marker, list).interruptedSince(), std::nullopt);
+  EXPECT_EQ(RunMarker(marker, list, kNow).interruptedSince(), std::nullopt);
 }
 
 TEST_F(RunMarkerTest, AfterACrashTheNextRunKnowsSinceWhen) {
   crash();
   setModified(marker, Date{700000000});
-  const RunMarker run(marker, list);
+  const RunMarker run(marker, list, kNow);
   EXPECT_FALSE(run.isTaken());
   ASSERT_TRUE(run.interruptedSince());
   EXPECT_NEAR(run.interruptedSince()->seconds, 700000000 - 5, 0.001);
+}
+
+TEST_F(RunMarkerTest, WhereTheClockWasSetBackSinceADayIsLookedBack) {
+  crash();
+  setModified(marker, Date{kNow.seconds + 0.5});
+  EXPECT_NEAR(RunMarker(marker, list, kNow).interruptedSince()->seconds, kNow.seconds - 86400 - 5, 0.001);
+  crash();
+  setModified(marker, Date{kNow.seconds - 0.5});
+  EXPECT_NEAR(RunMarker(marker, list, kNow).interruptedSince()->seconds, kNow.seconds - 5.5, 0.001);
 }
 
 TEST_F(RunMarkerTest, TheLastSaveTellsThatTheLostRunWasStillAlive) {
@@ -58,7 +69,7 @@ TEST_F(RunMarkerTest, TheLastSaveTellsThatTheLostRunWasStillAlive) {
   writeFile(list, "{}");
   setModified(marker, Date{700000000});
   setModified(list, Date{700003600});
-  EXPECT_NEAR(RunMarker(marker, list).interruptedSince()->seconds, 700003600 - 5, 0.001);
+  EXPECT_NEAR(RunMarker(marker, list, kNow).interruptedSince()->seconds, 700003600 - 5, 0.001);
 }
 
 TEST_F(RunMarkerTest, AListOlderThanTheLostRunTellsNothing) {
@@ -66,20 +77,20 @@ TEST_F(RunMarkerTest, AListOlderThanTheLostRunTellsNothing) {
   writeFile(list, "{}");
   setModified(marker, Date{700000000});
   setModified(list, Date{600000000});
-  EXPECT_NEAR(RunMarker(marker, list).interruptedSince()->seconds, 700000000 - 5, 0.001);
+  EXPECT_NEAR(RunMarker(marker, list, kNow).interruptedSince()->seconds, 700000000 - 5, 0.001);
 }
 
 TEST_F(RunMarkerTest, ARunAfterACrashMarksItsOwnStart) {
   crash();
   setModified(marker, Date{700000000});
-  const RunMarker run(marker, list);
+  const RunMarker run(marker, list, kNow);
   EXPECT_GT(fileStatus(marker)->modified.seconds, 700000000 + 1000);
 }
 
 TEST_F(RunMarkerTest, ASecondProcessFindsItTakenAndLeavesItAlone) {
-  const RunMarker run(marker, list);
+  const RunMarker run(marker, list, kNow);
   EXPECT_EQ(exitCodeOfChild([this] {
-              const RunMarker second(marker, list);
+              const RunMarker second(marker, list, kNow);
               return second.isTaken() && !second.interruptedSince() ? 0 : 1;
             }),
             0);
@@ -88,7 +99,7 @@ TEST_F(RunMarkerTest, ASecondProcessFindsItTakenAndLeavesItAlone) {
 
 TEST_F(RunMarkerTest, WithoutAPlaceForTheMarkerTheProgramRunsAllTheSame) {
   writeFile(folder.file("support"), "a file in the folder's place");
-  const RunMarker run(marker, list);
+  const RunMarker run(marker, list, kNow);
   EXPECT_FALSE(run.isTaken());
   EXPECT_EQ(run.interruptedSince(), std::nullopt);
 }
