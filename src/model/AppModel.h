@@ -275,6 +275,7 @@ class AppModel : private AnalysisRecords,
   void handleStatus(WatcherStatus status);
   ReconcileRun prepareRun(const std::optional<UUIDSet>& ids) override;
   void applyRun(const ReconcileRun& run, const ReconcileRequest& request) override;
+  std::optional<UUID> otherRecordOf(size_t index, const FilePresent& present);
   bool noteMovedAway(size_t index);
   bool applyPresent(size_t index, const FilePresent& present);
 

@@ -62,6 +62,16 @@ void AppModel::adoptReplacement(const UUID& id) {
   const auto index = items_.indexOf(id);
   const auto present = index ? dependencies_.fileIdentity(items_[*index].url) : std::nullopt;
   if (!present) return;
+  bool isAnothers = false;
+  items_.forEach([&](const ScreenshotItem& other) {
+    const bool isThere = other.id != id && other.fileIdentity && other.fileIdentity->isSameFile(*present);
+    isAnothers = isAnothers || (isThere && pathKeyOf(other.url) == pathKeyOf(items_[*index].url));
+  });
+  // It has its own record. Where this one's file is can only be sought.
+  if (isAnothers) {
+    reconcile({.ids = UUIDSet{id}, .polite = true, .dropsUnavailableFromQueue = true, .completions = {}});
+    return;
+  }
   updateItem(*index, [&](ScreenshotItem& item) { item.fileIdentity = present; });
   refreshBookmark(*index, items_[*index].fileBookmark);
   if (items_[*index].state == ScreenshotItem::State::temporary) keepItem(*index);

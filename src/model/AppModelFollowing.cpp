@@ -10,7 +10,10 @@ bool AppModel::followRename(const FileURL& url, const FileIdentity& identity) {
     const auto index = items_.indexOf(id);
     if (!index) continue;
     const ScreenshotItem& item = items_[*index];
-    if (!item.fileIdentity || !item.fileIdentity->isSameFile(identity)) continue;
+    // One that was seen to move away may have been written to before it came back.
+    const bool isSame = item.fileIdentity && (item.hasMovedAway ? item.fileIdentity->isSameInode(identity)
+                                                                : item.fileIdentity->isSameFile(identity));
+    if (!isSame) continue;
     // A second link to the file is no rename; another file that has taken the old name does not matter.
     const auto atOldPlace = dependencies_.fileIdentity(item.url);
     const bool isAnother = atOldPlace && atOldPlace->isComplete() && !atOldPlace->isSameFile(identity);

@@ -82,6 +82,12 @@ void AppModel::applyRun(const ReconcileRun& run, const ReconcileRequest& request
         recordsChanged = noteMovedAway(*index) || recordsChanged;
       }
     } else {
+      if (const auto other = otherRecordOf(*index, *present)) {
+        // What the person has decided about stays; a newcomer has only been taken for another file.
+        const bool isNewcomer = items_.find(*other)->state == ScreenshotItem::State::pending;
+        gone.insert(isNewcomer ? *other : input.id);
+        if (!isNewcomer) continue;
+      }
       if (!unavailable.empty()) unavailable.erase(input.id);
       if (present->isEvicted) evicted.insert(input.id);
       if (present->isICloud) iCloud.insert(input.id);
@@ -102,6 +108,16 @@ void AppModel::applyRun(const ReconcileRun& run, const ReconcileRequest& request
   }
   if (recordsChanged || !gone.empty()) saveNow();
   prompts_.setPriority(AnnouncementPriority::high);
+}
+
+/// The record that the file has already where it was found: it was written to and renamed before anybody looked.
+std::optional<UUID> AppModel::otherRecordOf(size_t index, const FilePresent& present) {
+  const auto key = pathKeyOf(present.url);
+  if (!present.identity || key == pathKeyOf(items_[index].url)) return std::nullopt;
+  const auto other = recordIndex().atPath(key);
+  const ScreenshotItem* item = other && *other != items_[index].id ? items_.find(*other) : nullptr;
+  const bool isSame = item && item->fileIdentity && item->fileIdentity->isSameInode(*present.identity);
+  return isSame ? other : std::nullopt;
 }
 
 /// What the person moved is not to be thrown away, wherever it is. Answers whether the record changed.

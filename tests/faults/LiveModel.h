@@ -16,11 +16,12 @@
 #include "platform/linux/files/CloudFiles.h"
 #include "platform/linux/files/LiveFileIdentity.h"
 #include "platform/linux/files/LiveFileOperations.h"
+#include "platform/linux/files/LiveFolderEventSource.h"
 #include "platform/linux/files/LiveSecurityScopeAccess.h"
 #include "platform/linux/files/MountTable.h"
 #include "records/ScreenshotListWriter.h"
 #include "records/ScreenshotRecordStore.h"
-#include "support/FakeFolderEventSource.h"
+#include "support/EventLoop.h"
 #include "support/FakeScanServices.h"
 #include "support/Files.h"
 #include "support/Records.h"
@@ -38,7 +39,7 @@ inline FileURL homeTrash() {
 }
 
 /// One screenshot among two others, with everything of the file system real: the operations, bookmarks, identities,
-/// mounts and the list. Time, the popup and the monitor are the test's.
+/// mounts, the events of the folder and the list. Time and the popup are the test's.
 class LiveModel {
  public:
   using State = ScreenshotItem::State;
@@ -70,12 +71,18 @@ class LiveModel {
     model->start();
     executor.drain();
   }
+  /// What the kernel has told of the folder until now is heard.
+  void hearEvents() {
+    QCoreApplication::processEvents();
+    executor.drain();
+  }
   void advance(double bySeconds) { executor.advance(seconds(bySeconds)); }
   void hold(const std::vector<FileURL>& files) { scope_->hold(files); }
   void tellOfMounts() { systemEvents_.volumesDidChange(); }
   void tellOfWaking() { systemEvents_.didWake(); }
   Date now() const {
-    return Date{700000000.0 + std::chrono::duration<double>(executor.instant().time_since_epoch()).count()};
+    return Date{700000000.0 + clockOffset +
+                std::chrono::duration<double>(executor.instant().time_since_epoch()).count()};
   }
 
   static std::string bytesOf(int number) {
@@ -99,6 +106,7 @@ class LiveModel {
     return *model->backgroundIssue ? std::optional((*model->backgroundIssue)->kind) : std::nullopt;
   }
 
+  double clockOffset = 0;  ///< seconds in which nothing runs
   const UUID id = uuid(1);
   TemporaryFolder home{privateHome().path()};
   const FileURL shots;
@@ -184,7 +192,7 @@ class LiveModel {
   const bool isWatching_;
   FakeMonitor monitor_{log};
   FakeScanServices scanServices_;
-  FakeFolderEventSource folderEvents_;
+  LiveFolderEventSource folderEvents_;
   std::unique_ptr<ScreenshotInboxMonitor> watch_;
   FakeFileChooser chooser_;
   FakeScreenshotLocation screenshotLocation_;

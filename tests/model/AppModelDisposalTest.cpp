@@ -242,6 +242,27 @@ TEST_F(AppModelDisposal, AFileThatWasReplacedIsAskedAboutAgain) {
   EXPECT_FALSE(hasRecord(id));
 }
 
+TEST_F(AppModelDisposal, AReplacementThatHasItsOwnRecordIsNotAdopted) {
+  const UUID old = arrivePermanent("shot.png");
+  const FileURL shot = shots.appending("shot.png");
+  moveFile(shot, elsewhere.appending("shot.png"));
+  monitor.movedOut.insert(shot.path());
+  reportRemoval({shot});
+  executor.drain();
+  monitor.movedOut.clear();
+  writeFile(shot, "another screenshot");
+  identities[shot.path()] = FileIdentity{"volume", 4711, Date{kStart + 50}, 18};
+  const UUID other = arrivePermanent("shot.png");
+  ASSERT_NE(other, old);
+  const auto identity = item(old).fileIdentity;
+  model->disposeItem(item(old), ErrorScope::inbox, Reason::chosen);
+  executor.drain();
+  EXPECT_TRUE(fileExists(shot));
+  EXPECT_TRUE(hasRecord(other));
+  ASSERT_TRUE(hasRecord(old));
+  EXPECT_EQ(item(old).fileIdentity, identity);
+}
+
 TEST_F(AppModelDisposal, AReplacementOfATemporaryFileIsNotTemporary) {
   const UUID id = arriveTemporary("shot.png");
   identities[shots.appending("shot.png").path()] = FileIdentity{"volume", 4711, Date{kStart + 50}, 7};

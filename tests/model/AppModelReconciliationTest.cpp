@@ -443,6 +443,45 @@ TEST_F(AppModelReconciliation, AFileThatWasMovedAwayAndIsNotFoundIsSavedAndUnava
   EXPECT_TRUE(model->unavailableItemIDs->contains(temporary));
 }
 
+TEST_F(AppModelReconciliation, AFileThatMovedAwayAndWasWrittenToIsKnownWhenItComesBack) {
+  launchWatching();
+  const UUID id = arrivePermanent("shot.png");
+  const FileURL shot = shots.appending("shot.png");
+  moveFile(shot, elsewhere.appending("shot.png"));
+  monitor.movedOut.insert(shot.path());
+  reportRemoval({shot});
+  executor.drain();
+  monitor.movedOut.clear();
+  const FileURL back = shots.appending("back.png");
+  moveFile(elsewhere.appending("shot.png"), back);
+  testing::appendToFile(back, "more");
+  monitor.onScreenshot(back);
+  executor.drain();
+  EXPECT_EQ(model->items().size(), 1u);
+  EXPECT_EQ(item(id).url, back);
+  EXPECT_EQ(item(id).fileIdentity, identityOf(back));
+}
+
+TEST_F(AppModelReconciliation, AFileThatWasWrittenToAndRenamedHasOneRecordInTheEnd) {
+  launchWatching();
+  for (const bool isDecided : {false, true}) {
+    const std::string name = isDecided ? "decided.png" : "pending.png";
+    const UUID old = arrivePermanent("old " + name);
+    const FileURL before = shots.appending("old " + name);
+    const FileURL after = shots.appending(name);
+    moveFileFollowed(before, after);
+    testing::appendToFile(after, "more");
+    monitor.onScreenshot(after);
+    const UUID newcomer = model->items()[0].id;
+    ASSERT_NE(newcomer, old) << "its size is another one";
+    if (isDecided) model->keepPrompt(newcomer).detach();
+    reconcileAll();
+    EXPECT_EQ(hasRecord(old), !isDecided);
+    EXPECT_EQ(hasRecord(newcomer), isDecided);
+    EXPECT_TRUE(fileExists(after));
+  }
+}
+
 TEST_F(AppModelReconciliation, AFileThatIsFoundAgainHasNotMovedAway) {
   launchWatching();
   const UUID id = arrivePermanent("shot.png");
