@@ -68,7 +68,7 @@ Task<> AppModel::refreshEveryItemAccess(Weak<AppModel> self) {
   int inThisTurn = 0;
   for (const ItemAccess& one : *all) {
     if (++inThisTurn > kMostInOneTurn) {
-      inThisTurn = 0;
+      inThisTurn = 1;
       auto pause = executor.sleep(Duration::zero());
       co_await pause;
     }

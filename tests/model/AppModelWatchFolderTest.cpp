@@ -88,6 +88,29 @@ TEST_F(AppModelWatchFolder, NoFileIsWithoutAccessWhileTheFolderChanges) {
   EXPECT_TRUE(scope.isOpen(shots));
 }
 
+TEST_F(AppModelWatchFolder, AccessIsTakenOverTwoHundredRecordsATurn) {
+  for (const auto& [count, expected] : {std::pair(200, 1), {201, 2}, {400, 2}, {401, 3}}) {
+    std::vector<ScreenshotItem> stored;
+    for (int i = 1; i <= count; ++i) {
+      stored.push_back(storedItem(i, "shot " + std::to_string(i) + ".png", State::permanent));
+    }
+    storeRecords(stored);
+    launchWatching();
+    const size_t resting = executor.pendingDelays();
+    adopt(elsewhere);
+    int turns = 1;
+    // Comes after each turn of the model.
+    const std::function<void(bool)> lookOn = [&](bool) {
+      ++turns;
+      if (executor.pendingDelays() > resting) executor.startDelay(Duration::zero(), lookOn);
+    };
+    if (executor.pendingDelays() > resting) executor.startDelay(Duration::zero(), lookOn);
+    advance(0);
+    EXPECT_EQ(turns, expected) << count;
+    EXPECT_EQ(scope.openCount(), count + 1) << "each file, and the folder";
+  }
+}
+
 TEST_F(AppModelWatchFolder, ReceivedScreenshotStartsOverEvenForTheSameFolder) {
   launchWatching();
   arrive("shot.png");
