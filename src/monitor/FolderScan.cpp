@@ -23,7 +23,6 @@ struct Entry {
 struct Listing {
   std::vector<Entry> entries;  // names that are not known
   std::vector<bool> found;     // which of the known ones are still there, by their places
-  size_t foundCount = 0;
 };
 
 /// None when the folder cannot be listed.
@@ -38,7 +37,6 @@ std::optional<Listing> listUnknown(const FileURL& directory, const URLSet& known
     path.resize(prefix);
     path += name;
     if (const auto place = known.indexOf(path, guess)) {
-      if (!listing.found[*place]) ++listing.foundCount;
       listing.found[*place] = true;
       guess = *place + 1;
       return;
@@ -205,12 +203,10 @@ ScanResult performScan(const Snapshot& snapshot) {
       result.baseline.insert(entry.url);
     }
   }
-  if (listing->foundCount < known.size()) {
-    for (size_t i = 0; i < known.size(); ++i) {
-      if (!listing->found[i]) result.removed.push_back(known[i]);
-    }
-    std::sort(result.removed.begin(), result.removed.end());
+  for (size_t i = 0; i < known.size(); ++i) {
+    if (!listing->found[i]) result.removed.push_back(known[i]);
   }
+  std::sort(result.removed.begin(), result.removed.end());
   result.absentPending = absent(snapshot.pending, current);
   result.absentIgnored = absent(snapshot.ignored, current);
   result.absentEvidence = absent(snapshot.evidence, current);

@@ -257,6 +257,34 @@ TEST_F(LifecycleTest, FullScanTakesTheDelayedOneAlong) {
   executor.runHeldBackground();
 }
 
+TEST_F(LifecycleTest, FullScanThatHadToWaitForAnotherTakesTheDelayedOneAlong) {
+  begin();
+  executor.holdBackground();
+  events.tell(FolderEvent::changed);
+  advance(0.05);
+  events.tell(FolderEvent::changed);
+  advance(0.05);
+  monitor->scheduleScan(seconds(5), ScanScope::full);
+  EXPECT_EQ(executor.pendingDelays(), 2u);
+  executor.runHeldBackground();
+  EXPECT_EQ(executor.pendingDelays(), 1u) << "the periodic one alone";
+}
+
+TEST_F(LifecycleTest, DelayedScanGoesWithItsFolder) {
+  begin();
+  monitor->scheduleScan(seconds(5), ScanScope::full);
+  EXPECT_EQ(executor.pendingDelays(), 2u);
+  monitor->watch(std::nullopt);
+  EXPECT_EQ(executor.pendingDelays(), 1u) << "the periodic one alone";
+}
+
+TEST_F(LifecycleTest, EarlierRequestLeavesNoDelayOfTheLaterOne) {
+  begin();
+  monitor->scheduleScan(seconds(5), ScanScope::full);
+  monitor->scheduleScan(seconds(1), ScanScope::full);
+  EXPECT_EQ(executor.pendingDelays(), 2u) << "its own and the periodic one";
+}
+
 TEST_F(LifecycleTest, FullnessOfADelayedScanDoesNotOutliveIt) {
   begin();
   make("pending.png", "");
