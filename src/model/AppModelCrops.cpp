@@ -31,7 +31,6 @@ Task<std::optional<QString>> AppModel::replaceOriginal(UUID id, QImage image, QR
 }
 
 void AppModel::fileWasPutAt(const UUID& id, const FileURL& url) {
-  dependencies_.monitor->noteKnown(url);
   updateLocation(*items_.indexOf(id), url, std::nullopt);
   saveNow();
 }

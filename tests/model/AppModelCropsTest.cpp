@@ -106,6 +106,42 @@ TEST_F(AppModelReplacing, AnUnknownExtensionHoldsAPngUnderItsOwnName) {
   EXPECT_THAT(namesIn(shots), ElementsAre("shot.capture"));
 }
 
+TEST_F(AppModelReplacing, AFileOutsideTheFolderThatHadNoAccessIsGivenIt) {
+  const UUID id = arrivePicture("shot.png");
+  ScreenshotItem stored = item(id);
+  const FileURL outside = elsewhere.appending("shot.png");
+  std::filesystem::create_directories(elsewhere.path());
+  moveFile(stored.url, outside);
+  stored.url = outside;
+  stored.fileBookmark.reset();
+  storeRecords({stored});
+  scope.refusesBookmarks = true;
+  launchWatching();
+  ASSERT_FALSE(scope.isOpen(outside));
+  scope.refusesBookmarks = false;
+  EXPECT_EQ(replace(id), std::nullopt);
+  EXPECT_EQ(item(id).fileBookmark, FakeSecurityScope::bookmarkOf(outside));
+  EXPECT_TRUE(scope.isOpen(outside));
+}
+
+TEST_F(AppModelReplacing, TheMonitorIsToldOfTheNewFile) {
+  const UUID id = arrivePicture("shot.png");
+  monitor.known.clear();
+  EXPECT_EQ(replace(id), std::nullopt);
+  EXPECT_THAT(monitor.known, ElementsAre(shots.appending("shot.png")));
+}
+
+TEST_F(AppModelReplacing, TheMonitorIsToldOfANumberUnderWhichTheOriginalCameBack) {
+  const UUID id = arrivePicture("shot.png");
+  monitor.known.clear();
+  files.refusesReplacements = true;
+  files.onMove = [&](const FileURL&, const FileURL& to) { writeFile(to, "a newcomer"); };
+  EXPECT_NE(replace(id), std::nullopt);
+  EXPECT_EQ(item(id).url, shots.appending("shot (1).png"));
+  EXPECT_EQ(savedRecord(id)->url, item(id).url);
+  EXPECT_THAT(monitor.known, ElementsAre(item(id).url));
+}
+
 TEST_F(AppModelReplacing, AnInvalidCropChangesNothing) {
   const UUID id = arrivePicture("shot.png");
   const ScreenshotItem before = item(id);
@@ -314,6 +350,13 @@ TEST_F(AppModelSavingAsNew, TheCropIsAKeptScreenshotOfItsOwn) {
   EXPECT_EQ(savedRecord(*saved), expected);
   EXPECT_EQ(sizeOf(url), QSize(30, 40));
   EXPECT_THAT(queue(), ElementsAre(source)) << "nobody is asked about it";
+}
+
+TEST_F(AppModelSavingAsNew, TheMonitorIsToldOfTheNewFile) {
+  const UUID source = arrivePicture("Screenshot 1.png");
+  monitor.known.clear();
+  ASSERT_TRUE(save(source));
+  EXPECT_THAT(monitor.known, ElementsAre(shots.appending("Screenshot 1 Crop.png")));
 }
 
 TEST_F(AppModelSavingAsNew, ATakenNameIsNumbered) {
