@@ -5,6 +5,7 @@
 #include "faults/Whereabouts.h"
 #include "formats/ImageEncoding.h"
 #include "formats/ImageOperations.h"
+#include "records/ReplacementJournal.h"
 #include "support/ChildProcess.h"
 #include "support/Printing.h"
 
@@ -114,6 +115,30 @@ TEST_F(ReplacingFaults, CallThatFailsLeavesTheCropOrTheOriginal) {
     });
   }
   RecordProperty("cases", cases);
+}
+
+TEST_F(ReplacingFaults, JournalIsCalledSavedOnlyWhereItWasWrittenAndFlushed) {
+  using Entries = std::vector<Replacement>;
+  const TemporaryFolder folder;
+  const FileURL file = folder.file("replacing.json");
+  const ReplacementJournal journal(file);
+  const Entries before{{UUID::createUuid(), file, file, 1}}, after{{UUID::createUuid(), file, file, 2}};
+  for (const Call call : {Call::open, Call::write, Call::flush, Call::rename}) {
+    for (size_t number = 1;; ++number) {
+      ASSERT_TRUE(journal.save(before));
+      FaultyCalls faults(folder.url());
+      faults.failOnly(call, number, EIO);
+      const bool isSaved = journal.save(after);
+      const auto made = faults.made();
+      if (std::count_if(made.begin(), made.end(), [&](const auto& one) { return one.call == call; }) < int(number)) {
+        EXPECT_TRUE(isSaved);
+        EXPECT_GT(number, 1u) << nameOf(call) << " is not seen";
+        break;
+      }
+      EXPECT_FALSE(isSaved) << nameOf(call) << number;
+      EXPECT_TRUE(journal.load() == before || journal.load() == after) << nameOf(call) << number;
+    }
+  }
 }
 
 TEST_F(ReplacingFaults, TransferThatFallsShortIsFinished) {

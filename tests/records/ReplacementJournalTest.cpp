@@ -9,6 +9,7 @@
 #include "support/Printing.h"
 #include "support/Records.h"
 #include "support/TemporaryFolder.h"
+#include "support/WithoutStandardInput.h"
 
 namespace quillmere::testing {
 namespace {
@@ -33,6 +34,13 @@ TEST_F(ReplacementJournalTest, WhatWasSavedIsLoaded) {
   EXPECT_THAT(namesIn(file.parent()), ::testing::ElementsAre("replacing.json"));
 }
 
+TEST_F(ReplacementJournalTest, WithoutStandardInputItIsSavedAsEver) {
+  const WithoutStandardInput none;
+  const std::vector<Replacement> saved{replacement(1, "a.png")};
+  EXPECT_TRUE(journal.save(saved));
+  EXPECT_EQ(journal.load(), saved);
+}
+
 TEST_F(ReplacementJournalTest, NoneLeavesNoFile) {
   ASSERT_TRUE(journal.save({replacement(1, "a.png")}));
   EXPECT_TRUE(journal.save({}));
@@ -47,6 +55,21 @@ TEST_F(ReplacementJournalTest, WhatIsNoJournalHasNoEntries) {
     writeFile(file, text);
     EXPECT_THAT(journal.load(), IsEmpty()) << text;
   }
+}
+
+TEST_F(ReplacementJournalTest, WhereTheNewFileCannotBeOpenedTheOldOneStaysAndThatIsTold) {
+  const std::vector<Replacement> saved{replacement(1, "a.png")};
+  ASSERT_TRUE(journal.save(saved));
+  // No link is followed.
+  std::filesystem::create_symlink(home.file("elsewhere").path(), file.path() + ".new");
+  EXPECT_FALSE(journal.save({replacement(2, "b.png")}));
+  EXPECT_EQ(journal.load(), saved);
+  EXPECT_TRUE(journal.save({replacement(2, "b.png")})) << "the link is out of the way";
+}
+
+TEST_F(ReplacementJournalTest, AFileThatCannotBeRemovedIsTold) {
+  std::filesystem::create_directories(file.path());
+  EXPECT_FALSE(journal.save({}));
 }
 
 TEST_F(ReplacementJournalTest, AFolderThatCannotBeWrittenIsTold) {

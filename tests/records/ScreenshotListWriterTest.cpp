@@ -12,6 +12,7 @@
 #include "support/Printing.h"
 #include "support/Records.h"
 #include "support/TemporaryFolder.h"
+#include "support/WithoutStandardInput.h"
 
 namespace quillmere {
 namespace {
@@ -97,6 +98,16 @@ TEST_F(ScreenshotListWriterTest, FirstSaveEncodesEveryRecordAndTheNextNone) {
   EXPECT_EQ(writer.encodedCount(), 100u);
   expectSaved(list);
   EXPECT_EQ(writer.encodedCount(), 0u);
+}
+
+TEST_F(ScreenshotListWriterTest, WithoutStandardInputItSavesAsEver) {
+  const testing::WithoutStandardInput none;
+  ScreenshotListWriter first;
+  ScreenshotList list = listOf(3);
+  ASSERT_TRUE(first.save(list, file));
+  ASSERT_TRUE(first.save(list, file));
+  EXPECT_EQ(first.encodedCount(), 0u);
+  EXPECT_EQ(readBytes(file), fullEncoding(list));
 }
 
 TEST_F(ScreenshotListWriterTest, ChangedAndNewRecordsAloneAreEncoded) {
