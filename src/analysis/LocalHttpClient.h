@@ -40,6 +40,8 @@ class LocalHttpClient {
 
   /// `limit` is the time until the whole answer is there. Cancelling closes the connection at once.
   Task<HttpOutcome> send(LocalServerAddress address, HttpRequest request, Duration limit);
+  /// How many exchanges are not over yet.
+  size_t underWay() const { return running_.size(); }
 
  private:
   class Sending;

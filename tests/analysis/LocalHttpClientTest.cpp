@@ -245,6 +245,18 @@ TEST_F(LocalHttpClientTest, SeveralQuestionsMayBeUnderWay) {
   EXPECT_EQ(server.connections, 2);
 }
 
+TEST_F(LocalHttpClientTest, WhatIsOverIsNotKept) {
+  const auto task = begin(server.address());
+  EXPECT_EQ(client->underWay(), 1u);
+  EXPECT_EQ(told(finish()), "hello");
+  EXPECT_EQ(client->underWay(), 0u);
+  EXPECT_EQ(ask(*LocalServerAddress::parse(folder.file("missing").displayPath(), 0)), "unreachable");
+  EXPECT_EQ(client->underWay(), 0u) << "though it was over before anybody waited";
+  server.script = nullptr;
+  begin(server.address()).cancel();
+  EXPECT_EQ(client->underWay(), 0u);
+}
+
 TEST_F(LocalHttpClientTest, WhatIsUnderWayGoesWithTheClient) {
   server.script = nullptr;
   const auto task = begin(server.address());

@@ -1,11 +1,32 @@
 #include "recognition/TextRecognizer.h"
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <tesseract/baseapi.h>
 #include <QtCore/QBuffer>
 #include <QtGui/QPainter>
 #include <filesystem>
 #include <future>
 #include <thread>
+
+namespace quillmere {
+namespace {
+
+/// Called after each reading of a line by the engine.
+std::function<void()> onLineRead;
+
+}  // namespace
+}  // namespace quillmere
+
+/// Stands in for the engine's own, which it calls.
+int tesseract::TessBaseAPI::Recognize(ETEXT_DESC* monitor) {
+  using Own = int (*)(TessBaseAPI*, ETEXT_DESC*);
+  static const auto own =
+      reinterpret_cast<Own>(::dlsym(RTLD_NEXT, "_ZN9tesseract11TessBaseAPI9RecognizeEPNS_10ETEXT_DESCE"));
+  const int failure = own(this, monitor);
+  if (quillmere::onLineRead) quillmere::onLineRead();
+  return failure;
+}
 
 namespace quillmere {
 namespace {
@@ -216,6 +237,23 @@ TEST_F(TextRecognizerTest, IsCancelledMeanwhileAndGoesOnToWorkAfterwards) {
   isCancelled = true;
   EXPECT_EQ(reading.get(), std::nullopt);
   EXPECT_EQ(read(painted(lines, {})), text(lines));
+}
+
+TEST_F(TextRecognizerTest, ADoubtfulLineIsReadTwiceUnlessItIsCancelled) {
+  QImage doubtful = painted({"xq #7 ~"}, {.pixels = 7});
+  std::atomic<bool> isCancelled = false;
+  int readings = 0;
+  onLineRead = [&] { ++readings; };
+  recognizer.recognizeText(doubtful, isCancelled);
+  EXPECT_EQ(readings, 2);
+  readings = 0;
+  onLineRead = [&] {
+    ++readings;
+    isCancelled = true;
+  };
+  EXPECT_EQ(recognizer.recognizeText(doubtful, isCancelled), std::nullopt);
+  EXPECT_EQ(readings, 1);
+  onLineRead = nullptr;
 }
 
 TEST_F(TextRecognizerTest, TwoAtOnceReadTheSameAsOneAfterTheOther) {
