@@ -142,6 +142,17 @@ TEST(HeifFile, ThatIsMadeOfItselfIsNotDecoded) {
   EXPECT_TRUE(HeifFile(bytes).decoded().isNull());
 }
 
+TEST(HeifFile, ABetterQualityTakesMoreBytes) {
+  QImage image(64, 64, QImage::Format_RGB32);
+  for (int y = 0; y < 64; ++y) {
+    for (int x = 0; x < 64; ++x) image.setPixel(x, y, qRgb(x * 37 % 256, y * 59 % 256, x * y % 256));
+  }
+  const auto fine = encodedHeic(image, 95), usual = encodedHeic(image, 50), coarse = encodedHeic(image, 10);
+  ASSERT_TRUE(fine && usual && coarse);
+  EXPECT_GT(fine->size(), usual->size());
+  EXPECT_GT(usual->size(), coarse->size());
+}
+
 TEST(HeifFile, HasNoCameraDataUnlessWritten) {
   const std::string bytes = encodedByUs(redAndBlue(64, 64));
   EXPECT_TRUE(HeifFile(bytes).exif().isEmpty());

@@ -164,6 +164,12 @@ TEST_F(ImageEncoding, AnOpaquePictureComesBackOpaque) {
     EXPECT_EQ(back(redAndBlue(64, 64), type).format(), QImage::Format_RGB32);
 }
 
+TEST_F(ImageEncoding, AGrayJpegStaysGray) {
+  QImage gray(64, 64, QImage::Format_Grayscale8);
+  gray.fill(100);
+  EXPECT_EQ(QImage::fromData(bytesOf(gray, PictureFormat::jpeg)).format(), QImage::Format_Grayscale8);
+}
+
 TEST_F(ImageEncoding, EverySizeComesBack) {
   for (const QSize size : {QSize(1, 1), QSize(1, 9), QSize(3, 5), QSize(17, 2), QSize(33, 31), QSize(127, 65)}) {
     for (const PictureFormat type : writableFormats()) {

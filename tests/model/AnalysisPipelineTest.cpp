@@ -386,6 +386,20 @@ TEST_F(RecognizedText, ACancelledReadingWritesNothing) {
   EXPECT_EQ(records.changes, 0);
 }
 
+TEST_F(RecognizedText, ACancelledOneThatWaitsLeavesTheQueue) {
+  analyzer.holdsReadings = true;
+  std::vector<UUID> ids;
+  for (int number = 1; number <= 4; ++number) {
+    ids.push_back(add(number));
+    pipeline->recognizedText(ids.back()).detach();
+  }
+  EXPECT_EQ(pipeline->ocrGate().waiting(), 2u);
+  pipeline->cancel(ids[2]);
+  EXPECT_EQ(pipeline->ocrGate().waiting(), 1u);
+  pipeline->cancelAll();
+  expectIdle();
+}
+
 TEST_F(RecognizedText, AnUnknownRecordHasNone) {
   EXPECT_EQ(valueOf(pipeline->recognizedText(uuid(9))), std::nullopt);
 }

@@ -482,6 +482,16 @@ TEST_F(AppModelReconciliation, AFileThatWasWrittenToAndRenamedHasOneRecordInTheE
   }
 }
 
+TEST_F(AppModelReconciliation, AFileThatWasMovedAwayIsNotAskedAboutWhicheverLookFoundThat) {
+  launchWatching();
+  const UUID id = arrive("shot.png");
+  deleteFile(shots.appending("shot.png"));
+  monitor.movedOut.insert(shots.appending("shot.png").path());
+  reconcileAll();
+  EXPECT_EQ(stateOf(id), State::permanent);
+  EXPECT_THAT(queue(), IsEmpty());
+}
+
 TEST_F(AppModelReconciliation, AFileThatIsFoundAgainHasNotMovedAway) {
   launchWatching();
   const UUID id = arrivePermanent("shot.png");

@@ -67,6 +67,17 @@ TEST_F(AppModelRenaming, AFileThatAnEditorSavedAnewIsRenamedButNeverThrownAwayFo
   EXPECT_EQ(files.trashCalls + files.removeCalls, 0);
 }
 
+TEST_F(AppModelRenaming, AFileThatAloneSharesItsNumberWithAnotherRecordsIsNoneOfIts) {
+  const UUID id = arrivePermanent("shot.png");
+  const UUID other = arrivePermanent("other.png");
+  const FileURL url = item(id).url;
+  auto anew = item(other).fileIdentity;
+  anew->volume = "another disk";
+  identities[url.path()] = anew;
+  EXPECT_TRUE(rename(id, "A window"));
+  EXPECT_EQ(item(id).url, shots.appending("A window.png"));
+}
+
 TEST_F(AppModelRenaming, AnotherRecordsFileUnderTheNameIsNotRenamed) {
   const UUID first = arrivePermanent("first.png");
   const UUID second = arrivePermanent("second.png");

@@ -197,6 +197,18 @@ TEST_F(ReconciliationTest, AnIncompleteStoredIdentityIsNotSearchedFor) {
   EXPECT_EQ(identityReads, 0);
 }
 
+TEST_F(ReconciliationTest, OfAPlaceThatSeveralRecordsHaveOnlyAWholeIdentityThatDiffersTakesTheFile) {
+  auto one = identified(write(shots, "shot.png"));
+  world.sharedPaths.insert(pathKey(one.url, world.watchFolderPaths));
+  EXPECT_TRUE(present(resolve(one)));
+  one.identity->file += 1;
+  EXPECT_FALSE(present(resolve(one)));
+  one.identity->size.reset();
+  EXPECT_TRUE(present(resolve(one))) << "it cannot be told";
+  one.identity.reset();
+  EXPECT_TRUE(present(resolve(one)));
+}
+
 TEST_F(ReconciliationTest, NoDirectoryIsReadWhileEveryFileIsInPlace) {
   std::vector<ReconcileInput> inputs;
   for (int i = 0; i < 20; ++i) {

@@ -64,6 +64,11 @@ TEST(AdaptiveActionRow, FitsToThePoint) {
   EXPECT_EQ(row.layout->heightForWidth(407), 68);
 }
 
+TEST(AdaptiveActionRow, WouldLikeToBeAsWideAsAllSideBySide) {
+  EXPECT_EQ(Row(Distribution::equalWidths, {200, 60, 60}).layout->sizeHint(), QSize(336, 30));
+  EXPECT_EQ(Row(Distribution::leadingAndTrailing, {150}).layout->sizeHint(), QSize(150, 30));
+}
+
 TEST(AdaptiveActionRow, PutsTheFirstAtOneEdgeAndTheLastAtTheOther) {
   Row row(Distribution::leadingAndTrailing, {150, 100});
   EXPECT_EQ(row.placed(408), (std::vector<QRect>{QRect(0, 0, 150, 30), QRect(308, 0, 100, 30)}));

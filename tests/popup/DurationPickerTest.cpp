@@ -1,6 +1,9 @@
 #include "popup/DurationPicker.h"
 
-#include <gtest/gtest.h>
+#include <QtTest/QTest>
+#include <QtWidgets/QLineEdit>
+
+#include "controls/DesktopLook.h"
 
 namespace quillmere {
 namespace {
@@ -31,6 +34,23 @@ TEST(DurationPicker, WithoutAChoiceItIsFiveMinutes) {
   DurationPicker picker(nullptr);
   picker.setCurrentIndex(-1);
   EXPECT_EQ(picker.duration(), TemporaryDuration::fiveMinutes);
+}
+
+class DurationPickerLook : public testing::DesktopLook {};
+
+TEST_F(DurationPickerLook, TheKeyboardIsShownWhereItIs) {
+  QWidget window;
+  DurationPicker picker(&window);
+  picker.resize(picker.sizeHint());
+  QLineEdit other(&window);
+  other.move(0, 60);
+  window.show();
+  window.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  other.setFocus();
+  EXPECT_FALSE(shows(picker, theme().focusRing));
+  picker.setFocus();
+  EXPECT_TRUE(shows(picker, theme().focusRing));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "popup/PromptPreview.h"
 
+#include <QtGui/private/qhighdpiscaling_p.h>
 #include <gtest/gtest.h>
 #include <QtTest/QTest>
 
@@ -93,6 +94,14 @@ TEST_F(PromptPreviewTest, WhatIsDraggedAlongIsTheSmallPicture) {
   EXPECT_EQ(preview.dragPicture().deviceIndependentSize(), QSizeF(160, 80));
   preview.clear();
   EXPECT_TRUE(preview.dragPicture().isNull());
+}
+
+TEST_F(PromptPreviewTest, WhatIsDraggedAlongIsAsSharpAsTheScreen) {
+  QHighDpiScaling::setGlobalFactor(2);
+  show({1600, 800});
+  EXPECT_EQ(preview.dragPicture().size(), QSize(320, 160));
+  EXPECT_EQ(preview.dragPicture().deviceIndependentSize(), QSizeF(160, 80));
+  QHighDpiScaling::setGlobalFactor(1);
 }
 
 TEST_F(PromptPreviewTest, WhatIsSpokenTellsTheWindowFromTheScreenshot) {

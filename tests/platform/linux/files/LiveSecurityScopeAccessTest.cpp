@@ -251,6 +251,14 @@ TEST_F(LiveSecurityScopeAccessTest, AFileOfAnotherDiskIsAnotherFile) {
   EXPECT_FALSE(access.resolve(bookmark.encoded()));
 }
 
+TEST_F(LiveSecurityScopeAccessTest, WhereTheDiskWasNotKnownNumberAndBirthTimeAreEnough) {
+  Bookmark bookmark = *Bookmark::decode(bookmarkOf(shot));
+  bookmark.volume.reset();
+  EXPECT_EQ(access.resolve(bookmark.encoded())->url, shot);
+  move(shot, shots.appending("b.png"));
+  EXPECT_EQ(access.resolve(bookmark.encoded())->url, shots.appending("b.png"));
+}
+
 TEST_F(LiveSecurityScopeAccessTest, GarbageResolvesToNothing) {
   for (const char* bytes : {"", "garbage", "{}", "{\"path\":\"relative\"}", "\xff\xff"}) {
     EXPECT_FALSE(access.resolve(bytes)) << bytes;
