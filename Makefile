@@ -8,7 +8,7 @@ SOURCES = $$(find src tests benchmarks fuzz tools packaging -name '*.cpp' -o -na
 PREFIX = /usr/local
 BUILD = cmake --build build -j $(JOBS) --target
 
-.PHONY: build run install uninstall pictures test bench fuzz format lint
+.PHONY: build run install uninstall pictures test mutants bench fuzz format lint
 
 build: build/build.ninja
 	$(BUILD) quillmere
@@ -41,6 +41,13 @@ test:
 	cmake --preset release -DQUILLMERE_TESTS=ON
 	$(BUILD) quillmere packaging/all tests/all detect-windows
 	tools/test -j $(JOBS)
+
+# SEED chooses the mutants, COUNT how many, ONLY a single one by its number.
+mutants:
+	tools/setup test
+	cmake --preset release -DQUILLMERE_TESTS=ON
+	$(BUILD) tests/all
+	tools/mutants -j $(JOBS) $(if $(SEED),--seed $(SEED)) $(if $(COUNT),--count $(COUNT)) $(if $(ONLY),--only $(ONLY))
 
 bench:
 	tools/setup bench
