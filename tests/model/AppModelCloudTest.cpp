@@ -211,5 +211,17 @@ TEST_F(AppModelCloud, TheModelMayGoDuringADownload) {
   advance(600);
 }
 
+TEST_F(AppModelCloud, TheModelMayGoWhileALookFindsTheData) {
+  const UUID id = evicted("shot.png");
+  download(id);
+  bringData(id);
+  executor.holdBackground();
+  advance(2);
+  EXPECT_EQ(executor.heldBackground(), 1u);
+  model.reset();
+  executor.runHeldBackground();
+  EXPECT_EQ(executor.pendingDelays(), 0u);
+}
+
 }  // namespace
 }  // namespace quillmere::testing

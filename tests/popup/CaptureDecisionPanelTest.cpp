@@ -4,6 +4,7 @@
 #include <QtGui/QAccessible>
 #include <QtTest/QTest>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QScrollArea>
 #include <QtWidgets/QScrollBar>
 #include <QtWidgets/QVBoxLayout>
 
@@ -51,6 +52,13 @@ TEST_F(CaptureDecisionPanelTest, EachFrameThatIsSetCounts) {
   EXPECT_EQ(panel.frameChangeCount(), 2);
   EXPECT_EQ(panel.geometry(), QRect(10, 10, 488, 400));
   EXPECT_EQ(panel.cardRect(), QRect(24, 24, 440, 352));
+}
+
+TEST_F(CaptureDecisionPanelTest, ItNeverScrollsSideways) {
+  upper->setMinimumWidth(600);
+  static_cast<QWidget&>(panel).show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&panel));
+  EXPECT_FALSE(panel.findChild<QScrollArea*>()->horizontalScrollBar()->isVisible());
 }
 
 TEST_F(CaptureDecisionPanelTest, AnySizeFitsItsSteps) {

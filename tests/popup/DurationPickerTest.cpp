@@ -38,6 +38,24 @@ TEST(DurationPicker, WithoutAChoiceItIsFiveMinutes) {
 
 class DurationPickerLook : public testing::DesktopLook {};
 
+TEST_F(DurationPickerLook, SaysThatItIsTheTimeOfTemporary) {
+  DurationPicker picker(nullptr);
+  picker.resize(picker.sizeHint());
+  const int label = 12 + picker.fontMetrics().horizontalAdvance(QStringLiteral("Temporary for"));
+  const QImage image = picture(picker);
+  const auto shows = [&image](const QColor& color, int first, int last) {
+    for (int y = 0; y < image.height(); ++y) {
+      for (int x = first; x < last; ++x) {
+        if (image.pixel(x, y) == color.rgb()) return true;
+      }
+    }
+    return false;
+  };
+  EXPECT_TRUE(shows(theme().secondaryText, 0, label));
+  EXPECT_FALSE(shows(theme().text, 0, label));
+  EXPECT_TRUE(shows(theme().text, label, image.width()));
+}
+
 TEST_F(DurationPickerLook, TheKeyboardIsShownWhereItIs) {
   QWidget window;
   DurationPicker picker(&window);

@@ -88,6 +88,12 @@ TEST_F(PromptPreviewTest, ANoticeIsAtTheBottomInTheMiddle) {
   EXPECT_NEAR(notice.center().x(), preview.width() / 2.0, 1);
 }
 
+TEST_F(PromptPreviewTest, ANoticeIsInNobodysWay) {
+  show({1632, 640});
+  preview.notice().show(PromptPreviewNotice::textCopied);
+  EXPECT_EQ(preview.childAt(preview.notice().geometry().center()), nullptr) << "the picture under it can be dragged";
+}
+
 TEST_F(PromptPreviewTest, WhatIsDraggedAlongIsTheSmallPicture) {
   EXPECT_TRUE(preview.dragPicture().isNull());
   show({1600, 800});

@@ -392,6 +392,18 @@ TEST_F(TrashOfDiskTest, AFullDiskNeverLosesTheFile) {
             "");
 }
 
+// --- Where Trash is ---
+
+TEST_F(LiveFileOperationsTest, OfTheFirstFileSystemOnlyTheHomeTrashIsLookedIn) {
+  const std::vector home{homeTrash().appending("files")};
+  EXPECT_EQ(trashFolders(FileURL::fromPath("/a.png"), mounts), home);
+  const auto elsewhere = trashFolders(FileURL::fromPath("/proc/a.png"), mounts);
+  EXPECT_GT(elsewhere.size(), 1u);
+  for (const FileURL& place : elsewhere) {
+    EXPECT_TRUE(place == home[0] || place.path().starts_with("/proc/.Trash")) << place.path();
+  }
+}
+
 // --- isInTrash ---
 
 TEST_F(LiveFileOperationsTest, WhatLiesInTheHomeTrashIsInTrash) {
