@@ -22,13 +22,24 @@ bool writeAll(int descriptor, const char* bytes, size_t count) {
   return true;
 }
 
-bool flushFolder(const FileURL& folder) {
-  const auto descriptor =
-      static_cast<int>(TEMP_FAILURE_RETRY(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)));
+namespace {
+
+bool flushOpened(const FileURL& url, int flags) {
+  const auto descriptor = static_cast<int>(TEMP_FAILURE_RETRY(::open(url.c_str(), O_RDONLY | O_CLOEXEC | flags)));
   if (descriptor < 0) return false;
   const bool flushed = TEMP_FAILURE_RETRY(::fsync(descriptor)) == 0;
   ::close(descriptor);
   return flushed;
+}
+
+}  // namespace
+
+bool flushFile(const FileURL& file) {
+  return flushOpened(file, O_NOFOLLOW | O_NONBLOCK);
+}
+
+bool flushFolder(const FileURL& folder) {
+  return flushOpened(folder, O_DIRECTORY);
 }
 
 bool copyBytes(int from, int64_t offset, int64_t length, int to) {

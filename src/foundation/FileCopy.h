@@ -21,6 +21,8 @@ std::optional<FileURL> copyAside(const FileURL& source, const FileURL& folder, c
 /// its present position. False on any failure, a source that ends early included.
 bool copyBytes(int from, int64_t offset, int64_t length, int to);
 
+/// Makes the contents of a file survive a power cut.
+bool flushFile(const FileURL& file);
 /// Makes the names in a folder survive a power cut.
 bool flushFolder(const FileURL& folder);
 

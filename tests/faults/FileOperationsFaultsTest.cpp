@@ -304,5 +304,24 @@ TEST(TrashFaults, FullDiskLeavesThePictureInItsPlace) {
   EXPECT_THAT(scene.picture(kTrash).faults, ::testing::IsEmpty());
 }
 
+TEST(TrashFaults, WhatRestoringNeedsIsFlushed) {
+  Scene scene;
+  const auto made = callsMade(privateHome(), [&] { EXPECT_EQ(scene.files.trash(scene.oldPlace), FileOutcome::done); });
+  const bool isFlushed = std::any_of(made.begin(), made.end(), [](const FaultyCalls::Made& one) {
+    return one.call == Call::flush && one.path.ends_with(".trashinfo");
+  });
+  EXPECT_TRUE(isFlushed) << "its contents would come to the disk half a minute after the picture has gone to the Trash";
+}
+
+TEST(TrashFaults, WhereThatCannotBeFlushedThePictureComesBack) {
+  Scene scene;
+  {
+    FaultyCalls faults(privateHome());
+    faults.failEvery(Call::flush, EIO, ".trashinfo");
+    EXPECT_EQ(scene.files.trash(scene.oldPlace), FileOutcome::failed);
+  }
+  EXPECT_EQ(scene.picture(kTrash).copies, std::vector{Place::oldName});
+}
+
 }  // namespace
 }  // namespace quillmere::testing

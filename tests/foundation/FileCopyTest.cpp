@@ -118,5 +118,17 @@ TEST(FileCopy, IntoWhatTheKernelCannotCopyToGoesThroughMemory) {
   ::close(to);
 }
 
+TEST(FileFlush, IsOfWhatIsThereAndOfItsKind) {
+  const TemporaryFolder folder;
+  const FileURL file = folder.file("a.txt");
+  writeFile(file, "text");
+  EXPECT_TRUE(flushFile(file));
+  EXPECT_TRUE(flushFolder(folder.url()));
+  EXPECT_FALSE(flushFolder(file));
+  EXPECT_FALSE(flushFile(folder.file("b.txt")));
+  std::filesystem::create_symlink(file.path(), folder.file("link").path());
+  EXPECT_FALSE(flushFile(folder.file("link")));
+}
+
 }  // namespace
 }  // namespace quillmere

@@ -74,9 +74,12 @@ std::array<std::string, 2> trashesAtTop() {
   return {".Trash/" + user, ".Trash-" + user};
 }
 
+/// Also after a power cut: GIO does not flush the info file, whose contents may come to the disk long after the names
+/// in the Trash.
 bool isRestorable(const FileURL& trashed) {
-  const auto info = readFile(trashInfo(trashed));
-  return info && info->starts_with("[Trash Info]\n") && info->find("\nPath=") != std::string::npos;
+  const FileURL place = trashInfo(trashed);
+  const auto info = readFile(place);
+  return info && info->starts_with("[Trash Info]\n") && info->find("\nPath=") != std::string::npos && flushFile(place);
 }
 
 }  // namespace
