@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <filesystem>
 
+#include "foundation/FileCopy.h"
 #include "foundation/FileStatus.h"
 
 namespace quillmere {
@@ -38,6 +39,8 @@ RunMarker::RunMarker(FileURL file, const FileURL& listFile, Date now) : file_(st
     interruptedSince_ = alive + -kArrivalMargin;
   }
   ::futimens(descriptor_, nullptr);
+  // After a power cut, too, it tells of this run.
+  flushFolder(file_.parent());
 }
 
 RunMarker::~RunMarker() {
