@@ -23,6 +23,19 @@ Result<FileURL, Failure> writeCropBeside(const FileURL& original, const QImage& 
   return ImageOperations::writeReplacement(*data, original);
 }
 
+void sweepFolder(const FileURL& folder, const std::vector<Replacement>& awaited) {
+  std::error_code error;
+  for (std::filesystem::directory_iterator entry(folder.path(), error), end; !error && entry != end;
+       entry.increment(error)) {
+    const FileURL url = folder.appending(entry->path().filename().native());
+    const bool isAwaited =
+        std::any_of(awaited.begin(), awaited.end(), [&](const Replacement& one) { return one.temporary == url; });
+    if (!url.lastPathComponent().starts_with(ImageOperations::kReplacementPrefix) || isAwaited) continue;
+    std::error_code ignored;  // the others go all the same
+    std::filesystem::remove(url.path(), ignored);
+  }
+}
+
 }  // namespace
 
 FileReplacement::FileReplacement(const AppModelDependencies& dependencies, const ScreenshotList& items,
@@ -119,7 +132,11 @@ void FileReplacement::finishBegun(const std::optional<FileURL>& watchFolder) {
   }
   dependencies_.fileOperations->flush();
   journal_.save(left);
-  if (watchFolder) sweep_ = sweep(*dependencies_.executor, *watchFolder, left);
+  // Records have their files in other folders, too.
+  std::set<FileURL> folders;
+  if (watchFolder) folders.insert(*watchFolder);
+  items_.forEach([&](const ScreenshotItem& item) { folders.insert(item.url.parent()); });
+  sweep_ = sweep(*dependencies_.executor, std::move(folders), left);
 }
 
 /// False where that cannot be done yet.
@@ -140,18 +157,9 @@ bool FileReplacement::finish(const Replacement& one) {
 }
 
 /// Removes files that an earlier run had not even finished writing; their originals never left.
-Task<> FileReplacement::sweep(Executor& executor, FileURL folder, std::vector<Replacement> awaited) {
-  const std::function<bool()> work = [folder, awaited] {
-    std::error_code error;
-    for (std::filesystem::directory_iterator entry(folder.path(), error), end; !error && entry != end;
-         entry.increment(error)) {
-      const FileURL url = folder.appending(entry->path().filename().native());
-      const bool isAwaited =
-          std::any_of(awaited.begin(), awaited.end(), [&](const Replacement& one) { return one.temporary == url; });
-      if (url.lastPathComponent().starts_with(ImageOperations::kReplacementPrefix) && !isAwaited) {
-        std::filesystem::remove(url.path(), error);
-      }
-    }
+Task<> FileReplacement::sweep(Executor& executor, std::set<FileURL> folders, std::vector<Replacement> awaited) {
+  const std::function<bool()> work = [folders, awaited] {
+    for (const FileURL& folder : folders) sweepFolder(folder, awaited);
     return true;
   };
   auto sweeping = executor.background(work);

@@ -3,6 +3,7 @@
 #include <QtCore/QRectF>
 #include <QtGui/QImage>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "foundation/Weak.h"
@@ -42,7 +43,7 @@ class FileReplacement {
  private:
   static Task<std::optional<QString>> run(Weak<FileReplacement> self, UUID id, QImage image, QRectF rect,
                                           FileStamp readFrom);
-  static Task<> sweep(Executor& executor, FileURL folder, std::vector<Replacement> awaited);
+  static Task<> sweep(Executor& executor, std::set<FileURL> folders, std::vector<Replacement> awaited);
   std::optional<QString> putInPlace(const UUID& id, const FileURL& original, const FileURL& temporary,
                                     const FileStamp& readFrom);
   void takeBack(const UUID& id, const FileURL& original, const FileURL& placeInTrash);

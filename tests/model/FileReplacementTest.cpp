@@ -162,6 +162,19 @@ TEST_F(FileReplacementTest, WhatWasNotEvenFinishedIsSweptAwayBeforeAnythingIsWri
   EXPECT_EQ(QImage(original.displayPath()).size(), QSize(5, 4));
 }
 
+TEST_F(FileReplacementTest, ItIsSweptAwayWhereverARecordHasItsFile) {
+  const FileURL elsewhere = home.file("elsewhere");
+  std::filesystem::create_directory(elsewhere.path());
+  ScreenshotItem item = bareItem(2);
+  item.url = elsewhere.appending("moved.png");
+  items.insertNewest(item);
+  writeFile(item.url, "a picture");
+  writeFile(elsewhere.appending(std::string(ImageOperations::kReplacementPrefix) + "3.png"), "half a picture");
+  replacement->finishBegun(shots);
+  executor.drain();
+  EXPECT_THAT(namesIn(elsewhere), ElementsAre("moved.png"));
+}
+
 TEST_F(FileReplacementTest, ACropWhoseOwnerIsGoneIsRemoved) {
   begin().detach();
   replacement.reset();
