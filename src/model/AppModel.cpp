@@ -57,6 +57,7 @@ void AppModel::start() {
   transfers_.removeLeftCopies();
   restoreWatchFolder();
   replacement_.finishBegun(*watchFolderURL);
+  finishMoves();
   refreshScreenshotLocation();
   observeSystem();
   checkLocationRegularly();

@@ -27,6 +27,7 @@
 #include "model/ScreenshotFolderMatch.h"
 #include "model/Settings.h"
 #include "model/WindowExtractionRun.h"
+#include "records/MoveJournal.h"
 #include "records/ScreenshotList.h"
 #include "records/ScreenshotListWriter.h"
 #include "records/ScreenshotNaming.h"
@@ -171,12 +172,14 @@ class AppModel : private AnalysisRecords,
   /// Forgets records; their files stay. The caller saves.
   void removeRecords(const UUIDSet& ids);
 
-  // --- Renaming and moving: AppModelRenaming.cpp ---
+  // --- Renaming: AppModelRenaming.cpp ---
   enum class RenameOutcome { renamed, unchanged, unavailable, failed };
   /// Answers false when there is no such record and when the file system refused, which is shown in `scope`.
   bool rename(const UUID& id, const QString& name, ErrorScope scope);
   /// Gives each the name suggested from its image, where it has one. Failures are told together.
   void applySuggestedNames(const std::vector<UUID>& ids, ErrorScope scope);
+
+  // --- Moving: AppModelMoving.cpp ---
   /// Asks where to, and moves the file there. Moving keeps it.
   void moveAndRename(UUID id);
   void move(const UUID& id, const FileURL& destination);
@@ -306,6 +309,11 @@ class AppModel : private AnalysisRecords,
   bool isOfARecord(const FileIdentity& identity);
   NumberedSearchResult moveToStem(const FileURL& url, const QString& stem);
 
+  // AppModelMoving.cpp
+  bool adoptMove(size_t index, const FileURL& url);
+  void finishMoves();
+  static bool isMovedFile(const ScreenshotItem& item, const FileURL& url);
+
   // AppModelCrops.cpp
   static Task<Result<UUID, QString>> runSaveAsNew(Weak<AppModel> self, UUID id, QImage image, QRectF rect);
   void fileWasReplaced(const UUID& id) override;
@@ -386,6 +394,8 @@ class AppModel : private AnalysisRecords,
   WindowExtractionRun extraction_;
   ScreenshotListWriter listWriter_;
   FileReplacement replacement_{dependencies_, items_, *this};
+  MoveJournal moveJournal_{dependencies_.recordStore.fileURL.parent().appending("moving.json")};
+  std::vector<BegunMove> waitingMoves_;  ///< for a disk, or for the list to be saved
   bool recordsReadOnly_ = false;
   bool didStart_ = false;
   bool isRecovering_ = false;  ///< arrivals wait, so that the lost run's screenshots come back oldest first

@@ -48,6 +48,9 @@ class FileOperations {
     QString unread;
     return move(from, to, unread);
   }
+  /// After a `move` that was cut off: if only the old file's going is left it goes, and nothing unfinished stays. None
+  /// may be under way.
+  virtual void finishMove(const FileURL& /*from*/, const FileURL& /*to*/) {}
   virtual FileOutcome remove(const FileURL& url) = 0;
   /// Makes all of the above survive a power cut. Called before anything is written that tells of it.
   virtual void flush() {}

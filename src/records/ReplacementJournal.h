@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "foundation/FileURL.h"
+#include "records/JournalFile.h"
 #include "records/UUID.h"
 
 namespace quillmere {
@@ -28,7 +29,7 @@ class ReplacementJournal {
   bool save(const std::vector<Replacement>& replacements) const;
 
  private:
-  FileURL file_;
+  JournalFile file_;
 };
 
 }  // namespace quillmere

@@ -290,6 +290,34 @@ TEST(MoveAcrossDisksFaults, OriginalThatWentDespiteARefusalLeavesTheCopy) {
   }
 }
 
+TEST(MoveAcrossDisksFaults, ACopyThatIsCutOffHasNoName) {
+  Scene scene;
+  const auto carryOut = [&] {
+    FaultyCalls faults(privateHome());
+    faults.failEvery(Call::rename, EXDEV, scene.oldPlace.lastPathComponent());
+    faults.failOnly(Call::link, 1, EIO);
+    return scene.files.move(scene.oldPlace, scene.placeOnOtherDisk);
+  };
+  EXPECT_EQ(carryOut(), FileOutcome::failed) << "the name comes last";
+  EXPECT_THAT(namesIn(scene.placeOnOtherDisk.parent()), ::testing::IsEmpty());
+}
+
+TEST(MoveAcrossDisksFaults, WhereEveryFileNeedsANameTheCopyHasAHiddenOne) {
+  Scene scene;
+  const auto carryOut = [&](std::optional<Call> alsoFails) {
+    FaultyCalls faults(privateHome());
+    faults.failEvery(Call::rename, EXDEV, scene.oldPlace.lastPathComponent());
+    faults.failEvery(Call::open, EOPNOTSUPP, scene.placeOnOtherDisk.parent().lastPathComponent());
+    if (alsoFails) faults.failOnly(*alsoFails, 1, EIO);
+    return scene.files.move(scene.oldPlace, scene.placeOnOtherDisk);
+  };
+  EXPECT_EQ(carryOut(Call::flush), FileOutcome::failed);
+  EXPECT_EQ(scene.picture(kMoveAcrossDisks).copies, std::vector{Place::oldName});
+  EXPECT_THAT(namesIn(scene.placeOnOtherDisk.parent()), ::testing::IsEmpty());
+  EXPECT_EQ(carryOut(std::nullopt), FileOutcome::done);
+  EXPECT_EQ(scene.picture(kMoveAcrossDisks).copies, std::vector{Place::newName});
+}
+
 // --- A Trash that cannot be written ---
 
 TEST(TrashFaults, FullDiskLeavesThePictureInItsPlace) {

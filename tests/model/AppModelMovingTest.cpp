@@ -10,6 +10,7 @@ class AppModelMoving : public ModelFixture {
  protected:
   void SetUp() override { launchWatching(); }
   FileURL destination() const { return elsewhere.appending("A window.png"); }
+  MoveJournal journal() const { return MoveJournal(listFile.parent().appending("moving.json")); }
   /// The analysis of a record, as it stands in an older run's list.
   ScreenshotItem analyzed(int number, std::string_view name, std::string_view suggestion) {
     ScreenshotItem item = storedItem(number, name, State::permanent);
@@ -137,6 +138,94 @@ TEST_F(AppModelMoving, ARecordThatIsGoneIsNotMoved) {
 }
 
 // --- The save panel ---
+
+TEST_F(AppModelMoving, AMoveIsNotedUntilItIsSaved) {
+  const UUID id = arrive("shot.png");
+  const FileURL before = item(id).url;
+  const std::vector<BegunMove> noted{{id, before, destination()}};
+  files.onMove = [&](const FileURL&, const FileURL&) { EXPECT_TRUE(journal().load() == noted); };
+  files.refuse(before);
+  model->move(id, destination());
+  EXPECT_TRUE(journal().load().empty()) << "it did not take place";
+  files.allow(before);
+  model->move(id, destination());
+  EXPECT_EQ(savedRecord(id)->url, destination());
+  EXPECT_TRUE(journal().load().empty());
+}
+
+TEST_F(AppModelMoving, AMoveStaysNotedUntilTheListCanBeSaved) {
+  const UUID id = arrive("shot.png");
+  const FileURL inItsWay = listFile.parent().appending("screenshots.json.saving");
+  std::filesystem::create_directory(inItsWay.path());
+  model->move(id, destination());
+  EXPECT_FALSE(model->isSaved());
+  EXPECT_EQ(journal().load().size(), 1u);
+  model.reset();
+  std::filesystem::remove(inItsWay.path());
+  launch();
+  EXPECT_EQ(item(id).url, destination());
+  EXPECT_TRUE(journal().load().empty());
+}
+
+TEST_F(AppModelMoving, AFileThatHasMovedWhenTheRunEndsIsFollowed) {
+  const UUID id = arriveTemporary("shot.png");
+  const FileURL before = item(id).url;
+  model.reset();
+  ASSERT_TRUE(journal().save({{id, before, destination()}}));
+  // To another disk: nothing else tells that it is the same file.
+  moveFile(before, destination());
+  identities[destination().path()] = {"other volume", 7, Date{1}, 8};
+  launch();
+  EXPECT_EQ(item(id).url, destination());
+  EXPECT_EQ(stateOf(id), State::permanent);
+  EXPECT_EQ(savedRecord(id)->url, destination());
+  EXPECT_TRUE(journal().load().empty());
+}
+
+TEST_F(AppModelMoving, OneThatHasNotGoneStays) {
+  const UUID id = arrive("shot.png");
+  const ScreenshotItem before = item(id);
+  model.reset();
+  ASSERT_TRUE(journal().save({{id, before.url, destination()}}));
+  writeFile(destination(), "its copy");
+  launch();
+  EXPECT_EQ(item(id).url, before.url);
+  EXPECT_EQ(stateOf(id), State::pending);
+  EXPECT_EQ(readBytes(destination()), "its copy");
+  EXPECT_TRUE(journal().load().empty());
+}
+
+TEST_F(AppModelMoving, AnotherFileInTheNewPlaceIsNotTheScreenshot) {
+  const UUID id = arrive("shot.png");
+  const FileURL before = item(id).url;
+  model.reset();
+  ASSERT_TRUE(journal().save({{id, before, destination()}}));
+  deleteFile(before);
+  writeFile(destination(), "another file of another size than the screenshot has");
+  launch();
+  EXPECT_FALSE(hasRecord(id));
+}
+
+TEST_F(AppModelMoving, OneThatMayBeOnADiskThatIsAwayIsWaitedFor) {
+  const UUID id = arrive("shot.png");
+  const FileURL before = item(id).url;
+  model.reset();
+  ASSERT_TRUE(journal().save({{id, before, destination()}}));
+  moveFile(before, destination());
+  unreachableFolders.insert(elsewhere.path());
+  std::filesystem::rename(elsewhere.path(), away.path());
+  launch();
+  EXPECT_TRUE(model->unavailableItemIDs->contains(id));
+  EXPECT_EQ(journal().load().size(), 1u);
+  model.reset();
+  unreachableFolders.clear();
+  std::filesystem::rename(away.path(), elsewhere.path());
+  launch();
+  EXPECT_EQ(item(id).url, destination());
+  EXPECT_FALSE(item(id).hasMovedAway);
+  EXPECT_FALSE(model->unavailableItemIDs->contains(id));
+  EXPECT_TRUE(journal().load().empty());
+}
 
 TEST_F(AppModelMoving, ThePanelOpensWithTheFilesNameInItsFolder) {
   const UUID id = arrive("My shot.png");

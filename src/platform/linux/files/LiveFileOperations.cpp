@@ -138,6 +138,11 @@ FileOutcome LiveFileOperations::move(const FileURL& from, const FileURL& to, QSt
   return outcomeOf(error, from);
 }
 
+void LiveFileOperations::finishMove(const FileURL& from, const FileURL& to) {
+  quillmere::finishMove(from, to);
+  touched_.insert({from.parent(), to.parent()});
+}
+
 FileOutcome LiveFileOperations::remove(const FileURL& url) {
   if (TEMP_FAILURE_RETRY(::unlink(url.c_str())) != 0) return outcomeOf(errno, url);
   touched_.insert(url.parent());

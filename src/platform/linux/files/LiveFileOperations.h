@@ -16,6 +16,7 @@ class LiveFileOperations final : public FileOperations {
   FileOutcome trash(const FileURL& url, TrashReport& report) override;
   FileOutcome restore(const FileURL& place, const FileURL& url) override;
   FileOutcome move(const FileURL& from, const FileURL& to, QString& reason) override;
+  void finishMove(const FileURL& from, const FileURL& to) override;
   FileOutcome remove(const FileURL& url) override;
   void flush() override;
 

@@ -1,7 +1,6 @@
 #include "platform/linux/files/MoveAcrossDisks.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -20,18 +19,18 @@
 namespace quillmere {
 namespace {
 
+constexpr std::string_view kCopyPrefix = ".quillmere-moving-";
+
 class Descriptor {
  public:
   explicit Descriptor(int number) : number_(number) {}
   Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(Descriptor&& other) noexcept {
-    std::swap(number_, other.number_);
-    return *this;
-  }
+  Descriptor& operator=(const Descriptor&) = delete;
   ~Descriptor() {
     if (number_ >= 0) ::close(number_);
   }
   int get() const { return number_; }
+  void set(int number) { number_ = number; }
   bool isOpen() const { return number_ >= 0; }
   /// A delayed write may fail as late as here.
   bool close() { return ::close(std::exchange(number_, -1)) == 0; }
@@ -63,6 +62,18 @@ bool isUnchanged(const struct stat& before, const FileURL& url) {
          now.st_mtim.tv_nsec == before.st_mtim.tv_nsec;
 }
 
+/// Whether both are regular files, not one file under two names, with the same date of writing and the same bytes.
+bool isWholeCopy(const FileURL& from, const FileURL& to) {
+  struct stat one {
+  }, other{};
+  if (::lstat(from.c_str(), &one) != 0 || ::lstat(to.c_str(), &other) != 0) return false;
+  const bool isAlike = S_ISREG(one.st_mode) && S_ISREG(other.st_mode) && one.st_size == other.st_size &&
+                       one.st_mtim.tv_sec == other.st_mtim.tv_sec && one.st_mtim.tv_nsec == other.st_mtim.tv_nsec;
+  if (!isAlike || (one.st_dev == other.st_dev && one.st_ino == other.st_ino)) return false;
+  const auto bytes = readFileItself(from, one.st_size);
+  return bytes && bytes == readFileItself(to, one.st_size);
+}
+
 /// Whether an open file still has a name somewhere; nullopt where the disk does not say.
 std::optional<bool> hasName(const Descriptor& file) {
   struct statx status {};
@@ -70,65 +81,47 @@ std::optional<bool> hasName(const Descriptor& file) {
   return status.stx_nlink > 0;
 }
 
-/// A copy in a folder, with no name of its own until it is whole: one that is given up, or that a killed program
-/// leaves, is nowhere. Where a file system cannot make such files, the copy has a hidden name meanwhile.
-class NamelessCopy {
+/// A copy in the making. Where the file system can, it has no name until it is whole: then nothing is left of it when
+/// the program is killed. Elsewhere it has a hidden one, which `finishMove` knows.
+class Copy {
  public:
-  explicit NamelessCopy(const FileURL& folder) : file_(::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600)) {
+  explicit Copy(const FileURL& folder)
+      : file_(::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, S_IRUSR | S_IWUSR)) {
     if (file_.isOpen()) return;
-    removeLeft(folder);
-    hidden_ = folder.appending(".quillmere-XXXXXX").path();
-    file_ = Descriptor(::mkostemp(hidden_.data(), O_CLOEXEC));
-    const int error = errno;
-    ::flock(file_.get(), LOCK_EX | LOCK_NB);
-    errno = error;
+    temporary_ = folder.appending(std::string(kCopyPrefix).append("XXXXXX")).path();
+    file_.set(::mkostemp(temporary_.data(), O_CLOEXEC));
+    if (!file_.isOpen()) temporary_.clear();
   }
-  NamelessCopy(const NamelessCopy&) = delete;
-  NamelessCopy& operator=(const NamelessCopy&) = delete;
-  ~NamelessCopy() {
-    if (!hidden_.empty()) ::unlink(hidden_.c_str());
+  Copy(const Copy&) = delete;
+  Copy& operator=(const Copy&) = delete;
+  ~Copy() {
+    if (!temporary_.empty()) ::unlink(temporary_.c_str());
   }
-
-  Descriptor& file() { return file_; }
-  /// Gives 0 or the error number.
-  int name(const FileURL& to) {
-    if (!hidden_.empty()) {
-      // A delayed write may fail as late as at closing.
+  int get() const { return file_.get(); }
+  bool isOpen() const { return file_.isOpen(); }
+  /// Gives 0 or the error number; the copy is gone then.
+  int takeName(const FileURL& name) {
+    if (!temporary_.empty()) {
       if (!file_.close()) return errno;
-      const int error = renameWithoutReplacing(FileURL::fromPath(hidden_), to);
-      if (error == 0) hidden_.clear();
+      const int error = renameWithoutReplacing(FileURL::fromPath(temporary_), name);
+      if (error == 0) temporary_.clear();
       return error;
     }
     const std::string open = "/proc/self/fd/" + std::to_string(file_.get());
-    if (::linkat(AT_FDCWD, open.c_str(), AT_FDCWD, to.c_str(), AT_SYMLINK_FOLLOW) != 0) return errno;
-    return 0;
+    if (::linkat(AT_FDCWD, open.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) != 0) return errno;
+    if (file_.close()) return 0;
+    const int error = errno;
+    ::unlink(name.c_str());
+    return error;
   }
 
  private:
-  static constexpr std::string_view kHidden = ".quillmere-";
-  /// What a killed program left: nobody holds its lock any more.
-  static void removeLeft(const FileURL& folder) {
-    std::vector<std::string> left;
-    listDirectory(folder, [&](int, const char* name, EntryKind) {
-      const std::string_view view(name);
-      if (view.starts_with(kHidden) && view.size() == kHidden.size() + 6) left.emplace_back(name);
-    });
-    for (const std::string& name : left) {
-      const FileURL url = folder.appending(name);
-      const Descriptor file(::open(url.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-      struct stat status {};
-      const bool isOurs =
-          file.isOpen() && ::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == ::geteuid();
-      if (isOurs && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0) ::unlink(url.c_str());
-    }
-  }
-
-  std::string hidden_;  // empty where the copy has no name
   Descriptor file_;
+  std::string temporary_;  ///< its path, if it has a name
 };
 
 /// Fills the open copy. Gives 0 or the error number.
-int copyWhole(const Descriptor& source, const struct stat& status, const Descriptor& copy) {
+int copyWhole(const Descriptor& source, const struct stat& status, const Copy& copy) {
   errno = 0;
   if (!copyBytes(source.get(), 0, status.st_size, copy.get())) return errno != 0 ? errno : EIO;
   copyTags(source.get(), copy.get());
@@ -136,14 +129,6 @@ int copyWhole(const Descriptor& source, const struct stat& status, const Descrip
   const timespec dates[2] = {status.st_atim, status.st_mtim};
   ::futimens(copy.get(), dates);
   return ::fsync(copy.get()) == 0 ? 0 : errno;
-}
-
-/// Gives 0 or the error number.
-int copyWithoutReplacing(const Descriptor& source, const struct stat& status, const FileURL& from, const FileURL& to) {
-  NamelessCopy copy(to.parent());
-  if (!copy.file().isOpen()) return errno;
-  if (const int error = copyWhole(source, status, copy.file())) return error;
-  return isUnchanged(status, from) ? copy.name(to) : EBUSY;
 }
 
 }  // namespace
@@ -176,20 +161,39 @@ int moveAcrossDisks(const FileURL& from, const FileURL& to) {
   if (!S_ISREG(status.st_mode)) return EXDEV;
   if (fileStatus(to)) return EEXIST;
 
-  const int error = copyWithoutReplacing(source, status, from, to);
+  Copy copy(to.parent());
+  if (!copy.isOpen()) return errno;
+  int error = copyWhole(source, status, copy);
+  if (error == 0 && !isUnchanged(status, from)) error = EBUSY;
+  if (error == 0) error = copy.takeName(to);
   if (error != 0) return error;
   // The copy's name is safe before the original goes. That may take seconds, in which someone may save the original or
   // take it away: the copy is one too many only where the original is known to be.
   flushFolder(to.parent());
-  int failure = EBUSY;
   if (isUnchanged(status, from)) {
     if (::unlink(from.c_str()) == 0) return 0;
-    failure = errno;
+    error = errno;
+  } else {
+    error = EBUSY;
   }
   const auto isThere = hasName(source);
   if (isThere && !*isThere) return 0;
   if (isThere || isUnchanged(status, from)) ::unlink(to.c_str());
-  return failure;
+  return error;
+}
+
+void finishMove(const FileURL& from, const FileURL& to) {
+  const FileURL folder = to.parent();
+  std::vector<FileURL> remains;
+  listDirectory(folder, [&](int, const char* name, EntryKind kind) {
+    const bool isCopy = kind != EntryKind::notRegular && std::string_view(name).starts_with(kCopyPrefix);
+    if (isCopy) remains.push_back(folder.appending(name));
+  });
+  for (const FileURL& one : remains) ::unlink(one.c_str());
+  struct stat original {};
+  if (::lstat(from.c_str(), &original) != 0 || !isWholeCopy(from, to)) return;
+  flushFolder(folder);
+  if (isUnchanged(original, from)) ::unlink(from.c_str());
 }
 
 }  // namespace quillmere

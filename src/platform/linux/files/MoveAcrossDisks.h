@@ -12,5 +12,8 @@ int renameWithoutReplacing(const FileURL& from, const FileURL& to);
 /// old file goes. Nothing is replaced; a failure leaves the old file alone and nothing beside it. Gives 0 or the error
 /// number.
 int moveAcrossDisks(const FileURL& from, const FileURL& to);
+/// After such a move was cut off: removes what was to become the copy. Where the copy is whole the old file goes. No
+/// move may be under way.
+void finishMove(const FileURL& from, const FileURL& to);
 
 }  // namespace quillmere

@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 #include <sys/xattr.h>
+#include <unistd.h>
 #include <cerrno>
 
 #include "support/Files.h"
@@ -76,6 +77,46 @@ TEST_F(MoveByCopyTest, OnlyARegularFileIsMoved) {
   std::filesystem::create_symlink(picture.path(), from.path());
   EXPECT_EQ(moveAcrossDisks(from, to), ELOOP);
   EXPECT_TRUE(namesIn(to.parent()).empty());
+}
+
+TEST_F(MoveByCopyTest, WhatACutOffMoveLeftUnfinishedIsRemoved) {
+  writeFile(from, "picture");
+  for (const char* name : {".quillmere-moving-a1B2c3", ".quillmere-replacing-1.png", ".other"}) {
+    writeFile(to.parent().appending(name), "text");
+  }
+  std::filesystem::create_directory(to.parent().appending(".quillmere-moving-folder").path());
+  finishMove(from, to);
+  EXPECT_EQ(namesIn(to.parent()),
+            (std::vector<std::string>{".other", ".quillmere-moving-folder", ".quillmere-replacing-1.png"}));
+  EXPECT_EQ(readBytes(from), "picture");
+}
+
+TEST_F(MoveByCopyTest, WhereTheCopyIsWholeTheOldFileGoes) {
+  for (const FileURL& file : {from, to}) {
+    writeFile(file, "picture");
+    testing::setModified(file, Date{500000000.25});
+  }
+  finishMove(from, to);
+  EXPECT_FALSE(std::filesystem::exists(from.path()));
+  EXPECT_EQ(readBytes(to), "picture");
+}
+
+TEST_F(MoveByCopyTest, AFileThatIsNoWholeCopyMakesNoneGo) {
+  const auto expectBoth = [&] {
+    finishMove(from, to);
+    EXPECT_TRUE(std::filesystem::exists(from.path()) && std::filesystem::exists(to.path()));
+  };
+  writeFile(from, "picture");
+  writeFile(to, "another");
+  testing::setModified(from, Date{500000000.25});
+  testing::setModified(to, Date{500000000.25});
+  expectBoth();
+  writeFile(to, "picture");
+  testing::setModified(to, Date{500000001.25});
+  expectBoth();
+  std::filesystem::remove(to.path());
+  ASSERT_EQ(::link(from.c_str(), to.c_str()), 0);
+  expectBoth();
 }
 
 }  // namespace
