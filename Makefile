@@ -8,7 +8,7 @@ SOURCES = $$(find src tests benchmarks fuzz tools packaging -name '*.cpp' -o -na
 PREFIX = /usr/local
 BUILD = cmake --build build -j $(JOBS) --target
 
-.PHONY: build run install uninstall pictures test mutants bench fuzz format lint
+.PHONY: build run install uninstall pictures test mutants kills power-cuts bench fuzz format lint
 
 build: build/build.ninja
 	$(BUILD) quillmere
@@ -60,6 +60,14 @@ fuzz:
 	cmake --preset fuzz
 	cmake --build build/fuzz -j $(JOBS)
 	tools/fuzz
+
+# The program is killed, or loses the power of its disks, so many times; with SEED what a former campaign played.
+kills power-cuts: COUNT = 2000
+kills power-cuts:
+	tools/setup test
+	cmake --preset release -DQUILLMERE_TESTS=ON
+	$(BUILD) crash_burst
+	/usr/bin/python3 -B tests/crashes/$(subst -,_,$@).py $(COUNT) $(SEED)
 
 format:
 	clang-format -i $(SOURCES)
