@@ -5,6 +5,7 @@
 #include <unistd.h>
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <vector>
 
 #include "foundation/SystemFiles.h"
@@ -40,6 +41,46 @@ bool flushFile(const FileURL& file) {
 
 bool flushFolder(const FileURL& folder) {
   return flushOpened(folder, O_DIRECTORY);
+}
+
+namespace {
+
+FileURL targetOf(const FileURL& file) {
+  return file.resolvingSymlinks().value_or(file);
+}
+FileURL unfinished(const FileURL& target) {
+  return target.parent().appending(target.lastPathComponent() + ".saving");
+}
+
+bool writeNew(const FileURL& file, std::string_view bytes, mode_t mode) {
+  constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
+  const auto descriptor = static_cast<int>(TEMP_FAILURE_RETRY(::open(file.c_str(), kFlags, S_IRUSR | S_IWUSR)));
+  if (descriptor < 0) return false;
+  const bool isWritten = writeAll(descriptor, bytes.data(), bytes.size()) && ::fchmod(descriptor, mode) == 0 &&
+                         TEMP_FAILURE_RETRY(::fsync(descriptor)) == 0;
+  ::close(descriptor);
+  return isWritten;
+}
+
+}  // namespace
+
+bool replaceFile(const FileURL& file, std::string_view bytes) {
+  constexpr mode_t kPermissions = 0777;
+  const FileURL target = targetOf(file);
+  const FileURL fresh = unfinished(target);
+  std::error_code ignored;  // a folder that cannot be made shows when the file is opened
+  std::filesystem::create_directories(target.parent().path(), ignored);
+  ::unlink(fresh.c_str());
+  struct stat status {};
+  const bool isThere = ::stat(target.c_str(), &status) == 0;
+  const bool isReplaced = writeNew(fresh, bytes, isThere ? status.st_mode & kPermissions : S_IRUSR | S_IWUSR) &&
+                          TEMP_FAILURE_RETRY(::rename(fresh.c_str(), target.c_str())) == 0;
+  if (!isReplaced) ::unlink(fresh.c_str());
+  return isReplaced && flushFolder(target.parent());
+}
+
+void removeUnfinished(const FileURL& file) {
+  ::unlink(unfinished(targetOf(file)).c_str());
 }
 
 bool copyBytes(int from, int64_t offset, int64_t length, int to) {

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "foundation/FileURL.h"
 
@@ -16,6 +17,13 @@ CopyResult copyFile(const FileURL& source, const FileURL& destination);
 /// Copies a file into a folder under a name that is free: "<stem>.json", else with "-2" to "-100" behind the stem.
 /// Gives the copy's place, or none.
 std::optional<FileURL> copyAside(const FileURL& source, const FileURL& folder, const std::string& stem);
+
+/// Writes a small file in one piece: beside it as "<name>.saving", flushed, renamed over it, the folder flushed. After
+/// a crash or a power cut the old or the new bytes stand there whole. A file that is a symbolic link stays one, and one
+/// that is there keeps its permissions; a new one is its owner's alone. Folders are made where they are missing.
+bool replaceFile(const FileURL& file, std::string_view bytes);
+/// Removes what a replacement that was cut off has left beside the file.
+void removeUnfinished(const FileURL& file);
 
 /// Copies a range of bytes between two open files by the kernel where it can, else through memory. `to` is written at
 /// its present position. False on any failure, a source that ends early included.

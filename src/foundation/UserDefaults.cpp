@@ -1,12 +1,6 @@
 #include "foundation/UserDefaults.h"
 
-#include <QtCore/QFile>
-#include <QtCore/QIODevice>
 #include <QtCore/QJsonDocument>
-#include <QtCore/QJsonObject>
-#include <QtCore/QSaveFile>
-#include <QtCore/QSettings>
-#include <QtCore/QVariant>
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -17,22 +11,15 @@
 namespace quillmere {
 namespace {
 
-bool readJson(QIODevice& device, QSettings::SettingsMap& map) {
-  const auto document = QJsonDocument::fromJson(device.readAll());
-  // A file that is not an object reads as no settings: unreadable values give defaults, never an error.
-  map = document.object().toVariantMap();
-  return true;
+/// None for what is no object: unreadable values give defaults, never an error.
+std::optional<QJsonObject> readObject(const FileURL& file) {
+  const auto bytes = readFile(file);
+  const auto document = bytes ? QJsonDocument::fromJson(QByteArray::fromStdString(*bytes)) : QJsonDocument();
+  return document.isObject() ? std::optional(document.object()) : std::nullopt;
 }
 
-bool writeJson(QIODevice& device, const QSettings::SettingsMap& map) {
-  const QByteArray bytes = QJsonDocument(QJsonObject::fromVariantMap(map)).toJson(QJsonDocument::Indented);
-  return device.write(bytes) == bytes.size();
-}
-
-QSettings::Format jsonFormat() {
-  static const QSettings::Format format =
-      QSettings::registerFormat(QStringLiteral("json"), readJson, writeJson, Qt::CaseSensitive);
-  return format;
+bool writeObject(const FileURL& file, const QJsonObject& object) {
+  return replaceFile(file, QJsonDocument(object).toJson(QJsonDocument::Indented).toStdString());
 }
 
 /// As they are written: one setting a line.
@@ -48,8 +35,7 @@ QJsonObject settingsIn(const QByteArray& damaged) {
 }
 
 /// One damaged byte must not cost all settings, the chosen folder among them.
-void repair(const QString& path) {
-  const FileURL asked = FileURL::fromPath(path);
+void repair(const FileURL& asked) {
   const FileURL file = asked.resolvingSymlinks().value_or(asked);
   const auto status = fileStatus(file);
   // Reading a named pipe would wait for ever.
@@ -62,31 +48,25 @@ void repair(const QString& path) {
   const QByteArray text = QByteArray::fromStdString(*bytes);
   if (QJsonDocument::fromJson(text).isObject()) return;
   if (!copyAside(file, file.parent(), file.stem() + ".damaged")) return;
-  QSaveFile repaired(QString::fromLocal8Bit(file.c_str()));
-  if (!repaired.open(QIODevice::WriteOnly)) return;
-  repaired.write(QJsonDocument(settingsIn(text)).toJson(QJsonDocument::Indented));
-  repaired.commit();
+  writeObject(file, settingsIn(text));
 }
 
 }  // namespace
 
-UserDefaults::UserDefaults(const QString& filePath) {
-  repair(filePath);
-  settings_ = std::make_unique<QSettings>(filePath, jsonFormat());
+UserDefaults::UserDefaults(const QString& filePath) : file_(FileURL::fromPath(filePath)) {
+  removeUnfinished(file_);
+  repair(file_);
+  values_ = readObject(file_).value_or(QJsonObject());
 }
-UserDefaults::~UserDefaults() = default;
 
 std::optional<bool> UserDefaults::boolean(const QString& key) const {
-  const QVariant value = settings_->value(key);
-  if (value.typeId() != QMetaType::Bool) return std::nullopt;
-  return value.toBool();
+  const QJsonValue value = values_.value(key);
+  return value.isBool() ? std::optional(value.toBool()) : std::nullopt;
 }
 
 std::optional<int> UserDefaults::integer(const QString& key) const {
-  const QVariant value = settings_->value(key);
-  const int type = value.typeId();
-  if (type == QMetaType::Int) return value.toInt();
-  if (type != QMetaType::Double && type != QMetaType::LongLong) return std::nullopt;
+  const QJsonValue value = values_.value(key);
+  if (!value.isDouble()) return std::nullopt;
   const double number = value.toDouble();
   using Limits = std::numeric_limits<int>;
   if (number != std::trunc(number) || number < Limits::min() || number > Limits::max()) return std::nullopt;
@@ -94,9 +74,8 @@ std::optional<int> UserDefaults::integer(const QString& key) const {
 }
 
 std::optional<QString> UserDefaults::text(const QString& key) const {
-  const QVariant value = settings_->value(key);
-  if (value.typeId() != QMetaType::QString) return std::nullopt;
-  return value.toString();
+  const QJsonValue value = values_.value(key);
+  return value.isString() ? std::optional(value.toString()) : std::nullopt;
 }
 
 std::optional<QByteArray> UserDefaults::data(const QString& key) const {
@@ -121,18 +100,18 @@ bool UserDefaults::set(const QString& key, const QByteArray& value) {
 }
 
 void UserDefaults::remove(const QString& key) {
-  settings_->remove(key);
-  settings_->sync();
+  write(key, QJsonValue::Undefined);
 }
 
-bool UserDefaults::write(const QString& key, const QVariant& value) {
-  settings_->setValue(key, value);
-  settings_->sync();
-  QFile::setPermissions(settings_->fileName(), QFile::ReadOwner | QFile::WriteOwner);
-  // Asked of the file: the status of QSettings tells of the first failure for ever.
-  const auto bytes = readFile(FileURL::fromPath(settings_->fileName()));
-  const auto object = bytes ? QJsonDocument::fromJson(QByteArray::fromStdString(*bytes)).object() : QJsonObject();
-  return object.value(key) == QJsonValue::fromVariant(value);
+/// What another program has changed in the file meanwhile is kept.
+bool UserDefaults::write(const QString& key, const QJsonValue& value) {
+  unwritten_[key] = value;
+  if (const auto present = readObject(file_)) values_ = *present;
+  // An undefined value removes its key.
+  for (const auto& [name, change] : unwritten_) values_[name] = change;
+  if (!writeObject(file_, values_)) return false;
+  unwritten_ = {};
+  return true;
 }
 
 }  // namespace quillmere

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <QtCore/QByteArray>
+#include <QtCore/QJsonObject>
 #include <QtCore/QString>
-#include <memory>
+#include <map>
 #include <optional>
 
-class QSettings;
-class QJsonValue;
+#include "foundation/FileURL.h"
 
 namespace quillmere {
 
@@ -18,7 +18,6 @@ namespace quillmere {
 class UserDefaults {
  public:
   explicit UserDefaults(const QString& filePath);
-  ~UserDefaults();
 
   std::optional<bool> boolean(const QString& key) const;
   std::optional<int> integer(const QString& key) const;
@@ -34,8 +33,11 @@ class UserDefaults {
   void remove(const QString& key);
 
  private:
-  bool write(const QString& key, const QVariant& value);
-  std::unique_ptr<QSettings> settings_;
+  bool write(const QString& key, const QJsonValue& value);
+
+  FileURL file_;
+  QJsonObject values_;
+  std::map<QString, QJsonValue> unwritten_;  ///< of writes that failed; undefined where a key was removed
 };
 
 }  // namespace quillmere

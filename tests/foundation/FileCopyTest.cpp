@@ -130,5 +130,52 @@ TEST(FileFlush, IsOfWhatIsThereAndOfItsKind) {
   EXPECT_FALSE(flushFile(folder.file("link")));
 }
 
+class FileReplacingTest : public ::testing::Test {
+ protected:
+  static mode_t modeOf(const FileURL& url) {
+    struct stat status {};
+    EXPECT_EQ(::lstat(url.c_str(), &status), 0);
+    return status.st_mode & 0777;
+  }
+  const TemporaryFolder folder;
+  const FileURL file = folder.file("deep/a.txt");
+};
+
+TEST_F(FileReplacingTest, LeavesTheNewBytesAlone) {
+  EXPECT_TRUE(replaceFile(file, "old"));
+  EXPECT_EQ(modeOf(file), 0600);
+  ASSERT_EQ(::chmod(file.c_str(), 0644), 0);
+  EXPECT_TRUE(replaceFile(file, "new"));
+  EXPECT_EQ(readBytes(file), "new");
+  EXPECT_EQ(modeOf(file), 0644);
+  EXPECT_EQ(namesIn(file.parent()), std::vector<std::string>{"a.txt"});
+}
+
+TEST_F(FileReplacingTest, ALinkStaysOne) {
+  EXPECT_TRUE(replaceFile(file, "old"));
+  const FileURL link = folder.file("link");
+  std::filesystem::create_symlink(file.path(), link.path());
+  EXPECT_TRUE(replaceFile(link, "new"));
+  EXPECT_TRUE(std::filesystem::is_symlink(link.path()));
+  EXPECT_EQ(readBytes(file), "new");
+}
+
+TEST_F(FileReplacingTest, WhatWasLeftUnfinishedIsNoObstacleAndGoes) {
+  EXPECT_TRUE(replaceFile(file, "old"));
+  const FileURL unfinished = folder.file("deep/a.txt.saving");
+  writeFile(unfinished, "ne");
+  EXPECT_TRUE(replaceFile(file, "new"));
+  writeFile(unfinished, "ne");
+  removeUnfinished(file);
+  EXPECT_EQ(namesIn(file.parent()), std::vector<std::string>{"a.txt"});
+  EXPECT_EQ(readBytes(file), "new");
+}
+
+TEST_F(FileReplacingTest, ARefusalLeavesNothing) {
+  std::filesystem::create_directories(file.path());
+  EXPECT_FALSE(replaceFile(file, "new"));
+  EXPECT_EQ(namesIn(file.parent()), std::vector<std::string>{"a.txt"});
+}
+
 }  // namespace
 }  // namespace quillmere

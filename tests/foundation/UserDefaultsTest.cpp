@@ -222,5 +222,38 @@ TEST_F(UserDefaultsTest, AWriteAnswersWhetherItIsOnTheDisk) {
   EXPECT_EQ(json()[key], 8);
 }
 
+TEST_F(UserDefaultsTest, NothingElseIsLeftBesideTheFile) {
+  testing::writeFile(folder.file("settings.json.saving"), "of a write that was cut off");
+  UserDefaults defaults = open();
+  EXPECT_TRUE(testing::namesIn(folder.url()).empty());
+  defaults.set(key, 5);
+  EXPECT_EQ(testing::namesIn(folder.url()), std::vector<std::string>{"settings.json"});
+}
+
+TEST_F(UserDefaultsTest, WhatCouldNotBeWrittenIsWrittenWithTheNext) {
+  UserDefaults defaults = open();
+  const QString removed = QStringLiteral("quillmere.removed");
+  const QString other = QStringLiteral("quillmere.other");
+  defaults.set(removed, 1);
+  const std::string before = testing::readBytes(file);
+  std::filesystem::remove(file.path());
+  std::filesystem::create_directory(file.path());
+  EXPECT_FALSE(defaults.set(key, 7));
+  defaults.remove(removed);
+  EXPECT_EQ(defaults.integer(key), 7);
+  std::filesystem::remove(file.path());
+  write(before);
+  EXPECT_TRUE(defaults.set(other, 8));
+  EXPECT_EQ(json(), (QJsonObject{{key, 7}, {other, 8}}));
+}
+
+TEST_F(UserDefaultsTest, WhatAnotherProgramHasWrittenIsKept) {
+  UserDefaults defaults = open();
+  defaults.set(key, 5);
+  write(R"({"quillmere.theirs":6})");
+  defaults.set(QStringLiteral("quillmere.ours"), 7);
+  EXPECT_EQ(json(), (QJsonObject{{QStringLiteral("quillmere.theirs"), 6}, {QStringLiteral("quillmere.ours"), 7}}));
+}
+
 }  // namespace
 }  // namespace quillmere

@@ -27,7 +27,7 @@ TEST_F(JournalFileTest, WhatWasSavedIsLoaded) {
 
 TEST_F(JournalFileTest, WithoutEntriesThereIsNoFile) {
   ASSERT_TRUE(journal.save({1}));
-  writeFile(home.file("data").appending("journal.json.new"), "of a save that was cut off");
+  writeFile(home.file("data").appending("journal.json.saving"), "of a save that was cut off");
   EXPECT_TRUE(journal.save({}));
   EXPECT_TRUE(namesIn(file.parent()).empty());
   EXPECT_TRUE(journal.save({})) << "there is none already";
