@@ -75,8 +75,11 @@ class Campaign:
         burst.kill()
         burst.wait()
         self.kills += 1
-        with open(self._promises, encoding="utf-8") as file:
-            lines = file.read().splitlines()
+        with open(self._promises, "r+b") as file:
+            whole = file.read().rpartition(b"\n")[0]
+            # What was promised in part was not promised.
+            file.truncate(len(whole) + 1 if whole else 0)
+        lines = whole.decode().splitlines()
         player.world.take(lines[read:])
         return len(lines)
 

@@ -13,7 +13,7 @@ import time
 import urllib.parse
 
 TRASHES = ("data/Trash", ".Trash-0", f".Trash-{os.getuid()}")
-OWN_FILES = {"data/Quillmere": {"screenshots.json"}, "config/Quillmere": {"settings.json", "settings.json.lock"}}
+OWN_FILES = {"data/Quillmere": {"screenshots.json"}, "config/Quillmere": {"settings.json"}}
 
 
 class Lost(Exception):

@@ -17,7 +17,7 @@ import time
 import disks
 from oracle import Lost, expect
 from player import Player
-from recorded_disk import BLOCK, PROMISE, Record, RecordedDisks
+from recorded_disk import BLOCK, FLUSH, PROMISE, Record, RecordedDisks
 
 COUNT = int(sys.argv[1]) if len(sys.argv) > 1 else 80
 SEED = int(sys.argv[2]) if len(sys.argv) > 2 else int(time.time())
@@ -72,10 +72,11 @@ class Session:
         self.record = Record(self._record_file)
 
     def check_cut(self):
-        """At any moment of the burst, also right after a promise, when it is easiest to break."""
+        """At any moment of the burst; more often right after a promise or a flush, when it is easiest to break."""
         entries = self.record.entries
-        promises = [number for number, entry in enumerate(entries) if entry[0] == PROMISE]
-        cut = self._dice.choice(promises) + 1 if self._dice.random() < 0.5 else self._dice.randrange(len(entries) + 1)
+        kind = self._dice.choice([PROMISE, PROMISE, FLUSH, None])
+        moments = [number + 1 for number, entry in enumerate(entries) if kind in (None, entry[0])]
+        cut = self._dice.choice(moments)
         for disk, (base, image) in enumerate(zip(self._bases, self._images)):
             disks.copy_sparsely(base, image)
             with open(image, "r+b") as file:
