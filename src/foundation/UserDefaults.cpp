@@ -3,6 +3,7 @@
 #include <QtCore/QJsonDocument>
 #include <cmath>
 #include <cstdio>
+#include <filesystem>
 #include <limits>
 
 #include "foundation/FileCopy.h"
@@ -10,6 +11,10 @@
 
 namespace quillmere {
 namespace {
+
+constexpr std::filesystem::perms ownerAlone() {
+  return std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
+}
 
 /// None for what is no object: unreadable values give defaults, never an error.
 std::optional<QJsonObject> readObject(const FileURL& file) {
@@ -56,6 +61,9 @@ void repair(const FileURL& asked) {
 UserDefaults::UserDefaults(const QString& filePath) : file_(FileURL::fromPath(filePath)) {
   removeUnfinished(file_);
   repair(file_);
+  // One that an earlier version or a person made may be open to others.
+  std::error_code ignored;
+  std::filesystem::permissions(filePath.toStdString(), ownerAlone(), ignored);
   values_ = readObject(file_).value_or(QJsonObject());
 }
 

@@ -121,7 +121,7 @@ class CrashedProgram {
 
   const Date launched_ = clock();
   const ApplicationPaths paths_ = ApplicationPaths::standard();
-  RunMarker marker_{paths_.runMarker, paths_.recordList};
+  RunMarker marker_{paths_.runMarker, paths_.recordList, launched_};
   SystemEvents systemEvents_;
   UserDefaults defaults_{paths_.settings};
   MountTable mounts_{nullptr};

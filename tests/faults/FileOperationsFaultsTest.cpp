@@ -250,31 +250,6 @@ TEST(PlainRenameFaults, MovesWhereTheNameIsFree) {
   EXPECT_EQ(scene.picture(kMove).copies, std::vector{Place::newName});
 }
 
-TEST(MoveAcrossDisksFaults, WhereACopyMustHaveANameWhatAKilledMoveLeavesGoesWithTheNextOne) {
-  size_t parts = 0;
-  for (size_t number = 1;; ++number) {
-    Scene scene;
-    const auto move = [&](size_t endAt) {
-      FaultyCalls faults(privateHome());
-      faults.failEvery(Call::rename, EXDEV, scene.oldPlace.lastPathComponent());
-      faults.failOnly(Call::open, 2, EOPNOTSUPP);
-      if (endAt > 0) faults.endProcess(endAt, Moment::after);
-      return scene.files.move(scene.oldPlace, scene.placeOnOtherDisk);
-    };
-    const int code = exitCodeOfChild([&] { return move(number) == FileOutcome::done ? 0 : 1; });
-    if (code == 0) break;
-    ASSERT_EQ(code, FaultyCalls::kEnded);
-    const auto left = namesIn(scene.otherDisk);
-    if (left.empty() || left.front() == "Invoice.png") continue;
-    ++parts;
-    EXPECT_TRUE(left.front().starts_with(".quillmere-")) << left.front();
-    EXPECT_EQ(move(0), FileOutcome::done);
-    EXPECT_EQ(namesIn(scene.otherDisk), std::vector<std::string>{"Invoice.png"});
-    EXPECT_EQ(readBytes(scene.placeOnOtherDisk), kPicture);
-  }
-  EXPECT_GT(parts, 3u);
-}
-
 TEST(MoveAcrossDisksFaults, OriginalThatWentDespiteARefusalLeavesTheCopy) {
   for (const int error : {EIO, ENOENT, ETIMEDOUT}) {
     Scene scene;

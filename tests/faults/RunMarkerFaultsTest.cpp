@@ -8,11 +8,13 @@
 namespace quillmere::testing {
 namespace {
 
+constexpr Date kNow{700000000};
+
 TEST(RunMarkerFaults, ItsNameIsFlushedAtOnce) {
   const TemporaryFolder folder;
   const FileURL support = folder.file("support");
   const auto made = callsMade(folder.url(), [&] {
-    const RunMarker marker(support.appending("running"), support.appending("screenshots.json"));
+    const RunMarker marker(support.appending("running"), support.appending("screenshots.json"), kNow);
     EXPECT_FALSE(marker.isTaken());
   });
   const bool isFlushed = std::any_of(made.begin(), made.end(), [&](const FaultyCalls::Made& one) {
@@ -26,8 +28,8 @@ TEST(RunMarkerFaults, OneThatCannotBeFlushedHoldsAllTheSame) {
   const FileURL support = folder.file("support");
   FaultyCalls faults(folder.url());
   faults.failEvery(Call::flush, EIO);
-  const RunMarker marker(support.appending("running"), support.appending("screenshots.json"));
-  const RunMarker second(support.appending("running"), support.appending("screenshots.json"));
+  const RunMarker marker(support.appending("running"), support.appending("screenshots.json"), kNow);
+  const RunMarker second(support.appending("running"), support.appending("screenshots.json"), kNow);
   EXPECT_FALSE(marker.isTaken());
   EXPECT_TRUE(second.isTaken());
 }

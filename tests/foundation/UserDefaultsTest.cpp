@@ -4,6 +4,7 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
+#include <filesystem>
 #include <limits>
 
 #include "support/Files.h"
@@ -220,6 +221,18 @@ TEST_F(UserDefaultsTest, AWriteAnswersWhetherItIsOnTheDisk) {
   std::filesystem::remove(file.path());
   EXPECT_TRUE(defaults.set(key, 8)) << "it can be written again";
   EXPECT_EQ(json()[key], 8);
+}
+
+TEST_F(UserDefaultsTest, OnlyTheirOwnerCanReadThem) {
+  const auto isPrivate = [&] {
+    return std::filesystem::status(file.path()).permissions() ==
+           (std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+  };
+  open().set(key, true);
+  EXPECT_TRUE(isPrivate());
+  std::filesystem::permissions(file.path(), std::filesystem::perms::all);
+  open();
+  EXPECT_TRUE(isPrivate()) << "as an earlier version may have left them";
 }
 
 TEST_F(UserDefaultsTest, NothingElseIsLeftBesideTheFile) {
