@@ -8,6 +8,7 @@
 #include "foundation/FileStatus.h"
 
 namespace quillmere {
+
 QJsonArray JournalFile::load() const {
   const auto text = readFile(file_);
   return text ? QJsonDocument::fromJson(QByteArray::fromStdString(*text)).array() : QJsonArray();
