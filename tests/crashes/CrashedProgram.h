@@ -50,6 +50,8 @@ class CrashedProgram {
   /// Longer than a file takes to become Temporary, and to be thrown away.
   void letTimePass() { executor.advance(seconds(70)); }
   Date now() const { return launched_ + advanced(); }
+  /// By how much the program's time is ahead of the files'.
+  double advanced() const { return std::chrono::duration<double>(executor.instant().time_since_epoch()).count(); }
   bool isSaved() const { return model->isSaved() && !model->hasPendingSave() && !model->isReconciling(); }
 
   CallLog log;
@@ -57,8 +59,6 @@ class CrashedProgram {
   FakePresenter presenter{log};
 
  private:
-  /// By how much the program's time is ahead of the files'.
-  double advanced() const { return std::chrono::duration<double>(executor.instant().time_since_epoch()).count(); }
   static Date clock() {
     timespec now{};
     ::clock_gettime(CLOCK_REALTIME, &now);

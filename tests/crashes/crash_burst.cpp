@@ -128,11 +128,20 @@ class Burst {
     const FileURL staging = shots_.parent().appending("staging");
     promises_.write({{"capturing", Promises::path(place)}, {"whole", hashOf(*whole)}, {"crop", hashOf(*crop)}});
     const int file = ::open(staging.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    const bool isWritten = writeAll(file, whole->constData(), static_cast<size_t>(whole->size())) &&
+    const bool isWritten = writeAll(file, whole->constData(), static_cast<size_t>(whole->size())) && isDatedNow(file) &&
                            ::fsync(file) == 0 && ::close(file) == 0 && ::rename(staging.c_str(), place.c_str()) == 0 &&
                            flushFolder(shots_) && flushFolder(staging.parent());
     if (!isWritten) std::abort();
     promises_.write({{"captured", Promises::path(place)}});
+  }
+
+  /// In the program's time, or it would be a copy that kept its old date.
+  bool isDatedNow(int file) const {
+    timespec date{};
+    ::clock_gettime(CLOCK_REALTIME, &date);
+    date.tv_sec += static_cast<time_t>(program_.advanced());
+    const timespec dates[2] = {date, date};
+    return ::futimens(file, dates) == 0;
   }
 
   void keep() {
