@@ -8,7 +8,7 @@ SOURCES = $$(find src tests benchmarks fuzz tools packaging -name '*.cpp' -o -na
 PREFIX = /usr/local
 BUILD = cmake --build build -j $(JOBS) --target
 
-.PHONY: build run install uninstall pictures test mutants kills power-cuts bench fuzz format lint
+.PHONY: build run install uninstall pictures test mutants kills power-cuts soak sanitize bench fuzz format lint
 
 build: build/build.ninja
 	$(BUILD) quillmere
@@ -68,6 +68,18 @@ kills power-cuts:
 	cmake --preset release -DQUILLMERE_TESTS=ON
 	$(BUILD) crash_burst
 	/usr/bin/python3 -B tests/crashes/$(subst -,_,$@).py $(COUNT) $(SEED)
+
+# In memory, where there is some: what is looked for grows in the program, not on the disk.
+soak: CAPTURES = 100000
+soak:
+	tools/setup test
+	cmake --preset release -DQUILLMERE_TESTS=ON
+	$(BUILD) soak
+	TMPDIR=$$(test -w /dev/shm && echo /dev/shm || echo /tmp) build/soak $(CAPTURES)
+
+sanitize:
+	tools/setup test
+	tools/sanitize
 
 format:
 	clang-format -i $(SOURCES)

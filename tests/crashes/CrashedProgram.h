@@ -52,6 +52,14 @@ class CrashedProgram {
   Date now() const { return launched_ + advanced(); }
   /// By how much the program's time is ahead of the files'.
   double advanced() const { return std::chrono::duration<double>(executor.instant().time_since_epoch()).count(); }
+  /// What the fakes remember of it.
+  void forgetCalls() {
+    log.clear();
+    presenter.presented.clear();
+    announcer_.said.clear();
+    analyzer_.described.clear();
+    analyzer_.read.clear();
+  }
   bool isSaved() const { return model->isSaved() && !model->hasPendingSave() && !model->isReconciling(); }
 
   CallLog log;

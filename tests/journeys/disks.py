@@ -15,15 +15,15 @@ class Disk:
     """A file system of its own where removable disks are. Its mounts end with the process of the journey, however
     that ends."""
 
-    def __init__(self, desktop):
+    def __init__(self, desktop, make=("mkfs.ext4", "-q"), megabytes=16):
         libc = ctypes.CDLL(None, use_errno=True)
         expect("this process has its own mounts", libc.unshare(_CLONE_NEWNS) == 0)
         self._run("mount", "--make-rprivate", "/")
         self._run("mount", "-t", "tmpfs", "none", "/media")
         self._image = os.path.join(desktop.scratch, "disk.img")
         with open(self._image, "wb") as file:
-            file.truncate(16 << 20)
-        self._run("mkfs.ext4", "-q", self._image)
+            file.truncate(megabytes << 20)
+        self._run(*make, self._image)
         self.point = os.path.join("/media", "someone", "DISK")
 
     def _run(self, *command):
