@@ -6,6 +6,9 @@
 //
 // ELSEWHERE is a folder on the disk of SHOTS, OTHER is on another disk. The home is that of the environment.
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <QtCore/QCryptographicHash>
 #include <algorithm>
 #include <cstring>

@@ -3,6 +3,9 @@
 //
 //   soak CAPTURES        with the home of the environment, which it fills and empties
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <cstdio>
 #include <filesystem>
 #include <iterator>

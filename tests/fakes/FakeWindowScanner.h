@@ -10,6 +10,14 @@ namespace quillmere::testing {
 /// Leaves every scan open until the test answers it.
 class FakeWindowScanner {
  public:
+  FakeWindowScanner() = default;
+  FakeWindowScanner(const FakeWindowScanner&) = delete;
+  FakeWindowScanner& operator=(const FakeWindowScanner&) = delete;
+  /// What was never answered ends with it: a scan that is open and its call hold each other.
+  ~FakeWindowScanner() {
+    for (const auto& call : calls) std::exchange(call->waiter, nullptr).reset();
+  }
+
   using Outcome = Result<ImageOperations::WindowScan, ImageOperations::OperationError>;
   struct Call {
     FileURL url;
