@@ -11,7 +11,7 @@ from harness import expect, hold_for, run_side_by_side, wait_until
 from steps import TrashEntry
 
 # Characters that a URL and a .trashinfo must code, in a name of a capture tool's shape.
-NAME = "Bildschirmfoto ä%20 #;'& vom 2026-01-02 03-04-05.png"
+NAME = datetime.datetime.now().strftime("%Y-%m-%d-030405_ä%%20 #;'&_scrot.png")
 MINUTE, SLACK = 60, 30
 
 
