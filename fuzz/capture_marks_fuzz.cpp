@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/linux/capture/CaptureMarks.h"
+#include "platform/linux/capture/CaptureNames.h"
 
 using namespace quillmere;
 
@@ -13,7 +14,7 @@ using namespace quillmere;
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string input(reinterpret_cast<const char*>(data), size);
   const auto newline = input.find('\n');
-  CaptureMarks::isCaptureName(input.substr(0, std::min(newline, size_t{255})));
+  CaptureName::of(input.substr(0, std::min(newline, size_t{255})));
   if (newline == std::string::npos) return 0;
   const int descriptor = ::memfd_create("capture", 0);
   const std::string content = input.substr(newline + 1);
