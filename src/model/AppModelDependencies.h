@@ -156,8 +156,10 @@ struct AppModelDependencies {
   std::function<bool(const FileURL&)> isInTrash;                            ///< any thread
   std::function<std::optional<FileIdentity>(const FileURL&)> fileIdentity;  ///< any thread
   std::function<bool(const FileURL&)> isFolderReachable;                    ///< any thread
-  std::function<bool(const FileURL&)> isDataless;                           ///< any thread
-  std::function<bool(const FileURL&)> isUbiquitous;                         ///< any thread
+  /// Whether the folder's disk keeps of its files what tells them apart for good.
+  std::function<bool(const FileURL&)> keepsIdentities = [](const FileURL&) { return true; };
+  std::function<bool(const FileURL&)> isDataless;    ///< any thread
+  std::function<bool(const FileURL&)> isUbiquitous;  ///< any thread
   /// Asks the sync client for the file's data; answers whether it took the request.
   std::function<bool(const FileURL&)> startDownload;    ///< any thread
   std::function<bool(const FileURL&)> isVolumeMounted;  ///< any thread

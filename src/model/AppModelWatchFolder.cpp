@@ -5,9 +5,7 @@
 namespace quillmere {
 
 bool AppModel::canFollowWatchFolder() const {
-  const auto identity = *watchFolderURL ? dependencies_.fileIdentity(**watchFolderURL) : std::nullopt;
-  if (!identity) return true;
-  return identity->creationDate && identity->volume && isStableVolume(*identity->volume);
+  return !*watchFolderURL || dependencies_.keepsIdentities(**watchFolderURL);
 }
 
 FolderPanelStart AppModel::folderPanelStart(const std::optional<FileURL>& preferred) {

@@ -28,6 +28,7 @@ class ExpiryOnFileSystemsTest : public ::testing::TestWithParam<FileSystem> {
                 MUST(testing::connectDisk(image.path(), disk.path()));
                 LiveModel live(State::temporary, disk.appending("shots"));
                 MUST(live.record()->fileIdentity->creationDate.has_value() == GetParam().hasBirthTimes);
+                MUST(keepsIdentities(disk.appending("shots"), MountTable(nullptr)) == GetParam().hasBirthTimes);
                 return work(live);
               }),
               "");

@@ -92,6 +92,7 @@ AppModelDependencies ModelFixture::dependencies() {
   };
   world.isInTrash = [this](const FileURL& url) { return url.path().starts_with(trash.path() + "/"); };
   world.fileIdentity = [this](const FileURL& url) { return identityOf(url); };
+  world.keepsIdentities = [this](const FileURL&) { return keepsIdentities; };
   world.isFolderReachable = [this](const FileURL& url) {
     return !unreachableFolders.contains(url.path()) && isReadableDirectory(url);
   };

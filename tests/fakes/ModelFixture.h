@@ -124,6 +124,7 @@ class ModelFixture : public ::testing::Test {
   FakeScreenshotLocation location;
   FakeAnnouncer announcer{log};
   FakeAnalyzer analyzer;
+  bool keepsIdentities = true;
   FakePasteboard pasteboard;
   FakeWindowScanner scanner;
 

@@ -128,6 +128,7 @@ AppModelDependencies LiveServices::dependencies(const ApplicationPaths& paths) {
   dependencies.timeZone = [] { return QTimeZone::systemTimeZone(); };
   dependencies.isInTrash = [this](const FileURL& url) { return isInTrash(url, mounts); };
   dependencies.fileIdentity = [this](const FileURL& url) { return liveFileIdentity(url, mounts); };
+  dependencies.keepsIdentities = [this](const FileURL& folder) { return keepsIdentities(folder, mounts); };
   dependencies.isFolderReachable = [this](const FileURL& url) { return isFolderReachable(url); };
   dependencies.isDataless = &CloudFiles::isDataless;
   dependencies.isUbiquitous = [](const FileURL& url) { return CloudFiles::isSynced(url.parent()); };

@@ -16,4 +16,11 @@ std::optional<FileIdentity> liveFileIdentity(const FileURL& url, const MountTabl
   return identity;
 }
 
+bool keepsIdentities(const FileURL& folder, const MountTable& mounts) {
+  const auto status = fileStatus(folder);
+  if (!status) return true;
+  const auto volume = mounts.volume(folder);
+  return status->created && volume && isStableVolume(*volume);
+}
+
 }  // namespace quillmere

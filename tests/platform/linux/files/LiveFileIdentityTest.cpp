@@ -43,6 +43,11 @@ TEST_F(LiveFileIdentityTest, ChangesWithTheLength) {
   EXPECT_FALSE(before->isSameFile(*identity(file)));
 }
 
+TEST_F(LiveFileIdentityTest, OfAFolderThatCannotBeLookedAtNothingIsSaid) {
+  EXPECT_TRUE(keepsIdentities(folder.file("absent"), mounts));
+  EXPECT_FALSE(keepsIdentities(FileURL::fromPath("/proc"), mounts)) << "neither birth times nor a name";
+}
+
 TEST_F(LiveFileIdentityTest, OnlyARegularFileHasOne) {
   const FileURL link = folder.file("link.png");
   ASSERT_EQ(::symlink(file.c_str(), link.c_str()), 0);
