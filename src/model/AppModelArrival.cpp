@@ -6,6 +6,11 @@ namespace quillmere {
 void AppModel::record(const FileURL& url, Origin origin) {
   const bool arrivedFromElsewhere = origin == Origin::elsewhere;
   const auto identity = dependencies_.fileIdentity(url);
+  // Thrown away since it was looked at.
+  if (!identity && isAbsent(url) && !dependencies_.isDataless(url)) {
+    dependencies_.monitor->noteUnknown(url);
+    return;
+  }
   const auto known = recordIndex().atPath(pathKeyOf(url));
   if (known && !hasLeft(*known, identity)) {
     // A run that found the old file gone before this one came must not take the record away.

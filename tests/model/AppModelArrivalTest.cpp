@@ -11,6 +11,15 @@ class AppModelArrival : public ModelFixture {
   void SetUp() override { launchWatching(); }
 };
 
+TEST_F(AppModelArrival, AFileThatIsGoneWhenItIsReportedHasNoRecord) {
+  launchWatching();
+  monitor.onScreenshot(shots.appending("gone.png"));
+  monitor.onArrivedScreenshot(shots.appending("gone.png"));
+  EXPECT_EQ(model->items().size(), 0u);
+  EXPECT_EQ(monitor.unknown, (std::vector{shots.appending("gone.png"), shots.appending("gone.png")}))
+      << "one that comes under the name is new";
+}
+
 TEST_F(AppModelArrival, AScreenshotBecomesAPendingRecordOnTopOfTheList) {
   arrive("before.png");
   captureKinds[shots.appending("shot.png").path()] = CaptureKind::window;
