@@ -1,4 +1,5 @@
 #include <QtCore/QStringList>
+#include <algorithm>
 
 #include "foundation/FileStatus.h"
 #include "foundation/Localized.h"
@@ -62,10 +63,11 @@ void AppModel::adoptReplacement(const UUID& id) {
   const auto index = items_.indexOf(id);
   const auto present = index ? dependencies_.fileIdentity(items_[*index].url) : std::nullopt;
   if (!present) return;
-  bool isAnothers = false;
-  items_.forEach([&](const ScreenshotItem& other) {
-    const bool isThere = other.id != id && other.fileIdentity && other.fileIdentity->isSameFile(*present);
-    isAnothers = isAnothers || (isThere && pathKeyOf(other.url) == pathKeyOf(items_[*index].url));
+  const auto ids = recordIndex().withFileNumber(present->file);
+  const bool isAnothers = std::any_of(ids.begin(), ids.end(), [&](const UUID& other) {
+    const ScreenshotItem* item = other != id ? items_.find(other) : nullptr;
+    return item && item->fileIdentity && item->fileIdentity->isSameFile(*present) &&
+           pathKeyOf(item->url) == pathKeyOf(items_[*index].url);
   });
   // It has its own record. Where this one's file is can only be sought.
   if (isAnothers) {
