@@ -10,9 +10,8 @@
 #include "foundation/ManualExecutor.h"
 #include "monitor/ScreenshotInboxMonitor.h"
 #include "platform/linux/LiveServices.h"
-#include "platform/linux/files/CloudFiles.h"
-#include "platform/linux/files/LiveFileIdentity.h"
 #include "platform/linux/session/RunMarker.h"
+#include "support/LiveFileServices.h"
 
 namespace quillmere::testing {
 
@@ -111,18 +110,7 @@ class CrashedProgram {
     world.systemEvents = &systemEvents_;
     world.now = [this] { return now(); };
     world.timeZone = [] { return QTimeZone::utc(); };
-    world.isInTrash = [this](const FileURL& url) { return isInTrash(url, mounts_); };
-    world.fileIdentity = [this](const FileURL& url) { return liveFileIdentity(url, mounts_); };
-    world.isFolderReachable = [this](const FileURL& url) {
-      return isReadableDirectory(url) && mounts_.isVolumeMounted(url);
-    };
-    world.isDataless = &CloudFiles::isDataless;
-    world.isUbiquitous = [](const FileURL& url) { return CloudFiles::isSynced(url.parent()); };
-    world.startDownload = [](const FileURL&) { return false; };
-    world.isVolumeMounted = [this](const FileURL& url) { return mounts_.isVolumeMounted(url); };
-    world.captureKind = [](const FileURL&) { return std::optional<CaptureKind>(); };
-    world.defaultScreenshotFolder = [] { return std::optional<FileURL>(); };
-    world.spokenReviewShortcut = [] { return std::optional<QString>(); };
+    askFileSystem(world, mounts_);
     world.interruptedSince = marker_.interruptedSince();
     return world;
   }

@@ -13,8 +13,6 @@
 #include "fakes/ModelFakes.h"
 #include "foundation/FileStatus.h"
 #include "foundation/ManualExecutor.h"
-#include "platform/linux/files/CloudFiles.h"
-#include "platform/linux/files/LiveFileIdentity.h"
 #include "platform/linux/files/LiveFileOperations.h"
 #include "platform/linux/files/LiveFolderEventSource.h"
 #include "platform/linux/files/LiveSecurityScopeAccess.h"
@@ -24,6 +22,7 @@
 #include "support/EventLoop.h"
 #include "support/FakeScanServices.h"
 #include "support/Files.h"
+#include "support/LiveFileServices.h"
 #include "support/Records.h"
 #include "support/TemporaryFolder.h"
 
@@ -168,18 +167,7 @@ class LiveModel {
     world.systemEvents = &systemEvents_;
     world.now = [this] { return now(); };
     world.timeZone = [] { return QTimeZone::utc(); };
-    world.isInTrash = [this](const FileURL& url) { return isInTrash(url, *mounts_); };
-    world.fileIdentity = [this](const FileURL& url) { return liveFileIdentity(url, *mounts_); };
-    world.isFolderReachable = [this](const FileURL& url) {
-      return isReadableDirectory(url) && mounts_->isVolumeMounted(url);
-    };
-    world.isDataless = &CloudFiles::isDataless;
-    world.isUbiquitous = [](const FileURL& url) { return CloudFiles::isSynced(url.parent()); };
-    world.startDownload = [](const FileURL&) { return false; };
-    world.isVolumeMounted = [this](const FileURL& url) { return mounts_->isVolumeMounted(url); };
-    world.captureKind = [](const FileURL&) { return std::optional<CaptureKind>(); };
-    world.defaultScreenshotFolder = [] { return std::optional<FileURL>(); };
-    world.spokenReviewShortcut = [] { return std::optional<QString>(); };
+    askFileSystem(world, *mounts_);
     return world;
   }
 
