@@ -169,6 +169,13 @@ void ModelFixture::reportRemoval(const std::vector<FileURL>& urls) {
   executor.drain();
 }
 
+void ModelFixture::moveElsewhere(const FileURL& shot) {
+  moveFile(shot, elsewhere.appending(shot.lastPathComponent()));
+  monitor.movedOut.insert(shot.path());
+  reportRemoval({shot});
+  monitor.movedOut.clear();
+}
+
 void ModelFixture::reconcileAll() {
   model->reconcile({});
   executor.drain();

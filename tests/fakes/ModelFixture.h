@@ -71,6 +71,8 @@ class ModelFixture : public ::testing::Test {
   void connectDisk();
   void report(WatcherStatus status);
   void reportRemoval(const std::vector<FileURL>& urls);
+  /// The screenshot goes to `elsewhere` under its name, and the monitor saw it move, not vanish.
+  void moveElsewhere(const FileURL& shot);
   void reconcileAll();
 
   /// A screenshot is taken into the watched folder, and the monitor tells of it.

@@ -223,9 +223,17 @@ class Desktop:
             return None
 
     def __exit__(self, kind, error, trace):
-        if kind is not None:
+        # A program built with a sanitizer tells what it found here, and may have ended as it should all the same.
+        is_sane = "Sanitizer: " not in self._printed()
+        if kind is not None or not is_sane:
             self._report()
         self._tear_down()
+        if kind is None and not is_sane:
+            raise JourneyFailed("the sanitizer found something")
+
+    def _printed(self):
+        self.errors.seek(0)
+        return self.errors.read()
 
     def _report(self):
         print(f"\n{self.name} failed.", flush=True)
@@ -241,8 +249,7 @@ class Desktop:
         print("The list: " + json.dumps([[item.get("state"), item.get("createdAt"), os.path.basename(path_of(item))]
                                          for item in self.records()],
                                         ensure_ascii=False))
-        self.errors.seek(0)
-        print("What the program printed:\n" + self.errors.read(), flush=True)
+        print("What the program printed:\n" + self._printed(), flush=True)
 
     def _tear_down(self):
         for process in reversed(self._processes):

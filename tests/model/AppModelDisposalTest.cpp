@@ -245,11 +245,7 @@ TEST_F(AppModelDisposal, AFileThatWasReplacedIsAskedAboutAgain) {
 TEST_F(AppModelDisposal, AReplacementThatHasItsOwnRecordIsNotAdopted) {
   const UUID old = arrivePermanent("shot.png");
   const FileURL shot = shots.appending("shot.png");
-  moveFile(shot, elsewhere.appending("shot.png"));
-  monitor.movedOut.insert(shot.path());
-  reportRemoval({shot});
-  executor.drain();
-  monitor.movedOut.clear();
+  moveElsewhere(shot);
   writeFile(shot, "another screenshot");
   identities[shot.path()] = FileIdentity{"volume", 4711, Date{kStart + 50}, 18};
   const UUID other = arrivePermanent("shot.png");

@@ -447,11 +447,7 @@ TEST_F(AppModelReconciliation, AFileThatMovedAwayAndWasWrittenToIsKnownWhenItCom
   launchWatching();
   const UUID id = arrivePermanent("shot.png");
   const FileURL shot = shots.appending("shot.png");
-  moveFile(shot, elsewhere.appending("shot.png"));
-  monitor.movedOut.insert(shot.path());
-  reportRemoval({shot});
-  executor.drain();
-  monitor.movedOut.clear();
+  moveElsewhere(shot);
   const FileURL back = shots.appending("back.png");
   moveFile(elsewhere.appending("shot.png"), back);
   testing::appendToFile(back, "more");
@@ -496,13 +492,9 @@ TEST_F(AppModelReconciliation, AFileThatIsFoundAgainHasNotMovedAway) {
   launchWatching();
   const UUID id = arrivePermanent("shot.png");
   const FileURL shot = shots.appending("shot.png");
-  moveFile(shot, elsewhere.appending("shot.png"));
-  monitor.movedOut.insert(shot.path());
-  reportRemoval({shot});
-  executor.drain();
+  moveElsewhere(shot);
   ASSERT_EQ(item(id).hasMovedAway, true);
   moveFile(elsewhere.appending("shot.png"), shot);
-  monitor.movedOut.clear();
   reconcileAll();
   executor.drain();
   EXPECT_EQ(item(id).hasMovedAway, std::nullopt);

@@ -7,8 +7,26 @@
 #include <algorithm>
 #include <ctime>
 
+#ifdef __SANITIZE_THREAD__
+#include <sanitizer/tsan_interface.h>
+#endif
+
 namespace quillmere {
 namespace {
+
+/// Qt's queues hand work from thread to thread under locks of which the thread sanitizer knows nothing.
+template <typename Work>
+auto handedOver([[maybe_unused]] void* queue, Work work) {
+#ifdef __SANITIZE_THREAD__
+  __tsan_release(queue);
+  return [queue, work = std::move(work)]() mutable {
+    __tsan_acquire(queue);
+    work();
+  };
+#else
+  return work;
+#endif
+}
 
 constexpr int kThreads = 2;
 
@@ -37,7 +55,7 @@ QtExecutor::~QtExecutor() {
 }
 
 void QtExecutor::post(std::function<void()> work) {
-  QMetaObject::invokeMethod(&mainThread_, std::move(work), Qt::QueuedConnection);
+  QMetaObject::invokeMethod(&mainThread_, handedOver(this, std::move(work)), Qt::QueuedConnection);
 }
 
 Executor::DelayID QtExecutor::startDelay(Duration delay, DelayEnd end) {
@@ -61,10 +79,10 @@ void QtExecutor::cancelDelay(DelayID delay) {
 }
 
 void QtExecutor::runInBackground(std::function<void()> work, std::function<void()> done) {
-  pool_.start([this, work = std::move(work), done = std::move(done)]() mutable {
+  pool_.start(handedOver(this, [this, work = std::move(work), done = std::move(done)]() mutable {
     work();
     post(std::move(done));
-  });
+  }));
 }
 
 Instant QtExecutor::instant() const {
