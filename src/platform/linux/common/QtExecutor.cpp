@@ -7,26 +7,8 @@
 #include <algorithm>
 #include <ctime>
 
-#ifdef __SANITIZE_THREAD__
-#include <sanitizer/tsan_interface.h>
-#endif
-
 namespace quillmere {
 namespace {
-
-/// Qt's queues hand work from thread to thread under locks of which the thread sanitizer knows nothing.
-template <typename Work>
-auto handedOver([[maybe_unused]] void* queue, Work work) {
-#ifdef __SANITIZE_THREAD__
-  __tsan_release(queue);
-  return [queue, work = std::move(work)]() mutable {
-    __tsan_acquire(queue);
-    work();
-  };
-#else
-  return work;
-#endif
-}
 
 constexpr int kThreads = 2;
 
@@ -36,6 +18,24 @@ timespec toTimespec(Duration time) {
 }
 
 }  // namespace
+
+void QtExecutor::Queue::push(std::function<void()> work) {
+  const std::lock_guard lock(mutex_);
+  waiting_.push_back(std::move(work));
+}
+
+std::function<void()> QtExecutor::Queue::pop() {
+  const std::lock_guard lock(mutex_);
+  auto work = std::move(waiting_.front());
+  waiting_.pop_front();
+  return work;
+}
+
+bool QtExecutor::MainThread::event(QEvent* event) {
+  if (event->type() != QEvent::User) return QObject::event(event);
+  posted_.pop()();
+  return true;
+}
 
 QtExecutor::QtExecutor() : timer_(::timerfd_create(CLOCK_BOOTTIME, TFD_CLOEXEC | TFD_NONBLOCK)) {
   pool_.setMaxThreadCount(kThreads);
@@ -55,7 +55,8 @@ QtExecutor::~QtExecutor() {
 }
 
 void QtExecutor::post(std::function<void()> work) {
-  QMetaObject::invokeMethod(&mainThread_, handedOver(this, std::move(work)), Qt::QueuedConnection);
+  posted_.push(std::move(work));
+  QCoreApplication::postEvent(&mainThread_, new QEvent(QEvent::User));
 }
 
 Executor::DelayID QtExecutor::startDelay(Duration delay, DelayEnd end) {
@@ -79,10 +80,11 @@ void QtExecutor::cancelDelay(DelayID delay) {
 }
 
 void QtExecutor::runInBackground(std::function<void()> work, std::function<void()> done) {
-  pool_.start(handedOver(this, [this, work = std::move(work), done = std::move(done)]() mutable {
+  background_.push([this, work = std::move(work), done = std::move(done)]() mutable {
     work();
     post(std::move(done));
-  }));
+  });
+  pool_.start([this] { background_.pop()(); });
 }
 
 Instant QtExecutor::instant() const {

@@ -2,8 +2,10 @@
 
 #include <QtCore/QObject>
 #include <QtCore/QThreadPool>
+#include <deque>
 #include <map>
 #include <memory>
+#include <mutex>
 
 #include "foundation/Executor.h"
 
@@ -32,7 +34,30 @@ class QtExecutor final : public Executor {
     DelayID id;
     DelayEnd end;
   };
-  QObject mainThread_;
+  /// Work on its way to another thread. Qt is only told that there is some: an event of its own may be destroyed by the
+  /// thread that sent it, and with it what the work holds of the main thread.
+  class Queue {
+   public:
+    void push(std::function<void()> work);
+    /// There is some.
+    std::function<void()> pop();
+
+   private:
+    std::mutex mutex_;
+    std::deque<std::function<void()>> waiting_;
+  };
+  class MainThread final : public QObject {
+   public:
+    explicit MainThread(Queue& posted) : posted_(posted) {}
+    bool event(QEvent* event) override;
+
+   private:
+    Queue& posted_;
+  };
+
+  Queue posted_;
+  Queue background_;
+  MainThread mainThread_{posted_};
   QThreadPool pool_;
   int timer_ = -1;
   std::unique_ptr<QSocketNotifier> notifier_;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <atomic>
+#include <set>
 #include <thread>
 
 #include "support/EventLoop.h"
@@ -116,6 +117,18 @@ TEST_F(QtExecutorTest, AnyThreadMayPostToTheMainThread) {
   ASSERT_TRUE(end(1));
   poster.join();
   EXPECT_EQ(ranOn, mainThread);
+}
+
+/// What follows background work holds objects of the main thread, which end with it.
+TEST_F(QtExecutorTest, WhatAThreadPostedEndsOnTheMainThread) {
+  constexpr int kRounds = 2000;
+  std::set<std::thread::id> endedOn;
+  for (int i = 0; i < kRounds; ++i) {
+    std::shared_ptr<void> held(nullptr, [&](void*) { endedOn.insert(std::this_thread::get_id()); });
+    executor->runInBackground([] {}, [this, held = std::move(held)] { ended.push_back(1); });
+  }
+  ASSERT_TRUE(end(kRounds));
+  EXPECT_EQ(endedOn, std::set{std::this_thread::get_id()});
 }
 
 TEST_F(QtExecutorTest, BackgroundWorkRunsElsewhereAndReturnsToTheMainThread) {
