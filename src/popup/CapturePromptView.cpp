@@ -21,10 +21,8 @@ namespace {
 constexpr int kPadding = 16;
 constexpr int kRowSpacing = 12;
 
-/// A key that is held decides one screenshot, and not all that come after it.
-bool repeatsDecision(const QKeyEvent& event) {
-  const int key = event.key();
-  return event.isAutoRepeat() && (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape);
+bool isReturn(const QKeyEvent& event) {
+  return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
 }
 
 }  // namespace
@@ -60,7 +58,6 @@ void CapturePromptView::wire() {
     if (content_) model_.startAnalysis(content_->item.id);
   };
   details_->onNameChanged = [this] { reportEdit(); };
-  details_->nameField().installEventFilter(this);
   textActions_->onAction = [this](PictureAction action, QWidget& button) { run(action, button); };
   noticeRow_->onVisibilityChanged = [this] {
     if (onExtraHeightChanged) onExtraHeightChanged();
@@ -84,6 +81,8 @@ void CapturePromptView::orderControls() {
   add({errorBanner_->control()});
   add(actions_->controls());
   for (size_t i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
+  // Return is the card's, and some desktops' themes have it press the button that has the focus.
+  for (QWidget* control : order) control->installEventFilter(this);
 }
 
 // --- What is shown ---
@@ -242,8 +241,7 @@ void CapturePromptView::closePrompt() {
 }
 
 void CapturePromptView::keyPressEvent(QKeyEvent* event) {
-  if (repeatsDecision(*event)) return;
-  if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+  if (isReturn(*event)) {
     if (actions_->canDecide()) chooseTemporary();
   } else if (event->key() == Qt::Key_Escape) {
     closePrompt();
@@ -253,12 +251,12 @@ void CapturePromptView::keyPressEvent(QKeyEvent* event) {
 }
 
 /// The first Escape in the name field undoes typing; the next closes the popup.
-bool CapturePromptView::handleNameKey(int key) {
-  if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+bool CapturePromptView::handleNameKey(const QKeyEvent& event) {
+  if (isReturn(event)) {
     chooseTemporary();
     return true;
   }
-  if (key != Qt::Key_Escape) return false;
+  if (event.key() != Qt::Key_Escape) return false;
   QLineEdit& field = details_->nameField();
   if (field.text() != nameSeed_) {
     field.setText(nameSeed_);
@@ -269,26 +267,28 @@ bool CapturePromptView::handleNameKey(int key) {
 }
 
 bool CapturePromptView::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == &details_->nameField()) {
-    switch (event->type()) {
-      case QEvent::MouseButtonPress:
-        if (onKeyboardWanted) onKeyboardWanted();
-        break;
-      case QEvent::FocusIn:
-      case QEvent::FocusOut:
-        QMetaObject::invokeMethod(
-            this, [this] { reportEdit(); }, Qt::QueuedConnection);
-        break;
-      case QEvent::KeyPress: {
-        const auto& key = static_cast<QKeyEvent&>(*event);
-        if (repeatsDecision(key) || handleNameKey(key.key())) return true;
-        break;
-      }
-      default:
-        break;
-    }
+  if (watched == &details_->nameField()) return handleName(*event);
+  if (event->type() != QEvent::KeyPress) return false;
+  auto& key = static_cast<QKeyEvent&>(*event);
+  if (isReturn(key)) keyPressEvent(&key);
+  return isReturn(key);
+}
+
+bool CapturePromptView::handleName(QEvent& event) {
+  switch (event.type()) {
+    case QEvent::MouseButtonPress:
+      if (onKeyboardWanted) onKeyboardWanted();
+      return false;
+    case QEvent::FocusIn:
+    case QEvent::FocusOut:
+      QMetaObject::invokeMethod(
+          this, [this] { reportEdit(); }, Qt::QueuedConnection);
+      return false;
+    case QEvent::KeyPress:
+      return handleNameKey(static_cast<QKeyEvent&>(event));
+    default:
+      return false;
   }
-  return QWidget::eventFilter(watched, event);
 }
 
 }  // namespace quillmere

@@ -65,7 +65,8 @@ class CapturePromptView final : public QWidget {
   void chooseTemporary();
   void chooseKeep();
   void chooseTrash();
-  bool handleNameKey(int key);
+  bool handleName(QEvent& event);
+  bool handleNameKey(const QKeyEvent& event);
   void toggleExtraction();
   void run(PictureAction action, QWidget& button);
   void copyText();

@@ -141,6 +141,8 @@ class Desktop:
         }
         # What sanitizers and coverage are told from outside reaches the program.
         self.environment.update({key: value for key, value in os.environ.items() if key.endswith("SAN_OPTIONS")})
+        if "QUILLMERE_DESKTOP" in os.environ:
+            self.environment["XDG_CURRENT_DESKTOP"] = os.environ["QUILLMERE_DESKTOP"]
         if self.scale != 1:
             self.environment["QT_SCALE_FACTOR"] = str(self.scale)
         self._start_display()

@@ -31,6 +31,7 @@ TESTED_ELSEWHERE = {
     "platform/linux/appearance/XSettingsAppearance": "Needs an X server with a settings manager: journey.appearance.",
     "platform/linux/panel/X11Display": "Needs an X server: journey.popup_on_window_managers.",
     "platform/linux/panel/X11FullScreenCompanion": "Needs a window manager: journey.popup_on_window_managers.",
+    "platform/linux/panel/X11Keyboard": "Needs an X server: journey.keys.",
     "platform/linux/panel/X11PanelWindowSystem": "Needs a window manager: journey.popup_on_window_managers.",
 }
 

@@ -7,6 +7,7 @@
 #include "model/AppModel.h"
 #include "platform/linux/capture/ScreenCaptureAttributes.h"
 #include "platform/linux/files/CloudFiles.h"
+#include "platform/linux/panel/X11Keyboard.h"
 #include "platform/linux/session/WindowPlatform.h"
 
 namespace quillmere {
@@ -62,7 +63,10 @@ LinuxProcess::LinuxProcess(PlatformRequests requests)
 LinuxPlatform::LinuxPlatform(std::unique_ptr<LinuxProcess> process)
     : process_(std::move(process)),
       services_(process_->paths()),
-      session_(services_.executor, services_.systemEvents) {}
+      heldKeys_(&X11Keyboard::isDown),
+      session_(services_.executor, services_.systemEvents) {
+  X11Keyboard::askForRealReleases();
+}
 
 bool LinuxPlatform::isDataless(const FileURL& url) const {
   return CloudFiles::isDataless(url);

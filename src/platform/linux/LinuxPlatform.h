@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "controls/HeldKeys.h"
 #include "platform/linux/LiveServices.h"
 #include "platform/linux/appearance/DesktopAppearance.h"
 #include "platform/linux/panel/X11PanelWindowSystem.h"
@@ -48,6 +49,7 @@ class LinuxPlatform final : public Platform {
   LiveServices services_;
   std::unique_ptr<DesktopAppearance> appearance_;
   X11PanelWindowSystem windowSystem_;
+  HeldKeys heldKeys_;
   SessionEvents session_;
   Connection modelFollower_;
 };

@@ -2,7 +2,9 @@
 
 #include "foundation/ManualExecutor.h"
 #include "platform/linux/common/QtExecutor.h"
+#include "support/Files.h"
 #include "support/MockBus.h"
+#include "support/TemporaryFolder.h"
 
 namespace quillmere {
 namespace {
@@ -50,6 +52,19 @@ const QString kStatus = QStringLiteral("org.a11y.Status");
 const QString kRegistry = QStringLiteral("org.a11y.atspi.Registry");
 const QString kRegistryPath = QStringLiteral("/org/a11y/atspi/registry");
 
+/// Tells the address of the accessibility bus, and is able to as soon as it has its name.
+constexpr std::string_view kLauncher = R"(
+import os
+BUS_NAME = "org.a11y.Bus"
+MAIN_OBJ = "/org/a11y/bus"
+MAIN_IFACE = BUS_NAME
+SYSTEM_BUS = False
+
+def load(mock, _parameters):
+    mock.AddMethod(MAIN_IFACE, "GetAddress", "", "s", f"ret = '{os.environ['DBUS_SESSION_BUS_ADDRESS']}'")
+    mock.AddProperty("org.a11y.Status", "ScreenReaderEnabled", False)
+)";
+
 /// One mock bus serves as both.
 class ScreenReaderWatchTest : public ::testing::Test {
  protected:
@@ -64,11 +79,8 @@ class ScreenReaderWatchTest : public ::testing::Test {
   }
   void begin() { begin(*executor); }
   std::unique_ptr<MockService> startLauncher() {
-    auto launcher = MockService::bare(bus, kBus, kBusPath, kBus);
-    launcher->addMethod(kBus, QStringLiteral("GetAddress"), QString(), QStringLiteral("s"),
-                        QStringLiteral("ret = '%1'").arg(bus.address()));
-    launcher->addProperty(kStatus, QStringLiteral("ScreenReaderEnabled"), false);
-    return launcher;
+    testing::writeFile(script, kLauncher);
+    return MockService::ofTemplate(bus, script.displayPath(), kBus, kBusPath);
   }
   static void setEnabled(MockService& launcher, bool isEnabled) {
     launcher.setProperties(kBusPath, kStatus, {{QStringLiteral("ScreenReaderEnabled"), isEnabled}});
@@ -94,6 +106,8 @@ class ScreenReaderWatchTest : public ::testing::Test {
     return runLoopUntil([&] { return watch->hearing() == wanted; });
   }
 
+  testing::TemporaryFolder folder;
+  const FileURL script = folder.file("launcher.py");
   MockBus bus;
   std::unique_ptr<QtExecutor> executor = std::make_unique<QtExecutor>();
   std::unique_ptr<ScreenReaderWatch> watch;

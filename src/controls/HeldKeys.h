@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QtCore/QObject>
+#include <functional>
+#include <map>
+
+class QKeyEvent;
+
+namespace quillmere {
+
+/// A key that is held decides once. While it lives, the presses that a window system makes of a held Return, Escape,
+/// Space or Delete reach no window of the program; the next one that counts follows a release. In a text, Space and
+/// Delete repeat as anywhere.
+///
+/// A repeat is one that Qt marks, or a press of a key that was not released since: on X11 Qt marks few of them, and the
+/// platform has to ask the server for real releases only.
+class HeldKeys final : public QObject {
+ public:
+  /// `isDown` tells at the moment whether a key is held, by its native scan code. It is asked when a window gets the
+  /// keyboard: releases while another program had it were not told.
+  explicit HeldKeys(std::function<bool(quint32 scanCode)> isDown = {});
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  bool isRepeat(const QKeyEvent& event);
+  void forgetReleased();
+
+  std::function<bool(quint32)> isDown_;
+  /// When each key that is down was pressed, in Qt's time of events: a press is told twice, once as a shortcut.
+  std::map<quint32, quint64> pressedAt_;
+};
+
+}  // namespace quillmere

@@ -1,0 +1,34 @@
+#include "platform/linux/panel/X11Keyboard.h"
+
+#include <QtGui/qguiapplication_platform.h>
+#include <QtGui/QGuiApplication>
+
+#include "platform/linux/panel/X11Display.h"
+
+// Last: it makes macros of common words.
+#include <X11/XKBlib.h>
+
+namespace quillmere {
+namespace {
+
+const QNativeInterface::QX11Application* x11() {
+  return qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+}
+
+}  // namespace
+
+void X11Keyboard::askForRealReleases() {
+  if (!x11() || !x11()->display()) return;
+  ::XkbSetDetectableAutoRepeat(x11()->display(), 1, nullptr);
+}
+
+bool X11Keyboard::isDown(quint32 keyCode) {
+  if (!x11() || !x11()->connection()) return false;
+  xcb_connection_t* connection = x11()->connection();
+  const auto reply = X11Display::owned(xcb_query_keymap_reply(connection, xcb_query_keymap(connection), nullptr));
+  constexpr quint32 kBits = 8;
+  if (!reply || keyCode / kBits >= sizeof reply->keys) return false;
+  return (reply->keys[keyCode / kBits] >> (keyCode % kBits) & 1) != 0;
+}
+
+}  // namespace quillmere
