@@ -2,6 +2,7 @@
 
 #include <QtWidgets/QMessageBox>
 
+#include "controls/ModalDialog.h"
 #include "controls/PlainText.h"
 
 namespace quillmere {
@@ -10,7 +11,7 @@ void showAlert(QWidget* parent, const QString& title, const QString& message) {
   QWidget* above = parent && parent->isVisible() ? parent : nullptr;
   QMessageBox box(QMessageBox::Warning, title, {}, QMessageBox::Ok, above);
   setPlainTexts(box, title, message);
-  box.exec();
+  runModal(box);
 }
 
 }  // namespace quillmere

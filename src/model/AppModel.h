@@ -415,6 +415,7 @@ class AppModel : private AnalysisRecords,
 
   std::optional<PromptNameEdit> promptNameEdit_;
   std::optional<std::pair<UUID, FileStamp>> shownFile_;  ///< the file in the popup as it was when it came up
+  std::set<UUID> inQuestion_;                            ///< whether to delete them is being asked
 
   Task<> locationCheckTask_;
   CloudDownloads downloads_;

@@ -89,9 +89,12 @@ AppModel::ChosenDisposal AppModel::disposeChosen(const UUID& id, ErrorScope scop
   const bool isAsked = deletes(DisposalReason::chosen);
   const FileStamp shown = isInPopup ? shownFile_->second : isAsked ? stampNow() : FileStamp();
   if (isAsked) {
+    // The window that did not ask is still there to be clicked.
+    if (!inQuestion_.insert(chosen.id).second) return ChosenDisposal::declined;
     protect(chosen.id);
     const bool isConfirmed = dependencies_.confirmDeletion(chosen.url.displayName());
     unprotect(chosen.id);
+    inQuestion_.erase(chosen.id);
     if (!isConfirmed) return ChosenDisposal::declined;
   }
   // What was written or put there since the person looked is not what was decided about.

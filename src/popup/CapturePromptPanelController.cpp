@@ -69,8 +69,9 @@ void CapturePromptPanelController::makePanel(AppModel& model) {
   panel_ = std::make_unique<CaptureDecisionPanel>(view_);
   panel_->onCloseRequested = [this] { view_->closePrompt(); };
   panel_->onDeactivated = [this] {
-    // A question of ours gives the keyboard back by itself.
-    if (QApplication::activeModalWidget()) return;
+    // A question of the card's gives the keyboard back by itself.
+    const QWidget* modal = QApplication::activeModalWidget();
+    if (modal && (!modal->parentWidget() || belongsTo(modal, *panel_))) return;
     previousWindow_ = 0;
     // The person has gone to another window: a click on a button must leave the keyboard there.
     panel_->windowHandle()->setFlag(Qt::WindowDoesNotAcceptFocus, true);

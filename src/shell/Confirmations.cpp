@@ -4,6 +4,7 @@
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
 
+#include "controls/ModalDialog.h"
 #include "controls/PlainText.h"
 #include "foundation/Localized.h"
 #include "model/Messages.h"
@@ -21,7 +22,7 @@ bool ask(const QString& question, const QString& details, const QString& action)
   confirm->setAutoDefault(false);
   box.setDefaultButton(cancel);
   box.setEscapeButton(cancel);
-  box.exec();
+  runModal(box);
   return box.clickedButton() == confirm;
 }
 

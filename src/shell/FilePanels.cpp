@@ -7,6 +7,7 @@
 #include <QtWidgets/QGridLayout>
 #include <QtWidgets/QLabel>
 
+#include "controls/ModalDialog.h"
 #include "controls/PlainText.h"
 #include "foundation/Localized.h"
 
@@ -25,7 +26,7 @@ void explain(QFileDialog& dialog, const QString& message) {
 
 /// What the person chose, in the bytes of the file system.
 std::optional<FileURL> chosen(QFileDialog& dialog) {
-  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+  if (runModal(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
   const QByteArray path = QFile::encodeName(dialog.selectedFiles().first());
   const FileURL url = FileURL::fromPath(std::string_view(path.data(), static_cast<size_t>(path.size()))).standardized();
   return url.isEmpty() ? std::nullopt : std::optional(url);

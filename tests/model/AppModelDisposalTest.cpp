@@ -447,6 +447,15 @@ TEST_F(AppModelChosenDisposal, UnderTheQuestionARecordNeitherExpiresNorGoesFromE
   EXPECT_FALSE(hasRecord(id)) << "its time goes on after the answer";
 }
 
+TEST_F(AppModelChosenDisposal, NothingIsAskedTwiceAtATime) {
+  const UUID id = arrive("shot.png");
+  model->setDeletesChosenImmediately(true);
+  confirmsDeletion = false;
+  onDeletionQuestion = [&] { EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), Chosen::declined); };
+  EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), Chosen::declined);
+  EXPECT_EQ(deletionQuestions.size(), 1u);
+}
+
 TEST_F(AppModelChosenDisposal, TheAnswerCountsForTheRecordAsItIsThen) {
   const UUID id = arrive("shot.png");
   model->setDeletesChosenImmediately(true);

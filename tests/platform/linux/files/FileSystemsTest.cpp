@@ -324,8 +324,8 @@ TEST_P(TemporaryFileSystemTest, IsAnotherVolumeAfterEachMountAndItsFilesAreGone)
     const auto before = identity(disk.shot);
     MUST(disk.disconnect() && place(bookmark).empty());
     MUST(disk.connect() && disk.makeFolders() && write(disk.shot));
-    const MountTable later(nullptr);
-    LiveSecurityScopeAccess laterAccess{mounts};
+    MountTable later(nullptr);
+    LiveSecurityScopeAccess laterAccess{later};
     MUST(numberOf(disk.shot) == before->file);
     MUST(later.volume(disk.top) != before->volume);
     MUST(!laterAccess.resolve(*bookmark));
@@ -479,7 +479,7 @@ TEST_P(SubvolumesTest, AreOneVolumeHoweverTheyAreMounted) {
     // By itself, at the place where the whole disk was, as a home folder is.
     testing::TemporaryFolder point;
     MUST(run("mount -o subvol=first \"$(findmnt -n -o SOURCE '" + disk.top.path() + "')\" '" + point.path() + "'"));
-    const MountTable later(nullptr);
+    MountTable later(nullptr);
     MUST(later.volume(point.url()) == disk.uuid);
     const bool isSame = before->isSameFile(*liveFileIdentity(point.file("a.png"), later));
     MUST(::umount(point.path().c_str()) == 0);
