@@ -46,30 +46,34 @@ HeldKeys::HeldKeys(std::function<bool(quint32)> isDown) : isDown_(std::move(isDo
 }
 
 void HeldKeys::forgetReleased() {
-  std::erase_if(pressedAt_, [this](const auto& key) { return !isDown_ || !isDown_(key.first); });
-}
-
-bool HeldKeys::isRepeat(const QKeyEvent& event) {
-  const auto [press, isNew] = pressedAt_.emplace(identifier(event), event.timestamp());
-  return event.isAutoRepeat() || (!isNew && press->second != event.timestamp());
+  const auto isReleased = [this](quint32 key) { return !isDown_ || !isDown_(key); };
+  std::erase_if(tried_, isReleased);
+  std::erase_if(pressed_, isReleased);
 }
 
 bool HeldKeys::eventFilter(QObject* watched, QEvent* event) {
+  if (!watched->isWindowType()) return false;
   switch (event->type()) {
+    // A press is first tried as a shortcut.
     case QEvent::ShortcutOverride: {
-      const auto& key = static_cast<QKeyEvent&>(*event);
-      if (!isRepeat(key) || !decides(key.key())) return false;
-      // Taken by somebody, and so no shortcut; as a press it then comes to its window.
-      event->accept();
+      auto& key = static_cast<QKeyEvent&>(*event);
+      const bool isRepeat = !tried_.insert(identifier(key)).second || key.isAutoRepeat();
+      if (!isRepeat || !decides(key.key())) return false;
+      // Taken by somebody, and so no shortcut. It then comes as a press, perhaps the first where the shortcut took that.
+      key.accept();
+      pressed_.insert(identifier(key));
       return true;
     }
     case QEvent::KeyPress: {
       const auto& key = static_cast<QKeyEvent&>(*event);
-      return watched->isWindowType() && isRepeat(key) && decides(key.key());
+      const bool isRepeat = !pressed_.insert(identifier(key)).second || key.isAutoRepeat();
+      return isRepeat && decides(key.key());
     }
     case QEvent::KeyRelease: {
       const auto& key = static_cast<QKeyEvent&>(*event);
-      if (watched->isWindowType() && !key.isAutoRepeat()) pressedAt_.erase(identifier(key));
+      if (key.isAutoRepeat()) return false;
+      tried_.erase(identifier(key));
+      pressed_.erase(identifier(key));
       return false;
     }
     default:

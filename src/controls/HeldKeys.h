@@ -2,9 +2,7 @@
 
 #include <QtCore/QObject>
 #include <functional>
-#include <map>
-
-class QKeyEvent;
+#include <set>
 
 namespace quillmere {
 
@@ -24,12 +22,13 @@ class HeldKeys final : public QObject {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  bool isRepeat(const QKeyEvent& event);
   void forgetReleased();
 
   std::function<bool(quint32)> isDown_;
-  /// When each key that is down was pressed, in Qt's time of events: a press is told twice, once as a shortcut.
-  std::map<quint32, quint64> pressedAt_;
+  // Keys that are down, by scan code: those that were tried as shortcuts, and those that were pressed. One event cannot
+  // be told from its other form: on its way through a screen reader it loses its time.
+  std::set<quint32> tried_;
+  std::set<quint32> pressed_;
 };
 
 }  // namespace quillmere

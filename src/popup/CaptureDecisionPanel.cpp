@@ -109,8 +109,12 @@ void CaptureDecisionPanel::setFrame(const QRect& frame) {
   // Qt tells window managers that sizes grow by one point, which at a scale of 1.5 is two pixels: they would cut an odd
   // height. Counted from this size, it always fits.
   setBaseSize(frame.size());
-  setFixedSize(frame.size());
+  // Free while it changes: size and place are then one request to the window system, and nobody sees one without the
+  // other.
+  setMinimumSize(0, 0);
+  setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
   setGeometry(frame);
+  setFixedSize(frame.size());
 }
 
 void CaptureDecisionPanel::layOut() {

@@ -24,12 +24,11 @@ std::optional<CapturePromptContent> CapturePromptContent::make(
   content.showThumbnail = *model.settings().showPopupThumbnail;
   const auto& extraction = *model.windowExtraction().state;
   if (extraction && extraction->itemID == head->id) content.windowExtraction = extraction->phase;
-  if (const auto part = content.shownPart()) {
-    content.previewPixelSize = part->size();
-  } else {
-    content.previewPixelSize = pixelSize(*head);
-  }
-  content.thumbnailHeight = heightOfThumbnail(content.previewPixelSize);
+  const auto part = content.shownPart();
+  content.screenshotPixelSize = pixelSize(*head);
+  content.previewPixelSize = part ? std::optional(part->size()) : content.screenshotPixelSize;
+  // Of the whole screenshot: a card that changed its height with the window would move the button that was pressed.
+  content.thumbnailHeight = heightOfThumbnail(content.screenshotPixelSize);
   content.error = *model.promptError;
   content.focusRequest = *model.prompts().focusRequest;
   content.contentGeneration = *model.prompts().contentGeneration;

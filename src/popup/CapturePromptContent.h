@@ -16,7 +16,7 @@ struct CapturePromptContent {
   ScreenshotItem item;
   int queuedCount = 0;  ///< how many more wait behind it
   bool showThumbnail = true;
-  int thumbnailHeight = 160;  ///< points
+  int thumbnailHeight = 160;  ///< points; of the whole screenshot, also while a window of it is shown
   std::optional<ScopedError> error;
   int focusRequest = 0;
   int contentGeneration = 0;
@@ -26,6 +26,7 @@ struct CapturePromptContent {
   bool isEvicted = false;      ///< its data is known not to be on this computer
   bool isAnalyzing = false;
   AnalysisAvailability availability = AnalysisAvailability::enabled;
+  std::optional<QSizeF> screenshotPixelSize;
   std::optional<QSizeF> previewPixelSize;  ///< of what the preview shows
   std::optional<PromptWindowExtraction::Phase> windowExtraction;
   bool scrolls = false;      ///< the card does not fit

@@ -11,6 +11,8 @@ namespace quillmere {
 namespace {
 
 constexpr size_t kMostMeasuredHeights = 8;
+/// How long a popup waits for the size of its picture, so that its first frame has the height of all that follow.
+constexpr Duration kLongestWaitForSize = std::chrono::milliseconds(20);
 constexpr int kMargin = static_cast<int>(PanelPlacement::kMargin);
 
 /// Also across windows, as from a menu to its button.
@@ -23,7 +25,13 @@ bool belongsTo(const QWidget* widget, const QWidget& window) {
 
 CapturePromptPanelController::CapturePromptPanelController(Services services)
     : services_(std::move(services)), previewSizes_(*services_.executor, services_.isDataless) {
-  previewSizes_.onFound = [this] { scheduleUpdate(); };
+  previewSizes_.onLooked = [this](bool isFound) {
+    if (opening_) {
+      openUnlessSizeIsSought();
+    } else if (isFound) {
+      scheduleUpdate();
+    }
+  };
   const auto observe = [this](QScreen* screen) {
     QObject::connect(screen, &QScreen::geometryChanged, &screenObserver_, [this] { followScreens(); });
     QObject::connect(screen, &QScreen::availableGeometryChanged, &screenObserver_, [this] { followScreens(); });
@@ -43,7 +51,9 @@ CapturePromptPanelController::CapturePromptPanelController(Services services)
   });
 }
 
-CapturePromptPanelController::~CapturePromptPanelController() = default;
+CapturePromptPanelController::~CapturePromptPanelController() {
+  cancelOpening();
+}
 
 void CapturePromptPanelController::present(const ScreenshotItem& item, AppModel& model) {
   model_ = &model;
@@ -54,9 +64,28 @@ void CapturePromptPanelController::present(const ScreenshotItem& item, AppModel&
     scheduleUpdate();
     return;
   }
+  if (opening_) return;
   screenFrame_ = PanelPlacement::chooseScreen(services_.captureRect(item.url), *services_.screens);
+  opening_ = services_.executor->startDelay(kLongestWaitForSize, [this](bool elapsed) {
+    if (elapsed) open();
+  });
+  if (*model.settings().showPopupThumbnail) previewSizes_.size(item);
+  openUnlessSizeIsSought();
+}
+
+void CapturePromptPanelController::openUnlessSizeIsSought() {
+  const ScreenshotItem* head = model_->promptedItem();
+  if (!head || !previewSizes_.isSought(*head)) open();
+}
+
+void CapturePromptPanelController::open() {
+  cancelOpening();
   applyUpdate();
   showPanel();
+}
+
+void CapturePromptPanelController::cancelOpening() {
+  if (opening_) services_.executor->cancelDelay(*std::exchange(opening_, std::nullopt));
 }
 
 void CapturePromptPanelController::makePanel(AppModel& model) {
@@ -117,19 +146,18 @@ void CapturePromptPanelController::applyUpdate() {
   const int height = measuredHeight(*next) + view_->extraHeight();
   auto visible = screenFrame_;
   if (!visible) visible = PanelPlacement::followScreen(std::nullopt, *services_.screens);
-  std::optional<PanelPlacement::Placement> placement;
-  if (visible) {
-    placement = PanelPlacement::place(height - 2 * kMargin, *visible);
-    next->scrolls = placement->scrolls;
-  }
+  // Without any screen the window stays as it is, and what has no room in it scrolls.
+  const bool isFixed = !visible;
+  if (isFixed) visible = QRectF(panel_->geometry().adjusted(kMargin, kMargin, -kMargin, -kMargin));
+  const auto placement = PanelPlacement::place(height - 2 * kMargin, *visible);
+  next->scrolls = placement.scrolls;
   if (next != content_) {
     ++viewChangeCount_;
     content_ = std::move(next);
     view_->show(*content_);
     panel_->setScrolls(content_->scrolls);
   }
-  // Without any screen the window stays as it is.
-  if (placement) setFrame(LivePanelScreens::toQt(placement->window));
+  if (!isFixed) setFrame(LivePanelScreens::toQt(placement.window));
   isApplyingUpdate_ = false;
 }
 
@@ -173,6 +201,7 @@ void CapturePromptPanelController::measureAnew() {
 
 void CapturePromptPanelController::hide() {
   modelChanges_.reset();
+  cancelOpening();
   if (!panel_ || !panel_->isVisible()) return;
   const bool hadKeyboard = panel_->isActiveWindow();
   const quintptr previous = std::exchange(previousWindow_, 0);
@@ -194,6 +223,7 @@ void CapturePromptPanelController::hide() {
 }
 
 void CapturePromptPanelController::focusForReview() {
+  if (opening_) open();
   if (panel_ && panel_->isVisible()) takeKeyboard();
 }
 

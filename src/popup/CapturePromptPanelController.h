@@ -53,6 +53,9 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
   };
 
   void makePanel(AppModel& model);
+  void openUnlessSizeIsSought();
+  void open();
+  void cancelOpening();
   void scheduleUpdate();
   void applyUpdate();
   std::optional<CapturePromptContent> makeContent();
@@ -77,6 +80,7 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
   Connection availableGeometryChanges_;
   Connection compositingChanges_;
   std::optional<QRectF> screenFrame_;
+  std::optional<Executor::DelayID> opening_;  ///< the popup is about to come up
   bool isUpdateScheduled_ = false;
   bool isApplyingUpdate_ = false;
   int updateCount_ = 0;

@@ -28,10 +28,9 @@ Task<> PreviewSizes::find(Weak<PreviewSizes> self, MeasuredImage image) {
   if (!self) co_return;
   // What could not be read now may be readable at the next look.
   self->sought_.erase(image);
-  if (!size) co_return;
   if (self->sizes_.size() > kMostSizes) self->sizes_.clear();
-  self->sizes_.emplace(image, *size);
-  if (self->onFound) self->onFound();
+  if (size) self->sizes_.emplace(image, *size);
+  if (self->onLooked) self->onLooked(size.has_value());
 }
 
 }  // namespace quillmere

@@ -22,8 +22,10 @@ class PreviewSizes {
 
   /// Unknown sizes are being looked for from now on.
   std::optional<QSizeF> size(const ScreenshotItem& item);
-  /// A size that had been unknown is known.
-  std::function<void()> onFound;
+  /// Whether it is being looked for.
+  bool isSought(const ScreenshotItem& item) const { return sought_.contains({item.url, item.fileIdentity}); }
+  /// A look has ended; a size that had been unknown is known, or could not be read.
+  std::function<void(bool isFound)> onLooked;
 
  private:
   /// By identity too, so that a replaced file of the same name is measured afresh.

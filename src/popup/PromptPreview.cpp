@@ -9,6 +9,7 @@
 #include "controls/ScreenshotThumbnail.h"
 #include "controls/Theme.h"
 #include "foundation/Localized.h"
+#include "popup/PreviewLayout.h"
 #include "popup/PromptPreviewActions.h"
 #include "popup/PromptPreviewNoticeView.h"
 
@@ -27,33 +28,31 @@ PromptPreview::PromptPreview(Executor& executor, ThumbnailLoader& thumbnails, QW
       actions_(new PromptPreviewActions(this)),
       notice_(new PromptPreviewNoticeView(executor, this)) {
   setFixedWidth(kPreviewWidth);
-  thumbnail_->onPictureChanged = [this] {
-    placeOverlays();
-    update();
-    // It hears of no pointer.
-    setToolTip(thumbnail_->toolTip());
-  };
+  // It hears of no pointer.
+  thumbnail_->onPictureChanged = [this] { setToolTip(thumbnail_->toolTip()); };
   // Presses on the picture are for this widget, which drags it.
   thumbnail_->setAttribute(Qt::WA_TransparentForMouseEvents);
   notice_->setAttribute(Qt::WA_TransparentForMouseEvents);
-  notice_->onVisibilityChanged = [this] { placeOverlays(); };
+  notice_->onVisibilityChanged = [this] { lay(); };
 }
 
 void PromptPreview::show(const CapturePromptContent& content) {
-  const bool isWindow = content.shownPart().has_value();
+  isWindow_ = content.shownPart().has_value();
+  screenshotPixels_ = content.screenshotPixelSize;
+  shownPixels_ = content.previewPixelSize;
   setFixedHeight(content.thumbnailHeight);
   actions_->show(content);
-  placeOverlays();
+  lay();
   // A copy that is only measured needs no picture.
   if (!content.reportsEdits) return;
   thumbnail_->setAccessibleDescription(
       !content.canReadImage ? QString()
-      : isWindow ? localized("Drag this preview into another app to put the extracted window there as an image.")
-                 : localized("Drag this preview into another app to put the screenshot’s file there."));
+      : isWindow_ ? localized("Drag this preview into another app to put the extracted window there as an image.")
+                  : localized("Drag this preview into another app to put the screenshot’s file there."));
   ScreenshotThumbnail::Content picture;
   picture.url = content.item.url;
   picture.maxPointSize = kPreviewWidth;
-  picture.accessibilityLabel = isWindow ? localized("Extracted window preview") : localized("Screenshot preview");
+  picture.accessibilityLabel = isWindow_ ? localized("Extracted window preview") : localized("Screenshot preview");
   picture.identity = content.item.fileIdentity;
   picture.hasImageData = !content.isEvicted;
   picture.cornerRadius = kCornerRadius;
@@ -75,27 +74,21 @@ QPixmap PromptPreview::dragPicture() const {
   return QPixmap::fromImage(small);
 }
 
-void PromptPreview::placeOverlays() {
-  thumbnail_->setGeometry(rect());
+void PromptPreview::lay() {
+  const auto points = [this](const std::optional<QSizeF>& pixels) {
+    return pixels ? std::optional(*pixels / devicePixelRatioF()) : std::nullopt;
+  };
   actions_->adjustSize();
-  // On the picture, unless that is too narrow for them or stands in a well.
-  const int needed = actions_->width() + 2 * kInset;
-  const QRect picture = thumbnail_->picturePlace().toRect();
-  const int right = picture.width() >= needed && !hasWell() ? picture.right() + 1 : width();
-  const QRect corner(right - kInset - actions_->width(), kInset, actions_->width(), actions_->height());
-  actions_->setGeometry(QStyle::visualRect(layoutDirection(), rect(), corner));
+  const auto window = isWindow_ ? points(shownPixels_) : std::nullopt;
+  const PreviewLayout layout = PreviewLayout::of(size(), actions_->size(), points(screenshotPixels_), window);
+  const auto mirrored = [this](const QRect& place) { return QStyle::visualRect(layoutDirection(), rect(), place); };
+  actions_->setGeometry(mirrored(layout.actions));
+  thumbnail_->setGeometry(actions_->isHidden() ? rect() : mirrored(layout.picture));
   notice_->adjustSize();
   notice_->move((width() - notice_->width()) / 2, height() - kInset - notice_->height());
 }
 
-/// A picture that is smaller than the preview on all sides stands in a well, so that it does not float on the card.
-bool PromptPreview::hasWell() const {
-  const QRectF picture = thumbnail_->picturePlace();
-  return picture.width() < width() - 1 && picture.height() < height() - 1;
-}
-
 void PromptPreview::paintEvent(QPaintEvent*) {
-  if (!hasWell()) return;
   const Theme theme(palette());
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
@@ -103,7 +96,7 @@ void PromptPreview::paintEvent(QPaintEvent*) {
 }
 
 void PromptPreview::resizeEvent(QResizeEvent*) {
-  placeOverlays();
+  lay();
 }
 
 void PromptPreview::mousePressEvent(QMouseEvent* event) {

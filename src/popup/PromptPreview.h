@@ -12,7 +12,8 @@ class PromptPreviewActions;
 class PromptPreviewNoticeView;
 class ScreenshotThumbnail;
 
-/// The picture on the card, with what can be done with it and what is to be told of it. It can be dragged out.
+/// The picture on the card, in a well of the card's width, with what can be done with it and what is to be told of it.
+/// It can be dragged out.
 class PromptPreview final : public QWidget {
  public:
   PromptPreview(Executor& executor, ThumbnailLoader& thumbnails, QWidget* parent);
@@ -34,11 +35,14 @@ class PromptPreview final : public QWidget {
   void mouseMoveEvent(QMouseEvent* event) override;
 
  private:
-  void placeOverlays();
-  bool hasWell() const;
+  void lay();
+
   ScreenshotThumbnail* thumbnail_;
   PromptPreviewActions* actions_;
   PromptPreviewNoticeView* notice_;
+  bool isWindow_ = false;
+  std::optional<QSizeF> screenshotPixels_;
+  std::optional<QSizeF> shownPixels_;
   std::optional<QPoint> pressedAt_;
 };
 

@@ -54,6 +54,26 @@ TEST_F(CaptureDecisionPanelTest, EachFrameThatIsSetCounts) {
   EXPECT_EQ(panel.cardRect(), QRect(24, 24, 440, 352));
 }
 
+TEST_F(CaptureDecisionPanelTest, ItsPlaceAndItsSizeChangeAtOnce) {
+  const QRect frame(10, 20, 488, 400);
+  class Watch final : public QObject {
+   public:
+    std::vector<QRect> seen;
+    bool eventFilter(QObject* watched, QEvent* event) override {
+      const bool isChange = event->type() == QEvent::Move || event->type() == QEvent::Resize;
+      if (isChange) seen.push_back(static_cast<QWindow*>(watched)->geometry());
+      return false;
+    }
+  } watch;
+  panel.show();
+  QCoreApplication::processEvents();
+  panel.windowHandle()->installEventFilter(&watch);
+  panel.setFrame(frame);
+  QCoreApplication::processEvents();
+  EXPECT_FALSE(watch.seen.empty());
+  for (const QRect& seen : watch.seen) EXPECT_EQ(seen, frame);
+}
+
 TEST_F(CaptureDecisionPanelTest, ItNeverScrollsSideways) {
   upper->setMinimumWidth(600);
   static_cast<QWidget&>(panel).show();

@@ -88,18 +88,21 @@ class CapturePromptPanelControllerTest : public testing::ModelFixture {
   }
   ~CapturePromptPanelControllerTest() override { popup.reset(); }
 
-  UUID arrivePicture(const char* name, const QSize& size) {
-    const FileURL url = shots.appending(name);
+  void savePicture(const char* name, const QSize& size) {
     QImage picture(size, QImage::Format_RGB32);
     picture.fill(Qt::white);
-    EXPECT_TRUE(picture.save(url.displayPath()));
-    monitor.onScreenshot(url);
+    EXPECT_TRUE(picture.save(shots.appending(name).displayPath()));
+  }
+  UUID arrivePicture(const char* name, const QSize& size) {
+    savePicture(name, size);
+    monitor.onScreenshot(shots.appending(name));
     settle();
     return model->items()[0].id;
   }
   UUID show() { return arrivePicture("1.png", QSize(800, 400)); }
   /// The test platform gives each new window the keyboard; a popup must not have it.
   void settle() {
+    executor.drain();
     QCoreApplication::processEvents();
     windowSystem.give(kEditor);
     executor.drain();
@@ -374,7 +377,8 @@ TEST_F(CapturePromptPanelControllerTest, WithoutAnyScreenItStaysWhereItIs) {
   arrive("2.png");
   settle();
   EXPECT_TRUE(isVisible());
-  EXPECT_EQ(frame().topLeft(), before.topLeft());
+  EXPECT_EQ(frame(), before);
+  EXPECT_TRUE(popup->content()->scrolls) << "what has no room in it";
 }
 
 TEST_F(CapturePromptPanelControllerTest, AnEvictedFileIsNotMeasured) {
@@ -384,16 +388,51 @@ TEST_F(CapturePromptPanelControllerTest, AnEvictedFileIsNotMeasured) {
   EXPECT_EQ(popup->content()->thumbnailHeight, 160);
 }
 
-TEST_F(CapturePromptPanelControllerTest, ThePopupDoesNotWaitForTheSizeOfItsPicture) {
-  const FileURL url = shots.appending("1.png");
-  QImage picture(800, 400, QImage::Format_RGB32);
-  picture.fill(Qt::white);
-  ASSERT_TRUE(picture.save(url.displayPath()));
-  monitor.onScreenshot(url);
-  EXPECT_TRUE(isVisible());
+TEST_F(CapturePromptPanelControllerTest, TheFirstFrameHasTheHeightOfItsPicture) {
+  savePicture("1.png", QSize(800, 400));
+  monitor.onScreenshot(shots.appending("1.png"));
+  EXPECT_FALSE(isVisible()) << "the size is being read";
+  executor.drain();
+  ASSERT_TRUE(isVisible());
+  EXPECT_EQ(popup->content()->thumbnailHeight, 204);
+  EXPECT_EQ(popup->viewChangeCount(), 1);
+  EXPECT_EQ(popup->panel()->frameChangeCount(), 1);
+}
+
+TEST_F(CapturePromptPanelControllerTest, ThePopupWaitsAMomentAtMostForTheSizeOfItsPicture) {
+  savePicture("1.png", QSize(800, 400));
+  monitor.onScreenshot(shots.appending("1.png"));
+  executor.holdBackground();
+  executor.advance(std::chrono::milliseconds(19));
+  EXPECT_FALSE(isVisible());
+  executor.advance(std::chrono::milliseconds(1));
+  ASSERT_TRUE(isVisible());
   EXPECT_EQ(popup->content()->thumbnailHeight, 160);
+  executor.runHeldBackground();
   settle();
   EXPECT_EQ(popup->content()->thumbnailHeight, 204);
+}
+
+TEST_F(CapturePromptPanelControllerTest, AnUnreadablePictureIsNotWaitedFor) {
+  arrive("1.png");
+  executor.drain();
+  EXPECT_TRUE(isVisible());
+}
+
+TEST_F(CapturePromptPanelControllerTest, TheReviewDoesNotWait) {
+  savePicture("1.png", QSize(800, 400));
+  monitor.onScreenshot(shots.appending("1.png"));
+  popup->focusForReview();
+  EXPECT_TRUE(isVisible());
+  EXPECT_EQ(windowSystem.active, popup->panel()->winId());
+}
+
+TEST_F(CapturePromptPanelControllerTest, AScreenshotThatGoesBeforeItsPopupComesHasNone) {
+  savePicture("1.png", QSize(800, 400));
+  monitor.onScreenshot(shots.appending("1.png"));
+  model->dismissPrompt();
+  executor.advance(seconds(1));
+  EXPECT_FALSE(isVisible());
 }
 
 TEST_F(CapturePromptPanelControllerTest, TheNextOneComesUpAtItsHeight) {
@@ -407,7 +446,7 @@ TEST_F(CapturePromptPanelControllerTest, TheNextOneComesUpAtItsHeight) {
   EXPECT_EQ(popup->viewChangeCount(), shown + 1) << "no second layout for a size found late";
 }
 
-TEST_F(CapturePromptPanelControllerTest, AnExtractedWindowGivesThePreviewItsShape) {
+TEST_F(CapturePromptPanelControllerTest, AnExtractedWindowLeavesTheCardItsHeight) {
   const UUID id = show();
   model->setPromptWindowExtraction(item(id), true).detach();
   executor.drain();
@@ -416,7 +455,7 @@ TEST_F(CapturePromptPanelControllerTest, AnExtractedWindowGivesThePreviewItsShap
   scanner.answer(0, QImage(800, 400, QImage::Format_RGB32), QRectF(10, 10, 400, 100));
   executor.drain();
   EXPECT_EQ(popup->content()->previewPixelSize, QSizeF(400, 100));
-  EXPECT_EQ(popup->content()->thumbnailHeight, 102);
+  EXPECT_EQ(popup->content()->thumbnailHeight, 204);
 }
 
 TEST_F(CapturePromptPanelControllerTest, TheSameFileIsMeasuredOnce) {
@@ -541,6 +580,7 @@ TEST_F(CapturePromptPanelControllerTest, APopupShownAnewRefusesTheKeyboardAgain)
   settle();
   windowSystem.refusesFocusWhenShown = false;
   arrive("2.png");
+  executor.drain();
   EXPECT_TRUE(windowSystem.refusesFocusWhenShown);
 }
 

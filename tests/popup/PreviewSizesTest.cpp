@@ -14,7 +14,7 @@ namespace {
 class PreviewSizesTest : public ::testing::Test {
  protected:
   PreviewSizesTest() {
-    sizes.onFound = [this] { ++found; };
+    sizes.onLooked = [this](bool isFound) { found += isFound; };
   }
   ScreenshotItem picture(const std::string& name, const QSize& size, uint64_t file = 1) {
     ScreenshotItem item;

@@ -24,7 +24,8 @@ class PromptPreviewTest : public ::testing::Test {
     QImage image(pixels, QImage::Format_RGB32);
     image.fill(Qt::red);
     EXPECT_TRUE(image.save(content.item.url.displayPath(), "PNG"));
-    content.thumbnailHeight = CapturePromptContent::heightOfThumbnail(QSizeF(pixels));
+    content.screenshotPixelSize = content.previewPixelSize = QSizeF(pixels);
+    content.thumbnailHeight = CapturePromptContent::heightOfThumbnail(content.screenshotPixelSize);
     show();
   }
   void show() {
@@ -53,31 +54,47 @@ TEST_F(PromptPreviewTest, TheActionsAreInThePicturesTrailingCorner) {
   EXPECT_EQ(preview.size(), QSize(408, 160));
   EXPECT_EQ(actions().right(), preview.width() - kInset - 1);
   EXPECT_EQ(actions().top(), kInset);
-  // High and narrow: the picture ends before the preview does.
-  show({900, 1000});
-  const int right = thumbnail().picturePlace().toRect().right();
-  ASSERT_LT(right, preview.width() - 50);
-  EXPECT_EQ(actions().right(), right - kInset);
+  EXPECT_EQ(thumbnail().geometry(), preview.rect());
 }
 
 TEST_F(PromptPreviewTest, APictureTooNarrowForThemHasThemBesideIt) {
-  show({100, 1000});
+  show({900, 1000});
   EXPECT_EQ(actions().right(), preview.width() - kInset - 1);
+  EXPECT_EQ(thumbnail().geometry().right(), actions().left() - kInset - 1);
 }
 
 TEST_F(PromptPreviewTest, WhereLanguageRunsFromTheRightTheyAreInTheOtherCorner) {
   preview.setLayoutDirection(Qt::RightToLeft);
   show({1632, 640});
   EXPECT_EQ(actions().left(), kInset);
+  show({900, 1000});
+  EXPECT_EQ(thumbnail().geometry().left(), actions().right() + 1 + kInset);
 }
 
-TEST_F(PromptPreviewTest, ASmallPictureStandsInAWellThatKeepsThem) {
+TEST_F(PromptPreviewTest, AWindowOutOfThePictureIsShownBesideThem) {
+  show({1632, 640});
+  const QRect before = actions();
+  content.windowExtraction = PromptWindowExtraction::Extracted{QRectF(0, 0, 600, 300)};
+  content.previewPixelSize = QSizeF(600, 300);
+  show();
+  EXPECT_EQ(actions(), before);
+  EXPECT_FALSE(thumbnail().geometry().intersects(actions()));
+}
+
+TEST_F(PromptPreviewTest, WithoutActionsThePictureHasTheWholeWell) {
+  content.canReadImage = false;
+  show({900, 1000});
+  EXPECT_EQ(thumbnail().geometry(), preview.rect());
+}
+
+TEST_F(PromptPreviewTest, ThePictureStandsInAWellOfTheWholeWidth) {
   show({1632, 640});
   const QColor card = preview.palette().color(QPalette::Window);
   EXPECT_EQ(preview.grab().toImage().pixelColor(204, 80), QColor(Qt::red));
-  show({150, 60});
-  EXPECT_EQ(actions().right(), preview.width() - kInset - 1);
-  EXPECT_NE(preview.grab().toImage().pixelColor(20, preview.height() / 2), card);
+  for (const QSize size : {QSize(150, 60), QSize(100, 1000), QSize(2000, 20)}) {
+    show(size);
+    EXPECT_NE(preview.grab().toImage().pixelColor(20, 20), card) << size.width();
+  }
 }
 
 TEST_F(PromptPreviewTest, ANoticeIsAtTheBottomInTheMiddle) {
