@@ -70,7 +70,11 @@ void ActionButton::paintEvent(QPaintEvent*) {
   const int gap = textWidth > 0 && symbolWidth > 0 ? kGap : 0;
   int x = (width() - symbolWidth - gap - textWidth) / 2;
   if (symbolWidth > 0) {
-    painter.drawPixmap(x, (height() - symbolSide) / 2, symbolPixmap(symbol_, symbolSide, ink, devicePixelRatioF()));
+    if (ring_.isWorking()) {
+      ring_.paint(painter, QPointF(x + symbolSide / 2.0, height() / 2.0), ink);
+    } else {
+      painter.drawPixmap(x, (height() - symbolSide) / 2, symbolPixmap(symbol_, symbolSide, ink, devicePixelRatioF()));
+    }
     x += symbolWidth + gap;
   }
   if (textWidth > 0) {

@@ -2,6 +2,8 @@
 
 #include <QtWidgets/QPushButton>
 
+#include "controls/WorkRing.h"
+
 namespace quillmere {
 
 /// A button of the program's own look: a symbol and a text on a rounded ground.
@@ -11,6 +13,9 @@ class ActionButton final : public QPushButton {
   ActionButton(Role role, const QString& symbol, const QString& text, QWidget* parent = nullptr);
 
   void setSymbol(const QString& symbol);
+  /// Something is under way that it began.
+  void setWorking(bool isWorking) { ring_.setWorking(isWorking); }
+  bool isWorking() const { return ring_.isWorking(); }
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override { return sizeHint(); }
 
@@ -20,6 +25,7 @@ class ActionButton final : public QPushButton {
  private:
   Role role_;
   QString symbol_;
+  WorkRing ring_{*this};
 };
 
 /// A ring around a focused control, inside its rectangle.

@@ -1,5 +1,6 @@
 #include "controls/AnalysisStatusRow.h"
 
+#include <QtGui/QFocusEvent>
 #include <QtWidgets/QHBoxLayout>
 
 #include "controls/ActionButton.h"
@@ -12,17 +13,33 @@ namespace {
 
 constexpr int kSymbol = 16;
 
+/// Reached by Tab it is selected as a whole, which shows that it is there and what would be copied.
+class Description final : public ThemedLabel {
+ public:
+  using ThemedLabel::ThemedLabel;
+
+ protected:
+  void focusInEvent(QFocusEvent* event) override {
+    ThemedLabel::focusInEvent(event);
+    const bool isByTab = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    if (isByTab) setSelection(0, static_cast<int>(text().size()));
+  }
+  void focusOutEvent(QFocusEvent* event) override {
+    ThemedLabel::focusOutEvent(event);
+    const bool comesBack = event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason;
+    if (!comesBack && hasSelectedText()) setSelection(0, 0);
+  }
+};
+
 }  // namespace
 
 AnalysisStatusRow::AnalysisStatusRow(QWidget* parent)
     : QWidget(parent),
       symbol_(new SymbolLabel(kSymbol, Ink::secondary, this, QStringLiteral("exclamationmark.bubble"))),
-      text_(new ThemedLabel(Ink::secondary, this)),
+      text_(new Description(Ink::secondary, this)),
       button_(new ActionButton(ActionButton::Role::icon, QStringLiteral("arrow.clockwise"), {}, this)) {
   text_->setObjectName(QStringLiteral("analysisStatus"));
   text_->setWordWrap(true);
-  text_->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  text_->setFocusPolicy(Qt::NoFocus);
   button_->setAccessibleName(localized("Analyze Again"));
   button_->setToolTip(localized("Analyze Again"));
   connect(button_, &QPushButton::clicked, this, [this] {
@@ -36,14 +53,24 @@ AnalysisStatusRow::AnalysisStatusRow(QWidget* parent)
   row->addWidget(button_, 0, Qt::AlignTop);
 }
 
-QWidget* AnalysisStatusRow::control() const {
-  return button_;
+QWidget& AnalysisStatusRow::text() const {
+  return *text_;
 }
 
-void AnalysisStatusRow::show(const QString& text, bool isFailure, bool offersAnalysis) {
-  symbol_->setVisible(isFailure);
-  text_->setText(text);
-  button_->setVisible(offersAnalysis);
+QWidget& AnalysisStatusRow::button() const {
+  return *button_;
+}
+
+void AnalysisStatusRow::show(const Content& content) {
+  symbol_->setVisible(content.isFailure);
+  text_->setText(content.text);
+  const Qt::TextInteractionFlags selectable = Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard;
+  const auto interaction = content.isDescription ? selectable : Qt::TextInteractionFlags(Qt::NoTextInteraction);
+  if (text_->textInteractionFlags() != interaction) {
+    text_->setTextInteractionFlags(interaction);
+    text_->setFocusPolicy(content.isDescription ? Qt::StrongFocus : Qt::NoFocus);
+  }
+  button_->setVisible(content.offersAnalysis);
   // Told at once: whoever measures the card in this turn of the loop must not find the old height.
   updateGeometry();
 }

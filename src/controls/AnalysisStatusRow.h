@@ -15,10 +15,18 @@ class AnalysisStatusRow final : public QWidget {
  public:
   explicit AnalysisStatusRow(QWidget* parent);
 
-  void show(const QString& text, bool isFailure, bool offersAnalysis);
+  struct Content {
+    QString text;
+    bool isFailure = false;
+    bool offersAnalysis = false;
+    /// Then it can be selected, by keyboard too.
+    bool isDescription = false;
+  };
+  void show(const Content& content);
   std::function<void()> onAnalyze;
-  /// What of it takes the keyboard, for the order of a window's controls.
-  QWidget* control() const;
+  /// What takes the keyboard, for the order of a window's controls.
+  QWidget& text() const;
+  QWidget& button() const;
 
  private:
   SymbolLabel* symbol_;

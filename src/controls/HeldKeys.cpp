@@ -59,7 +59,8 @@ bool HeldKeys::eventFilter(QObject* watched, QEvent* event) {
       auto& key = static_cast<QKeyEvent&>(*event);
       const bool isRepeat = !tried_.insert(identifier(key)).second || key.isAutoRepeat();
       if (!isRepeat || !decides(key.key())) return false;
-      // Taken by somebody, and so no shortcut. It then comes as a press, perhaps the first where the shortcut took that.
+      // Taken by somebody, and so no shortcut. It then comes as a press, perhaps the first where the shortcut took
+      // that.
       key.accept();
       pressed_.insert(identifier(key));
       return true;

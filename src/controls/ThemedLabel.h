@@ -6,7 +6,7 @@
 namespace quillmere {
 
 /// A label in one of the theme's colours and of a size that goes by the desktop's font, whichever they are now.
-class ThemedLabel final : public PlainLabel {
+class ThemedLabel : public PlainLabel {
  public:
   using Ink = quillmere::Ink;
   ThemedLabel(Ink ink, QWidget* parent, const QString& text = {});

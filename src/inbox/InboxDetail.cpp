@@ -112,9 +112,9 @@ void InboxDetail::show(const ScreenshotItem& item) {
     download_->hide();
   }
 
-  const AnalysisStatus status =
-      analysisStatus(item, model_.analyzingIDs->contains(item.id), model_.analysisAvailability());
-  analysis_->show(status.text, status.isFailure, status.offersAnalysis);
+  const bool isAnalyzing = model_.analyzingIDs->contains(item.id) && !isUnavailable && !isEvicted;
+  const AnalysisStatus status = analysisStatus(item, isAnalyzing, model_.analysisAvailability());
+  analysis_->show({status.text, status.isFailure, status.offersAnalysis, status.isDescription});
 
   picture_->setVisible(!isUnavailable);
   unavailable_->setVisible(isUnavailable);

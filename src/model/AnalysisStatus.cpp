@@ -10,7 +10,7 @@ AnalysisStatus analysisStatus(const ScreenshotItem& item, bool isAnalyzing, Anal
   if (item.analysisFailure) {
     return {analysisNote(*item.analysisFailure), true, item.analysisRetryable.value_or(false)};
   }
-  if (item.imageDescription) return {QString::fromUtf8(*item.imageDescription)};
+  if (item.imageDescription) return {QString::fromUtf8(*item.imageDescription), false, false, true};
   switch (availability) {
     case AnalysisAvailability::enabled:
       return {localized("No description yet.")};

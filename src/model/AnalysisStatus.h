@@ -21,6 +21,7 @@ struct AnalysisStatus {
   QString text;
   bool isFailure = false;
   bool offersAnalysis = false;  ///< to try again
+  bool isDescription = false;   ///< the model's words
   bool operator==(const AnalysisStatus&) const = default;
 };
 AnalysisStatus analysisStatus(const ScreenshotItem& item, bool isAnalyzing, AnalysisAvailability availability);

@@ -76,7 +76,7 @@ void CapturePromptView::orderControls() {
     order.insert(order.end(), controls.begin(), controls.end());
   };
   add(preview_->actions().controls());
-  add({details_->analysisControl(), &details_->nameField()});
+  add({&details_->description(), &details_->analysisButton(), &details_->nameField()});
   add(textActions_->controls());
   add({errorBanner_->control()});
   add(actions_->controls());
@@ -268,6 +268,9 @@ bool CapturePromptView::handleNameKey(const QKeyEvent& event) {
 
 bool CapturePromptView::eventFilter(QObject* watched, QEvent* event) {
   if (watched == &details_->nameField()) return handleName(*event);
+  // What is selected there is copied by a key, which must not go to another program.
+  const bool isText = watched == &details_->description() && details_->description().focusPolicy() != Qt::NoFocus;
+  if (isText && event->type() == QEvent::MouseButtonPress && onKeyboardWanted) onKeyboardWanted();
   if (event->type() != QEvent::KeyPress) return false;
   auto& key = static_cast<QKeyEvent&>(*event);
   if (isReturn(key)) keyPressEvent(&key);

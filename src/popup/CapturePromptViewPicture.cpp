@@ -114,6 +114,7 @@ Task<> CapturePromptView::copyText(Weak<CapturePromptView> self) {
 void CapturePromptView::setCopyingText(bool isCopying) {
   isCopyingText_ = isCopying;
   preview_->actions().setWorking(PictureAction::copyText, isCopying);
+  textActions_->setWorking(PictureAction::copyText, isCopying);
 }
 
 void CapturePromptView::tell(std::optional<PromptPreviewNotice> notice) {

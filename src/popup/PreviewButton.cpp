@@ -3,7 +3,6 @@
 #include <QtGui/QPainter>
 
 #include "controls/ActionButton.h"
-#include "controls/AppearanceStyle.h"
 #include "controls/Symbol.h"
 #include "controls/Theme.h"
 
@@ -11,7 +10,6 @@ namespace quillmere {
 namespace {
 
 constexpr int kSymbol = 18;
-constexpr int kTurnMilliseconds = 900;
 
 }  // namespace
 
@@ -22,27 +20,11 @@ PreviewButton::PreviewButton(const QString& symbol, const QString& name, QWidget
   setAttribute(Qt::WA_Hover);
   setAutoDefault(false);
   setFixedSize(kSide, kSide);
-  turning_.setStartValue(0.0);
-  turning_.setEndValue(360.0);
-  turning_.setDuration(kTurnMilliseconds);
-  turning_.setLoopCount(-1);
-  connect(&turning_, &QVariantAnimation::valueChanged, this, [this] { update(); });
 }
 
 void PreviewButton::setOn(bool isOn) {
   setCheckable(true);
   setChecked(isOn);
-}
-
-void PreviewButton::setWorking(bool isWorking) {
-  if (isWorking == isWorking_) return;
-  isWorking_ = isWorking;
-  if (isWorking && !isMotionReduced(*this)) {
-    turning_.start();
-  } else {
-    turning_.stop();
-  }
-  update();
 }
 
 void PreviewButton::paintEvent(QPaintEvent*) {
@@ -67,26 +49,13 @@ void PreviewButton::paintEvent(QPaintEvent*) {
     painter.drawEllipse(disc);
   }
   const QColor ink = isOn ? theme.onAccent : theme.text;
-  if (isWorking_) {
-    paintWork(painter, ink);
+  if (ring_.isWorking()) {
+    ring_.paint(painter, QRectF(rect()).center(), ink);
   } else {
     const int inset = (kSide - kSymbol) / 2;
     painter.drawPixmap(inset, inset, symbolPixmap(symbol_, kSymbol, ink, devicePixelRatioF()));
   }
   if (hasFocus()) paintFocusRing(painter, disc, radius, isOn ? theme.onAccent : theme.focusRing);
-}
-
-/// An open ring, turning where things may move.
-void PreviewButton::paintWork(QPainter& painter, const QColor& color) const {
-  constexpr qreal kRing = 14;
-  constexpr int kSixteenths = 16;
-  constexpr int kOpening = 90;
-  QRectF ring(0, 0, kRing, kRing);
-  ring.moveCenter(QRectF(rect()).center());
-  painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(color, 2, Qt::SolidLine, Qt::RoundCap));
-  const double turned = isMotionReduced(*this) ? 0 : turning_.currentValue().toDouble();
-  painter.drawArc(ring, static_cast<int>((90 - turned) * kSixteenths), -(360 - kOpening) * kSixteenths);
 }
 
 }  // namespace quillmere

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <QtCore/QVariantAnimation>
 #include <QtWidgets/QPushButton>
+
+#include "controls/WorkRing.h"
 
 namespace quillmere {
 
@@ -14,8 +15,8 @@ class PreviewButton final : public QPushButton {
 
   void setOn(bool isOn);
   /// Something is under way that it began.
-  void setWorking(bool isWorking);
-  bool isWorking() const { return isWorking_; }
+  void setWorking(bool isWorking) { ring_.setWorking(isWorking); }
+  bool isWorking() const { return ring_.isWorking(); }
   QSize sizeHint() const override { return {kSide, kSide}; }
 
  protected:
@@ -23,10 +24,8 @@ class PreviewButton final : public QPushButton {
   void nextCheckState() override {}
 
  private:
-  void paintWork(QPainter& painter, const QColor& color) const;
   QString symbol_;
-  bool isWorking_ = false;
-  QVariantAnimation turning_;
+  WorkRing ring_{*this};
 };
 
 }  // namespace quillmere

@@ -52,8 +52,13 @@ QWidget* PromptDetails::makeNameBlock() {
 }
 
 void PromptDetails::show(const CapturePromptContent& content) {
-  const AnalysisStatus status = analysisStatus(content.item, content.isAnalyzing, content.availability);
-  analysis_->show(status.text, status.isFailure, status.offersAnalysis);
+  // A picture that cannot be read waits for its analysis, however long that takes.
+  const bool isAnalyzing = content.isAnalyzing && content.canReadImage;
+  const AnalysisStatus status = analysisStatus(content.item, isAnalyzing, content.availability);
+  analysis_->show({status.text, status.isFailure, status.offersAnalysis, status.isDescription});
+  // Whoever has no model is told so in Settings, once.
+  const bool hasNoModel = content.availability == AnalysisAvailability::unavailable;
+  analysis_->setVisible(!hasNoModel || isAnalyzing || status.isFailure || status.isDescription);
   const std::string extension = content.item.url.pathExtension();
   extension_->setVisible(!extension.empty());
   extension_->setText(QLatin1Char('.') + QString::fromStdString(extension));
@@ -70,8 +75,12 @@ QLineEdit& PromptDetails::nameField() const {
   return *nameField_;
 }
 
-QWidget* PromptDetails::analysisControl() const {
-  return analysis_->control();
+QWidget& PromptDetails::description() const {
+  return analysis_->text();
+}
+
+QWidget& PromptDetails::analysisButton() const {
+  return analysis_->button();
 }
 
 }  // namespace quillmere

@@ -20,7 +20,8 @@ class PromptDetails final : public QWidget {
 
   void show(const CapturePromptContent& content);
   QLineEdit& nameField() const;
-  QWidget* analysisControl() const;
+  QWidget& description() const;
+  QWidget& analysisButton() const;
 
   std::function<void()> onAnalyze;
   std::function<void()> onNameChanged;

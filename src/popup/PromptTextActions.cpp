@@ -13,9 +13,14 @@ PromptTextActions::PromptTextActions(QWidget* parent) : QWidget(parent) {
     auto* button = new ActionButton(ActionButton::Role::secondary, traits.symbol, traits.name, this);
     button->setToolTip(traits.toolTipInRow);
     connect(button, &QPushButton::clicked, this, [this, button, action = traits.action] { onAction(action, *button); });
+    buttons_[traits.action] = button;
     controls_.push_back(button);
     row->addWidget(button);
   }
+}
+
+void PromptTextActions::setWorking(PictureAction action, bool isWorking) {
+  buttons_.at(action)->setWorking(isWorking);
 }
 
 }  // namespace quillmere

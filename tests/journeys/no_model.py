@@ -1,11 +1,15 @@
 #!/usr/bin/python3
-"""Without a model server a screenshot has its text, and the popup says why it has no description."""
+"""Without a model server a screenshot has its text; that there is no description, and why, the settings tell, and no
+card."""
+
+import re
 
 import captures
-from harness import expect, run_journey, wait_until
+from harness import POPUP_TITLE, expect, run_journey, wait_until
+from steps import open_settings
 
 TEXT = "Nothing leaves this machine"
-WHY = "No model is available on this computer, so there’s no description. Extract Text still works."
+WHY = "No model server was found on this computer, so screenshots aren’t described. Text extraction still works."
 
 
 def journey(desktop):
@@ -13,9 +17,12 @@ def journey(desktop):
     desktop.launch("--autostart")
     shot = captures.text(desktop, TEXT)
     wait_until("the popup", lambda: desktop.popup.is_shown)
-    desktop.wait_for(WHY, "label", "Screenshot Decision", timeout=30)
     wait_until("its text is saved", lambda: TEXT in (desktop.record_of(shot) or {}).get("recognizedText", ""), 30)
     expect("without a failure", "analysisFailure" not in desktop.record_of(shot))
+    wait_until("the card says nothing of it",
+               lambda: not desktop.find(re.compile("model|description"), "label", POPUP_TITLE))
+    open_settings(desktop, "Intelligence")
+    desktop.wait_for(WHY, "label", "Settings", timeout=30)
 
 
 if __name__ == "__main__":

@@ -17,9 +17,10 @@ TEST(AnalysisStatus, IsOneLineInThisOrder) {
   EXPECT_EQ(textOf(false, Availability::enabled), "No description yet.");
   EXPECT_EQ(textOf(false, Availability::turnedOff), "Image analysis is off.");
   EXPECT_EQ(textOf(false, Availability::unavailable),
-            "No model is available on this computer, so there’s no description. Extract Text still works.");
+            "No model is available on this computer, so there’s no description. Copy Text still works.");
   item.imageDescription = "A page.";
-  EXPECT_EQ(textOf(false, Availability::unavailable), "A page.");
+  EXPECT_EQ(analysisStatus(item, false, Availability::unavailable),
+            (AnalysisStatus{QStringLiteral("A page."), false, false, true}));
   item.analysisFailure = AnalysisFailureCode::busy;
   item.analysisRetryable = true;
   EXPECT_EQ(analysisStatus(item, false, Availability::enabled),

@@ -368,6 +368,22 @@ TEST_F(CapturePromptViewTest, AFailureThatMayPassOffersToTryAgain) {
   EXPECT_EQ(text->textFormat(), Qt::PlainText) << "a model's words are no markup";
 }
 
+TEST_F(CapturePromptViewTest, ADescriptionTakesTheKeyboardAndAStatusDoesNot) {
+  int wishes = 0;
+  view->onKeyboardWanted = [&] { ++wishes; };
+  auto* text = view->findChild<QLabel*>(QStringLiteral("analysisStatus"));
+  QTest::mouseClick(text, Qt::LeftButton);
+  EXPECT_EQ(wishes, 0) << "nothing to select";
+  analyzer.immediateDescriptions = {ScreenshotAnalysisResult{QStringLiteral("An invoice"), QStringLiteral("Invoice")}};
+  model->startAnalysis(id);
+  refresh();
+  QTest::mouseClick(text, Qt::LeftButton);
+  EXPECT_EQ(wishes, 1);
+  text->setFocus();
+  press(Qt::Key_Return);
+  EXPECT_EQ(stateOf(id), State::temporary);
+}
+
 TEST_F(CapturePromptViewTest, ALateSuggestionTakesThePlaceOfANameThatNobodyTouched) {
   model->setScreenshotNaming(ScreenshotNaming::suggested);
   auto content = *CapturePromptContent::make(*model, [](const auto&) { return std::nullopt; });

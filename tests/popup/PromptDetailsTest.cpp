@@ -69,8 +69,29 @@ TEST_F(PromptDetailsTest, TypingIsToldForEachLetter) {
   EXPECT_EQ(nameChanges, 3);
 }
 
+TEST_F(PromptDetailsTest, WhoeverHasNoModelIsNotToldOnEveryCard) {
+  const auto isTold = [this] {
+    details.show(content);
+    return details.description().isVisibleTo(&details);
+  };
+  EXPECT_TRUE(isTold()) << "no description yet";
+  content.availability = AnalysisAvailability::unavailable;
+  EXPECT_FALSE(isTold());
+  content.item.imageDescription = "A page.";
+  EXPECT_TRUE(isTold()) << "made while there was one";
+}
+
+TEST_F(PromptDetailsTest, WhatCannotBeReadIsNotBeingAnalyzed) {
+  content.isAnalyzing = true;
+  details.show(content);
+  EXPECT_TRUE(saying(QStringLiteral("Analyzing screenshot…")));
+  content.canReadImage = false;
+  details.show(content);
+  EXPECT_FALSE(saying(QStringLiteral("Analyzing screenshot…")));
+}
+
 TEST_F(PromptDetailsTest, AnotherAttemptIsAskedForFromItsButton) {
-  QTest::mouseClick(details.analysisControl(), Qt::LeftButton);
+  QTest::mouseClick(&details.analysisButton(), Qt::LeftButton);
   EXPECT_EQ(analyses, 1);
 }
 

@@ -5,6 +5,7 @@
 #include <QtWidgets/QPushButton>
 #include <map>
 
+#include "controls/ActionButton.h"
 #include "popup/PictureAction.h"
 #include "support/Printing.h"
 
@@ -26,6 +27,13 @@ TEST(PromptTextActions, SayWhatTheyDoAndDoIt) {
   for (QWidget* control : controls) QTest::mouseClick(control, Qt::LeftButton);
   EXPECT_EQ(done.at(PictureAction::copyText), &copyText);
   EXPECT_EQ(done.at(PictureAction::share), &share) << "the menu opens under its button";
+}
+
+TEST(PromptTextActions, TheOneThatIsUnderWayShowsIt) {
+  PromptTextActions actions(nullptr);
+  actions.setWorking(PictureAction::copyText, true);
+  EXPECT_TRUE(dynamic_cast<ActionButton&>(*actions.controls()[0]).isWorking());
+  EXPECT_FALSE(dynamic_cast<ActionButton&>(*actions.controls()[1]).isWorking());
 }
 
 }  // namespace
