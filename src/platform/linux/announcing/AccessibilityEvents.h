@@ -17,7 +17,8 @@ class AccessibilityEvents {
   static bool isPossible();
   /// The event made for it, which this version of Qt does not send itself.
   static void announce(const QString& text, AnnouncementPriority priority);
-  /// A notification that shows, with this text. It has no priority: readers interrupt themselves for it.
+  /// A notification that shows, with this text. It has no priority: readers interrupt themselves for it, and ask for
+  /// the text only after they heard of it.
   void notify(const QString& text);
 
  private:

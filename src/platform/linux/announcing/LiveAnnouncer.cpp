@@ -13,7 +13,7 @@ void LiveAnnouncer::announce(const QString& text, AnnouncementPriority priority)
       AccessibilityEvents::announce(text, priority);
       break;
     case Hearing::notification:
-      events_.notify(text);
+      notifications_.add(text, priority);
       break;
     case Hearing::speechService:
       speech_.say(text, priority);
