@@ -33,6 +33,12 @@ void ActionButton::setSymbol(const QString& symbol) {
   update();
 }
 
+void ActionButton::setNote(const QString& note) {
+  if (note == note_) return;
+  note_ = note;
+  update();
+}
+
 QSize ActionButton::sizeHint() const {
   if (role_ == Role::icon) return {kIconSide, kIconSide};
   const int textWidth = QFontMetrics(scaled(font(), 1, QFont::DemiBold)).horizontalAdvance(text());
@@ -64,23 +70,27 @@ void ActionButton::paintEvent(QPaintEvent*) {
   paintGround(painter, rect(), radius, ground, theme);
 
   const QFont font = scaled(this->font(), 1, QFont::DemiBold);
-  const int textWidth = role_ == Role::icon ? 0 : QFontMetrics(font).horizontalAdvance(text());
+  const bool hasNote = !note_.isEmpty();
+  const int room = width() - 2 * kPadding - kSymbol - kGap;
+  const QString text = hasNote ? QFontMetrics(font).elidedText(note_, Qt::ElideRight, room) : this->text();
+  const QString symbol = hasNote ? QStringLiteral("checkmark") : symbol_;
+  const int textWidth = role_ == Role::icon ? 0 : QFontMetrics(font).horizontalAdvance(text);
   const int symbolSide = role_ == Role::icon ? kIconSymbol : kSymbol;
-  const int symbolWidth = symbol_.isEmpty() ? 0 : symbolSide;
+  const int symbolWidth = symbol.isEmpty() ? 0 : symbolSide;
   const int gap = textWidth > 0 && symbolWidth > 0 ? kGap : 0;
   int x = (width() - symbolWidth - gap - textWidth) / 2;
   if (symbolWidth > 0) {
     if (ring_.isWorking()) {
       ring_.paint(painter, QPointF(x + symbolSide / 2.0, height() / 2.0), ink);
     } else {
-      painter.drawPixmap(x, (height() - symbolSide) / 2, symbolPixmap(symbol_, symbolSide, ink, devicePixelRatioF()));
+      painter.drawPixmap(x, (height() - symbolSide) / 2, symbolPixmap(symbol, symbolSide, ink, devicePixelRatioF()));
     }
     x += symbolWidth + gap;
   }
   if (textWidth > 0) {
     painter.setFont(font);
     painter.setPen(ink);
-    painter.drawText(QRect(x, 0, textWidth + 1, height()), Qt::AlignVCenter | Qt::AlignLeft, text());
+    painter.drawText(QRect(x, 0, textWidth + 1, height()), Qt::AlignVCenter | Qt::AlignLeft, text);
   }
   if (hasFocus()) paintFocusRing(painter, rect(), radius, role_ == Role::primary ? theme.onAccent : theme.focusRing);
 }

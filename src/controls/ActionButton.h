@@ -13,6 +13,9 @@ class ActionButton final : public QPushButton {
   ActionButton(Role role, const QString& symbol, const QString& text, QWidget* parent = nullptr);
 
   void setSymbol(const QString& symbol);
+  /// Shown with a check mark in the place of its text, as long as there is one; its size and its name stay.
+  void setNote(const QString& note);
+  const QString& note() const { return note_; }
   /// Something is under way that it began.
   void setWorking(bool isWorking) { ring_.setWorking(isWorking); }
   bool isWorking() const { return ring_.isWorking(); }
@@ -25,6 +28,7 @@ class ActionButton final : public QPushButton {
  private:
   Role role_;
   QString symbol_;
+  QString note_;
   WorkRing ring_{*this};
 };
 

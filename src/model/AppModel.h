@@ -205,7 +205,7 @@ class AppModel : private AnalysisRecords,
 
   // --- Copy, drag and share: AppModelTransfer.cpp ---
   /// Puts the picture, or the extracted window, on the clipboard. A failure is shown in `scope`.
-  Task<> copy(ScreenshotItem item, ErrorScope scope) { return transfers_.copy(std::move(item), scope); }
+  Task<bool> copy(ScreenshotItem item, ErrorScope scope) { return transfers_.copy(std::move(item), scope); }
   /// Puts the text in the screenshot on the clipboard; gives what the popup is to tell.
   Task<std::optional<PromptPreviewNotice>> copyRecognizedText(ScreenshotItem item);
   /// The file, or a copy of it under another name, or the extracted window. Nothing when that failed, which is shown.

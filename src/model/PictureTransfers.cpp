@@ -63,11 +63,11 @@ void PictureTransfers::removeLeftCopies() {
 
 // --- Copy ---
 
-Task<> PictureTransfers::copy(ScreenshotItem item, ErrorScope scope) {
+Task<bool> PictureTransfers::copy(ScreenshotItem item, ErrorScope scope) {
   return runCopy(lifetime_.weak(this), std::move(item), scope);
 }
 
-Task<> PictureTransfers::runCopy(Weak<PictureTransfers> self, ScreenshotItem item, ErrorScope scope) {
+Task<bool> PictureTransfers::runCopy(Weak<PictureTransfers> self, ScreenshotItem item, ErrorScope scope) {
   const int number = ++self->copies_;
   CopyFailure failure = CopyFailure::unreadable;
   if (const auto obstacle = self->source_.knownObstacle(item.id)) {
@@ -77,7 +77,7 @@ Task<> PictureTransfers::runCopy(Weak<PictureTransfers> self, ScreenshotItem ite
     const auto reading = self->reading(transfer);
     auto copying = self->dependencies_.executor->background(reading);
     auto copied = co_await copying;
-    if (!self) co_return;
+    if (!self) co_return false;
     // A decision may have given the file its name meanwhile.
     const ScreenshotItem* present = self->items_.find(item.id);
     if (!copied && present && present->url != transfer.url) {
@@ -85,19 +85,20 @@ Task<> PictureTransfers::runCopy(Weak<PictureTransfers> self, ScreenshotItem ite
       const auto readingAgain = self->reading(transfer);
       auto copyingAgain = self->dependencies_.executor->background(readingAgain);
       copied = co_await copyingAgain;
-      if (!self) co_return;
+      if (!self) co_return false;
     }
-    if (number != self->copies_) co_return;
+    if (number != self->copies_) co_return false;
     if (copied) {
       self->dependencies_.pasteboard->write(*copied);
       self->dependencies_.announcer->announce(
           transfer.crop ? localized("Window copied.") : localized("Screenshot copied."), AnnouncementPriority::low);
-      co_return;
+      co_return true;
     }
     failure = copied.reason();
   }
   self->source_.showTransferFailure(scope, item.id, localized("Couldn’t Copy Screenshot"),
                                     message(failure, item.url.displayName()));
+  co_return false;
 }
 
 std::function<Result<ScreenshotPasteboardItem, CopyFailure>()> PictureTransfers::reading(

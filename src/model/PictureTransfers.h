@@ -32,7 +32,7 @@ class PictureTransfers {
       : dependencies_(dependencies), items_(items), source_(source) {}
 
   /// Of several that are under way at once the last one counts, whichever is read first.
-  Task<> copy(ScreenshotItem item, ErrorScope scope);
+  Task<bool> copy(ScreenshotItem item, ErrorScope scope);
   /// Nothing when it failed, which is shown.
   Task<std::optional<PreparedTransfer>> prepare(ScreenshotItem item, std::optional<QString> name);
 
@@ -43,7 +43,7 @@ class PictureTransfers {
 
  private:
   void removeCopies(const UUID& id);
-  static Task<> runCopy(Weak<PictureTransfers> self, ScreenshotItem item, ErrorScope scope);
+  static Task<bool> runCopy(Weak<PictureTransfers> self, ScreenshotItem item, ErrorScope scope);
   static Task<std::optional<PreparedTransfer>> runPreparation(Weak<PictureTransfers> self, ScreenshotItem item,
                                                               std::optional<QString> name);
   PromptPreviewTransfer transfer(const ScreenshotItem& item, const std::optional<QString>& name) const;

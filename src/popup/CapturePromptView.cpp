@@ -65,7 +65,7 @@ void CapturePromptView::wire() {
   errorBanner_->onDismiss = [this] { runGated([this] { model_.dismissError(ErrorScope::popup); }); };
   actions_->onTemporary = [this] { chooseTemporary(); };
   actions_->onKeep = [this] { chooseKeep(); };
-  actions_->onCopy = [this] { runGated([this] { model_.copy(content_->item, ErrorScope::popup).detach(); }); };
+  actions_->onCopy = [this] { chooseCopy(); };
   actions_->onTrash = [this] { chooseTrash(); };
 }
 
@@ -132,6 +132,8 @@ void CapturePromptView::beginItem() {
   nameSeed_ = displayName(content_->item, content_->naming);
   details_->nameField().setText(nameSeed_);
   details_->nameField().setCursorPosition(0);
+  copiedNote_.cancel();
+  actions_->showCopied(false);
   setCopyingText(false);
   preview_->notice().clear();
   noticeRow_->clear();
@@ -225,6 +227,28 @@ Task<> CapturePromptView::decideKeep(Weak<CapturePromptView> self, UUID id) {
   if (item && item->state == ScreenshotItem::State::permanent) {
     model.announce(localized("Screenshot kept."), AnnouncementPriority::low);
   }
+}
+
+void CapturePromptView::chooseCopy() {
+  if (gateAllows()) copy(lifetime_.weak(this)).detach();
+}
+
+/// The button says so itself: where it was pressed is where the person looks.
+Task<> CapturePromptView::copy(Weak<CapturePromptView> self) {
+  const UUID id = self->content_->item.id;
+  const auto copying = self->model_.copy(self->content_->item, ErrorScope::popup);
+  const bool isCopied = co_await copying;
+  if (!isCopied || !self || !self->isShown(id)) co_return;
+  self->copiedNote_.cancel();
+  self->copiedNote_ = showCopied(self);
+}
+
+Task<> CapturePromptView::showCopied(Weak<CapturePromptView> self) {
+  constexpr Duration kShown = std::chrono::seconds(2);
+  self->actions_->showCopied(true);
+  auto pause = self->services_.executor->sleep(kShown);
+  const bool hasElapsed = co_await pause;
+  if (hasElapsed && self) self->actions_->showCopied(false);
 }
 
 void CapturePromptView::chooseTrash() {

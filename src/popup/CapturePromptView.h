@@ -64,6 +64,7 @@ class CapturePromptView final : public QWidget {
   void runGated(const std::function<void()>& action);
   void chooseTemporary();
   void chooseKeep();
+  void chooseCopy();
   void chooseTrash();
   bool handleName(QEvent& event);
   bool handleNameKey(const QKeyEvent& event);
@@ -76,6 +77,8 @@ class CapturePromptView final : public QWidget {
 
   static Task<> decideTemporary(Weak<CapturePromptView> self, UUID id);
   static Task<> decideKeep(Weak<CapturePromptView> self, UUID id);
+  static Task<> copy(Weak<CapturePromptView> self);
+  static Task<> showCopied(Weak<CapturePromptView> self);
   static Task<> extract(Weak<CapturePromptView> self, bool isOn);
   static Task<> copyText(Weak<CapturePromptView> self);
   static Task<> share(Weak<CapturePromptView> self, QWidget* anchor);
@@ -87,6 +90,7 @@ class CapturePromptView final : public QWidget {
   std::optional<CapturePromptContent> content_;
   PromptActionGate gate_;
   QString nameSeed_;
+  Task<> copiedNote_;
   bool isCopyingText_ = false;
   bool isChoosingTarget_ = false;
 

@@ -55,13 +55,17 @@ void DurationPicker::paintEvent(QPaintEvent*) {
   painter.setRenderHint(QPainter::Antialiasing);
   paintGround(painter, rect(), kRadius, underMouse() ? theme.fillHover : theme.fill, theme);
   const QString label = localized("Temporary for") + QLatin1Char(' ');
+  // Label, value and arrow, one after the other in the direction of the language.
   const QRect inner = rect().adjusted(kPadding, 0, -kPadding, 0);
+  const int labelWidth = fontMetrics().horizontalAdvance(label);
+  const auto placed = [this](const QRect& place) { return QStyle::visualRect(layoutDirection(), rect(), place); };
+  const auto alignment =
+      QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) | Qt::AlignVCenter | Qt::AlignAbsolute;
   painter.setPen(theme.secondaryText);
-  painter.drawText(inner, Qt::AlignVCenter | Qt::AlignLeft, label);
+  painter.drawText(placed({inner.left(), 0, labelWidth, height()}), static_cast<int>(alignment), label);
   painter.setPen(theme.text);
-  painter.drawText(inner.adjusted(fontMetrics().horizontalAdvance(label), 0, 0, 0), Qt::AlignVCenter | Qt::AlignLeft,
-                   currentText());
-  painter.drawPixmap(inner.right() - kChevron + 1, (height() - kChevron) / 2,
+  painter.drawText(placed(inner.adjusted(labelWidth, 0, -kChevron, 0)), static_cast<int>(alignment), currentText());
+  painter.drawPixmap(placed({inner.right() - kChevron + 1, (height() - kChevron) / 2, kChevron, kChevron}),
                      symbolPixmap(QStringLiteral("chevron.down"), kChevron, theme.secondaryText, devicePixelRatioF()));
   if (hasFocus()) paintFocusRing(painter, rect(), kRadius, theme.focusRing);
 }

@@ -73,6 +73,10 @@ bool PromptActions::canDecide() const {
   return temporary_->isEnabled();
 }
 
+void PromptActions::showCopied(bool isCopied) {
+  copy_->setNote(isCopied ? localized("Copied") : QString());
+}
+
 QWidget* PromptActions::mainButton() const {
   return temporary_;
 }

@@ -21,6 +21,8 @@ class PromptActions final : public QWidget {
   void setDuration(TemporaryDuration duration);
   /// The main button can be pressed.
   bool canDecide() const;
+  /// Whether Copy says that it has copied.
+  void showCopied(bool isCopied);
 
   std::function<void()> onTemporary;
   std::function<void()> onKeep;

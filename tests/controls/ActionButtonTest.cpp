@@ -45,6 +45,19 @@ TEST_F(ActionButtonTest, IsAsWideAsItsTextAndItsSymbol) {
   EXPECT_EQ(ActionButton(Role::icon, QStringLiteral("xmark"), {}).sizeHint(), QSize(28, 28));
 }
 
+TEST_F(ActionButtonTest, ANoteStandsForItsTextAndChangesNeitherSizeNorName) {
+  ActionButton button(Role::secondary, QStringLiteral("document.on.document"), QStringLiteral("Copy"));
+  button.resize(button.sizeHint());
+  const QSize size = button.sizeHint();
+  const QImage before = button.grab().toImage();
+  button.setNote(QStringLiteral("Copied"));
+  EXPECT_NE(button.grab().toImage(), before);
+  EXPECT_EQ(button.sizeHint(), size);
+  EXPECT_EQ(button.text(), QStringLiteral("Copy"));
+  button.setNote({});
+  EXPECT_EQ(button.grab().toImage(), before);
+}
+
 TEST_F(ActionButtonTest, EachRoleHasItsInk) {
   const std::pair<Role, QColor> rows[] = {{Role::primary, theme().onAccent},
                                           {Role::secondary, theme().text},

@@ -524,6 +524,35 @@ TEST_F(CapturePromptViewTest, CopyLeavesThePopupOpen) {
   EXPECT_EQ(queue(), std::vector<UUID>{id});
 }
 
+TEST_F(CapturePromptViewTest, CopySaysForTwoSecondsThatItDid) {
+  const auto note = [this] { return dynamic_cast<ActionButton&>(*button("Copy")).note(); };
+  click("Copy");
+  executor.drain();
+  EXPECT_EQ(note(), QStringLiteral("Copied"));
+  executor.advance(seconds(1));
+  click("Copy");
+  executor.advance(std::chrono::milliseconds(1999));
+  EXPECT_EQ(note(), QStringLiteral("Copied")) << "two seconds from the second time";
+  executor.advance(std::chrono::milliseconds(1));
+  EXPECT_EQ(note(), QString());
+}
+
+TEST_F(CapturePromptViewTest, ACopyThatFailsIsNotSaidToBeDone) {
+  deleteFile(item(id).url);
+  click("Copy");
+  executor.drain();
+  EXPECT_TRUE(dynamic_cast<ActionButton&>(*button("Copy")).note().isEmpty());
+}
+
+TEST_F(CapturePromptViewTest, TheNextScreenshotWasNotCopied) {
+  arrive("2.png");
+  click("Copy");
+  executor.drain();
+  click("Keep");
+  refresh();
+  EXPECT_TRUE(dynamic_cast<ActionButton&>(*button("Copy")).note().isEmpty());
+}
+
 TEST_F(CapturePromptViewTest, CopyTextTellsThatItDid) {
   analyzer.text = QStringLiteral("words");
   click("Copy Text");

@@ -56,6 +56,32 @@ TEST_F(DurationPickerLook, SaysThatItIsTheTimeOfTemporary) {
   EXPECT_TRUE(shows(theme().text, label, image.width()));
 }
 
+TEST_F(DurationPickerLook, WhereLanguageRunsFromTheRightItIsMirrored) {
+  DurationPicker picker(nullptr);
+  picker.setLayoutDirection(Qt::RightToLeft);
+  picker.resize(picker.sizeHint());
+  const QImage image = picture(picker);
+  const auto firstColumn = [&](const QColor& color) {
+    for (int x = 0; x < image.width(); ++x) {
+      for (int y = 0; y < image.height(); ++y) {
+        if (image.pixel(x, y) == color.rgb()) return x;
+      }
+    }
+    return -1;
+  };
+  const int label = picker.fontMetrics().horizontalAdvance(QStringLiteral("Temporary for "));
+  EXPECT_LT(firstColumn(theme().secondaryText), 12 + 16) << "the arrow";
+  EXPECT_GE(firstColumn(theme().text), 12 + 16) << "the time";
+  bool hasLabel = false;
+  for (int x = image.width() - 12 - label; x < image.width() - 12; ++x) {
+    for (int y = 0; y < image.height(); ++y) {
+      hasLabel |= image.pixel(x, y) == theme().secondaryText.rgb();
+      EXPECT_NE(image.pixel(x, y), theme().text.rgb()) << x;
+    }
+  }
+  EXPECT_TRUE(hasLabel);
+}
+
 TEST_F(DurationPickerLook, TheKeyboardIsShownWhereItIs) {
   QWidget window;
   DurationPicker picker(&window);

@@ -34,6 +34,14 @@ TEST_F(PromptFilenameFieldTest, IsAsHighAsTheButtonsWhateverItsFont) {
   EXPECT_EQ(field.height(), 36);
 }
 
+TEST_F(PromptFilenameFieldTest, ShowsTheLettersOfTheNameWhateverItsFont) {
+  for (const char* family : {"Inter", "Sans"}) {
+    window.setFont(QFont(QString::fromLatin1(family)));
+    EXPECT_EQ(field.font().family(), QString::fromLatin1(family));
+    EXPECT_TRUE(field.font().styleStrategy() & QFont::PreferNoShaping);
+  }
+}
+
 TEST_F(PromptFilenameFieldTest, ItsColoursFollowTheDesktop) {
   for (const auto scheme : {Appearance::Scheme::dark, Appearance::Scheme::light}) {
     show(scheme);
