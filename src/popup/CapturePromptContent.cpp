@@ -9,7 +9,6 @@ namespace quillmere {
 namespace {
 
 constexpr int kDefaultThumbnailHeight = 160;
-constexpr int kLeastThumbnailHeight = 96;
 constexpr int kMostThumbnailHeight = 230;
 
 }  // namespace

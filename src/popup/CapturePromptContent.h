@@ -10,6 +10,7 @@ namespace quillmere {
 
 /// The preview and the rows below it, in points.
 inline constexpr int kPreviewWidth = 408;
+inline constexpr int kLeastThumbnailHeight = 96;
 
 /// One state of the popup; two equal ones look the same.
 struct CapturePromptContent {

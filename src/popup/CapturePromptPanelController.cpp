@@ -4,6 +4,7 @@
 #include <QtGui/QScreen>
 #include <QtWidgets/QApplication>
 #include <algorithm>
+#include <cmath>
 
 #include "popup/LivePanelScreens.h"
 
@@ -149,7 +150,15 @@ void CapturePromptPanelController::applyUpdate() {
   // Without any screen the window stays as it is, and what has no room in it scrolls.
   const bool isFixed = !visible;
   if (isFixed) visible = QRectF(panel_->geometry().adjusted(kMargin, kMargin, -kMargin, -kMargin));
-  const auto placement = PanelPlacement::place(height - 2 * kMargin, *visible);
+  const int card = height - 2 * kMargin;
+  auto placement = PanelPlacement::place(card, *visible);
+  // On a low screen the picture gives way first.
+  if (placement.scrolls && next->showThumbnail) {
+    const int excess = static_cast<int>(std::ceil(card - placement.card.height()));
+    const int reduction = std::min(excess, next->thumbnailHeight - kLeastThumbnailHeight);
+    next->thumbnailHeight -= reduction;
+    placement = PanelPlacement::place(card - reduction, *visible);
+  }
   next->scrolls = placement.scrolls;
   if (next != content_) {
     ++viewChangeCount_;

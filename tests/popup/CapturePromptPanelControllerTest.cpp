@@ -355,6 +355,22 @@ TEST_F(CapturePromptPanelControllerTest, WithoutThePreviewItIsShorterByIt) {
   EXPECT_EQ(frame().height(), before - 204 + 36) << "its actions stand in a row of their own now";
 }
 
+TEST_F(CapturePromptPanelControllerTest, OnALowScreenThePictureGivesWayBeforeAnythingScrolls) {
+  show();
+  const double natural = frame().height() - 48;
+  const auto lower = [&](double points) {
+    screens.all = {{QRectF(0, 0, 800, 800), QRectF(0, 0, 800, natural + 48 - points)}};
+    windowSystem.availableGeometryChanged();
+    executor.drain();
+    return std::pair(popup->content()->thumbnailHeight, popup->content()->scrolls);
+  };
+  EXPECT_EQ(lower(0), std::pair(204, false));
+  EXPECT_EQ(lower(50), std::pair(154, false));
+  EXPECT_EQ(lower(108), std::pair(96, false));
+  EXPECT_EQ(lower(109), std::pair(96, true));
+  EXPECT_EQ(lower(0), std::pair(204, false)) << "with room again";
+}
+
 TEST_F(CapturePromptPanelControllerTest, OnAScreenTooShortTheContentScrolls) {
   screens.all = {{QRectF(0, 0, 800, 800), QRectF(0, 0, 800, 250)}};
   show();
@@ -378,7 +394,12 @@ TEST_F(CapturePromptPanelControllerTest, WithoutAnyScreenItStaysWhereItIs) {
   settle();
   EXPECT_TRUE(isVisible());
   EXPECT_EQ(frame(), before);
-  EXPECT_TRUE(popup->content()->scrolls) << "what has no room in it";
+  EXPECT_LT(popup->content()->thumbnailHeight, 160) << "what has no room gives way";
+  model->setShowPopupThumbnail(false);
+  model->show(ErrorScope::popup, QStringLiteral("Title"), QStringLiteral("Message ").repeated(60));
+  settle();
+  EXPECT_EQ(frame(), before);
+  EXPECT_TRUE(popup->content()->scrolls) << "and then scrolls";
 }
 
 TEST_F(CapturePromptPanelControllerTest, AnEvictedFileIsNotMeasured) {
