@@ -30,7 +30,7 @@ PreviewLayout PreviewLayout::of(QSize well, QSize actions, const std::optional<Q
   placeActions(well.width());
   const auto beside = [&] { return all.adjusted(0, 0, layout.actions.left() - kInset - well.width(), 0); };
   const auto below = [&] { return all.adjusted(0, layout.actions.bottom() + 1 + kInset, 0, 0); };
-  const auto widthIn = [](const QSizeF& picture, const QRect& area) { return fitted(picture, area.size()).width(); };
+  const auto widthIn = [](const QSizeF& size, const QRect& area) { return fitted(size, area.size()).width(); };
   const auto meetsActions = [&](const QRectF& place) {
     return place.intersects(QRectF(layout.actions).adjusted(-kInset, 0, 0, kInset));
   };
