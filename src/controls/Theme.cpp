@@ -111,4 +111,9 @@ QFont scaled(QFont font, qreal factor, QFont::Weight weight) {
   return font;
 }
 
+QFont fileNameFont(QFont font) {
+  font.setStyleStrategy(QFont::PreferNoShaping);
+  return font;
+}
+
 }  // namespace quillmere

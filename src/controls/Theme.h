@@ -44,5 +44,7 @@ struct Theme {
 
 /// The font at another size and weight.
 QFont scaled(QFont font, qreal factor, QFont::Weight weight = QFont::Normal);
+/// For names of files, which are shown letter by letter: some fonts make a multiplication sign of an x between digits.
+QFont fileNameFont(QFont font);
 
 }  // namespace quillmere

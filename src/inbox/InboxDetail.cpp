@@ -61,7 +61,7 @@ InboxDetail::InboxDetail(AppModel& model, ThumbnailLoader& thumbnails, QWidget* 
 QWidget* InboxDetail::makeHeader() {
   auto* header = new QWidget(this);
   name_ = new PlainLabel(header);
-  name_->setFont(scaled(font(), 1.2, QFont::DemiBold));
+  name_->setFont(fileNameFont(scaled(font(), 1.2, QFont::DemiBold)));
   name_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   name_->setWordWrap(true);
   status_ = new ThemedLabel(Ink::secondary, header);

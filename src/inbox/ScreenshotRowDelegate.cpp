@@ -68,7 +68,7 @@ void ScreenshotRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem&
 
   const int textLeft = picture.right() + 1 + kPadding + 2;
   const int textWidth = row.right() - kPadding - textLeft;
-  const QFont nameFont = scaled(option.font, 1, QFont::Medium);
+  const QFont nameFont = fileNameFont(scaled(option.font, 1, QFont::Medium));
   const QFont statusFont = scaled(option.font, 0.92);
   const int nameHeight = QFontMetrics(nameFont).height();
   const int statusHeight = QFontMetrics(statusFont).height();

@@ -19,10 +19,7 @@ PromptFilenameField::PromptFilenameField(QWidget* parent) : QLineEdit(parent) {
   setFrame(false);
   setTextMargins(kPadding, 0, kPadding, 0);
   setFixedHeight(kHeight);
-  // It is the file's name: some fonts make a multiplication sign of an x between digits.
-  QFont plain = font();
-  plain.setStyleStrategy(QFont::PreferNoShaping);
-  setFont(plain);
+  setFont(fileNameFont(font()));
   setFocusPolicy(Qt::StrongFocus);
   setAccessibleName(localized("Filename"));
   setAccessibleDescription(localized(

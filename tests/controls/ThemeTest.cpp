@@ -148,5 +148,14 @@ TEST(ThemeTest, HigherContrastHasAnOpaqueCardWithAnEdgeInTheTextsColour) {
   }
 }
 
+TEST(FileNameFont, ShowsLettersAsTheyAreAndIsElseTheSame) {
+  const QFont font(QStringLiteral("Inter"), 13, QFont::DemiBold);
+  const QFont plain = fileNameFont(font);
+  EXPECT_TRUE(plain.styleStrategy() & QFont::PreferNoShaping);
+  EXPECT_EQ(plain.family(), font.family());
+  EXPECT_EQ(plain.pointSize(), font.pointSize());
+  EXPECT_EQ(plain.weight(), font.weight());
+}
+
 }  // namespace
 }  // namespace quillmere
