@@ -46,7 +46,7 @@ HeldKeys::HeldKeys(std::function<bool(quint32)> isDown) : isDown_(std::move(isDo
 }
 
 void HeldKeys::forgetReleased() {
-  const auto isReleased = [this](quint32 key) { return !isDown_ || !isDown_(key); };
+  const auto isReleased = [this](quint32 key) { return !isDown_(key); };
   std::erase_if(tried_, isReleased);
   std::erase_if(pressed_, isReleased);
 }

@@ -6,9 +6,9 @@
 
 namespace quillmere {
 
-/// A key that is held decides once. While it lives, the presses that a window system makes of a held Return, Escape,
-/// Space or Delete reach no window of the program; the next one that counts follows a release. In a text, Space and
-/// Delete repeat as anywhere.
+/// A key that is held decides once. While it lives, the presses that a window system makes of a held Return, Enter,
+/// Escape, Space, Delete or Backspace reach no window of the program; the next one that counts follows a release. In a
+/// text the last three repeat as anywhere.
 ///
 /// A repeat is one that Qt marks, or a press of a key that was not released since: on X11 Qt marks few of them, and the
 /// platform has to ask the server for real releases only.
@@ -16,7 +16,7 @@ class HeldKeys final : public QObject {
  public:
   /// `isDown` tells at the moment whether a key is held, by its native scan code. It is asked when a window gets the
   /// keyboard: releases while another program had it were not told.
-  explicit HeldKeys(std::function<bool(quint32 scanCode)> isDown = {});
+  explicit HeldKeys(std::function<bool(quint32 scanCode)> isDown);
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;

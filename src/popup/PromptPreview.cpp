@@ -37,9 +37,9 @@ PromptPreview::PromptPreview(Executor& executor, ThumbnailLoader& thumbnails, QW
 }
 
 void PromptPreview::show(const CapturePromptContent& content) {
-  isWindow_ = content.shownPart().has_value();
+  const bool isWindow = content.shownPart().has_value();
   screenshotPixels_ = content.screenshotPixelSize;
-  shownPixels_ = content.previewPixelSize;
+  windowPixels_ = isWindow ? content.previewPixelSize : std::nullopt;
   setFixedHeight(content.thumbnailHeight);
   actions_->show(content);
   lay();
@@ -47,12 +47,12 @@ void PromptPreview::show(const CapturePromptContent& content) {
   if (!content.reportsEdits) return;
   thumbnail_->setAccessibleDescription(
       !content.canReadImage ? QString()
-      : isWindow_ ? localized("Drag this preview into another app to put the extracted window there as an image.")
-                  : localized("Drag this preview into another app to put the screenshot’s file there."));
+      : isWindow ? localized("Drag this preview into another app to put the extracted window there as an image.")
+                 : localized("Drag this preview into another app to put the screenshot’s file there."));
   ScreenshotThumbnail::Content picture;
   picture.url = content.item.url;
   picture.maxPointSize = kPreviewWidth;
-  picture.accessibilityLabel = isWindow_ ? localized("Extracted window preview") : localized("Screenshot preview");
+  picture.accessibilityLabel = isWindow ? localized("Extracted window preview") : localized("Screenshot preview");
   picture.identity = content.item.fileIdentity;
   picture.hasImageData = !content.isEvicted;
   picture.cornerRadius = kCornerRadius;
@@ -79,8 +79,8 @@ void PromptPreview::lay() {
     return pixels ? std::optional(*pixels / devicePixelRatioF()) : std::nullopt;
   };
   actions_->adjustSize();
-  const auto window = isWindow_ ? points(shownPixels_) : std::nullopt;
-  const PreviewLayout layout = PreviewLayout::of(size(), actions_->size(), points(screenshotPixels_), window);
+  const PreviewLayout layout =
+      PreviewLayout::of(size(), actions_->size(), points(screenshotPixels_), points(windowPixels_));
   const auto mirrored = [this](const QRect& place) { return QStyle::visualRect(layoutDirection(), rect(), place); };
   actions_->setGeometry(mirrored(layout.actions));
   thumbnail_->setGeometry(actions_->isHidden() ? rect() : mirrored(layout.picture));

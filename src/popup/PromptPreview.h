@@ -40,9 +40,8 @@ class PromptPreview final : public QWidget {
   ScreenshotThumbnail* thumbnail_;
   PromptPreviewActions* actions_;
   PromptPreviewNoticeView* notice_;
-  bool isWindow_ = false;
   std::optional<QSizeF> screenshotPixels_;
-  std::optional<QSizeF> shownPixels_;
+  std::optional<QSizeF> windowPixels_;  ///< of the window that is shown out of it
   std::optional<QPoint> pressedAt_;
 };
 

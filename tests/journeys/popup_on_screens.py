@@ -128,6 +128,17 @@ def scaled_screens(desktop):
     stage.expect_corner("which ends", 3840, 1200)
 
 
+def a_low_screen(desktop):
+    stage = Stage(desktop)
+    with Dock(desktop, 0, 473, 853, 60, bottom=60):
+        stage.show(width=400, height=230)
+        left, top, right, bottom = stage.windows.card()
+        expect(f"the card takes what height there is: {top}, {bottom}", (top, bottom) == (IN, 473 - IN - 1))
+        expect("its picture gave way, and nothing scrolls", not desktop.find(role="scroll bar", window=POPUP_TITLE))
+        desktop.popup.press("Move to Trash")
+        desktop.popup.wait_gone()
+
+
 def a_small_screen(desktop):
     stage = Stage(desktop)
     stage.show(width=400, height=230)
@@ -152,5 +163,6 @@ run_side_by_side("popup-on-screens", {
     "scaled": (scaled_screens,
                {"size": "3840x1200", "scale": 1.5,
                 "monitors": {"left": "1920x1200+0+0", "right": "1920x1200+1920+0"}}),
+    "low": (a_low_screen, {"size": "853x533"}),
     "small": (a_small_screen, {"size": "400x300"}),
 })

@@ -3,9 +3,9 @@
 #include <QtCore/QString>
 #include <deque>
 #include <functional>
+#include <optional>
 
 #include "foundation/Executor.h"
-#include "foundation/Weak.h"
 #include "model/AppModelDependencies.h"
 
 namespace quillmere {
