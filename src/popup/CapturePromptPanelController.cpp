@@ -104,14 +104,14 @@ void CapturePromptPanelController::makePanel(AppModel& model) {
     if (modal && (!modal->parentWidget() || belongsTo(modal, *panel_))) return;
     previousWindow_ = 0;
     // The person has gone to another window: a click on a button must leave the keyboard there.
-    panel_->windowHandle()->setFlag(Qt::WindowDoesNotAcceptFocus, true);
+    services_.windowSystem->setAcceptsKeyboard(*panel_->windowHandle(), false);
   };
   panel_->winId();
 }
 
 void CapturePromptPanelController::showPanel() {
   QWindow& window = *panel_->windowHandle();
-  window.setFlag(Qt::WindowDoesNotAcceptFocus, true);
+  services_.windowSystem->setAcceptsKeyboard(window, false);
   followCompositing();
   services_.windowSystem->prepare(window);
   const QRect frame = panel_->geometry();
@@ -242,7 +242,7 @@ void CapturePromptPanelController::takeKeyboard() {
   const quintptr active = services_.windowSystem->activeWindow();
   const bool isOurs = QGuiApplication::focusWindow() != nullptr;
   previousWindow_ = isOurs ? 0 : active;
-  window.setFlag(Qt::WindowDoesNotAcceptFocus, false);
+  services_.windowSystem->setAcceptsKeyboard(window, true);
   services_.windowSystem->activate(window.winId());
 }
 

@@ -16,6 +16,10 @@ class PanelWindowSystem {
   virtual void prepare(QWindow& window) = 0;
   /// After it is shown.
   virtual void finish(QWindow& window) = 0;
+  /// Whether the window manager may give the window the keyboard, by a click for one. It is given none by this.
+  virtual void setAcceptsKeyboard(QWindow& window, bool accepts) {
+    window.setFlag(Qt::WindowDoesNotAcceptFocus, !accepts);
+  }
   /// Where the card stands, in the window's points, also before the window is shown. Clicks outside go to whatever lies
   /// below, and where nothing shines through the window ends there.
   virtual void setClickableArea(QWindow& window, const QRect& area) = 0;

@@ -469,8 +469,14 @@ def path_of(record):
 
 def run_journey(name, journey, **desktop_options):
     """Runs it on a desktop of its own and ends the process."""
+    run_on(Desktop(name, **desktop_options), journey)
+
+
+def run_on(new_desktop, journey):
+    """Runs it on the desktop, which is gone with the process."""
+    name = new_desktop.name
     try:
-        with Desktop(name, **desktop_options) as desktop:
+        with new_desktop as desktop:
             journey(desktop)
     except JourneyFailed as failure:
         print(f"{name}: {failure}", flush=True)

@@ -32,6 +32,7 @@ TESTED_ELSEWHERE = {
     "platform/linux/panel/X11Display": "Needs an X server: journey.popup_on_window_managers.",
     "platform/linux/panel/X11FullScreenCompanion": "Needs a window manager: journey.popup_on_window_managers.",
     "platform/linux/panel/X11Keyboard": "Needs an X server: journey.keys.",
+    "platform/linux/panel/X11KeyboardHolder": "Needs a compositor with an X server: journey.wayland_session.sway.",
     "platform/linux/panel/X11PanelWindowSystem": "Needs a window manager: journey.popup_on_window_managers.",
 }
 

@@ -3,6 +3,7 @@
 #include <QtGui/private/qtx11extras_p.h>
 #include <QtGui/qguiapplication_platform.h>
 #include <QtGui/QGuiApplication>
+#include <QtGui/QScreen>
 #include <algorithm>
 #include <cstring>
 
@@ -32,10 +33,23 @@ X11Display::X11Display(xcb_connection_t* connection, int screen) : connection_(c
   for (int i = 0; i < screen; ++i) xcb_screen_next(&screens);
   root_ = screens.data->root;
   compositorSelection_ = atom("_NET_WM_CM_S" + std::to_string(screen));
-  constexpr std::string_view kExtension = "XFIXES";
-  const auto cookie = xcb_query_extension(connection, kExtension.size(), kExtension.data());
-  const auto reply = owned(xcb_query_extension_reply(connection, cookie, nullptr));
-  if (reply && reply->present) selectionEvent_ = reply->first_event;
+  selectionEvent_ = firstEventOf("XFIXES");
+  hasWaylandExtension_ = firstEventOf("XWAYLAND").has_value();
+}
+
+/// Servers from before that extension name their screens so; asked each time, since such a server starts without any.
+bool X11Display::isBesideWayland() const {
+  const auto screens = QGuiApplication::screens();
+  return hasWaylandExtension_ || std::any_of(screens.begin(), screens.end(), [](const QScreen* screen) {
+           return screen->name().startsWith(QLatin1String("XWAYLAND"));
+         });
+}
+
+/// None where the server lacks the extension.
+std::optional<uint8_t> X11Display::firstEventOf(std::string_view extension) const {
+  const auto cookie = xcb_query_extension(connection_, static_cast<uint16_t>(extension.size()), extension.data());
+  const auto reply = owned(xcb_query_extension_reply(connection_, cookie, nullptr));
+  return reply && reply->present ? std::optional(reply->first_event) : std::nullopt;
 }
 
 QSize X11Display::rootSize() const {
@@ -97,6 +111,18 @@ void X11Display::setWindow(xcb_window_t window, const char* property, xcb_window
   xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom(property), XCB_ATOM_WINDOW, 32, 1, &value);
 }
 
+void X11Display::setInputHint(xcb_window_t window, bool accepts) {
+  constexpr size_t kLength = 9;
+  constexpr uint32_t kTellsInput = 1;
+  auto hints = property(window, "WM_HINTS");
+  hints.resize(kLength);
+  hints[0] |= kTellsInput;
+  hints[1] = accepts ? 1 : 0;
+  xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_HINTS, XCB_ATOM_WM_HINTS, 32, kLength,
+                      hints.data());
+  xcb_flush(connection_);
+}
+
 void X11Display::askWindowManager(xcb_window_t window, const char* message, const std::array<uint32_t, 5>& data) {
   xcb_client_message_event_t event{};
   event.response_type = XCB_CLIENT_MESSAGE;
@@ -107,6 +133,11 @@ void X11Display::askWindowManager(xcb_window_t window, const char* message, cons
   xcb_send_event(connection_, 0, root_, XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                  reinterpret_cast<const char*>(&event));
   xcb_flush(connection_);
+}
+
+bool X11Display::windowManagerKnows(const char* name) {
+  const auto known = property(root_, "_NET_SUPPORTED");
+  return std::find(known.begin(), known.end(), atom(name)) != known.end();
 }
 
 bool X11Display::hasCompositor() const {

@@ -6,7 +6,9 @@
 #include <cstdlib>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quillmere {
@@ -35,8 +37,14 @@ class X11Display {
   void setAtoms(xcb_window_t window, const char* property, const std::vector<const char*>& names);
   void setNumber(xcb_window_t window, const char* property, uint32_t value);
   void setWindow(xcb_window_t window, const char* property, xcb_window_t value);
+  /// Whether the window manager may give the window the keyboard (the "input" hint of `WM_HINTS`).
+  void setInputHint(xcb_window_t window, bool accepts);
   void askWindowManager(xcb_window_t window, const char* message, const std::array<uint32_t, 5>& data);
 
+  /// Whether the window manager says that it keeps to a part of the specification for window managers.
+  bool windowManagerKnows(const char* name);
+  /// Whether a Wayland compositor shows the windows of this X server among its own.
+  bool isBesideWayland() const;
   bool hasCompositor() const;
   /// Whether a window can be seen if nothing covers it; a window on another desktop cannot.
   bool isViewable(xcb_window_t window) const;
@@ -50,11 +58,13 @@ class X11Display {
 
  private:
   X11Display(xcb_connection_t* connection, int screen);
+  std::optional<uint8_t> firstEventOf(std::string_view extension) const;
 
   xcb_connection_t* connection_;
   xcb_window_t root_ = XCB_WINDOW_NONE;
   xcb_atom_t compositorSelection_ = XCB_ATOM_NONE;
   std::optional<uint8_t> selectionEvent_;
+  bool hasWaylandExtension_ = false;
   std::map<std::string, xcb_atom_t> atoms_;
 };
 

@@ -30,6 +30,15 @@ xcb_window_t identifier(const QWindow& window) {
 X11PanelWindowSystem::X11PanelWindowSystem() : display_(X11Display::ofApplication()) {
   if (!display_) return;
   companion_ = std::make_unique<X11FullScreenCompanion>(*display_);
+  keyboardHolder_ = std::make_unique<X11KeyboardHolder>(*display_);
+  keyboardHolder_->onCloseRequested = [this] {
+    if (panel_) panel_->close();
+  };
+  QObject::connect(qGuiApp, &QGuiApplication::focusWindowChanged, &context_, [this] {
+    // Posted: between two windows there is none.
+    QMetaObject::invokeMethod(
+        &context_, [this] { followKeyboard(); }, Qt::QueuedConnection);
+  });
   isCompositing_ = isCompositing();
   qGuiApp->installNativeEventFilter(this);
 }
@@ -40,6 +49,9 @@ void X11PanelWindowSystem::prepare(QWindow& window) {
   if (!display_) return;
   isCompositing_ = isCompositing();
   const xcb_window_t id = identifier(window);
+  // Beside Wayland, a window manager that does not know this property gives the keyboard to each window that comes up,
+  // and puts it in the middle. What it does not manage stands where it was put, and above full screen.
+  setManaged(window, !display_->isBesideWayland() || display_->windowManagerKnows("_NET_WM_USER_TIME"));
   // The first kind that a window manager knows counts. The first lies over full-screen windows, and calls for no one's
   // attention, as a utility window without the keyboard does in some task bars.
   display_->setAtoms(id, "_NET_WM_WINDOW_TYPE",
@@ -51,9 +63,38 @@ void X11PanelWindowSystem::prepare(QWindow& window) {
   display_->setNumber(id, "_NET_WM_DESKTOP", kAllDesktops);
 }
 
+/// By the hint alone: with a change of its own flag Qt writes another kind of window, and a window manager that looks
+/// at that moment puts the popup below full screen and leaves it there. For Qt the window never accepts the keyboard,
+/// so that a click never asks for it.
+void X11PanelWindowSystem::setAcceptsKeyboard(QWindow& window, bool accepts) {
+  if (display_) display_->setInputHint(identifier(window), accepts);
+}
+
+void X11PanelWindowSystem::follow(QWindow& window) {
+  if (panel_ == &window) return;
+  panel_ = &window;
+  QObject::connect(&window, &QWindow::visibleChanged, &context_, [this] { followKeyboard(); });
+}
+
+void X11PanelWindowSystem::setManaged(QWindow& window, bool isManaged) {
+  isManaged_ = isManaged;
+  const uint32_t bypass = isManaged ? 0 : 1;
+  xcb_change_window_attributes(display_->connection(), identifier(window), XCB_CW_OVERRIDE_REDIRECT, &bypass);
+}
+
+/// The popup's empty stand-in goes when the person has gone on to another window, or the popup is gone.
+void X11PanelWindowSystem::followKeyboard() {
+  if (!keyboardHolder_->isHolding()) return;
+  const QWindow* focused = QGuiApplication::focusWindow();
+  // A question of the card's gives the keyboard back to it.
+  const bool isAsking = QGuiApplication::modalWindow() && QGuiApplication::modalWindow()->transientParent() == panel_;
+  const bool isOurs = focused == panel_ || isAsking || (focused && focused->transientParent() == panel_);
+  if (!panel_ || !panel_->isVisible() || !isOurs) keyboardHolder_->giveBack();
+}
+
 void X11PanelWindowSystem::finish(QWindow& window) {
   if (!display_) return;
-  panel_ = &window;
+  follow(window);
   // For the window managers that read the property only of windows that belong to no other.
   display_->askWindowManager(identifier(window), "_NET_WM_DESKTOP", {kAllDesktops, kSourcePager, 0, 0, 0});
   companion_->begin(identifier(window));
@@ -62,7 +103,7 @@ void X11PanelWindowSystem::finish(QWindow& window) {
 
 void X11PanelWindowSystem::setClickableArea(QWindow& window, const QRect& area) {
   if (!display_) return;
-  panel_ = &window;
+  follow(window);
   card_ = area;
   outline();
 }
@@ -98,6 +139,10 @@ quintptr X11PanelWindowSystem::activeWindow() const {
 
 void X11PanelWindowSystem::activate(quintptr window) {
   if (!display_ || window == 0) return;
+  if (!isManaged_ && panel_ && window == panel_->winId()) {
+    keyboardHolder_->take(static_cast<xcb_window_t>(window));
+    return;
+  }
   display_->askWindowManager(static_cast<xcb_window_t>(window), "_NET_ACTIVE_WINDOW",
                              {kSourcePager, static_cast<uint32_t>(QX11Info::getTimestamp()), 0, 0, 0});
 }
@@ -108,6 +153,7 @@ QRect X11PanelWindowSystem::availableGeometry(const QScreen& screen) const {
 
 bool X11PanelWindowSystem::nativeEventFilter(const QByteArray&, void* message, qintptr*) {
   const auto* event = static_cast<const xcb_generic_event_t*>(message);
+  if (keyboardHolder_->hear(*event)) return true;
   const uint8_t kind = event->response_type & ~kSent;
   if (kind == XCB_PROPERTY_NOTIFY) {
     hear(*static_cast<const xcb_property_notify_event_t*>(message));

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/linux/panel/X11FullScreenCompanion.h"
+#include "platform/linux/panel/X11KeyboardHolder.h"
 #include "popup/PanelWindowSystem.h"
 
 namespace quillmere {
@@ -23,6 +24,7 @@ class X11PanelWindowSystem final : public PanelWindowSystem, private QAbstractNa
 
   void prepare(QWindow& window) override;
   void finish(QWindow& window) override;
+  void setAcceptsKeyboard(QWindow& window, bool accepts) override;
   void setClickableArea(QWindow& window, const QRect& area) override;
   bool isCompositing() const override;
   quintptr activeWindow() const override;
@@ -31,6 +33,9 @@ class X11PanelWindowSystem final : public PanelWindowSystem, private QAbstractNa
 
  private:
   bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
+  void follow(QWindow& window);
+  void setManaged(QWindow& window, bool isManaged);
+  void followKeyboard();
   void hear(const xcb_property_notify_event_t& event);
   void look();
   void outline();
@@ -38,10 +43,12 @@ class X11PanelWindowSystem final : public PanelWindowSystem, private QAbstractNa
 
   std::unique_ptr<X11Display> display_;  // none where there is no X server
   std::unique_ptr<X11FullScreenCompanion> companion_;
+  std::unique_ptr<X11KeyboardHolder> keyboardHolder_;
   QPointer<QWindow> panel_;
   QRect card_;                    // in the window's points
   std::vector<QRect> available_;  // of the screens, when last looked at
   bool isCompositing_ = true;     // when last looked at
+  bool isManaged_ = true;         // by the window manager
   bool isLookPosted_ = false;
   QObject context_;
 };
