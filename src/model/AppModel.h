@@ -107,6 +107,8 @@ class AppModel : private AnalysisRecords,
   void setDeletesExpiredImmediately(bool isOn) { settings_.deletesExpiredImmediately.change(isOn); }
   void setPopupAutoSaveEnabled(bool isOn);
   void setPopupAutoSaveSeconds(int seconds);
+  void setPopupWaitsForPause(bool isOn);
+  void setPopupPauseSeconds(int seconds);
   void setScreenshotNaming(ScreenshotNaming naming) { settings_.screenshotNaming.change(naming); }
   void setIncludesNonCaptureImages(bool includes);
   void setHasSeenWelcome(bool hasSeen) { settings_.hasSeenWelcome.change(hasSeen); }

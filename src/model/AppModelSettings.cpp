@@ -43,6 +43,14 @@ void AppModel::setPopupAutoSaveSeconds(int seconds) {
   if (settings_.popupAutoSaveSeconds.change(seconds)) restartCountdown();
 }
 
+void AppModel::setPopupWaitsForPause(bool isOn) {
+  settings_.popupWaitsForPause.change(isOn);
+}
+
+void AppModel::setPopupPauseSeconds(int seconds) {
+  settings_.popupPauseSeconds.change(seconds);
+}
+
 void AppModel::setIncludesNonCaptureImages(bool includes) {
   settings_.includesNonCaptureImages.change(includes);
   dependencies_.monitor->setIncludesNonCaptureImages(includes);

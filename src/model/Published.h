@@ -22,6 +22,8 @@ enum class ModelField {
   deletesExpiredImmediately,
   popupAutoSaveEnabled,
   popupAutoSaveSeconds,
+  popupWaitsForPause,
+  popupPauseSeconds,
   screenshotNaming,
   includesNonCaptureImages,
   promptError,

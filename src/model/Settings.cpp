@@ -60,4 +60,8 @@ int Settings::popupSeconds(int seconds) {
   return std::clamp(seconds, kShortestPopupSeconds, kLongestPopupSeconds);
 }
 
+int Settings::pauseSeconds(int seconds) {
+  return std::clamp(seconds, kShortestPauseSeconds, kLongestPauseSeconds);
+}
+
 }  // namespace quillmere

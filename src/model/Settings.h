@@ -77,6 +77,8 @@ class Settings {
 
   static constexpr int kShortestPopupSeconds = 3;
   static constexpr int kLongestPopupSeconds = 300;
+  static constexpr int kShortestPauseSeconds = 1;
+  static constexpr int kLongestPauseSeconds = 60;
   /// The address of a model server as it is stored now, for those that read it anew each time.
   static std::optional<QString> storedModelAddress(const UserDefaults& defaults);
   /// The keys of the foreign model servers that are allowed now.
@@ -86,6 +88,7 @@ class Settings {
   static constexpr const char* kModelAddress = "quillmere.model-address";
   static constexpr const char* kForeignModelServers = "quillmere.foreign-model-servers";
   static int popupSeconds(int seconds);
+  static int pauseSeconds(int seconds);
 
   SettingsHome home_;
 
@@ -106,6 +109,10 @@ class Settings {
   Setting<bool> popupAutoSaveEnabled{home_, "quillmere.popup-autosave", ModelField::popupAutoSaveEnabled, false};
   Setting<int> popupAutoSaveSeconds{home_, "quillmere.popup-seconds", ModelField::popupAutoSaveSeconds, 10,
                                     &popupSeconds};
+  /// The popup waits until no screenshot has come for so many seconds.
+  Setting<bool> popupWaitsForPause{home_, "quillmere.popup-waits-for-pause", ModelField::popupWaitsForPause, false};
+  Setting<int> popupPauseSeconds{home_, "quillmere.popup-pause-seconds", ModelField::popupPauseSeconds, 5,
+                                 &pauseSeconds};
   Setting<ScreenshotNaming> screenshotNaming{home_, "quillmere.popup-naming", ModelField::screenshotNaming,
                                              ScreenshotNaming::original};
   Setting<bool> includesNonCaptureImages{home_, "quillmere.include-non-capture-images",

@@ -44,6 +44,7 @@ CapturePromptPanelController::CapturePromptPanelController(Services services)
   });
   availableGeometryChanges_ = services_.windowSystem->availableGeometryChanged.connect([this] { followScreens(); });
   compositingChanges_ = services_.windowSystem->compositingChanged.connect([this] { followCompositing(); });
+  followCaptureSigns();
   // Posted: at the signal the screen is still among the screens.
   QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, &screenObserver_, [this] {
     services_.executor->post([self = lifetime_.weak(this)] {
@@ -54,12 +55,20 @@ CapturePromptPanelController::CapturePromptPanelController(Services services)
 
 CapturePromptPanelController::~CapturePromptPanelController() {
   cancelOpening();
+  if (recessEnd_) services_.executor->cancelDelay(*recessEnd_);
 }
 
 void CapturePromptPanelController::present(const ScreenshotItem& item, AppModel& model) {
   model_ = &model;
   if (!panel_) makePanel(model);
-  if (!modelChanges_) modelChanges_ = model.changed.connect([this](const ModelChange&) { scheduleUpdate(); });
+  if (!modelChanges_) {
+    modelChanges_ = model.changed.connect([this](const ModelChange& change) {
+      if (change.field == ModelField::promptQueue) noteArrivals();
+      scheduleUpdate();
+    });
+  }
+  noteArrivals();
+  if (isAway_) return comeBackWhenOver();
   if (panel_->isVisible()) {
     // The screen is not chosen again: a popup that goes on to the next screenshot stays where it is.
     scheduleUpdate();
@@ -82,7 +91,8 @@ void CapturePromptPanelController::openUnlessSizeIsSought() {
 void CapturePromptPanelController::open() {
   cancelOpening();
   applyUpdate();
-  showPanel();
+  isAway_ = true;
+  comeBackWhenOver();
 }
 
 void CapturePromptPanelController::cancelOpening() {
@@ -211,12 +221,15 @@ void CapturePromptPanelController::measureAnew() {
 void CapturePromptPanelController::hide() {
   modelChanges_.reset();
   cancelOpening();
-  if (!panel_ || !panel_->isVisible()) return;
+  queueLength_ = 0;
+  const bool wasAway = std::exchange(isAway_, false);
+  takesKeyboardBack_ = false;
+  if (!panel_ || (!panel_->isVisible() && !wasAway)) return;
   const bool hadKeyboard = panel_->isActiveWindow();
   const quintptr previous = std::exchange(previousWindow_, 0);
   panel_->hide();
   services_.executor->post([self = lifetime_.weak(this)] {
-    if (!self || self->panel_->isVisible()) return;
+    if (!self || self->panel_->isVisible() || self->isAway_) return;
     self->content_.reset();
     self->measuredHeights_.clear();
     self->view_->clear();
@@ -233,6 +246,7 @@ void CapturePromptPanelController::hide() {
 
 void CapturePromptPanelController::focusForReview() {
   if (opening_) open();
+  if (isAway_) comeBack();
   if (panel_ && panel_->isVisible()) takeKeyboard();
 }
 
@@ -247,6 +261,10 @@ void CapturePromptPanelController::takeKeyboard() {
 }
 
 bool CapturePromptPanelController::isPointerEngaged() const {
+  return isAway_ || isUsed();
+}
+
+bool CapturePromptPanelController::isUsed() const {
   if (!panel_ || !panel_->isVisible()) return false;
   // A menu of the card may reach beyond it.
   if (panel_->isActiveWindow() || belongsTo(QApplication::activePopupWidget(), *panel_)) return true;

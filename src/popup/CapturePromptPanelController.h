@@ -4,10 +4,12 @@
 #include <functional>
 #include <list>
 #include <memory>
+#include <vector>
 
 #include "formats/ThumbnailLoader.h"
 #include "foundation/Weak.h"
 #include "popup/CaptureDecisionPanel.h"
+#include "popup/CaptureRecess.h"
 #include "popup/CapturePromptContent.h"
 #include "popup/CapturePromptView.h"
 #include "popup/PanelPlacement.h"
@@ -26,6 +28,7 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
     Sharing* sharing = nullptr;
     PanelScreenProviding* screens = nullptr;
     PanelWindowSystem* windowSystem = nullptr;
+    std::vector<CaptureSigns*> captureSigns;
     std::function<bool(const FileURL&)> isDataless;  ///< any thread
     /// Where the capture was taken, in global top-left points, if the file says so.
     std::function<std::optional<QRectF>(const FileURL&)> captureRect;
@@ -36,6 +39,7 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
   void present(const ScreenshotItem& item, AppModel& model) override;
   void hide() override;
   void focusForReview() override;
+  /// Also while the popup keeps away from someone who takes screenshots: nobody can answer it then.
   bool isPointerEngaged() const override;
 
   const std::optional<CapturePromptContent>& content() const { return content_; }
@@ -56,6 +60,12 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
   void openUnlessSizeIsSought();
   void open();
   void cancelOpening();
+  void followCaptureSigns();
+  void noteArrivals();
+  void keepAway();
+  void comeBackWhenOver();
+  void comeBack();
+  bool isUsed() const;
   void scheduleUpdate();
   void applyUpdate();
   std::optional<CapturePromptContent> makeContent();
@@ -81,6 +91,12 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
   Connection compositingChanges_;
   std::optional<QRectF> screenFrame_;
   std::optional<Executor::DelayID> opening_;  ///< the popup is about to come up
+  std::vector<Connection> signs_;
+  CaptureRecess recess_;
+  bool isAway_ = false;  ///< hidden by a recess, else it would show
+  bool takesKeyboardBack_ = false;
+  std::optional<Executor::DelayID> recessEnd_;
+  size_t queueLength_ = 0;
   bool isUpdateScheduled_ = false;
   bool isApplyingUpdate_ = false;
   int updateCount_ = 0;

@@ -69,6 +69,8 @@ bool isShown(ModelField field) {
     case ModelField::showPopupThumbnail:
     case ModelField::popupAutoSaveEnabled:
     case ModelField::popupAutoSaveSeconds:
+    case ModelField::popupWaitsForPause:
+    case ModelField::popupPauseSeconds:
     case ModelField::screenshotNaming:
     case ModelField::analyzeScreenshots:
     case ModelField::intelligenceUnavailability:
@@ -240,6 +242,26 @@ QWidget* SettingsWindow::makePopupPane() {
   connect(showsThumbnail_, &QCheckBox::toggled, this, [this](bool isOn) { model_.setShowPopupThumbnail(isOn); });
   column->addWidget(showsThumbnail_);
 
+  auto* series = addGroup(column, localized("Several in a row"), pane);
+  waitsForPause_ = new QCheckBox(localized("Show the popup when you stop capturing"), pane);
+  connect(waitsForPause_, &QCheckBox::toggled, this, [this](bool isOn) { model_.setPopupWaitsForPause(isOn); });
+  series->addWidget(waitsForPause_);
+  pauseLabel_ = new PlainLabel(pane);
+  pause_ = new QSpinBox(pane);
+  pause_->setRange(Settings::kShortestPauseSeconds, Settings::kLongestPauseSeconds);
+  pause_->setAccessibleName(localized("Seconds after the last screenshot"));
+  pause_->setKeyboardTracking(false);
+  connect(pause_, &QSpinBox::valueChanged, this, [this](int value) { model_.setPopupPauseSeconds(value); });
+  auto* pauseRow = new QHBoxLayout;
+  pauseRow->addWidget(pauseLabel_);
+  pauseRow->addStretch();
+  pauseRow->addWidget(pause_);
+  series->addLayout(pauseRow);
+  series->addWidget(makeFooter(
+      localized("The popup steps aside for the Print key and for the capture tools that it can tell. With others it "
+                "may stand in the next screenshot unless it waits."),
+      pane));
+
   auto* timeout = addGroup(column, localized("Timeout"), pane);
   dismissesPopup_ = new QCheckBox(localized("Automatically dismiss the popup"), pane);
   connect(dismissesPopup_, &QCheckBox::toggled, this, [this](bool isOn) { model_.setPopupAutoSaveEnabled(isOn); });
@@ -295,6 +317,12 @@ void SettingsWindow::refresh() {
   seconds_->setValue(*model_.settings().popupAutoSaveSeconds);
   seconds_->setEnabled(*model_.settings().popupAutoSaveEnabled);
   secondsLabel_->setEnabled(*model_.settings().popupAutoSaveEnabled);
+  waitsForPause_->setChecked(*model_.settings().popupWaitsForPause);
+  pauseLabel_->setText(
+      localized("Show it %lld seconds after the last screenshot", {*model_.settings().popupPauseSeconds}));
+  pause_->setValue(*model_.settings().popupPauseSeconds);
+  pause_->setEnabled(*model_.settings().popupWaitsForPause);
+  pauseLabel_->setEnabled(*model_.settings().popupWaitsForPause);
   const bool usesSuggested = *model_.settings().screenshotNaming == ScreenshotNaming::suggested;
   naming_->setCurrentIndex(usesSuggested ? 1 : 0);
   const QString footer = localized(

@@ -52,6 +52,9 @@ class SettingsWindow final : public QWidget {
   QCheckBox* dismissesPopup_ = nullptr;
   QLabel* secondsLabel_ = nullptr;
   QSpinBox* seconds_ = nullptr;
+  QCheckBox* waitsForPause_ = nullptr;
+  QLabel* pauseLabel_ = nullptr;
+  QSpinBox* pause_ = nullptr;
   QCheckBox* analyzes_ = nullptr;
   SymbolLabel* modelSymbol_ = nullptr;
   QLabel* modelStatus_ = nullptr;

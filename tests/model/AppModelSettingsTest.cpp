@@ -99,6 +99,18 @@ TEST_F(AppModelSettings, PopupSecondsAreClampedWhenWritten) {
   EXPECT_EQ(settingsOnDisk()["quillmere.popup-seconds"], QJsonValue(300));
 }
 
+TEST_F(AppModelSettings, ThePopupWaitsForNoPauseUntilThatIsChosen) {
+  makeModel();
+  EXPECT_FALSE(*model->settings().popupWaitsForPause);
+  EXPECT_EQ(*model->settings().popupPauseSeconds, 5);
+  model->setPopupWaitsForPause(true);
+  model->setPopupPauseSeconds(0);
+  EXPECT_EQ(settingsOnDisk()["quillmere.popup-waits-for-pause"], QJsonValue(true));
+  EXPECT_EQ(settingsOnDisk()["quillmere.popup-pause-seconds"], QJsonValue(1));
+  model->setPopupPauseSeconds(100);
+  EXPECT_EQ(settingsOnDisk()["quillmere.popup-pause-seconds"], QJsonValue(60));
+}
+
 TEST_F(AppModelSettings, LastDurationOutsideTheChoicesReadsAsFiveMinutes) {
   setSettings(R"({"quillmere.last-duration": 45})");
   makeModel();

@@ -61,6 +61,13 @@ class FakeWindowSystem final : public PanelWindowSystem {
   bool refusesFocusWhenShown = false;
 };
 
+/// A tool that covers the screen as long as the test says.
+class FakeCaptureSigns final : public CaptureSigns {
+ public:
+  bool isChoosing() const override { return chooses; }
+  bool chooses = false;
+};
+
 constexpr quintptr kEditor = 4711;
 
 class CapturePromptPanelControllerTest : public testing::ModelFixture {
@@ -75,6 +82,7 @@ class CapturePromptPanelControllerTest : public testing::ModelFixture {
     services.sharing = &sharing;
     services.screens = &screens;
     services.windowSystem = &windowSystem;
+    services.captureSigns = {&signs};
     services.isDataless = [this](const FileURL& url) { return dataless.contains(url.path()); };
     services.captureRect = [this](const FileURL&) { return captureRect; };
     popup = std::make_unique<CapturePromptPanelController>(std::move(services));
@@ -120,6 +128,7 @@ class CapturePromptPanelControllerTest : public testing::ModelFixture {
 
   FakeScreens screens;
   FakeWindowSystem windowSystem;
+  FakeCaptureSigns signs;
   std::optional<QRectF> captureRect;
   FakeSharing sharing;
   ThumbnailLoader thumbnails{executor, [](const FileURL&) { return false; }};
@@ -680,6 +689,122 @@ TEST(LivePanelScreensTest, TurnsTheDesktopsCoordinatesAndBack) {
   EXPECT_EQ(main.frame, QRectF(0, 0, geometry.width(), geometry.height()));
   EXPECT_EQ(LivePanelScreens::toQt(main.frame), geometry);
   EXPECT_EQ(LivePanelScreens::toQt(QRectF(10, 20, 30, 40)), QRect(10, geometry.height() - 60, 30, 40));
+}
+
+// --- Out of the next capture ---
+
+TEST_F(CapturePromptPanelControllerTest, ASignOfACaptureHidesThePopupAtOnce) {
+  show();
+  signs.seen(CaptureSigns::Sign::key);
+  EXPECT_FALSE(isVisible());
+  EXPECT_EQ(popup->panel()->windowOpacity(), 0) << "a compositor that fades has nothing to fade";
+  EXPECT_TRUE(popup->isPointerEngaged()) << "its time stands still";
+  EXPECT_TRUE(popup->content()) << "and what it shows is kept";
+}
+
+TEST_F(CapturePromptPanelControllerTest, ItComesBackAfterThreeSeconds) {
+  show();
+  signs.seen(CaptureSigns::Sign::request);
+  executor.advance(std::chrono::milliseconds(2999));
+  EXPECT_FALSE(isVisible());
+  executor.advance(std::chrono::milliseconds(1));
+  EXPECT_TRUE(isVisible());
+  EXPECT_EQ(popup->panel()->windowOpacity(), 1);
+  EXPECT_FALSE(popup->isPointerEngaged());
+  EXPECT_TRUE(windowSystem.activated.empty()) << "without the keyboard, as it was";
+}
+
+TEST_F(CapturePromptPanelControllerTest, ItComesBackWithTheFile) {
+  show();
+  signs.seen(CaptureSigns::Sign::key);
+  arrivePicture("2.png", QSize(800, 400));
+  EXPECT_TRUE(isVisible());
+  EXPECT_EQ(popup->content()->queuedCount, 1);
+}
+
+TEST_F(CapturePromptPanelControllerTest, ItShowsWhatChangedMeanwhile) {
+  show();
+  signs.seen(CaptureSigns::Sign::key);
+  model->setShowPopupThumbnail(false);
+  executor.advance(seconds(3));
+  EXPECT_FALSE(popup->content()->showThumbnail);
+}
+
+TEST_F(CapturePromptPanelControllerTest, AFirstPopupWaitsForTheCaptureThatWasForetoldAfterIt) {
+  signs.seen(CaptureSigns::Sign::key);
+  signs.seen(CaptureSigns::Sign::key);
+  show();
+  EXPECT_FALSE(isVisible()) << "the second is still to come";
+  executor.advance(seconds(3));
+  EXPECT_TRUE(isVisible());
+}
+
+TEST_F(CapturePromptPanelControllerTest, ItKeepsAwayAsLongAsAPartOfTheScreenIsChosen) {
+  show();
+  signs.chooses = true;
+  signs.seen(CaptureSigns::Sign::request);
+  executor.advance(seconds(60));
+  EXPECT_FALSE(isVisible());
+  signs.chooses = false;
+  signs.choosingEnded();
+  EXPECT_FALSE(isVisible()) << "what was chosen is not saved yet";
+  arrivePicture("2.png", QSize(800, 400));
+  EXPECT_TRUE(isVisible());
+}
+
+TEST_F(CapturePromptPanelControllerTest, TheReviewBringsItBack) {
+  show();
+  signs.seen(CaptureSigns::Sign::key);
+  popup->focusForReview();
+  EXPECT_TRUE(isVisible());
+  EXPECT_EQ(windowSystem.active, popup->panel()->winId());
+}
+
+TEST_F(CapturePromptPanelControllerTest, ThePopupThatHadTheKeyboardTakesItBack) {
+  show();
+  popup->focusForReview();
+  signs.seen(CaptureSigns::Sign::key);
+  windowSystem.give(kEditor);
+  executor.advance(seconds(3));
+  EXPECT_EQ(windowSystem.active, popup->panel()->winId());
+}
+
+TEST_F(CapturePromptPanelControllerTest, WhatIsDecidedElsewhereMeanwhileStaysAway) {
+  const UUID id = show();
+  signs.seen(CaptureSigns::Sign::key);
+  model->keepBatch({id});
+  executor.drain();
+  executor.advance(seconds(10));
+  EXPECT_FALSE(isVisible());
+  EXPECT_FALSE(popup->isPointerEngaged());
+  EXPECT_FALSE(popup->content());
+}
+
+TEST_F(CapturePromptPanelControllerTest, WhereItIsWantedThePopupWaitsForTheEndOfASeries) {
+  model->setPopupWaitsForPause(true);
+  model->setPopupPauseSeconds(5);
+  show();
+  EXPECT_FALSE(isVisible());
+  executor.advance(seconds(4));
+  arrivePicture("2.png", QSize(800, 400));
+  executor.advance(std::chrono::milliseconds(4900));
+  EXPECT_FALSE(isVisible()) << "counted from the last";
+  executor.advance(std::chrono::milliseconds(100));
+  ASSERT_TRUE(isVisible());
+  EXPECT_EQ(popup->content()->queuedCount, 1);
+  arrivePicture("3.png", QSize(800, 400));
+  EXPECT_FALSE(isVisible()) << "someone goes on capturing";
+}
+
+TEST_F(CapturePromptPanelControllerTest, APopupThatIsUsedDoesNotWaitForASeries) {
+  model->setPopupWaitsForPause(true);
+  show();
+  executor.advance(seconds(5));
+  popup->focusForReview();
+  monitor.onScreenshot(shots.appending("2.png"));
+  savePicture("2.png", QSize(800, 400));
+  executor.drain();
+  EXPECT_TRUE(isVisible());
 }
 
 }  // namespace

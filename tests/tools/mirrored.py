@@ -21,6 +21,7 @@ TESTED_ELSEWHERE = {
     "model/AppModelFollowing": "Records follow files that come under new names, and their folder: "
                                "model/AppModelArrivalTest and model/AppModelWatchFolderTest.",
     "model/CloudDownloads": "Asks a sync client over D-Bus: platform/linux/files/CloudDownloadsTest, with a fake one.",
+    "popup/CapturePromptPanelRecess": "A part of CapturePromptPanelController: popup/CapturePromptPanelControllerTest.",
     "popup/CapturePromptViewPicture": "A part of CapturePromptView: popup/CapturePromptViewTest.",
     "platform/linux/system/SystemFiles": "foundation/FileStatusTest and foundation/FileCopyTest: it is what those two "
                                          "call on this system.",
@@ -29,6 +30,8 @@ TESTED_ELSEWHERE = {
     "platform/linux/announcing/LiveAnnouncer": "Chooses a form by the reader that runs: journey.announcements has all "
                                                "of them.",
     "platform/linux/appearance/XSettingsAppearance": "Needs an X server with a settings manager: journey.appearance.",
+    "platform/linux/signs/BusCaptureSigns": "Needs a bus that can be listened to: journey.next_capture.",
+    "platform/linux/signs/X11CaptureSigns": "Needs an X server with keys: journey.next_capture.",
     "platform/linux/panel/X11Display": "Needs an X server: journey.popup_on_window_managers.",
     "platform/linux/panel/X11FullScreenCompanion": "Needs a window manager: journey.popup_on_window_managers.",
     "platform/linux/panel/X11Keyboard": "Needs an X server: journey.keys.",
@@ -40,6 +43,7 @@ TESTED_ELSEWHERE = {
 PARTS = {
     "main": "It has nothing to declare.",
     "monitor/ScreenshotInboxMonitorApply": "ScreenshotInboxMonitor.h: what it does with what a look has found.",
+    "popup/CapturePromptPanelRecess": "CapturePromptPanelController.h: how it keeps away from captures.",
     "popup/CapturePromptViewPicture": "CapturePromptView.h: what the card does with its picture.",
 }
 

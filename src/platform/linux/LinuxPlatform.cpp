@@ -63,6 +63,7 @@ LinuxProcess::LinuxProcess(PlatformRequests requests)
 LinuxPlatform::LinuxPlatform(std::unique_ptr<LinuxProcess> process)
     : process_(std::move(process)),
       services_(process_->paths()),
+      busSigns_(services_.executor),
       heldKeys_(&X11Keyboard::isDown),
       session_(services_.executor, services_.systemEvents) {
   X11Keyboard::askForRealReleases();
@@ -83,6 +84,7 @@ CapturePromptPanelController::Services LinuxPlatform::popupServices() {
   services.executor = &services_.executor;
   services.sharing = &services_.sharing;
   services.windowSystem = &windowSystem_;
+  services.captureSigns = {&displaySigns_, &busSigns_};
   services.isDataless = &CloudFiles::isDataless;
   services.captureRect = &ScreenCaptureAttributes::globalRect;
   return services;

@@ -10,6 +10,8 @@
 #include "platform/linux/session/RunMarker.h"
 #include "platform/linux/session/SessionEvents.h"
 #include "platform/linux/session/TerminationSignals.h"
+#include "platform/linux/signs/BusCaptureSigns.h"
+#include "platform/linux/signs/X11CaptureSigns.h"
 #include "shell/Platform.h"
 
 namespace quillmere {
@@ -49,6 +51,8 @@ class LinuxPlatform final : public Platform {
   LiveServices services_;
   std::unique_ptr<DesktopAppearance> appearance_;
   X11PanelWindowSystem windowSystem_;
+  X11CaptureSigns displaySigns_;
+  BusCaptureSigns busSigns_;
   HeldKeys heldKeys_;
   SessionEvents session_;
   Connection modelFollower_;

@@ -25,7 +25,7 @@ std::vector<uint32_t> numbersOf(const xcb_get_property_reply_t* reply) {
 std::unique_ptr<X11Display> X11Display::ofApplication() {
   auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
   if (!x11 || !x11->connection()) return nullptr;
-  return std::unique_ptr<X11Display>(new X11Display(x11->connection(), QX11Info::appScreen()));
+  return std::make_unique<X11Display>(x11->connection(), QX11Info::appScreen());
 }
 
 X11Display::X11Display(xcb_connection_t* connection, int screen) : connection_(connection) {
@@ -89,6 +89,16 @@ std::vector<std::vector<uint32_t>> X11Display::properties(const std::vector<xcb_
 uint32_t X11Display::number(xcb_window_t window, const std::string& name) {
   const auto values = property(window, name);
   return values.empty() ? 0 : values.front();
+}
+
+QByteArray X11Display::text(xcb_window_t window, const std::string& name) {
+  constexpr uint32_t kLongest = 128;  // in words of four
+  xcb_generic_error_t* error = nullptr;
+  const auto cookie = xcb_get_property(connection_, 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, kLongest);
+  const auto reply = owned(xcb_get_property_reply(connection_, cookie, &error));
+  std::free(error);
+  if (!reply || reply->format != 8) return {};
+  return {static_cast<const char*>(xcb_get_property_value(reply.get())), xcb_get_property_value_length(reply.get())};
 }
 
 bool X11Display::hasState(xcb_window_t window, const char* state) {

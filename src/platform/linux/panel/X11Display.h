@@ -1,6 +1,7 @@
 #pragma once
 
 #include <xcb/xcb.h>
+#include <QtCore/QByteArray>
 #include <QtCore/QSize>
 #include <array>
 #include <cstdlib>
@@ -18,6 +19,8 @@ class X11Display {
  public:
   /// Null where Qt runs on another platform.
   static std::unique_ptr<X11Display> ofApplication();
+  /// By another connection, which outlives it.
+  X11Display(xcb_connection_t* connection, int screen);
 
   xcb_connection_t* connection() const { return connection_; }
   xcb_window_t root() const { return root_; }
@@ -32,6 +35,8 @@ class X11Display {
   std::vector<std::vector<uint32_t>> properties(const std::vector<xcb_window_t>& windows, const std::string& name);
   /// The first number of a property; 0 when there is none.
   uint32_t number(xcb_window_t window, const std::string& name);
+  /// The bytes of a property of texts, as long as a class or a name is.
+  QByteArray text(xcb_window_t window, const std::string& name);
   bool hasState(xcb_window_t window, const char* state);
 
   void setAtoms(xcb_window_t window, const char* property, const std::vector<const char*>& names);
@@ -57,7 +62,6 @@ class X11Display {
   }
 
  private:
-  X11Display(xcb_connection_t* connection, int screen);
   std::optional<uint8_t> firstEventOf(std::string_view extension) const;
 
   xcb_connection_t* connection_;

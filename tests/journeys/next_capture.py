@@ -1,0 +1,170 @@
+#!/usr/bin/python3
+"""The popup does not stand in the next screenshot: it leaves when a capture begins, by key or by tool, and comes back
+with the file or after three seconds. With the setting for it, it waits until the last of a series has come."""
+
+import os
+import subprocess
+import time
+
+import gi
+
+gi.require_version("GdkPixbuf", "2.0")
+from gi.repository import GdkPixbuf  # noqa: E402
+
+import captures
+from harness import POPUP_TITLE, expect, hold_for, run_journey, wait_until
+
+from windows import Windows
+
+CARD = (252, 252, 253)
+# How long the popup waits for a screenshot that was foretold, in seconds.
+RECESS = 3.0
+
+
+def card_in(path, place):
+    """Whether the popup's ground stands at this place of a picture."""
+    picture = GdkPixbuf.Pixbuf.new_from_file(path)
+    at = place[1] * picture.get_rowstride() + place[0] * picture.get_n_channels()
+    return tuple(picture.get_pixels()[at:at + 3]) == CARD
+
+
+def place_on_card(desktop):
+    left, top, right, _ = Windows(desktop).card()
+    return (left + right) // 2, top + 4
+
+
+def show(desktop):
+    shot = captures.save(desktop.folder)
+    desktop.popup.wait_for(shot)
+    return shot
+
+
+def decide_all(desktop):
+    while desktop.popup.is_shown:
+        waiting = desktop.popup.waiting_count
+        desktop.popup.press("Keep")
+        if waiting == 0:
+            desktop.popup.wait_gone()
+        else:
+            wait_until("the next one shows", lambda: desktop.popup.waiting_count == waiting - 1)
+
+
+def leaves_by_key(desktop):
+    show(desktop)
+    for key in ("Print", "alt+Print", "shift+Print"):
+        began = time.monotonic()
+        desktop.key(key)
+        wait_until("the popup leaves", lambda: not desktop.popup.is_shown)
+        wait_until("and comes back when nothing comes", lambda: desktop.popup.is_shown)
+        expect("not before its time", time.monotonic() - began >= RECESS)
+    decide_all(desktop)
+
+
+def two_in_a_row(desktop):
+    """Of two presses of the key the first file does not bring the popup back into the second."""
+    show(desktop)
+    desktop.key("Print")
+    wait_until("the popup leaves", lambda: not desktop.popup.is_shown)
+    desktop.key("Print")
+    captures.save(desktop.folder)
+    hold_for("it keeps away from the second", lambda: not desktop.popup.is_shown, 1)
+    captures.save(desktop.folder)
+    wait_until("and is back with that", lambda: desktop.popup.waiting_count == 2 and desktop.popup.is_shown, RECESS)
+    decide_all(desktop)
+
+
+def keeps_the_keyboard(desktop):
+    show(desktop)
+    desktop.popup.take_keyboard()
+    desktop.key("Print")
+    wait_until("the popup leaves", lambda: not desktop.popup.is_shown)
+    captures.save(desktop.folder)
+    wait_until("it is back and has the keyboard again",
+               lambda: desktop.popup.is_shown and desktop.active_title() == POPUP_TITLE)
+    wait_until("with the next", lambda: desktop.popup.waiting_count == 1)
+    decide_all(desktop)
+
+
+def countdown_stands_still(desktop):
+    desktop.program.kill()
+    desktop.choose_folder(settings={"quillmere.popup-autosave": True, "quillmere.popup-seconds": 3})
+    desktop.launch("--autostart")
+    shot = show(desktop)
+    desktop.move_pointer((5, 5))
+    desktop.key("Print")
+    wait_until("the popup leaves", lambda: not desktop.popup.is_shown)
+    hold_for("its time stands still", lambda: desktop.state_of(shot) == "pending", RECESS - 0.2)
+    wait_until("it is back", lambda: desktop.popup.is_shown)
+    wait_until("and its time runs out", lambda: desktop.state_of(shot) == "permanent")
+    desktop.popup.wait_gone()
+
+
+def asked_on_the_bus(desktop):
+    """As a portal's client asks; no portal has to answer for the popup to leave."""
+    show(desktop)
+    desktop.start(["gdbus", "call", "--session", "--dest", "org.freedesktop.DBus", "--object-path", "/", "--method",
+                   "org.freedesktop.portal.Screenshot.Screenshot", "", "{}"], stderr=subprocess.DEVNULL)
+    wait_until("the popup leaves", lambda: not desktop.popup.is_shown)
+    wait_until("and comes back", lambda: desktop.popup.is_shown)
+    decide_all(desktop)
+
+
+def waits_for_a_pause(desktop):
+    desktop.program.kill()
+    desktop.choose_folder(settings={"quillmere.popup-waits-for-pause": True, "quillmere.popup-pause-seconds": 2})
+    desktop.launch("--autostart")
+    for _ in range(3):
+        last = captures.save(desktop.folder)
+        wait_until("it is listed", lambda: desktop.state_of(last) == "pending")
+        hold_for("the popup waits", lambda: not desktop.popup.is_shown, 1)
+    wait_until("and shows with all three", lambda: desktop.popup.is_shown and desktop.popup.waiting_count == 2)
+    desktop.action("review")
+    decide_all(desktop)
+    last = captures.save(desktop.folder)
+    wait_until("it is listed", lambda: desktop.state_of(last) == "pending")
+    desktop.action("review")
+    wait_until("the review does not wait", lambda: desktop.popup.is_shown, 1)
+    decide_all(desktop)
+
+
+TOOLS = {
+    "gnome-screenshot": lambda path: ["gnome-screenshot", "-f", path],
+    "spectacle": lambda path: ["spectacle", "-b", "-n", "-f", "-o", path],
+    "flameshot": lambda path: ["flameshot", "full", "-p", path],
+    "xfce4-screenshooter": lambda path: ["xfce4-screenshooter", "-f", "-s", path],
+    "ksnip": lambda path: ["ksnip", "-f", "-p", path],
+    "scrot": lambda path: ["scrot", path],
+}
+
+
+def tools(desktop):
+    """Started by the Print key, as desktops do: none of them sees the popup."""
+    for name, command in TOOLS.items():
+        show(desktop)
+        place = place_on_card(desktop)
+        outside = os.path.join(desktop.scratch, f"{name}.png")
+        desktop.key("Print")
+        subprocess.run(command(outside), env={**desktop.environment, "NO_AT_BRIDGE": "1"}, timeout=60,
+                       stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False)
+        wait_until(f"{name} took a picture", lambda: os.path.exists(outside) and os.path.getsize(outside) > 0, 20)
+        time.sleep(0.3)
+        expect(f"{name} did not see the popup", not card_in(outside, place))
+        wait_until("the popup is back", lambda: desktop.popup.is_shown)
+        expect("where it was", place_on_card(desktop) == place)
+        decide_all(desktop)
+
+
+def journey(desktop):
+    desktop.choose_folder()
+    desktop.launch("--autostart")
+    leaves_by_key(desktop)
+    two_in_a_row(desktop)
+    keeps_the_keyboard(desktop)
+    asked_on_the_bus(desktop)
+    tools(desktop)
+    countdown_stands_still(desktop)
+    waits_for_a_pause(desktop)
+
+
+if __name__ == "__main__":
+    run_journey("next-capture", journey)
