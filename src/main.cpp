@@ -47,6 +47,7 @@ int main(int argc, char** argv) {
   FilePanels filePanels;
   ThumbnailLoader thumbnails(platform->executor(), [&](const FileURL& url) { return platform->isDataless(url); });
   CapturePromptPanelController::Services popupServices = platform->popupServices();
+  look.setCompositing([windows = popupServices.windowSystem] { return windows->isCompositing(); });
   LivePanelScreens screens(popupServices.windowSystem);
   popupServices.screens = &screens;
   popupServices.thumbnails = &thumbnails;

@@ -60,6 +60,14 @@ TEST(CardShadowTest, ItFallsBelowTheCard) {
   EXPECT_EQ(shadow.at(20, 174), shadow.at(467, 174)) << "the same on both sides";
 }
 
+TEST(CardShadowTest, ATightLayerLiesOnTheWideOne) {
+  const Shaded shadow;
+  // Of the wide layer alone, which falls 6 points, hardly anything would be above the card.
+  EXPECT_GE(shadow.at(244, 23), 8);
+  EXPECT_LE(shadow.at(244, 14), 2) << "the tight one ends soon";
+  EXPECT_GE(shadow.at(244, 340), 3) << "and the wide one goes on below";
+}
+
 TEST(CardShadowTest, ItEndsWithinTheWindow) {
   const Shaded shadow;
   for (int x = 0; x < shadow.size().width(); ++x) {
