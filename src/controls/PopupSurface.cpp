@@ -57,7 +57,8 @@ void place(QWidget& menu) {
 PopupSurface::PopupSurface() : shadow_({rounded, static_cast<int>(Radius::kSurface)}, {kWide, kContact}, kReach) {}
 
 bool PopupSurface::isOne(const QWidget& widget) {
-  return qobject_cast<const QMenu*>(&widget) || widget.inherits("QComboBoxPrivateContainer") ||
+  const bool isCard = widget.windowType() == Qt::Dialog && widget.windowFlags().testFlag(Qt::FramelessWindowHint);
+  return isCard || qobject_cast<const QMenu*>(&widget) || widget.inherits("QComboBoxPrivateContainer") ||
          widget.inherits("QTipLabel");
 }
 
@@ -86,7 +87,7 @@ bool PopupSurface::eventFilter(QObject* watched, QEvent* event) {
       return false;
     case QEvent::MouseButtonPress:
       // Beside the surface is beside the menu.
-      if (widget.rect().contains(static_cast<QMouseEvent*>(event)->pos()) &&
+      if (widget.windowType() == Qt::Popup && widget.rect().contains(static_cast<QMouseEvent*>(event)->pos()) &&
           !surface(widget.rect()).contains(static_cast<QMouseEvent*>(event)->pos())) {
         widget.close();
         return true;

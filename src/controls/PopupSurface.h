@@ -12,8 +12,8 @@ namespace quillmere {
 
 struct Theme;
 
-/// Menus, lists of choices and tool tips: a rounded surface with room around it for its shadow. Where nothing
-/// translucent is shown the window ends at the surface, whose edge is then clear to see.
+/// Menus, lists of choices, tool tips and dialogs without a frame: a rounded surface with room around it for its
+/// shadow. Where nothing translucent is shown the window ends at the surface, whose edge is then clear to see.
 class PopupSurface final : public QObject {
  public:
   /// The room for the shadow on each side, in points.

@@ -29,6 +29,7 @@
 #include <cstdio>
 
 #include "controls/ActionButton.h"
+#include "controls/Alert.h"
 #include "controls/ApplicationAppearance.h"
 #include "controls/Symbol.h"
 #include "controls/Theme.h"
@@ -251,6 +252,28 @@ void drawPopups(Album& album) {
   QToolTip::hideText();
 }
 
+void drawAlerts(Album& album) {
+  Alert failure({.symbol = QStringLiteral("exclamationmark.triangle.fill"),
+                 .ink = Ink::warning,
+                 .heading = QStringLiteral("Couldn’t Move Screenshot"),
+                 .message = QStringLiteral("A file already exists with that name. Choose a different name to avoid "
+                                           "replacing it."),
+                 .safe = QStringLiteral("OK"),
+                 .action = {}},
+                nullptr);
+  album.addWindow("alert", failure);
+  Alert question({.symbol = QStringLiteral("trash"),
+                  .ink = Ink::danger,
+                  .heading = QStringLiteral("Delete Screenshot?"),
+                  .message = QStringLiteral("“Screenshot from 2026-11-21 09-41-07.png” will be deleted from its folder "
+                                            "and removed from Quillmere. This can’t be undone."),
+                  .safe = QStringLiteral("Cancel"),
+                  .action = QStringLiteral("Delete"),
+                  .isDestructive = true},
+                 nullptr);
+  album.addWindow("confirmation", question);
+}
+
 class ModelOfASession final : public testing::ModelFixture {
  public:
   using ModelFixture::model;
@@ -309,6 +332,7 @@ int main(int argc, char** argv) {
   album.addWindow("controls", sheet);
   album.addWindow("views", lists);
   drawPopups(album);
+  drawAlerts(album);
   drawWindows(album);
   return album.isWhole() ? 0 : 1;
 }
