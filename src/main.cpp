@@ -44,7 +44,7 @@ int main(int argc, char** argv) {
   if (!platform) return 0;
 
   platform->followAppearance([&look](const Appearance& appearance) { look.show(appearance); });
-  FilePanels filePanels;
+  FilePanels filePanels(platform->fileDialogs());
   ThumbnailLoader thumbnails(platform->executor(), [&](const FileURL& url) { return platform->isDataless(url); });
   CapturePromptPanelController::Services popupServices = platform->popupServices();
   look.setCompositing([windows = popupServices.windowSystem] { return windows->isCompositing(); });
