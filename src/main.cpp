@@ -57,6 +57,9 @@ int main(int argc, char** argv) {
   dependencies.promptPresenter = &popup;
   dependencies.fileChooser = &filePanels;
   dependencies.confirmDeletion = &Confirmations::deletion;
+  dependencies.confirmWatching = [](const FileURL& folder) {
+    return Confirmations::watching(folder, FileURL::fromPath(qgetenv("HOME").constData()));
+  };
   AppModel model(std::move(dependencies));
   platform->follow(model);
 

@@ -43,19 +43,10 @@ int widthFor(const AlertContent& content, const QFont& font, const QFont& headin
 }  // namespace
 
 Alert::Alert(AlertContent content, QWidget* parent)
-    : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint),
-      content_(std::move(content)),
-      safe_(new ActionButton(ActionButton::Role::primary, {}, content_.safe, this)) {
+    : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint), content_(std::move(content)) {
   setWindowTitle(content_.heading);
   setAccessibleName(content_.heading);
   setAccessibleRole(*this, QAccessible::AlertMessage);
-  connect(safe_, &QPushButton::clicked, this, &QDialog::reject);
-  if (!content_.action.isEmpty()) {
-    const auto role = content_.isDestructive ? ActionButton::Role::destructive : ActionButton::Role::secondary;
-    action_ = new ActionButton(role, {}, content_.action, this);
-    action_->installEventFilter(this);
-    connect(action_, &QPushButton::clicked, this, &QDialog::accept);
-  }
   layOut();
   ensurePolished();
   safe_->setFocus();
@@ -74,6 +65,7 @@ void Alert::layOut() {
     texts->addWidget(text);
   }
   message->setVisible(!content_.message.isEmpty());
+  makeButtons();  // after the texts, as they are read out
   texts->addStretch();
   auto* row = new QHBoxLayout;
   row->setSpacing(14);
@@ -94,6 +86,17 @@ void Alert::layOut() {
   column->addLayout(row);
   column->addLayout(buttons);
   column->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+void Alert::makeButtons() {
+  if (!content_.action.isEmpty()) {
+    const auto role = content_.isDestructive ? ActionButton::Role::destructive : ActionButton::Role::secondary;
+    action_ = new ActionButton(role, {}, content_.action, this);
+    action_->installEventFilter(this);
+    connect(action_, &QPushButton::clicked, this, &QDialog::accept);
+  }
+  safe_ = new ActionButton(ActionButton::Role::primary, {}, content_.safe, this);
+  connect(safe_, &QPushButton::clicked, this, &QDialog::reject);
 }
 
 bool Alert::ask() {

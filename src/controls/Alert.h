@@ -43,9 +43,10 @@ class Alert final : public QDialog {
 
  private:
   void layOut();
+  void makeButtons();
 
   AlertContent content_;
-  ActionButton* safe_;
+  ActionButton* safe_ = nullptr;
   ActionButton* action_ = nullptr;
 };
 

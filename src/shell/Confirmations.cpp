@@ -5,6 +5,7 @@
 #include "controls/Alert.h"
 #include "foundation/Localized.h"
 #include "model/Messages.h"
+#include "model/WideFolder.h"
 
 namespace quillmere {
 namespace {
@@ -51,6 +52,22 @@ bool Confirmations::savingScreenshotsIn(const QString& folder) {
                   "Quillmere. You can change it back in Screenshot (⇧⌘5) › Options, or here in Quillmere."),
               .safe = {},
               .action = localized("Save Screenshots Here")});
+}
+
+bool Confirmations::watching(const FileURL& folder, const FileURL& home) {
+  const auto wide = wideFolder(folder, home);
+  if (!wide) return true;
+  return ask(
+      {.symbol = QStringLiteral("folder.badge.questionmark"),
+       .ink = Ink::warning,
+       .heading = *wide == WideFolder::home ? localized("Watch Your Whole Home Folder?")
+                                            : localized("Watch the Computer’s Root Folder?"),
+       .message = localized(
+           "Other apps keep files of their own here. Quillmere would look at every picture that one of them puts "
+           "directly into this folder, to find out whether it’s a screenshot. A folder for screenshots alone is "
+           "the better choice."),
+       .safe = {},
+       .action = localized("Watch This Folder")});
 }
 
 }  // namespace quillmere

@@ -92,6 +92,10 @@ TEST_F(AlertTest, AScreenReaderHearsAnAlertOfThisName) {
   EXPECT_EQ(heard->role(), QAccessible::AlertMessage);
   EXPECT_EQ(heard->text(QAccessible::Name), kHeading);
   EXPECT_EQ(alert.windowTitle(), kHeading) << "for lists of windows";
+  QStringList read;
+  for (int i = 0; i < heard->childCount(); ++i) read += heard->child(i)->text(QAccessible::Name);
+  read.removeAll(QString());
+  EXPECT_EQ(read, (QStringList{kHeading, kMessage, QStringLiteral("Delete"), QStringLiteral("Cancel")}));
 }
 
 TEST_F(AlertTest, StandsAboveAWindowThatIsShownOnly) {

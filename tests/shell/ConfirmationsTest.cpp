@@ -54,6 +54,11 @@ TEST_P(ConfirmationsTest, OnlyItsOwnButtonDoesIt) {
   EXPECT_FALSE(answer(GetParam().ask, [](Alert& box) { box.close(); }));
 }
 
+constexpr auto kWatching =
+    "Other apps keep files of their own here. Quillmere would look at every picture that one of them puts directly "
+    "into "
+    "this folder, to find out whether it’s a screenshot. A folder for screenshots alone is the better choice.";
+
 INSTANTIATE_TEST_SUITE_P(
     Each, ConfirmationsTest,
     ::testing::Values(
@@ -84,7 +89,16 @@ INSTANTIATE_TEST_SUITE_P(
         Question{"Save Screenshots to “Shots”?",
                  "Every screenshot that your screenshot tool takes will be saved there from now on. You can change it "
                  "back in the tool’s settings, or here in Quillmere.",
-                 "Save Screenshots Here", [] { return Confirmations::savingScreenshotsIn(QStringLiteral("Shots")); }}));
+                 "Save Screenshots Here", [] { return Confirmations::savingScreenshotsIn(QStringLiteral("Shots")); }},
+        Question{"Watch Your Whole Home Folder?", kWatching, "Watch This Folder",
+                 [] { return Confirmations::watching(FileURL::fromPath("/tmp"), FileURL::fromPath("/tmp")); }},
+        Question{"Watch the Computer’s Root Folder?", kWatching, "Watch This Folder",
+                 [] { return Confirmations::watching(FileURL::fromPath("/"), FileURL::fromPath("/tmp")); }}));
+
+TEST(ConfirmationsOfOrdinaryFoldersTest, AreNotAskedFor) {
+  EXPECT_TRUE(Confirmations::watching(FileURL::fromPath("/tmp/Shots"), FileURL::fromPath("/tmp")));
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+}
 
 }  // namespace
 }  // namespace quillmere
