@@ -79,7 +79,8 @@ bool PopupSurface::eventFilter(QObject* watched, QEvent* event) {
   auto& widget = static_cast<QWidget&>(*watched);
   switch (event->type()) {
     case QEvent::Show:
-      if (qobject_cast<QMenu*>(watched)) place(widget);
+      // The window system tells again when it has mapped the window.
+      if (qobject_cast<QMenu*>(watched) && !event->spontaneous()) place(widget);
       fit(widget);
       return false;
     case QEvent::Resize:

@@ -67,6 +67,14 @@ TEST_F(PopupSurfaceTest, TheSurfaceNotTheShadowIsWhereTheMenuWasAskedFor) {
   EXPECT_EQ(menu.pos(), QPoint(100 - kReach, 100 - kReach));
 }
 
+TEST_F(PopupSurfaceTest, ItStaysThereWhenTheWindowSystemTellsThatItIsShown) {
+  opened({100, 100});
+  QShowEvent told;
+  QSpontaneKeyEvent::setSpontaneous(&told);
+  qApp->notify(&menu, &told);
+  EXPECT_EQ(menu.pos(), QPoint(100 - kReach, 100 - kReach));
+}
+
 TEST_F(PopupSurfaceTest, TheSurfaceStaysOnTheScreen) {
   const QRect screen = menu.screen()->availableGeometry();
   opened(screen.bottomRight());
