@@ -2,6 +2,7 @@
 
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QAbstractScrollArea>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QStyledItemDelegate>
 
@@ -11,6 +12,7 @@
 #include "controls/MarkStyle.h"
 #include "controls/MenuStyle.h"
 #include "controls/Metrics.h"
+#include "controls/StyleIcons.h"
 #include "controls/StylePainting.h"
 #include "controls/Theme.h"
 #include "controls/ViewStyle.h"
@@ -214,6 +216,12 @@ QRect AppearanceStyle::subControlRect(ComplexControl control, const QStyleOption
   return visualRect(option->direction, option->rect, place);
 }
 
+QIcon AppearanceStyle::standardIcon(StandardPixmap which, const QStyleOption* option, const QWidget* widget) const {
+  const QPalette palette = widget ? widget->palette() : QApplication::palette();
+  const QIcon own = styleIcon(which, widget ? widget->layoutDirection() : QApplication::layoutDirection(), palette);
+  return own.isNull() ? QProxyStyle::standardIcon(which, option, widget) : own;
+}
+
 void AppearanceStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                     const QWidget* widget) const {
   switch (element) {
@@ -256,6 +264,12 @@ void AppearanceStyle::drawPrimitive(PrimitiveElement element, const QStyleOption
                   isEnabled(*option) ? theme.secondaryText : theme.disabledText);
       return;
     }
+    case PE_IndicatorHeaderArrow:
+      if (const auto* header = qstyleoption_cast<const QStyleOptionHeader*>(option)) {
+        ViewStyle::paintSortArrow(*header, *painter);
+        return;
+      }
+      break;
     case PE_FrameFocusRect:
       if (option->state.testFlag(State_KeyboardFocusChange)) paintRing(*option, *painter);
       return;

@@ -44,6 +44,13 @@ void paintHeader(const QStyleOption& header, QPainter& painter) {
   painter.fillRect(QRect(header.rect.left(), header.rect.bottom(), header.rect.width(), 1), theme.hairline);
 }
 
+void paintSortArrow(const QStyleOptionHeader& header, QPainter& painter) {
+  if (header.sortIndicator == QStyleOptionHeader::None) return;
+  const bool isUp = header.sortIndicator == QStyleOptionHeader::SortUp;
+  paintSymbol(painter, header.rect, isUp ? QStringLiteral("chevron.up") : QStringLiteral("chevron.down"), 12,
+              Theme(header.palette).secondaryText);
+}
+
 void paintFrame(const QStyleOption& frame, QPainter& painter) {
   const Theme theme(frame.palette);
   const SmoothPainting smooth(painter);

@@ -72,6 +72,16 @@ TEST_F(ViewStyleTest, AHeaderEndsInALine) {
   EXPECT_NE(image.pixelColor(60, 39), image.pixelColor(60, 38));
 }
 
+TEST_F(ViewStyleTest, TheArrowOfASortedColumnPointsItsWay) {
+  auto header = made<QStyleOptionHeader>();
+  const QImage none = drawn(header, &ViewStyle::paintSortArrow);
+  header.sortIndicator = QStyleOptionHeader::SortUp;
+  const QImage up = drawn(header, &ViewStyle::paintSortArrow);
+  header.sortIndicator = QStyleOptionHeader::SortDown;
+  EXPECT_NE(up, none);
+  EXPECT_NE(drawn(header, &ViewStyle::paintSortArrow), up);
+}
+
 TEST_F(ViewStyleTest, AGroupsTitleStandsAboveItsGround) {
   auto group = made<QStyleOptionGroupBox>();
   group.fontMetrics = QFontMetrics(QApplication::font());
