@@ -114,8 +114,12 @@ void SoftShadow::paint(QPainter& painter, const QRect& around) {
   const qreal side = side_;
   const qreal cornerX = std::min(corner, whole.width() / 2);
   const qreal cornerY = std::min(corner, whole.height() / 2);
-  const std::array<qreal, 4> toX{whole.left(), whole.left() + cornerX, whole.right() - cornerX, whole.right()};
-  const std::array<qreal, 4> toY{whole.top(), whole.top() + cornerY, whole.bottom() - cornerY, whole.bottom()};
+  // Parts that end inside a pixel would both fade there, and a line be seen.
+  const auto onPixel = [scale](qreal at) { return qRound(at * scale) / scale; };
+  std::array<qreal, 4> toX{whole.left(), whole.left() + cornerX, whole.right() - cornerX, whole.right()};
+  std::array<qreal, 4> toY{whole.top(), whole.top() + cornerY, whole.bottom() - cornerY, whole.bottom()};
+  std::transform(toX.begin(), toX.end(), toX.begin(), onPixel);
+  std::transform(toY.begin(), toY.end(), toY.begin(), onPixel);
   const std::array<qreal, 6> fromX{0, cornerX, corner, corner + kMiddle, side - cornerX, side};
   const std::array<qreal, 6> fromY{0, cornerY, corner, corner + kMiddle, side - cornerY, side};
   for (size_t row = 0; row < 3; ++row) {

@@ -19,6 +19,7 @@ class Shaded {
     image_.setDevicePixelRatio(scale);
     image_.fill(Qt::transparent);
     QPainter painter(&image_);
+    painter.setRenderHint(QPainter::Antialiasing);  // as the card is drawn
     CardShadow().paint(painter, card);
   }
   int at(qreal x, qreal y) const {
@@ -97,6 +98,19 @@ TEST(CardShadowTest, ItsPartsMeetWithoutASeam) {
     const Shaded shadow(QRect(24, 24, 440, height), 1);
     for (int y = 1; y < shadow.size().height(); ++y) {
       ASSERT_LE(std::abs(shadow.pixel(14, y) - shadow.pixel(14, y - 1)), 6) << height << ", line " << y;
+    }
+  }
+}
+
+TEST(CardShadowTest, ItsPartsMeetOnWholePixelsAtEveryScale) {
+  for (const qreal scale : {1.25, 1.5, 1.75}) {
+    for (const int height : {301, 302, 303, 458}) {
+      const Shaded shadow(QRect(24, 24, 440, height), scale);
+      const int x = qRound(14 * scale);
+      for (int y = 1; y < shadow.size().height(); ++y) {
+        ASSERT_LE(std::abs(shadow.pixel(x, y) - shadow.pixel(x, y - 1)), 3)
+            << scale << ", " << height << ", line " << y;
+      }
     }
   }
 }
