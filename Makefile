@@ -33,7 +33,7 @@ uninstall:
 pictures:
 	tools/setup build
 	cmake --preset release -DQUILLMERE_TESTS=ON
-	$(BUILD) popup_pictures
+	$(BUILD) popup_pictures control_pictures
 	tools/pictures
 
 test:

@@ -44,9 +44,10 @@ int main(int argc, char** argv) {
   if (!platform) return 0;
 
   platform->followAppearance([&look](const Appearance& appearance) { look.show(appearance); });
-  FilePanels filePanels;
+  FilePanels filePanels(platform->fileDialogs());
   ThumbnailLoader thumbnails(platform->executor(), [&](const FileURL& url) { return platform->isDataless(url); });
   CapturePromptPanelController::Services popupServices = platform->popupServices();
+  look.setCompositing([windows = popupServices.windowSystem] { return windows->isCompositing(); });
   LivePanelScreens screens(popupServices.windowSystem);
   popupServices.screens = &screens;
   popupServices.thumbnails = &thumbnails;
@@ -56,6 +57,9 @@ int main(int argc, char** argv) {
   dependencies.promptPresenter = &popup;
   dependencies.fileChooser = &filePanels;
   dependencies.confirmDeletion = &Confirmations::deletion;
+  dependencies.confirmWatching = [](const FileURL& folder) {
+    return Confirmations::watching(folder, FileURL::fromPath(qgetenv("HOME").constData()));
+  };
   AppModel model(std::move(dependencies));
   platform->follow(model);
 

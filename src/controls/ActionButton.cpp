@@ -3,19 +3,16 @@
 #include <QtGui/QPainter>
 
 #include "controls/Grounds.h"
+#include "controls/Metrics.h"
 #include "controls/Symbol.h"
 #include "controls/Theme.h"
 
 namespace quillmere {
 namespace {
 
-constexpr int kHeight = 36;
 constexpr int kIconSide = 28;
-constexpr int kPadding = 14;
 constexpr int kSymbol = 18;
-constexpr int kIconSymbol = 16;
 constexpr int kGap = 7;
-constexpr qreal kRadius = 10;
 
 }  // namespace
 
@@ -43,39 +40,30 @@ QSize ActionButton::sizeHint() const {
   if (role_ == Role::icon) return {kIconSide, kIconSide};
   const int textWidth = QFontMetrics(scaled(font(), 1, QFont::DemiBold)).horizontalAdvance(text());
   const int symbolWidth = symbol_.isEmpty() ? 0 : kSymbol + kGap;
-  return {2 * kPadding + symbolWidth + textWidth, kHeight};
+  return {2 * Metrics::kPadding + symbolWidth + textWidth, Metrics::kControlHeight};
 }
 
 void ActionButton::paintEvent(QPaintEvent*) {
   const Theme theme(palette());
-  QColor ground = theme.fill;
-  QColor ink = theme.text;
-  if (role_ == Role::primary) {
-    ground = isDown() ? theme.accentPressed : underMouse() ? theme.accentHover : theme.accent;
-    ink = theme.onAccent;
-  } else {
-    if (isDown()) {
-      ground = theme.fillPressed;
-    } else if (underMouse()) {
-      ground = theme.fillHover;
-    }
-    if (role_ == Role::destructive) ink = theme.danger;
-    if (role_ == Role::icon) ink = theme.secondaryText;
-  }
+  const ButtonLook look = buttonLook(theme, role_,
+                                     isDown()       ? Touch::pressed
+                                     : underMouse() ? Touch::hovered
+                                                    : Touch::none,
+                                     isEnabled());
+  const QColor ink = look.ink;
 
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
-  if (!isEnabled()) painter.setOpacity(0.4);
-  const qreal radius = role_ == Role::icon ? height() / 2.0 : kRadius;
-  paintGround(painter, rect(), radius, ground, theme);
+  const qreal radius = role_ == Role::icon ? height() / 2.0 : Radius::kControl;
+  paintGround(painter, rect(), radius, look.ground, theme);
 
   const QFont font = scaled(this->font(), 1, QFont::DemiBold);
   const bool hasNote = !note_.isEmpty();
-  const int room = width() - 2 * kPadding - kSymbol - kGap;
+  const int room = width() - 2 * Metrics::kPadding - kSymbol - kGap;
   const QString text = hasNote ? QFontMetrics(font).elidedText(note_, Qt::ElideRight, room) : this->text();
   const QString symbol = hasNote ? QStringLiteral("checkmark") : symbol_;
   const int textWidth = role_ == Role::icon ? 0 : QFontMetrics(font).horizontalAdvance(text);
-  const int symbolSide = role_ == Role::icon ? kIconSymbol : kSymbol;
+  const int symbolSide = role_ == Role::icon ? Metrics::kSmallSymbol : kSymbol;
   const int symbolWidth = symbol.isEmpty() ? 0 : symbolSide;
   const int gap = textWidth > 0 && symbolWidth > 0 ? kGap : 0;
   int x = (width() - symbolWidth - gap - textWidth) / 2;
@@ -92,15 +80,7 @@ void ActionButton::paintEvent(QPaintEvent*) {
     painter.setPen(ink);
     painter.drawText(QRect(x, 0, textWidth + 1, height()), Qt::AlignVCenter | Qt::AlignLeft, text);
   }
-  if (hasFocus()) paintFocusRing(painter, rect(), radius, role_ == Role::primary ? theme.onAccent : theme.focusRing);
-}
-
-void paintFocusRing(QPainter& painter, const QRectF& around, qreal radius, const QColor& color) {
-  constexpr qreal kInset = 2;
-  painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(color, 2));
-  const QRectF ring = around.adjusted(kInset, kInset, -kInset, -kInset);
-  painter.drawRoundedRect(ring, radius - kInset, radius - kInset);
+  if (hasFocus()) paintFocusRing(painter, rect(), radius, look.ring);
 }
 
 }  // namespace quillmere

@@ -2,6 +2,7 @@
 
 #include <QtWidgets/QPushButton>
 
+#include "controls/ButtonLook.h"
 #include "controls/WorkRing.h"
 
 namespace quillmere {
@@ -9,7 +10,7 @@ namespace quillmere {
 /// A button of the program's own look: a symbol and a text on a rounded ground.
 class ActionButton final : public QPushButton {
  public:
-  enum class Role { primary, secondary, destructive, icon };
+  using Role = ButtonRole;
   ActionButton(Role role, const QString& symbol, const QString& text, QWidget* parent = nullptr);
 
   void setSymbol(const QString& symbol);
@@ -31,8 +32,5 @@ class ActionButton final : public QPushButton {
   QString note_;
   WorkRing ring_{*this};
 };
-
-/// A ring around a focused control, inside its rectangle.
-void paintFocusRing(class QPainter& painter, const QRectF& around, qreal radius, const QColor& color);
 
 }  // namespace quillmere

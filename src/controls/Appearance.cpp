@@ -11,8 +11,8 @@ constexpr QRgb kAccent = 0x2f6fde;
 struct Greys {
   QRgb window, base, alternate, button, text, dimmed, link, visited;
 };
-constexpr Greys kLight{0xf4f4f6, 0xffffff, 0xf8f8fa, 0xfafafb, 0x1c1d20, 0x8c8f96, 0x1d5bbf, 0x7a3fa8};
-constexpr Greys kDark{0x242528, 0x1b1c1e, 0x212225, 0x323337, 0xf2f2f4, 0x7f828a, 0x86b4ff, 0xcba6f0};
+constexpr Greys kLight{0xf4f4f6, 0xffffff, 0xf8f8fa, 0xfafafb, 0x1c1d20, 0x73767d, 0x1d5bbf, 0x7a3fa8};
+constexpr Greys kDark{0x242528, 0x1b1c1e, 0x212225, 0x323337, 0xf2f2f4, 0x92959d, 0x86b4ff, 0xcba6f0};
 // What is not to be used is the one thing that may be hard to see.
 constexpr Greys kBlackOnWhite{0xffffff, 0xffffff, 0xffffff, 0xffffff, 0x000000, 0x6b6b6b, 0x0a3f9c, 0x5b1f8a};
 constexpr Greys kWhiteOnBlack{0x000000, 0x000000, 0x000000, 0x000000, 0xffffff, 0x9a9a9a, 0xa8c8ff, 0xdcc0ff};
@@ -66,6 +66,12 @@ QPalette paletteFor(const Appearance& appearance, const std::optional<QPalette>&
   QPalette palette = groundsFor(appearance, themed);
   const QColor themedAccent = themed ? themed->color(QPalette::Active, QPalette::Highlight) : QColor(kAccent);
   palette.setColor(QPalette::Highlight, appearance.accent.value_or(themedAccent));
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+    const QColor dimmed = palette.color(QPalette::Disabled, role);
+    const QColor ground = palette.color(QPalette::Active, QPalette::Window);
+    palette.setColor(QPalette::Disabled, role,
+                     standingOut(dimmed, ground, kMarkContrast, palette.color(QPalette::Active, role)));
+  }
   // Qt's own controls write on the accent too, and make no choice of their own.
   const Theme theme(palette);
   palette.setColor(QPalette::Highlight, theme.accent);

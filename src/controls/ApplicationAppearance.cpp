@@ -1,6 +1,7 @@
 #include "controls/ApplicationAppearance.h"
 
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QToolTip>
 
 #include "controls/AppearanceStyle.h"
 
@@ -17,6 +18,15 @@ std::optional<QPalette> themedPalette() {
   return std::nullopt;
 }
 
+/// Some desktops' themes bring colours for single kinds of controls, which would stay behind at every change.
+void setPaletteOfThemedClasses(const QPalette& palette) {
+  for (const char* name : {"QMenu", "QMenuBar", "QToolButton", "QAbstractButton", "QCheckBox", "QRadioButton",
+                           "QHeaderView", "QAbstractItemView", "QTabBar", "QLabel", "QGroupBox", "QLineEdit"}) {
+    if (QApplication::palette(name) != palette) QApplication::setPalette(palette, name);
+  }
+  if (QToolTip::palette() != palette) QToolTip::setPalette(palette);
+}
+
 }  // namespace
 
 ApplicationAppearance::ApplicationAppearance()
@@ -31,9 +41,13 @@ void ApplicationAppearance::show(const Appearance& appearance) {
   shown_ = appearance;
   style_->setMotionReduced(appearance.isMotionReduced);
   if (const QFont font = appearance.font.value_or(font_); font != QApplication::font()) QApplication::setFont(font);
-  if (const QPalette palette = paletteFor(appearance, themed_); palette != QApplication::palette()) {
-    QApplication::setPalette(palette);
-  }
+  const QPalette palette = paletteFor(appearance, themed_);
+  if (palette != QApplication::palette()) QApplication::setPalette(palette);
+  setPaletteOfThemedClasses(palette);
+}
+
+void ApplicationAppearance::setCompositing(std::function<bool()> isCompositing) {
+  style_->setCompositing(std::move(isCompositing));
 }
 
 }  // namespace quillmere

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtGui/QPalette>
+#include <functional>
 #include <optional>
 
 #include "controls/Appearance.h"
@@ -14,6 +15,8 @@ class ApplicationAppearance {
  public:
   ApplicationAppearance();
   void show(const Appearance& appearance);
+  /// How to tell whether translucent pixels show what lies below them; until then they do.
+  void setCompositing(std::function<bool()> isCompositing);
 
  private:
   AppearanceStyle* style_;  ///< the application's own

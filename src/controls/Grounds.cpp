@@ -2,6 +2,7 @@
 
 #include <QtGui/QPainter>
 
+#include "controls/Metrics.h"
 #include "controls/Theme.h"
 
 namespace quillmere {
@@ -13,12 +14,20 @@ void paintGround(QPainter& painter, const QRectF& place, qreal radius, const QCo
   painter.drawRoundedRect(place.adjusted(half, half, -half, -half), radius, radius);
 }
 
+void paintField(QPainter& painter, const QRectF& place, const Theme& theme, bool isFocused) {
+  const qreal line = isFocused ? 2 : 1;
+  const qreal inset = line / 2;
+  painter.setPen(QPen(isFocused ? theme.focusRing : theme.fieldBorder, line));
+  painter.setBrush(theme.field);
+  painter.drawRoundedRect(place.adjusted(inset, inset, -inset, -inset), Radius::kControl - inset,
+                          Radius::kControl - inset);
+}
+
 void paintWarningGround(QWidget& widget) {
-  constexpr qreal kRadius = 10;
   const Theme theme(widget.palette());
   QPainter painter(&widget);
   painter.setRenderHint(QPainter::Antialiasing);
-  paintGround(painter, widget.rect(), kRadius, theme.warningGround, theme);
+  paintGround(painter, widget.rect(), Radius::kControl, theme.warningGround, theme);
 }
 
 void setTextColor(QWidget& widget, const QColor& color) {

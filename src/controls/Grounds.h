@@ -13,6 +13,9 @@ struct Theme;
 /// little.
 void paintGround(QPainter& painter, const QRectF& place, qreal radius, const QColor& color, const Theme& theme);
 
+/// The ground of an input, with an edge that is seen on any window and is its focus ring too.
+void paintField(QPainter& painter, const QRectF& place, const Theme& theme, bool isFocused);
+
 /// The rounded ground of a message that warns; for a widget's paint event.
 void paintWarningGround(QWidget& widget);
 

@@ -1,7 +1,5 @@
 #include "controls/PlainText.h"
 
-#include <QtWidgets/QMessageBox>
-
 namespace quillmere {
 
 PlainLabel::PlainLabel(const QString& text, QWidget* parent) : QLabel(parent) {
@@ -12,15 +10,6 @@ PlainLabel::PlainLabel(const QString& text, QWidget* parent) : QLabel(parent) {
 
 void setPlainToolTip(QWidget& widget, const QString& text) {
   widget.setToolTip(text.isEmpty() ? QString() : QStringLiteral("<span>%1</span>").arg(text.toHtmlEscaped()));
-}
-
-void setPlainTexts(QMessageBox& box, const QString& text, const QString& details) {
-  box.setTextFormat(Qt::PlainText);
-  box.setText(text);
-  // The label below is made by its first text, and knows no format before.
-  box.setInformativeText(QStringLiteral(" "));
-  for (QLabel* label : box.findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
-  box.setInformativeText(details);
 }
 
 }  // namespace quillmere

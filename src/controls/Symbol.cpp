@@ -5,6 +5,8 @@
 #include <QtGui/QPixmapCache>
 #include <QtSvg/QSvgRenderer>
 
+#include "controls/Contrast.h"
+
 static void loadSymbolResource() {
   Q_INIT_RESOURCE(symbols);
   Q_INIT_RESOURCE(application_icon);
@@ -24,7 +26,10 @@ QPixmap symbolPixmap(const QString& name, int points, const QColor& color, qreal
   if (!file.open(QIODevice::ReadOnly)) return {};
   // Opaque in the drawing, faded as a whole: overlapping strokes must not show.
   const QColor opaque(color.red(), color.green(), color.blue());
-  QSvgRenderer renderer(file.readAll().replace("currentColor", opaque.name().toLatin1()));
+  // The drawings have white marks on filled grounds; on a light ground they are black.
+  const bool isLight = contrastRatio(opaque, Qt::white) < contrastRatio(opaque, Qt::black);
+  QSvgRenderer renderer(
+      file.readAll().replace("#fff", isLight ? "#000" : "#fff").replace("currentColor", opaque.name().toLatin1()));
   pixmap = QPixmap(QSize(points, points) * devicePixelRatio);
   pixmap.setDevicePixelRatio(devicePixelRatio);
   pixmap.fill(Qt::transparent);

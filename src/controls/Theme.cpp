@@ -18,9 +18,10 @@ void setLight(Theme& theme) {
   theme.card = QColor(0xfcfcfd);
   theme.text = QColor(0x1c1d20);
   theme.secondaryText = QColor(0x595c63);
+  theme.disabledText = QColor(0x73767d);
   theme.hairline = withAlpha(Qt::black, 0.11F);
   theme.field = Qt::white;
-  theme.fieldBorder = QColor(0xc6c8ce);
+  theme.fieldBorder = QColor(0x82858d);
   theme.fill = withAlpha(QColor(0x14161c), 0.055F);
   theme.fillHover = withAlpha(QColor(0x14161c), 0.09F);
   theme.fillPressed = withAlpha(QColor(0x14161c), 0.125F);
@@ -33,9 +34,10 @@ void setDark(Theme& theme) {
   theme.card = QColor(0x2a2b2e);
   theme.text = QColor(0xf2f2f4);
   theme.secondaryText = QColor(0xb9bbc1);
+  theme.disabledText = QColor(0x92959d);
   theme.hairline = withAlpha(Qt::white, 0.12F);
   theme.field = QColor(0x1d1e20);
-  theme.fieldBorder = QColor(0x6d7078);
+  theme.fieldBorder = QColor(0x84878f);
   theme.fill = withAlpha(Qt::white, 0.07F);
   theme.fillHover = withAlpha(Qt::white, 0.10F);
   theme.fillPressed = withAlpha(Qt::white, 0.13F);
@@ -49,6 +51,7 @@ void raiseContrast(Theme& theme) {
   theme.card = isDark ? Qt::black : Qt::white;
   theme.text = isDark ? Qt::white : Qt::black;
   theme.secondaryText = isDark ? QColor(0xe2e2e4) : QColor(0x2c2c2e);
+  theme.disabledText = isDark ? QColor(0x9a9a9a) : QColor(0x6b6b6b);
   theme.hairline = withAlpha(theme.text, 0.6F);
   theme.field = theme.card;
   theme.fieldBorder = theme.text;
@@ -84,6 +87,8 @@ Theme::Theme(const QPalette& palette) {
   if (isHighContrast) raiseContrast(*this);
   const QColor told = palette.color(QPalette::Active, QPalette::Highlight);
   setAccent(*this, told);
+  // A window of the desktop's own colour may be nearer to it than ours.
+  fieldBorder = standingOut(fieldBorder, window, kMarkContrast, text);
   focusRing = ringIn(*this, told, window);
 }
 

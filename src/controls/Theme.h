@@ -10,8 +10,8 @@ namespace quillmere {
 enum class Ink { text, secondary, warning, danger };
 
 /// The colours of the program's own surfaces, from the desktop's palette: of its own are light or dark (Window), the
-/// accent (Highlight) and the contrast. Texts keep a contrast of at least 4.5:1 on every ground here, the focus ring
-/// one of 3:1.
+/// accent (Highlight) and the contrast. Texts keep a contrast of at least 4.5:1 on every ground here; the focus ring,
+/// the edge of fields and the text of what cannot be used one of 3:1.
 ///
 /// A palette asks for higher contrast by having its Window and its ButtonText as far apart as black and white, as the
 /// desktops' own high-contrast themes do: so the choice reaches every widget with the colours themselves. ButtonText,
@@ -24,6 +24,7 @@ struct Theme {
   QColor card;  ///< the ground of the card; opaque
   QColor text;
   QColor secondaryText;
+  QColor disabledText;
   QColor hairline;
   QColor field;  ///< an input's ground
   QColor fieldBorder;

@@ -3,6 +3,7 @@
 #include <QtGui/QPainter>
 #include <QtGui/QPainterPath>
 
+#include "controls/Metrics.h"
 #include "controls/Symbol.h"
 #include "controls/Theme.h"
 #include "inbox/InboxListModel.h"
@@ -15,13 +16,11 @@ constexpr int kInset = 6;
 constexpr int kPadding = 8;
 constexpr QSize kPicture(64, 44);
 constexpr int kSymbol = 14;
-constexpr qreal kRowRadius = 9;
-constexpr qreal kPictureRadius = 5;
 
 void paintPicture(QPainter& painter, const QRect& place, const QImage& image, const Theme& theme, const QColor& ink,
                   qreal ratio) {
   QPainterPath shape;
-  shape.addRoundedRect(place, kPictureRadius, kPictureRadius);
+  shape.addRoundedRect(place, Radius::kMark, Radius::kMark);
   painter.fillPath(shape, theme.fill);
   if (image.isNull()) {
     constexpr int kMissingSymbol = 20;
@@ -58,7 +57,7 @@ void ScreenshotRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem&
   if (isSelected || isHovered) {
     painter->setPen(Qt::NoPen);
     painter->setBrush(isSelected ? theme.accent : theme.fill);
-    painter->drawRoundedRect(row, kRowRadius, kRowRadius);
+    painter->drawRoundedRect(row, Radius::kControl, Radius::kControl);
   }
   const QColor text = isSelected ? theme.onAccent : theme.text;
   const QColor secondary = isSelected ? theme.onAccent : theme.secondaryText;

@@ -153,6 +153,8 @@ struct AppModelDependencies {
 
   /// Asks, modally, whether the file of this name is to be deleted for good.
   std::function<bool(const QString& fileName)> confirmDeletion;
+  /// Asks, modally, whether a folder is meant that hardly anybody means; no question about any other.
+  std::function<bool(const FileURL& folder)> confirmWatching = [](const FileURL&) { return true; };
   std::function<bool(const FileURL&)> isInTrash;                            ///< any thread
   std::function<std::optional<FileIdentity>(const FileURL&)> fileIdentity;  ///< any thread
   std::function<bool(const FileURL&)> isFolderReachable;                    ///< any thread

@@ -25,9 +25,8 @@ FolderPanelStart AppModel::folderPanelStart(const std::optional<FileURL>& prefer
 }
 
 void AppModel::chooseWatchFolder(const std::optional<FileURL>& preferred, ErrorScope scope) {
-  if (const auto chosen = dependencies_.fileChooser->chooseFolder(folderPanelStart(preferred))) {
-    adoptWatchFolder(*chosen, scope);
-  }
+  const auto chosen = dependencies_.fileChooser->chooseFolder(folderPanelStart(preferred));
+  if (chosen && dependencies_.confirmWatching(*chosen)) adoptWatchFolder(*chosen, scope);
 }
 
 void AppModel::adoptWatchFolder(const FileURL& url, ErrorScope scope) {

@@ -71,22 +71,6 @@ void CaptureDecisionPanel::makeScrollBar() {
   connect(hidden, &QScrollBar::valueChanged, this, follow);
   connect(scrollBar_, &QScrollBar::valueChanged, hidden, &QScrollBar::setValue);
   scrollBar_->setFocusPolicy(Qt::NoFocus);
-  styleScrollBar();
-}
-
-void CaptureDecisionPanel::styleScrollBar() {
-  const Theme theme(palette());
-  QColor handle = theme.text;
-  constexpr float kHandle = 0.35F;
-  handle.setAlphaF(kHandle);
-  scrollBar_->setStyleSheet(
-      QStringLiteral("QScrollBar { background: transparent; width: %1px; margin: 0; }"
-                     "QScrollBar::handle { background: %2; border-radius: %3px; min-height: 32px; }"
-                     "QScrollBar::add-line, QScrollBar::sub-line { height: 0; }"
-                     "QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }")
-          .arg(kScrollBarWidth)
-          .arg(handle.name(QColor::HexArgb))
-          .arg(kScrollBarWidth / 2));
 }
 
 void CaptureDecisionPanel::setScrolls(bool scrolls) {
@@ -128,11 +112,6 @@ void CaptureDecisionPanel::layOut() {
 
 void CaptureDecisionPanel::resizeEvent(QResizeEvent*) {
   layOut();
-}
-
-void CaptureDecisionPanel::changeEvent(QEvent* event) {
-  if (event->type() == QEvent::PaletteChange) styleScrollBar();
-  QWidget::changeEvent(event);
 }
 
 void CaptureDecisionPanel::closeEvent(QCloseEvent* event) {

@@ -34,13 +34,11 @@ class CaptureDecisionPanel final : public QWidget {
  protected:
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
-  void changeEvent(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   bool event(QEvent* event) override;
 
  private:
   void makeScrollBar();
-  void styleScrollBar();
   void layOut();
 
   QScrollArea* scroll_;

@@ -1,26 +1,23 @@
 #pragma once
 
-#include <QtGui/QPainter>
-#include <QtGui/QPixmap>
+#include "controls/SoftShadow.h"
 
 namespace quillmere {
 
-/// The shadow around a card of any size: black at 0.3, 4 points down, soft, and outside the card only. It is drawn once
-/// for a scale, about the smallest card with whole corners, and put together from the parts of that picture.
+/// The shadow around a card of any size, in two layers: a tight one, by which the card touches what lies below, and a
+/// wide soft one that falls 6 points down.
 class CardShadow {
  public:
   /// How far it reaches from the card at most, which is downwards; in points.
   static constexpr int kReach = 24;
 
-  void paint(QPainter& painter, const QRect& card);
+  CardShadow();
+  void paint(QPainter& painter, const QRect& card) { shadow_.paint(painter, card); }
   /// How many times it was drawn anew.
-  int count() const { return count_; }
+  int count() const { return shadow_.count(); }
 
  private:
-  void draw(qreal scale);
-
-  QPixmap picture_;
-  int count_ = 0;
+  SoftShadow shadow_;
 };
 
 }  // namespace quillmere

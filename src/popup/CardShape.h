@@ -2,11 +2,13 @@
 
 #include <QtGui/QPainterPath>
 
+#include "controls/Metrics.h"
+
 /// The popup's card: a rectangle whose corners, of radius 22, run into its sides without a seam. Their curve is a
 /// superellipse through the middle of the circle's arc.
 namespace quillmere::CardShape {
 
-inline constexpr qreal kCornerRadius = 22;
+inline constexpr qreal kCornerRadius = Radius::kCard;
 /// How far along a side a corner reaches, in points.
 inline constexpr qreal kCornerReach = 33;
 

@@ -3,8 +3,9 @@
 #include <QtGui/QPainter>
 #include <QtGui/QWheelEvent>
 
-#include "controls/ActionButton.h"
+#include "controls/ButtonLook.h"
 #include "controls/Grounds.h"
+#include "controls/Metrics.h"
 #include "controls/Symbol.h"
 #include "controls/Theme.h"
 #include "foundation/Localized.h"
@@ -12,10 +13,8 @@
 namespace quillmere {
 namespace {
 
-constexpr int kHeight = 36;
 constexpr int kPadding = 12;
-constexpr int kChevron = 16;
-constexpr qreal kRadius = 10;
+constexpr int kChevron = Metrics::kSmallSymbol;
 
 }  // namespace
 
@@ -41,7 +40,7 @@ QSize DurationPicker::sizeHint() const {
     const QString text = localized("Temporary for") + QLatin1Char(' ') + itemText(i);
     widest = std::max(widest, fontMetrics().horizontalAdvance(text));
   }
-  return {widest + 2 * kPadding + kChevron + 6, kHeight};
+  return {widest + 2 * kPadding + kChevron + 6, Metrics::kControlHeight};
 }
 
 /// The time changes by choice alone, never because somebody scrolls past it.
@@ -53,7 +52,9 @@ void DurationPicker::paintEvent(QPaintEvent*) {
   const Theme theme(palette());
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
-  paintGround(painter, rect(), kRadius, underMouse() ? theme.fillHover : theme.fill, theme);
+  const ButtonLook look =
+      buttonLook(theme, ButtonRole::secondary, underMouse() ? Touch::hovered : Touch::none, isEnabled());
+  paintGround(painter, rect(), Radius::kControl, look.ground, theme);
   const QString label = localized("Temporary for") + QLatin1Char(' ');
   // Label, value and arrow, one after the other in the direction of the language.
   const QRect inner = rect().adjusted(kPadding, 0, -kPadding, 0);
@@ -61,13 +62,13 @@ void DurationPicker::paintEvent(QPaintEvent*) {
   const auto placed = [this](const QRect& place) { return QStyle::visualRect(layoutDirection(), rect(), place); };
   const auto alignment =
       QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) | Qt::AlignVCenter | Qt::AlignAbsolute;
-  painter.setPen(theme.secondaryText);
+  painter.setPen(isEnabled() ? theme.secondaryText : look.ink);
   painter.drawText(placed({inner.left(), 0, labelWidth, height()}), static_cast<int>(alignment), label);
-  painter.setPen(theme.text);
+  painter.setPen(look.ink);
   painter.drawText(placed(inner.adjusted(labelWidth, 0, -kChevron, 0)), static_cast<int>(alignment), currentText());
   painter.drawPixmap(placed({inner.right() - kChevron + 1, (height() - kChevron) / 2, kChevron, kChevron}),
                      symbolPixmap(QStringLiteral("chevron.down"), kChevron, theme.secondaryText, devicePixelRatioF()));
-  if (hasFocus()) paintFocusRing(painter, rect(), kRadius, theme.focusRing);
+  if (hasFocus()) paintFocusRing(painter, rect(), Radius::kControl, look.ring);
 }
 
 }  // namespace quillmere

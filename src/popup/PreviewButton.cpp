@@ -2,7 +2,7 @@
 
 #include <QtGui/QPainter>
 
-#include "controls/ActionButton.h"
+#include "controls/ButtonLook.h"
 #include "controls/Symbol.h"
 #include "controls/Theme.h"
 
@@ -48,7 +48,7 @@ void PreviewButton::paintEvent(QPaintEvent*) {
     painter.setBrush(isDown() ? theme.fillPressed : theme.fillHover);
     painter.drawEllipse(disc);
   }
-  const QColor ink = isOn ? theme.onAccent : theme.text;
+  const QColor ink = isOn ? theme.onAccent : isEnabled() ? theme.text : theme.disabledText;
   if (ring_.isWorking()) {
     ring_.paint(painter, QRectF(rect()).center(), ink);
   } else {

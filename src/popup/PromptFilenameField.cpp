@@ -3,22 +3,22 @@
 #include <QtCore/QEvent>
 #include <QtGui/QPainter>
 
+#include "controls/Grounds.h"
+#include "controls/Metrics.h"
 #include "controls/Theme.h"
 #include "foundation/Localized.h"
 
 namespace quillmere {
 namespace {
 
-constexpr int kHeight = 36;
 constexpr int kPadding = 8;
-constexpr qreal kRadius = 9;
 
 }  // namespace
 
 PromptFilenameField::PromptFilenameField(QWidget* parent) : QLineEdit(parent) {
   setFrame(false);
   setTextMargins(kPadding, 0, kPadding, 0);
-  setFixedHeight(kHeight);
+  setFixedHeight(Metrics::kControlHeight);
   setFont(fileNameFont(font()));
   setFocusPolicy(Qt::StrongFocus);
   setAccessibleName(localized("Filename"));
@@ -29,7 +29,7 @@ PromptFilenameField::PromptFilenameField(QWidget* parent) : QLineEdit(parent) {
 }
 
 QSize PromptFilenameField::sizeHint() const {
-  return {QLineEdit::sizeHint().width(), kHeight};
+  return {QLineEdit::sizeHint().width(), Metrics::kControlHeight};
 }
 
 void PromptFilenameField::followTheme() {
@@ -52,11 +52,7 @@ void PromptFilenameField::paintEvent(QPaintEvent* event) {
   {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const qreal line = hasFocus() ? 2 : 1;
-    painter.setPen(QPen(hasFocus() ? theme.focusRing : theme.fieldBorder, line));
-    painter.setBrush(theme.field);
-    const qreal inset = line / 2;
-    painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), kRadius, kRadius);
+    paintField(painter, rect(), theme, hasFocus());
   }
   QLineEdit::paintEvent(event);
 }

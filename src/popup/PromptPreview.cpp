@@ -6,6 +6,7 @@
 #include <QtWidgets/QStyle>
 
 #include "controls/Grounds.h"
+#include "controls/Metrics.h"
 #include "controls/ScreenshotThumbnail.h"
 #include "controls/Theme.h"
 #include "foundation/Localized.h"
@@ -18,7 +19,6 @@ namespace {
 
 constexpr int kInset = 8;
 constexpr int kDragSide = 160;
-constexpr qreal kCornerRadius = 10;
 
 }  // namespace
 
@@ -55,7 +55,7 @@ void PromptPreview::show(const CapturePromptContent& content) {
   picture.accessibilityLabel = isWindow ? localized("Extracted window preview") : localized("Screenshot preview");
   picture.identity = content.item.fileIdentity;
   picture.hasImageData = !content.isEvicted;
-  picture.cornerRadius = kCornerRadius;
+  picture.cornerRadius = Radius::kControl;
   picture.crop = content.shownPart();
   thumbnail_->show(picture);
 }
@@ -92,7 +92,7 @@ void PromptPreview::paintEvent(QPaintEvent*) {
   const Theme theme(palette());
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
-  paintGround(painter, rect(), kCornerRadius, theme.fill, theme);
+  paintGround(painter, rect(), Radius::kControl, theme.fill, theme);
 }
 
 void PromptPreview::resizeEvent(QResizeEvent*) {

@@ -1,29 +1,18 @@
 #include "shell/Confirmations.h"
 
 #include <QtWidgets/QApplication>
-#include <QtWidgets/QMessageBox>
-#include <QtWidgets/QPushButton>
 
-#include "controls/ModalDialog.h"
-#include "controls/PlainText.h"
+#include "controls/Alert.h"
 #include "foundation/Localized.h"
 #include "model/Messages.h"
+#include "model/WideFolder.h"
 
 namespace quillmere {
 namespace {
 
-bool ask(const QString& question, const QString& details, const QString& action) {
-  QMessageBox box(QApplication::activeWindow());
-  box.setWindowTitle(question);
-  box.setIcon(QMessageBox::Question);
-  setPlainTexts(box, question, details);
-  QPushButton* confirm = box.addButton(action, QMessageBox::DestructiveRole);
-  QPushButton* cancel = box.addButton(localized("Cancel"), QMessageBox::RejectRole);
-  confirm->setAutoDefault(false);
-  box.setDefaultButton(cancel);
-  box.setEscapeButton(cancel);
-  runModal(box);
-  return box.clickedButton() == confirm;
+bool ask(AlertContent content) {
+  content.safe = localized("Cancel");
+  return Alert(std::move(content), QApplication::activeWindow()).ask();
 }
 
 }  // namespace
@@ -37,21 +26,48 @@ bool Confirmations::quit(const QuitConcerns& concerns) {
         "but a screenshot you take while it’s closed is saved without a popup.",
         {concerns.waitingScreenshots});
   }
-  return ask(localized("Quit Quillmere?"), details.join(QStringLiteral("\n\n")), localized("Quit Quillmere"));
+  return ask({.symbol = QStringLiteral("questionmark.circle"),
+              .heading = localized("Quit Quillmere?"),
+              .message = details.join(QStringLiteral("\n\n")),
+              .safe = {},
+              .action = localized("Quit Quillmere")});
 }
 
 bool Confirmations::deletion(const QString& fileName) {
-  return ask(
-      localized("Delete Screenshot?"),
-      localized("“%@” will be deleted from its folder and removed from Quillmere. This can’t be undone.", {fileName}),
-      localized("Delete"));
+  return ask({.symbol = QStringLiteral("trash"),
+              .ink = Ink::danger,
+              .heading = localized("Delete Screenshot?"),
+              .message = localized(
+                  "“%@” will be deleted from its folder and removed from Quillmere. This can’t be undone.", {fileName}),
+              .safe = {},
+              .action = localized("Delete"),
+              .isDestructive = true});
 }
 
 bool Confirmations::savingScreenshotsIn(const QString& folder) {
-  return ask(localized("Save Screenshots to “%@”?", {folder}),
-             localized("Every screenshot taken on this Mac will be saved there from now on, in every app, not only in "
-                       "Quillmere. You can change it back in Screenshot (⇧⌘5) › Options, or here in Quillmere."),
-             localized("Save Screenshots Here"));
+  return ask({.symbol = QStringLiteral("folder"),
+              .heading = localized("Save Screenshots to “%@”?", {folder}),
+              .message = localized(
+                  "Every screenshot taken on this Mac will be saved there from now on, in every app, not only in "
+                  "Quillmere. You can change it back in Screenshot (⇧⌘5) › Options, or here in Quillmere."),
+              .safe = {},
+              .action = localized("Save Screenshots Here")});
+}
+
+bool Confirmations::watching(const FileURL& folder, const FileURL& home) {
+  const auto wide = wideFolder(folder, home);
+  if (!wide) return true;
+  return ask(
+      {.symbol = QStringLiteral("folder.badge.questionmark"),
+       .ink = Ink::warning,
+       .heading = *wide == WideFolder::home ? localized("Watch Your Whole Home Folder?")
+                                            : localized("Watch the Computer’s Root Folder?"),
+       .message = localized(
+           "Other apps keep files of their own here. Quillmere would look at every picture that one of them puts "
+           "directly into this folder, to find out whether it’s a screenshot. A folder for screenshots alone is "
+           "the better choice."),
+       .safe = {},
+       .action = localized("Watch This Folder")});
 }
 
 }  // namespace quillmere

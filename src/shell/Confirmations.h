@@ -2,6 +2,8 @@
 
 #include <QtCore/QString>
 
+#include "foundation/FileURL.h"
+
 namespace quillmere {
 
 /// Questions that stand on their own, asked modally. Return cancels: it must never do what cannot be undone.
@@ -16,6 +18,8 @@ bool quit(const QuitConcerns& concerns);
 bool deletion(const QString& fileName);
 /// Whether every screenshot of the desktop is to be saved in the folder of this name.
 bool savingScreenshotsIn(const QString& folder);
+/// Whether the folder is to be watched; asks about the home folder and the root of all folders only.
+bool watching(const FileURL& folder, const FileURL& home);
 
 }  // namespace Confirmations
 }  // namespace quillmere

@@ -6,6 +6,7 @@
 #include "controls/Appearance.h"
 #include "model/AppModelDependencies.h"
 #include "popup/CapturePromptPanelController.h"
+#include "shell/DesktopFileDialogs.h"
 
 namespace quillmere {
 
@@ -34,6 +35,8 @@ class Platform {
   virtual void followAppearance(std::function<void(const Appearance&)> show) = 0;
   /// Lets the services follow what the model decides. The model may go first.
   virtual void follow(AppModel& model) = 0;
+  /// The desktop's own file dialogs; null where it has none.
+  virtual DesktopFileDialogs* fileDialogs() { return nullptr; }
 };
 
 /// The platform before there is an application object.

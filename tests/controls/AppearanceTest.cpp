@@ -94,6 +94,13 @@ TEST(AppearanceTest, AThemeOfTheDesktopForHighContrastIsUnderstood) {
   EXPECT_TRUE(Theme(paletteFor({}, theme)).isDark);
 }
 
+TEST(AppearanceTest, AThemeWhoseDimmedTextIsTooFaintGetsItClearer) {
+  QPalette theme = themed(kPaper, kViolet);
+  theme.setColor(QPalette::Disabled, QPalette::WindowText, QColor(0xd8d0c0));
+  const QPalette palette = paletteFor({}, theme);
+  EXPECT_GE(contrastRatio(palette.color(QPalette::Disabled, QPalette::WindowText), window(palette)), kMarkContrast);
+}
+
 TEST(AppearanceTest, WhatIsDimmedLooksDimmed) {
   for (const Scheme scheme : {Scheme::light, Scheme::dark}) {
     const QPalette palette = paletteFor(of(scheme), std::nullopt);

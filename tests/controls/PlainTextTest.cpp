@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <QtGui/QTextDocumentFragment>
-#include <QtWidgets/QMessageBox>
 
 #include "support/Printing.h"
 
@@ -31,14 +30,6 @@ TEST(PlainTextTest, AToolTipSaysWhatItWasGiven) {
   EXPECT_EQ(QTextDocumentFragment::fromHtml(widget.toolTip()).toPlainText(), QStringLiteral("/home/a & b"));
   setPlainToolTip(widget, {});
   EXPECT_EQ(widget.toolTip(), QString());
-}
-
-TEST(PlainTextTest, AMessageBoxShowsBothTextsAsTheyAre) {
-  QMessageBox box;
-  setPlainTexts(box, kHostile, kHostile + QStringLiteral(" again"));
-  EXPECT_EQ(box.text(), kHostile);
-  EXPECT_EQ(box.informativeText(), kHostile + QStringLiteral(" again"));
-  for (const QLabel* label : box.findChildren<QLabel*>()) EXPECT_EQ(label->textFormat(), Qt::PlainText);
 }
 
 }  // namespace

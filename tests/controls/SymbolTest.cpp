@@ -4,6 +4,8 @@
 #include <QtCore/QDir>
 #include <QtGui/QImage>
 
+#include "controls/Contrast.h"
+
 namespace quillmere {
 namespace {
 
@@ -40,6 +42,20 @@ TEST(Symbol, AFaintOneIsFaintThroughout) {
   faint.setAlpha(100);
   for (const QString& name : names()) {
     EXPECT_NEAR(strongestAlpha(drawn(name, 48, faint)), 100, 1) << name.toStdString() << ", where strokes cross";
+  }
+}
+
+TEST(Symbol, TheMarkInAFilledOneIsSeenInEveryColour) {
+  for (const QColor& color : {QColor(Qt::white), QColor(Qt::black), QColor(0xf2b84b), QColor(0x855000)}) {
+    const QImage image = drawn(QStringLiteral("exclamationmark.triangle.fill"), 96, color);
+    double furthest = 1;
+    for (int y = 0; y < image.height(); ++y) {
+      for (int x = 0; x < image.width(); ++x) {
+        if (qAlpha(image.pixel(x, y)) == 255)
+          furthest = std::max(furthest, contrastRatio(image.pixelColor(x, y), color));
+      }
+    }
+    EXPECT_GE(furthest, kTextContrast) << color.name().toStdString();
   }
 }
 

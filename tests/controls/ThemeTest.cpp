@@ -108,10 +108,32 @@ TEST_P(EveryLookTest, AnyAccentCarriesItsTextAndAVisibleRing) {
   }
 }
 
-TEST_P(EveryLookTest, EdgesAreSeenWhereStylesDrawNone) {
-  if (!theme.isDark && !theme.isHighContrast) return;
-  EXPECT_GE(contrastRatio(theme.fieldBorder, theme.field), kMarkContrast);
-  EXPECT_GE(contrastRatio(theme.fieldBorder, palette.color(QPalette::Base)), kMarkContrast);
+TEST_P(EveryLookTest, EdgesOfFieldsAreSeenOnBothSidesWhateverTheAccent) {
+  for (const QColor& accent : accents()) {
+    Appearance wanted = appearance();
+    wanted.accent = accent;
+    const QPalette accented = paletteFor(wanted, std::nullopt);
+    const Theme seen(accented);
+    for (const QColor& ground : {seen.field, seen.card, accented.color(QPalette::Base),
+                                 accented.color(QPalette::Window), painted(seen.fill, seen.card)}) {
+      EXPECT_GE(contrastRatio(seen.fieldBorder, ground), kMarkContrast)
+          << accent.name().toStdString() << " on " << ground.name().toStdString();
+    }
+  }
+}
+
+TEST_P(EveryLookTest, WhatCannotBeUsedCanStillBeRead) {
+  for (const QColor& ground : grounds()) {
+    if (ground == painted(theme.fillPressed, theme.card)) continue;  // nothing that cannot be used is pressed
+    EXPECT_GE(contrastRatio(theme.disabledText, ground), kMarkContrast) << ground.name().toStdString();
+  }
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+    for (const auto ground : {QPalette::Window, QPalette::Base, QPalette::Button}) {
+      EXPECT_GE(contrastRatio(palette.color(QPalette::Disabled, role), palette.color(QPalette::Active, ground)),
+                kMarkContrast)
+          << role << " on " << ground;
+    }
+  }
 }
 
 TEST_P(EveryLookTest, IsTheSameWhereAControlIsDimmedOrALabelHasItsOwnColour) {

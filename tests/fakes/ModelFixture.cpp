@@ -90,6 +90,10 @@ AppModelDependencies ModelFixture::dependencies() {
     if (onDeletionQuestion) onDeletionQuestion();
     return confirmsDeletion;
   };
+  world.confirmWatching = [this](const FileURL& folder) {
+    watchingQuestions.push_back(folder);
+    return confirmsWatching;
+  };
   world.isInTrash = [this](const FileURL& url) { return url.path().starts_with(trash.path() + "/"); };
   world.fileIdentity = [this](const FileURL& url) { return identityOf(url); };
   world.keepsIdentities = [this](const FileURL&) { return keepsIdentities; };

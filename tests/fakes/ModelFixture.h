@@ -145,6 +145,8 @@ class ModelFixture : public ::testing::Test {
 
   std::vector<QString> deletionQuestions;  ///< the files that were asked about
   bool confirmsDeletion = true;
+  std::vector<FileURL> watchingQuestions;
+  bool confirmsWatching = true;
   std::function<void()> onDeletionQuestion;  ///< what happens while the question is open
 
   std::vector<ModelChange> changes;

@@ -5,10 +5,10 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QListView>
-#include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QStackedWidget>
 
+#include "controls/Alert.h"
 #include "fakes/ModelFixture.h"
 #include "inbox/InboxDetail.h"
 #include "inbox/MessageView.h"
@@ -96,11 +96,11 @@ TEST_F(InboxWindowTest, AnErrorIsShownOnceAfterWhatFailedIsOver) {
   model->show(ErrorScope::inbox, QStringLiteral("Couldn’t Move"), QStringLiteral("The disk is full."));
   EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
   QTimer::singleShot(0, [&] {
-    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    auto* box = dynamic_cast<Alert*>(QApplication::activeModalWidget());
     ASSERT_TRUE(box);
     ++alerts;
-    EXPECT_EQ(box->text(), QStringLiteral("Couldn’t Move"));
-    EXPECT_EQ(box->informativeText(), QStringLiteral("The disk is full."));
+    EXPECT_EQ(box->content().heading, QStringLiteral("Couldn’t Move"));
+    EXPECT_EQ(box->content().message, QStringLiteral("The disk is full."));
     EXPECT_FALSE(*model->inboxError) << "told, it is over";
     box->accept();
   });

@@ -50,6 +50,22 @@ TEST_F(AppModelWatchFolder, ACancelledChoiceChangesNothing) {
   EXPECT_THAT(log.calls(), IsEmpty());
 }
 
+TEST_F(AppModelWatchFolder, AChoiceThatIsTakenBackChangesNothing) {
+  launchWatching();
+  log.clear();
+  chooser.answer = elsewhere;
+  confirmsWatching = false;
+  model->chooseWatchFolder();
+  executor.drain();
+  EXPECT_THAT(watchingQuestions, ElementsAre(elsewhere));
+  EXPECT_EQ(*model->watchFolderURL, shots);
+  EXPECT_THAT(log.calls(), IsEmpty());
+  confirmsWatching = true;
+  model->chooseWatchFolder();
+  executor.drain();
+  EXPECT_EQ(*model->watchFolderURL, elsewhere);
+}
+
 // --- Adopting ---
 
 TEST_F(AppModelWatchFolder, AdoptingIsStrictlyInItsOrder) {

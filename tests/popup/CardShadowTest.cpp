@@ -19,6 +19,7 @@ class Shaded {
     image_.setDevicePixelRatio(scale);
     image_.fill(Qt::transparent);
     QPainter painter(&image_);
+    painter.setRenderHint(QPainter::Antialiasing);  // as the card is drawn
     CardShadow().paint(painter, card);
   }
   int at(qreal x, qreal y) const {
@@ -60,6 +61,14 @@ TEST(CardShadowTest, ItFallsBelowTheCard) {
   EXPECT_EQ(shadow.at(20, 174), shadow.at(467, 174)) << "the same on both sides";
 }
 
+TEST(CardShadowTest, ATightLayerLiesOnTheWideOne) {
+  const Shaded shadow;
+  // Of the wide layer alone, which falls 6 points, hardly anything would be above the card.
+  EXPECT_GE(shadow.at(244, 23), 8);
+  EXPECT_LE(shadow.at(244, 14), 2) << "the tight one ends soon";
+  EXPECT_GE(shadow.at(244, 340), 3) << "and the wide one goes on below";
+}
+
 TEST(CardShadowTest, ItEndsWithinTheWindow) {
   const Shaded shadow;
   for (int x = 0; x < shadow.size().width(); ++x) {
@@ -89,6 +98,19 @@ TEST(CardShadowTest, ItsPartsMeetWithoutASeam) {
     const Shaded shadow(QRect(24, 24, 440, height), 1);
     for (int y = 1; y < shadow.size().height(); ++y) {
       ASSERT_LE(std::abs(shadow.pixel(14, y) - shadow.pixel(14, y - 1)), 6) << height << ", line " << y;
+    }
+  }
+}
+
+TEST(CardShadowTest, ItsPartsMeetOnWholePixelsAtEveryScale) {
+  for (const qreal scale : {1.25, 1.5, 1.75}) {
+    for (const int height : {301, 302, 303, 458}) {
+      const Shaded shadow(QRect(24, 24, 440, height), scale);
+      const int x = qRound(14 * scale);
+      for (int y = 1; y < shadow.size().height(); ++y) {
+        ASSERT_LE(std::abs(shadow.pixel(x, y) - shadow.pixel(x, y - 1)), 3)
+            << scale << ", " << height << ", line " << y;
+      }
     }
   }
 }

@@ -5,19 +5,19 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLabel>
-#include <QtWidgets/QMessageBox>
-#include <QtWidgets/QPushButton>
 
+#include "controls/ActionButton.h"
+#include "controls/Alert.h"
 #include "support/Printing.h"
 
 namespace quillmere {
 namespace {
 
 /// What the question gives when it is answered so.
-bool answer(const std::function<bool()>& question, const std::function<void(QMessageBox&)>& how) {
+bool answer(const std::function<bool()>& question, const std::function<void(Alert&)>& how) {
   bool isSeen = false;
   QTimer::singleShot(0, [&] {
-    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    auto* box = dynamic_cast<Alert*>(QApplication::activeModalWidget());
     ASSERT_TRUE(box);
     isSeen = true;
     how(*box);
@@ -27,13 +27,6 @@ bool answer(const std::function<bool()>& question, const std::function<void(QMes
   EXPECT_TRUE(isSeen);
   return isConfirmed;
 }
-QPushButton* confirming(const QMessageBox& box) {
-  for (QAbstractButton* button : box.buttons()) {
-    if (box.buttonRole(button) == QMessageBox::DestructiveRole) return qobject_cast<QPushButton*>(button);
-  }
-  return nullptr;
-}
-
 struct Question {
   const char* text;
   const char* details;
@@ -43,23 +36,28 @@ struct Question {
 class ConfirmationsTest : public ::testing::TestWithParam<Question> {};
 
 TEST_P(ConfirmationsTest, SaysWhatWouldBeDone) {
-  answer(GetParam().ask, [](const QMessageBox& box) {
-    EXPECT_EQ(box.text(), QString::fromUtf8(GetParam().text));
-    EXPECT_EQ(box.windowTitle(), box.text());
-    EXPECT_EQ(box.informativeText(), QString::fromUtf8(GetParam().details));
-    EXPECT_EQ(confirming(box)->text(), QString::fromUtf8(GetParam().action));
+  answer(GetParam().ask, [](const Alert& box) {
+    EXPECT_EQ(box.content().heading, QString::fromUtf8(GetParam().text));
+    EXPECT_EQ(box.windowTitle(), box.content().heading);
+    EXPECT_EQ(box.safeButton().text(), QStringLiteral("Cancel"));
+    EXPECT_EQ(box.content().message, QString::fromUtf8(GetParam().details));
+    EXPECT_EQ(box.actionButton()->text(), QString::fromUtf8(GetParam().action));
     for (const auto* label : box.findChildren<QLabel*>()) EXPECT_EQ(label->textFormat(), Qt::PlainText);
   });
 }
 
 TEST_P(ConfirmationsTest, OnlyItsOwnButtonDoesIt) {
-  EXPECT_TRUE(
-      answer(GetParam().ask, [](const QMessageBox& box) { QTest::mouseClick(confirming(box), Qt::LeftButton); }));
+  EXPECT_TRUE(answer(GetParam().ask, [](const Alert& box) { QTest::mouseClick(box.actionButton(), Qt::LeftButton); }));
   for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
-    EXPECT_FALSE(answer(GetParam().ask, [key](QMessageBox& box) { QTest::keyClick(&box, key); })) << key;
+    EXPECT_FALSE(answer(GetParam().ask, [key](Alert& box) { QTest::keyClick(&box, key); })) << key;
   }
-  EXPECT_FALSE(answer(GetParam().ask, [](QMessageBox& box) { box.close(); }));
+  EXPECT_FALSE(answer(GetParam().ask, [](Alert& box) { box.close(); }));
 }
+
+constexpr auto kWatching =
+    "Other apps keep files of their own here. Quillmere would look at every picture that one of them puts directly "
+    "into "
+    "this folder, to find out whether it’s a screenshot. A folder for screenshots alone is the better choice.";
 
 INSTANTIATE_TEST_SUITE_P(
     Each, ConfirmationsTest,
@@ -91,7 +89,16 @@ INSTANTIATE_TEST_SUITE_P(
         Question{"Save Screenshots to “Shots”?",
                  "Every screenshot that your screenshot tool takes will be saved there from now on. You can change it "
                  "back in the tool’s settings, or here in Quillmere.",
-                 "Save Screenshots Here", [] { return Confirmations::savingScreenshotsIn(QStringLiteral("Shots")); }}));
+                 "Save Screenshots Here", [] { return Confirmations::savingScreenshotsIn(QStringLiteral("Shots")); }},
+        Question{"Watch Your Whole Home Folder?", kWatching, "Watch This Folder",
+                 [] { return Confirmations::watching(FileURL::fromPath("/tmp"), FileURL::fromPath("/tmp")); }},
+        Question{"Watch the Computer’s Root Folder?", kWatching, "Watch This Folder",
+                 [] { return Confirmations::watching(FileURL::fromPath("/"), FileURL::fromPath("/tmp")); }}));
+
+TEST(ConfirmationsOfOrdinaryFoldersTest, AreNotAskedFor) {
+  EXPECT_TRUE(Confirmations::watching(FileURL::fromPath("/tmp/Shots"), FileURL::fromPath("/tmp")));
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+}
 
 }  // namespace
 }  // namespace quillmere

@@ -7,11 +7,11 @@
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
-#include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QSpinBox>
 #include <QtWidgets/QTabWidget>
 
+#include "controls/Alert.h"
 #include "fakes/ModelFixture.h"
 #include "support/EventLoop.h"
 
@@ -209,9 +209,9 @@ TEST_F(SettingsWindowTest, AnErrorIsShownOnceAfterWhatFailedIsOver) {
   model->show(ErrorScope::settings, QStringLiteral("Title"), QStringLiteral("Message"));
   EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
   QTimer::singleShot(0, [&] {
-    auto* alert = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    auto* alert = dynamic_cast<Alert*>(QApplication::activeModalWidget());
     ASSERT_TRUE(alert);
-    EXPECT_EQ(alert->text(), QStringLiteral("Title"));
+    EXPECT_EQ(alert->content().heading, QStringLiteral("Title"));
     isSeen = true;
     alert->accept();
   });

@@ -5,6 +5,7 @@
 #include "controls/HeldKeys.h"
 #include "platform/linux/LiveServices.h"
 #include "platform/linux/appearance/DesktopAppearance.h"
+#include "platform/linux/choosing/PortalFileDialogs.h"
 #include "platform/linux/panel/X11PanelWindowSystem.h"
 #include "platform/linux/session/ApplicationBus.h"
 #include "platform/linux/session/RunMarker.h"
@@ -45,6 +46,7 @@ class LinuxPlatform final : public Platform {
   CapturePromptPanelController::Services popupServices() override;
   void followAppearance(std::function<void(const Appearance&)> show) override;
   void follow(AppModel& model) override;
+  DesktopFileDialogs* fileDialogs() override { return &fileDialogs_; }
 
  private:
   std::unique_ptr<LinuxProcess> process_;
@@ -55,6 +57,7 @@ class LinuxPlatform final : public Platform {
   BusCaptureSigns busSigns_;
   HeldKeys heldKeys_;
   SessionEvents session_;
+  PortalFileDialogs fileDialogs_{QDBusConnection::sessionBus()};
   Connection modelFollower_;
 };
 
