@@ -23,28 +23,47 @@ QLayoutItem* AdaptiveActionRow::takeAt(int index) {
   return item;
 }
 
-std::vector<int> AdaptiveActionRow::widths(int available) const {
+std::vector<int> AdaptiveActionRow::widths(size_t first, size_t count, int available) const {
   std::vector<int> widths;
-  int sum = kSpacing * (count() - 1);
+  const int number = static_cast<int>(count);
+  int sum = kSpacing * (number - 1);
   int widest = 0;
-  for (const auto& item : items_) {
-    widths.push_back(item->sizeHint().width());
+  for (size_t i = first; i < first + count; ++i) {
+    widths.push_back(items_[i]->sizeHint().width());
     sum += widths.back();
     widest = std::max(widest, widths.back());
   }
-  if (items_.empty() || sum > available) return {};
+  if (count == 0 || sum > available) return {};
   if (distribution_ == Distribution::leadingAndTrailing) return widths;
 
-  const int forButtons = available - kSpacing * (count() - 1);
-  const bool canBeEqual = widest * count() <= forButtons;
+  const int forButtons = available - kSpacing * (number - 1);
+  const bool canBeEqual = widest * number <= forButtons;
   int left = canBeEqual ? forButtons : available - sum;
-  for (int i = 0; i < count(); ++i) {
+  for (int i = 0; i < number; ++i) {
     int& width = widths[static_cast<size_t>(i)];
-    const int share = left / (count() - i);
+    const int share = left / (number - i);
     width = canBeEqual ? share : width + share;
     left -= share;
   }
   return widths;
+}
+
+std::vector<std::vector<int>> AdaptiveActionRow::lines(int available) const {
+  if (auto all = widths(0, items_.size(), available); !all.empty()) return {all};
+  std::vector<std::vector<int>> columns;
+  if (items_.size() % 2 == 1) columns.push_back({available});
+  for (size_t i = items_.size() % 2; i < items_.size(); i += 2) {
+    auto pair = widths(i, 2, available);
+    if (pair.empty()) return std::vector(items_.size(), std::vector{available});
+    columns.push_back(std::move(pair));
+  }
+  return columns;
+}
+
+int AdaptiveActionRow::heightOfLine(size_t first, size_t count) const {
+  int height = 0;
+  for (size_t i = first; i < first + count; ++i) height = std::max(height, items_[i]->sizeHint().height());
+  return height;
 }
 
 QSize AdaptiveActionRow::sizeHint() const {
@@ -63,33 +82,30 @@ QSize AdaptiveActionRow::minimumSize() const {
 }
 
 int AdaptiveActionRow::heightForWidth(int width) const {
-  if (!widths(width).empty()) return sizeHint().height();
-  int height = kSpacing * std::max(0, count() - 1);
-  for (const auto& item : items_) height += item->sizeHint().height();
+  int height = 0;
+  size_t first = 0;
+  for (const auto& line : lines(width)) {
+    height += heightOfLine(first, line.size()) + (first > 0 ? kSpacing : 0);
+    first += line.size();
+  }
   return height;
 }
 
 void AdaptiveActionRow::setGeometry(const QRect& rect) {
   QLayout::setGeometry(rect);
   const auto direction = parentWidget() ? parentWidget()->layoutDirection() : Qt::LeftToRight;
-  const auto place = [&](QLayoutItem& item, const QRect& leftToRight) {
-    item.setGeometry(QStyle::visualRect(direction, rect, leftToRight));
-  };
-  const std::vector<int> widths = this->widths(rect.width());
-  if (widths.empty()) {
-    int y = rect.y();
-    for (const auto& item : items_) {
-      place(*item, QRect(rect.x(), y, rect.width(), item->sizeHint().height()));
-      y += item->sizeHint().height() + kSpacing;
+  size_t next = 0;
+  int y = rect.y();
+  for (const auto& line : lines(rect.width())) {
+    const int height = heightOfLine(next, line.size());
+    int x = rect.x();
+    for (size_t i = 0; i < line.size(); ++i, ++next) {
+      const bool isTrailing = distribution_ == Distribution::leadingAndTrailing && i > 0 && i + 1 == line.size();
+      if (isTrailing) x = rect.x() + rect.width() - line[i];
+      items_[next]->setGeometry(QStyle::visualRect(direction, rect, QRect(x, y, line[i], height)));
+      x += line[i] + kSpacing;
     }
-    return;
-  }
-  int x = rect.x();
-  for (size_t i = 0; i < items_.size(); ++i) {
-    const bool isTrailing = distribution_ == Distribution::leadingAndTrailing && i > 0 && i + 1 == items_.size();
-    if (isTrailing) x = rect.x() + rect.width() - widths[i];
-    place(*items_[i], QRect(x, rect.y(), widths[i], rect.height()));
-    x += widths[i] + kSpacing;
+    y += height + kSpacing;
   }
 }
 

@@ -29,8 +29,12 @@ class AdaptiveActionRow final : public QLayout {
   void setGeometry(const QRect& rect) override;
 
  private:
-  /// In order; empty where they do not fit side by side.
-  std::vector<int> widths(int available) const;
+  /// The widths of neighbours, in order; empty where they do not fit side by side.
+  std::vector<int> widths(size_t first, size_t count, int available) const;
+  /// The widths in each line, from the top: one line where all fit, else two columns below the first item where that
+  /// leaves one over, else a line for each.
+  std::vector<std::vector<int>> lines(int available) const;
+  int heightOfLine(size_t first, size_t count) const;
 
   Distribution distribution_;
   std::vector<std::unique_ptr<QLayoutItem>> items_;

@@ -33,10 +33,11 @@ QAccessibleInterface* dialogInterface(const QString&, QObject* object) {
 
 }  // namespace
 
-CaptureDecisionPanel::CaptureDecisionPanel(QWidget* contents)
+CaptureDecisionPanel::CaptureDecisionPanel(QWidget* contents, QWidget* footer)
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus |
                            Qt::NoDropShadowWindowHint),
-      scroll_(new QScrollArea(this)) {
+      scroll_(new QScrollArea(this)),
+      footer_(footer) {
   QAccessible::installFactory(&dialogInterface);
   setAttribute(Qt::WA_ShowWithoutActivating);
   setAttribute(Qt::WA_TranslucentBackground);
@@ -53,6 +54,7 @@ CaptureDecisionPanel::CaptureDecisionPanel(QWidget* contents)
   scroll_->setWidgetResizable(true);
   scroll_->setWidget(contents);
   contents->setAutoFillBackground(false);
+  if (footer_) footer_->setParent(this);
   makeScrollBar();
   setScrolls(false);
 }
@@ -104,10 +106,18 @@ void CaptureDecisionPanel::setFrame(const QRect& frame) {
 void CaptureDecisionPanel::layOut() {
   const QRect card = cardRect();
   const int inset = scrolls_ ? kScrollInset : 0;
-  scroll_->setGeometry(card.adjusted(0, inset, 0, -inset));
+  QRect above = card.adjusted(0, inset, 0, -inset);
+  if (footer_) {
+    const int height =
+        footer_->hasHeightForWidth() ? footer_->heightForWidth(card.width()) : footer_->sizeHint().height();
+    above = card.adjusted(0, inset, 0, -height);
+    footer_->setGeometry(card.x(), above.bottom() + 1, card.width(), height);
+  }
+  scroll_->setGeometry(above);
   const int corner = static_cast<int>(CardShape::kCornerRadius);
+  const int end = footer_ ? 0 : corner;
   scrollBar_->setGeometry(QRect(card.right() + 1 - kScrollBarInset - kScrollBarWidth, card.top() + corner,
-                                kScrollBarWidth, card.height() - 2 * corner));
+                                kScrollBarWidth, above.bottom() + 1 - card.top() - corner - end));
 }
 
 void CaptureDecisionPanel::resizeEvent(QResizeEvent*) {
@@ -121,6 +131,7 @@ void CaptureDecisionPanel::closeEvent(QCloseEvent* event) {
 
 bool CaptureDecisionPanel::event(QEvent* event) {
   if (event->type() == QEvent::WindowDeactivate && onDeactivated) onDeactivated();
+  if (event->type() == QEvent::LayoutRequest) layOut();
   return QWidget::event(event);
 }
 

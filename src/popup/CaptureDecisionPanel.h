@@ -13,8 +13,8 @@ namespace quillmere {
 /// The popup's window: the card, its shadow around it, and nothing else. It never takes the keyboard by itself.
 class CaptureDecisionPanel final : public QWidget {
  public:
-  /// `contents` stand on the card.
-  explicit CaptureDecisionPanel(QWidget* contents);
+  /// `contents` stand on the card, and scroll where there is too little room; below them `footer`, which does not.
+  explicit CaptureDecisionPanel(QWidget* contents, QWidget* footer = nullptr);
 
   void setScrolls(bool scrolls);
   /// Without a compositor there is no shadow, and a stronger edge tells the card from what lies below.
@@ -42,6 +42,7 @@ class CaptureDecisionPanel final : public QWidget {
   void layOut();
 
   QScrollArea* scroll_;
+  QWidget* footer_;
   QScrollBar* scrollBar_ = nullptr;
   CardShadow shadow_;
   bool scrolls_ = false;

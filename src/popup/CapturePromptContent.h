@@ -26,6 +26,7 @@ struct CapturePromptContent {
   bool canReadImage = true;    ///< the file is reachable and its data is here
   bool isEvicted = false;      ///< its data is known not to be on this computer
   bool isAnalyzing = false;
+  bool showsWholeDescription = false;  ///< also where it is long
   AnalysisAvailability availability = AnalysisAvailability::enabled;
   std::optional<QSizeF> screenshotPixelSize;
   std::optional<QSizeF> previewPixelSize;  ///< of what the preview shows

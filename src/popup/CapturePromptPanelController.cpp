@@ -104,9 +104,13 @@ void CapturePromptPanelController::makePanel(AppModel& model) {
   view_ = new CapturePromptView(services, nullptr);
   view_->onKeyboardWanted = [this] { takeKeyboard(); };
   view_->onExtraHeightChanged = [this] { scheduleUpdate(); };
+  view_->onMore = [this] {
+    wholeDescriptionOf_ = content_->item.id;
+    scheduleUpdate();
+  };
   view_->onFontChanged = [this] { measureAnew(); };
   measuringView_ = std::make_unique<CapturePromptView>(services, nullptr);
-  panel_ = std::make_unique<CaptureDecisionPanel>(view_);
+  panel_ = std::make_unique<CaptureDecisionPanel>(view_, view_->footer());
   panel_->onCloseRequested = [this] { view_->closePrompt(); };
   panel_->onDeactivated = [this] {
     // A question of the card's gives the keyboard back by itself.
@@ -192,7 +196,9 @@ std::optional<CapturePromptContent> CapturePromptPanelController::makeContent() 
   const auto& queue = *model_->prompts().queue;
   const ScreenshotItem* following = queue.size() > 1 ? model_->items().find(queue[1]) : nullptr;
   if (following) previewSizes_.size(*following);
-  return CapturePromptContent::make(*model_, [this](const auto& item) { return previewSizes_.size(item); });
+  auto content = CapturePromptContent::make(*model_, [this](const auto& item) { return previewSizes_.size(item); });
+  if (content) content->showsWholeDescription = wholeDescriptionOf_ == content->item.id;
+  return content;
 }
 
 /// A layout of the whole card is what must not happen at every change of the model.

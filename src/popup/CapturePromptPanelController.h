@@ -9,9 +9,9 @@
 #include "formats/ThumbnailLoader.h"
 #include "foundation/Weak.h"
 #include "popup/CaptureDecisionPanel.h"
-#include "popup/CaptureRecess.h"
 #include "popup/CapturePromptContent.h"
 #include "popup/CapturePromptView.h"
+#include "popup/CaptureRecess.h"
 #include "popup/PanelPlacement.h"
 #include "popup/PanelWindowSystem.h"
 #include "popup/PreviewSizes.h"
@@ -84,6 +84,7 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
   std::unique_ptr<CapturePromptView> measuringView_;
   AppModel* model_ = nullptr;
   std::optional<CapturePromptContent> content_;
+  std::optional<UUID> wholeDescriptionOf_;     ///< the screenshot whose long description is shown to its end
   std::list<MeasuredHeight> measuredHeights_;  // most recently used first
   Connection modelChanges_;
   QObject screenObserver_;

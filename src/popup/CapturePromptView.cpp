@@ -37,14 +37,18 @@ CapturePromptView::CapturePromptView(Services services, QWidget* parent)
       textActions_(new PromptTextActions(this)),
       noticeRow_(new PromptPreviewNoticeView(*services_.executor, this)),
       errorBanner_(new PromptErrorBanner(this)),
-      actions_(new PromptActions(this)) {
+      footer_(new QWidget(this)),
+      actions_(new PromptActions(footer_)) {
   auto* rows = new QVBoxLayout(this);
-  rows->setContentsMargins(kPadding, kPadding, kPadding, kPadding);
+  rows->setContentsMargins(kPadding, kPadding, kPadding, 0);
   rows->setSpacing(kRowSpacing);
   for (QWidget* row :
-       std::initializer_list<QWidget*>{header_, preview_, details_, textActions_, noticeRow_, errorBanner_, actions_}) {
+       std::initializer_list<QWidget*>{header_, preview_, details_, textActions_, noticeRow_, errorBanner_}) {
     rows->addWidget(row);
   }
+  auto* last = new QVBoxLayout(footer_);
+  last->setContentsMargins(kPadding, kRowSpacing, kPadding, kPadding);
+  last->addWidget(actions_);
   wire();
   orderControls();
 }
@@ -56,6 +60,9 @@ void CapturePromptView::wire() {
   preview_->actions().onAction = [this](PictureAction action, QWidget& button) { run(action, button); };
   details_->onAnalyze = [this] {
     if (content_) model_.startAnalysis(content_->item.id);
+  };
+  details_->onMore = [this] {
+    if (onMore) onMore();
   };
   details_->onNameChanged = [this] { reportEdit(); };
   textActions_->onAction = [this](PictureAction action, QWidget& button) { run(action, button); };
@@ -76,13 +83,15 @@ void CapturePromptView::orderControls() {
     order.insert(order.end(), controls.begin(), controls.end());
   };
   add(preview_->actions().controls());
-  add({&details_->description(), &details_->analysisButton(), &details_->nameField()});
+  add({&details_->description(), &details_->moreButton(), &details_->analysisButton(), &details_->nameField()});
   add(textActions_->controls());
   add({errorBanner_->control()});
   add(actions_->controls());
   for (size_t i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
   // Return is the card's, and some desktops' themes have it press the button that has the focus.
   for (QWidget* control : order) control->installEventFilter(this);
+  // What its buttons leave is the card's, wherever it stands.
+  footer_->installEventFilter(this);
 }
 
 // --- What is shown ---
@@ -164,9 +173,11 @@ int CapturePromptView::naturalHeight() {
   constexpr int kWidth = static_cast<int>(PanelPlacement::kCardWidth);
   // Rows within rows tell of a change only in a later turn of the loop.
   for (QWidget* widget : findChildren<QWidget*>()) widget->updateGeometry();
-  layout()->activate();
-  const int card =
-      layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(kWidth) : layout()->totalSizeHint().height();
+  const auto height = [](QLayout& layout) {
+    layout.activate();
+    return layout.hasHeightForWidth() ? layout.totalHeightForWidth(kWidth) : layout.totalSizeHint().height();
+  };
+  const int card = height(*layout()) + height(*footer_->layout());
   return card - extraHeight() + 2 * static_cast<int>(PanelPlacement::kMargin);
 }
 
@@ -297,8 +308,9 @@ bool CapturePromptView::eventFilter(QObject* watched, QEvent* event) {
   if (isText && event->type() == QEvent::MouseButtonPress && onKeyboardWanted) onKeyboardWanted();
   if (event->type() != QEvent::KeyPress) return false;
   auto& key = static_cast<QKeyEvent&>(*event);
-  if (isReturn(key)) keyPressEvent(&key);
-  return isReturn(key);
+  const bool isOurs = watched == footer_ || isReturn(key);
+  if (isOurs) keyPressEvent(&key);
+  return isOurs;
 }
 
 bool CapturePromptView::handleName(QEvent& event) {

@@ -33,6 +33,9 @@ class CapturePromptView final : public QWidget {
   };
   CapturePromptView(Services services, QWidget* parent);
 
+  /// The decisions, which stand below the rest and never scroll away with it. For the panel to take.
+  QWidget* footer() const { return footer_; }
+
   void show(const CapturePromptContent& content);
   /// As the close button does: the screenshot stays, and the next one comes up.
   void closePrompt();
@@ -44,6 +47,8 @@ class CapturePromptView final : public QWidget {
   int extraHeight() const;
   std::function<void()> onExtraHeightChanged;
   std::function<void()> onFontChanged;
+  /// The whole description of the screenshot on show is wanted.
+  std::function<void()> onMore;
   /// The person clicked where the keyboard is needed.
   std::function<void()> onKeyboardWanted;
 
@@ -100,6 +105,7 @@ class CapturePromptView final : public QWidget {
   PromptTextActions* textActions_;
   PromptPreviewNoticeView* noticeRow_;
   PromptErrorBanner* errorBanner_;
+  QWidget* footer_;
   PromptActions* actions_;
   Lifetime lifetime_;
 };

@@ -55,17 +55,19 @@ void DurationPicker::paintEvent(QPaintEvent*) {
   const ButtonLook look =
       buttonLook(theme, ButtonRole::secondary, underMouse() ? Touch::hovered : Touch::none, isEnabled());
   paintGround(painter, rect(), Radius::kControl, look.ground, theme);
-  const QString label = localized("Temporary for") + QLatin1Char(' ');
+  const QString label = localized("Temporary for");
   // Label, value and arrow, one after the other in the direction of the language.
   const QRect inner = rect().adjusted(kPadding, 0, -kPadding, 0);
   const int labelWidth = fontMetrics().horizontalAdvance(label);
+  const int gap = fontMetrics().horizontalAdvance(QLatin1Char(' '));
   const auto placed = [this](const QRect& place) { return QStyle::visualRect(layoutDirection(), rect(), place); };
   const auto alignment =
       QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) | Qt::AlignVCenter | Qt::AlignAbsolute;
   painter.setPen(isEnabled() ? theme.secondaryText : look.ink);
   painter.drawText(placed({inner.left(), 0, labelWidth, height()}), static_cast<int>(alignment), label);
   painter.setPen(look.ink);
-  painter.drawText(placed(inner.adjusted(labelWidth, 0, -kChevron, 0)), static_cast<int>(alignment), currentText());
+  painter.drawText(placed(inner.adjusted(labelWidth + gap, 0, -kChevron, 0)), static_cast<int>(alignment),
+                   currentText());
   painter.drawPixmap(placed({inner.right() - kChevron + 1, (height() - kChevron) / 2, kChevron, kChevron}),
                      symbolPixmap(QStringLiteral("chevron.down"), kChevron, theme.secondaryText, devicePixelRatioF()));
   if (hasFocus()) paintFocusRing(painter, rect(), Radius::kControl, look.ring);

@@ -11,14 +11,20 @@
 namespace quillmere {
 namespace {
 
+/// Of a description, until all of it is asked for.
+constexpr int kDescriptionLines = 3;
 constexpr int kBlockSpacing = 12;
 constexpr int kCaptionSpacing = 4;
 constexpr int kExtensionSpacing = 6;
+/// In points: the name needs the room.
+constexpr int kLongestExtension = 96;
 
 }  // namespace
 
 PromptDetails::PromptDetails(QWidget* parent) : QWidget(parent), analysis_(new AnalysisStatusRow(this)) {
   analysis_->onAnalyze = [this] { onAnalyze(); };
+  analysis_->onMore = [this] { onMore(); };
+  analysis_->setLimit(kDescriptionLines, kPreviewWidth);
   auto* rows = new QVBoxLayout(this);
   rows->setContentsMargins(0, 0, 0, 0);
   rows->setSpacing(kBlockSpacing);
@@ -39,7 +45,11 @@ QWidget* PromptDetails::makeNameBlock() {
     onNameChanged();
   });
 
-  auto* field = new QHBoxLayout;
+  // A name and its extension read from the left in every language.
+  auto* fileName = new QWidget(block);
+  fileName->setLayoutDirection(Qt::LeftToRight);
+  auto* field = new QHBoxLayout(fileName);
+  field->setContentsMargins(0, 0, 0, 0);
   field->setSpacing(kExtensionSpacing);
   field->addWidget(nameField_, 1);
   field->addWidget(extension_);
@@ -47,7 +57,7 @@ QWidget* PromptDetails::makeNameBlock() {
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(kCaptionSpacing);
   column->addWidget(caption_);
-  column->addLayout(field);
+  column->addWidget(fileName);
   return block;
 }
 
@@ -55,13 +65,15 @@ void PromptDetails::show(const CapturePromptContent& content) {
   // A picture that cannot be read waits for its analysis, however long that takes.
   const bool isAnalyzing = content.isAnalyzing && content.canReadImage;
   const AnalysisStatus status = analysisStatus(content.item, isAnalyzing, content.availability);
-  analysis_->show({status.text, status.isFailure, status.offersAnalysis, status.isDescription});
+  analysis_->show(
+      {status.text, status.isFailure, status.offersAnalysis, status.isDescription, content.showsWholeDescription});
   // Whoever has no model is told so in Settings, once.
   const bool hasNoModel = content.availability == AnalysisAvailability::unavailable;
   analysis_->setVisible(!hasNoModel || isAnalyzing || status.isFailure || status.isDescription);
   const std::string extension = content.item.url.pathExtension();
   extension_->setVisible(!extension.empty());
-  extension_->setText(QLatin1Char('.') + QString::fromStdString(extension));
+  const QString text = QLatin1Char('.') + QString::fromStdString(extension);
+  extension_->setText(extension_->fontMetrics().elidedText(text, Qt::ElideMiddle, kLongestExtension));
   refreshCaption();
 }
 
@@ -77,6 +89,10 @@ QLineEdit& PromptDetails::nameField() const {
 
 QWidget& PromptDetails::description() const {
   return analysis_->text();
+}
+
+QWidget& PromptDetails::moreButton() const {
+  return analysis_->moreButton();
 }
 
 QWidget& PromptDetails::analysisButton() const {

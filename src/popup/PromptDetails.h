@@ -22,8 +22,11 @@ class PromptDetails final : public QWidget {
   QLineEdit& nameField() const;
   QWidget& description() const;
   QWidget& analysisButton() const;
+  QWidget& moreButton() const;
 
   std::function<void()> onAnalyze;
+  /// The whole description is wanted.
+  std::function<void()> onMore;
   std::function<void()> onNameChanged;
 
  private:

@@ -4,6 +4,7 @@ with the file or after three seconds. With the setting for it, it waits until th
 
 import os
 import subprocess
+import sys
 import time
 
 import gi
@@ -12,8 +13,7 @@ gi.require_version("GdkPixbuf", "2.0")
 from gi.repository import GdkPixbuf  # noqa: E402
 
 import captures
-from harness import POPUP_TITLE, expect, hold_for, run_journey, wait_until
-
+from harness import POPUP_TITLE, JourneyFailed, expect, hold_for, run_journey, wait_until
 from windows import Windows
 
 CARD = (252, 252, 253)
@@ -137,21 +137,44 @@ TOOLS = {
 }
 
 
+def is_seen(desktop, name, command, has_key):
+    """Whether the popup stands in the picture that the tool takes, started by the Print key or by hand."""
+    show(desktop)
+    hold_for("it shows", lambda: desktop.popup.is_shown, 0.5)  # its analysis may end, and take a row away
+    place = place_on_card(desktop)
+    outside = os.path.join(desktop.scratch, f"{name}{'-key' if has_key else ''}.png")
+    if has_key:
+        desktop.key("Print")
+    subprocess.run(command(outside), env={**desktop.environment, "NO_AT_BRIDGE": "1"}, timeout=60,
+                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False)
+    wait_until(f"{name} took a picture", lambda: os.path.exists(outside) and os.path.getsize(outside) > 0, 20)
+    time.sleep(0.3)
+    seen = card_in(outside, place)
+    wait_until("the popup is back", lambda: desktop.popup.is_shown)
+    expect("where it was", place_on_card(desktop) == place)
+    decide_all(desktop)
+    return seen
+
+
 def tools(desktop):
     """Started by the Print key, as desktops do: none of them sees the popup."""
     for name, command in TOOLS.items():
-        show(desktop)
-        place = place_on_card(desktop)
-        outside = os.path.join(desktop.scratch, f"{name}.png")
-        desktop.key("Print")
-        subprocess.run(command(outside), env={**desktop.environment, "NO_AT_BRIDGE": "1"}, timeout=60,
-                       stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False)
-        wait_until(f"{name} took a picture", lambda: os.path.exists(outside) and os.path.getsize(outside) > 0, 20)
-        time.sleep(0.3)
-        expect(f"{name} did not see the popup", not card_in(outside, place))
-        wait_until("the popup is back", lambda: desktop.popup.is_shown)
-        expect("where it was", place_on_card(desktop) == place)
-        decide_all(desktop)
+        expect(f"{name} did not see the popup", not is_seen(desktop, name, command, has_key=True))
+
+
+def table(desktop):
+    """To know what holds where; run by hand, with a window manager as the argument."""
+    desktop.choose_folder()
+    desktop.launch("--autostart")
+    for name, command in TOOLS.items():
+        row = []
+        for has_key in (True, False):
+            try:
+                row.append("seen" if is_seen(desktop, name, command, has_key) else "hidden")
+            except JourneyFailed as failure:
+                row.append(str(failure))
+                decide_all(desktop)
+        print(f"| {name} | {sys.argv[1]} | {row[0]} | {row[1]} |", flush=True)
 
 
 def journey(desktop):
@@ -167,4 +190,6 @@ def journey(desktop):
 
 
 if __name__ == "__main__":
+    if len(sys.argv) > 1:
+        run_journey("next-capture-table", table, window_manager=sys.argv[1])
     run_journey("next-capture", journey)

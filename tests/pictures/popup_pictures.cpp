@@ -1,6 +1,6 @@
 // Draws the popup in all its states, through its real widgets, for people to look at.
 //
-//   popup_pictures FOLDER [--dark] [--contrast] [--texts FOLDER-OF-A-CATALOGUE]
+//   popup_pictures FOLDER [--dark] [--contrast] [--rtl] [--texts FOLDER-OF-A-CATALOGUE]
 //
 // One PNG for each state; QT_SCALE_FACTOR=2 gives them at twice the size.
 
@@ -205,6 +205,21 @@ const std::vector<Picture> kPictures{
            "Quarterly figures of the northern region with all corrections and the remarks of the third reading.png",
            kDescription);
      }},
+    {"long-description",
+     [](Scene& scene) { scene.capture("Screenshot from 2026-11-21 09-41-07.png", kDescription.repeated(4)); }},
+    {"whole-description",
+     [](Scene& scene) {
+       scene.capture("Screenshot from 2026-11-21 09-41-07.png", kDescription.repeated(4));
+       if (auto* button = buttonOf(scene, "More")) button->click();
+       scene.settle();
+     }},
+    {"scrolls",
+     [](Scene& scene) {
+       scene.setScreen(QSizeF(853, 533));
+       scene.capture("Screenshot from 2026-11-21 09-41-07.png", kDescription.repeated(8));
+       if (auto* button = buttonOf(scene, "More")) button->click();
+       scene.settle();
+     }},
     {"small-picture",
      [](Scene& scene) {
        scene.capture("Screenshot from 2026-11-21 09-41-07.png", kDescription, QRect(520, 300, 240, 120));
@@ -254,7 +269,7 @@ int main(int argc, char** argv) {
   QApplication application(argc, argv);
   const QStringList arguments = QApplication::arguments();
   if (arguments.size() < 2) {
-    std::fputs("popup_pictures FOLDER [--dark] [--contrast] [--texts FOLDER-OF-A-CATALOGUE]\n", stderr);
+    std::fputs("popup_pictures FOLDER [--dark] [--contrast] [--rtl] [--texts FOLDER-OF-A-CATALOGUE]\n", stderr);
     return 2;
   }
   const qsizetype texts = arguments.indexOf(QStringLiteral("--texts"));
@@ -267,6 +282,7 @@ int main(int argc, char** argv) {
   appearance.isHighContrast = arguments.contains(QStringLiteral("--contrast"));
   appearance.font = QFont(QStringLiteral("Inter"), 10);
   look.show(appearance);
+  if (arguments.contains(QStringLiteral("--rtl"))) QGuiApplication::setLayoutDirection(Qt::RightToLeft);
 
   QDir().mkpath(arguments[1]);
   for (const Picture& picture : kPictures) {

@@ -52,8 +52,21 @@ TEST(AdaptiveActionRow, SharesWhatIsLeftWhereOneTextIsTooLongForThat) {
   EXPECT_EQ(places[1].left(), places[0].right() + 1 + 8);
 }
 
-TEST(AdaptiveActionRow, StacksWhatDoesNotFitSideBySide) {
+TEST(AdaptiveActionRow, PutsTwoColumnsBelowTheFirstOfThreeThatDoNotFitSideBySide) {
   Row row(Distribution::equalWidths, {200, 120, 120});
+  EXPECT_EQ(row.layout->heightForWidth(408), 2 * 30 + 8);
+  EXPECT_EQ(row.placed(408),
+            (std::vector<QRect>{QRect(0, 0, 408, 30), QRect(0, 38, 200, 30), QRect(208, 38, 200, 30)}));
+}
+
+TEST(AdaptiveActionRow, PutsFourIntoTwoColumns) {
+  Row row(Distribution::equalWidths, {120, 120, 120, 120});
+  EXPECT_EQ(row.placed(408), (std::vector<QRect>{QRect(0, 0, 200, 30), QRect(208, 0, 200, 30), QRect(0, 38, 200, 30),
+                                                 QRect(208, 38, 200, 30)}));
+}
+
+TEST(AdaptiveActionRow, StacksWhatFitsIntoNoColumns) {
+  Row row(Distribution::equalWidths, {100, 250, 250});
   EXPECT_EQ(row.layout->heightForWidth(408), 3 * 30 + 2 * 8);
   EXPECT_EQ(row.placed(408), (std::vector<QRect>{QRect(0, 0, 408, 30), QRect(0, 38, 408, 30), QRect(0, 76, 408, 30)}));
 }

@@ -5,8 +5,10 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QComboBox>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
+#include <QtWidgets/QPushButton>
 
 #include "fakes/ModelFixture.h"
 #include "popup/FakeSharing.h"
@@ -689,6 +691,56 @@ TEST(LivePanelScreensTest, TurnsTheDesktopsCoordinatesAndBack) {
   EXPECT_EQ(main.frame, QRectF(0, 0, geometry.width(), geometry.height()));
   EXPECT_EQ(LivePanelScreens::toQt(main.frame), geometry);
   EXPECT_EQ(LivePanelScreens::toQt(QRectF(10, 20, 30, 40)), QRect(10, geometry.height() - 60, 30, 40));
+}
+
+// --- A long description ---
+
+TEST_F(CapturePromptPanelControllerTest, ALongDescriptionHasThreeLinesUntilMoreIsWanted) {
+  const QString description = QStringLiteral("Several words that go on about the picture. ").repeated(12).trimmed();
+  analyzer.immediateDescriptions = {ScreenshotAnalysisResult{description, QStringLiteral("Name")}};
+  show();
+  executor.drain();
+  auto* text = popup->panel()->findChild<QLabel*>(QStringLiteral("analysisStatus"));
+  ASSERT_TRUE(text);
+  EXPECT_TRUE(text->text().endsWith(QChar(0x2026)));
+  EXPECT_EQ(text->accessibleName(), description) << "whoever hears it hears all of it";
+  const qreal height = frame().height();
+  QPushButton* more = nullptr;
+  for (auto* button : popup->panel()->findChildren<QPushButton*>()) {
+    if (button->text() == QStringLiteral("More")) more = button;
+  }
+  ASSERT_TRUE(more);
+  EXPECT_FALSE(more->isHidden());
+  more->click();
+  settle();
+  executor.drain();
+  EXPECT_EQ(text->text(), description);
+  EXPECT_TRUE(more->isHidden());
+  EXPECT_GT(frame().height(), height);
+  EXPECT_EQ(text->height(), text->heightForWidth(text->width())) << "nothing of it is cut";
+}
+
+TEST_F(CapturePromptPanelControllerTest, TheDecisionsStayInSightWhereTheCardScrolls) {
+  screens.all = {{QRectF(0, 0, 800, 300), QRectF(0, 0, 800, 300)}};
+  show();
+  ASSERT_TRUE(popup->content()->scrolls);
+  QPushButton* keep = nullptr;
+  for (auto* button : popup->panel()->findChildren<QPushButton*>()) {
+    if (button->text() == QStringLiteral("Keep")) keep = button;
+  }
+  ASSERT_TRUE(keep);
+  const QRect place(keep->mapTo(popup->panel(), QPoint()), keep->size());
+  EXPECT_TRUE(popup->panel()->cardRect().contains(place));
+  EXPECT_EQ(keep->visibleRegion().boundingRect(), keep->rect()) << "nothing lies over it";
+}
+
+TEST_F(CapturePromptPanelControllerTest, EscapeOnADecisionClosesThePopup) {
+  show();
+  popup->focusForReview();
+  executor.advance(seconds(1));
+  QTest::keyClick(popup->panel()->focusWidget(), Qt::Key_Escape);
+  executor.drain();
+  EXPECT_FALSE(isVisible());
 }
 
 // --- Out of the next capture ---
