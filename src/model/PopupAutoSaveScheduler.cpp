@@ -72,6 +72,7 @@ Task<> PopupAutoSaveScheduler::tickRegularly(Weak<PopupAutoSaveScheduler> self) 
     const bool elapsed = co_await pause;
     if (!elapsed || !self) co_return;
     self->tick(self->now_());
+    if (self) self->ticked();
     if (!self || co_await isCancelled) co_return;
     if (self->countdowns_.empty()) {
       self->task_ = {};

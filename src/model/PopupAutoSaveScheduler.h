@@ -4,6 +4,7 @@
 
 #include "foundation/Date.h"
 #include "foundation/Executor.h"
+#include "foundation/Signal.h"
 #include "foundation/Weak.h"
 #include "records/UUID.h"
 
@@ -23,6 +24,8 @@ class PopupAutoSaveScheduler {
   bool isSystemPaused() const { return isSystemPaused_; }
   void setSystemPaused(bool isPaused);
   std::optional<double> remaining(const UUID& id) const;
+  /// What remains may be another.
+  mutable Signal<> ticked;
 
  private:
   struct Countdown {

@@ -8,9 +8,11 @@
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QScrollBar>
 
+#include "controls/AppearanceStyle.h"
 #include "controls/Theme.h"
 #include "foundation/Localized.h"
 #include "popup/CardShape.h"
+#include "popup/CountdownLine.h"
 #include "popup/PanelPlacement.h"
 
 namespace quillmere {
@@ -24,6 +26,8 @@ static_assert(CardShadow::kReach <= kMargin);
 constexpr int kScrollInset = 2;
 constexpr int kScrollBarWidth = 6;
 constexpr int kScrollBarInset = 5;
+/// From the card's lower edge.
+constexpr int kCountdownInset = 5;
 
 /// A frameless window is no dialog to Qt.
 QAccessibleInterface* dialogInterface(const QString&, QObject* object) {
@@ -37,7 +41,12 @@ CaptureDecisionPanel::CaptureDecisionPanel(QWidget* contents, QWidget* footer)
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus |
                            Qt::NoDropShadowWindowHint),
       scroll_(new QScrollArea(this)),
-      footer_(footer) {
+      footer_(footer),
+      countdown_(new CountdownLine(this)),
+      motion_(*this, [this] {
+        layOut();
+        update();
+      }) {
   QAccessible::installFactory(&dialogInterface);
   setAttribute(Qt::WA_ShowWithoutActivating);
   setAttribute(Qt::WA_TranslucentBackground);
@@ -55,6 +64,7 @@ CaptureDecisionPanel::CaptureDecisionPanel(QWidget* contents, QWidget* footer)
   scroll_->setWidget(contents);
   contents->setAutoFillBackground(false);
   if (footer_) footer_->setParent(this);
+  countdown_->raise();
   makeScrollBar();
   setScrolls(false);
 }
@@ -103,8 +113,32 @@ void CaptureDecisionPanel::setFrame(const QRect& frame) {
   setFixedSize(frame.size());
 }
 
+bool CaptureDecisionPanel::moves() const {
+  return isCompositing_ && !isMotionReduced(*this);
+}
+
+void CaptureDecisionPanel::showEvent(QShowEvent*) {
+  moves() ? motion_.begin() : motion_.end();
+}
+
+void CaptureDecisionPanel::leave() {
+  motion_.end();
+  if (moves() && isVisible()) CardMotion::fadeAway(*this);
+  hide();
+}
+
+void CaptureDecisionPanel::vanish() {
+  motion_.end();
+  setWindowOpacity(0);
+  hide();
+}
+
+void CaptureDecisionPanel::showRemaining(std::optional<double> remaining) {
+  countdown_->show(remaining);
+}
+
 void CaptureDecisionPanel::layOut() {
-  const QRect card = cardRect();
+  const QRect card = cardRect().translated(0, motion_.offset());
   const int inset = scrolls_ ? kScrollInset : 0;
   QRect above = card.adjusted(0, inset, 0, -inset);
   if (footer_) {
@@ -116,6 +150,9 @@ void CaptureDecisionPanel::layOut() {
   scroll_->setGeometry(above);
   const int corner = static_cast<int>(CardShape::kCornerRadius);
   const int end = footer_ ? 0 : corner;
+  const int reach = static_cast<int>(CardShape::kCornerReach);
+  countdown_->setGeometry(card.x() + reach, card.bottom() + 1 - kCountdownInset - CountdownLine::kThickness,
+                          card.width() - 2 * reach, CountdownLine::kThickness);
   scrollBar_->setGeometry(QRect(card.right() + 1 - kScrollBarInset - kScrollBarWidth, card.top() + corner,
                                 kScrollBarWidth, above.bottom() + 1 - card.top() - corner - end));
 }
@@ -139,7 +176,7 @@ void CaptureDecisionPanel::paintEvent(QPaintEvent*) {
   const Theme theme(palette());
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
-  const QRect card = cardRect();
+  const QRect card = cardRect().translated(0, motion_.offset());
   const QPainterPath path = CardShape::path(card);
   const QColor edge = isCompositing_ || theme.isHighContrast ? theme.hairline : theme.fieldBorder;
   // Without a compositor the window system cuts the window to the card, and with it the shadow.

@@ -3,12 +3,15 @@
 #include <QtWidgets/QWidget>
 #include <functional>
 
+#include "popup/CardMotion.h"
 #include "popup/CardShadow.h"
 
 class QScrollArea;
 class QScrollBar;
 
 namespace quillmere {
+
+class CountdownLine;
 
 /// The popup's window: the card, its shadow around it, and nothing else. It never takes the keyboard by itself.
 class CaptureDecisionPanel final : public QWidget {
@@ -22,6 +25,12 @@ class CaptureDecisionPanel final : public QWidget {
   /// In the window's points.
   QRect cardRect() const;
   void setFrame(const QRect& frame);
+  /// What is left of the time to answer, from 0 to 1; none where it does not run down.
+  void showRemaining(std::optional<double> remaining);
+  /// The window is hidden at once, and a picture of it fades away.
+  void leave();
+  /// The same without a trace: also a compositor that fades windows itself has nothing to fade.
+  void vanish();
 
   int frameChangeCount() const { return frameChangeCount_; }
   /// How many times the shadow was drawn anew.
@@ -34,17 +43,21 @@ class CaptureDecisionPanel final : public QWidget {
  protected:
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  void showEvent(QShowEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   bool event(QEvent* event) override;
 
  private:
   void makeScrollBar();
   void layOut();
+  bool moves() const;
 
   QScrollArea* scroll_;
   QWidget* footer_;
   QScrollBar* scrollBar_ = nullptr;
+  CountdownLine* countdown_;
   CardShadow shadow_;
+  CardMotion motion_;
   bool scrolls_ = false;
   bool isCompositing_ = true;
   int frameChangeCount_ = 0;

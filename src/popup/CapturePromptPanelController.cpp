@@ -67,6 +67,7 @@ void CapturePromptPanelController::present(const ScreenshotItem& item, AppModel&
       scheduleUpdate();
     });
   }
+  if (!ticks_) ticks_ = model.popupAutoSaveScheduler().ticked.connect([this] { followCountdown(); });
   noteArrivals();
   if (isAway_) return comeBackWhenOver();
   if (panel_->isVisible()) {
@@ -181,7 +182,14 @@ void CapturePromptPanelController::applyUpdate() {
     panel_->setScrolls(content_->scrolls);
   }
   if (!isFixed) setFrame(LivePanelScreens::toQt(placement.window));
+  followCountdown();
   isApplyingUpdate_ = false;
+}
+
+void CapturePromptPanelController::followCountdown() {
+  const auto remaining = content_ ? model_->popupAutoSaveScheduler().remaining(content_->item.id) : std::nullopt;
+  const int all = *model_->settings().popupAutoSaveSeconds;
+  panel_->showRemaining(remaining ? std::optional(*remaining / all) : std::nullopt);
 }
 
 /// Both frames are in whole points, so that a difference of half a point is none.
@@ -226,6 +234,7 @@ void CapturePromptPanelController::measureAnew() {
 
 void CapturePromptPanelController::hide() {
   modelChanges_.reset();
+  ticks_.reset();
   cancelOpening();
   queueLength_ = 0;
   const bool wasAway = std::exchange(isAway_, false);
@@ -233,7 +242,7 @@ void CapturePromptPanelController::hide() {
   if (!panel_ || (!panel_->isVisible() && !wasAway)) return;
   const bool hadKeyboard = panel_->isActiveWindow();
   const quintptr previous = std::exchange(previousWindow_, 0);
-  panel_->hide();
+  panel_->leave();
   services_.executor->post([self = lifetime_.weak(this)] {
     if (!self || self->panel_->isVisible() || self->isAway_) return;
     self->content_.reset();

@@ -71,6 +71,7 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
   std::optional<CapturePromptContent> makeContent();
   int measuredHeight(CapturePromptContent content);
   void setFrame(const QRect& frame);
+  void followCountdown();
   void showPanel();
   void takeKeyboard();
   void followScreens();
@@ -87,6 +88,7 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
   std::optional<UUID> wholeDescriptionOf_;     ///< the screenshot whose long description is shown to its end
   std::list<MeasuredHeight> measuredHeights_;  // most recently used first
   Connection modelChanges_;
+  Connection ticks_;
   QObject screenObserver_;
   Connection availableGeometryChanges_;
   Connection compositingChanges_;

@@ -32,13 +32,12 @@ void CapturePromptPanelController::noteArrivals() {
   }
 }
 
-/// At once, and without the fading of a compositor: the tool looks in a moment.
+/// At once: the tool looks in a moment.
 void CapturePromptPanelController::keepAway() {
   if (panel_ && panel_->isVisible()) {
     isAway_ = true;
     takesKeyboardBack_ = panel_->isActiveWindow();
-    panel_->setWindowOpacity(0);
-    panel_->hide();
+    panel_->vanish();
   }
   comeBackWhenOver();
 }
@@ -62,7 +61,6 @@ void CapturePromptPanelController::comeBack() {
   if (recessEnd_) services_.executor->cancelDelay(*std::exchange(recessEnd_, std::nullopt));
   isAway_ = false;
   applyUpdate();
-  panel_->setWindowOpacity(1);
   showPanel();
   if (std::exchange(takesKeyboardBack_, false)) takeKeyboard();
 }

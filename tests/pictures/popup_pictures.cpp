@@ -220,6 +220,12 @@ const std::vector<Picture> kPictures{
        if (auto* button = buttonOf(scene, "More")) button->click();
        scene.settle();
      }},
+    {"running-down",
+     [](Scene& scene) {
+       scene.model->setPopupAutoSaveEnabled(true);
+       scene.capture("Screenshot from 2026-11-21 09-41-07.png", kDescription);
+       scene.executor.advance(std::chrono::seconds(4));
+     }},
     {"small-picture",
      [](Scene& scene) {
        scene.capture("Screenshot from 2026-11-21 09-41-07.png", kDescription, QRect(520, 300, 240, 120));
@@ -280,6 +286,7 @@ int main(int argc, char** argv) {
   const bool isDark = arguments.contains(QStringLiteral("--dark"));
   appearance.scheme = isDark ? Appearance::Scheme::dark : Appearance::Scheme::light;
   appearance.isHighContrast = arguments.contains(QStringLiteral("--contrast"));
+  appearance.isMotionReduced = true;  // everything at its place at once
   appearance.font = QFont(QStringLiteral("Inter"), 10);
   look.show(appearance);
   if (arguments.contains(QStringLiteral("--rtl"))) QGuiApplication::setLayoutDirection(Qt::RightToLeft);

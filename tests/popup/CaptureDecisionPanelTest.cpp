@@ -1,6 +1,7 @@
 #include "popup/CaptureDecisionPanel.h"
 
 #include <gtest/gtest.h>
+#include <QtCore/QPointer>
 #include <QtGui/QAccessible>
 #include <QtTest/QTest>
 #include <QtWidgets/QPushButton>
@@ -9,6 +10,7 @@
 #include <QtWidgets/QVBoxLayout>
 
 #include "controls/Appearance.h"
+#include "controls/AppearanceStyle.h"
 #include "controls/Theme.h"
 
 namespace quillmere {
@@ -159,7 +161,61 @@ TEST_F(CaptureDecisionPanelTest, TheNextCardThatFitsBeginsAtItsTop) {
   card->setMinimumHeight(0);
   panel.setScrolls(false);
   QCoreApplication::processEvents();
+  EXPECT_TRUE(QTest::qWaitFor([this] { return panel.windowOpacity() == 1; })) << "it has come up";
   EXPECT_EQ(card->mapTo(&panel, QPoint()), QPoint(24, 24));
+}
+
+TEST_F(CaptureDecisionPanelTest, ItFadesInAndRisesToItsPlace) {
+  panel.show();
+  QCoreApplication::processEvents();
+  EXPECT_GT(panel.windowOpacity(), 0) << "the first frame is seen";
+  EXPECT_LT(panel.windowOpacity(), 1);
+  EXPECT_GT(card->mapTo(&panel, QPoint()).y(), 24);
+  EXPECT_EQ(panel.cardRect(), QRect(24, 24, 440, 300)) << "what takes clicks is at its place from the first moment";
+  EXPECT_TRUE(QTest::qWaitFor([this] { return panel.windowOpacity() == 1; }));
+  EXPECT_EQ(card->mapTo(&panel, QPoint()), QPoint(24, 24));
+}
+
+TEST_F(CaptureDecisionPanelTest, NothingMovesWhereLessMotionIsWanted) {
+  AppearanceStyle style;
+  style.setMotionReduced(true);
+  panel.setStyle(&style);
+  panel.show();
+  EXPECT_EQ(panel.windowOpacity(), 1);
+  EXPECT_EQ(card->mapTo(&panel, QPoint()), QPoint(24, 24));
+  panel.leave();
+  EXPECT_FALSE(panel.findChild<QWidget*>(QStringLiteral("fadingPicture")));
+}
+
+TEST_F(CaptureDecisionPanelTest, NothingMovesWithoutACompositor) {
+  panel.setCompositing(false);
+  panel.show();
+  EXPECT_EQ(panel.windowOpacity(), 1);
+  EXPECT_EQ(card->mapTo(&panel, QPoint()), QPoint(24, 24));
+  panel.leave();
+  EXPECT_FALSE(panel.findChild<QWidget*>(QStringLiteral("fadingPicture")));
+}
+
+TEST_F(CaptureDecisionPanelTest, ItLeavesAtOnceAndAPictureOfItFades) {
+  panel.show();
+  panel.leave();
+  EXPECT_FALSE(panel.isVisible());
+  QPointer<QWidget> picture = panel.findChild<QWidget*>(QStringLiteral("fadingPicture"));
+  ASSERT_TRUE(picture);
+  EXPECT_EQ(picture->geometry(), panel.geometry());
+  EXPECT_TRUE(picture->windowFlags().testFlag(Qt::WindowTransparentForInput));
+  EXPECT_TRUE(picture->windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return picture.isNull(); })) << "and goes by itself";
+}
+
+TEST_F(CaptureDecisionPanelTest, ItVanishesWithoutATrace) {
+  panel.show();
+  panel.vanish();
+  EXPECT_FALSE(panel.isVisible());
+  EXPECT_EQ(panel.windowOpacity(), 0);
+  EXPECT_FALSE(panel.findChild<QWidget*>(QStringLiteral("fadingPicture")));
+  panel.show();
+  EXPECT_TRUE(QTest::qWaitFor([this] { return panel.windowOpacity() == 1; })) << "and is seen again";
 }
 
 TEST_F(CaptureDecisionPanelTest, LosingTheKeyboardIsTold) {

@@ -11,6 +11,7 @@
 #include <QtWidgets/QPushButton>
 
 #include "fakes/ModelFixture.h"
+#include "popup/CountdownLine.h"
 #include "popup/FakeSharing.h"
 #include "popup/LivePanelScreens.h"
 
@@ -693,6 +694,29 @@ TEST(LivePanelScreensTest, TurnsTheDesktopsCoordinatesAndBack) {
   EXPECT_EQ(LivePanelScreens::toQt(QRectF(10, 20, 30, 40)), QRect(10, geometry.height() - 60, 30, 40));
 }
 
+// --- The time to answer ---
+
+TEST_F(CapturePromptPanelControllerTest, ALineRunsDownWithTheTimeToAnswer) {
+  model->setPopupAutoSaveSeconds(10);
+  model->setPopupAutoSaveEnabled(true);
+  show();
+  CountdownLine* line = nullptr;
+  for (auto* child : popup->panel()->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+    if (auto* found = dynamic_cast<CountdownLine*>(child)) line = found;
+  }
+  ASSERT_TRUE(line);
+  EXPECT_FALSE(line->isHidden());
+  EXPECT_EQ(line->shown(), 1);
+  executor.advance(seconds(5));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return std::abs(line->shown() - 0.5) < 0.01; }));
+  screens.mouse = frame().center();
+  executor.advance(seconds(3));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return std::abs(line->shown() - 0.5) < 0.01; })) << "it stands still";
+  model->setPopupAutoSaveEnabled(false);
+  executor.drain();
+  EXPECT_TRUE(line->isHidden());
+}
+
 // --- A long description ---
 
 TEST_F(CapturePromptPanelControllerTest, ALongDescriptionHasThreeLinesUntilMoreIsWanted) {
@@ -761,7 +785,8 @@ TEST_F(CapturePromptPanelControllerTest, ItComesBackAfterThreeSeconds) {
   EXPECT_FALSE(isVisible());
   executor.advance(std::chrono::milliseconds(1));
   EXPECT_TRUE(isVisible());
-  EXPECT_EQ(popup->panel()->windowOpacity(), 1);
+  EXPECT_TRUE(QTest::qWaitFor([this] { return popup->panel()->windowOpacity() == 1; }));
+  settle();
   EXPECT_FALSE(popup->isPointerEngaged());
   EXPECT_TRUE(windowSystem.activated.empty()) << "without the keyboard, as it was";
 }

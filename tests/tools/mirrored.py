@@ -21,6 +21,7 @@ TESTED_ELSEWHERE = {
     "model/AppModelFollowing": "Records follow files that come under new names, and their folder: "
                                "model/AppModelArrivalTest and model/AppModelWatchFolderTest.",
     "model/CloudDownloads": "Asks a sync client over D-Bus: platform/linux/files/CloudDownloadsTest, with a fake one.",
+    "popup/CardMotion": "How the panel comes and goes: popup/CaptureDecisionPanelTest.",
     "popup/CapturePromptPanelRecess": "A part of CapturePromptPanelController: popup/CapturePromptPanelControllerTest.",
     "popup/CapturePromptViewPicture": "A part of CapturePromptView: popup/CapturePromptViewTest.",
     "platform/linux/system/SystemFiles": "foundation/FileStatusTest and foundation/FileCopyTest: it is what those two "
