@@ -8,6 +8,7 @@
 #include "controls/Symbol.h"
 #include "controls/Theme.h"
 #include "foundation/Localized.h"
+#include "popup/AccessibleDurationPicker.h"
 
 namespace quillmere {
 namespace {
@@ -20,6 +21,7 @@ constexpr qreal kRadius = 10;
 }  // namespace
 
 DurationPicker::DurationPicker(QWidget* parent) : QComboBox(parent) {
+  makeAccessible(*this);
   for (const TemporaryDuration duration : kTemporaryDurations) addItem(menuText(duration), static_cast<int>(duration));
   setFocusPolicy(Qt::TabFocus);
   setAttribute(Qt::WA_Hover);

@@ -22,7 +22,7 @@ PromptActions::PromptActions(QWidget* parent) : QWidget(parent) {
   copy_->setToolTip(localized("Copy this screenshot so it can be pasted into another app or into Finder"));
   durationPicker_ = new DurationPicker(this);
   trash_ = new ActionButton(Role::destructive, QStringLiteral("trash"), localized("Move to Trash"), this);
-  // Qt names a menu after what is chosen in it; what it is for, screen readers learn from its label.
+  // Some screen readers look for what a menu is for at its label alone.
   auto* durationLabel = new PlainLabel(durationPicker_->accessibleName(), this);
   durationLabel->setBuddy(durationPicker_);
   durationLabel->hide();

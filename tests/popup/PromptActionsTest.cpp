@@ -57,7 +57,7 @@ TEST_F(PromptActionsTest, WhereTheChosenIsDeletedTheButtonSaysSo) {
   EXPECT_EQ(trash().text(), QStringLiteral("Move to Trash"));
 }
 
-/// Qt names a menu after what is chosen in it.
+/// Some screen readers look for what a menu is for there alone.
 TEST_F(PromptActionsTest, TheDurationIsNamedByALabelThatNobodySees) {
   const auto* label = actions.findChild<QLabel*>();
   ASSERT_TRUE(label);
