@@ -61,6 +61,12 @@ def everything_is_named(desktop):
     expect(f"the menu of durations has its label: {picker.labels}", picker.labels == ["Temporary duration"])
     expect(f"its text is the chosen time: {picker.text}", picker.text == "5 Minutes")
     expect("closed it has no items", not desktop.program.tree.find(None, "list item", POPUP_TITLE, showing=False))
+    keys = {name: desktop.popup.find(name, "push button").key for name in
+            ("Temporary", "Keep", "Copy", "Move to Trash", "Dismiss Screenshot Popup")}
+    expect(f"two buttons have keys: {keys}", {name: key for name, key in keys.items() if key} ==
+           {"Temporary": "Return", "Dismiss Screenshot Popup": "Escape"})
+    defaults = [control.name for control in shown if control.role == "push button" and control.is_default]
+    expect(f"one button is the default: {defaults}", defaults == ["Temporary"])
     expect("nothing is extracted", not desktop.popup.find("Extract Window").is_checked)
 
 

@@ -1,6 +1,7 @@
 #include "popup/PromptActions.h"
 
 #include <gtest/gtest.h>
+#include <QtGui/QAccessible>
 #include <QtTest/QTest>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QPushButton>
@@ -36,6 +37,14 @@ TEST_F(PromptActionsTest, EachDecisionHasItsButton) {
   for (const size_t place : {0u, 1u, 2u, 4u}) QTest::mouseClick(&button(place), Qt::LeftButton);
   EXPECT_EQ(taken, "tkcd");
   EXPECT_EQ(actions.mainButton(), actions.controls().front());
+}
+
+TEST_F(PromptActionsTest, TemporaryIsTheDefaultButtonAndTellsItsKey) {
+  for (const size_t place : {0u, 1u, 2u, 4u}) {
+    const QAccessibleInterface& heard = *QAccessible::queryAccessibleInterface(&button(place));
+    EXPECT_EQ(heard.state().defaultButton, place == 0) << place;
+    EXPECT_EQ(heard.text(QAccessible::Accelerator), place == 0 ? QStringLiteral("Return") : QString()) << place;
+  }
 }
 
 TEST_F(PromptActionsTest, WhatIsUnderWayTellsWhatCanBeDecided) {
