@@ -79,6 +79,11 @@ class Orca:
         said = self.is_silent()
         expect(f"Orca says {list(texts)}, not {said}", said == list(texts))
 
+    def has_been_heard(self, text):
+        """The program lets an announcement be heard whole before the next."""
+        time.sleep(1 + 0.075 * len(text))
+        self.is_silent()
+
     def stop(self):
         self.process.terminate()
         self.process.wait()
