@@ -54,12 +54,16 @@ int CapturePromptContent::heightOfThumbnail(const std::optional<QSizeF>& pixels)
   return static_cast<int>(std::clamp<double>(height, kLeastThumbnailHeight, kMostThumbnailHeight));
 }
 
-QString nameCaption(const QString& nameText) {
-  if (sanitizedFileStem(nameText)) return localized("Filename");
+std::optional<QString> nameNote(const QString& nameText) {
+  if (sanitizedFileStem(nameText)) return std::nullopt;
   if (nameText.trimmed().isEmpty()) {
     return localized("No name typed, so the screenshot keeps its current filename.");
   }
   return localized("That name can’t be used, so the screenshot keeps its current filename.");
+}
+
+QString nameCaption(const QString& nameText) {
+  return nameNote(nameText).value_or(localized("Filename"));
 }
 
 }  // namespace quillmere

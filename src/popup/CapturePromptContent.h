@@ -49,6 +49,8 @@ struct CapturePromptContent {
   static int heightOfThumbnail(const std::optional<QSizeF>& pixels);
 };
 
+/// What becomes of a name that is missing or not accepted; none for one that is.
+std::optional<QString> nameNote(const QString& nameText);
 /// What stands over the name field.
 QString nameCaption(const QString& nameText);
 

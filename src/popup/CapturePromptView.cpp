@@ -65,6 +65,7 @@ void CapturePromptView::wire() {
     if (onMore) onMore();
   };
   details_->onNameChanged = [this] { reportEdit(); };
+  details_->onNameRefused = [this](const QString& note) { model_.announce(note, AnnouncementPriority::low); };
   textActions_->onAction = [this](PictureAction action, QWidget& button) { run(action, button); };
   noticeRow_->onVisibilityChanged = [this] {
     if (onExtraHeightChanged) onExtraHeightChanged();
@@ -99,12 +100,12 @@ void CapturePromptView::orderControls() {
 void CapturePromptView::show(const CapturePromptContent& content) {
   const bool isNewItem = !isShown(content.item.id);
   const bool isFocusRequested = !isNewItem && content_->focusRequest != content.focusRequest;
-  content_ = content;
+  const auto before = std::exchange(content_, content);
   if (isNewItem) {
     beginItem();
   } else {
     gate_.observe(content.contentGeneration, services_.executor->instant());
-    followStartingName();
+    tellAnalysis(before->item, followStartingName());
   }
   header_->show(content.queuedCount);
   preview_->setVisible(content.showThumbnail);
@@ -152,14 +153,28 @@ void CapturePromptView::beginItem() {
   reportEdit();
 }
 
-/// A suggestion that comes late takes the place of the name only while nobody has typed.
-void CapturePromptView::followStartingName() {
+/// A suggestion that comes late takes the place of the name only while nobody has typed. Whether it did.
+bool CapturePromptView::followStartingName() {
   const QString name = displayName(content_->item, content_->naming);
   QLineEdit& field = details_->nameField();
-  if (name == nameSeed_ || field.text() != nameSeed_) return;
+  if (name == nameSeed_ || field.text() != nameSeed_) return false;
   nameSeed_ = name;
   field.setText(name);
   reportEdit();
+  return true;
+}
+
+/// Who works in another window is not disturbed.
+void CapturePromptView::tellAnalysis(const ScreenshotItem& before, bool isNameTaken) const {
+  if (!content_->reportsEdits || !isActiveWindow()) return;
+  const ScreenshotItem& item = content_->item;
+  if (item.imageDescription && item.imageDescription != before.imageDescription) {
+    const QString description = QString::fromUtf8(*item.imageDescription);
+    model_.announce(localized("Description: %@", {description}), AnnouncementPriority::low);
+  }
+  if (isNameTaken && item.suggestedName != before.suggestedName) {
+    model_.announce(localized("Suggested filename: %@", {nameSeed_}), AnnouncementPriority::low);
+  }
 }
 
 void CapturePromptView::reportEdit() {

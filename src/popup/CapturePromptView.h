@@ -61,7 +61,8 @@ class CapturePromptView final : public QWidget {
   void wire();
   void orderControls();
   void beginItem();
-  void followStartingName();
+  bool followStartingName();
+  void tellAnalysis(const ScreenshotItem& before, bool isNameTaken) const;
   void showActions();
   void reportEdit();
   bool gateAllows() const;

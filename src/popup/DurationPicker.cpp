@@ -9,6 +9,7 @@
 #include "controls/Symbol.h"
 #include "controls/Theme.h"
 #include "foundation/Localized.h"
+#include "popup/AccessibleDurationPicker.h"
 
 namespace quillmere {
 namespace {
@@ -19,6 +20,7 @@ constexpr int kChevron = Metrics::kSmallSymbol;
 }  // namespace
 
 DurationPicker::DurationPicker(QWidget* parent) : QComboBox(parent) {
+  makeAccessible(*this);
   for (const TemporaryDuration duration : kTemporaryDurations) addItem(menuText(duration), static_cast<int>(duration));
   setFocusPolicy(Qt::TabFocus);
   setAttribute(Qt::WA_Hover);

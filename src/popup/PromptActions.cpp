@@ -3,6 +3,7 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QVBoxLayout>
 
+#include "controls/AccessibleButton.h"
 #include "controls/ActionButton.h"
 #include "controls/PlainText.h"
 #include "foundation/Localized.h"
@@ -16,13 +17,16 @@ PromptActions::PromptActions(QWidget* parent) : QWidget(parent) {
   using Distribution = AdaptiveActionRow::Distribution;
   temporary_ = new ActionButton(Role::primary, QStringLiteral("clock"), localized("Temporary"), this);
   temporary_->setToolTip(localized("Keep for the selected time, then move to Trash"));
+  // The card gives it Return; this tells so.
+  temporary_->setDefault(true);
+  setAccessibleKey(*temporary_, Qt::Key_Return);
   keep_ = new ActionButton(Role::secondary, QStringLiteral("checkmark"), localized("Keep"), this);
   keep_->setToolTip(localized("Keep this screenshot without a deletion timer"));
   copy_ = new ActionButton(Role::secondary, QStringLiteral("document.on.document"), localized("Copy"), this);
   copy_->setToolTip(localized("Copy this screenshot so it can be pasted into another app or into Finder"));
   durationPicker_ = new DurationPicker(this);
   trash_ = new ActionButton(Role::destructive, QStringLiteral("trash"), localized("Move to Trash"), this);
-  // Qt names a menu after what is chosen in it; what it is for, screen readers learn from its label.
+  // Some screen readers look for what a menu is for at its label alone.
   auto* durationLabel = new PlainLabel(durationPicker_->accessibleName(), this);
   durationLabel->setBuddy(durationPicker_);
   durationLabel->hide();

@@ -42,6 +42,7 @@ QWidget* PromptDetails::makeNameBlock() {
   setAccessibleRole(*extension_, QAccessible::NoRole);
   connect(nameField_, &QLineEdit::textChanged, this, [this] {
     refreshCaption();
+    refreshNote();
     onNameChanged();
   });
 
@@ -81,6 +82,13 @@ void PromptDetails::refreshCaption() {
   const QString caption = nameCaption(nameField_->text());
   caption_->setText(caption_->fontMetrics().elidedText(caption, Qt::ElideRight, kPreviewWidth));
   caption_->setAccessibleName(caption);
+}
+
+void PromptDetails::refreshNote() {
+  const auto note = nameNote(nameField_->text());
+  if (std::exchange(note_, note) == note) return;
+  nameField_->setNote(note);
+  if (note && nameField_->hasFocus()) onNameRefused(*note);
 }
 
 QLineEdit& PromptDetails::nameField() const {

@@ -28,13 +28,17 @@ class PromptDetails final : public QWidget {
   /// The whole description is wanted.
   std::function<void()> onMore;
   std::function<void()> onNameChanged;
+  /// The name has become one that will not be taken.
+  std::function<void(const QString& note)> onNameRefused;
 
  private:
   QWidget* makeNameBlock();
   void refreshCaption();
+  void refreshNote();
 
   AnalysisStatusRow* analysis_;
   ThemedLabel* caption_ = nullptr;
+  std::optional<QString> note_;
   PromptFilenameField* nameField_ = nullptr;
   ThemedLabel* extension_ = nullptr;
 };

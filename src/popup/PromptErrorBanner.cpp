@@ -3,6 +3,7 @@
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QVBoxLayout>
 
+#include "controls/AccessibleRole.h"
 #include "controls/ActionButton.h"
 #include "controls/Grounds.h"
 #include "controls/SymbolLabel.h"
@@ -21,6 +22,7 @@ PromptErrorBanner::PromptErrorBanner(QWidget* parent)
       title_(new ThemedLabel(Ink::text, this)),
       message_(new ThemedLabel(Ink::text, this)),
       dismiss_(new ActionButton(ActionButton::Role::secondary, {}, localized("Dismiss"), this)) {
+  setAccessibleRole(*this, QAccessible::AlertMessage);
   title_->setWordWrap(true);
   title_->setTextSize(1, QFont::DemiBold);
   message_->setWordWrap(true);
@@ -42,8 +44,22 @@ PromptErrorBanner::PromptErrorBanner(QWidget* parent)
 void PromptErrorBanner::show(const ScopedError& error) {
   title_->setText(error.title);
   message_->setText(error.message);
+  setAccessibleName(error.title);
+  setAccessibleDescription(error.message);
+  const bool isAnother = std::exchange(shown_, error.id) != error.id;
+  if (isAnother && isVisible()) alert();
   // Told at once: the card is measured in this turn of the loop.
   updateGeometry();
+}
+
+void PromptErrorBanner::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  alert();
+}
+
+void PromptErrorBanner::alert() {
+  QAccessibleEvent alert(this, QAccessible::Alert);
+  QAccessible::updateAccessibility(&alert);
 }
 
 QWidget* PromptErrorBanner::control() const {

@@ -21,8 +21,11 @@ class PromptErrorBanner final : public QWidget {
 
  protected:
   void paintEvent(QPaintEvent* event) override;
+  void showEvent(QShowEvent* event) override;
 
  private:
+  void alert();
+  UUID shown_;
   ThemedLabel* title_;
   ThemedLabel* message_;
   ActionButton* dismiss_;

@@ -22,10 +22,15 @@ PromptFilenameField::PromptFilenameField(QWidget* parent) : QLineEdit(parent) {
   setFont(fileNameFont(font()));
   setFocusPolicy(Qt::StrongFocus);
   setAccessibleName(localized("Filename"));
-  setAccessibleDescription(localized(
-      "Return saves this screenshot as Temporary with this name. Escape puts back the name it started with."));
+  setNote(std::nullopt);
   setToolTip(localized("Rename this screenshot. Keep and Temporary save it with this name."));
   followTheme();
+}
+
+void PromptFilenameField::setNote(const std::optional<QString>& note) {
+  const QString hint =
+      localized("Return saves this screenshot as Temporary with this name. Escape puts back the name it started with.");
+  setAccessibleDescription(note.value_or(hint));
 }
 
 QSize PromptFilenameField::sizeHint() const {

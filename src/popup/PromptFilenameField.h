@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtWidgets/QLineEdit>
+#include <optional>
 
 namespace quillmere {
 
@@ -8,6 +9,8 @@ namespace quillmere {
 class PromptFilenameField final : public QLineEdit {
  public:
   explicit PromptFilenameField(QWidget* parent);
+  /// What becomes of the name as it is, in the place of what the field is for.
+  void setNote(const std::optional<QString>& note);
   QSize sizeHint() const override;
 
  protected:

@@ -3,6 +3,7 @@
 #include <QtWidgets/QHBoxLayout>
 #include <algorithm>
 
+#include "controls/AccessibleButton.h"
 #include "controls/AccessibleRole.h"
 #include "controls/ActionButton.h"
 #include "controls/ThemedLabel.h"
@@ -36,6 +37,7 @@ PromptHeader::PromptHeader(QWidget* parent)
   closeButton_->raise();
   closeButton_->setAccessibleName(localized("Dismiss Screenshot Popup"));
   closeButton_->setToolTip(localized("Dismiss. The screenshot stays in the Inbox."));
+  setAccessibleKey(*closeButton_, Qt::Key_Escape);
   connect(closeButton_, &QPushButton::clicked, this, [this] { onClose(); });
 
   auto* row = new QHBoxLayout(this);

@@ -12,6 +12,7 @@ gi.require_version("Gio", "2.0")
 from gi.repository import Gio, GLib  # noqa: E402
 
 _SHOWING, _VISIBLE, _ENABLED, _FOCUSED, _CHECKED = 25, 30, 8, 12, 4
+_IS_DEFAULT = 39
 _SCREEN, _LABELLED_BY = 0, 2
 _DEPTH = 40
 
@@ -67,6 +68,15 @@ class Control:
     @property
     def is_checked(self):
         return self._has(_CHECKED)
+
+    @property
+    def is_default(self):
+        return self._has(_IS_DEFAULT)
+
+    @property
+    def key(self):
+        """What presses it from anywhere in its window."""
+        return self._call("Action", "GetKeyBinding", GLib.Variant("(i)", (0,)))[0].rpartition(";")[2]
 
     @property
     def labels(self):

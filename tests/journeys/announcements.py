@@ -88,7 +88,23 @@ def reader_of_announcements_listens(desktop):
     announced = reader.announced()
     expect("what matters interrupts", announced[0] == (NOTHING, ASSERTIVE))
     expect("once", [text for text, _ in announced].count(KEPT) == 1)
+    wanted = two_in_one_turn(desktop)
+    heard = wait_until("it hears all four", lambda: len(said := reader.announced()[len(announced):]) >= 4 and said)
+    expect(f"whole and in order: {heard}", heard == [(text, ASSERTIVE if matters else POLITE) for text, matters in wanted])
     reader.stop()
+
+
+def two_in_one_turn(desktop):
+    """One press tells of two things: the second is ready, and the first is kept. What is to be heard, in this order, and
+    whether it matters."""
+    first, second = captures.save(desktop.folder), captures.save(desktop.folder)
+    desktop.popup.wait_for(first)
+    wait_until("another waits", lambda: desktop.popup.waiting_count == 1)
+    desktop.popup.press("Keep")
+    desktop.popup.wait_for(second)
+    desktop.popup.press("Keep")
+    desktop.popup.wait_gone()
+    return [(READY, True), (READY, True), (KEPT, False), (KEPT, False)]
 
 
 def desktop_says_that_one_runs(desktop, speech):
@@ -98,6 +114,10 @@ def desktop_says_that_one_runs(desktop, speech):
     wait_until("it is spoken", lambda: (review_nothing(desktop), (NOTHING, IMPORTANT) in speech.spoken()[before:])[1])
     keep_one(desktop)
     wait_until("the rest too", lambda: (KEPT, MESSAGE) in speech.spoken()[before:])
+    before = len(speech.spoken())
+    wanted = two_in_one_turn(desktop)
+    heard = wait_until("all four are spoken", lambda: len(said := speech.spoken()[before:]) >= 4 and said)
+    expect(f"whole and in order: {heard}", heard == [(text, IMPORTANT if matters else MESSAGE) for text, matters in wanted])
 
 
 def speech_service_hangs(desktop, speech):

@@ -15,6 +15,8 @@ class FakeModelServer:
         self.filename = "paid invoice"
         self.busy = 0  # answers that begin with "busy"
         self.asked = []  # bodies of the questions
+        self.may_answer = threading.Event()
+        self.may_answer.set()
         outer = self
 
         class Handler(http.server.BaseHTTPRequestHandler):
@@ -61,11 +63,13 @@ class FakeModelServer:
         return f"http://127.0.0.1:{self.port}"
 
     def stop(self):
+        self.may_answer.set()
         self._server.shutdown()
         self._server.server_close()
 
     def _chat(self, handler, body):
         self.asked.append(body)
+        self.may_answer.wait()
         if self.busy > 0:
             self.busy -= 1
             handler._answer(503, {"error": "server busy, please try again.  maximum pending requests exceeded"})

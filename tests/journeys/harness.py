@@ -449,9 +449,10 @@ class Popup:
 
     def choose_duration(self, name):
         time.sleep(CLICK_GATE)
-        self._desktop.click(wait_until("the duration menu", lambda: self.find(role="combo box")))
-        self._desktop.click(self._desktop.wait_for(name, "list item"))
-        wait_until(f"the duration is {name}", lambda: self.find(name, "combo box"))
+        picker = wait_until("the duration menu", lambda: self.find("Temporary duration", "combo box"))
+        self._desktop.click(picker)
+        self._desktop.click(self._desktop.wait_for(name, "list item", POPUP_TITLE))
+        wait_until(f"the duration is {name}", lambda: picker.text == name)
 
     def tab_to(self, name, role=None):
         for _ in range(30):

@@ -23,13 +23,13 @@ CONTROLS = [
     ("Temporary", "push button", "Moves this screenshot to Trash in 5 minutes."),
     ("Keep", "push button", "Keep this screenshot without a deletion timer"),
     ("Copy", "push button", "Copy this screenshot so it can be pasted into another app or into your file manager"),
-    ("5 Minutes", "combo box", "Choose how long to keep this screenshot"),
+    ("Temporary duration", "combo box", "Choose how long to keep this screenshot"),
     ("Move to Trash", "push button",
      "Moves only this image to Trash, without asking. You can restore it from Trash in your file manager."),
 ]
 # From the main button on, as Tab goes.
-TAB_ORDER = ["Temporary", "Keep", "Copy", "5 Minutes", "Move to Trash", "Dismiss Screenshot Popup", "Extract Window",
-             "Copy Text", "Share", "Filename"]
+TAB_ORDER = ["Temporary", "Keep", "Copy", "Temporary duration", "Move to Trash", "Dismiss Screenshot Popup",
+             "Extract Window", "Copy Text", "Share", "Filename"]
 
 
 def journey(desktop):
@@ -57,8 +57,16 @@ def everything_is_named(desktop):
         expect(f"the hint of {control}: {control.description}", control.description == hint)
     names = [control.name for control in shown]
     expect(f"the extension is hidden: {names}", not any(name.startswith(".") for name in names))
-    labels = desktop.popup.find(role="combo box").labels
-    expect(f"the menu of durations has its label: {labels}", labels == ["Temporary duration"])
+    picker = desktop.popup.find("Temporary duration", "combo box")
+    expect(f"the menu of durations has its label: {picker.labels}", picker.labels == ["Temporary duration"])
+    expect(f"its text is the chosen time: {picker.text}", picker.text == "5 Minutes")
+    expect("closed it has no items", not desktop.program.tree.find(None, "list item", POPUP_TITLE, showing=False))
+    keys = {name: desktop.popup.find(name, "push button").key for name in
+            ("Temporary", "Keep", "Copy", "Move to Trash", "Dismiss Screenshot Popup")}
+    expect(f"two buttons have keys: {keys}", {name: key for name, key in keys.items() if key} ==
+           {"Temporary": "Return", "Dismiss Screenshot Popup": "Escape"})
+    defaults = [control.name for control in shown if control.role == "push button" and control.is_default]
+    expect(f"one button is the default: {defaults}", defaults == ["Temporary"])
     expect("nothing is extracted", not desktop.popup.find("Extract Window").is_checked)
 
 
@@ -103,7 +111,7 @@ def keys_decide(desktop, shots):
 
     # Return is the main button wherever the keyboard is.
     desktop.popup.take_keyboard()
-    desktop.popup.tab_to("5 Minutes", "combo box")
+    desktop.popup.tab_to("Temporary duration", "combo box")
     desktop.key("Return")
     desktop.popup.wait_for(third)
     wait_until("Return marked it", lambda: desktop.state_of(second) == "temporary")

@@ -2,11 +2,12 @@
 
 import os
 import re
+import time
 
 from gi.repository import Gio, GLib
 
 import accessibility
-from waiting import wait_until
+from waiting import JourneyFailed, expect, wait_until
 
 _REGISTRY = ("org.a11y.atspi.Registry", "/org/a11y/atspi/registry", "org.a11y.atspi.Registry")
 _STATUS = "org.a11y.Status"
@@ -40,6 +41,52 @@ class SpeechDispatcher:
         """Whether anybody ever connected."""
         with open(self._log, encoding="utf-8", errors="replace") as file:
             return "SET SELF CLIENT_NAME" in file.read().upper()
+
+
+class Orca:
+    """The screen reader of Debian 12, over the speech service. It says each key that is pressed, which is left out."""
+
+    _KEYS = {"tab", "space", "escape", "return", "left shift", "left control", "delete", "backspace", "slash"}
+    _SILENCE = 1.2  # seconds; it says what belongs together within a fraction of one
+
+    def __init__(self, desktop, speech):
+        self._speech, self._heard = speech, 0
+        self.process = desktop.start(["orca"], stdout=desktop.errors, stderr=desktop.errors)
+        wait_until("Orca speaks", speech.spoken, 30)
+        self.is_silent()
+
+    def _new(self):
+        said = [text.strip() for text, _ in self._speech.spoken()[self._heard:]]
+        return [text for text in said if text not in self._KEYS]
+
+    def is_silent(self):
+        """It has said all that it has to say; the texts."""
+        count, since = -1, time.monotonic()
+        while time.monotonic() - since < self._SILENCE:
+            if len(self._speech.spoken()) != count:
+                count, since = len(self._speech.spoken()), time.monotonic()
+            time.sleep(0.05)
+        said = self._new()
+        self._heard = count
+        return said
+
+    def says(self, *texts):
+        """These, in this order, and nothing else."""
+        try:
+            wait_until("Orca says it", lambda: len(self._new()) >= len(texts))
+        except JourneyFailed:
+            pass
+        said = self.is_silent()
+        expect(f"Orca says {list(texts)}, not {said}", said == list(texts))
+
+    def has_been_heard(self, text):
+        """The program lets an announcement be heard whole before the next."""
+        time.sleep(1 + 0.075 * len(text))
+        self.is_silent()
+
+    def stop(self):
+        self.process.terminate()
+        self.process.wait()
 
 
 class AccessibilityListener:

@@ -27,6 +27,7 @@ def journey(desktop):
     try:
         desktop.popup.press("Move to Trash")
         desktop.wait_for("Couldn’t Move to Trash", "label", "Screenshot Decision")
+        desktop.wait_for("Couldn’t Move to Trash", "alert message", "Screenshot Decision")
         name = os.path.basename(shot)
         desktop.wait_for(f"“{name}” couldn’t be moved to Trash. It is still in Quillmere. Check that you can change "
                          "files in its folder, then try again.", "label", "Screenshot Decision")
@@ -44,4 +45,5 @@ def journey(desktop):
     expect("the file is gone from its folder", not os.path.exists(shot))
 
 
-run_journey("trash-refused", journey)
+if __name__ == "__main__":
+    run_journey("trash-refused", journey)

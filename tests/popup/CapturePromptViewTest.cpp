@@ -409,6 +409,57 @@ TEST_F(CapturePromptViewTest, ALateSuggestionDoesNotOverwriteTyping) {
   EXPECT_EQ(field()->text(), QStringLiteral("Screenshot 1")) << "the name that it started with";
 }
 
+TEST_F(CapturePromptViewTest, WhatTheAnalysisBringsIsToldOnceWhileTheCardHasTheKeyboard) {
+  model->setScreenshotNaming(ScreenshotNaming::suggested);
+  auto content = *CapturePromptContent::make(*model, [](const auto&) { return std::nullopt; });
+  content.item.imageDescription = "A receipt.";
+  content.item.suggestedName = "Receipt";
+  view->show(content);
+  ASSERT_EQ(announcer.said.size(), 2u);
+  EXPECT_TRUE(announcer.hasSaid(QStringLiteral("Description: A receipt.")));
+  EXPECT_TRUE(announcer.hasSaid(QStringLiteral("Suggested filename: Receipt")));
+  for (const auto& one : announcer.said) EXPECT_EQ(one.priority, AnnouncementPriority::low);
+  content.availability = AnalysisAvailability::turnedOff;
+  view->show(content);
+  EXPECT_EQ(announcer.said.size(), 2u) << "not twice";
+}
+
+TEST_F(CapturePromptViewTest, ASuggestionThatIsNotTakenIsNotTold) {
+  type(QStringLiteral("Mine"));
+  model->setScreenshotNaming(ScreenshotNaming::suggested);
+  auto content = *CapturePromptContent::make(*model, [](const auto&) { return std::nullopt; });
+  content.item.imageDescription = "A receipt.";
+  content.item.suggestedName = "Receipt";
+  view->show(content);
+  ASSERT_EQ(announcer.said.size(), 1u);
+  EXPECT_TRUE(announcer.hasSaid(QStringLiteral("Description: A receipt.")));
+}
+
+TEST_F(CapturePromptViewTest, WithoutTheKeyboardTheAnalysisIsNotTold) {
+  QWidget other;
+  other.show();
+  other.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+  model->setScreenshotNaming(ScreenshotNaming::suggested);
+  auto content = *CapturePromptContent::make(*model, [](const auto&) { return std::nullopt; });
+  content.item.imageDescription = "A receipt.";
+  content.item.suggestedName = "Receipt";
+  view->show(content);
+  EXPECT_EQ(field()->text(), QStringLiteral("Receipt"));
+  EXPECT_TRUE(announcer.said.empty());
+  view->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(view.get()));
+  view->show(content);
+  EXPECT_TRUE(announcer.said.empty()) << "nor later";
+}
+
+TEST_F(CapturePromptViewTest, ANameThatIsNotTakenIsToldPolitely) {
+  type(QStringLiteral("/"));
+  ASSERT_EQ(announcer.said.size(), 1u);
+  EXPECT_TRUE(announcer.hasSaid(nameCaption(QStringLiteral("/"))));
+  EXPECT_EQ(announcer.said[0].priority, AnnouncementPriority::low);
+}
+
 TEST_F(CapturePromptViewTest, WhatIsTypedIsReportedToTheModel) {
   EXPECT_EQ(edit(), (AppModel::PromptNameEdit{id, QStringLiteral("Screenshot 1"), false, false}));
   type(QStringLiteral("New"));

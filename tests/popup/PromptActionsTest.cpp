@@ -1,6 +1,7 @@
 #include "popup/PromptActions.h"
 
 #include <gtest/gtest.h>
+#include <QtGui/QAccessible>
 #include <QtTest/QTest>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QPushButton>
@@ -38,6 +39,14 @@ TEST_F(PromptActionsTest, EachDecisionHasItsButton) {
   EXPECT_EQ(actions.mainButton(), actions.controls().front());
 }
 
+TEST_F(PromptActionsTest, TemporaryIsTheDefaultButtonAndTellsItsKey) {
+  for (const size_t place : {0u, 1u, 2u, 4u}) {
+    const QAccessibleInterface& heard = *QAccessible::queryAccessibleInterface(&button(place));
+    EXPECT_EQ(heard.state().defaultButton, place == 0) << place;
+    EXPECT_EQ(heard.text(QAccessible::Accelerator), place == 0 ? QStringLiteral("Return") : QString()) << place;
+  }
+}
+
 TEST_F(PromptActionsTest, WhatIsUnderWayTellsWhatCanBeDecided) {
   EXPECT_EQ(usable(std::nullopt), "xxxxx");
   EXPECT_EQ(usable(PromptWindowExtraction::Detecting()), "---xx") << "the screenshot can go while a window is sought";
@@ -57,7 +66,7 @@ TEST_F(PromptActionsTest, WhereTheChosenIsDeletedTheButtonSaysSo) {
   EXPECT_EQ(trash().text(), QStringLiteral("Move to Trash"));
 }
 
-/// Qt names a menu after what is chosen in it.
+/// Some screen readers look for what a menu is for there alone.
 TEST_F(PromptActionsTest, TheDurationIsNamedByALabelThatNobodySees) {
   const auto* label = actions.findChild<QLabel*>();
   ASSERT_TRUE(label);

@@ -16,6 +16,7 @@ class PromptDetailsTest : public ::testing::Test {
   PromptDetailsTest() {
     details.onNameChanged = [this] { ++nameChanges; };
     details.onAnalyze = [this] { ++analyses; };
+    details.onNameRefused = [this](const QString& note) { notes += note; };
     show("/pictures/shot.png");
   }
   void show(const char* path) {
@@ -39,6 +40,7 @@ class PromptDetailsTest : public ::testing::Test {
 
   int nameChanges = 0;
   int analyses = 0;
+  QStringList notes;
   CapturePromptContent content;
   PromptDetails details{nullptr};
 };
@@ -67,6 +69,32 @@ TEST_F(PromptDetailsTest, ACaptionThatIsTooLongIsCutAndSpokenInFull) {
 TEST_F(PromptDetailsTest, TypingIsToldForEachLetter) {
   QTest::keyClicks(&details.nameField(), QStringLiteral("abc"));
   EXPECT_EQ(nameChanges, 3);
+}
+
+TEST_F(PromptDetailsTest, ANameThatIsRefusedIsToldOnceWhereItIsTyped) {
+  const QString empty = nameCaption(QString());
+  const QString unusable = nameCaption(QStringLiteral("/"));
+  ASSERT_NE(empty, unusable);
+  QLineEdit& field = details.nameField();
+  field.setText(QStringLiteral("a"));
+  field.setText(QString());
+  EXPECT_EQ(field.accessibleDescription(), empty);
+  EXPECT_EQ(notes, QStringList()) << "nobody typed it";
+  field.setText(QStringLiteral("a"));
+  EXPECT_TRUE(field.accessibleDescription().startsWith(QStringLiteral("Return saves")));
+
+  details.window()->show();
+  details.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&details));
+  field.setFocus();
+  QTest::keyClick(&field, Qt::Key_Backspace);
+  EXPECT_EQ(notes, QStringList(empty));
+  QTest::keyClicks(&field, QStringLiteral("//"));
+  EXPECT_EQ(notes, QStringList({empty, unusable}));
+  EXPECT_EQ(field.accessibleDescription(), unusable);
+  QTest::keyClicks(&field, QStringLiteral("a"));
+  QTest::keyClick(&field, Qt::Key_Backspace);
+  EXPECT_EQ(notes, QStringList({empty, unusable, unusable})) << "it appeared anew";
 }
 
 TEST_F(PromptDetailsTest, WhoeverHasNoModelIsNotToldOnEveryCard) {

@@ -51,6 +51,15 @@ TEST_F(PromptFilenameFieldTest, ItsColoursFollowTheDesktop) {
   }
 }
 
+TEST_F(PromptFilenameFieldTest, ANoteStandsInThePlaceOfWhatItIsFor) {
+  const QString hint = field.accessibleDescription();
+  EXPECT_TRUE(hint.startsWith(QStringLiteral("Return saves")));
+  field.setNote(QStringLiteral("Not this one."));
+  EXPECT_EQ(field.accessibleDescription(), QStringLiteral("Not this one."));
+  field.setNote(std::nullopt);
+  EXPECT_EQ(field.accessibleDescription(), hint);
+}
+
 TEST_F(PromptFilenameFieldTest, TheOneWithTheKeyboardHasARing) {
   show(Appearance::Scheme::light);
   window.show();

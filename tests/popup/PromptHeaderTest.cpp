@@ -55,5 +55,11 @@ TEST_F(PromptHeaderTest, TheWayOutIsAButton) {
   EXPECT_EQ(closed, 1);
 }
 
+TEST_F(PromptHeaderTest, TheWayOutTellsItsKey) {
+  const QAccessibleInterface& heard = *QAccessible::queryAccessibleInterface(header.closeButton());
+  EXPECT_EQ(heard.text(QAccessible::Accelerator), QKeySequence(Qt::Key_Escape).toString(QKeySequence::NativeText));
+  EXPECT_EQ(heard.text(QAccessible::Name), QStringLiteral("Dismiss Screenshot Popup"));
+}
+
 }  // namespace
 }  // namespace quillmere

@@ -24,7 +24,12 @@ Duration AnnouncementQueue::timeToSay(const QString& text) {
 
 void AnnouncementQueue::add(const QString& text, AnnouncementPriority priority) {
   const Announcement announcement{text, priority};
-  if (std::find(waiting_.begin(), waiting_.end(), announcement) != waiting_.end()) return;
+  if (first_ == announcement || std::find(waiting_.begin(), waiting_.end(), announcement) != waiting_.end()) return;
+  if (!speaking_) {
+    first_ = announcement;
+    waitAndThen(kSettling, &AnnouncementQueue::sayFirst);
+    return;
+  }
   const auto isLow = [](const Announcement& other) { return other.priority == AnnouncementPriority::low; };
   const auto firstLow = std::find_if(waiting_.begin(), waiting_.end(), isLow);
   waiting_.insert(isLow(announcement) ? waiting_.end() : firstLow, announcement);
@@ -32,7 +37,16 @@ void AnnouncementQueue::add(const QString& text, AnnouncementPriority priority) 
     const auto oldest = std::find_if(waiting_.begin(), waiting_.end(), isLow);
     waiting_.erase(oldest == waiting_.end() ? waiting_.begin() : oldest);
   }
-  if (!speaking_) sayNext();
+}
+
+void AnnouncementQueue::waitAndThen(Duration pause, void (AnnouncementQueue::*next)()) {
+  speaking_ = executor_.startDelay(pause, [this, next](bool elapsed) {
+    if (elapsed) (this->*next)();
+  });
+}
+
+void AnnouncementQueue::sayFirst() {
+  say(std::exchange(first_, std::nullopt)->text);
 }
 
 void AnnouncementQueue::sayNext() {
@@ -40,9 +54,11 @@ void AnnouncementQueue::sayNext() {
   if (waiting_.empty()) return;
   const QString text = std::move(waiting_.front().text);
   waiting_.pop_front();
-  speaking_ = executor_.startDelay(timeToSay(text), [this](bool elapsed) {
-    if (elapsed) sayNext();
-  });
+  say(text);
+}
+
+void AnnouncementQueue::say(const QString& text) {
+  waitAndThen(timeToSay(text), &AnnouncementQueue::sayNext);
   say_(text);
 }
 
