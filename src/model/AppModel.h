@@ -109,6 +109,7 @@ class AppModel : private AnalysisRecords,
   void setPopupAutoSaveSeconds(int seconds);
   void setPopupWaitsForPause(bool isOn);
   void setPopupPauseSeconds(int seconds);
+  void setPopupGathersSeries(bool isOn);
   void setScreenshotNaming(ScreenshotNaming naming) { settings_.screenshotNaming.change(naming); }
   void setIncludesNonCaptureImages(bool includes);
   void setHasSeenWelcome(bool hasSeen) { settings_.hasSeenWelcome.change(hasSeen); }

@@ -51,6 +51,10 @@ void AppModel::setPopupPauseSeconds(int seconds) {
   settings_.popupPauseSeconds.change(seconds);
 }
 
+void AppModel::setPopupGathersSeries(bool isOn) {
+  settings_.popupGathersSeries.change(isOn);
+}
+
 void AppModel::setIncludesNonCaptureImages(bool includes) {
   settings_.includesNonCaptureImages.change(includes);
   dependencies_.monitor->setIncludesNonCaptureImages(includes);

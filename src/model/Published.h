@@ -24,6 +24,7 @@ enum class ModelField {
   popupAutoSaveSeconds,
   popupWaitsForPause,
   popupPauseSeconds,
+  popupGathersSeries,
   screenshotNaming,
   includesNonCaptureImages,
   promptError,

@@ -113,6 +113,8 @@ class Settings {
   Setting<bool> popupWaitsForPause{home_, "quillmere.popup-waits-for-pause", ModelField::popupWaitsForPause, false};
   Setting<int> popupPauseSeconds{home_, "quillmere.popup-pause-seconds", ModelField::popupPauseSeconds, 5,
                                  &pauseSeconds};
+  /// Several screenshots show as a note of their number before the popup.
+  Setting<bool> popupGathersSeries{home_, "quillmere.popup-gathers-series", ModelField::popupGathersSeries, false};
   Setting<ScreenshotNaming> screenshotNaming{home_, "quillmere.popup-naming", ModelField::screenshotNaming,
                                              ScreenshotNaming::original};
   Setting<bool> includesNonCaptureImages{home_, "quillmere.include-non-capture-images",

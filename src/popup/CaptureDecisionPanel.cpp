@@ -8,6 +8,7 @@
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QScrollBar>
 
+#include "controls/ActionButton.h"
 #include "controls/AppearanceStyle.h"
 #include "controls/Theme.h"
 #include "foundation/Localized.h"
@@ -26,6 +27,8 @@ static_assert(CardShadow::kReach <= kMargin);
 constexpr int kScrollInset = 2;
 constexpr int kScrollBarWidth = 6;
 constexpr int kScrollBarInset = 5;
+/// Between a note and its edge.
+constexpr int kNoteInset = 8;
 /// From the card's lower edge.
 constexpr int kCountdownInset = 5;
 
@@ -42,6 +45,7 @@ CaptureDecisionPanel::CaptureDecisionPanel(QWidget* contents, QWidget* footer)
                            Qt::NoDropShadowWindowHint),
       scroll_(new QScrollArea(this)),
       footer_(footer),
+      note_(new ActionButton(ActionButton::Role::secondary, QStringLiteral("photo"), {}, this)),
       countdown_(new CountdownLine(this)),
       motion_(*this, [this] {
         layOut();
@@ -64,6 +68,12 @@ CaptureDecisionPanel::CaptureDecisionPanel(QWidget* contents, QWidget* footer)
   scroll_->setWidget(contents);
   contents->setAutoFillBackground(false);
   if (footer_) footer_->setParent(this);
+  note_->hide();
+  note_->setFocusPolicy(Qt::NoFocus);
+  note_->setToolTip(localized("Decide what happens to these screenshots"));
+  connect(note_, &QPushButton::clicked, this, [this] {
+    if (onNoteClicked) onNoteClicked();
+  });
   countdown_->raise();
   makeScrollBar();
   setScrolls(false);
@@ -92,12 +102,24 @@ void CaptureDecisionPanel::setScrolls(bool scrolls) {
   layOut();
 }
 
+void CaptureDecisionPanel::setNote(int count) {
+  note_->setVisible(count > 0);
+  scroll_->setVisible(count == 0);
+  if (footer_) footer_->setVisible(count == 0);
+  scrollBar_->setVisible(count == 0 && scrolls_);
+  if (count > 0) note_->setText(localized("%lld screenshots", {count}));
+  layOut();
+  update();
+}
+
 void CaptureDecisionPanel::setCompositing(bool isCompositing) {
   if (std::exchange(isCompositing_, isCompositing) != isCompositing) update();
 }
 
 QRect CaptureDecisionPanel::cardRect() const {
-  return QRect(kMargin, kMargin, kCardWidth, std::max(1, height() - 2 * kMargin));
+  const QRect card(kMargin, kMargin, kCardWidth, std::max(1, height() - 2 * kMargin));
+  // A note lies in the corner of the screen, as the card does.
+  return note_->isHidden() ? card : card.adjusted(kCardWidth - note_->sizeHint().width() - 2 * kNoteInset, 0, 0, 0);
 }
 
 void CaptureDecisionPanel::setFrame(const QRect& frame) {
@@ -140,6 +162,7 @@ void CaptureDecisionPanel::showRemaining(std::optional<double> remaining) {
 void CaptureDecisionPanel::layOut() {
   const QRect card = cardRect().translated(0, motion_.offset());
   const int inset = scrolls_ ? kScrollInset : 0;
+  if (!note_->isHidden()) note_->setGeometry(card.adjusted(kNoteInset, kNoteInset, -kNoteInset, -kNoteInset));
   QRect above = card.adjusted(0, inset, 0, -inset);
   if (footer_) {
     const int height =

@@ -11,6 +11,7 @@ class QScrollBar;
 
 namespace quillmere {
 
+class ActionButton;
 class CountdownLine;
 
 /// The popup's window: the card, its shadow around it, and nothing else. It never takes the keyboard by itself.
@@ -25,6 +26,11 @@ class CaptureDecisionPanel final : public QWidget {
   /// In the window's points.
   QRect cardRect() const;
   void setFrame(const QRect& frame);
+  /// Instead of the card a note of so many screenshots, from which it opens; 0 for the card.
+  void setNote(int count);
+  /// How high the card is as a note, in points.
+  static constexpr int kNoteHeight = 52;
+  std::function<void()> onNoteClicked;
   /// What is left of the time to answer, from 0 to 1; none where it does not run down.
   void showRemaining(std::optional<double> remaining);
   /// The window is hidden at once, and a picture of it fades away.
@@ -55,6 +61,7 @@ class CaptureDecisionPanel final : public QWidget {
   QScrollArea* scroll_;
   QWidget* footer_;
   QScrollBar* scrollBar_ = nullptr;
+  ActionButton* note_;
   CountdownLine* countdown_;
   CardShadow shadow_;
   CardMotion motion_;

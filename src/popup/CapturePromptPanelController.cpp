@@ -91,6 +91,7 @@ void CapturePromptPanelController::openUnlessSizeIsSought() {
 
 void CapturePromptPanelController::open() {
   cancelOpening();
+  showAsNoteIfWanted();
   applyUpdate();
   isAway_ = true;
   comeBackWhenOver();
@@ -112,6 +113,7 @@ void CapturePromptPanelController::makePanel(AppModel& model) {
   view_->onFontChanged = [this] { measureAnew(); };
   measuringView_ = std::make_unique<CapturePromptView>(services, nullptr);
   panel_ = std::make_unique<CaptureDecisionPanel>(view_, view_->footer());
+  panel_->onNoteClicked = [this] { openNote(); };
   panel_->onCloseRequested = [this] { view_->closePrompt(); };
   panel_->onDeactivated = [this] {
     // A question of the card's gives the keyboard back by itself.
@@ -159,7 +161,8 @@ void CapturePromptPanelController::applyUpdate() {
   if (!next) return;
   isApplyingUpdate_ = true;
   ++updateCount_;
-  const int height = measuredHeight(*next) + view_->extraHeight();
+  const int height =
+      isNote_ ? CaptureDecisionPanel::kNoteHeight + 2 * kMargin : measuredHeight(*next) + view_->extraHeight();
   auto visible = screenFrame_;
   if (!visible) visible = PanelPlacement::followScreen(std::nullopt, *services_.screens);
   // Without any screen the window stays as it is, and what has no room in it scrolls.
@@ -168,7 +171,7 @@ void CapturePromptPanelController::applyUpdate() {
   const int card = height - 2 * kMargin;
   auto placement = PanelPlacement::place(card, *visible);
   // On a low screen the picture gives way first.
-  if (placement.scrolls && next->showThumbnail) {
+  if (placement.scrolls && next->showThumbnail && !isNote_) {
     const int excess = static_cast<int>(std::ceil(card - placement.card.height()));
     const int reduction = std::min(excess, next->thumbnailHeight - kLeastThumbnailHeight);
     next->thumbnailHeight -= reduction;
@@ -181,6 +184,7 @@ void CapturePromptPanelController::applyUpdate() {
     view_->show(*content_);
     panel_->setScrolls(content_->scrolls);
   }
+  panel_->setNote(isNote_ ? static_cast<int>(model_->prompts().queue->size()) : 0);
   if (!isFixed) setFrame(LivePanelScreens::toQt(placement.window));
   followCountdown();
   isApplyingUpdate_ = false;
@@ -194,9 +198,11 @@ void CapturePromptPanelController::followCountdown() {
 
 /// Both frames are in whole points, so that a difference of half a point is none.
 void CapturePromptPanelController::setFrame(const QRect& frame) {
-  if (frame == panel_->geometry()) return;
-  panel_->setFrame(frame);
-  services_.windowSystem->setClickableArea(*panel_->windowHandle(), panel_->cardRect());
+  if (frame != panel_->geometry()) panel_->setFrame(frame);
+  if (const QRect card = panel_->cardRect(); card != clickable_) {
+    clickable_ = card;
+    services_.windowSystem->setClickableArea(*panel_->windowHandle(), card);
+  }
 }
 
 std::optional<CapturePromptContent> CapturePromptPanelController::makeContent() {
@@ -237,6 +243,7 @@ void CapturePromptPanelController::hide() {
   ticks_.reset();
   cancelOpening();
   queueLength_ = 0;
+  isNote_ = false;
   const bool wasAway = std::exchange(isAway_, false);
   takesKeyboardBack_ = false;
   if (!panel_ || (!panel_->isVisible() && !wasAway)) return;
@@ -262,6 +269,7 @@ void CapturePromptPanelController::hide() {
 void CapturePromptPanelController::focusForReview() {
   if (opening_) open();
   if (isAway_) comeBack();
+  if (isNote_) openNote();
   if (panel_ && panel_->isVisible()) takeKeyboard();
 }
 

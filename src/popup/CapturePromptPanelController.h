@@ -72,6 +72,8 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
   int measuredHeight(CapturePromptContent content);
   void setFrame(const QRect& frame);
   void followCountdown();
+  void showAsNoteIfWanted();
+  void openNote();
   void showPanel();
   void takeKeyboard();
   void followScreens();
@@ -85,6 +87,7 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
   std::unique_ptr<CapturePromptView> measuringView_;
   AppModel* model_ = nullptr;
   std::optional<CapturePromptContent> content_;
+  bool isNote_ = false;                        ///< several screenshots show as their number first
   std::optional<UUID> wholeDescriptionOf_;     ///< the screenshot whose long description is shown to its end
   std::list<MeasuredHeight> measuredHeights_;  // most recently used first
   Connection modelChanges_;
@@ -93,6 +96,7 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
   Connection availableGeometryChanges_;
   Connection compositingChanges_;
   std::optional<QRectF> screenFrame_;
+  QRect clickable_;
   std::optional<Executor::DelayID> opening_;  ///< the popup is about to come up
   std::vector<Connection> signs_;
   CaptureRecess recess_;

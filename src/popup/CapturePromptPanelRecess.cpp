@@ -60,9 +60,22 @@ void CapturePromptPanelController::comeBackWhenOver() {
 void CapturePromptPanelController::comeBack() {
   if (recessEnd_) services_.executor->cancelDelay(*std::exchange(recessEnd_, std::nullopt));
   isAway_ = false;
+  showAsNoteIfWanted();
   applyUpdate();
   showPanel();
   if (std::exchange(takesKeyboardBack_, false)) takeKeyboard();
+}
+
+/// Only when the popup comes up: what a person looks at is not folded away. A card that had the keyboard is being used.
+void CapturePromptPanelController::showAsNoteIfWanted() {
+  const bool isSeries = model_->prompts().queue->size() > 1;
+  isNote_ = isSeries && *model_->settings().popupGathersSeries && !takesKeyboardBack_;
+}
+
+void CapturePromptPanelController::openNote() {
+  isNote_ = false;
+  view_->holdClicks();
+  applyUpdate();
 }
 
 }  // namespace quillmere

@@ -119,6 +119,10 @@ void CapturePromptView::show(const CapturePromptContent& content) {
   if (isFocusRequested) actions_->mainButton()->setFocus(Qt::OtherFocusReason);
 }
 
+void CapturePromptView::holdClicks() {
+  gate_.changedAt = services_.executor->instant();
+}
+
 void CapturePromptView::clear() {
   content_.reset();
   preview_->clear();

@@ -39,6 +39,8 @@ class CapturePromptView final : public QWidget {
   void show(const CapturePromptContent& content);
   /// As the close button does: the screenshot stays, and the next one comes up.
   void closePrompt();
+  /// The card has just come up under the pointer: a click that was meant for what was there counts for nothing.
+  void holdClicks();
   /// The popup has closed: whatever it shows next starts anew, also the same screenshot.
   void clear();
   /// At the card's width, margins included; for the content shown last, without what comes and goes by itself.

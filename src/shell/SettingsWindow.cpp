@@ -71,6 +71,7 @@ bool isShown(ModelField field) {
     case ModelField::popupAutoSaveSeconds:
     case ModelField::popupWaitsForPause:
     case ModelField::popupPauseSeconds:
+    case ModelField::popupGathersSeries:
     case ModelField::screenshotNaming:
     case ModelField::analyzeScreenshots:
     case ModelField::intelligenceUnavailability:
@@ -257,6 +258,9 @@ QWidget* SettingsWindow::makePopupPane() {
   pauseRow->addStretch();
   pauseRow->addWidget(pause_);
   series->addLayout(pauseRow);
+  gathersSeries_ = new QCheckBox(localized("Show several screenshots as a small note first"), pane);
+  connect(gathersSeries_, &QCheckBox::toggled, this, [this](bool isOn) { model_.setPopupGathersSeries(isOn); });
+  series->addWidget(gathersSeries_);
   series->addWidget(makeFooter(
       localized("The popup steps aside for the Print key and for the capture tools that it can tell. With others it "
                 "may stand in the next screenshot unless it waits."),
@@ -320,6 +324,7 @@ void SettingsWindow::refresh() {
   waitsForPause_->setChecked(*model_.settings().popupWaitsForPause);
   pauseLabel_->setText(
       localized("Show it %lld seconds after the last screenshot", {*model_.settings().popupPauseSeconds}));
+  gathersSeries_->setChecked(*model_.settings().popupGathersSeries);
   pause_->setValue(*model_.settings().popupPauseSeconds);
   pause_->setEnabled(*model_.settings().popupWaitsForPause);
   pauseLabel_->setEnabled(*model_.settings().popupWaitsForPause);

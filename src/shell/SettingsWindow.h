@@ -53,6 +53,7 @@ class SettingsWindow final : public QWidget {
   QLabel* secondsLabel_ = nullptr;
   QSpinBox* seconds_ = nullptr;
   QCheckBox* waitsForPause_ = nullptr;
+  QCheckBox* gathersSeries_ = nullptr;
   QLabel* pauseLabel_ = nullptr;
   QSpinBox* pause_ = nullptr;
   QCheckBox* analyzes_ = nullptr;

@@ -226,6 +226,13 @@ const std::vector<Picture> kPictures{
        scene.capture("Screenshot from 2026-11-21 09-41-07.png", kDescription);
        scene.executor.advance(std::chrono::seconds(4));
      }},
+    {"several",
+     [](Scene& scene) {
+       scene.model->setPopupGathersSeries(true);
+       scene.model->setPopupWaitsForPause(true);
+       for (int i = 0; i < 4; ++i) scene.capture(std::to_string(i) + ".png");
+       scene.executor.advance(std::chrono::seconds(6));
+     }},
     {"small-picture",
      [](Scene& scene) {
        scene.capture("Screenshot from 2026-11-21 09-41-07.png", kDescription, QRect(520, 300, 240, 120));

@@ -694,6 +694,69 @@ TEST(LivePanelScreensTest, TurnsTheDesktopsCoordinatesAndBack) {
   EXPECT_EQ(LivePanelScreens::toQt(QRectF(10, 20, 30, 40)), QRect(10, geometry.height() - 60, 30, 40));
 }
 
+// --- A series as a note ---
+
+class SeriesAsANoteTest : public CapturePromptPanelControllerTest {
+ protected:
+  SeriesAsANoteTest() {
+    model->setPopupGathersSeries(true);
+    signs.seen(CaptureSigns::Sign::key);
+    signs.seen(CaptureSigns::Sign::key);
+    show();
+    arrivePicture("2.png", QSize(800, 400));
+  }
+  QPushButton* button(const char* text) {
+    for (auto* found : popup->panel()->findChildren<QPushButton*>()) {
+      if (found->text() == QLatin1String(text)) return found;
+    }
+    return nullptr;
+  }
+};
+
+TEST_F(SeriesAsANoteTest, SeveralShowAsTheirNumberInTheCorner) {
+  ASSERT_TRUE(isVisible());
+  ASSERT_TRUE(button("2 screenshots"));
+  EXPECT_TRUE(button("2 screenshots")->isVisible());
+  EXPECT_FALSE(button("Keep")->isVisible());
+  const QRect note = popup->panel()->cardRect();
+  EXPECT_EQ(note.height(), CaptureDecisionPanel::kNoteHeight);
+  EXPECT_LT(note.width(), 300);
+  EXPECT_EQ(note.right(), popup->panel()->width() - 25);
+  EXPECT_EQ(windowSystem.clickable, note);
+  arrivePicture("3.png", QSize(800, 400));
+  EXPECT_TRUE(button("3 screenshots"));
+}
+
+TEST_F(SeriesAsANoteTest, AClickOpensTheCardAndDecidesNothing) {
+  button("2 screenshots")->click();
+  settle();
+  EXPECT_EQ(popup->panel()->cardRect().width(), 440);
+  EXPECT_EQ(windowSystem.clickable, popup->panel()->cardRect());
+  ASSERT_TRUE(button("Keep")->isVisible());
+  button("Move to Trash")->click();
+  settle();
+  EXPECT_EQ(model->prompts().queue->size(), 2U) << "the second click of a double click";
+  executor.advance(seconds(1));
+  button("Keep")->click();
+  settle();
+  EXPECT_EQ(model->prompts().queue->size(), 1U);
+  EXPECT_TRUE(button("Keep")->isVisible()) << "the card stays a card";
+}
+
+TEST_F(SeriesAsANoteTest, TheReviewOpensIt) {
+  popup->focusForReview();
+  EXPECT_TRUE(button("Keep")->isVisible());
+  EXPECT_EQ(windowSystem.active, popup->panel()->winId());
+}
+
+TEST_F(CapturePromptPanelControllerTest, OneScreenshotIsNoSeries) {
+  model->setPopupGathersSeries(true);
+  show();
+  EXPECT_EQ(popup->panel()->cardRect().width(), 440);
+  arrivePicture("2.png", QSize(800, 400));
+  EXPECT_EQ(popup->panel()->cardRect().width(), 440) << "what is looked at is not folded away";
+}
+
 // --- The time to answer ---
 
 TEST_F(CapturePromptPanelControllerTest, ALineRunsDownWithTheTimeToAnswer) {
