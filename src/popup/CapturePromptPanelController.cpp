@@ -76,6 +76,7 @@ void CapturePromptPanelController::present(const ScreenshotItem& item, AppModel&
     return;
   }
   if (opening_) return;
+  services_.windowSystem->lookForRoom();
   screenFrame_ = PanelPlacement::chooseScreen(services_.captureRect(item.url), *services_.screens);
   opening_ = services_.executor->startDelay(kLongestWaitForSize, [this](bool elapsed) {
     if (elapsed) open();

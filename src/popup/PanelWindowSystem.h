@@ -30,6 +30,8 @@ class PanelWindowSystem {
   virtual quintptr activeWindow() const = 0;
   /// Asks the window manager to give a window the keyboard.
   virtual void activate(quintptr window) = 0;
+  /// Before a popup comes up: docks that the desktop tells nothing of are looked for.
+  virtual void lookForRoom() {}
   /// What the desktop's docks leave of a screen, in points.
   virtual QRect availableGeometry(const QScreen& screen) const { return screen.availableGeometry(); }
   Signal<> availableGeometryChanged;

@@ -17,6 +17,8 @@ import wayland_input
 from harness import Desktop, run_on, wait_until
 
 _SIZE = (1280, 800)
+# sway's bar, in pixels: so high that the popup has to know of it.
+_BAR = 48
 
 
 def _told(desktop):
@@ -27,7 +29,7 @@ def _sway(desktop):
     configuration = os.path.join(desktop.scratch, "sway.conf")
     with open(configuration, "w", encoding="utf-8") as file:
         file.write(f"output HEADLESS-1 resolution {_SIZE[0]}x{_SIZE[1]}\nxwayland enable\n"
-                   "bar position bottom\n"
+                   f"bar {{\n position bottom\n height {_BAR}\n}}\n"
                    # It starts the X server with the first program that asks.
                    f"exec echo $DISPLAY > {_told(desktop)}.new && mv {_told(desktop)}.new {_told(desktop)}\n")
     return ["sway", "-c", configuration], {"WLR_BACKENDS": "headless", "WLR_LIBINPUT_NO_DEVICES": "1",
@@ -57,6 +59,7 @@ class WaylandDesktop(Desktop):
     def __init__(self, name, compositor):
         super().__init__(name)
         self.compositor, self.size = compositor, _SIZE
+        self.bar_height = _BAR if compositor == "sway" else 0
 
     def _start_display(self):
         """The compositor brings it."""

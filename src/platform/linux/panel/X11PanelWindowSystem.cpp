@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/linux/panel/SwayWorkspaces.h"
 #include "platform/linux/panel/X11CardShape.h"
 #include "platform/linux/panel/X11Display.h"
 #include "platform/linux/panel/X11Struts.h"
@@ -129,6 +130,10 @@ void X11PanelWindowSystem::outline() {
   xcb_flush(connection);
 }
 
+void X11PanelWindowSystem::lookForRoom() {
+  if (display_ && display_->isBesideWayland()) workspaces_ = SwayWorkspaces::ask();
+}
+
 bool X11PanelWindowSystem::isCompositing() const {
   return !display_ || display_->hasCompositor();
 }
@@ -148,7 +153,13 @@ void X11PanelWindowSystem::activate(quintptr window) {
 }
 
 QRect X11PanelWindowSystem::availableGeometry(const QScreen& screen) const {
-  return display_ ? X11Struts::availableGeometry(*display_, screen) : screen.availableGeometry();
+  if (!display_) return screen.availableGeometry();
+  const QRect available = X11Struts::availableGeometry(*display_, screen);
+  if (workspaces_.empty()) return available;
+  const qreal scale = screen.devicePixelRatio();
+  const QRect pixels(screen.geometry().topLeft(), screen.size() * scale);
+  const QRect left = SwayWorkspaces::within(pixels, workspaces_);
+  return available & QRect(pixels.topLeft() + (left.topLeft() - pixels.topLeft()) / scale, left.size() / scale);
 }
 
 bool X11PanelWindowSystem::nativeEventFilter(const QByteArray&, void* message, qintptr*) {

@@ -29,6 +29,7 @@ class X11PanelWindowSystem final : public PanelWindowSystem, private QAbstractNa
   bool isCompositing() const override;
   quintptr activeWindow() const override;
   void activate(quintptr window) override;
+  void lookForRoom() override;
   QRect availableGeometry(const QScreen& screen) const override;
 
  private:
@@ -45,10 +46,11 @@ class X11PanelWindowSystem final : public PanelWindowSystem, private QAbstractNa
   std::unique_ptr<X11FullScreenCompanion> companion_;
   std::unique_ptr<X11KeyboardHolder> keyboardHolder_;
   QPointer<QWindow> panel_;
-  QRect card_;                    // in the window's points
-  std::vector<QRect> available_;  // of the screens, when last looked at
-  bool isCompositing_ = true;     // when last looked at
-  bool isManaged_ = true;         // by the window manager
+  QRect card_;                     // in the window's points
+  std::vector<QRect> workspaces_;  // of a sway session, when last asked
+  std::vector<QRect> available_;   // of the screens, when last looked at
+  bool isCompositing_ = true;      // when last looked at
+  bool isManaged_ = true;          // by the window manager
   bool isLookPosted_ = false;
   QObject context_;
 };
