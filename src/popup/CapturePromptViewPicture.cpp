@@ -20,7 +20,18 @@ namespace quillmere {
 namespace {
 
 QIcon iconOf(const ShareTarget& target) {
-  return target.icon.startsWith(QLatin1Char('/')) ? QIcon(target.icon) : QIcon::fromTheme(target.icon);
+  const bool isFile = target.icon.startsWith(QLatin1Char('/'));
+  const QIcon icon = isFile ? QIcon(target.icon) : QIcon::fromTheme(target.icon);
+  // A file that is no picture leaves the icon empty as well, and names would not stand below each other.
+  if (!icon.isNull() && !icon.pixmap(16).isNull()) return icon;
+  return QIcon::fromTheme(QStringLiteral("application-x-executable"));
+}
+
+/// In a menu a tab begins another column and an ampersand underlines a letter.
+QString menuText(const QString& name, const QFontMetrics& metrics) {
+  constexpr int kWidest = 320;
+  QString text = metrics.elidedText(name.simplified(), Qt::ElideRight, kWidest);
+  return text.replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
 /// While it lives the record's file stays where it is, and its popup does not time out.
@@ -60,8 +71,9 @@ std::optional<QString> chooseTarget(AppModel& model, const UUID& id, const std::
                                     QWidget& anchor) {
   const Protection protection(model, id);
   QMenu menu(&anchor);
-  for (const ShareTarget& target : targets) {
-    menu.addAction(iconOf(target), target.name)->setData(target.id);
+  for (size_t i = 0; i < targets.size(); ++i) {
+    if (i > 0 && targets[i].group != targets[i - 1].group) menu.addSeparator();
+    menu.addAction(iconOf(targets[i]), menuText(targets[i].name, menu.fontMetrics()))->setData(targets[i].id);
   }
   if (targets.empty()) menu.addAction(localized("No app on this computer takes pictures"))->setEnabled(false);
   const QAction* chosen = menu.exec(anchor.mapToGlobal(QPoint(0, anchor.height() + 4)));

@@ -90,7 +90,8 @@ def reader_of_announcements_listens(desktop):
     expect("once", [text for text, _ in announced].count(KEPT) == 1)
     wanted = two_in_one_turn(desktop)
     heard = wait_until("it hears all four", lambda: len(said := reader.announced()[len(announced):]) >= 4 and said)
-    expect(f"whole and in order: {heard}", heard == [(text, ASSERTIVE if matters else POLITE) for text, matters in wanted])
+    wanted = [(text, ASSERTIVE if matters else POLITE) for text, matters in wanted]
+    expect(f"whole and in order: {heard}", heard == wanted)
     reader.stop()
 
 
@@ -117,7 +118,8 @@ def desktop_says_that_one_runs(desktop, speech):
     before = len(speech.spoken())
     wanted = two_in_one_turn(desktop)
     heard = wait_until("all four are spoken", lambda: len(said := speech.spoken()[before:]) >= 4 and said)
-    expect(f"whole and in order: {heard}", heard == [(text, IMPORTANT if matters else MESSAGE) for text, matters in wanted])
+    wanted = [(text, IMPORTANT if matters else MESSAGE) for text, matters in wanted]
+    expect(f"whole and in order: {heard}", heard == wanted)
 
 
 def speech_service_hangs(desktop, speech):

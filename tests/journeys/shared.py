@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """Share: the applications for pictures and Mail, chosen by pointer and by keyboard, get the file under its name."""
 
+import json
 import os
 import stat
 
@@ -11,6 +12,12 @@ from steps import popup_shows_picture
 from windows import open_terminal
 
 VIEWER = "Test Viewer"
+MARKUP = "<b>Bold</b> & Sons"
+UNSUITABLE = {
+    "Without Icon": "Exec=true 1 %f", "Not Shown": "Icon=x\nNoDisplay=true\nExec=true 2 %f",
+    "In A Terminal": "Icon=x\nTerminal=true\nExec=true 3 %f", "Broken": "Icon=x\nExec=/no/such/program %f",
+    "Unclosed": "Icon=x\nExec=true \"%f", "Tool (depth=16)": "Icon=x\nExec=true 4 %f",
+}
 TYPED = "Receipt 50% it's"
 
 
@@ -42,7 +49,14 @@ def install_viewer(desktop):
                    f"mv '{desktop.scratch}/opening' '{desktop.scratch}/opened'\n")
     os.chmod(script, stat.S_IRWXU)
     with open(os.path.join(applications, "viewer.desktop"), "w", encoding="utf-8") as file:
-        file.write(f"[Desktop Entry]\nType=Application\nName={VIEWER}\nMimeType=image/png;\nExec={script} %f\n")
+        file.write(f"[Desktop Entry]\nType=Application\nName={VIEWER}\nIcon=image-viewer\nMimeType=image/png;\n"
+                   f"Exec={script} %f\n")
+    for name, rest in UNSUITABLE.items():
+        with open(os.path.join(applications, name + ".desktop"), "w", encoding="utf-8") as file:
+            file.write(f"[Desktop Entry]\nType=Application\nName={name}\nMimeType=image/png;\n{rest}\n")
+    with open(os.path.join(applications, "markup.desktop"), "w", encoding="utf-8") as file:
+        file.write(f"[Desktop Entry]\nType=Application\nName={MARKUP}\nIcon=/no/such.png\nMimeType=image/png;\n"
+                   f"Exec={script} %f markup\n")
     desktop.run("update-desktop-database", applications, check=True)
 
 
@@ -100,11 +114,24 @@ def has_menu(desktop):
 
 def by_pointer(desktop, shot):
     menu = Menu(desktop)
-    expect(f"mail comes first: {menu.choices}", menu.choices[:2] == ["Mail", VIEWER])
+    expect(f"mail comes first: {menu.choices}", menu.choices[0] == "Mail")
+    expect(f"programs by their names: {menu.choices}", {VIEWER, MARKUP} <= set(menu.choices))
+    expect(f"nothing else of ours: {menu.choices}", not set(UNSUITABLE) & set(menu.choices))
     menu.choose(VIEWER)
     expect("the viewer has the file itself", opened(desktop) == shot)
     expect("the popup stays", desktop.popup.is_shown)
     expect("the terminal keeps the keyboard", desktop.active_title() == "Typing")
+    for used, name in ((VIEWER, MARKUP), (MARKUP, VIEWER), (VIEWER, MARKUP)):
+        menu = Menu(desktop)
+        expect(f"{used} was used last and is the first program: {menu.choices}", menu.choices[:2] == ["Mail", used])
+        menu.choose(name)
+        expect(f"{name} has it too", opened(desktop) == shot)
+    expect(f"both are remembered: {remembered(desktop)}", remembered(desktop) == ["markup.desktop", "viewer.desktop"])
+
+
+def remembered(desktop):
+    with open(os.path.join(desktop.config_home, "Quillmere", "settings.json"), encoding="utf-8") as file:
+        return json.load(file)["quillmere.share-recent"].split("\n")
 
 
 def mail_by_keyboard(desktop, portal, shot):
@@ -128,7 +155,7 @@ def mail_by_keyboard(desktop, portal, shot):
 def a_portal_that_never_answers(desktop, portal, shot):
     portal.stop_answering()
     menu = Menu(desktop, timeout=3)
-    expect(f"without what is not there: {menu.choices}", menu.choices[0] == VIEWER)
+    expect(f"without what is not there, the last used first: {menu.choices}", menu.choices[0] == MARKUP)
     menu.choose(VIEWER)
     name = opened(desktop)
     expect(f"the viewer has a file of the typed name: {name}", os.path.basename(name) == TYPED + ".png")
@@ -143,6 +170,9 @@ def an_app_that_is_gone(desktop):
     wait_until("the popup says so", lambda: desktop.popup.find("Couldn’t Share Screenshot"))
     desktop.popup.press("Dismiss")
     wait_until("the banner goes", lambda: not desktop.popup.find("Couldn’t Share Screenshot"))
+    menu = Menu(desktop)
+    expect(f"it is not offered any more: {menu.choices}", VIEWER not in menu.choices)
+    expect(f"and forgotten: {remembered(desktop)}", remembered(desktop) == ["markup.desktop"])
 
 
 run_journey("shared", journey)

@@ -826,6 +826,32 @@ TEST_F(CapturePromptViewTest, TellsThatNothingWasShared) {
   EXPECT_EQ((*model->promptError)->title, "Couldn’t Share Screenshot");
 }
 
+TEST_F(CapturePromptViewTest, TheShareMenuHasGroupsAndShowsNamesAsTheyAre) {
+  const QString hostile = QStringLiteral("<b>A</b> & B\tC\n") + QString(1000, QLatin1Char('n'));
+  sharing.offered = {{QStringLiteral("email"), QStringLiteral("Mail"), {}, ShareTarget::Group::mail},
+                     {QStringLiteral("hostile"), hostile, QStringLiteral("/no/such.png")},
+                     {QStringLiteral("viewer"), QStringLiteral("Viewer"), {}}};
+  QStringList texts;
+  int width = 0;
+  QTimer::singleShot(0, [&] {
+    const auto& menu = dynamic_cast<QMenu&>(*QApplication::activePopupWidget());
+    for (const QAction* action : menu.actions()) texts += action->isSeparator() ? QStringLiteral("-") : action->text();
+    width = menu.width();
+    for (int i = 0; i < 2; ++i) QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Down);
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
+  });
+  click("Share");
+  executor.drain();
+  ASSERT_EQ(texts.size(), 4);
+  EXPECT_EQ(texts[0], QStringLiteral("Mail"));
+  EXPECT_EQ(texts[1], QStringLiteral("-"));
+  EXPECT_TRUE(texts[2].startsWith(QStringLiteral("<b>A</b> && B C nnn"))) << texts[2].toStdString();
+  EXPECT_EQ(texts[3], QStringLiteral("Viewer"));
+  EXPECT_LT(width, 500);
+  ASSERT_EQ(sharing.sent.size(), 1u) << "the keyboard goes past the line between the groups";
+  EXPECT_EQ(sharing.sent[0].second, QStringLiteral("hostile"));
+}
+
 TEST_F(CapturePromptViewTest, TwoPressesOfShareOpenOneMenu) {
   sharing.offered = {{QStringLiteral("email"), QStringLiteral("Mail"), {}}};
   sharing.executor = &executor;

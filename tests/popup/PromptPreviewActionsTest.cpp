@@ -1,6 +1,7 @@
 #include "popup/PromptPreviewActions.h"
 
 #include <gtest/gtest.h>
+#include <QtGui/QAccessible>
 #include <QtTest/QTest>
 #include <map>
 
@@ -31,6 +32,19 @@ TEST_F(PromptPreviewActionsTest, EachButtonDoesItsOwn) {
   EXPECT_EQ(extractions, 1);
   EXPECT_EQ(done.at(PictureAction::copyText), actions.controls().at(1));
   EXPECT_EQ(done.at(PictureAction::share), actions.controls().at(2)) << "the menu opens under its button";
+}
+
+TEST_F(PromptPreviewActionsTest, OnlyExtractWindowIsSomethingToBeTurnedOn) {
+  const auto state = [this](size_t place) {
+    return QAccessible::queryAccessibleInterface(actions.controls().at(place))->state();
+  };
+  EXPECT_TRUE(state(0).checkable);
+  EXPECT_FALSE(state(0).checked);
+  show(PromptWindowExtraction::Extracted{QRectF(0, 0, 9, 9)});
+  EXPECT_TRUE(state(0).checked);
+  show(std::nullopt);
+  EXPECT_FALSE(state(0).checked);
+  for (const size_t place : {1u, 2u}) EXPECT_FALSE(state(place).checkable) << place;
 }
 
 TEST_F(PromptPreviewActionsTest, ExtractWindowTellsHowFarItIs) {

@@ -66,7 +66,7 @@ LiveServices::LiveServices(const ApplicationPaths& paths)
       securityScope(mounts),
       watchFolderStore(defaults, mounts),
       announcer(executor),
-      sharing(executor),
+      sharing(executor, defaults),
       languageModel(executor,
                     ModelServerPlaces{.configured = [this] { return Settings::storedModelAddress(defaults); },
                                       .listener = &serverListener,

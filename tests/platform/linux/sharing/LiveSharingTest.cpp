@@ -68,7 +68,8 @@ class LiveSharingTest : public ::testing::Test {
   FileURL written = folder.file("written");
   std::string path = std::getenv("PATH");
   ManualExecutor executor;
-  LiveSharing sharing{executor};
+  UserDefaults defaults{folder.file("settings.json").displayPath()};
+  LiveSharing sharing{executor, defaults};
 };
 
 TEST_F(LiveSharingTest, OffersTheApplicationsForSuchPicturesTheDesktopsChoiceFirst) {
@@ -81,6 +82,7 @@ TEST_F(LiveSharingTest, OffersTheApplicationsForSuchPicturesTheDesktopsChoiceFir
   EXPECT_EQ(offered.front().id, kViewer);
   EXPECT_EQ(offered.front().name, QStringLiteral("Test Viewer"));
   EXPECT_EQ(offered.front().icon, QStringLiteral("viewer-icon"));
+  EXPECT_EQ(offered.front().group, ShareTarget::Group::program);
   for (const ShareTarget& target : targets(QStringLiteral("image/x-of-no-application"))) EXPECT_EQ(target.id, kMail);
 }
 
@@ -115,6 +117,20 @@ TEST_F(LiveSharingTest, OffersMailWhereThereIsACommandForIt) {
   EXPECT_FALSE(hasMail());
   writeScript(folder.file("xdg-email"));
   EXPECT_TRUE(hasMail());
+}
+
+TEST_F(LiveSharingTest, RemembersTheProgramThatTookAPictureAndForgetsOneThatIsGone) {
+  const RecentTargets recent(defaults);
+  writeScript(folder.file("xdg-email"));
+  const FileURL file = picture("shot.png");
+  ASSERT_TRUE(runLoopUntil([&] { return share(file, kViewer); }));
+  EXPECT_EQ(recent.ids(), QStringList(kViewer));
+  ASSERT_TRUE(share(file, kMail));
+  EXPECT_FALSE(share(file, QStringLiteral("quillmere-no-such.desktop")));
+  EXPECT_EQ(recent.ids(), QStringList(kViewer)) << "mail has its place, and what takes nothing none";
+  RecentTargets(defaults).note(QStringLiteral("quillmere-no-such.desktop"));
+  targets(kPng);
+  EXPECT_EQ(recent.ids(), QStringList(kViewer));
 }
 
 class SharedNameTest : public LiveSharingTest, public ::testing::WithParamInterface<std::string> {};
