@@ -38,7 +38,13 @@ class SettingsWindowTest : public testing::ModelFixture {
     }
     throw std::logic_error(text);
   }
-  QSpinBox& seconds() const { return *window->findChild<QSpinBox*>(); }
+  QSpinBox& number(const char* name) const {
+    for (auto* box : window->findChildren<QSpinBox*>()) {
+      if (box->accessibleName() == QLatin1String(name)) return *box;
+    }
+    throw std::logic_error(name);
+  }
+  QSpinBox& seconds() const { return number("Popup timeout in seconds"); }
   QComboBox& naming() const { return *window->findChild<QComboBox*>(); }
   QLineEdit& address() const {
     for (auto* field : window->findChildren<QLineEdit*>()) {
@@ -116,6 +122,20 @@ TEST_F(SettingsWindowTest, ANumberIsSetOnceItIsTyped) {
   QTest::keyClick(&seconds(), Qt::Key_Return);
   EXPECT_EQ(*model->settings().popupAutoSaveSeconds, 25);
   EXPECT_TRUE(says(QStringLiteral("Dismiss after 25 seconds")));
+}
+
+TEST_F(SettingsWindowTest, ThePopupCanWaitForTheEndOfASeries) {
+  QSpinBox& pause = number("Seconds after the last screenshot");
+  EXPECT_FALSE(pause.isEnabled());
+  box("Show the popup when you stop capturing").click();
+  EXPECT_TRUE(*model->settings().popupWaitsForPause);
+  EXPECT_TRUE(pause.isEnabled());
+  EXPECT_TRUE(says(QStringLiteral("Show it 5 seconds after the last screenshot")));
+  pause.setValue(1);
+  EXPECT_EQ(*model->settings().popupPauseSeconds, 1);
+  EXPECT_TRUE(says(QStringLiteral("Show it 1 second after the last screenshot")));
+  box("Show several screenshots as a small note first").click();
+  EXPECT_TRUE(*model->settings().popupGathersSeries);
 }
 
 TEST_F(SettingsWindowTest, AnotherUsersServerIsUsedOnlyOnceItIsAllowed) {
