@@ -1,11 +1,13 @@
 #include "shell/SettingsWindow.h"
 
+#include <QtGui/QScreen>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QGroupBox>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QSpinBox>
+#include <QtWidgets/QTabBar>
 #include <QtWidgets/QTabWidget>
 #include <QtWidgets/QVBoxLayout>
 
@@ -110,15 +112,15 @@ QLabel* makeFooter(const QString& text, QWidget* parent) {
 
 SettingsWindow::SettingsWindow(AppModel& model) : model_(model) {
   setWindowTitle(localized("Settings"));
-  auto* tabs = new QTabWidget(this);
-  tabs->setDocumentMode(true);
-  tabs->addTab(makeGeneralPane(), localized("General"));
-  tabs->addTab(makeScreenshotsPane(), localized("Screenshots"));
-  tabs->addTab(makePopupPane(), localized("Popup"));
-  tabs->addTab(makeIntelligencePane(), localized("Intelligence"));
+  tabs_ = new QTabWidget(this);
+  tabs_->setDocumentMode(true);
+  tabs_->addTab(makeGeneralPane(), localized("General"));
+  tabs_->addTab(makeScreenshotsPane(), localized("Screenshots"));
+  tabs_->addTab(makePopupPane(), localized("Popup"));
+  tabs_->addTab(makeIntelligencePane(), localized("Intelligence"));
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 8, 0, 0);
-  column->addWidget(tabs);
+  column->addWidget(tabs_);
   setMinimumWidth(kWidth);
   changes_ = model.changed.connect([this](const ModelChange& change) { follow(change); });
 }
@@ -305,6 +307,20 @@ void SettingsWindow::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
 }
 
+/// As high as the pane that needs the most: texts that wrap tell no layout above them how high they become.
+void SettingsWindow::makeRoom() {
+  ensurePolished();
+  const int width = std::max(kWidth, this->width());
+  int highest = 0;
+  for (int i = 0; i < tabs_->count(); ++i) {
+    QLayout& pane = *tabs_->widget(i)->layout();
+    pane.activate();
+    highest = std::max(highest, pane.totalHeightForWidth(width));
+  }
+  const int around = layout()->contentsMargins().top() + tabs_->tabBar()->sizeHint().height();
+  setMinimumHeight(std::min(highest + around, screen()->availableGeometry().height()));
+}
+
 void SettingsWindow::refresh() {
   const auto& folder = *model_.watchFolderURL;
   const WatcherStatus status = *model_.watcherStatus;
@@ -337,6 +353,7 @@ void SettingsWindow::refresh() {
                                              localized("If no suggested name is ready, the macOS filename is used.")
                                        : footer);
   refreshIntelligence();
+  makeRoom();
 }
 
 void SettingsWindow::refreshIntelligence() {

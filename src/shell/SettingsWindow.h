@@ -38,6 +38,7 @@ class SettingsWindow final : public QWidget {
   void refreshForeignServer();
   void follow(const ModelChange& change);
   void refresh();
+  void makeRoom();
   void showError();
 
   AppModel& model_;
@@ -52,6 +53,7 @@ class SettingsWindow final : public QWidget {
   QCheckBox* dismissesPopup_ = nullptr;
   QLabel* secondsLabel_ = nullptr;
   QSpinBox* seconds_ = nullptr;
+  QTabWidget* tabs_ = nullptr;
   QCheckBox* waitsForPause_ = nullptr;
   QCheckBox* gathersSeries_ = nullptr;
   QLabel* pauseLabel_ = nullptr;

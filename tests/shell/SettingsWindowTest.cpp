@@ -138,6 +138,19 @@ TEST_F(SettingsWindowTest, ThePopupCanWaitForTheEndOfASeries) {
   EXPECT_TRUE(*model->settings().popupGathersSeries);
 }
 
+TEST_F(SettingsWindowTest, EveryPaneHasRoomForItsTexts) {
+  auto* tabs = window->findChild<QTabWidget*>();
+  for (int i = 0; i < tabs->count(); ++i) {
+    tabs->setCurrentIndex(i);
+    QCoreApplication::processEvents();
+    for (auto* label : tabs->widget(i)->findChildren<QLabel*>()) {
+      if (!label->isVisible() || label->text().isEmpty()) continue;
+      const int needed = label->wordWrap() ? label->heightForWidth(label->width()) : label->sizeHint().height();
+      EXPECT_GE(label->height(), needed) << label->text().toStdString();
+    }
+  }
+}
+
 TEST_F(SettingsWindowTest, AnotherUsersServerIsUsedOnlyOnceItIsAllowed) {
   const QString question = QStringLiteral(
       "“someone”, another user of this computer, runs a model server at there. It "
