@@ -151,6 +151,8 @@ void CaptureDecisionPanel::leave() {
 
 void CaptureDecisionPanel::vanish() {
   motion_.end();
+  CardMotion::dropPicture(*this);
+  if (!isVisible()) return;
   setWindowOpacity(0);
   hide();
 }

@@ -16,13 +16,13 @@ constexpr size_t kMostMeasuredHeights = 8;
 constexpr Duration kLongestWaitForSize = std::chrono::milliseconds(20);
 constexpr int kMargin = static_cast<int>(PanelPlacement::kMargin);
 
+}  // namespace
+
 /// Also across windows, as from a menu to its button.
-bool belongsTo(const QWidget* widget, const QWidget& window) {
+bool CapturePromptPanelController::belongsTo(const QWidget* widget, const QWidget& window) {
   while (widget && widget != &window) widget = widget->parentWidget();
   return widget != nullptr;
 }
-
-}  // namespace
 
 CapturePromptPanelController::CapturePromptPanelController(Services services)
     : services_(std::move(services)), previewSizes_(*services_.executor, services_.isDataless) {
@@ -115,11 +115,10 @@ void CapturePromptPanelController::makePanel(AppModel& model) {
   measuringView_ = std::make_unique<CapturePromptView>(services, nullptr);
   panel_ = std::make_unique<CaptureDecisionPanel>(view_, view_->footer());
   panel_->onNoteClicked = [this] { openNote(); };
-  panel_->onCloseRequested = [this] { view_->closePrompt(); };
+  panel_->onCloseRequested = [this] { isNote_ ? openNote() : view_->closePrompt(); };
   panel_->onDeactivated = [this] {
     // A question of the card's gives the keyboard back by itself.
-    const QWidget* modal = QApplication::activeModalWidget();
-    if (modal && (!modal->parentWidget() || belongsTo(modal, *panel_))) return;
+    if (isAsking()) return;
     previousWindow_ = 0;
     // The person has gone to another window: a click on a button must leave the keyboard there.
     services_.windowSystem->setAcceptsKeyboard(*panel_->windowHandle(), false);
@@ -137,6 +136,7 @@ void CapturePromptPanelController::showPanel() {
   panel_->setGeometry(frame);  // the window manager may have forgotten it since the last time
   panel_->raise();
   services_.windowSystem->finish(window);
+  if (!isNote_) wasCardSeen_ = true;
 }
 
 void CapturePromptPanelController::followCompositing() {
@@ -192,7 +192,9 @@ void CapturePromptPanelController::applyUpdate() {
 }
 
 void CapturePromptPanelController::followCountdown() {
-  const auto remaining = content_ ? model_->popupAutoSaveScheduler().remaining(content_->item.id) : std::nullopt;
+  // A note is not looked at.
+  const auto remaining =
+      content_ && !isNote_ ? model_->popupAutoSaveScheduler().remaining(content_->item.id) : std::nullopt;
   const int all = *model_->settings().popupAutoSaveSeconds;
   panel_->showRemaining(remaining ? std::optional(*remaining / all) : std::nullopt);
 }
@@ -246,7 +248,7 @@ void CapturePromptPanelController::hide() {
   queueLength_ = 0;
   isNote_ = false;
   const bool wasAway = std::exchange(isAway_, false);
-  takesKeyboardBack_ = false;
+  wasCardSeen_ = false;
   if (!panel_ || (!panel_->isVisible() && !wasAway)) return;
   const bool hadKeyboard = panel_->isActiveWindow();
   const quintptr previous = std::exchange(previousWindow_, 0);
@@ -258,7 +260,11 @@ void CapturePromptPanelController::hide() {
     self->view_->clear();
   });
   // A popup that never had the keyboard has none to give back.
-  if (!hadKeyboard || previous == 0) return;
+  if (hadKeyboard) giveKeyboardBack(previous);
+}
+
+void CapturePromptPanelController::giveKeyboardBack(quintptr previous) {
+  if (previous == 0) return;
   services_.executor->post([self = lifetime_.weak(this), previous] {
     // The window manager may have given it back by itself.
     if (self && self->services_.windowSystem->activeWindow() != previous) {
@@ -285,7 +291,13 @@ void CapturePromptPanelController::takeKeyboard() {
 }
 
 bool CapturePromptPanelController::isPointerEngaged() const {
-  return isAway_ || isUsed();
+  return isAway_ || isNote_ || isUsed();
+}
+
+/// A question of the card's, or one of nobody's, waits for its answer.
+bool CapturePromptPanelController::isAsking() const {
+  const QWidget* modal = QApplication::activeModalWidget();
+  return modal && (!modal->parentWidget() || belongsTo(modal, *panel_));
 }
 
 bool CapturePromptPanelController::isUsed() const {

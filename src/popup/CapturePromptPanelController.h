@@ -39,7 +39,8 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
   void present(const ScreenshotItem& item, AppModel& model) override;
   void hide() override;
   void focusForReview() override;
-  /// Also while the popup keeps away from someone who takes screenshots: nobody can answer it then.
+  /// Also while the popup keeps away from someone who takes screenshots, and while it is a note: nobody sees then what
+  /// would be decided.
   bool isPointerEngaged() const override;
 
   const std::optional<CapturePromptContent>& content() const { return content_; }
@@ -66,6 +67,9 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
   void comeBackWhenOver();
   void comeBack();
   bool isUsed() const;
+  bool isAsking() const;
+  void giveKeyboardBack(quintptr previous);
+  static bool belongsTo(const QWidget* widget, const QWidget& window);
   void scheduleUpdate();
   void applyUpdate();
   std::optional<CapturePromptContent> makeContent();
@@ -100,8 +104,8 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
   std::optional<Executor::DelayID> opening_;  ///< the popup is about to come up
   std::vector<Connection> signs_;
   CaptureRecess recess_;
-  bool isAway_ = false;  ///< hidden by a recess, else it would show
-  bool takesKeyboardBack_ = false;
+  bool isAway_ = false;       ///< hidden by a recess, else it would show
+  bool wasCardSeen_ = false;  ///< since the popup came up
   std::optional<Executor::DelayID> recessEnd_;
   size_t queueLength_ = 0;
   bool isUpdateScheduled_ = false;

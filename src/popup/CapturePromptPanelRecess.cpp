@@ -1,3 +1,5 @@
+#include <QtWidgets/QApplication>
+
 #include "popup/CapturePromptPanelController.h"
 
 namespace quillmere {
@@ -10,7 +12,7 @@ void CapturePromptPanelController::followCaptureSigns() {
     }));
     signs_.push_back(signs->choosingEnded.connect([this] {
       // What was chosen becomes a file a little later.
-      recess_.foretold(CaptureSigns::Sign::request, services_.executor->instant());
+      recess_.chosen(services_.executor->instant());
       keepAway();
     }));
   }
@@ -32,13 +34,17 @@ void CapturePromptPanelController::noteArrivals() {
   }
 }
 
-/// At once: the tool looks in a moment.
+/// At once: the tool looks in a moment. Not from under a question of the card's, which would be left without its
+/// window.
 void CapturePromptPanelController::keepAway() {
-  if (panel_ && panel_->isVisible()) {
-    isAway_ = true;
-    takesKeyboardBack_ = panel_->isActiveWindow();
-    panel_->vanish();
-  }
+  if (!panel_ || isAsking()) return comeBackWhenOver();
+  if (QWidget* menu = QApplication::activePopupWidget(); belongsTo(menu, *panel_)) menu->close();
+  const bool wasVisible = panel_->isVisible();
+  const bool hadKeyboard = wasVisible && panel_->isActiveWindow();
+  const quintptr previous = std::exchange(previousWindow_, 0);
+  if (wasVisible) isAway_ = true;
+  panel_->vanish();
+  if (hadKeyboard) giveKeyboardBack(previous);
   comeBackWhenOver();
 }
 
@@ -60,20 +66,24 @@ void CapturePromptPanelController::comeBackWhenOver() {
 void CapturePromptPanelController::comeBack() {
   if (recessEnd_) services_.executor->cancelDelay(*std::exchange(recessEnd_, std::nullopt));
   isAway_ = false;
+  // Screens may have changed meanwhile.
+  screenFrame_ = PanelPlacement::followScreen(screenFrame_, *services_.screens);
   showAsNoteIfWanted();
   applyUpdate();
+  // It comes up under a pointer that may be clicking something else, and without the keyboard: someone may be typing.
+  view_->holdClicks();
   showPanel();
-  if (std::exchange(takesKeyboardBack_, false)) takeKeyboard();
 }
 
-/// Only when the popup comes up: what a person looks at is not folded away. A card that had the keyboard is being used.
+/// Only before the card was seen: what a person looks at is not folded away.
 void CapturePromptPanelController::showAsNoteIfWanted() {
   const bool isSeries = model_->prompts().queue->size() > 1;
-  isNote_ = isSeries && *model_->settings().popupGathersSeries && !takesKeyboardBack_;
+  isNote_ = isSeries && *model_->settings().popupGathersSeries && !wasCardSeen_;
 }
 
 void CapturePromptPanelController::openNote() {
   isNote_ = false;
+  wasCardSeen_ = true;
   view_->holdClicks();
   applyUpdate();
 }

@@ -214,8 +214,27 @@ int CapturePromptView::extraHeight() const {
 
 bool CapturePromptView::gateAllows() const {
   // The model may have gone on while the card still shows the last screenshot.
-  return content_ && content_->contentGeneration == *model_.prompts().contentGeneration &&
+  return content_ && (!pressedOn_ || *pressedOn_ == content_->item.id) &&
+         content_->contentGeneration == *model_.prompts().contentGeneration &&
          gate_.allows(services_.executor->instant());
+}
+
+/// A press on one screenshot and its release on the next are no decision.
+void CapturePromptView::notePress(const QEvent& event) {
+  switch (event.type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::KeyPress:
+      pressedOn_ = content_ ? std::optional(content_->item.id) : std::nullopt;
+      break;
+    case QEvent::MouseButtonRelease:
+    case QEvent::KeyRelease:
+      // After what the release does.
+      QMetaObject::invokeMethod(
+          this, [this] { pressedOn_.reset(); }, Qt::QueuedConnection);
+      break;
+    default:
+      break;
+  }
 }
 
 void CapturePromptView::runGated(const std::function<void()>& action) {
@@ -285,7 +304,8 @@ void CapturePromptView::chooseTrash() {
   if (!gateAllows()) return;
   const bool isDeleting = *model_.settings().deletesChosenImmediately;
   // Where it is refused the banner says why.
-  if (model_.disposeChosen(content_->item.id, ErrorScope::popup) != AppModel::ChosenDisposal::done) return;
+  const UUID id = content_->item.id;  // what is on show may be another when the question is answered
+  if (model_.disposeChosen(id, ErrorScope::popup) != AppModel::ChosenDisposal::done) return;
   model_.announce(isDeleting ? localized("Screenshot deleted.") : localized("Screenshot moved to Trash."),
                   AnnouncementPriority::low);
 }
@@ -321,6 +341,7 @@ bool CapturePromptView::handleNameKey(const QKeyEvent& event) {
 }
 
 bool CapturePromptView::eventFilter(QObject* watched, QEvent* event) {
+  notePress(*event);
   if (watched == &details_->nameField()) return handleName(*event);
   // What is selected there is copied by a key, which must not go to another program.
   const bool isText = watched == &details_->description() && details_->description().focusPolicy() != Qt::NoFocus;

@@ -68,6 +68,7 @@ class CapturePromptView final : public QWidget {
   void showActions();
   void reportEdit();
   bool gateAllows() const;
+  void notePress(const QEvent& event);
   std::optional<QString> newName() const;
   void runGated(const std::function<void()>& action);
   void chooseTemporary();
@@ -97,6 +98,7 @@ class CapturePromptView final : public QWidget {
   AppModel& model_;
   std::optional<CapturePromptContent> content_;
   PromptActionGate gate_;
+  std::optional<UUID> pressedOn_;  ///< the screenshot on show when a button or key went down that is not up yet
   QString nameSeed_;
   Task<> copiedNote_;
   bool isCopyingText_ = false;

@@ -9,6 +9,7 @@ namespace {
 
 /// Enough for the first frame to be seen.
 constexpr qreal kFirstOpacity = 0.4;
+constexpr const char* kPictureName = "fadingPicture";
 
 /// A window that shows a picture and is nobody's: without keyboard, clicks or window manager.
 class FadingPicture final : public QWidget {
@@ -17,7 +18,7 @@ class FadingPicture final : public QWidget {
       : QWidget(&panel, Qt::ToolTip | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint |
                             Qt::WindowTransparentForInput | Qt::WindowDoesNotAcceptFocus | Qt::NoDropShadowWindowHint),
         picture_(picture) {
-    setObjectName(QStringLiteral("fadingPicture"));
+    setObjectName(QLatin1String(kPictureName));
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_DeleteOnClose);
@@ -71,6 +72,14 @@ void CardMotion::end() {
   rise_.stop();
   panel_.setWindowOpacity(1);
   if (std::exchange(offset_, 0) != 0) layOut_();
+}
+
+void CardMotion::dropPicture(const QWidget& panel) {
+  const auto pictures = panel.findChildren<QWidget*>(QLatin1String(kPictureName), Qt::FindDirectChildrenOnly);
+  for (QWidget* picture : pictures) {
+    picture->setWindowOpacity(0);
+    picture->close();
+  }
 }
 
 void CardMotion::fadeAway(QWidget& panel) {

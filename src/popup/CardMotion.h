@@ -25,6 +25,8 @@ class CardMotion final {
 
   /// Leaves a picture of the panel where it stands, which fades away by itself.
   static void fadeAway(QWidget& panel);
+  /// The picture is gone at once.
+  static void dropPicture(const QWidget& panel);
 
  private:
   QWidget& panel_;

@@ -32,6 +32,7 @@ PromptHeader::PromptHeader(QWidget* parent)
   auto* title = new ThemedLabel(Ink::text, this, localized("Screenshot Captured"));
   title->setTextSize(1.1, QFont::DemiBold);
   setAccessibleRole(*title, QAccessible::Heading);
+  title->setMinimumWidth(1);  // it gives way where letters are large, never the button
   // Screen readers go through a widget's children in their order.
   title->lower();
   closeButton_->raise();

@@ -1,5 +1,6 @@
 #include "shell/Confirmations.h"
 
+#include <QtGui/QCursor>
 #include <QtWidgets/QApplication>
 
 #include "controls/Alert.h"
@@ -10,9 +11,16 @@
 namespace quillmere {
 namespace {
 
-bool ask(AlertContent content) {
+bool ask(AlertContent content, QWidget* window = QApplication::activeWindow()) {
   content.safe = localized("Cancel");
-  return Alert(std::move(content), QApplication::activeWindow()).ask();
+  return Alert(std::move(content), window).ask();
+}
+
+/// The window that has the keyboard; else the one that was clicked, which a popup without the keyboard is. A question
+/// that belonged to neither could lie below the popup.
+QWidget* windowThatAsks() {
+  QWidget* active = QApplication::activeWindow();
+  return active ? active : QApplication::topLevelAt(QCursor::pos());
 }
 
 }  // namespace
@@ -41,7 +49,8 @@ bool Confirmations::deletion(const QString& fileName) {
                   "“%@” will be deleted from its folder and removed from Quillmere. This can’t be undone.", {fileName}),
               .safe = {},
               .action = localized("Delete"),
-              .isDestructive = true});
+              .isDestructive = true},
+             windowThatAsks());
 }
 
 bool Confirmations::savingScreenshotsIn(const QString& folder) {

@@ -743,6 +743,22 @@ TEST_F(SeriesAsANoteTest, AClickOpensTheCardAndDecidesNothing) {
   EXPECT_TRUE(button("Keep")->isVisible()) << "the card stays a card";
 }
 
+TEST_F(SeriesAsANoteTest, ItsTimeStandsStillSinceNobodySeesWhatWouldBeDecided) {
+  EXPECT_TRUE(popup->isPointerEngaged());
+  button("2 screenshots")->click();
+  settle();
+  EXPECT_FALSE(popup->isPointerEngaged());
+}
+
+TEST_F(SeriesAsANoteTest, ACardThatWasSeenComesBackAsACard) {
+  button("2 screenshots")->click();
+  settle();
+  signs.seen(CaptureSigns::Sign::key);
+  executor.advance(seconds(3));
+  ASSERT_TRUE(isVisible());
+  EXPECT_TRUE(button("Keep")->isVisible());
+}
+
 TEST_F(SeriesAsANoteTest, TheReviewOpensIt) {
   popup->focusForReview();
   EXPECT_TRUE(button("Keep")->isVisible());
@@ -843,6 +859,7 @@ TEST_F(CapturePromptPanelControllerTest, ASignOfACaptureHidesThePopupAtOnce) {
 
 TEST_F(CapturePromptPanelControllerTest, ItComesBackAfterThreeSeconds) {
   show();
+  executor.advance(seconds(1));
   signs.seen(CaptureSigns::Sign::request);
   executor.advance(std::chrono::milliseconds(2999));
   EXPECT_FALSE(isVisible());
@@ -881,6 +898,7 @@ TEST_F(CapturePromptPanelControllerTest, AFirstPopupWaitsForTheCaptureThatWasFor
 
 TEST_F(CapturePromptPanelControllerTest, ItKeepsAwayAsLongAsAPartOfTheScreenIsChosen) {
   show();
+  executor.advance(seconds(1));
   signs.chooses = true;
   signs.seen(CaptureSigns::Sign::request);
   executor.advance(seconds(60));
@@ -900,13 +918,85 @@ TEST_F(CapturePromptPanelControllerTest, TheReviewBringsItBack) {
   EXPECT_EQ(windowSystem.active, popup->panel()->winId());
 }
 
-TEST_F(CapturePromptPanelControllerTest, ThePopupThatHadTheKeyboardTakesItBack) {
+TEST_F(CapturePromptPanelControllerTest, ThePopupThatHadTheKeyboardGivesItBackAndComesWithoutIt) {
   show();
   popup->focusForReview();
   signs.seen(CaptureSigns::Sign::key);
-  windowSystem.give(kEditor);
+  executor.drain();
+  EXPECT_EQ(windowSystem.active, kEditor) << "someone may go on typing";
   executor.advance(seconds(3));
-  EXPECT_EQ(windowSystem.active, popup->panel()->winId());
+  ASSERT_TRUE(isVisible());
+  EXPECT_EQ(windowSystem.active, kEditor);
+}
+
+TEST_F(CapturePromptPanelControllerTest, AClickThatWasMeantForWhatLayThereDecidesNothing) {
+  show();
+  signs.seen(CaptureSigns::Sign::key);
+  executor.advance(seconds(3));
+  ASSERT_TRUE(isVisible());
+  QPushButton* keep = nullptr;
+  for (auto* button : popup->panel()->findChildren<QPushButton*>()) {
+    if (button->text() == QStringLiteral("Keep")) keep = button;
+  }
+  keep->click();
+  executor.drain();
+  EXPECT_EQ(model->prompts().queue->size(), 1U);
+  executor.advance(std::chrono::milliseconds(300));
+  keep->click();
+  executor.drain();
+  EXPECT_TRUE(model->prompts().queue->empty());
+}
+
+TEST_F(CapturePromptPanelControllerTest, AFirstPopupAfterARecessHasItsClickGateFromWhenItIsSeen) {
+  signs.seen(CaptureSigns::Sign::key);
+  signs.seen(CaptureSigns::Sign::key);
+  show();
+  executor.advance(seconds(3));
+  ASSERT_TRUE(isVisible());
+  for (auto* button : popup->panel()->findChildren<QPushButton*>()) {
+    if (button->text() == QStringLiteral("Move to Trash")) button->click();
+  }
+  executor.drain();
+  EXPECT_EQ(model->prompts().queue->size(), 1U);
+}
+
+TEST_F(CapturePromptPanelControllerTest, APressOnOneScreenshotAndItsReleaseOnTheNextDecideNothing) {
+  const UUID first = show();
+  const UUID second = arrivePicture("2.png", QSize(800, 400));
+  executor.advance(seconds(1));
+  QPushButton* trashButton = nullptr;
+  for (auto* button : popup->panel()->findChildren<QPushButton*>()) {
+    if (button->text() == QStringLiteral("Move to Trash")) trashButton = button;
+  }
+  QTest::mousePress(trashButton, Qt::LeftButton);
+  model->keepBatch({first});
+  executor.drain();
+  ASSERT_EQ(popup->content()->item.id, second);
+  executor.advance(seconds(1));
+  QTest::mouseRelease(trashButton, Qt::LeftButton);
+  executor.drain();
+  EXPECT_EQ(model->prompts().queue->front(), second);
+  settle();
+  QTest::mouseClick(trashButton, Qt::LeftButton);
+  settle();
+  EXPECT_TRUE(model->prompts().queue->empty()) << "a whole click decides";
+}
+
+TEST_F(CapturePromptPanelControllerTest, AScreenThatGoesMeanwhileTakesThePopupNowhere) {
+  show();
+  ASSERT_EQ(screenOfPopup(), 0U);
+  signs.seen(CaptureSigns::Sign::key);
+  screens.all = {{QRectF(0, 0, 640, 700), QRectF(0, 0, 640, 700)}};
+  executor.advance(seconds(3));
+  EXPECT_EQ(frame().right(), 640);
+}
+
+TEST_F(CapturePromptPanelControllerTest, WhatFadesIsNotInTheNextCaptureEither) {
+  show();
+  model->dismissPrompt();
+  signs.seen(CaptureSigns::Sign::key);
+  auto* picture = popup->panel()->findChild<QWidget*>(QStringLiteral("fadingPicture"));
+  EXPECT_TRUE(!picture || !picture->isVisible());
 }
 
 TEST_F(CapturePromptPanelControllerTest, WhatIsDecidedElsewhereMeanwhileStaysAway) {

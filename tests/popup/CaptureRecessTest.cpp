@@ -69,8 +69,45 @@ TEST(CaptureRecessTest, APauseBeginsAnewWithEachArrival) {
 TEST(CaptureRecessTest, TheLaterEndCounts) {
   CaptureRecess recess;
   recess.arrived(kStart, seconds(1));
-  recess.foretold(Sign::request, kStart);
+  recess.foretold(Sign::key, kStart);
   EXPECT_EQ(recess.end(kStart), kStart + seconds(3));
+}
+
+TEST(CaptureRecessTest, RequestsThatNoFileFollowsAreNoLongerHeeded) {
+  CaptureRecess recess;
+  Instant now = kStart;
+  for (int i = 0; i < 2; ++i, now += seconds(5)) {
+    recess.foretold(Sign::request, now);
+    EXPECT_TRUE(recess.end(now));
+  }
+  recess.foretold(Sign::request, now);
+  EXPECT_FALSE(recess.end(now)) << "a program that looks at the screen all the time";
+  recess.arrived(now, {});
+  recess.foretold(Sign::request, now + seconds(2));
+  EXPECT_TRUE(recess.end(now + seconds(2))) << "until there is a screenshot again";
+}
+
+TEST(CaptureRecessTest, TheKeyIsAlwaysHeeded) {
+  CaptureRecess recess;
+  for (int i = 0; i < 5; ++i) recess.foretold(Sign::request, kStart + seconds(5.0 * i));
+  recess.foretold(Sign::key, kStart + seconds(60));
+  EXPECT_TRUE(recess.end(kStart + seconds(60)));
+}
+
+TEST(CaptureRecessTest, AWindowThatAToolOpensAfterItsFileForetellsNothing) {
+  CaptureRecess recess;
+  recess.foretold(Sign::key, kStart);
+  recess.arrived(kStart + milliseconds(500), {});
+  recess.foretold(Sign::request, kStart + milliseconds(900));
+  EXPECT_FALSE(recess.end(kStart + milliseconds(900)));
+}
+
+TEST(CaptureRecessTest, WhatWasChosenIsWaitedFor) {
+  CaptureRecess recess;
+  recess.chosen(kStart);
+  EXPECT_EQ(recess.end(kStart), kStart + seconds(3));
+  recess.arrived(kStart + seconds(1), {});
+  EXPECT_FALSE(recess.end(kStart + seconds(1)));
 }
 
 }  // namespace

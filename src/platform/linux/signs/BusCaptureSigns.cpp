@@ -48,7 +48,9 @@ struct BusCaptureSigns::Watch {
   /// On a thread of GIO's. A monitor answers nothing, so the message ends here.
   static GDBusMessage* hear(GDBusConnection*, GDBusMessage* message, gboolean isIncoming, gpointer self) {
     const auto& watch = *static_cast<std::shared_ptr<Watch>*>(self);
-    if (!isIncoming || !watch->isMonitor) return message;
+    // The first may come before the bus has said that it is a monitor; a call that got an answer would end that.
+    const bool isCall = g_dbus_message_get_message_type(message) == G_DBUS_MESSAGE_TYPE_METHOD_CALL;
+    if (!isIncoming || (!watch->isMonitor && !isCall)) return message;
     if (isOfInterest(message)) watch->onSign();
     g_object_unref(message);
     return nullptr;

@@ -67,7 +67,9 @@ void X11CaptureSigns::askForWindows() {
 
 void X11CaptureSigns::read() {
   while (const auto event = X11Display::owned(xcb_poll_for_event(connection_.get()))) hear(*event);
-  if (xcb_connection_has_error(connection_.get())) notifier_.reset();
+  if (!xcb_connection_has_error(connection_.get())) return;
+  notifier_.reset();
+  if (!std::exchange(choosing_, {}).empty()) choosingEnded();
 }
 
 void X11CaptureSigns::hear(const xcb_generic_event_t& event) {
@@ -108,8 +110,10 @@ void X11CaptureSigns::hearKey(const xcb_ge_generic_event_t& event) {
 }
 
 void X11CaptureSigns::hearWindow(xcb_window_t window, bool isBypassing) {
-  if (!isCaptureTool(window)) return;
-  if (isBypassing && coversScreen(window)) choosing_.insert(window);
+  // Menus and tool tips bypass the window manager too; what covers the screen is there to choose a part of it.
+  const bool isCover = isBypassing && coversScreen(window);
+  if ((isBypassing && !isCover) || !isCaptureTool(window)) return;
+  if (isCover) choosing_.insert(window);
   seen(Sign::request);
 }
 
