@@ -38,17 +38,11 @@ quint32 identifier(const QKeyEvent& event) {
 
 }  // namespace
 
-HeldKeys::HeldKeys(std::function<bool(quint32)> isDown) : isDown_(std::move(isDown)) {
+HeldKeys::HeldKeys(std::function<std::set<quint32>()> downKeys) : downKeys_(std::move(downKeys)) {
   qGuiApp->installEventFilter(this);
   connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this](const QWindow* window) {
-    if (window) forgetReleased();
+    if (window) tried_ = pressed_ = downKeys_();
   });
-}
-
-void HeldKeys::forgetReleased() {
-  const auto isReleased = [this](quint32 key) { return !isDown_(key); };
-  std::erase_if(tried_, isReleased);
-  std::erase_if(pressed_, isReleased);
 }
 
 bool HeldKeys::eventFilter(QObject* watched, QEvent* event) {

@@ -14,17 +14,16 @@ namespace quillmere {
 /// platform has to ask the server for real releases only.
 class HeldKeys final : public QObject {
  public:
-  /// `isDown` tells at the moment whether a key is held, by its native scan code. It is asked when a window gets the
-  /// keyboard: releases while another program had it were not told.
-  explicit HeldKeys(std::function<bool(quint32 scanCode)> isDown);
+  /// `downKeys` are the native scan codes of the keys that are held at the moment. It is asked when a window gets the
+  /// keyboard: what was pressed and released while another program had it was not told, and a key that is held from
+  /// there on was meant for that program.
+  explicit HeldKeys(std::function<std::set<quint32>()> downKeys);
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  void forgetReleased();
-
-  std::function<bool(quint32)> isDown_;
+  std::function<std::set<quint32>()> downKeys_;
   // Keys that are down, by scan code: those that were tried as shortcuts, and those that were pressed. One event cannot
   // be told from its other form: on its way through a screen reader it loses its time.
   std::set<quint32> tried_;

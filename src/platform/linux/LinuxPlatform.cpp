@@ -64,7 +64,7 @@ LinuxPlatform::LinuxPlatform(std::unique_ptr<LinuxProcess> process)
     : process_(std::move(process)),
       services_(process_->paths()),
       busSigns_(services_.executor),
-      heldKeys_(&X11Keyboard::isDown),
+      heldKeys_(&X11Keyboard::downKeys),
       session_(services_.executor, services_.systemEvents) {
   X11Keyboard::askForRealReleases();
 }

@@ -22,13 +22,17 @@ void X11Keyboard::askForRealReleases() {
   ::XkbSetDetectableAutoRepeat(x11()->display(), 1, nullptr);
 }
 
-bool X11Keyboard::isDown(quint32 keyCode) {
-  if (!x11() || !x11()->connection()) return false;
+std::set<quint32> X11Keyboard::downKeys() {
+  if (!x11() || !x11()->connection()) return {};
   xcb_connection_t* connection = x11()->connection();
   const auto reply = X11Display::owned(xcb_query_keymap_reply(connection, xcb_query_keymap(connection), nullptr));
+  std::set<quint32> codes;
+  if (!reply) return codes;
   constexpr quint32 kBits = 8;
-  if (!reply || keyCode / kBits >= sizeof reply->keys) return false;
-  return (reply->keys[keyCode / kBits] >> (keyCode % kBits) & 1) != 0;
+  for (quint32 code = 0; code < kBits * sizeof reply->keys; ++code) {
+    if (reply->keys[code / kBits] >> (code % kBits) & 1) codes.insert(code);
+  }
+  return codes;
 }
 
 }  // namespace quillmere

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtCore/QtGlobal>
+#include <set>
 
 namespace quillmere {
 
@@ -10,8 +11,8 @@ class X11Keyboard {
   /// From now on a held key is told as presses without releases between them (the X Keyboard Extension's detectable
   /// auto-repeat): a release is a finger that left the key.
   static void askForRealReleases();
-  /// Whether the key of this code is down right now.
-  static bool isDown(quint32 keyCode);
+  /// The codes of the keys that are down right now.
+  static std::set<quint32> downKeys();
 };
 
 }  // namespace quillmere
