@@ -40,6 +40,22 @@ int widthFor(const AlertContent& content, const QFont& font, const QFont& headin
   return std::clamp(widest, kFewestLetters * letter, kMostLetters * letter);
 }
 
+/// A file's name may be one long word, and its end is often what tells two apart: lines may break within it.
+QString breakable(const QString& text) {
+  constexpr int kLongestPart = 24;
+  QString parts;
+  int length = 0;
+  for (const QChar character : text) {
+    length = character.isSpace() ? 0 : length + 1;
+    if (length > kLongestPart && !character.isLowSurrogate() && !character.isMark()) {
+      parts += QChar(0x200b);
+      length = 1;
+    }
+    parts += character;
+  }
+  return parts;
+}
+
 }  // namespace
 
 Alert::Alert(AlertContent content, QWidget* parent)
@@ -55,7 +71,8 @@ Alert::Alert(AlertContent content, QWidget* parent)
 void Alert::layOut() {
   auto* heading = new ThemedLabel(Ink::text, this, content_.heading);
   heading->setTextSize(1.12, QFont::DemiBold);
-  auto* message = new ThemedLabel(Ink::text, this, content_.message);
+  auto* message = new ThemedLabel(Ink::text, this, breakable(content_.message));
+  message->setAccessibleName(content_.message);
   const int width = widthFor(content_, font(), heading->font());
   auto* texts = new QVBoxLayout;
   texts->setSpacing(6);

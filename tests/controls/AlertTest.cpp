@@ -177,5 +177,19 @@ TEST_F(AlertTest, ItIsACardWithItsShadow) {
   EXPECT_EQ(image.pixelColor(image.width() / 2, PopupSurface::kReach + 5), theme().card);
 }
 
+TEST_F(AlertTest, TheEndOfALongNameIsSeen) {
+  AlertContent content = question();
+  content.message = QString(200, QLatin1Char('n')) + QStringLiteral(".png will be deleted.");
+  Alert alert(content, nullptr);
+  QLabel* message = nullptr;
+  for (auto* label : alert.findChildren<QLabel*>()) {
+    if (label->accessibleName() == content.message) message = label;
+  }
+  ASSERT_TRUE(message) << "read out as it is";
+  const QRect needed =
+      message->fontMetrics().boundingRect(QRect(0, 0, message->width(), 10000), Qt::TextWordWrap, message->text());
+  EXPECT_LE(needed.width(), message->width());
+}
+
 }  // namespace
 }  // namespace quillmere

@@ -1,6 +1,7 @@
 // Draws the popup in all its states, through its real widgets, for people to look at.
 //
-//   popup_pictures FOLDER [--dark] [--contrast] [--rtl] [--texts FOLDER-OF-A-CATALOGUE]
+//   popup_pictures FOLDER [--dark] [--contrast] [--rtl] [--font NAME SIZE] [--accent COLOUR] [--texts
+//   FOLDER-OF-A-CATALOGUE]
 //
 // One PNG for each state; QT_SCALE_FACTOR=2 gives them at twice the size.
 
@@ -295,6 +296,12 @@ int main(int argc, char** argv) {
   appearance.isHighContrast = arguments.contains(QStringLiteral("--contrast"));
   appearance.isMotionReduced = true;  // everything at its place at once
   appearance.font = QFont(QStringLiteral("Inter"), 10);
+  if (const qsizetype at = arguments.indexOf(QStringLiteral("--font")); at > 0) {
+    appearance.font = QFont(arguments.value(at + 1), arguments.value(at + 2).toInt());
+  }
+  if (const qsizetype at = arguments.indexOf(QStringLiteral("--accent")); at > 0) {
+    appearance.accent = QColor(arguments.value(at + 1));
+  }
   look.show(appearance);
   if (arguments.contains(QStringLiteral("--rtl"))) QGuiApplication::setLayoutDirection(Qt::RightToLeft);
 
