@@ -27,7 +27,8 @@ uint32_t lengthIn(const QByteArray& header) {
 
 std::vector<QRect> visible(const QByteArray& list) {
   std::vector<QRect> places;
-  for (const QJsonValue& value : QJsonDocument::fromJson(list).array()) {
+  const QJsonArray all = QJsonDocument::fromJson(list).array();
+  for (const auto& value : all) {
     const QJsonObject rect = value[QLatin1String("rect")].toObject();
     const QRect place(rect[QLatin1String("x")].toInt(), rect[QLatin1String("y")].toInt(),
                       rect[QLatin1String("width")].toInt(), rect[QLatin1String("height")].toInt());
