@@ -64,6 +64,8 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
   void followCaptureSigns();
   void noteArrivals();
   void keepAway();
+  bool isChoosing() const;
+  bool isRecess() const;
   void comeBackWhenOver();
   void comeBack();
   bool isUsed() const;

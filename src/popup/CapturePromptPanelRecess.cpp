@@ -1,4 +1,5 @@
 #include <QtWidgets/QApplication>
+#include <algorithm>
 
 #include "popup/CapturePromptPanelController.h"
 
@@ -37,7 +38,7 @@ void CapturePromptPanelController::noteArrivals() {
 /// At once: the tool looks in a moment. Not from under a question of the card's, which would be left without its
 /// window.
 void CapturePromptPanelController::keepAway() {
-  if (!panel_ || isAsking()) return comeBackWhenOver();
+  if (!panel_ || isAsking() || !isRecess()) return comeBackWhenOver();
   if (QWidget* menu = QApplication::activePopupWidget(); belongsTo(menu, *panel_)) menu->close();
   const bool wasVisible = panel_->isVisible();
   const bool hadKeyboard = wasVisible && panel_->isActiveWindow();
@@ -48,12 +49,18 @@ void CapturePromptPanelController::keepAway() {
   comeBackWhenOver();
 }
 
+bool CapturePromptPanelController::isChoosing() const {
+  return std::any_of(services_.captureSigns.begin(), services_.captureSigns.end(),
+                     [](const CaptureSigns* signs) { return signs->isChoosing(); });
+}
+
+bool CapturePromptPanelController::isRecess() const {
+  return isChoosing() || recess_.end(services_.executor->instant());
+}
+
 void CapturePromptPanelController::comeBackWhenOver() {
   if (recessEnd_) services_.executor->cancelDelay(*std::exchange(recessEnd_, std::nullopt));
-  if (!isAway_) return;
-  for (const CaptureSigns* signs : services_.captureSigns) {
-    if (signs->isChoosing()) return;
-  }
+  if (!isAway_ || isChoosing()) return;
   const Instant now = services_.executor->instant();
   const auto end = recess_.end(now);
   if (!end) return comeBack();

@@ -350,8 +350,15 @@ class Desktop:
 
     def click(self, control):
         """A press and a release of the pointer in the middle of it, where the window really is on the screen."""
-        x, y = self.place_of(control)
+        x, y = self.settled_place_of(control)
         self.run("xdotool", "mousemove", str(x), str(y), "click", "1", check=True)
+
+    def settled_place_of(self, control):
+        """When it is the same twice: a card that changes its height moves between the two questions for a place."""
+        place = self.place_of(control)
+        while (now := self.place_of(control)) != place:
+            place = now
+        return place
 
     def place_of(self, control):
         """The middle of it, counted from the corner of the screen."""

@@ -109,6 +109,7 @@ def countdown_stands_still(desktop):
 def asked_on_the_bus(desktop):
     """As a portal's client asks; no portal has to answer for the popup to leave."""
     show(desktop)
+    hold_for("it shows", lambda: desktop.popup.is_shown, 1.2)  # until then a request would tell of the same capture
     desktop.start(["gdbus", "call", "--session", "--dest", "org.freedesktop.DBus", "--object-path", "/", "--method",
                    "org.freedesktop.portal.Screenshot.Screenshot", "", "{}"], stderr=subprocess.DEVNULL)
     wait_until("the popup leaves", lambda: not desktop.popup.is_shown)
@@ -147,7 +148,8 @@ TOOLS = {
 def is_seen(desktop, name, command, has_key):
     """Whether the popup stands in the picture that the tool takes, started by the Print key or by hand."""
     show(desktop)
-    hold_for("it shows", lambda: desktop.popup.is_shown, 0.5)  # its analysis may end, and take a row away
+    # Its analysis may end, and take a row away; and a request would still tell of the capture that has come.
+    hold_for("it shows", lambda: desktop.popup.is_shown, 1.2)
     place = place_on_card(desktop)
     outside = os.path.join(desktop.scratch, f"{name}{'-key' if has_key else ''}.png")
     if has_key:

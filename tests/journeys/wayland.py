@@ -145,7 +145,7 @@ class WaylandDesktop(Desktop):
         self.input.type(text)
 
     def click(self, control):
-        self.input.click(self.place_of(control))
+        self.input.click(self.settled_place_of(control))
 
     def move_pointer(self, place):
         self.input.move(place)

@@ -896,6 +896,14 @@ TEST_F(CapturePromptPanelControllerTest, AFirstPopupWaitsForTheCaptureThatWasFor
   EXPECT_TRUE(isVisible());
 }
 
+TEST_F(CapturePromptPanelControllerTest, ARequestThatIsNotHeededLeavesThePopupAlone) {
+  show();
+  const auto calls = windowSystem.calls;
+  signs.seen(CaptureSigns::Sign::request);
+  EXPECT_TRUE(isVisible()) << "a tool opens a window of its own after its capture";
+  EXPECT_EQ(windowSystem.calls, calls) << "not even for a moment";
+}
+
 TEST_F(CapturePromptPanelControllerTest, ItKeepsAwayAsLongAsAPartOfTheScreenIsChosen) {
   show();
   executor.advance(seconds(1));
