@@ -92,8 +92,6 @@ void CapturePromptPanelController::openUnlessSizeIsSought() {
 
 void CapturePromptPanelController::open() {
   cancelOpening();
-  showAsNoteIfWanted();
-  applyUpdate();
   isAway_ = true;
   comeBackWhenOver();
 }

@@ -1,7 +1,5 @@
 #include "controls/BarStyle.h"
 
-#include <QtGui/QPainter>
-
 #include "controls/DesktopLook.h"
 
 namespace quillmere {
@@ -20,14 +18,6 @@ class BarStyleTest : public testing::DesktopLook {
     bar.pageStep = 100;
     bar.sliderPosition = position;
     return bar;
-  }
-  template <typename Option>
-  static QImage drawn(const Option& option, void (*paint)(const Option&, QPainter&)) {
-    QImage image(option.rect.size(), QImage::Format_RGB32);
-    image.fill(Qt::magenta);
-    QPainter painter(&image);
-    paint(option, painter);
-    return image;
   }
 };
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <QtGui/QImage>
+#include <QtGui/QPainter>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QWidget>
 
@@ -35,6 +36,16 @@ class DesktopLook : public ::testing::Test {
       }
     }
     return false;
+  }
+
+  /// What a style paints for the option, on magenta.
+  template <typename Option>
+  static QImage drawn(const Option& option, void (*paint)(const Option&, QPainter&)) {
+    QImage image(option.rect.size(), QImage::Format_RGB32);
+    image.fill(Qt::magenta);
+    QPainter painter(&image);
+    paint(option, painter);
+    return image;
   }
 
   /// Widgets are told in a later turn of the loop.

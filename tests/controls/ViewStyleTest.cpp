@@ -1,7 +1,5 @@
 #include "controls/ViewStyle.h"
 
-#include <QtGui/QPainter>
-
 #include "controls/DesktopLook.h"
 
 namespace quillmere {
@@ -16,14 +14,6 @@ class ViewStyleTest : public testing::DesktopLook {
     option.state = QStyle::State_Enabled;
     option.palette = QApplication::palette();
     return option;
-  }
-  template <typename Option>
-  static QImage drawn(const Option& option, void (*paint)(const Option&, QPainter&)) {
-    QImage image(option.rect.size(), QImage::Format_RGB32);
-    image.fill(Qt::magenta);
-    QPainter painter(&image);
-    paint(option, painter);
-    return image;
   }
 };
 

@@ -28,6 +28,7 @@
 #include <QtWidgets/QVBoxLayout>
 #include <cstdio>
 
+#include "PictureAppearance.h"
 #include "controls/ActionButton.h"
 #include "controls/Alert.h"
 #include "controls/ApplicationAppearance.h"
@@ -311,15 +312,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   ApplicationAppearance look;
-  Appearance appearance;
-  const bool isDark = arguments.contains(QStringLiteral("--dark"));
-  appearance.scheme = isDark ? Appearance::Scheme::dark : Appearance::Scheme::light;
-  appearance.isHighContrast = arguments.contains(QStringLiteral("--contrast"));
-  appearance.font = QFont(QStringLiteral("Inter"), 10);
-  if (const auto at = arguments.indexOf(QStringLiteral("--accent")); at > 0) {
-    appearance.accent = QColor(arguments.value(at + 1));
-  }
-  look.show(appearance);
+  look.show(quillmere::testing::pictureAppearance(arguments));
   const bool isFlat = arguments.contains(QStringLiteral("--flat"));
   look.setCompositing([isFlat] { return !isFlat; });
   if (arguments.contains(QStringLiteral("--rtl"))) QApplication::setLayoutDirection(Qt::RightToLeft);

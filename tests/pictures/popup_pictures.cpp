@@ -14,6 +14,7 @@
 #include <cstdio>
 
 #include "PaintedDesktop.h"
+#include "PictureAppearance.h"
 #include "controls/ApplicationAppearance.h"
 #include "fakes/ModelFixture.h"
 #include "foundation/Localized.h"
@@ -283,26 +284,17 @@ int main(int argc, char** argv) {
   QApplication application(argc, argv);
   const QStringList arguments = QApplication::arguments();
   if (arguments.size() < 2) {
-    std::fputs("popup_pictures FOLDER [--dark] [--contrast] [--rtl] [--texts FOLDER-OF-A-CATALOGUE]\n", stderr);
+    std::fputs(
+        "popup_pictures FOLDER [--dark] [--contrast] [--rtl] [--font NAME SIZE] [--accent COLOUR] [--texts "
+        "FOLDER-OF-A-CATALOGUE]\n",
+        stderr);
     return 2;
   }
   const qsizetype texts = arguments.indexOf(QStringLiteral("--texts"));
   if (texts > 0) QDir::addSearchPath(QStringLiteral("catalogues"), arguments.value(texts + 1));
   QApplication::setFont(QFont(QStringLiteral("Inter"), 10));
   ApplicationAppearance look;
-  Appearance appearance;
-  const bool isDark = arguments.contains(QStringLiteral("--dark"));
-  appearance.scheme = isDark ? Appearance::Scheme::dark : Appearance::Scheme::light;
-  appearance.isHighContrast = arguments.contains(QStringLiteral("--contrast"));
-  appearance.isMotionReduced = true;  // everything at its place at once
-  appearance.font = QFont(QStringLiteral("Inter"), 10);
-  if (const qsizetype at = arguments.indexOf(QStringLiteral("--font")); at > 0) {
-    appearance.font = QFont(arguments.value(at + 1), arguments.value(at + 2).toInt());
-  }
-  if (const qsizetype at = arguments.indexOf(QStringLiteral("--accent")); at > 0) {
-    appearance.accent = QColor(arguments.value(at + 1));
-  }
-  look.show(appearance);
+  look.show(quillmere::testing::pictureAppearance(arguments));
   if (arguments.contains(QStringLiteral("--rtl"))) QGuiApplication::setLayoutDirection(Qt::RightToLeft);
 
   QDir().mkpath(arguments[1]);

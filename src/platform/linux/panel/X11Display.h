@@ -46,7 +46,7 @@ class X11Display {
   void setInputHint(xcb_window_t window, bool accepts);
   void askWindowManager(xcb_window_t window, const char* message, const std::array<uint32_t, 5>& data);
 
-  /// Whether the window manager says that it keeps to a part of the specification for window managers.
+  /// Whether the window manager names this property or message among those that it knows (`_NET_SUPPORTED`).
   bool windowManagerKnows(const char* name);
   /// Whether a Wayland compositor shows the windows of this X server among its own.
   bool isBesideWayland() const;
