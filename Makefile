@@ -33,7 +33,8 @@ uninstall:
 pictures:
 	tools/setup build
 	cmake --preset release -DQUILLMERE_TESTS=ON
-	$(BUILD) popup_pictures control_pictures
+	$(BUILD) popup_pictures control_pictures quick_look_pictures crop_canvas_pictures inbox_detail_pictures inbox_pictures \
+	  editor_pictures
 	tools/pictures
 
 test:

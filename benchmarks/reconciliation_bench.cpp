@@ -2,13 +2,12 @@
 #include <QtCore/QCoreApplication>
 #include <chrono>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 
 #include "Limits.h"
+#include "LiveWorld.h"
 #include "foundation/ManualExecutor.h"
 #include "model/AppModel.h"
-#include "platform/linux/LiveServices.h"
 
 using namespace quillmere;
 
@@ -36,68 +35,32 @@ class HalvesExecutor final : public Executor {
   std::function<void()> done_;
 };
 
-class NoPopup final : public CapturePromptPresenting {
- public:
-  void present(const ScreenshotItem&, AppModel&) override {}
-  void hide() override {}
-  void focusForReview() override {}
-  bool isPointerEngaged() const override { return false; }
-};
-
-/// A model with so many permanent records, each with its file in the watched folder, over the live services.
+/// A model with so many permanent records, each with its file in the watched folder.
 class World {
  public:
-  explicit World(int records) : home_(makeHome()), services_(paths()) {
-    const FileURL shots = home_.appending("shots");
-    std::filesystem::create_directories(shots.path());
-    std::filesystem::create_directories(home_.appending("data").path());
+  explicit World(int records) {
     std::vector<ScreenshotItem> items;
     for (int i = 0; i < records; ++i) {
       ScreenshotItem item;
       item.id = UUID::createUuid();
-      item.url = shots.appending("Screenshot from 2026-01-02 03-04-" + std::to_string(i) + ".png");
+      item.url = world_.shot(i);
       std::ofstream(item.url.path()) << i;
       item.state = ScreenshotItem::State::permanent;
       items.push_back(std::move(item));
     }
-    ScreenshotList list(std::move(items));
-    ScreenshotListWriter().save(list, paths().recordList);
-    services_.watchFolderStore.setBookmark(*services_.securityScope.makeBookmark(shots));
-    auto dependencies = services_.dependencies(paths());
-    dependencies.executor = &executor_;
-    dependencies.promptPresenter = &popup_;
-    model_ = std::make_unique<AppModel>(std::move(dependencies));
-    model_->start();
+    world_.makeModel(std::move(items), &executor_);
+    model().start();
     // The first run makes the bookmarks and reads the identities.
     executor_.runBackgroundHalf();
     executor_.runMainHalf();
   }
-  ~World() {
-    model_.reset();
-    std::filesystem::remove_all(home_.path());
-  }
 
-  AppModel& model() { return *model_; }
+  AppModel& model() { return world_.model(); }
   HalvesExecutor& executor() { return executor_; }
 
  private:
-  static FileURL makeHome() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "quillmere-bench-XXXXXX").string();
-    return FileURL::fromPath(std::string_view(mkdtemp(pattern.data())));
-  }
-  ApplicationPaths paths() const {
-    ApplicationPaths all;
-    all.support = home_.appending("data");
-    all.settings = home_.appending("settings.json").displayPath();
-    all.recordList = all.support.appending("screenshots.json");
-    return all;
-  }
-
-  FileURL home_;
-  LiveServices services_;
   HalvesExecutor executor_;
-  NoPopup popup_;
-  std::unique_ptr<AppModel> model_;
+  LiveWorld world_;
 };
 
 World& world(int records) {

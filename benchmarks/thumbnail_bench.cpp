@@ -1,5 +1,6 @@
 #include <benchmark/benchmark.h>
 #include <vips/vips.h>
+#include <QtCore/QDir>
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QImageReader>
@@ -7,12 +8,16 @@
 #include "Limits.h"
 #include "PaintedDesktop.h"
 #include "formats/ImageFile.h"
+#include "platform/linux/thumbnails/LiveSharedThumbnails.h"
 
 using namespace quillmere;
 
 namespace {
 
 constexpr QSize kLarge(5120, 2880);
+constexpr QSize kUsual(2560, 1440);
+/// Of a row's picture.
+constexpr int kRow = 128;
 /// A capture of a part of the screen, whose sides no power of two divides.
 constexpr QSize kPart(4999, 2811);
 
@@ -31,19 +36,28 @@ struct Captures {
       : png(folder + QStringLiteral("/a.png")),
         clearPng(folder + QStringLiteral("/clear.png")),
         jpeg(folder + QStringLiteral("/a.jpg")),
-        partJpeg(folder + QStringLiteral("/part.jpg")) {
+        partJpeg(folder + QStringLiteral("/part.jpg")),
+        usualPng(folder + QStringLiteral("/usual.png")),
+        shared(FileURL::fromPath(folder + QStringLiteral("/cache/thumbnails")), [] { return Date(); }) {
     const QImage picture = paintedDesktop(kLarge, 1);
     picture.save(png);
     withAlpha(picture).save(clearPng);
     picture.save(jpeg, "JPEG", 90);
     paintedDesktop(kPart, 1).save(partJpeg, "JPEG", 90);
+    paintedDesktop(kUsual, 1).save(usualPng);
+    for (const QString& path : {png, usualPng}) {
+      const FileURL url = FileURL::fromPath(path);
+      shared.keep(url, *fileStatus(url), ImageFile::thumbnail(url, kRow));
+    }
   }
   QString png;
   QString clearPng;
   QString jpeg;
   QString partJpeg;
+  QString usualPng;
+  LiveSharedThumbnails shared;
 };
-const Captures* captures = nullptr;
+Captures* captures = nullptr;
 
 void make(benchmark::State& state, const QString& path) {
   const FileURL url = FileURL::fromPath(path);
@@ -100,6 +114,45 @@ void DecodePng(benchmark::State& state) {
     if (ImageFile::picture(url).isNull()) state.SkipWithError("load");
   }
 }
+void RowPng(benchmark::State& state) {
+  make(state, captures->png);
+}
+void RowUsualPng(benchmark::State& state) {
+  make(state, captures->usualPng);
+}
+/// The same rows from the cache that programs share.
+void find(benchmark::State& state, const QString& path) {
+  const FileURL url = FileURL::fromPath(path);
+  for (auto _ : state) {
+    if (!captures->shared.find(url, kRow)) state.SkipWithError("no thumbnail");
+  }
+}
+void SharedRowPng(benchmark::State& state) {
+  find(state, captures->png);
+}
+void SharedRowUsualPng(benchmark::State& state) {
+  find(state, captures->usualPng);
+}
+/// What a row costs another thread when it is kept. Each time anew.
+void KeepRowPng(benchmark::State& state) {
+  const FileURL url = FileURL::fromPath(captures->png);
+  const FileStatus status = *fileStatus(url);
+  const QImage thumbnail = ImageFile::thumbnail(url, kRow);
+  const QTemporaryDir folder;
+  const FileURL cache = FileURL::fromPath(folder.path());
+  LiveSharedThumbnails shared(cache, [] { return Date(); });
+  for (auto _ : state) {
+    shared.keep(url, status, thumbnail);
+    state.PauseTiming();
+    QDir(folder.filePath(QStringLiteral("normal"))).removeRecursively();
+    state.ResumeTiming();
+  }
+}
+BENCHMARK(RowPng)->Arg(kRow)->UseRealTime();
+BENCHMARK(RowUsualPng)->Arg(kRow)->UseRealTime();
+BENCHMARK(SharedRowPng)->Arg(kRow)->UseRealTime();
+BENCHMARK(SharedRowUsualPng)->Arg(kRow)->UseRealTime();
+BENCHMARK(KeepRowPng)->Arg(kRow)->UseRealTime();
 BENCHMARK(Png)->Arg(408)->Arg(816)->UseRealTime();
 BENCHMARK(VipsPng)->Arg(408)->Arg(816)->UseRealTime();
 BENCHMARK(ClearPng)->Arg(408)->Arg(816)->UseRealTime();
@@ -119,7 +172,7 @@ int main(int argc, char** argv) {
   vips_concurrency_set(1);
   vips_cache_set_max(0);
   const QTemporaryDir folder;
-  const Captures files(folder.path());
+  Captures files(folder.path());
   captures = &files;
   return runWithLimits(argc, argv,
                        {{"Png/408", "VipsPng/408", 0.4},
@@ -129,6 +182,8 @@ int main(int argc, char** argv) {
                         {"Jpeg/408", "VipsJpeg/408", 1},
                         {"Jpeg/816", "VipsJpeg/816", 1},
                         {"PartJpeg/408", "VipsPartJpeg/408", 1},
-                        {"PartJpeg/816", "VipsPartJpeg/816", 1}},
+                        {"PartJpeg/816", "VipsPartJpeg/816", 1},
+                        {"SharedRowPng/128", "RowPng/128", 0.1},
+                        {"SharedRowUsualPng/128", "RowUsualPng/128", 0.2}},
                        {});
 }

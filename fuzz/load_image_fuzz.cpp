@@ -13,6 +13,7 @@
 #include "formats/ImageScale.h"
 #include "formats/PngChunks.h"
 #include "formats/PngReader.h"
+#include "formats/PngTexts.h"
 
 using namespace quillmere;
 
@@ -61,7 +62,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (image && image->sizeInBytes() > int64_t{2} << 30) std::abort();
   ImageFile::pixelSize(url);
   ImageOperations::imageScale(url);
-  compareReaders({reinterpret_cast<const char*>(data), size});
+  const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+  compareReaders(bytes);
+  // What a file says of itself beside its picture is bounded, whatever it promises.
+  size_t length = 0;
+  for (const auto& [keyword, text] : readPngTexts(bytes)) length += text.size();
+  constexpr size_t kMostTexts = 1 << 20;
+  if (length > kMostTexts) std::abort();
   ::close(descriptor);
   return 0;
 }

@@ -17,6 +17,7 @@ int main(int argc, char** argv) {
   const auto request = CommandLine::read(argc, argv);
   if (const auto* answer = std::get_if<CommandLine::Answer>(&request)) return answer->print();
 
+  const auto& asked = std::get<CommandLine::Start>(request);
   const auto start = startPlatform();
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("Quillmere"));
@@ -28,24 +29,27 @@ int main(int argc, char** argv) {
   ApplicationAppearance look;
   QuillmereApp* app = nullptr;
   const auto platform = start->begin({
-      .reopen =
-          [&app] {
-            if (app) app->reopen();
-          },
-      .perform =
-          [&app](const QString& action) {
-            if (app) app->perform(action);
-          },
-      .terminate =
-          [&app] {
-            if (app) app->quitWithoutAsking();
-          },
-  });
+                                         .reopen =
+                                             [&app] {
+                                               if (app) app->reopen();
+                                             },
+                                         .perform =
+                                             [&app](const QString& action) {
+                                               if (app) app->perform(action);
+                                             },
+                                         .terminate =
+                                             [&app] {
+                                               if (app) app->quitWithoutAsking();
+                                             },
+                                     },
+                                     asked.action);
   if (!platform) return 0;
 
   platform->followAppearance([&look](const Appearance& appearance) { look.show(appearance); });
   FilePanels filePanels(platform->fileDialogs());
-  ThumbnailLoader thumbnails(platform->executor(), [&](const FileURL& url) { return platform->isDataless(url); });
+  ThumbnailLoader thumbnails(
+      platform->executor(), [&](const FileURL& url) { return platform->isDataless(url); },
+      platform->sharedThumbnails());
   CapturePromptPanelController::Services popupServices = platform->popupServices();
   look.setCompositing([windows = popupServices.windowSystem] { return windows->isCompositing(); });
   LivePanelScreens screens(popupServices.windowSystem);
@@ -63,9 +67,11 @@ int main(int argc, char** argv) {
   AppModel model(std::move(dependencies));
   platform->follow(model);
 
-  QuillmereApp quillmere(model, thumbnails, platform->systemEvents());
+  InboxServices inboxServices = platform->inboxServices();
+  inboxServices.thumbnails = &thumbnails;
+  QuillmereApp quillmere(model, inboxServices, platform->systemEvents());
   app = &quillmere;
-  quillmere.didFinishLaunching({.isLoginLaunch = std::get<CommandLine::Start>(request).isLoginLaunch});
+  quillmere.didFinishLaunching({.isLoginLaunch = asked.isLoginLaunch, .action = asked.action});
   const int status = QApplication::exec();
   quillmere.willTerminate();
   app = nullptr;

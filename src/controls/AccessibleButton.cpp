@@ -9,6 +9,7 @@ namespace quillmere {
 namespace {
 
 constexpr const char* kProperty = "accessibleKey";
+constexpr const char* kMenuProperty = "accessibleMenu";
 
 /// As the keyboard's own symbols are called, which readers know how to say.
 QString symbolOf(const QKeySequence& key) {
@@ -49,20 +50,55 @@ class ButtonWithKey final : public QAccessibleWidget {
   QKeySequence key_;
 };
 
+class ButtonWithMenu final : public QAccessibleWidget {
+ public:
+  explicit ButtonWithMenu(QPushButton* button) : QAccessibleWidget(button, QAccessible::ButtonMenu), button_(*button) {}
+
+  QString text(QAccessible::Text kind) const override {
+    const QString own = QAccessibleWidget::text(kind);
+    return kind == QAccessible::Name && own.isEmpty() ? button_.text() : own;
+  }
+  QAccessible::State state() const override {
+    QAccessible::State state = QAccessibleWidget::state();
+    state.hasPopup = true;
+    state.pressed = button_.isDown();
+    return state;
+  }
+  QStringList actionNames() const override {
+    return button_.isEnabled() ? QStringList(showMenuAction()) + QAccessibleWidget::actionNames() : QStringList();
+  }
+  void doAction(const QString& name) override {
+    if (name != showMenuAction()) return QAccessibleWidget::doAction(name);
+    QMetaObject::invokeMethod(&button_, &QPushButton::showMenu, Qt::QueuedConnection);
+  }
+
+ private:
+  QPushButton& button_;
+};
+
 QAccessibleInterface* make(const QString&, QObject* object) {
   auto* button = qobject_cast<QPushButton*>(object);
+  if (button && button->property(kMenuProperty).toBool()) return new ButtonWithMenu(button);
   const QVariant key = button ? button->property(kProperty) : QVariant();
   return key.isValid() ? new ButtonWithKey(button, static_cast<Qt::Key>(key.toInt())) : nullptr;
+}
+
+void setProperty(QPushButton& button, const char* name, const QVariant& value) {
+  static const bool isInstalled = (QAccessible::installFactory(&make), true);
+  Q_UNUSED(isInstalled)
+  button.setProperty(name, value);
+  // It may have been asked for already, and then is another for ever.
+  QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(QAccessible::queryAccessibleInterface(&button)));
 }
 
 }  // namespace
 
 void setAccessibleKey(QPushButton& button, Qt::Key key) {
-  static const bool isInstalled = (QAccessible::installFactory(&make), true);
-  Q_UNUSED(isInstalled)
-  button.setProperty(kProperty, static_cast<int>(key));
-  // It may have been asked for already, and then is another for ever.
-  QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(QAccessible::queryAccessibleInterface(&button)));
+  setProperty(button, kProperty, static_cast<int>(key));
+}
+
+void setAccessibleMenu(QPushButton& button) {
+  setProperty(button, kMenuProperty, true);
 }
 
 }  // namespace quillmere

@@ -13,6 +13,7 @@ namespace {
 constexpr int kIconSide = 28;
 constexpr int kSymbol = 18;
 constexpr int kGap = 7;
+constexpr int kChevron = 14;  ///< of one that opens a menu
 
 }  // namespace
 
@@ -40,7 +41,8 @@ QSize ActionButton::sizeHint() const {
   if (role_ == Role::icon) return {kIconSide, kIconSide};
   const int textWidth = QFontMetrics(scaled(font(), 1, QFont::DemiBold)).horizontalAdvance(text());
   const int symbolWidth = symbol_.isEmpty() ? 0 : kSymbol + kGap;
-  return {2 * Metrics::kPadding + symbolWidth + textWidth, Metrics::kControlHeight};
+  const int chevronWidth = menu() ? kGap + kChevron : 0;
+  return {2 * Metrics::kPadding + symbolWidth + textWidth + chevronWidth, Metrics::kControlHeight};
 }
 
 void ActionButton::paintEvent(QPaintEvent*) {
@@ -66,7 +68,8 @@ void ActionButton::paintEvent(QPaintEvent*) {
   const int symbolSide = role_ == Role::icon ? Metrics::kSmallSymbol : kSymbol;
   const int symbolWidth = symbol.isEmpty() ? 0 : symbolSide;
   const int gap = textWidth > 0 && symbolWidth > 0 ? kGap : 0;
-  int x = (width() - symbolWidth - gap - textWidth) / 2;
+  const int chevronWidth = menu() ? kGap + kChevron : 0;
+  int x = (width() - symbolWidth - gap - textWidth - chevronWidth) / 2;
   if (symbolWidth > 0) {
     if (ring_.isWorking()) {
       ring_.paint(painter, QPointF(x + symbolSide / 2.0, height() / 2.0), ink);
@@ -79,6 +82,10 @@ void ActionButton::paintEvent(QPaintEvent*) {
     painter.setFont(font);
     painter.setPen(ink);
     painter.drawText(QRect(x, 0, textWidth + 1, height()), Qt::AlignVCenter | Qt::AlignLeft, text);
+  }
+  if (menu()) {
+    painter.drawPixmap(x + textWidth + kGap, (height() - kChevron) / 2,
+                       symbolPixmap(QStringLiteral("chevron.down"), kChevron, ink, devicePixelRatioF()));
   }
   if (hasFocus()) paintFocusRing(painter, rect(), radius, look.ring);
 }

@@ -2,24 +2,20 @@
 
 #include <QtGui/QAccessible>
 #include <QtGui/QKeyEvent>
-#include <QtGui/QPainter>
-#include <QtGui/QWindow>
 #include <QtWidgets/QHBoxLayout>
-#include <QtWidgets/QStyleOption>
 #include <QtWidgets/QVBoxLayout>
 
 #include "controls/AccessibleRole.h"
 #include "controls/ActionButton.h"
 #include "controls/ModalDialog.h"
-#include "controls/PopupSurface.h"
 #include "controls/SymbolLabel.h"
+#include "controls/Theme.h"
 #include "controls/ThemedLabel.h"
 #include "foundation/Localized.h"
 
 namespace quillmere {
 namespace {
 
-constexpr int kPadding = 20;
 constexpr int kSymbol = 32;
 constexpr int kButton = 84;
 /// A line is read with ease up to about so many letters, and a card of fewer looks lost.
@@ -40,31 +36,12 @@ int widthFor(const AlertContent& content, const QFont& font, const QFont& headin
   return std::clamp(widest, kFewestLetters * letter, kMostLetters * letter);
 }
 
-/// A file's name may be one long word, and its end is often what tells two apart: lines may break within it.
-QString breakable(const QString& text) {
-  constexpr int kLongestPart = 24;
-  QString parts;
-  int length = 0;
-  for (const QChar character : text) {
-    length = character.isSpace() ? 0 : length + 1;
-    if (length > kLongestPart && !character.isLowSurrogate() && !character.isMark()) {
-      parts += QChar(0x200b);
-      length = 1;
-    }
-    parts += character;
-  }
-  return parts;
-}
-
 }  // namespace
 
 Alert::Alert(AlertContent content, QWidget* parent)
-    : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint), content_(std::move(content)) {
-  setWindowTitle(content_.heading);
-  setAccessibleName(content_.heading);
+    : CardDialog(content.heading, parent), content_(std::move(content)) {
   setAccessibleRole(*this, QAccessible::AlertMessage);
   layOut();
-  ensurePolished();
   safe_->setFocus();
 }
 
@@ -72,6 +49,7 @@ void Alert::layOut() {
   auto* heading = new ThemedLabel(Ink::text, this, content_.heading);
   heading->setTextSize(1.12, QFont::DemiBold);
   auto* message = new ThemedLabel(Ink::text, this, breakable(content_.message));
+  message->setFont(fileNameFont({}));
   message->setAccessibleName(content_.message);
   const int width = widthFor(content_, font(), heading->font());
   auto* texts = new QVBoxLayout;
@@ -97,8 +75,7 @@ void Alert::layOut() {
     buttons->addWidget(button);
   }
   auto* column = new QVBoxLayout(this);
-  constexpr int kMargin = PopupSurface::kReach + kPadding;
-  column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+  column->setContentsMargins(kMargins);
   column->setSpacing(kPadding);
   column->addLayout(row);
   column->addLayout(buttons);
@@ -121,29 +98,17 @@ bool Alert::ask() {
 }
 
 bool Alert::eventFilter(QObject* watched, QEvent* event) {
-  if (watched != action_ || !isReturn(*event)) return QDialog::eventFilter(watched, event);
+  if (watched != action_ || !isReturn(*event)) return CardDialog::eventFilter(watched, event);
   reject();
   return true;
 }
 
 void Alert::keyPressEvent(QKeyEvent* event) {
-  isReturn(*event) ? reject() : QDialog::keyPressEvent(event);
-}
-
-/// It has no title bar to be moved by.
-void Alert::mousePressEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton && windowHandle()) windowHandle()->startSystemMove();
-}
-
-void Alert::paintEvent(QPaintEvent*) {
-  QStyleOptionFrame frame;
-  frame.initFrom(this);
-  QPainter painter(this);
-  style()->drawControl(QStyle::CE_ShapedFrame, &frame, &painter, this);
+  isReturn(*event) ? reject() : CardDialog::keyPressEvent(event);
 }
 
 void Alert::showEvent(QShowEvent* event) {
-  QDialog::showEvent(event);
+  CardDialog::showEvent(event);
   QAccessibleEvent told(this, QAccessible::Alert);
   QAccessible::updateAccessibility(&told);
 }

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <QtWidgets/QDialog>
-
+#include "controls/CardDialog.h"
 #include "controls/Theme.h"
 
 namespace quillmere {
@@ -19,12 +18,11 @@ struct AlertContent {
   bool isDestructive = false;  ///< the action throws something away
 };
 
-/// A message or a question on a small card of its own. Its title is for lists of windows and for screen readers: nobody
-/// reads the heading twice.
+/// A message or a question on a small card.
 ///
 /// Return is the safe answer wherever the focus is, also where the desktop's theme has Return press the button that has
 /// it: the action takes Space or a click.
-class Alert final : public QDialog {
+class Alert final : public CardDialog {
  public:
   Alert(AlertContent content, QWidget* parent);
 
@@ -37,8 +35,6 @@ class Alert final : public QDialog {
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
-  void mousePressEvent(QMouseEvent* event) override;
-  void paintEvent(QPaintEvent* event) override;
   void showEvent(QShowEvent* event) override;
 
  private:

@@ -135,6 +135,12 @@ int AppearanceStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
     case PM_ButtonShiftHorizontal:
     case PM_ButtonShiftVertical:
       return 0;
+    case PM_MenuBarHMargin:
+    case PM_MenuBarVMargin:
+      return BarStyle::kMenuBarMargin;
+    case PM_MenuBarPanelWidth:
+    case PM_MenuBarItemSpacing:
+      return 0;
     case PM_TabBarTabHSpace:
       return 2 * Metrics::kPadding + 4;
     default:
@@ -162,6 +168,8 @@ QSize AppearanceStyle::sizeFromContents(ContentsType type, const QStyleOption* o
     case CT_PushButton:
       // The text is heavier than the one that was measured.
       return {contents.width() + contents.width() / 10 + 2 * Metrics::kPadding, Metrics::kControlHeight};
+    case CT_MenuBarItem:
+      return BarStyle::menuTitleSize(contents);
     case CT_CheckBox:
     case CT_RadioButton:
       return {plain.width() + 2 * kRing, std::max(plain.height(), MarkStyle::kSide + kRing)};
@@ -230,6 +238,7 @@ void AppearanceStyle::drawPrimitive(PrimitiveElement element, const QStyleOption
       if (widget) surfaces_.paint(*painter, *widget);
       return;
     case PE_FrameMenu:
+    case PE_PanelMenuBar:
     case PE_FrameLineEdit:
     case PE_FrameTabWidget:
     case PE_FrameTabBarBase:
@@ -333,6 +342,18 @@ void AppearanceStyle::drawControl(ControlElement element, const QStyleOption* op
         return;
       }
       break;
+    case CE_MenuBarItem:
+      if (const auto* title = qstyleoption_cast<const QStyleOptionMenuItem*>(option)) {
+        BarStyle::paintMenuTitle(*title, *painter, styleHint(SH_UnderlineShortcut, option, widget, nullptr) != 0);
+        return;
+      }
+      break;
+    case CE_MenuBarEmptyArea:
+      BarStyle::paintMenuBar(*option, *painter);
+      return;
+    case CE_Splitter:
+      BarStyle::paintSplitter(*option, *painter);
+      return;
     case CE_MenuEmptyArea:
     case CE_MenuHMargin:
     case CE_MenuVMargin:

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "controls/Grounds.h"
 #include "controls/Metrics.h"
 #include "controls/StylePainting.h"
 #include "controls/Theme.h"
@@ -11,6 +12,10 @@ namespace {
 
 constexpr int kLeastHandle = 32;
 constexpr int kHandle = 6;
+/// While nobody is at it.
+constexpr int kQuietHandle = 4;
+constexpr int kTitleHeight = 28;
+constexpr int kTitlePadding = 8;
 /// Below a tab's ground, for the line that says which one is shown.
 constexpr int kUnderTab = 5;
 
@@ -32,11 +37,11 @@ void paintScrollBar(const QStyleOptionSlider& bar, QPainter& painter) {
   const SmoothPainting smooth(painter);
   const QRect all = QStyle::visualRect(bar.direction, bar.rect, scrollBarPart(bar, QStyle::SC_ScrollBarSlider));
   const int across = isHorizontal(bar) ? all.height() : all.width();
-  const qreal inset = std::max(0, across - kHandle) / 2.0;
-  const QRectF handle =
-      isHorizontal(bar) ? QRectF(all).adjusted(2, inset, -2, -inset) : QRectF(all).adjusted(inset, 2, -inset, -2);
   const bool isTouched = isEnabled(bar) && bar.activeSubControls.testFlag(QStyle::SC_ScrollBarSlider) &&
                          bar.state & (QStyle::State_MouseOver | QStyle::State_Sunken);
+  const qreal inset = std::max(0, across - (isTouched ? kHandle : kQuietHandle)) / 2.0;
+  const QRectF handle =
+      isHorizontal(bar) ? QRectF(all).adjusted(2, inset, -2, -inset) : QRectF(all).adjusted(inset, 2, -inset, -2);
   painter.setPen(Qt::NoPen);
   painter.setBrush(isTouched ? theme.secondaryText : theme.fieldBorder);
   const qreal radius = std::min(handle.width(), handle.height()) / 2;
@@ -105,6 +110,37 @@ void paintProgress(const QStyleOptionProgressBar& bar, QPainter& painter) {
   painter.setPen(Qt::NoPen);
   painter.setBrush(isEnabled(bar) ? theme.focusRing : theme.disabledText);
   painter.drawRoundedRect(done, kHandle / 2.0, kHandle / 2.0);
+}
+
+void paintMenuTitle(const QStyleOptionMenuItem& title, QPainter& painter, bool showsMnemonics) {
+  const Theme theme(title.palette);
+  const SmoothPainting smooth(painter);
+  const bool isOpen = title.state.testFlag(QStyle::State_Sunken);
+  if (isEnabled(title) && (isOpen || title.state.testFlag(QStyle::State_Selected))) {
+    paintGround(painter, title.rect, Radius::kItem, isOpen ? theme.fillPressed : theme.fillHover, theme);
+  }
+  painter.setPen(isEnabled(title) ? theme.text : theme.disabledText);
+  painter.drawText(title.rect,
+                   static_cast<int>(Qt::AlignCenter) | Qt::TextSingleLine |
+                       (showsMnemonics ? Qt::TextShowMnemonic : Qt::TextHideMnemonic),
+                   title.text);
+}
+
+QSize menuTitleSize(const QSize& text) {
+  return {text.width() + 2 * kTitlePadding, std::max(kTitleHeight, text.height() + 8)};
+}
+
+void paintMenuBar(const QStyleOption& bar, QPainter& painter) {
+  painter.fillRect(bar.rect, bar.palette.window());
+  painter.fillRect(bar.rect.left(), bar.rect.bottom(), bar.rect.width(), 1, Theme(bar.palette).hairline);
+}
+
+void paintSplitter(const QStyleOption& handle, QPainter& painter) {
+  QRect line = handle.rect;
+  // A handle that lies beside its neighbour, not above it, is upright.
+  handle.state.testFlag(QStyle::State_Horizontal) ? line.setWidth(1) : line.setHeight(1);
+  line.moveCenter(handle.rect.center());
+  painter.fillRect(line, Theme(handle.palette).hairline);
 }
 
 }  // namespace quillmere::BarStyle

@@ -23,6 +23,16 @@ void paintField(QPainter& painter, const QRectF& place, const Theme& theme, bool
                           Radius::kControl - inset);
 }
 
+void letFieldShow(QWidget& field) {
+  const QColor text = Theme(field.palette()).text;
+  QPalette own = field.palette();
+  // Setting a palette is itself a change of it.
+  if (own.color(QPalette::Base).alpha() == 0 && own.color(QPalette::Text) == text) return;
+  own.setColor(QPalette::Base, Qt::transparent);
+  own.setColor(QPalette::Text, text);
+  field.setPalette(own);
+}
+
 void paintWarningGround(QWidget& widget) {
   const Theme theme(widget.palette());
   QPainter painter(&widget);

@@ -41,8 +41,20 @@ quint32 identifier(const QKeyEvent& event) {
 HeldKeys::HeldKeys(std::function<std::set<quint32>()> downKeys) : downKeys_(std::move(downKeys)) {
   qGuiApp->installEventFilter(this);
   connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this](const QWindow* window) {
-    if (window) tried_ = pressed_ = downKeys_();
+    if (window) takeKeyboard();
+    hasKeyboard_ = window != nullptr;
   });
+}
+
+void HeldKeys::takeKeyboard() {
+  const std::set<quint32> down = downKeys_();
+  if (!hasKeyboard_) {
+    tried_ = pressed_ = down;
+    return;
+  }
+  const auto isUp = [&](quint32 key) { return !down.contains(key); };
+  std::erase_if(tried_, isUp);
+  std::erase_if(pressed_, isUp);
 }
 
 bool HeldKeys::eventFilter(QObject* watched, QEvent* event) {

@@ -73,7 +73,8 @@ void paintItem(const QStyleOptionMenuItem& item, QPainter& painter) {
   if (!item.icon.isNull()) {
     const int side = columns.icon - kGap;
     const QRect place = placed({left.left(), left.top() + (left.height() - side) / 2, side, side});
-    item.icon.paint(&painter, place, Qt::AlignCenter, isEnabled(item) ? QIcon::Normal : QIcon::Disabled);
+    const QIcon::Mode mode = !isEnabled(item) ? QIcon::Disabled : isChosen ? QIcon::Active : QIcon::Normal;
+    item.icon.paint(&painter, place, Qt::AlignCenter, mode);
   }
   left.adjust(columns.icon, 0, 0, 0);
   if (hasSubMenu(item)) {

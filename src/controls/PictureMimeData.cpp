@@ -17,29 +17,42 @@ const QString kText = QStringLiteral("text/plain");
 }  // namespace
 
 PictureMimeData::PictureMimeData(std::optional<FileURL> file, QString contentType, std::optional<QByteArray> data)
-    : file_(std::move(file)), contentType_(std::move(contentType)), data_(std::move(data)) {}
+    : contentType_(std::move(contentType)), data_(std::move(data)) {
+  if (file) files_.push_back(std::move(*file));
+}
 
 QStringList PictureMimeData::formats() const {
-  QStringList formats{contentType_};
-  if (file_) formats << kUriList << kGnomeFiles << kKdeCut;
+  QStringList formats;
+  if (!contentType_.isEmpty()) formats << contentType_;
+  if (!files_.empty()) formats << kUriList << kGnomeFiles << kKdeCut;
   return formats;
 }
 
 QVariant PictureMimeData::retrieveData(const QString& format, QMetaType) const {
-  if (format == contentType_) return bytes();
-  if (!file_) return {};
-  if (format == kText) return file_->displayPath();
-  const QByteArray coded = QByteArray::fromStdString(file_->coded());
-  if (format == kUriList) return coded + "\r\n";
-  if (format == kGnomeFiles) return QByteArray("copy\n" + coded);
+  if (!contentType_.isEmpty() && format == contentType_) return bytes();
+  if (files_.empty()) return {};
+  if (format == kText) {
+    QStringList paths;
+    for (const FileURL& file : files_) paths << file.displayPath();
+    return paths.join(QLatin1Char('\n'));
+  }
+  QByteArray uriList;
+  QByteArray gnomeFiles("copy");
+  for (const FileURL& file : files_) {
+    const QByteArray coded = QByteArray::fromStdString(file.coded());
+    uriList += coded + "\r\n";
+    gnomeFiles += "\n" + coded;
+  }
+  if (format == kUriList) return uriList;
+  if (format == kGnomeFiles) return gnomeFiles;
   if (format == kKdeCut) return QByteArray("0");
   return {};
 }
 
 QByteArray PictureMimeData::bytes() const {
-  if (data_ || !file_) return data_.value_or(QByteArray());
+  if (data_ || files_.empty()) return data_.value_or(QByteArray());
   // Not by a Qt file: a name that is not text has none.
-  const auto read = ImageFile::bytesOf(*file_);
+  const auto read = ImageFile::bytesOf(files_.front());
   return read ? QByteArray(read->data(), static_cast<qsizetype>(read->size())) : QByteArray();
 }
 

@@ -3,6 +3,7 @@
 #include <QtCore/QMimeData>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "foundation/FileURL.h"
 
@@ -15,6 +16,8 @@ class PictureMimeData final : public QMimeData {
  public:
   /// Bytes that are not given are read from the file when they are asked for.
   PictureMimeData(std::optional<FileURL> file, QString contentType, std::optional<QByteArray> data);
+  /// Several files, which are no one picture.
+  explicit PictureMimeData(std::vector<FileURL> files) : files_(std::move(files)) {}
 
   bool hasFormat(const QString& format) const override { return formats().contains(format); }
   QStringList formats() const override;
@@ -24,8 +27,8 @@ class PictureMimeData final : public QMimeData {
 
  private:
   QByteArray bytes() const;
-  std::optional<FileURL> file_;
-  QString contentType_;
+  std::vector<FileURL> files_;
+  QString contentType_;  ///< of the one picture; empty for several
   std::optional<QByteArray> data_;
 };
 

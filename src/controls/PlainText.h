@@ -13,6 +13,9 @@ class PlainLabel : public QLabel {
   explicit PlainLabel(const QString& text, QWidget* parent = nullptr);
 };
 
+/// A file's name may be one long word, and its end is often what tells two apart: lines may break within it.
+QString breakable(const QString& text);
+
 void setPlainToolTip(QWidget& widget, const QString& text);
 
 }  // namespace quillmere

@@ -5,10 +5,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "controls/Symbol.h"
+#include "controls/MissingPicture.h"
 #include "controls/Theme.h"
 #include "foundation/Interruptible.h"
-#include "foundation/Localized.h"
 
 namespace quillmere {
 namespace {
@@ -116,9 +115,7 @@ void ScreenshotThumbnail::setOutcome(const std::optional<Outcome>& outcome) {
   const bool isEvicted = isNotDownloaded(outcome_);
   // Otherwise it is the owner's.
   if (isEvicted == wasEvicted) return;
-  setToolTip(isEvicted ? localized("The image isn’t on this Mac. Choose Download, or open the screenshot in Finder, "
-                                   "to bring it back.")
-                       : QString());
+  setToolTip(isEvicted ? adviceFor(MissingPicture::notDownloaded) : QString());
 }
 
 void ScreenshotThumbnail::showEvent(QShowEvent* event) {
@@ -160,25 +157,9 @@ void ScreenshotThumbnail::paintWell(QPainter& painter) {
   painter.setPen(Qt::NoPen);
   painter.setBrush(theme.fill);
   painter.drawRoundedRect(rect(), content_.cornerRadius, content_.cornerRadius);
-  constexpr int kSmallestSymbol = 8;
-  constexpr int kLargestSymbol = 48;
-  constexpr int kGap = 8;
+  if (!isWithoutPicture()) return;
   const bool isEvicted = isNotDownloaded(outcome_);
-  const int side = std::min({kLargestSymbol, width() / 2, height() / 2});
-  if (!isWithoutPicture() || side < kSmallestSymbol) return;
-  const QString title = isEvicted ? localized("Screenshot Unavailable") : QString();
-  const QFont titleFont = scaled(font(), 1, QFont::DemiBold);
-  const QSize text(QFontMetrics(titleFont).horizontalAdvance(title), QFontMetrics(titleFont).height());
-  const bool hasRoom = text.width() + 2 * kGap <= width() && side + text.height() + 3 * kGap <= height();
-  const bool hasTitle = !title.isEmpty() && hasRoom;
-  const int top = (height() - side - (hasTitle ? kGap + text.height() : 0)) / 2;
-  painter.drawPixmap((width() - side) / 2, top,
-                     symbolPixmap(isEvicted ? QStringLiteral("photo.badge.exclamationmark") : QStringLiteral("photo"),
-                                  side, theme.secondaryText, devicePixelRatioF()));
-  if (!hasTitle) return;
-  painter.setFont(titleFont);
-  painter.setPen(theme.secondaryText);
-  painter.drawText(QRect(0, top + side + kGap, width(), text.height()), Qt::AlignHCenter | Qt::AlignTop, title);
+  paintMissingPicture(painter, rect(), isEvicted ? MissingPicture::notDownloaded : MissingPicture::unreadable, *this);
 }
 
 }  // namespace quillmere

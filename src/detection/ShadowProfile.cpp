@@ -79,7 +79,7 @@ class Samples {
 }  // namespace
 
 std::optional<std::vector<double>> brightnessProfile(Side side, const GrayImage& gray, const QRectF& frame,
-                                                     int64_t depth) {
+                                                     int64_t depth, int64_t known) {
   const bool isVertical = side == left || side == right;
   const double length = isVertical ? frame.height() : frame.width();
   const auto start =
@@ -92,23 +92,25 @@ std::optional<std::vector<double>> brightnessProfile(Side side, const GrayImage&
 
   // The nearest sample's place across the side, and the way outward.
   const int64_t step = side == left || side == top ? -1 : 1;
-  const int64_t nearest = side == left    ? static_cast<int64_t>(frame.left()) - 1
-                          : side == top   ? static_cast<int64_t>(frame.top()) - 1
-                          : side == right ? static_cast<int64_t>(frame.right())
-                                          : static_cast<int64_t>(frame.bottom());
-  const int64_t farthest = nearest + step * (depth - 1);
+  const int64_t beside = side == left    ? static_cast<int64_t>(frame.left()) - 1
+                         : side == top   ? static_cast<int64_t>(frame.top()) - 1
+                         : side == right ? static_cast<int64_t>(frame.right())
+                                         : static_cast<int64_t>(frame.bottom());
+  const int64_t nearest = beside + step * known;
+  const int64_t farthest = beside + step * (depth - 1);
   const int64_t last = start + (lines - 1) * stride;
   const int64_t sizeAcross = isVertical ? gray.width() : gray.height();
   const int64_t sizeAlong = isVertical ? gray.height() : gray.width();
   if (std::min(nearest, farthest) < 0 || std::max(nearest, farthest) >= sizeAcross) return std::nullopt;
   if (start < 0 || last >= sizeAlong) return std::nullopt;
 
-  Samples samples(lines, depth);
+  const int64_t distances = depth - known;
+  Samples samples(lines, distances);
   if (isVertical) {
     const int64_t leftmost = std::min(nearest, farthest);
     samples.takeColumns(gray.row(start) + leftmost, stride * gray.width(), side == left);
   } else {
-    for (int64_t d = 0; d < depth; ++d) samples.takeRow(d, gray.row(nearest + step * d) + start, stride);
+    for (int64_t d = 0; d < distances; ++d) samples.takeRow(d, gray.row(nearest + step * d) + start, stride);
   }
   // The middle half: other windows, text or icons that cross a few lines leave no mark.
   return samples.middleMeans();

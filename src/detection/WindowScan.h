@@ -17,10 +17,10 @@ struct WindowScan {
 };
 
 /// Reads the picture and finds its windows in the background. A file that `isDataless` is not read and fails as
-/// unreadable; it is asked there too.
+/// unreadable; it is asked there too. One that is cancelled stops before its next step.
 Task<Result<WindowScan, OperationError>> scanWindows(Executor& executor, FileURL url,
                                                      std::function<bool(const FileURL&)> isDataless = {});
-/// The same at once, for a thread that may wait.
-Result<WindowScan, OperationError> scanWindowsNow(const FileURL& url);
+/// The same at once, for a thread that may wait. `isStopped` is asked between its steps.
+Result<WindowScan, OperationError> scanWindowsNow(const FileURL& url, const std::function<bool()>& isStopped = {});
 
 }  // namespace quillmere::ImageOperations

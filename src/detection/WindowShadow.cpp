@@ -165,8 +165,9 @@ SideReading sideReading(Side side, const GrayImage& gray, const QRectF& frame) {
     }
     reach = 2 * depth;
     depth = std::min(reach, room);
-    profile = brightnessProfile(side, gray, frame, depth);
-    if (!profile) return reading;
+    const auto farther = brightnessProfile(side, gray, frame, depth, static_cast<int64_t>(profile->size()));
+    if (!farther) return reading;
+    profile->insert(profile->end(), farther->begin(), farther->end());
   }
 }
 

@@ -4,9 +4,11 @@
 #include <QtGui/QColorSpace>
 #include <QtGui/QImageWriter>
 #include <QtGui/QPainter>
+#include <new>
 
 #include "formats/HeifFile.h"
 #include "formats/PngChunks.h"
+#include "formats/PngWriter.h"
 
 namespace quillmere {
 namespace {
@@ -66,6 +68,7 @@ QByteArray withoutDensity(QByteArray jpeg) {
 std::optional<QByteArray> encoded(const QImage& image, PictureFormat format) {
   switch (format) {
     case PictureFormat::png: {
+      if (PngWriter::canWrite(image)) return PngWriter::write(image);
       const auto png = written(image, "png");
       return png ? std::optional(withoutResolution(*png)) : std::nullopt;
     }
@@ -87,9 +90,12 @@ PictureFormat ImageOperations::imageType(const FileURL& url) {
 
 Result<QByteArray, ImageOperations::OperationError> ImageOperations::encode(const QImage& image, PictureFormat format) {
   if (image.isNull() || !traits(format).isWritable) return OperationError::encoding;
-  auto bytes = encoded(pixelsAlone(image), format);
-  if (!bytes) return OperationError::encoding;
-  return *std::move(bytes);
+  // Where memory runs out, the libraries throw.
+  try {
+    if (auto bytes = encoded(pixelsAlone(image), format)) return *std::move(bytes);
+  } catch (const std::bad_alloc&) {
+  }
+  return OperationError::encoding;
 }
 
 }  // namespace quillmere

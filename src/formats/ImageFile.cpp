@@ -197,6 +197,24 @@ QImage decodedSmall(std::string_view bytes, int maxPixels) {
   return {};
 }
 
+/// Upright, from the header alone.
+std::optional<QSize> sizeIn(QFile& file, PictureFormat format, const FileURL& url) {
+  switch (format) {
+    case PictureFormat::png: {
+      const auto size = GeneralReader(file, format).size();
+      const bool isSideways = pngOrientation(file).testFlag(QImageIOHandler::TransformationRotate90);
+      return size && isSideways ? size->transposed() : size;
+    }
+    case PictureFormat::jpeg:
+      return GeneralReader(file, format).size();
+    case PictureFormat::heif: {
+      const auto bytes = ImageFile::bytesOf(url);
+      return bytes ? HeifFile(*bytes).size() : std::nullopt;
+    }
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 std::optional<PictureFormat> ImageFile::formatOf(std::string_view head) {
@@ -215,35 +233,35 @@ bool ImageFile::decodesCompletely(const FileURL& url) {
   return bytes && isWhole(*bytes);
 }
 
-std::optional<QSize> ImageFile::pixelSize(const FileURL& url) {
+std::optional<ImageFile::Head> ImageFile::head(const FileURL& url) {
   OpenFile file(url);
   if (!file.isOpen()) return std::nullopt;
   const auto format = formatOf(file.device().peek(16).toStdString());
-  if (!format) return std::nullopt;
-  switch (*format) {
-    case PictureFormat::png: {
-      const auto size = GeneralReader(file.device(), *format).size();
-      const bool isSideways = pngOrientation(file.device()).testFlag(QImageIOHandler::TransformationRotate90);
-      return size && isSideways ? size->transposed() : size;
-    }
-    case PictureFormat::jpeg:
-      return GeneralReader(file.device(), *format).size();
-    case PictureFormat::heif: {
-      const auto bytes = bytesOf(url);
-      return bytes ? HeifFile(*bytes).size() : std::nullopt;
-    }
-  }
-  return std::nullopt;
+  const auto size = format ? sizeIn(file.device(), *format, url) : std::nullopt;
+  return size ? std::optional(Head{*format, *size}) : std::nullopt;
+}
+
+std::optional<QSize> ImageFile::pixelSize(const FileURL& url) {
+  const auto found = head(url);
+  return found ? std::optional(found->size) : std::nullopt;
 }
 
 QImage ImageFile::picture(const FileURL& url) {
   const auto bytes = bytesOf(url);
-  return bytes ? decoded(*bytes) : QImage();
+  return bytes ? picture(std::string_view(*bytes)) : QImage();
+}
+
+QImage ImageFile::picture(std::string_view bytes) {
+  return decoded(bytes);
 }
 
 QImage ImageFile::thumbnail(const FileURL& url, int maxPixels) {
   const auto bytes = maxPixels > 0 ? bytesOf(url) : std::nullopt;
   return bytes ? decodedSmall(*bytes, maxPixels) : QImage();
+}
+
+QImage ImageFile::thumbnail(std::string_view bytes, int maxPixels) {
+  return maxPixels > 0 ? decodedSmall(bytes, maxPixels) : QImage();
 }
 
 }  // namespace quillmere

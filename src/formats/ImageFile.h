@@ -20,15 +20,25 @@ namespace ImageFile {
 /// Whether the file is a whole picture: its format's end is there and it decodes without error.
 bool decodesCompletely(const FileURL& url);
 
-/// The upright size in pixels, from the header alone.
+/// What the header alone tells.
+struct Head {
+  PictureFormat format;
+  QSize size;  ///< upright, in pixels
+};
+std::optional<Head> head(const FileURL& url);
+/// The size of it alone.
 std::optional<QSize> pixelSize(const FileURL& url);
 
 /// The upright picture at full size. Null when the file cannot be read.
 QImage picture(const FileURL& url);
+/// The same of a file that was read already.
+QImage picture(std::string_view bytes);
 
 /// The upright picture, made small enough that neither side is above `maxPixels`; never enlarged. RGB32 without alpha,
 /// else premultiplied: what the screen wants. Null when the file cannot be read.
 QImage thumbnail(const FileURL& url, int maxPixels);
+/// The same of a file that was read already.
+QImage thumbnail(std::string_view bytes, int maxPixels);
 
 /// By the first bytes; 16 are enough. None for any other file.
 std::optional<PictureFormat> formatOf(std::string_view head);

@@ -91,9 +91,13 @@ std::optional<double> resolution(std::string_view file) {
 }  // namespace
 
 std::optional<double> ImageOperations::imageScale(const FileURL& url) {
-  constexpr double kPointsPerInch = 72;
   const auto file = ImageFile::bytesOf(url);
-  const auto dpi = file ? resolution(*file) : std::nullopt;
+  return file ? imageScale(std::string_view(*file)) : std::nullopt;
+}
+
+std::optional<double> ImageOperations::imageScale(std::string_view file) {
+  constexpr double kPointsPerInch = 72;
+  const auto dpi = resolution(file);
   if (!dpi) return std::nullopt;
   const double scale = std::round(*dpi / kPointsPerInch);
   if (scale < 1 || scale > 3 || std::abs(*dpi - kPointsPerInch * scale) >= 1) return std::nullopt;

@@ -41,6 +41,34 @@ std::error_code writeWithoutReplacing(const FileURL& url, const QByteArray& data
   return error;
 }
 
+/// Beside `url` under a hidden name of its own. Gives its place.
+Result<FileURL, Failure> writeHidden(const QByteArray& data, const FileURL& url, const std::string& extension,
+                                     mode_t mode) {
+  constexpr int kTries = 8;
+  for (int i = 0; i < kTries; ++i) {
+    const std::string name =
+        std::string(ImageOperations::kReplacementPrefix) + uuidText(UUID::createUuid()) + "." + extension;
+    const FileURL place = url.parent().appending(name);
+    const std::error_code error = writeWithoutReplacing(place, data, mode);
+    if (error == std::errc::file_exists) continue;
+    if (error) return Failure(error);
+    return place;
+  }
+  return Failure(OperationError::destinationExists);
+}
+
+/// Some file systems have no second names for a file.
+bool hasNoLinks(int error) {
+  return error == EPERM || error == ENOSYS || error == EOPNOTSUPP || error == EMLINK || error == EXDEV;
+}
+
+/// Gives a file that was written whole its name, which must be free: nobody ever sees a part of it there, whatever ends
+/// the program meanwhile.
+std::error_code nameWithoutReplacing(const FileURL& written, const FileURL& url, const QByteArray& data) {
+  if (::link(written.c_str(), url.c_str()) == 0) return {};
+  return hasNoLinks(errno) ? writeWithoutReplacing(url, data, kUsualMode) : lastError();
+}
+
 /// The permissions of the file that is to be replaced: a crop is no less private than the whole.
 mode_t modeOf(const FileURL& url) {
   struct stat status {};
@@ -55,33 +83,27 @@ Result<FileURL, Failure> ImageOperations::writeNewFile(const QByteArray& data, c
   constexpr int kMostNumber = 999;
   const std::string extension = "." + fileExtension(PictureFormat::png);
   const std::string cleaned = sanitizedFileStem(stem).value_or(localized("filename.fallback-stem")).toStdString();
+  const auto hidden = writeHidden(data, url, fileExtension(PictureFormat::png), kUsualMode);
+  if (!hidden) return hidden.reason();
+  Result<FileURL, Failure> result = Failure(OperationError::destinationExists);
   for (int n = 0; n <= kMostNumber; ++n) {
     const std::string number = n > 0 ? " (" + std::to_string(n) + ")" : std::string();
     const FileURL place = url.parent().appending(cleaned + number + extension);
-    const std::error_code error = writeWithoutReplacing(place, data, kUsualMode);
+    const std::error_code error = nameWithoutReplacing(*hidden, place, data);
     if (error == std::errc::file_exists) continue;
-    if (error) return Failure(error);
-    // The file is whole either way, and some file systems cannot flush a folder.
-    flushFolder(place.parent());
-    return place;
+    result = error ? Result<FileURL, Failure>(Failure(error)) : Result<FileURL, Failure>(place);
+    break;
   }
-  return Failure(OperationError::destinationExists);
+  ::unlink(hidden->c_str());
+  // The file is whole either way, and some file systems cannot flush a folder.
+  flushFolder(url.parent());
+  return result;
 }
 
 Result<FileURL, Failure> ImageOperations::writeReplacement(const QByteArray& data, const FileURL& original) {
-  constexpr int kTries = 8;
   const std::string ownExtension = original.pathExtension();
   const std::string extension = ownExtension.empty() ? fileExtension(imageType(original)) : ownExtension;
-  const mode_t mode = modeOf(original);
-  for (int i = 0; i < kTries; ++i) {
-    const std::string name = std::string(kReplacementPrefix) + uuidText(UUID::createUuid()) + "." + extension;
-    const FileURL place = original.parent().appending(name);
-    const std::error_code error = writeWithoutReplacing(place, data, mode);
-    if (error == std::errc::file_exists) continue;
-    if (error) return Failure(error);
-    return place;
-  }
-  return Failure(OperationError::destinationExists);
+  return writeHidden(data, original, extension, modeOf(original));
 }
 
 }  // namespace quillmere

@@ -11,10 +11,10 @@
 namespace quillmere::ImageOperations {
 
 /// Writes a PNG under the cleaned `stem`, numbered where the name is taken, in the folder of `url`; nothing is ever
-/// replaced. Gives its place.
+/// replaced, and it has its name only when it is whole, where the file system knows links. Gives its place.
 Result<FileURL, Failure> writeNewFile(const QByteArray& data, const FileURL& url, const QString& stem);
 
-/// What the names of replacements begin with.
+/// What the names of files begin with that have not got their own yet.
 inline constexpr std::string_view kReplacementPrefix = ".quillmere-replacing-";
 /// Writes a hidden file of the same extension beside `original`, to take its place in one move. Gives its place.
 Result<FileURL, Failure> writeReplacement(const QByteArray& data, const FileURL& original);

@@ -54,8 +54,18 @@ std::optional<PngChunk> PngChunks::next() {
 }
 
 std::string encodedPngChunk(std::string_view type, std::string_view data) {
-  const std::string body = std::string(type) + std::string(data);
-  return bigEndianBytes(static_cast<uint32_t>(data.size())) + body + bigEndianBytes(checksum(body));
+  QByteArray chunk;
+  appendPngChunk(chunk, type, data);
+  return chunk.toStdString();
+}
+
+void appendPngChunk(QByteArray& file, std::string_view type, std::string_view data) {
+  const auto append = [&](std::string_view bytes) { file.append(bytes.data(), static_cast<qsizetype>(bytes.size())); };
+  append(bigEndianBytes(static_cast<uint32_t>(data.size())));
+  const qsizetype body = file.size();
+  append(type);
+  append(data);
+  append(bigEndianBytes(checksum({file.constData() + body, type.size() + data.size()})));
 }
 
 }  // namespace quillmere

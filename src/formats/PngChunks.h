@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtCore/QByteArray>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -34,6 +35,10 @@ class PngChunks {
 
 /// A chunk with its length and checksum.
 std::string encodedPngChunk(std::string_view type, std::string_view data);
+/// The same at the end of a file. Nothing else takes memory where `file` has reserved `kPngChunkFrame` bytes besides
+/// the data.
+void appendPngChunk(QByteArray& file, std::string_view type, std::string_view data);
+inline constexpr qsizetype kPngChunkFrame = 12;
 
 /// The number in the first four bytes, as PNG and JPEG have it: most significant first.
 uint32_t bigEndian32(std::string_view bytes);

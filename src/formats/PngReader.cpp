@@ -1,7 +1,6 @@
 #include "formats/PngReader.h"
 
 #include <libdeflate.h>
-#include <sys/mman.h>
 #include <QtCore/QBuffer>
 #include <QtGui/QColorSpace>
 #include <QtGui/QImageReader>
@@ -11,6 +10,7 @@
 #include <memory>
 #include <vector>
 
+#include "formats/LargeBuffer.h"
 #include "formats/PlainPng.h"
 #include "formats/PngChunks.h"
 #include "formats/PngFilters.h"
@@ -21,28 +21,6 @@ namespace {
 
 /// Deflate's best: a back reference of 258 bytes in two bits.
 constexpr size_t kBestCompression = 1032;
-
-/// Memory for tens of megabytes. In large pages, the kernel hands it out many times as fast.
-class LargeBuffer {
- public:
-  explicit LargeBuffer(size_t bytes) {
-    constexpr size_t kLargePage = size_t{2} << 20;
-    const bool isLarge = bytes >= 2 * kLargePage;
-    const size_t unit = isLarge ? kLargePage : 64;
-    const size_t rounded = (bytes + unit - 1) / unit * unit;
-    bytes_.reset(static_cast<uint8_t*>(std::aligned_alloc(unit, rounded)));
-    if (bytes_ && isLarge) ::madvise(bytes_.get(), rounded, MADV_HUGEPAGE);
-  }
-  explicit operator bool() const { return bytes_ != nullptr; }
-  uint8_t* data() const { return bytes_.get(); }
-  uint8_t* release() { return bytes_.release(); }
-
- private:
-  struct Free {
-    void operator()(uint8_t* bytes) const { std::free(bytes); }
-  };
-  std::unique_ptr<uint8_t, Free> bytes_;
-};
 
 /// Fills `filtered` with exactly what the header says.
 bool inflate(const PlainPng& png, uint8_t* filtered) {

@@ -1,19 +1,22 @@
 #include "formats/ThumbnailLoader.h"
 
 #include <sys/stat.h>
-#include <QtGui/QColorSpace>
 #include <algorithm>
-#include <atomic>
 #include <cmath>
+#include <limits>
 
 #include "formats/ImageFile.h"
+#include "formats/ScreenPicture.h"
 #include "formats/ThumbnailCache.h"
+#include "foundation/FileStatus.h"
 #include "foundation/OnCancel.h"
+#include "pixels/Downscaler.h"
 
 namespace quillmere {
 namespace {
 
 using Outcome = ThumbnailLoader::Outcome;
+using Sharing = ThumbnailLoader::Sharing;
 
 /// With its date in the key, a file that changes gets a new picture, and the old one ages out. To the nanosecond: a
 /// file may be replaced within a second.
@@ -48,27 +51,32 @@ QImage cut(const QImage& thumbnail, QSize full, const QRectF& crop) {
                         static_cast<int>(bottom - top));
 }
 
-/// In the colours of the screen, which takes what it is given for sRGB.
-QImage forScreen(QImage image) {
-  const QColorSpace space = image.colorSpace();
-  if (space.isValid() && space != QColorSpace(QColorSpace::SRgb)) image.convertToColorSpace(QColorSpace::SRgb);
-  return image;
-}
-
 }  // namespace
+
+/// What a load gives, and what is left to do then.
+struct ThumbnailLoader::Loaded {
+  /// What becomes of it for other programs.
+  struct ToKeep {
+    FileURL url;
+    FileStatus seen;
+    QImage thumbnail;
+  };
+  Outcome outcome;
+  std::optional<ToKeep> toKeep = std::nullopt;
+};
 
 /// What the work on other threads needs, and so must not go before it.
 class ThumbnailLoader::Source {
  public:
-  Source(std::function<bool(const FileURL&)> isEvicted, int64_t limit)
-      : cache(limit), isEvicted_(std::move(isEvicted)) {}
+  Source(std::function<bool(const FileURL&)> isEvicted, std::shared_ptr<SharedThumbnails> sharedOnes, int64_t limit)
+      : cache(limit), shared(std::move(sharedOnes)), isEvicted_(std::move(isEvicted)) {}
 
   Outcome load(const FileURL& url, int pixels, const std::atomic<bool>& isStopped) {
     if (isEvicted_(url)) return NotDownloaded{};
     const std::string key = cacheKey(url, pixels);
     if (const auto image = cache.find(key)) return *image;
     if (isStopped) return Cancelled{};
-    const QImage image = forScreen(ImageFile::thumbnail(url, pixels));
+    const QImage image = pictureForScreen(ImageFile::thumbnail(url, pixels));
     if (image.isNull()) return Unreadable{};
     if (isStopped) return Cancelled{};
     cache.keep(key, image);
@@ -88,32 +96,104 @@ class ThumbnailLoader::Source {
     return part;
   }
 
+  /// Pictures of the shared cache are kept apart: they are as crisp as their makers cared for.
+  Loaded loadShared(const FileURL& url, int pixels, Sharing sharing, const std::atomic<bool>& isStopped) {
+    const auto side = shared ? shared->side(pixels) : std::nullopt;
+    if (!side || sharing == Sharing::none) return {load(url, pixels, isStopped)};
+    if (isEvicted_(url)) return {NotDownloaded{}};
+    const auto seen = fileStatus(url);
+    const std::string key = cacheKey(url, pixels);
+    if (const auto image = cache.find(key)) return toKeep(url, seen, *image, *image, sharing);
+    const std::string sharedKey = key + "|shared";
+    if (const auto image = cache.find(sharedKey)) return {*image};
+    if (isStopped) return {Cancelled{}};
+    if (const auto found = shared->find(url, pixels)) {
+      const QImage image = pictureForScreen(*found);
+      cache.keep(sharedKey, image);
+      return {image};
+    }
+    // Made as large as others want it, then smaller still for us.
+    const QImage made = pictureForScreen(ImageFile::thumbnail(url, sharing == Sharing::takenAndKept ? *side : pixels));
+    if (made.isNull()) return {Unreadable{}};
+    if (isStopped) return {Cancelled{}};
+    const QImage image = Downscaler::scaled(made, Downscaler::fitting(made.size(), pixels));
+    cache.keep(key, image);
+    return toKeep(url, seen, made, image, sharing);
+  }
+
+  Outcome loadFull(const FileURL& url, const std::atomic<bool>& isStopped) const {
+    if (isEvicted_(url)) return NotDownloaded{};
+    if (isStopped) return Cancelled{};
+    // As the screen wants it, which a picture at its own size need not be.
+    QImage image = pictureForScreen(ImageFile::thumbnail(url, std::numeric_limits<int>::max()));
+    if (image.isNull()) return Unreadable{};
+    return image;
+  }
+
+  std::optional<QSize> pixelSize(const FileURL& url) const {
+    return isEvicted_(url) ? std::nullopt : ImageFile::pixelSize(url);
+  }
+
   ThumbnailCache cache;
+  const std::shared_ptr<SharedThumbnails> shared;
 
  private:
+  static Loaded toKeep(const FileURL& url, const std::optional<FileStatus>& seen, const QImage& thumbnail,
+                       const QImage& image, Sharing sharing) {
+    if (sharing != Sharing::takenAndKept || !seen) return {image};
+    return {image, Loaded::ToKeep{url, *seen, thumbnail}};
+  }
+
   std::function<bool(const FileURL&)> isEvicted_;
 };
 
-ThumbnailLoader::ThumbnailLoader(Executor& executor, std::function<bool(const FileURL&)> isEvicted, int64_t limit)
-    : executor_(executor), source_(std::make_shared<Source>(std::move(isEvicted), limit)) {}
+ThumbnailLoader::ThumbnailLoader(Executor& executor, std::function<bool(const FileURL&)> isEvicted,
+                                 std::shared_ptr<SharedThumbnails> shared, int64_t limit)
+    : executor_(executor), source_(std::make_shared<Source>(std::move(isEvicted), std::move(shared), limit)) {}
 
-Task<Outcome> ThumbnailLoader::load(FileURL url, int pixels) {
-  return loadInBackground(std::move(url), pixels, std::nullopt);
+Task<Outcome> ThumbnailLoader::load(FileURL url, int pixels, Sharing sharing) {
+  return loadInBackground([url = std::move(url), pixels, sharing](Source& source, const std::atomic<bool>& isStopped) {
+    return source.loadShared(url, pixels, sharing, isStopped);
+  });
 }
 
 Task<Outcome> ThumbnailLoader::load(FileURL url, int pixels, QRectF crop) {
-  return loadInBackground(std::move(url), pixels, crop.normalized());
+  return loadInBackground(
+      [url = std::move(url), pixels, crop = crop.normalized()](Source& source, const std::atomic<bool>& isStopped) {
+        return Loaded{source.load(url, pixels, crop, isStopped)};
+      });
 }
 
-Task<Outcome> ThumbnailLoader::loadInBackground(FileURL url, int pixels, std::optional<QRectF> crop) {
+Task<Outcome> ThumbnailLoader::loadInBackground(Work work) {
+  // The loader may be gone when the picture comes.
+  Executor& executor = executor_;
+  const auto source = source_;
   const auto isStopped = std::make_shared<std::atomic<bool>>(false);
   OnCancel stopping([isStopped] { *isStopped = true; });
   co_await stopping;
-  auto loading = executor_.background([source = source_, url, pixels, crop, isStopped] {
-    return crop ? source->load(url, pixels, *crop, *isStopped) : source->load(url, pixels, *isStopped);
-  });
+  auto loading = executor.background([source, work, isStopped] { return work(*source, *isStopped); });
+  Loaded loaded = co_await loading;
+  if (loaded.toKeep) {
+    executor.runInBackground([shared = source->shared,
+                              kept = *std::move(loaded.toKeep)] { shared->keep(kept.url, kept.seen, kept.thumbnail); },
+                             [] {});
+  }
+  co_return loaded.outcome;
+}
+
+Task<Outcome> ThumbnailLoader::loadFull(FileURL url) {
+  const auto isStopped = std::make_shared<std::atomic<bool>>(false);
+  OnCancel stopping([isStopped] { *isStopped = true; });
+  co_await stopping;
+  auto loading = executor_.background([source = source_, url, isStopped] { return source->loadFull(url, *isStopped); });
   Outcome outcome = co_await loading;
   co_return outcome;
+}
+
+Task<std::optional<QSize>> ThumbnailLoader::pixelSize(FileURL url) {
+  auto measuring = executor_.background([source = source_, url] { return source->pixelSize(url); });
+  const auto size = co_await measuring;
+  co_return size;
 }
 
 int64_t ThumbnailLoader::cachedBytes() const {

@@ -79,7 +79,7 @@ InboxBanners::InboxBanners(AppModel& model, QWidget* parent)
   folder_->onDismiss = [this] { model_.dismissLocationMismatch(); };
   background_->onAction = [this] { model_.dismissBackgroundIssue(); };
   auto* column = new QVBoxLayout(this);
-  column->setContentsMargins(10, 10, 10, 0);
+  column->setContentsMargins(12, 12, 12, 0);
   column->setSpacing(8);
   column->addWidget(folder_);
   column->addWidget(background_);

@@ -1,46 +1,50 @@
 #include "inbox/InboxDetail.h"
 
-#include <QtCore/QLocale>
-#include <QtWidgets/QLabel>
+#include <QtWidgets/QScrollBar>
 #include <QtWidgets/QVBoxLayout>
 
-#include "controls/ActionButton.h"
 #include "controls/AnalysisStatusRow.h"
-#include "controls/PlainText.h"
-#include "controls/ScreenshotThumbnail.h"
-#include "controls/ThemedLabel.h"
+#include "controls/Metrics.h"
 #include "foundation/Localized.h"
+#include "inbox/DetailActions.h"
+#include "inbox/DetailHeader.h"
+#include "inbox/DetailPreview.h"
 #include "inbox/DownloadStatusRow.h"
 #include "inbox/MessageView.h"
+#include "inbox/NameField.h"
+#include "inbox/ScreenshotActionsMenu.h"
 
 namespace quillmere {
 namespace {
 
 constexpr int kPictureSide = 1400;  // points; larger than the view is on most screens
 constexpr int kPadding = 20;
+constexpr int kSpacing = 16;
+/// Longer lines are hard to read.
+constexpr int kTextWidth = 720;
 
-QString shortTime(Date date) {
-  return QLocale().toString(date.toDateTime().toLocalTime(), QLocale::ShortFormat);
-}
-
-/// The date of capture and what becomes of the file.
-QString metadata(const ScreenshotItem& item) {
-  const bool isTemporary = item.state == ScreenshotItem::State::temporary && item.expiresAt;
-  const QString status =
-      isTemporary ? localized("Temporary until %@", {shortTime(*item.expiresAt)}) : statusText(item.state);
-  return localized("%@ · %@", {status, shortTime(item.createdAt)});
+/// No wider than texts are read with ease, where the language's lines begin.
+QLayout* readable(QWidget* widget, int beside) {
+  widget->setMaximumWidth(kTextWidth);
+  auto* row = new QHBoxLayout;
+  row->setContentsMargins(beside, 0, beside, 0);
+  row->setSpacing(0);
+  row->addWidget(widget, 1);
+  row->addStretch();
+  return row;
 }
 
 }  // namespace
 
-InboxDetail::InboxDetail(AppModel& model, ThumbnailLoader& thumbnails, QWidget* parent)
-    : QWidget(parent), model_(model) {
-  auto* column = new QVBoxLayout(this);
-  column->setContentsMargins(kPadding, kPadding, kPadding, kPadding);
-  column->setSpacing(14);
-  column->addWidget(makeHeader());
-  picture_ = new ScreenshotThumbnail(thumbnails, this);
-  column->addWidget(picture_, 1);
+InboxDetail::InboxDetail(AppModel& model, InboxPresentation& presentation, QWidget* parent)
+    : QScrollArea(parent), model_(model), presentation_(presentation) {
+  setFrameShape(QFrame::NoFrame);
+  setWidgetResizable(true);
+  setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  setFocusPolicy(Qt::NoFocus);
+  auto* page = new QWidget;
+  header_ = new DetailHeader(model, presentation, page);
+  picture_ = new DetailPreview(*presentation.services().thumbnails, page);
   unavailable_ = new MessageView(
       {QStringLiteral("exclamationmark.triangle"),
        localized("Screenshot Unavailable"),
@@ -48,74 +52,73 @@ InboxDetail::InboxDetail(AppModel& model, ThumbnailLoader& thumbnails, QWidget* 
            "The file can’t be found, or Quillmere doesn’t have access to its folder. Choose the screenshot folder "
            "again in Settings, or remove this screenshot from the Inbox."),
        {}},
-      this);
-  column->addWidget(unavailable_, 1);
-  download_ = new DownloadStatusRow(this);
+      page);
+  unavailable_->setMinimumWidth(1);
+  download_ = new DownloadStatusRow(page);
+  analysis_ = new AnalysisStatusRow(page);
+  actions_ = new DetailActions(model, presentation, page);
+  picture_->onDrag = [this] {
+    if (onDrag) onDrag(id_);
+  };
+  picture_->onOpen = [this] { openInQuickLook(); };
   download_->onDownload = [this] { model_.download(id_); };
-  column->addWidget(download_);
-  analysis_ = new AnalysisStatusRow(this);
+  download_->onShowInFinder = [this] {
+    const ScreenshotItem* item = model_.items().find(id_);
+    FileRevealing* files = presentation_.services().fileManager;
+    if (item && files) files->reveal(item->url);
+  };
   analysis_->onAnalyze = [this] { model_.startAnalysis(id_); };
-  column->addWidget(analysis_);
+
+  auto* column = new QVBoxLayout(page);
+  column->setContentsMargins(0, kPadding - NameField::kAbove, 0, kPadding);
+  column->setSpacing(kSpacing);
+  column->addLayout(readable(header_, kPadding - NameField::kBeside));
+  auto* pictures = new QVBoxLayout;
+  pictures->setContentsMargins(kPadding, 0, kPadding, 0);
+  pictures->addWidget(picture_, 1);
+  pictures->addWidget(unavailable_, 1);
+  column->addLayout(pictures, 1);
+  for (QWidget* row :
+       {static_cast<QWidget*>(download_), static_cast<QWidget*>(analysis_), static_cast<QWidget*>(actions_)}) {
+    column->addLayout(readable(row, kPadding));
+  }
+  setWidget(page);
+  changes_ = presentation.changed.connect([this](const InboxChange& change) { follow(change.field); });
 }
 
-QWidget* InboxDetail::makeHeader() {
-  auto* header = new QWidget(this);
-  name_ = new PlainLabel(header);
-  name_->setFont(fileNameFont(scaled(font(), 1.2, QFont::DemiBold)));
-  name_->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  name_->setWordWrap(true);
-  status_ = new ThemedLabel(Ink::secondary, header);
-  note_ = new ThemedLabel(Ink::warning, header,
-                          localized("Unavailable. The file can’t be found or its folder isn’t accessible."));
-  note_->setWordWrap(true);
+QImage InboxDetail::picture(const ScreenshotItem& item) const {
+  return item.id == id_ && !picture_->isHidden() ? picture_->image() : QImage();
+}
 
-  using Role = ActionButton::Role;
-  keep_ = new ActionButton(Role::secondary, QStringLiteral("checkmark"), localized("Keep"), header);
-  keep_->setToolTip(localized("Keep this screenshot without a deletion timer"));
-  connect(keep_, &QPushButton::clicked, this, [this] { model_.keepBatch({id_}); });
-  move_ = new ActionButton(Role::secondary, QStringLiteral("folder"), localized("Move and Rename…"), header);
-  move_->setToolTip(localized("Choose a new name and location, and keep the screenshot"));
-  connect(move_, &QPushButton::clicked, this, [this] { model_.moveAndRename(id_); });
-  trash_ = new ActionButton(Role::destructive, QStringLiteral("trash"), {}, header);
-  trash_->setToolTip(localized("Move this screenshot to Trash"));
-  connect(trash_, &QPushButton::clicked, this, [this] { model_.disposeChosen(id_, ErrorScope::inbox); });
+ScreenshotNameEditor& InboxDetail::name() const {
+  return header_->name();
+}
 
-  auto* buttons = new QHBoxLayout;
-  buttons->setSpacing(8);
-  for (ActionButton* button : {keep_, move_, trash_}) buttons->addWidget(button);
-  buttons->addStretch();
-  auto* column = new QVBoxLayout(header);
-  column->setContentsMargins(0, 0, 0, 0);
-  column->setSpacing(4);
-  for (QLabel* label : {name_, status_, note_}) column->addWidget(label);
-  column->addSpacing(6);
-  column->addLayout(buttons);
-  return header;
+void InboxDetail::follow(InboxField field) {
+  if (field != InboxField::extractingTextIDs) return;
+  if (const ScreenshotItem* item = model_.items().find(id_)) show(*item);
+}
+
+void InboxDetail::openInQuickLook() {
+  ScreenshotActionsMenu({id_}, model_, presentation_).perform(ScreenshotCommand::quickLook);
 }
 
 void InboxDetail::show(const ScreenshotItem& item) {
-  const bool isUnavailable = model_.unavailableItemIDs->contains(item.id);
-  const bool isEvicted = model_.evictedItemIDs->contains(item.id);
+  if (item.id != id_) verticalScrollBar()->setValue(0);
   id_ = item.id;
-  name_->setText(item.url.displayName());
-  status_->setText(metadata(item));
-  note_->setVisible(isUnavailable);
-  keep_->setVisible(item.state != ScreenshotItem::State::permanent && !isUnavailable);
-  move_->setVisible(!isUnavailable);
-  trash_->setText(*model_.settings().deletesChosenImmediately ? localized("Delete") : localized("Move to Trash"));
-  if (isEvicted) {
-    const auto state = model_.downloadStates->find(item.id);
-    const bool hasState = state != model_.downloadStates->end();
-    download_->show(DownloadStatusContent::make(model_.canDownload(item.id),
-                                                hasState ? std::optional(state->second) : std::nullopt));
-  } else {
-    download_->hide();
-  }
+  DetailState state;
+  state.isUnavailable = model_.unavailableItemIDs->contains(item.id);
+  state.isEvicted = model_.evictedItemIDs->contains(item.id);
+  state.isReadingText = presentation_.extractingTextIDs->contains(item.id);
+  state.source = item.sourceItemID ? model_.items().find(*item.sourceItemID) : nullptr;
+  header_->show(item, state);
+  showPicture(item, state.isUnavailable, state.isEvicted);
+  showDownload(item, state.isEvicted);
+  showAnalysis(item, !state.isUnavailable && !state.isEvicted);
+  actions_->show(item.id);
+}
 
-  const bool isAnalyzing = model_.analyzingIDs->contains(item.id) && !isUnavailable && !isEvicted;
-  const AnalysisStatus status = analysisStatus(item, isAnalyzing, model_.analysisAvailability());
-  analysis_->show({status.text, status.isFailure, status.offersAnalysis, status.isDescription});
-
+void InboxDetail::showPicture(const ScreenshotItem& item, bool isUnavailable, bool isEvicted) {
   picture_->setVisible(!isUnavailable);
   unavailable_->setVisible(isUnavailable);
   ScreenshotThumbnail::Content picture;
@@ -124,7 +127,27 @@ void InboxDetail::show(const ScreenshotItem& item) {
   picture.accessibilityLabel = localized("Screenshot preview");
   picture.identity = item.fileIdentity;
   picture.hasImageData = !isEvicted;
-  picture_->show(picture);
+  picture.cornerRadius = Radius::kControl;
+  picture.alignment = (isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter;
+  picture_->ScreenshotThumbnail::show(picture);
+}
+
+void InboxDetail::showDownload(const ScreenshotItem& item, bool isEvicted) {
+  if (!isEvicted) {
+    download_->hide();
+    return;
+  }
+  const auto state = model_.downloadStates->find(item.id);
+  const bool hasState = state != model_.downloadStates->end();
+  download_->show(
+      DownloadStatusContent::make(model_.canDownload(item.id), hasState ? std::optional(state->second) : std::nullopt));
+}
+
+void InboxDetail::showAnalysis(const ScreenshotItem& item, bool canRead) {
+  // A picture that cannot be read waits for its analysis, however long that takes.
+  const bool isAnalyzing = model_.analyzingIDs->contains(item.id) && canRead;
+  const AnalysisStatus status = analysisStatus(item, isAnalyzing, model_.analysisAvailability());
+  analysis_->show({status.text, status.isFailure, status.offersAnalysis, status.isDescription});
 }
 
 }  // namespace quillmere

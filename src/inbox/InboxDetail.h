@@ -1,41 +1,49 @@
 #pragma once
 
-#include <QtWidgets/QWidget>
+#include <QtWidgets/QScrollArea>
 
-#include "formats/ThumbnailLoader.h"
-#include "model/AppModel.h"
-
-class QLabel;
+#include "inbox/InboxPresentation.h"
 
 namespace quillmere {
 
-class ActionButton;
 class AnalysisStatusRow;
+class DetailActions;
+class DetailHeader;
+class DetailPreview;
 class DownloadStatusRow;
 class MessageView;
-class ScreenshotThumbnail;
+class ScreenshotNameEditor;
 
-/// One screenshot, large, with its name, its status and what can be done with it.
-class InboxDetail final : public QWidget {
+/// One screenshot, large, with its name, its status and what can be done with it. It scrolls where it is too low for
+/// the picture.
+class InboxDetail final : public QScrollArea {
  public:
-  InboxDetail(AppModel& model, ThumbnailLoader& thumbnails, QWidget* parent);
+  InboxDetail(AppModel& model, InboxPresentation& presentation, QWidget* parent);
   void show(const ScreenshotItem& item);
+  /// The person begins to drag the picture; called within the mouse event.
+  std::function<void(const UUID&)> onDrag;
+  /// The picture of a record, as far as it is decoded; null of any other than the one that is shown.
+  QImage picture(const ScreenshotItem& item) const;
+  /// The name in the header.
+  ScreenshotNameEditor& name() const;
 
  private:
-  QWidget* makeHeader();
+  void follow(InboxField field);
+  void showDownload(const ScreenshotItem& item, bool isEvicted);
+  void showAnalysis(const ScreenshotItem& item, bool canRead);
+  void showPicture(const ScreenshotItem& item, bool isUnavailable, bool isEvicted);
+  void openInQuickLook();
 
   AppModel& model_;
-  QLabel* name_ = nullptr;
-  QLabel* status_ = nullptr;
-  QLabel* note_ = nullptr;
-  ActionButton* keep_ = nullptr;
-  ActionButton* move_ = nullptr;
-  ActionButton* trash_ = nullptr;
-  DownloadStatusRow* download_ = nullptr;
-  AnalysisStatusRow* analysis_ = nullptr;
-  ScreenshotThumbnail* picture_ = nullptr;
-  MessageView* unavailable_ = nullptr;  ///< in the picture's place
+  InboxPresentation& presentation_;
   UUID id_;
+  DetailHeader* header_;
+  DetailPreview* picture_;
+  MessageView* unavailable_;  ///< in the picture's place
+  DownloadStatusRow* download_;
+  AnalysisStatusRow* analysis_;
+  DetailActions* actions_;
+  Connection changes_;
 };
 
 }  // namespace quillmere

@@ -1,86 +1,132 @@
 #include "inbox/InboxWindow.h"
 
 #include <QtGui/QCloseEvent>
+#include <QtGui/QScreen>
+#include <QtGui/QShortcut>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QHBoxLayout>
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QListView>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QMenuBar>
+#include <QtWidgets/QSplitter>
 #include <QtWidgets/QStackedWidget>
 #include <QtWidgets/QVBoxLayout>
 
+#include "controls/ActionButton.h"
 #include "controls/Alert.h"
-#include "controls/ThemedLabel.h"
+#include "controls/Metrics.h"
 #include "foundation/Localized.h"
-#include "inbox/InboxBanners.h"
 #include "inbox/InboxDetail.h"
-#include "inbox/InboxListModel.h"
+#include "inbox/InboxPlace.h"
+#include "inbox/InboxSheets.h"
+#include "inbox/InboxSidebar.h"
 #include "inbox/MessageView.h"
-#include "inbox/ScreenshotRowDelegate.h"
+#include "inbox/QuickLookPresenter.h"
+#include "inbox/RenameSessionGuard.h"
+#include "inbox/ScreenshotDrag.h"
+#include "inbox/ScreenshotNameEditor.h"
+#include "inbox/ScreenshotSelectionView.h"
+#include "inbox/SearchField.h"
 
 namespace quillmere {
 namespace {
 
-constexpr QSize kWindowSize(960, 620);
-constexpr int kSidebarWidth = 340;
+constexpr QSize kWindowSize(1040, 680);
+constexpr QSize kSmallestSize(640, 420);
+constexpr int kSidebarWidth = 360;
+constexpr int kSmallestSidebar = 240;
+constexpr int kSmallestDetail = 360;
+
+std::vector<InboxPlace::Screen> screens() {
+  std::vector<InboxPlace::Screen> screens;
+  for (const QScreen* screen : QGuiApplication::screens()) {
+    screens.push_back({screen->name(), screen->availableGeometry()});
+  }
+  return screens;
+}
 
 }  // namespace
 
-InboxWindow::InboxWindow(AppModel& model, ThumbnailLoader& thumbnails) : model_(model) {
+InboxWindow::InboxWindow(AppModel& model, const InboxServices& services)
+    : model_(model), presentation_(model, services), sharing_(presentation_) {
   setWindowTitle(localized("Quillmere"));
-  resize(kWindowSize);
-  auto* split = new QHBoxLayout(this);
-  split->setContentsMargins(0, 0, 0, 0);
-  split->setSpacing(0);
-  sidebar_ = makeSidebar(thumbnails);
-  split->addWidget(sidebar_);
-  split->addWidget(makeDetail(thumbnails), 1);
+  setMinimumSize(kSmallestSize);
+  split_ = new QSplitter(this);
+  split_->setHandleWidth(1);
+  split_->setChildrenCollapsible(false);
+  sidebar_ = new InboxSidebar(presentation_, split_);
+  sidebar_->setMinimumWidth(kSmallestSidebar);
+  QWidget* detail = makeDetail();
+  detail->setMinimumWidth(kSmallestDetail);
+  split_->setStretchFactor(0, 0);
+  split_->setStretchFactor(1, 1);
+  makeMenus();
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(0);
+  column->setMenuBar(&menus_->bar());
+  column->addWidget(split_, 1);
+
+  InboxListView& list = sidebar_->list();
+  list.onOpen = [this] { perform(ScreenshotCommand::quickLook); };
+  list.onContextMenu = [this](const std::vector<UUID>& ids, QPoint global) { openContextMenu(ids, global); };
+  list.onDrag = [this](const std::vector<UUID>& ids) { drag(ids); };
+  selected_->onDrag = [this](const UUID& id) { drag({id}); };
+  selected_->name().onRename = [this] { renameInHeader(); };
+  presentation_.placeForRename = [this](const UUID& id) { return placeForRename(id); };
+  quickLook_ = std::make_unique<QuickLookPresenter>(presentation_, *this);
+  quickLook_->onStep = [&list](int step) { list.step(step); };
+  quickLook_->picture = [this](const ScreenshotItem& item) { return selected_->picture(item); };
+  sheets_ = std::make_unique<InboxSheets>(presentation_, *this);
+  renameGuard_ = std::make_unique<RenameSessionGuard>(presentation_, *this);
+  connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, [this] { sidebar_->escape(); });
+
   changes_ = model.changed.connect([this](const ModelChange& change) { follow(change); });
+  presentationChanges_ =
+      presentation_.changed.connect([this](const InboxChange& change) { followPresentation(change); });
+  restorePlace();
   refresh();
 }
 
 InboxWindow::~InboxWindow() {
-  // Before the list goes, whose last selection would be told to the model.
-  listView_->selectionModel()->disconnect(this);
+  // Its parts tell of themselves while they go.
+  changes_.reset();
+  presentationChanges_.reset();
 }
 
-QWidget* InboxWindow::makeSidebar(ThumbnailLoader& thumbnails) {
-  auto* sidebar = new QWidget(this);
-  sidebar->setFixedWidth(kSidebarWidth);
-  sidebar->setAutoFillBackground(true);
-  sidebar->setBackgroundRole(QPalette::Base);
-  banners_ = new InboxBanners(model_, sidebar);
-  list_ = new InboxListModel(model_, thumbnails);
-  listView_ = new QListView(sidebar);
-  list_->setParent(listView_);
-  listView_->setModel(list_);
-  listView_->setItemDelegate(new ScreenshotRowDelegate(listView_));
-  listView_->setUniformItemSizes(true);
-  listView_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-  listView_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-  listView_->setFrameShape(QFrame::NoFrame);
-  listView_->setMouseTracking(true);
-  listView_->setAccessibleName(localized("Screenshots"));
-  connect(listView_->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
-    UUIDSet ids;
-    for (const QModelIndex& row : listView_->selectionModel()->selectedIndexes()) {
-      ids.insert(row.data(InboxListModel::idRole).value<QUuid>());
-    }
-    model_.setSelectedItemIDs(std::move(ids));
+// --- The parts ---
+
+QWidget* InboxWindow::makeToolbar() {
+  toolbar_ = new QWidget(split_);
+  share_ = new ActionButton(ActionButton::Role::icon, QStringLiteral("square.and.arrow.up"), {}, toolbar_);
+  share_->setAccessibleName(localized("Share"));
+  connect(share_, &QPushButton::clicked, this, [this] { sharing_.openMenu(*share_); });
+  more_ = new ActionButton(ActionButton::Role::icon, QStringLiteral("ellipsis.circle"), {}, toolbar_);
+  more_->setAccessibleName(localized("More"));
+  more_->setToolTip(localized("Everything that can be done with the selected screenshots"));
+  connect(more_, &QPushButton::clicked, this, [this] {
+    QMenu menu(more_);
+    new ScreenshotMenuItems(
+        menu, [this] { return ScreenshotActionsMenu::ofSelection(presentation_); }, sharing_,
+        ScreenshotMenuItems::Keys::shown);
+    menu.exec(more_->mapToGlobal(QPoint(0, more_->height() + 4)));
   });
-  count_ = new ThemedLabel(Ink::secondary, sidebar);
-  count_->setTextSize(0.92);
-  count_->setContentsMargins(16, 8, 16, 10);
-
-  auto* column = new QVBoxLayout(sidebar);
-  column->setContentsMargins(0, 0, 0, 0);
-  column->setSpacing(6);
-  column->addWidget(banners_);
-  column->addWidget(listView_, 1);
-  column->addWidget(count_);
-  return sidebar;
+  auto* row = new QHBoxLayout(toolbar_);
+  // In line with the search field, and with the picture's edge below.
+  row->setContentsMargins(12, 12, 12, 0);
+  toolbar_->setFixedHeight(12 + Metrics::kControlHeight);
+  row->setSpacing(0);
+  row->addStretch();
+  row->addWidget(share_);
+  row->addSpacing(8);
+  row->addWidget(more_);
+  row->addSpacing(8);
+  return toolbar_;
 }
 
-QWidget* InboxWindow::makeDetail(ThumbnailLoader& thumbnails) {
-  detail_ = new QStackedWidget(this);
+QWidget* InboxWindow::makeDetail() {
+  auto* side = new QWidget(split_);
+  makeToolbar();
+  detail_ = new QStackedWidget(side);
   setup_ = new MessageView({QStringLiteral("folder.badge.gearshape"), localized("Choose Your Screenshot Folder"),
                             localized("Quillmere watches the folder where macOS saves screenshots. Your normal "
                                       "screenshot shortcuts stay unchanged."),
@@ -97,13 +143,88 @@ QWidget* InboxWindow::makeDetail(ThumbnailLoader& thumbnails) {
                                   localized("Select a screenshot to review, extract, or save it."),
                                   {}},
                                  detail_);
-  selected_ = new InboxDetail(model_, thumbnails, detail_);
-  for (QWidget* page : {static_cast<QWidget*>(setup_), static_cast<QWidget*>(noScreenshots_),
-                        static_cast<QWidget*>(noSelection_), static_cast<QWidget*>(selected_)}) {
+  selected_ = new InboxDetail(model_, presentation_, detail_);
+  several_ = new ScreenshotSelectionView(model_, presentation_, detail_);
+  for (QWidget* page :
+       {static_cast<QWidget*>(setup_), static_cast<QWidget*>(noScreenshots_), static_cast<QWidget*>(noSelection_),
+        static_cast<QWidget*>(selected_), static_cast<QWidget*>(several_)}) {
     detail_->addWidget(page);
   }
-  return detail_;
+  auto* column = new QVBoxLayout(side);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(0);
+  column->addWidget(toolbar_);
+  column->addWidget(detail_, 1);
+  return side;
 }
+
+void InboxWindow::makeMenus() {
+  menus_ = std::make_unique<InboxMenuBar>(presentation_, sharing_,
+                                          InboxMenuBar::Actions{
+                                              .chooseFolder = [this] { model_.chooseWatchFolder(); },
+                                              .openSettings =
+                                                  [this] {
+                                                    if (onOpenSettings) onOpenSettings();
+                                                  },
+                                              .close = [this] { close(); },
+                                              .quit =
+                                                  [this] {
+                                                    if (onQuit) onQuit();
+                                                  },
+                                              .selectAll =
+                                                  [this] {
+                                                    auto* field = dynamic_cast<QLineEdit*>(focusWidget());
+                                                    if (field) {
+                                                      field->selectAll();
+                                                    } else {
+                                                      sidebar_->list().selectAll();
+                                                    }
+                                                  },
+                                              .showKeys = [this] { showKeys(); },
+                                          },
+                                          *this);
+}
+
+void InboxWindow::takeKeyboard() {
+  sidebar_->list().takeKeyboard();
+}
+
+InboxPresentation::RenamePlace InboxWindow::placeForRename(const UUID& id) {
+  using Place = InboxPresentation::RenamePlace;
+  const QWidget* keyboard = QApplication::focusWidget();
+  const bool isInDetail = isHeaderClicked_ || (keyboard && selected_->isAncestorOf(keyboard));
+  const Place place = sidebar_->list().isInSight(id) && !isInDetail ? Place::list : Place::header;
+  selected_->name().setEditable(place == Place::header);
+  return place;
+}
+
+void InboxWindow::renameInHeader() {
+  isHeaderClicked_ = true;
+  perform(ScreenshotCommand::rename);
+  isHeaderClicked_ = false;
+}
+
+// --- Its place ---
+
+void InboxWindow::restorePlace() {
+  const auto& defaults = *presentation_.services().defaults;
+  const auto place = InboxPlace::read(defaults).place(screens(), kWindowSize);
+  setGeometry(place.frame);
+  if (place.isMaximized) setWindowState(Qt::WindowMaximized);
+  const int sidebar = place.sidebarWidth > 0 ? place.sidebarWidth : kSidebarWidth;
+  split_->setSizes({sidebar, std::max(1, place.frame.width() - sidebar)});
+}
+
+void InboxWindow::savePlace() {
+  auto& defaults = *presentation_.services().defaults;
+  InboxPlace places = InboxPlace::read(defaults);
+  const bool isMaximized = windowState().testFlag(Qt::WindowMaximized);
+  const QRect frame = isMaximized ? normalGeometry() : geometry();
+  places.note(screen()->name(), {frame, isMaximized, sidebar_->isVisible() ? sidebar_->width() : 0});
+  places.write(defaults);
+}
+
+// --- What it follows ---
 
 void InboxWindow::follow(const ModelChange& change) {
   switch (change.field) {
@@ -113,8 +234,12 @@ void InboxWindow::follow(const ModelChange& change) {
         QMetaObject::invokeMethod(
             this, [this] { showInboxError(); }, Qt::QueuedConnection);
       return;
-    case ModelField::items:
     case ModelField::selectedItemIDs:
+      // What is selected and what is shown never differ.
+      showDetail();
+      refreshSoon();
+      return;
+    case ModelField::items:
     case ModelField::unavailableItemIDs:
     case ModelField::evictedItemIDs:
     case ModelField::iCloudItemIDs:
@@ -122,6 +247,7 @@ void InboxWindow::follow(const ModelChange& change) {
     case ModelField::analyzingIDs:
     case ModelField::analyzeScreenshots:
     case ModelField::intelligenceUnavailability:
+    case ModelField::showsDeleteImmediately:
     case ModelField::deletesChosenImmediately:
     case ModelField::macOSScreenshotFolder:
     case ModelField::watchFolderHasReceivedScreenshot:
@@ -129,33 +255,73 @@ void InboxWindow::follow(const ModelChange& change) {
     case ModelField::watchFolderURL:
     case ModelField::watcherStatus:
     case ModelField::backgroundIssue:
-      refresh();
+      refreshSoon();
       return;
     default:
       return;
   }
 }
 
+void InboxWindow::followPresentation(const InboxChange& change) {
+  switch (change.field) {
+    case InboxField::quickLookURL:
+      quickLook_->follow();
+      return;
+    case InboxField::filter:
+      return;
+    default:
+      refreshSoon();
+      return;
+  }
+}
+
+/// A thousand changes of one turn are shown once.
+void InboxWindow::refreshSoon() {
+  if (isRefreshing_) return;
+  isRefreshing_ = true;
+  QMetaObject::invokeMethod(
+      this,
+      [this] {
+        isRefreshing_ = false;
+        refresh();
+      },
+      Qt::QueuedConnection);
+}
+
 void InboxWindow::refresh() {
   const bool isSettingUp = !*model_.watchFolderURL;
-  const bool isEmpty = model_.items().empty();
   // Before the first folder there is nothing to list.
-  sidebar_->setVisible(!isSettingUp || !isEmpty);
-  banners_->update(!isSettingUp);
-  count_->setText(localized("%lld screenshots", {static_cast<qsizetype>(model_.items().size())}));
-  count_->setVisible(!isEmpty && model_.selectedItemIDs->empty());
-  const ScreenshotItem* only =
-      model_.selectedItemIDs->size() == 1 ? model_.items().find(*model_.selectedItemIDs->begin()) : nullptr;
-  if (isSettingUp) {
-    detail_->setCurrentWidget(setup_);
-  } else if (isEmpty) {
-    detail_->setCurrentWidget(noScreenshots_);
+  sidebar_->setVisible(!isSettingUp || !model_.items().empty());
+  sidebar_->refresh(!isSettingUp);
+  showDetail();
+  menus_->refresh();
+  quickLook_->follow();
+  const ScreenshotActionsMenu commands = ScreenshotActionsMenu::ofSelection(presentation_);
+  const bool canShare = commands.isEnabled(ScreenshotCommand::share);
+  share_->setEnabled(canShare);
+  const bool isOffered = canShare || commands.ids().empty();
+  share_->setToolTip(isOffered ? localized("Send this screenshot with Mail, Messages, AirDrop, or another service")
+                               : localized("Quillmere can’t reach this screenshot’s file, so there’s nothing to send"));
+  more_->setEnabled(!commands.ids().empty());
+}
+
+void InboxWindow::showDetail() {
+  const UUIDSet& ids = *model_.selectedItemIDs;
+  const ScreenshotItem* only = ids.size() == 1 ? model_.items().find(*ids.begin()) : nullptr;
+  QWidget* page = noSelection_;
+  if (!*model_.watchFolderURL) {
+    page = setup_;
+  } else if (model_.items().empty()) {
+    page = noScreenshots_;
   } else if (only) {
     selected_->show(*only);
-    detail_->setCurrentWidget(selected_);
-  } else {
-    detail_->setCurrentWidget(noSelection_);
+    page = selected_;
+  } else if (ids.size() > 1) {
+    several_->update();
+    page = several_;
   }
+  toolbar_->setVisible(page == selected_ || page == several_);
+  if (detail_->currentWidget() != page) detail_->setCurrentWidget(page);
 }
 
 void InboxWindow::showInboxError() {
@@ -165,8 +331,61 @@ void InboxWindow::showInboxError() {
   showAlert(this, error->title, error->message);
 }
 
+// --- What is done in it ---
+
+void InboxWindow::perform(ScreenshotCommand command) {
+  ScreenshotActionsMenu::ofSelection(presentation_).perform(command);
+}
+
+void InboxWindow::openContextMenu(const std::vector<UUID>& ids, QPoint global) {
+  if (presentation_.isShowingModal()) return;
+  QMenu menu(this);
+  new ScreenshotMenuItems(
+      menu, [this, ids] { return ScreenshotActionsMenu(ids, model_, presentation_); }, sharing_,
+      ScreenshotMenuItems::Keys::shown);
+  menu.exec(global);
+}
+
+void InboxWindow::drag(const std::vector<UUID>& ids) {
+  const ScreenshotItem* first = ids.empty() ? nullptr : model_.items().find(ids.front());
+  if (!first) return;
+  constexpr int kSide = 160;
+  const QImage picture = sidebar_->list().picture(first->id);
+  QPixmap shown;
+  if (!picture.isNull()) {
+    const qreal ratio = devicePixelRatioF();
+    const QSize size = picture.size().scaled(QSize(kSide, kSide) * ratio, Qt::KeepAspectRatio);
+    shown = QPixmap::fromImage(picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    shown.setDevicePixelRatio(ratio);
+  }
+  dragScreenshots(*this, model_, ids, shown);
+}
+
+void InboxWindow::showKeys() {
+  QStringList lines;
+  for (const ScreenshotAction& action : ScreenshotActionsMenu::ofSelection(presentation_).actions()) {
+    QStringList keys;
+    for (const QKeySequence& key : action.keys) keys << key.toString(QKeySequence::NativeText);
+    if (action.command == ScreenshotCommand::quickLook) keys << QKeySequence(Qt::Key_Space).toString();
+    if (!keys.isEmpty()) lines << action.title + QStringLiteral(": ") + keys.join(QStringLiteral(", "));
+  }
+  lines << localized("Find") + QStringLiteral(": ") + QKeySequence(Qt::CTRL | Qt::Key_F).toString();
+  showAlert(this, localized("Keyboard Shortcuts"), lines.join(QLatin1Char('\n')));
+}
+
+void InboxWindow::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange && menus_) menus_->refresh();
+}
+
 void InboxWindow::closeEvent(QCloseEvent* event) {
   event->accept();
+  // A menu does not go with its window by itself, and would act on what is no longer seen.
+  for (QWidget* menu : findChildren<QMenu*>()) menu->close();
+  savePlace();
+  presentation_.close();
+  presentation_.setQuickLookURL(std::nullopt);
+  sidebar_->releaseSearch();
   if (onClosed) onClosed();
 }
 

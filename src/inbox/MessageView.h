@@ -3,7 +3,11 @@
 #include <QtWidgets/QWidget>
 #include <functional>
 
+class QLabel;
+
 namespace quillmere {
+
+class SymbolLabel;
 
 /// A symbol, a title and a sentence in the middle of an empty place, with at most one button.
 class MessageView final : public QWidget {
@@ -15,7 +19,18 @@ class MessageView final : public QWidget {
     QString action;  ///< of the button; none when empty
   };
   MessageView(const Content& content, QWidget* parent);
+  /// Says something else; the button stays what it is.
+  void say(const Content& content);
   std::function<void()> onAction;
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  void fitText();
+  SymbolLabel* symbol_;
+  QLabel* title_;
+  QLabel* text_;
 };
 
 }  // namespace quillmere

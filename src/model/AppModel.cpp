@@ -237,8 +237,22 @@ bool AppModel::updateItem(size_t index, const std::function<void(ScreenshotItem&
     forgetInIndex(before);
     if (recordIndexCache_) recordIndexCache_->add(after, watchFolderPaths_);
   }
-  changed(ModelChange{ModelField::items, ModelChange::Rows::changed, {index}});
+  if (gathered_) {
+    gathered_->push_back(index);
+  } else {
+    changed(ModelChange{ModelField::items, ModelChange::Rows::changed, {index}});
+  }
   return true;
+}
+
+void AppModel::changeTogether(const std::function<void()>& changes) {
+  std::vector<size_t> indices;
+  gathered_ = &indices;
+  changes();
+  gathered_ = nullptr;
+  if (indices.empty()) return;
+  std::sort(indices.begin(), indices.end());
+  changed(ModelChange{ModelField::items, ModelChange::Rows::changed, std::move(indices)});
 }
 
 void AppModel::forgetInIndex(const ScreenshotItem& item) {

@@ -48,6 +48,8 @@ class AppModel : private AnalysisRecords,
  public:
   explicit AppModel(AppModelDependencies dependencies);
   ~AppModel();
+  /// For tasks that outlive whoever began them.
+  Weak<AppModel> weak() { return lifetime_.weak(this); }
 
   /// What a change was; told after it.
   Signal<const ModelChange&> changed;
@@ -166,8 +168,17 @@ class AppModel : private AnalysisRecords,
   /// What the person chose on any surface. Where that deletes, it asks first; until the answer the record can neither
   /// expire nor be disposed of from elsewhere. A refusal is shown in `scope`.
   ChosenDisposal disposeChosen(const UUID& id, ErrorScope scope);
-  void disposeItem(const ScreenshotItem& item, ErrorScope scope, DisposalReason reason);
-  void disposeBatch(const std::vector<ScreenshotItem>& items, ErrorScope scope, DisposalReason reason);
+  /// A file that is not any more what it was when it was `asked` about, by its stamp where there is one, stays, and
+  /// that is shown.
+  void disposeItem(const ScreenshotItem& item, ErrorScope scope, DisposalReason reason,
+                   const UUIDMap<FileStamp>& asked = {});
+  void disposeBatch(const std::vector<ScreenshotItem>& items, ErrorScope scope, DisposalReason reason,
+                    const UUIDMap<FileStamp>& asked = {});
+  /// What the person confirmed in the Inbox.
+  void disposeConfirmed(const std::vector<ScreenshotItem>& items, const UUIDMap<FileStamp>& asked,
+                        DisposalReason reason) {
+    disposeBatch(items, ErrorScope::inbox, reason, asked);
+  }
   /// While a record's file is open in the program it cannot be disposed of, and its time does not run out: until it was
   /// unprotected as often as it was protected.
   void protect(const UUID& id) override { ++protectedItems_[id]; }
@@ -189,13 +200,34 @@ class AppModel : private AnalysisRecords,
 
   // --- Crops: AppModelCrops.cpp ---
   FileStamp stampOf(const FileURL& url) const { return fileStamp(url, dependencies_.fileIdentity); }
+  /// A picture that was read to take a part of it.
+  struct OpenedPicture {
+    QImage image;                                          ///< at full size and upright
+    std::vector<ImageOperations::DetectedWindow> windows;  ///< largest first; none unless they were asked for
+    FileStamp readFrom;                                    ///< the file as it was when it was read
+  };
+  /// Reads the record's file in the background, and finds the windows in it if `detectsWindows`. A dataless file is not
+  /// read.
+  Task<Result<OpenedPicture, ImageOperations::OperationError>> openPicture(ScreenshotItem item, bool detectsWindows);
+  /// Whether the record is still in the list, at the file that was opened, and that file is here and still the
+  /// same.
+  Task<bool> isReplaceable(UUID id, FileURL opened, FileStamp readFrom);
+  /// The same without a look at the disk.
+  bool isReplaceableAsFarAsKnown(const UUID& id, const FileURL& opened) const;
   /// Puts the part of `image` inside `rect` in the place of the record's file, which goes to Trash; not if that is no
   /// longer the file that the picture was `readFrom`, or as it is now. Gives why it failed, in words; nothing has
   /// changed then.
   Task<std::optional<QString>> replaceOriginal(UUID id, QImage image, QRectF rect,
                                                std::optional<FileStamp> readFrom = {});
-  /// Writes that part as a new file into the watched folder, with a record of its own. Gives why it failed, in words.
-  Task<Result<UUID, QString>> saveAsNew(UUID id, QImage image, QRectF rect);
+  /// Writes that part as a new file into the watched folder, with a record of its own, also when the record of its
+  /// `source` is gone. Gives why it failed, in words.
+  Task<Result<UUID, QString>> saveAsNew(ScreenshotItem source, QImage image, QRectF rect);
+  /// A crop is being written that would be lost with the program.
+  bool isWritingCrops() const { return cropsBeingWritten_ > 0; }
+  /// None is being written any more.
+  std::function<void()> onCropsWritten;
+  /// Puts that part on the clipboard as a PNG; answers whether it could.
+  Task<bool> copyCrop(QImage image, QRectF rect) { return transfers_.copyCrop(std::move(image), rect); }
 
   // --- Extract Window: AppModelExtraction.cpp ---
   const WindowExtractionRun& windowExtraction() const { return extraction_; }
@@ -211,6 +243,8 @@ class AppModel : private AnalysisRecords,
   Task<bool> copy(ScreenshotItem item, ErrorScope scope) { return transfers_.copy(std::move(item), scope); }
   /// Puts the text in the screenshot on the clipboard; gives what the popup is to tell.
   Task<std::optional<PromptPreviewNotice>> copyRecognizedText(ScreenshotItem item);
+  /// Puts a text on the clipboard.
+  void copyText(const QString& text) const;
   /// The file, or a copy of it under another name, or the extracted window. Nothing when that failed, which is shown.
   Task<std::optional<PreparedTransfer>> prepareTransfer(ScreenshotItem item, std::optional<QString> name) {
     return transfers_.prepare(std::move(item), std::move(name));
@@ -264,6 +298,9 @@ class AppModel : private AnalysisRecords,
   bool trySaving();
   /// The only way to change a record; answers whether it became another.
   bool updateItem(size_t index, const std::function<void(ScreenshotItem&)>& change);
+  /// `changes` only changes records; followers are told of all of them at once, so that nobody follows ten thousand
+  /// decisions one by one.
+  void changeTogether(const std::function<void()>& changes);
   void insertNewest(ScreenshotItem item);
   void forgetInIndex(const ScreenshotItem& item);
   static void setMember(Field<UUIDSet>& set, const UUID& id, bool isMember);
@@ -301,9 +338,10 @@ class AppModel : private AnalysisRecords,
   std::optional<QString> timeoutName(const ScreenshotItem& item) const;
 
   // AppModelDisposal.cpp
-  TrashOutcome dispose(const UUID& id, bool deletes);
+  TrashOutcome dispose(const UUID& id, bool deletes, const UUIDMap<FileStamp>& asked = {});
   bool deletes(DisposalReason reason) const;
   bool isReplaced(const ScreenshotItem& item) const;
+  bool hasChanged(const ScreenshotItem& item, const UUIDMap<FileStamp>& asked) const;
   void adoptReplacement(const UUID& id);
   void showReplaced(ErrorScope scope, const FileURL& url);
 
@@ -318,7 +356,17 @@ class AppModel : private AnalysisRecords,
   static bool isMovedFile(const ScreenshotItem& item, const FileURL& url);
 
   // AppModelCrops.cpp
-  static Task<Result<UUID, QString>> runSaveAsNew(Weak<AppModel> self, UUID id, QImage image, QRectF rect);
+  static Task<Result<OpenedPicture, ImageOperations::OperationError>> runOpening(Weak<AppModel> self,
+                                                                                 ScreenshotItem item,
+                                                                                 bool detectsWindows);
+  static Task<bool> runReplaceable(Weak<AppModel> self, UUID id, FileURL opened, FileStamp readFrom);
+  static Task<Result<UUID, QString>> runSaveAsNew(Weak<AppModel> self, ScreenshotItem source, QImage image,
+                                                  QRectF rect);
+  static Task<std::optional<QString>> runReplacing(Weak<AppModel> self, UUID id, QImage image, QRectF rect,
+                                                   FileStamp readFrom);
+  static Task<Result<UUID, QString>> runWriting(Weak<AppModel> self, ScreenshotItem source, QImage image, QRectF rect);
+  void beginWritingCrop() { ++cropsBeingWritten_; }
+  void endWritingCrop();
   void fileWasReplaced(const UUID& id) override;
   void fileWasPutAt(const UUID& id, const FileURL& url) override;
   UUID addDerived(const FileURL& url, const UUID& source);
@@ -393,10 +441,12 @@ class AppModel : private AnalysisRecords,
   AppModelDependencies dependencies_;
   Settings settings_;
   ScreenshotList items_;
+  std::vector<size_t>* gathered_ = nullptr;  ///< the records that are being changed together
   PromptQueue prompts_;
   WindowExtractionRun extraction_;
   ScreenshotListWriter listWriter_;
   FileReplacement replacement_{dependencies_, items_, *this};
+  int cropsBeingWritten_ = 0;
   MoveJournal moveJournal_{dependencies_.recordStore.fileURL.parent().appending("moving.json")};
   std::vector<BegunMove> waitingMoves_;  ///< for a disk, or for the list to be saved
   bool recordsReadOnly_ = false;

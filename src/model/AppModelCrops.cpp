@@ -1,6 +1,8 @@
 #include "formats/ImageEncoding.h"
 #include "formats/ImageOperations.h"
 #include "formats/ImageWriting.h"
+#include "foundation/FileStatus.h"
+#include "foundation/Interruptible.h"
 #include "foundation/Localized.h"
 #include "model/AppModel.h"
 
@@ -21,13 +23,78 @@ Result<FileURL, Failure> writeCropAsNew(const FileURL& folder, const QString& st
 
 }  // namespace
 
+// --- A picture to take a part of ---
+
+Task<Result<AppModel::OpenedPicture, OperationError>> AppModel::openPicture(ScreenshotItem item, bool detectsWindows) {
+  return runOpening(lifetime_.weak(this), std::move(item), detectsWindows);
+}
+
+Task<Result<AppModel::OpenedPicture, OperationError>> AppModel::runOpening(Weak<AppModel> self, ScreenshotItem item,
+                                                                           bool detectsWindows) {
+  // Before it is read: what changes from here on makes it another file.
+  auto stamping = self->dependencies_.executor->background(
+      [url = item.url, identity = self->dependencies_.fileIdentity] { return fileStamp(url, identity); });
+  const auto stamp = co_await stamping;
+  const bool isStopped = co_await isCancelled;
+  if (!self || isStopped) co_return OperationError::unreadable;
+  if (detectsWindows) {
+    auto scanning = interruptible(self->dependencies_.scanWindows(item.url));
+    const auto scan = co_await scanning;
+    if (!scan) co_return scan.reason();
+    co_return OpenedPicture{scan->image, scan->windows, stamp};
+  }
+  const std::function<Result<QImage, OperationError>()> work = [url = item.url,
+                                                                isDataless = self->dependencies_.isDataless] {
+    // Reading it would download it.
+    if (isDataless(url)) return Result<QImage, OperationError>(OperationError::unreadable);
+    return ImageOperations::loadImage(url);
+  };
+  auto reading = self->dependencies_.executor->background(work);
+  const auto image = co_await reading;
+  if (!image) co_return image.reason();
+  co_return OpenedPicture{*image, {}, stamp};
+}
+
+bool AppModel::isReplaceableAsFarAsKnown(const UUID& id, const FileURL& opened) const {
+  const ScreenshotItem* item = items_.find(id);
+  return item && item->url == opened && !unavailableItemIDs->contains(id) && !evictedItemIDs->contains(id);
+}
+
+Task<bool> AppModel::isReplaceable(UUID id, FileURL opened, FileStamp readFrom) {
+  return runReplaceable(lifetime_.weak(this), id, std::move(opened), std::move(readFrom));
+}
+
+Task<bool> AppModel::runReplaceable(Weak<AppModel> self, UUID id, FileURL opened, FileStamp readFrom) {
+  auto looking = self->dependencies_.executor->background(
+      [opened, readFrom, identity = self->dependencies_.fileIdentity, isDataless = self->dependencies_.isDataless] {
+        return fileStatus(opened) && fileStamp(opened, identity) == readFrom && !isDataless(opened);
+      });
+  const bool isThere = co_await looking;
+  if (!isThere || !self) co_return false;
+  co_return self->isReplaceableAsFarAsKnown(id, opened);
+}
+
 // --- Replace Original ---
 
 Task<std::optional<QString>> AppModel::replaceOriginal(UUID id, QImage image, QRectF rect,
                                                        std::optional<FileStamp> readFrom) {
   const ScreenshotItem* item = items_.find(id);
   const FileStamp stamp = readFrom ? *readFrom : item ? stampOf(item->url) : FileStamp();
-  return replacement_.replace(id, std::move(image), rect, stamp);
+  return runReplacing(lifetime_.weak(this), id, std::move(image), rect, stamp);
+}
+
+Task<std::optional<QString>> AppModel::runReplacing(Weak<AppModel> self, UUID id, QImage image, QRectF rect,
+                                                    FileStamp readFrom) {
+  self->beginWritingCrop();
+  const auto replacing = self->replacement_.replace(id, std::move(image), rect, std::move(readFrom));
+  const auto reason = co_await replacing;
+  if (self) self->endWritingCrop();
+  co_return reason;
+}
+
+void AppModel::endWritingCrop() {
+  --cropsBeingWritten_;
+  if (!isWritingCrops() && onCropsWritten) onCropsWritten();
 }
 
 void AppModel::fileWasPutAt(const UUID& id, const FileURL& url) {
@@ -63,16 +130,29 @@ void AppModel::fileWasReplaced(const UUID& id) {
 
 // --- Save as New ---
 
-Task<Result<UUID, QString>> AppModel::saveAsNew(UUID id, QImage image, QRectF rect) {
-  return runSaveAsNew(lifetime_.weak(this), id, std::move(image), rect);
+Task<Result<UUID, QString>> AppModel::saveAsNew(ScreenshotItem source, QImage image, QRectF rect) {
+  return runSaveAsNew(lifetime_.weak(this), std::move(source), std::move(image), rect);
 }
 
-Task<Result<UUID, QString>> AppModel::runSaveAsNew(Weak<AppModel> self, UUID id, QImage image, QRectF rect) {
-  const ScreenshotItem* source = self->items_.find(id);
-  if (!source) co_return description(OperationError::unreadable);
+Task<Result<UUID, QString>> AppModel::runSaveAsNew(Weak<AppModel> self, ScreenshotItem source, QImage image,
+                                                   QRectF rect) {
+  self->beginWritingCrop();
+  const auto writing = runWriting(self, std::move(source), std::move(image), rect);
+  const auto saved = co_await writing;
+  if (self) self->endWritingCrop();
+  co_return saved;
+}
+
+Task<Result<UUID, QString>> AppModel::runWriting(Weak<AppModel> self, ScreenshotItem source, QImage image,
+                                                 QRectF rect) {
+  const Task<> sweeping = self->replacement_.swept();
+  if (sweeping) co_await sweeping;
+  if (!self) co_return description(OperationError::noScreenshotFolder);
+  // It may have another name by now.
+  if (const ScreenshotItem* present = self->items_.find(source.id)) source.url = present->url;
   const auto folder = *self->watchFolderURL;
   if (!folder) co_return description(OperationError::noScreenshotFolder);
-  const QString stem = localized("%@ Crop", {source->url.displayStem()});
+  const QString stem = localized("%@ Crop", {source.url.displayStem()});
   const std::function<Result<FileURL, Failure>()> work = [folder, stem, image, rect] {
     return writeCropAsNew(*folder, stem, image, rect);
   };
@@ -80,19 +160,30 @@ Task<Result<UUID, QString>> AppModel::runSaveAsNew(Weak<AppModel> self, UUID id,
   const auto written = co_await writing;
   if (!written) co_return description(written.reason());
   if (!self) co_return description(OperationError::noScreenshotFolder);
-  co_return self->addDerived(*written, id);
+  co_return self->addDerived(*written, source.id);
 }
 
-/// Whoever saved it has decided to keep it.
+/// Whoever saved it has decided to keep it, also where the monitor was quicker: a disk that takes long to say that the
+/// file is safe shows it before.
 UUID AppModel::addDerived(const FileURL& url, const UUID& source) {
   dependencies_.monitor->noteKnown(url);
+  const auto identity = dependencies_.fileIdentity(url);
+  const auto known = recordIndex().atPath(pathKeyOf(url));
+  if (known && !hasLeft(*known, identity)) {
+    const size_t index = *items_.indexOf(*known);
+    updateItem(index, [&](ScreenshotItem& item) { item.sourceItemID = source; });
+    keepItem(index);
+    resolvePrompts({*known});
+    saveNow();
+    return *known;
+  }
   ScreenshotItem item;
   item.id = UUID::createUuid();
   item.url = url;
   item.createdAt = now();
   item.state = ScreenshotItem::State::permanent;
   item.sourceItemID = source;
-  item.fileIdentity = dependencies_.fileIdentity(url);
+  item.fileIdentity = identity;
   const UUID id = item.id;
   insertNewest(std::move(item));
   refreshBookmark(0, std::nullopt);

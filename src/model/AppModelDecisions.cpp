@@ -42,7 +42,9 @@ void AppModel::markTemporaryBatch(const std::vector<UUID>& ids, TemporaryDuratio
   if (decided.empty()) return;
   settings_.lastTemporaryDuration.choose(duration);
   const Date moment = now();
-  for (const UUID& id : decided) makeTemporary(*items_.indexOf(id), duration, moment);
+  changeTogether([&] {
+    for (const UUID& id : decided) makeTemporary(*items_.indexOf(id), duration, moment);
+  });
   resolvePrompts(decided);
   saveNow();
 }
@@ -85,13 +87,15 @@ Task<> AppModel::runKeepPrompt(Weak<AppModel> self, UUID id, std::optional<QStri
 
 void AppModel::keepBatch(const std::vector<UUID>& ids) {
   UUIDSet kept;
-  for (const UUID& id : ids) {
-    const auto index = items_.indexOf(id);
-    if (!index || extraction_.isSaving(id) || unavailableItemIDs->contains(id)) continue;
-    if (items_[*index].state == ScreenshotItem::State::permanent) continue;
-    keepItem(*index);
-    kept.insert(id);
-  }
+  changeTogether([&] {
+    for (const UUID& id : ids) {
+      const auto index = items_.indexOf(id);
+      if (!index || extraction_.isSaving(id) || unavailableItemIDs->contains(id)) continue;
+      if (items_[*index].state == ScreenshotItem::State::permanent) continue;
+      keepItem(*index);
+      kept.insert(id);
+    }
+  });
   if (kept.empty()) return;
   resolvePrompts(kept);
   saveNow();

@@ -19,7 +19,7 @@ bool AppModel::deletes(DisposalReason reason) const {
   return false;
 }
 
-AppModel::TrashOutcome AppModel::dispose(const UUID& id, bool deletes) {
+AppModel::TrashOutcome AppModel::dispose(const UUID& id, bool deletes, const UUIDMap<FileStamp>& asked) {
   if (protectedItems_.contains(id)) return TrashOutcome::inUse;
   const ScreenshotItem* item = items_.find(id);
   if (!item) return TrashOutcome::notTracked;
@@ -29,7 +29,7 @@ AppModel::TrashOutcome AppModel::dispose(const UUID& id, bool deletes) {
     setMember(unavailableItemIDs, id, true);
     return TrashOutcome::unreachable;
   }
-  if (isReplaced(*item)) return TrashOutcome::replaced;
+  if (isReplaced(*item) || hasChanged(*item, asked)) return TrashOutcome::replaced;
   FileOperations& files = *dependencies_.fileOperations;
   switch (deletes ? files.remove(url) : files.trash(url)) {
     case FileOutcome::done:
@@ -56,6 +56,14 @@ bool AppModel::isReplaced(const ScreenshotItem& item) const {
   const auto present = dependencies_.fileIdentity(item.url);
   return item.fileIdentity && present && item.fileIdentity->isComplete() && present->isComplete() &&
          !present->isSameInode(*item.fileIdentity);
+}
+
+/// Whether the file is not any more what it was when the person was asked about it.
+bool AppModel::hasChanged(const ScreenshotItem& item, const UUIDMap<FileStamp>& asked) const {
+  const auto stamp = asked.find(item.id);
+  if (stamp == asked.end()) return false;
+  const FileStamp present = stampOf(item.url);
+  return present != stamp->second && present.identity;
 }
 
 /// The person is asked again, now about the file that is there. That its predecessor was Temporary says nothing of it.
@@ -114,13 +122,14 @@ void AppModel::showReplaced(ErrorScope scope, const FileURL& url) {
        localized("“%@” has changed since it was shown. Look at it again, then decide.", {url.displayName()}));
 }
 
-void AppModel::disposeItem(const ScreenshotItem& item, ErrorScope scope, DisposalReason reason) {
+void AppModel::disposeItem(const ScreenshotItem& item, ErrorScope scope, DisposalReason reason,
+                           const UUIDMap<FileStamp>& asked) {
   const ScreenshotItem* present = items_.find(item.id);
   const QString name = (present ? *present : item).url.displayName();
   const UUID id = item.id;
   const bool isDeleting = deletes(reason);
   const QString title = isDeleting ? localized("Couldn’t Delete") : localized("Couldn’t Move to Trash");
-  switch (dispose(id, isDeleting)) {
+  switch (dispose(id, isDeleting, asked)) {
     case TrashOutcome::removed:
       removeRecords({id});
       saveNow();
@@ -153,9 +162,10 @@ void AppModel::disposeItem(const ScreenshotItem& item, ErrorScope scope, Disposa
   }
 }
 
-void AppModel::disposeBatch(const std::vector<ScreenshotItem>& items, ErrorScope scope, DisposalReason reason) {
+void AppModel::disposeBatch(const std::vector<ScreenshotItem>& items, ErrorScope scope, DisposalReason reason,
+                            const UUIDMap<FileStamp>& asked) {
   if (items.size() == 1) {
-    disposeItem(items.front(), scope, reason);
+    disposeItem(items.front(), scope, reason, asked);
     return;
   }
   const bool isDeleting = deletes(reason);
@@ -165,7 +175,7 @@ void AppModel::disposeBatch(const std::vector<ScreenshotItem>& items, ErrorScope
   int failed = 0;
   int unreachable = 0;
   for (const ScreenshotItem& item : items) {
-    switch (dispose(item.id, isDeleting)) {
+    switch (dispose(item.id, isDeleting, asked)) {
       case TrashOutcome::removed:
         removed.insert(item.id);
         break;

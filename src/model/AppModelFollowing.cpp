@@ -17,7 +17,9 @@ bool AppModel::followRename(const FileURL& url, const FileIdentity& identity) {
     // A second link to the file is no rename; another file that has taken the old name does not matter.
     const auto atOldPlace = dependencies_.fileIdentity(item.url);
     const bool isAnother = atOldPlace && atOldPlace->isComplete() && !atOldPlace->isSameFile(identity);
-    if (!isAbsent(item.url) && !isAnother) continue;
+    // It may be heard of here before anybody looked again for what had moved away.
+    const bool isBack = item.hasMovedAway && pathKeyOf(item.url) == pathKeyOf(url);
+    if (!isBack && !isAbsent(item.url) && !isAnother) continue;
 
     const auto oldBookmark = item.fileBookmark;
     updateItem(*index, [&](ScreenshotItem& record) {

@@ -1,3 +1,4 @@
+#include "foundation/Localized.h"
 #include "model/AppModel.h"
 
 namespace quillmere {
@@ -9,6 +10,11 @@ std::optional<CopyFailure> AppModel::knownObstacle(const UUID& id) const {
 
 void AppModel::showTransferFailure(ErrorScope scope, const UUID& id, const QString& title, const QString& message) {
   show(scopeNow(scope, id), title, message);
+}
+
+void AppModel::copyText(const QString& text) const {
+  dependencies_.pasteboard->write(text);
+  announce(localized("Text copied"), AnnouncementPriority::low);
 }
 
 Task<std::optional<PromptPreviewNotice>> AppModel::copyRecognizedText(ScreenshotItem item) {

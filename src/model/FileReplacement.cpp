@@ -56,8 +56,8 @@ Task<std::optional<QString>> FileReplacement::run(Weak<FileReplacement> self, UU
   if (!item) co_return description(OperationError::unreadable);
   const FileURL original = item->url;
   self->records_.protect(id);
-  const Task<> sweep = self->sweep_;
-  if (sweep) co_await sweep;
+  const Task<> sweeping = self->sweep_;
+  if (sweeping) co_await sweeping;
   if (!self) co_return description(OperationError::unreadable);
   const std::function<Result<FileURL, Failure>()> work = [original, image, rect] {
     return writeCropBeside(original, image, rect);
@@ -65,7 +65,8 @@ Task<std::optional<QString>> FileReplacement::run(Weak<FileReplacement> self, UU
   auto writing = self->dependencies_.executor->background(work);
   const auto temporary = co_await writing;
   if (!self) {
-    if (temporary) std::filesystem::remove(temporary->path());
+    std::error_code ignored;  // the next start removes it
+    if (temporary) std::filesystem::remove(temporary->path(), ignored);
     co_return description(OperationError::unreadable);
   }
   self->records_.unprotect(id);

@@ -37,6 +37,8 @@ class FileReplacement {
   /// Replaces the record's file by the part of `image` inside `rect`, unless it is no longer the file that the picture
   /// was `readFrom`. Gives why it failed, in words; nothing has changed then.
   Task<std::optional<QString>> replace(UUID id, QImage image, QRectF rect, FileStamp readFrom);
+  /// Done when nothing that an earlier run left will be removed any more.
+  Task<> swept() const { return sweep_; }
   /// Brings to their end what an earlier run had begun, and removes what it had not finished writing.
   void finishBegun(const std::optional<FileURL>& watchFolder);
 

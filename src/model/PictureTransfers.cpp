@@ -101,6 +101,24 @@ Task<bool> PictureTransfers::runCopy(Weak<PictureTransfers> self, ScreenshotItem
   co_return false;
 }
 
+Task<bool> PictureTransfers::copyCrop(QImage image, QRectF rect) {
+  return runCropCopy(lifetime_.weak(this), std::move(image), rect);
+}
+
+Task<bool> PictureTransfers::runCropCopy(Weak<PictureTransfers> self, QImage image, QRectF rect) {
+  const int number = ++self->copies_;
+  PromptPreviewTransfer transfer;
+  transfer.crop = PromptPreviewTransfer::Crop{std::move(image), rect};
+  auto encoding = self->dependencies_.executor->background([transfer] { return transfer.data(); });
+  const auto data = co_await encoding;
+  if (!self) co_return false;
+  if (number != self->copies_) co_return true;
+  if (!data) co_return false;
+  self->dependencies_.pasteboard->write(ScreenshotPasteboardItem{std::nullopt, transfer.contentType(), *data});
+  self->dependencies_.announcer->announce(localized("Cropped image copied."), AnnouncementPriority::low);
+  co_return true;
+}
+
 std::function<Result<ScreenshotPasteboardItem, CopyFailure>()> PictureTransfers::reading(
     const PromptPreviewTransfer& transfer) const {
   return [transfer, isDataless = dependencies_.isDataless,

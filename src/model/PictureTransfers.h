@@ -33,6 +33,9 @@ class PictureTransfers {
 
   /// Of several that are under way at once the last one counts, whichever is read first.
   Task<bool> copy(ScreenshotItem item, ErrorScope scope);
+  /// The same of a part of a picture in memory. A failure is the caller's to show; a copy that a later one overtook has
+  /// none to show.
+  Task<bool> copyCrop(QImage image, QRectF rect);
   /// Nothing when it failed, which is shown.
   Task<std::optional<PreparedTransfer>> prepare(ScreenshotItem item, std::optional<QString> name);
 
@@ -43,6 +46,7 @@ class PictureTransfers {
 
  private:
   void removeCopies(const UUID& id);
+  static Task<bool> runCropCopy(Weak<PictureTransfers> self, QImage image, QRectF rect);
   static Task<bool> runCopy(Weak<PictureTransfers> self, ScreenshotItem item, ErrorScope scope);
   static Task<std::optional<PreparedTransfer>> runPreparation(Weak<PictureTransfers> self, ScreenshotItem item,
                                                               std::optional<QString> name);

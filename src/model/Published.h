@@ -55,15 +55,15 @@ enum class ModelField {
 struct ModelChange {
   enum class Rows { none, inserted, changed, removed };
   ModelField field;
-  Rows rows = Rows::none;       ///< of `items` only
-  std::vector<size_t> indices;  ///< ascending; of removed rows those that they had before
+  Rows rows = Rows::none;            ///< of `items` only
+  std::vector<size_t> indices = {};  ///< ascending; of removed rows those that they had before
 };
 
 /// A field that anyone may read and follow, and that only its owner sets.
-template <typename T, typename Owner>
+template <typename T, typename Owner, typename Change = ModelChange>
 class Published {
  public:
-  Published(Signal<const ModelChange&>& changed, ModelField field, T value = {})
+  Published(Signal<const Change&>& changed, decltype(Change::field) field, T value = {})
       : changed_(changed), field_(field), value_(std::move(value)) {}
   Published(const Published&) = delete;
   Published& operator=(const Published&) = delete;
@@ -77,12 +77,12 @@ class Published {
   bool set(T value) {
     if (value == value_) return false;
     value_ = std::move(value);
-    changed_(ModelChange{field_, ModelChange::Rows::none, {}});
+    changed_(Change{field_});
     return true;
   }
 
-  Signal<const ModelChange&>& changed_;
-  ModelField field_;
+  Signal<const Change&>& changed_;
+  decltype(Change::field) field_;
   T value_;
 };
 

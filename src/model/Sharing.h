@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtCore/QStringList>
 #include <vector>
 
 #include "foundation/Task.h"
@@ -21,10 +22,11 @@ struct ShareTarget {
 class Sharing {
  public:
   virtual ~Sharing() = default;
-  /// Those that take pictures of this type, group by group, and in each the one that was used last first.
-  virtual Task<std::vector<ShareTarget>> targets(QString contentType) = 0;
-  /// Whether it was taken.
-  virtual Task<bool> share(PreparedTransfer transfer, QString targetID) = 0;
+  /// Those that take pictures of every one of these types, group by group, and in each the one that was used last
+  /// first.
+  virtual Task<std::vector<ShareTarget>> targets(QStringList contentTypes) = 0;
+  /// All at once: one message, one start of a program. Whether they were taken; where one of them is gone, none is.
+  virtual Task<bool> share(std::vector<PreparedTransfer> transfers, QString targetID) = 0;
 };
 
 }  // namespace quillmere

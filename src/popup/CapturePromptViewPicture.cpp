@@ -2,13 +2,14 @@
 
 #include <QtGui/QDrag>
 #include <QtGui/QGuiApplication>
-#include <QtGui/QIcon>
 #include <QtGui/QRasterWindow>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 
 #include "controls/PictureMimeData.h"
+#include "controls/TargetMenu.h"
 #include "foundation/Localized.h"
+#include "model/Protection.h"
 #include "popup/CapturePromptView.h"
 #include "popup/PromptDetails.h"
 #include "popup/PromptPreview.h"
@@ -18,34 +19,6 @@
 
 namespace quillmere {
 namespace {
-
-QIcon iconOf(const ShareTarget& target) {
-  const bool isFile = target.icon.startsWith(QLatin1Char('/'));
-  const QIcon icon = isFile ? QIcon(target.icon) : QIcon::fromTheme(target.icon);
-  // A file that is no picture leaves the icon empty as well, and names would not stand below each other.
-  if (!icon.isNull() && !icon.pixmap(16).isNull()) return icon;
-  return QIcon::fromTheme(QStringLiteral("application-x-executable"));
-}
-
-/// In a menu a tab begins another column and an ampersand underlines a letter.
-QString menuText(const QString& name, const QFontMetrics& metrics) {
-  constexpr int kWidest = 320;
-  QString text = metrics.elidedText(name.simplified(), Qt::ElideRight, kWidest);
-  return text.replace(QLatin1Char('&'), QLatin1String("&&"));
-}
-
-/// While it lives the record's file stays where it is, and its popup does not time out.
-class Protection {
- public:
-  Protection(AppModel& model, const UUID& id) : model_(model), id_(id) { model_.protect(id_); }
-  ~Protection() { model_.unprotect(id_); }
-  Protection(const Protection&) = delete;
-  Protection& operator=(const Protection&) = delete;
-
- private:
-  AppModel& model_;
-  UUID id_;
-};
 
 /// While it lives keys come to this program, so that Escape ends a drag of a window that never had the keyboard; the
 /// other application keeps it for afterwards. They come by a window of which the window manager knows nothing: some
@@ -69,12 +42,14 @@ class GrabbedKeyboard {
 /// The target that the person chooses; none when the menu is closed without a choice.
 std::optional<QString> chooseTarget(AppModel& model, const UUID& id, const std::vector<ShareTarget>& targets,
                                     QWidget& anchor) {
-  const Protection protection(model, id);
+  const Protection protection(model, {id});
   QMenu menu(&anchor);
-  for (size_t i = 0; i < targets.size(); ++i) {
-    if (i > 0 && targets[i].group != targets[i - 1].group) menu.addSeparator();
-    menu.addAction(iconOf(targets[i]), menuText(targets[i].name, menu.fontMetrics()))->setData(targets[i].id);
+  std::vector<MenuTarget> shown;
+  for (const ShareTarget& target : targets) {
+    const bool beginsGroup = !shown.empty() && target.group != targets[shown.size() - 1].group;
+    shown.push_back({target.id, target.name, target.icon, beginsGroup});
   }
+  addTargets(menu, shown);
   if (targets.empty()) menu.addAction(localized("No app on this computer takes pictures"))->setEnabled(false);
   const QAction* chosen = menu.exec(anchor.mapToGlobal(QPoint(0, anchor.height() + 4)));
   return chosen && chosen->data().isValid() ? std::optional(chosen->data().toString()) : std::nullopt;
@@ -146,7 +121,7 @@ Task<> CapturePromptView::share(Weak<CapturePromptView> self, QWidget* anchor) {
   const bool isCropped = self->content_->shownPart().has_value();
   const QString type = isCropped ? imageContentType(PictureFormat::png) : imageContentType(item.url);
   self->isChoosingTarget_ = true;
-  const auto asking = self->services_.sharing->targets(type);
+  const auto asking = self->services_.sharing->targets(QStringList(type));
   const auto targets = co_await asking;
   if (!self) co_return;
   std::optional<QString> target;
@@ -156,7 +131,7 @@ Task<> CapturePromptView::share(Weak<CapturePromptView> self, QWidget* anchor) {
   const auto preparing = self->model_.prepareTransfer(self->content_->item, self->newName());
   const auto prepared = co_await preparing;
   if (!self || !prepared) co_return;
-  const auto sharing = self->services_.sharing->share(*prepared, *target);
+  const auto sharing = self->services_.sharing->share(std::vector<PreparedTransfer>(1, *prepared), *target);
   const bool isTaken = co_await sharing;
   if (!self || isTaken || !self->isShown(item.id)) co_return;
   self->model_.show(ErrorScope::popup, localized("Couldn’t Share Screenshot"),
@@ -171,7 +146,7 @@ Task<> CapturePromptView::drag(Weak<CapturePromptView> self) {
   const auto prepared = co_await preparing;
   if (!self || !prepared || !self->isShown(id)) co_return;
   if (!QGuiApplication::mouseButtons().testFlag(Qt::LeftButton)) co_return;
-  const Protection protection(self->model_, id);
+  const Protection protection(self->model_, {id});
   auto* drag = new QDrag(self.get());
   drag->setMimeData(new PictureMimeData(prepared->file, prepared->contentType, std::nullopt));
   const QPixmap picture = self->preview_->dragPicture();

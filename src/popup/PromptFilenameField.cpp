@@ -24,7 +24,7 @@ PromptFilenameField::PromptFilenameField(QWidget* parent) : QLineEdit(parent) {
   setAccessibleName(localized("Filename"));
   setNote(std::nullopt);
   setToolTip(localized("Rename this screenshot. Keep and Temporary save it with this name."));
-  followTheme();
+  letFieldShow(*this);
 }
 
 void PromptFilenameField::setNote(const std::optional<QString>& note) {
@@ -37,18 +37,8 @@ QSize PromptFilenameField::sizeHint() const {
   return {QLineEdit::sizeHint().width(), Metrics::kControlHeight};
 }
 
-void PromptFilenameField::followTheme() {
-  const QColor text = Theme(palette()).text;
-  QPalette own = palette();
-  // Setting a palette is itself a change of it.
-  if (own.color(QPalette::Base).alpha() == 0 && own.color(QPalette::Text) == text) return;
-  own.setColor(QPalette::Base, Qt::transparent);
-  own.setColor(QPalette::Text, text);
-  setPalette(own);
-}
-
 void PromptFilenameField::changeEvent(QEvent* event) {
-  if (event->type() == QEvent::PaletteChange) followTheme();
+  if (event->type() == QEvent::PaletteChange) letFieldShow(*this);
   QLineEdit::changeEvent(event);
 }
 

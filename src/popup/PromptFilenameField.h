@@ -16,9 +16,6 @@ class PromptFilenameField final : public QLineEdit {
  protected:
   void paintEvent(QPaintEvent* event) override;
   void changeEvent(QEvent* event) override;
-
- private:
-  void followTheme();
 };
 
 }  // namespace quillmere

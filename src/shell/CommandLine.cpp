@@ -6,10 +6,14 @@
 namespace quillmere::CommandLine {
 namespace {
 
+constexpr int kUnknownWindow = 1;
 constexpr int kMisunderstood = 2;
 
-Answer complaint(const QString& text) {
-  return {QStringLiteral("quillmere: %1 Try: quillmere --help\n").arg(text), true};
+/// As the requests of other processes name them.
+const QStringList kWindows{QStringLiteral("inbox"), QStringLiteral("settings")};
+
+Answer complaint(const QString& text, int status = kMisunderstood) {
+  return {QStringLiteral("quillmere: %1 Try: quillmere --help\n").arg(text), status};
 }
 
 /// The parser's own first line names the program by the application object, which is not there yet.
@@ -23,6 +27,10 @@ QString helpOf(const QCommandLineParser& parser) {
 std::variant<Start, Answer> read(const QStringList& arguments) {
   const QCommandLineOption autostart(QStringLiteral("autostart"),
                                      QStringLiteral("Start quietly, as at login: the Inbox stays closed."));
+  const QCommandLineOption show(QStringLiteral("show"), QStringLiteral("Open a window: inbox or settings."),
+                                QStringLiteral("window"));
+  const QCommandLineOption review(QStringLiteral("review"),
+                                  QStringLiteral("Go through the screenshots that wait, by keyboard."));
   const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this text."));
   const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
                                    QStringLiteral("Show the version."));
@@ -35,7 +43,7 @@ std::variant<Start, Answer> read(const QStringList& arguments) {
   parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
   parser.setApplicationDescription(
       QStringLiteral("Watches the folder for screenshots and asks what becomes of each one."));
-  parser.addOptions({autostart, help, version, session});
+  parser.addOptions({autostart, show, review, help, version, session});
   const bool isUnderstood = parser.parse(QStringList(QStringLiteral("quillmere")) + arguments);
 
   if (!isUnderstood) return complaint(parser.errorText());
@@ -44,7 +52,18 @@ std::variant<Start, Answer> read(const QStringList& arguments) {
   if (!parser.positionalArguments().isEmpty()) {
     return complaint(QStringLiteral("Unexpected argument '%1'.").arg(parser.positionalArguments().constFirst()));
   }
-  return Start{.isLoginLaunch = parser.isSet(autostart)};
+  Start start{.isLoginLaunch = parser.isSet(autostart), .action = {}};
+  if (parser.isSet(show)) {
+    start.action = parser.value(show);
+    if (!kWindows.contains(start.action)) {
+      return complaint(QStringLiteral("Unknown window '%1'.").arg(start.action.simplified()), kUnknownWindow);
+    }
+  }
+  if (parser.isSet(review)) {
+    if (parser.isSet(show)) return complaint(QStringLiteral("Both '--show' and '--review' are given."));
+    start.action = QStringLiteral("review");
+  }
+  return start;
 }
 
 std::variant<Start, Answer> read(int argc, char** argv) {
@@ -55,8 +74,8 @@ std::variant<Start, Answer> read(int argc, char** argv) {
 
 int Answer::print() const {
   const QByteArray bytes = text.toLocal8Bit();
-  std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), isComplaint ? stderr : stdout);
-  return isComplaint ? kMisunderstood : EXIT_SUCCESS;
+  std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), isComplaint() ? stderr : stdout);
+  return status;
 }
 
 }  // namespace quillmere::CommandLine

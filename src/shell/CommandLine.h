@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtCore/QStringList>
+#include <cstdlib>
 #include <variant>
 
 namespace quillmere {
@@ -11,14 +12,16 @@ namespace CommandLine {
 
 struct Start {
   bool isLoginLaunch = false;  ///< started with the session, not by the person
+  QString action;              ///< of the launcher entry, which is to be performed; empty without one
 };
 
 /// Printed instead of starting.
 struct Answer {
   QString text;
-  bool isComplaint = false;
+  int status = EXIT_SUCCESS;  ///< what was asked for is no failure, what was not understood is one
 
-  /// The process's exit status: what was asked for is no failure, what was not understood is one.
+  bool isComplaint() const { return status != EXIT_SUCCESS; }
+  /// Gives the process's exit status.
   int print() const;
 };
 

@@ -4,6 +4,8 @@
 #include <memory>
 
 #include "controls/Appearance.h"
+#include "formats/SharedThumbnails.h"
+#include "inbox/InboxServices.h"
 #include "model/AppModelDependencies.h"
 #include "popup/CapturePromptPanelController.h"
 #include "shell/DesktopFileDialogs.h"
@@ -27,10 +29,14 @@ class Platform {
   virtual SystemEvents& systemEvents() = 0;
   /// Whether a file is dataless. Any thread.
   virtual bool isDataless(const FileURL& url) const = 0;
+  /// The thumbnails that the programs of this desktop share; null where they share none.
+  virtual std::shared_ptr<SharedThumbnails> sharedThumbnails() { return nullptr; }
   /// What the model needs, less what the program's own windows bring.
   virtual AppModelDependencies modelDependencies() = 0;
   /// The same of the popup.
   virtual CapturePromptPanelController::Services popupServices() = 0;
+  /// And of the Inbox.
+  virtual InboxServices inboxServices() = 0;
   /// Tells how the desktop wants its programs to look, now and at each change.
   virtual void followAppearance(std::function<void(const Appearance&)> show) = 0;
   /// Lets the services follow what the model decides. The model may go first.
@@ -44,8 +50,8 @@ class PlatformStart {
  public:
   virtual ~PlatformStart() = default;
   /// Once the application object is there. Null when the program runs already for this person; that one has then been
-  /// asked to come to the front.
-  virtual std::unique_ptr<Platform> begin(PlatformRequests requests) = 0;
+  /// asked to perform the action, or without one to come to the front.
+  virtual std::unique_ptr<Platform> begin(PlatformRequests requests, const QString& action) = 0;
 };
 
 /// Before the application object, and while the main thread is the only one. The one function that a folder of

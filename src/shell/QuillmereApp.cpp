@@ -1,6 +1,8 @@
 #include "shell/QuillmereApp.h"
 
+#include <QtCore/QThread>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QDialog>
 
 #include "controls/Symbol.h"
 #include "inbox/InboxWindow.h"
@@ -9,19 +11,33 @@
 namespace quillmere {
 namespace {
 
+/// The sheet or question that is open over it, which has the keyboard as long as it holds the window up.
+QWidget& foremostOver(QWidget& window) {
+  for (QDialog* dialog : window.findChildren<QDialog*>(QString(), Qt::FindDirectChildrenOnly)) {
+    if (dialog->isModal() && dialog->isVisible()) return foremostOver(*dialog);
+  }
+  return window;
+}
+
 void bringForward(QWidget& window) {
   window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
   window.show();
-  window.raise();
-  window.activateWindow();
+  QWidget& foremost = foremostOver(window);
+  foremost.raise();
+  foremost.activateWindow();
+}
+
+/// A menu, a drag or a question runs the events itself, and returns into the window that it was opened from.
+bool isInsideOfAWindow() {
+  return QThread::currentThread()->loopLevel() > 1 || QApplication::activeModalWidget();
 }
 
 }  // namespace
 
-QuillmereApp::QuillmereApp(AppModel& model, ThumbnailLoader& thumbnails, SystemEvents& systemEvents)
+QuillmereApp::QuillmereApp(AppModel& model, const InboxServices& inboxServices, SystemEvents& systemEvents)
     : confirmQuit(&Confirmations::quit),
       model_(model),
-      thumbnails_(thumbnails),
+      inboxServices_(inboxServices),
       menuBarExtra_({[this] { openInbox(); }, [this] { model_.reviewPending(FocusNews::silent); },
                      [this] { openSettings(); }, [this] { quit(); }}) {
   // It stays and watches when the last window closes.
@@ -39,10 +55,12 @@ QuillmereApp::QuillmereApp(AppModel& model, ThumbnailLoader& thumbnails, SystemE
 
 QuillmereApp::~QuillmereApp() = default;
 
-void QuillmereApp::didFinishLaunching(Launch launch) {
+void QuillmereApp::didFinishLaunching(const Launch& launch) {
   model_.start();
-  // Started with the session and with a folder chosen, it stays silent.
-  if (!*model_.watchFolderURL || !launch.isLoginLaunch) openInbox();
+  // Started with the session and with a folder chosen, it stays silent; started for something else, it does that.
+  const bool hasErrand = launch.isLoginLaunch || !launch.action.isEmpty();
+  if (!*model_.watchFolderURL || !hasErrand) openInbox();
+  perform(launch.action);
 }
 
 void QuillmereApp::reopen() {
@@ -62,14 +80,19 @@ void QuillmereApp::perform(const QString& action) {
 }
 
 void QuillmereApp::openInbox() {
+  // One that could not go when it was closed; what was sought in it is over.
+  if (inbox_ && !isInboxShown() && !isInsideOfAWindow()) inbox_.reset();
   if (!inbox_) {
-    inbox_ = std::make_unique<InboxWindow>(model_, thumbnails_);
+    inbox_ = std::make_unique<InboxWindow>(model_, inboxServices_);
+    inbox_->onOpenSettings = [this] { openSettings(); };
+    inbox_->onQuit = [this] { quit(); };
+    inbox_->takeKeyboard();
     // Later: the window is still in the middle of closing.
     inbox_->onClosed = [this] {
       QMetaObject::invokeMethod(
           &observer_,
           [this] {
-            if (!isInboxShown() && !QApplication::activeModalWidget()) inbox_.reset();
+            if (!isInboxShown() && !isInsideOfAWindow()) inbox_.reset();
           },
           Qt::QueuedConnection);
     };
@@ -102,8 +125,10 @@ void QuillmereApp::quit() {
   quitWithoutAsking();
 }
 
+/// A crop that is being written comes first, as far as somebody who asks twice can wait.
 void QuillmereApp::quitWithoutAsking() {
-  QApplication::exit(0);
+  if (!model_.isWritingCrops() || std::exchange(isQuitting_, true)) return QApplication::exit(0);
+  model_.onCropsWritten = [] { QApplication::exit(0); };
 }
 
 void QuillmereApp::willTerminate() {

@@ -4,7 +4,7 @@
 #include <functional>
 #include <memory>
 
-#include "formats/ThumbnailLoader.h"
+#include "inbox/InboxServices.h"
 #include "model/AppModel.h"
 #include "shell/Confirmations.h"
 #include "shell/MenuBarExtra.h"
@@ -20,11 +20,12 @@ class QuillmereApp {
  public:
   struct Launch {
     bool isLoginLaunch = false;  ///< started with the session, not by the person
+    QString action = {};         ///< for `perform`; empty without one
   };
-  QuillmereApp(AppModel& model, ThumbnailLoader& thumbnails, SystemEvents& systemEvents);
+  QuillmereApp(AppModel& model, const InboxServices& inboxServices, SystemEvents& systemEvents);
   ~QuillmereApp();
 
-  void didFinishLaunching(Launch launch);
+  void didFinishLaunching(const Launch& launch);
   /// The person opened the application again.
   void reopen();
   /// What the launcher's menu and the session bus can ask for: "inbox", "review", "settings", "quit".
@@ -43,13 +44,14 @@ class QuillmereApp {
 
  private:
   AppModel& model_;
-  ThumbnailLoader& thumbnails_;
+  InboxServices inboxServices_;
   std::unique_ptr<InboxWindow> inbox_;
   std::unique_ptr<SettingsWindow> settings_;
   MenuBarExtra menuBarExtra_;
   Connection changes_;
   QObject observer_;
   bool isAskingToQuit_ = false;
+  bool isQuitting_ = false;
 };
 
 }  // namespace quillmere

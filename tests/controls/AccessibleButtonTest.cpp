@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <QtGui/QAccessible>
+#include <QtWidgets/QMenu>
 
 #include "support/Printing.h"
 
@@ -57,6 +58,28 @@ TEST_F(AccessibleButtonTest, TellsWhetherItIsTheDefaultOneAndWhetherItIsDown) {
   button.setDown(true);
   EXPECT_TRUE(heard().state().defaultButton);
   EXPECT_TRUE(heard().state().pressed);
+}
+
+TEST_F(AccessibleButtonTest, AMenuOpensAfterTheReaderHasItsAnswer) {
+  QMenu menu;
+  menu.addAction(QStringLiteral("1 Minute"));
+  button.setMenu(&menu);
+  setAccessibleMenu(button);
+  EXPECT_EQ(heard().role(), QAccessible::ButtonMenu);
+  EXPECT_EQ(heard().text(QAccessible::Name), QStringLiteral("Temporary"));
+  EXPECT_TRUE(heard().state().hasPopup);
+  bool isAnswered = false;
+  int opened = 0;
+  QObject::connect(&menu, &QMenu::aboutToShow, &menu, [&] {
+    EXPECT_TRUE(isAnswered);
+    ++opened;
+    QMetaObject::invokeMethod(&menu, &QWidget::close, Qt::QueuedConnection);
+  });
+  button.show();
+  actions().doAction(QAccessibleActionInterface::showMenuAction());
+  isAnswered = true;
+  QCoreApplication::processEvents();
+  EXPECT_EQ(opened, 1);
 }
 
 TEST_F(AccessibleButtonTest, OtherButtonsStayAsTheyAre) {

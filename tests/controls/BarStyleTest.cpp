@@ -77,5 +77,37 @@ TEST_F(BarStyleTest, ProgressRunsWithTheLanguage) {
   EXPECT_EQ(drawn(bar, &BarStyle::paintProgress).pixelColor(85, 5), theme().focusRing);
 }
 
+TEST_F(BarStyleTest, AScrollBarsHandleGrowsUnderThePointer) {
+  QStyleOptionSlider bar = scrollBar(0);
+  EXPECT_EQ(drawn(bar, &BarStyle::paintScrollBar).pixelColor(3, 25), QColor(Qt::magenta));
+  bar.state |= QStyle::State_MouseOver;
+  bar.activeSubControls = QStyle::SC_ScrollBarSlider;
+  EXPECT_EQ(drawn(bar, &BarStyle::paintScrollBar).pixelColor(3, 25), theme().secondaryText);
+}
+
+TEST_F(BarStyleTest, AMenusTitleHasAGroundWhileItIsPointedAtOrOpen) {
+  const auto paint =
+      +[](const QStyleOptionMenuItem& title, QPainter& painter) { BarStyle::paintMenuTitle(title, painter, false); };
+  QStyleOptionMenuItem title;
+  title.rect = QRect(QPoint(), BarStyle::menuTitleSize(QSize(40, 16)));
+  title.palette = QApplication::palette();
+  title.state = QStyle::State_Enabled;
+  EXPECT_EQ(drawn(title, paint).pixelColor(4, 14), QColor(Qt::magenta));
+  title.state |= QStyle::State_Selected;
+  const QColor pointedAt = drawn(title, paint).pixelColor(4, 14);
+  EXPECT_NE(pointedAt, QColor(Qt::magenta));
+  title.state |= QStyle::State_Sunken;
+  EXPECT_NE(drawn(title, paint).pixelColor(4, 14), pointedAt);
+}
+
+TEST_F(BarStyleTest, PanesArePartedByOneLineHoweverWideTheHandleIs) {
+  QStyleOption handle;
+  handle.rect = QRect(0, 0, 5, 40);
+  handle.palette = QApplication::palette();
+  handle.state = QStyle::State_Enabled | QStyle::State_Horizontal;
+  const QImage picture = drawn(handle, &BarStyle::paintSplitter);
+  for (int x = 0; x < 5; ++x) EXPECT_EQ(picture.pixelColor(x, 20) != QColor(Qt::magenta), x == 2) << x;
+}
+
 }  // namespace
 }  // namespace quillmere

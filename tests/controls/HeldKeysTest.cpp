@@ -1,6 +1,7 @@
 #include "controls/HeldKeys.h"
 
 #include <gtest/gtest.h>
+#include <qpa/qwindowsysteminterface.h>
 #include <QtGui/QShortcut>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
@@ -43,6 +44,11 @@ class HeldKeysTest : public ::testing::Test {
       QTest::keyPress(shown.windowHandle(), key);
       QTest::qWait(1);
     }
+  }
+  static void giveKeyboardToAnotherProgram() {
+    QWindowSystemInterface::handleWindowActivated(nullptr);
+    QCoreApplication::processEvents();
+    ASSERT_EQ(QGuiApplication::focusWindow(), nullptr);
   }
   void hold(Qt::Key key, int repeats = 5) { hold(window, key, repeats); }
   void release(Qt::Key key) { QTest::keyRelease(window.windowHandle(), key); }
@@ -115,13 +121,38 @@ TEST_F(HeldKeysTest, AKeyIsHeldAcrossWindows) {
 TEST_F(HeldKeysTest, AReleaseWhileAnotherProgramHadTheKeyboardIsFoundOut) {
   Pad other;
   hold(Qt::Key_Return);
+  giveKeyboardToAnotherProgram();
   show(other);
+  hold(other, Qt::Key_Return, 3);
+  EXPECT_EQ(other.presses[Qt::Key_Return], 1);
+}
+
+TEST_F(HeldKeysTest, AReleaseThatNoWindowWasToldOfIsFoundOut) {
+  Pad other;
+  hold(Qt::Key_Return);
+  show(other);
+  hold(other, Qt::Key_Return, 3);
+  EXPECT_EQ(other.presses[Qt::Key_Return], 1);
+}
+
+TEST_F(HeldKeysTest, AKeyThatIsDownBeforeItsWindowKnowsOfTheKeyboardCounts) {
+  Pad other;
+  QShortcut shortcut(Qt::Key_Escape, &other);
+  int escapes = 0;
+  QObject::connect(&shortcut, &QShortcut::activated, [&] { ++escapes; });
+  hold(Qt::Key_Space);
+  release(Qt::Key_Space);
+  down = {Qt::Key_Return, Qt::Key_Escape};
+  show(other);
+  hold(other, Qt::Key_Escape, 3);
+  EXPECT_EQ(escapes, 1);
   hold(other, Qt::Key_Return, 3);
   EXPECT_EQ(other.presses[Qt::Key_Return], 1);
 }
 
 TEST_F(HeldKeysTest, AKeyThatWasPressedForAnotherProgramDecidesNothing) {
   Pad other;
+  giveKeyboardToAnotherProgram();
   down = {Qt::Key_Return};
   show(other);
   hold(other, Qt::Key_Return, 3);

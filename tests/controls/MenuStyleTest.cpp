@@ -109,5 +109,24 @@ TEST_F(MenuStyleTest, ASeparatorIsALowRowWithALine) {
   EXPECT_EQ(drawn().pixelColor(100, 1), theme().card);
 }
 
+TEST_F(MenuStyleTest, TheIconOfTheChosenRowIsThatForItsGround) {
+  const QColor forTheAccent(0xff00ff);
+  item.icon = QIcon(symbolPixmap(QStringLiteral("photo"), 16, Qt::black, 1));
+  item.icon.addPixmap(symbolPixmap(QStringLiteral("photo"), 16, forTheAccent, 1), QIcon::Active);
+  item.maxIconWidth = 20;
+  const auto shows = [this, &forTheAccent] {
+    const QImage image = drawn();
+    for (int y = 0; y < image.height(); ++y) {
+      for (int x = 0; x < 40; ++x) {
+        if (image.pixelColor(x, y) == forTheAccent) return true;
+      }
+    }
+    return false;
+  };
+  EXPECT_FALSE(shows());
+  item.state |= QStyle::State_Selected;
+  EXPECT_TRUE(shows());
+}
+
 }  // namespace
 }  // namespace quillmere

@@ -32,5 +32,17 @@ TEST(PlainTextTest, AToolTipSaysWhatItWasGiven) {
   EXPECT_EQ(widget.toolTip(), QString());
 }
 
+TEST(PlainText, LongWordsMayBreakAndKeepEveryLetter) {
+  EXPECT_EQ(breakable(QStringLiteral("Screenshot from today.png")), QStringLiteral("Screenshot from today.png"));
+  const QChar gap(0x200b);
+  EXPECT_EQ(breakable(QStringLiteral("of_the")), QStringLiteral("of_") + gap + QStringLiteral("the"));
+  const QString name = QString(100, QLatin1Char('n'));
+  QString broken = breakable(name);
+  EXPECT_GE(broken.count(gap), 3);
+  EXPECT_EQ(broken.remove(gap), name);
+  const QString faces = QStringLiteral("😀").repeated(40);
+  EXPECT_FALSE(breakable(faces).contains(QChar(0xd83d) + QString(gap))) << "no letter is cut in two";
+}
+
 }  // namespace
 }  // namespace quillmere

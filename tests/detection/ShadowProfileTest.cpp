@@ -11,6 +11,12 @@ namespace {
 std::optional<std::vector<double>> profile(Side side, const plain::Gray& gray, const QRectF& frame, int64_t depth) {
   const auto found = brightnessProfile(side, pictures::grayImage(gray), frame, depth);
   EXPECT_EQ(found, plain::brightnessProfile(side, gray, frame, depth));
+  // What is farther out can be had alone.
+  for (const int64_t known : {int64_t{1}, depth / 3, depth / 2, depth - 1}) {
+    if (known < 1 || known >= depth) continue;
+    const auto farther = brightnessProfile(side, pictures::grayImage(gray), frame, depth, known);
+    EXPECT_EQ(farther, found ? std::optional(std::vector<double>(found->begin() + known, found->end())) : std::nullopt);
+  }
   return found;
 }
 

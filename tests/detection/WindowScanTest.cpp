@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 #include <QtCore/QRectF>
+#include <QtGui/QTransform>
 
 #include "foundation/ManualExecutor.h"
 #include "support/DrawnPictures.h"
 #include "support/Files.h"
+#include "support/Images.h"
 #include "support/TemporaryFolder.h"
 
 namespace quillmere::testing {
@@ -39,6 +41,48 @@ TEST_F(WindowScanTest, GivesThePictureWithItsWindows) {
   ASSERT_EQ(scan->windows.size(), 1u);
   EXPECT_EQ(scan->windows[0].frame, kFrame);
   EXPECT_EQ(scan->windows, ImageOperations::detectWindows(scan->image, 2.0)) << "at the scale that the file tells";
+}
+
+TEST_F(WindowScanTest, StopsBetweenItsStepsWhenItIsCancelled) {
+  const FileURL url = savedPicture();
+  int asked = 0;
+  for (int last = 1; last <= 2; ++last) {
+    asked = 0;
+    const auto scan = ImageOperations::scanWindowsNow(url, [&] { return ++asked == last; });
+    EXPECT_FALSE(scan);
+    EXPECT_EQ(asked, last);
+  }
+  executor.holdBackground();
+  const auto task = ImageOperations::scanWindows(executor, url, [&](const FileURL&) {
+    ++asked;
+    return false;
+  });
+  asked = 0;
+  task.cancel();
+  executor.runHeldBackground();
+  ASSERT_TRUE(task.isDone());
+  EXPECT_FALSE(task.await_resume());
+  EXPECT_EQ(asked, 0) << "its file is not even looked at";
+}
+
+TEST_F(WindowScanTest, MeasuresAPictureAsItIsSeen) {
+  plain::Gray gray(640, 480, 120);
+  pictures::outline(gray, kFrame, 20);
+  const QImage seen = pictures::image(gray);
+  // Stored lying on its side, with the word to turn it clockwise.
+  const QImage stored = seen.transformed(QTransform().rotate(-90));
+  const FileURL url = home.file("turned.png");
+  ASSERT_TRUE(stored.save(url.displayPath()));
+  std::string bytes = readBytes(url);
+  bytes.insert(bytes.find("IDAT") - 4, pngChunk("eXIf", std::string("MM\0*\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01"
+                                                                    "\0\x06\0\0\0\0\0\0",
+                                                                    26)));
+  writeFile(url, bytes);
+  const auto scan = ImageOperations::scanWindowsNow(url);
+  ASSERT_TRUE(scan);
+  EXPECT_EQ(scan->image.size(), seen.size());
+  ASSERT_EQ(scan->windows.size(), 1u);
+  EXPECT_EQ(scan->windows[0].frame, kFrame);
 }
 
 TEST_F(WindowScanTest, RunsInTheBackground) {

@@ -1,13 +1,17 @@
 #include "formats/ImageEncoding.h"
 
+#include <sys/resource.h>
 #include <QtGui/QColorSpace>
 #include <QtGui/QImageReader>
+#include <fstream>
+#include <random>
 
 #include "formats/ImageFile.h"
 #include "formats/ImageOperations.h"
 #include "formats/ImageScale.h"
 #include "formats/Pictures.h"
 #include "formats/PngChunks.h"
+#include "support/ChildProcess.h"
 #include "support/Files.h"
 #include "support/TemporaryFolder.h"
 
@@ -95,6 +99,28 @@ TEST_F(ImageEncoding, APngComesBackAsItWas) {
     const QImage again = back(image, PictureFormat::png);
     EXPECT_EQ(again.format(), format);
     EXPECT_EQ(again, image);
+  }
+}
+
+/// A picture of random bytes in every format that there is.
+TEST_F(ImageEncoding, EveryFormatComesBackFromAPngAsTheGeneralWriterWritesIt) {
+  constexpr unsigned kSeed = 20261122;
+  std::mt19937 random(kSeed);
+  for (int i = QImage::Format_Invalid + 1; i < QImage::NImageFormats; ++i) {
+    for (const QSize size : {QSize(1, 1), QSize(1, 9), QSize(13, 1), QSize(37, 23)}) {
+      QImage noise(size, QImage::Format_RGBA64);
+      for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < 8 * size.width(); ++x) noise.scanLine(y)[x] = static_cast<uchar>(random());
+      }
+      QImage image = noise.convertToFormat(static_cast<QImage::Format>(i));
+      image.setColorSpace(QColorSpace::DisplayP3);
+      const QByteArray bytes = bytesOf(image, PictureFormat::png);
+      const QImage expected = QImage::fromData(QByteArray::fromStdString(testing::encoded(image, "png")));
+      const QImage again = QImage::fromData(bytes);
+      EXPECT_EQ(again, expected) << "seed " << kSeed << ", format " << i << ", width " << size.width();
+      EXPECT_EQ(again.format(), expected.format()) << "format " << i;
+      EXPECT_EQ(again.colorSpace(), expected.colorSpace()) << "format " << i;
+    }
   }
 }
 
@@ -209,6 +235,42 @@ TEST_F(ImageEncoding, WhatATypeCannotHoldFailsAsEncoding) {
   EXPECT_EQ(bytes.reason(), ImageOperations::OperationError::encoding);
   EXPECT_TRUE(encode(wide, PictureFormat::png));
 }
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // they take all addresses there are
+enum Outcome { kFailedAndThenDone, kNeverDone, kNeverFailed, kOtherFailure, kThrown };
+
+/// With ever more memory left.
+int outcomeWithLittleMemory(const QImage& image, PictureFormat type) {
+  constexpr rlim_t kMegabyte = 1 << 20;
+  rlim_t pages = 0;
+  std::ifstream("/proc/self/statm") >> pages;
+  bool hasFailed = false;
+  for (rlim_t left = 0; left < 512; left += 16) {
+    const rlimit limit{pages * 4096 + left * kMegabyte, RLIM_INFINITY};
+    if (::setrlimit(RLIMIT_AS, &limit) != 0) return testing::kCannotSetUp;
+    try {
+      const auto bytes = encode(image, type);
+      if (bytes) return hasFailed ? kFailedAndThenDone : kNeverFailed;
+      if (bytes.reason() != ImageOperations::OperationError::encoding) return kOtherFailure;
+      hasFailed = true;
+    } catch (...) {
+      return kThrown;
+    }
+  }
+  return kNeverDone;
+}
+
+TEST_F(ImageEncoding, WhereMemoryRunsOutEncodingFails) {
+  for (const auto format : {QImage::Format_RGB32, QImage::Format_ARGB32_Premultiplied}) {
+    // Its rows need more than earlier tests have left to this process.
+    QImage image(5000, 4000, format);
+    image.fill(Qt::red);
+    EXPECT_EQ(testing::exitCodeOfChild([&] { return outcomeWithLittleMemory(image, PictureFormat::png); }),
+              kFailedAndThenDone)
+        << format;
+  }
+}
+#endif
 
 }  // namespace
 }  // namespace quillmere

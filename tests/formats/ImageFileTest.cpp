@@ -107,7 +107,12 @@ TEST_P(FormatTest, IsToldByItsFirstBytes) {
 }
 
 TEST_P(FormatTest, ItsSizeComesFromItsHeader) {
-  EXPECT_EQ(ImageFile::pixelSize(write(bytes(320, 200))), QSize(320, 200));
+  const FileURL url = write(bytes(320, 200));
+  EXPECT_EQ(ImageFile::pixelSize(url), QSize(320, 200));
+  const auto head = ImageFile::head(url);
+  ASSERT_TRUE(head);
+  EXPECT_EQ(head->format, GetParam());
+  EXPECT_EQ(head->size, QSize(320, 200));
 }
 
 TEST_P(FormatTest, AThumbnailFitsAndKeepsTheShape) {
@@ -116,6 +121,7 @@ TEST_P(FormatTest, AThumbnailFitsAndKeepsTheShape) {
   EXPECT_EQ(thumbnail.size(), QSize(160, 100));
   EXPECT_TRUE(isAlike(thumbnail.pixel(20, 50), kRed));
   EXPECT_TRUE(isAlike(thumbnail.pixel(140, 50), kBlue));
+  EXPECT_EQ(ImageFile::thumbnail(testing::readBytes(url), 160), thumbnail) << "and of bytes the same";
 }
 
 TEST_P(FormatTest, AThumbnailOfATallPictureIsBoundByItsHeight) {

@@ -54,6 +54,30 @@ TEST_F(ImageWriting, ANewFileStandsBesideTheOtherAsPng) {
   EXPECT_EQ(readBytes(*written), data.toStdString());
 }
 
+TEST_F(ImageWriting, ANewFileHasOneNameAndNothingIsLeftBesideIt) {
+  const auto written = writeNewFile(data, shot, QStringLiteral("Crop"));
+  ASSERT_TRUE(written);
+  struct stat status {};
+  ASSERT_EQ(::stat(written->c_str(), &status), 0);
+  EXPECT_EQ(status.st_nlink, 1u);
+  EXPECT_EQ(namesIn(folder.url()), std::vector<std::string>{"Crop.png"});
+}
+
+TEST_F(ImageWriting, NobodySeesAPartOfANewFile) {
+  // Ended in the middle of the writing, as by a kill: only what the next start removes is left.
+  const int code = testing::exitCodeOfChild([&] {
+    std::signal(SIGXFSZ, SIG_DFL);
+    const rlimit limit{50'000, 50'000};
+    if (::setrlimit(RLIMIT_FSIZE, &limit) != 0) return testing::kCannotSetUp;
+    (void)writeNewFile(data, shot, QStringLiteral("Crop"));
+    return 0;
+  });
+  EXPECT_NE(code, 0) << "it was to be ended";
+  for (const std::string& name : namesIn(folder.url())) {
+    EXPECT_TRUE(name.starts_with(ImageOperations::kReplacementPrefix)) << name;
+  }
+}
+
 TEST_F(ImageWriting, ATakenNameGetsANumber) {
   writeFile(folder.file("Screenshot 1 Crop.png"), "mine");
   EXPECT_EQ(nameOf(writeNewFile(data, shot, QStringLiteral("Screenshot 1 Crop"))), "Screenshot 1 Crop (1).png");

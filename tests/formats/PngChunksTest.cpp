@@ -79,5 +79,13 @@ TEST(BigEndian32, IsOfTheFirstFourBytes) {
   EXPECT_EQ(quillmere::bigEndian32("\x12\x34"), 0x1234u);
 }
 
+TEST(PngChunks, OneIsAppendedAsItIsEncoded) {
+  QByteArray file("before");
+  appendPngChunk(file, "IDAT", "data");
+  EXPECT_EQ(file.toStdString(), "before" + pngChunk("IDAT", "data"));
+  EXPECT_EQ(encodedPngChunk("IDAT", "data"), pngChunk("IDAT", "data"));
+  EXPECT_EQ(encodedPngChunk("IEND", {}).size(), static_cast<size_t>(kPngChunkFrame));
+}
+
 }  // namespace
 }  // namespace quillmere

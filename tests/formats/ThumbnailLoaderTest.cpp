@@ -7,6 +7,7 @@
 #include <limits>
 #include <set>
 
+#include "fakes/FakeSharedThumbnails.h"
 #include "formats/Pictures.h"
 #include "foundation/FileStatus.h"
 #include "foundation/ManualExecutor.h"
@@ -303,7 +304,198 @@ TEST_F(ThumbnailLoaderTest, TheWorkMayOutliveTheLoader) {
   EXPECT_TRUE(std::holds_alternative<QImage>(*outcome));
 }
 
+// --- Shared thumbnails ---
+
+class ThumbnailSharingTest : public ThumbnailLoaderTest {
+ protected:
+  using Sharing = ThumbnailLoader::Sharing;
+  Outcome load(const FileURL& url, int pixels, Sharing sharing) {
+    std::optional<Outcome> outcome;
+    keep(sharer.load(url, pixels, sharing), outcome).detach();
+    executor.drain();
+    return outcome.value_or(ThumbnailLoader::Cancelled{});
+  }
+  QImage image(const FileURL& url, int pixels, Sharing sharing) {
+    const Outcome outcome = load(url, pixels, sharing);
+    const QImage* found = std::get_if<QImage>(&outcome);
+    return found ? *found : QImage();
+  }
+  static QImage plain(QSize size, QColor color) {
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(color);
+    return image;
+  }
+
+  std::shared_ptr<testing::FakeSharedThumbnails> shared = std::make_shared<testing::FakeSharedThumbnails>();
+  ThumbnailLoader sharer{executor, [this](const FileURL& url) { return evicted.contains(url.path()); }, shared};
+  const QImage green = plain({128, 64}, Qt::green);
+};
+
+TEST_F(ThumbnailSharingTest, AnotherProgramsThumbnailIsTakenAndTheFileNotOpened) {
+  const FileURL url = folder.file("a.png");
+  writeFile(url, "no picture, and so never decoded");
+  shared->ofOthers[url.path()] = green;
+  EXPECT_EQ(image(url, 128, Sharing::taken), green);
+  EXPECT_EQ(image(url, 128, Sharing::takenAndKept), green);
+  EXPECT_EQ(shared->asked, std::vector<std::string>{"a.png 128"}) << "once, then it is in the memory cache";
+  EXPECT_TRUE(shared->kept.empty());
+}
+
+TEST_F(ThumbnailSharingTest, ACrispPictureIsNeverAnotherPrograms) {
+  const FileURL url = writePicture("a.png", 400, 200);
+  shared->ofOthers[url.path()] = green;
+  ASSERT_EQ(image(url, 128, Sharing::taken), green);
+  EXPECT_EQ(image(url, 128, Sharing::none).pixelColor(5, 5), QColor(Qt::red)) << "nor by way of the memory cache";
+  EXPECT_EQ(image(url, 128, Sharing::taken).pixelColor(5, 5), QColor(Qt::red)) << "which has a better one now";
+  std::optional<Outcome> part;
+  keep(sharer.load(url, 128, QRectF(0, 0, 400, 200)), part).detach();
+  executor.drain();
+  EXPECT_EQ(std::get<QImage>(*part).pixelColor(5, 5), QColor(Qt::red));
+  EXPECT_EQ(shared->asked.size(), 1u);
+  EXPECT_TRUE(shared->kept.empty());
+}
+
+TEST_F(ThumbnailSharingTest, AnEvictedFileIsNotAskedFor) {
+  const FileURL url = writePicture("a.png", 400, 200);
+  shared->ofOthers[url.path()] = green;
+  evicted.insert(url.path());
+  EXPECT_EQ(load(url, 128, Sharing::takenAndKept), Outcome(ThumbnailLoader::NotDownloaded{}));
+  EXPECT_TRUE(shared->asked.empty());
+  EXPECT_TRUE(shared->kept.empty());
+}
+
+TEST_F(ThumbnailSharingTest, OursIsKeptForAFileThatLivesOnOnly) {
+  const FileURL url = writePicture("a.png", 400, 200);
+  EXPECT_FALSE(image(url, 128, Sharing::none).isNull());
+  EXPECT_FALSE(image(url, 128, Sharing::taken).isNull());
+  EXPECT_TRUE(shared->kept.empty());
+  EXPECT_FALSE(image(url, 128, Sharing::takenAndKept).isNull());
+  ASSERT_EQ(shared->kept.size(), 1u) << "also one from the memory cache";
+  EXPECT_EQ(shared->kept[0].thumbnail.size(), QSize(128, 64));
+  EXPECT_EQ(shared->kept[0].seen.modified, fileStatus(url)->modified);
+}
+
+TEST_F(ThumbnailSharingTest, OursIsMadeAsLargeAsOthersWantIt) {
+  const FileURL url = writePicture("a.png", 400, 200);
+  EXPECT_EQ(image(url, 160, Sharing::takenAndKept).size(), QSize(160, 80));
+  ASSERT_EQ(shared->kept.size(), 1u);
+  EXPECT_EQ(shared->kept[0].thumbnail.size(), QSize(256, 128));
+  EXPECT_EQ(image(url, 300, Sharing::takenAndKept).size(), QSize(300, 150));
+  EXPECT_EQ(shared->kept.size(), 1u) << "there is no such size";
+}
+
+TEST_F(ThumbnailSharingTest, OursIsKeptAfterThePictureWasGiven) {
+  const FileURL url = writePicture("a.png", 400, 200);
+  executor.holdBackground();
+  std::optional<Outcome> outcome;
+  keep(sharer.load(url, 128, Sharing::takenAndKept), outcome).detach();
+  executor.drain();
+  EXPECT_EQ(executor.heldBackground(), 1u);
+  executor.runHeldBackground();
+  EXPECT_TRUE(outcome);
+  executor.runHeldBackground();
+  EXPECT_EQ(shared->kept.size(), 1u);
+}
+
+TEST_F(ThumbnailSharingTest, WhatCannotBeReadIsNotKept) {
+  const FileURL url = folder.file("a.png");
+  writeFile(url, "no picture");
+  EXPECT_EQ(load(url, 128, Sharing::takenAndKept), Outcome(ThumbnailLoader::Unreadable{}));
+  EXPECT_TRUE(shared->kept.empty());
+}
+
+TEST_F(ThumbnailSharingTest, ThumbnailsOfOtherColourSpacesLookAsTheyWereMeant) {
+  const FileURL url = writePicture("a.png", 400, 200);
+  QImage wide = plain({128, 64}, QColor(200, 80, 40));
+  wide.setColorSpace(QColorSpace::SRgb);
+  wide.convertToColorSpace(QColorSpace::DisplayP3);
+  shared->ofOthers[url.path()] = wide;
+  EXPECT_NEAR(image(url, 128, Sharing::taken).pixelColor(5, 5).red(), 200, 2);
+}
+
+TEST_F(ThumbnailSharingTest, ACancelledLoadAsksNobodyAndKeepsNothing) {
+  const FileURL url = writePicture("a.png", 400, 200);
+  executor.holdBackground();
+  const auto task = sharer.load(url, 128, Sharing::takenAndKept);
+  task.cancel();
+  executor.runHeldBackground();
+  executor.drain();
+  EXPECT_TRUE(shared->asked.empty());
+  EXPECT_TRUE(shared->kept.empty());
+}
+
 // --- Crops ---
+
+// --- All of its pixels ---
+
+class FullPictureTest : public ThumbnailLoaderTest {
+ protected:
+  Outcome loadFull(const FileURL& url) {
+    std::optional<Outcome> outcome;
+    keep(loader.loadFull(url), outcome).detach();
+    executor.drain();
+    return outcome.value_or(ThumbnailLoader::Cancelled{});
+  }
+  std::optional<QSize> pixelSize(const FileURL& url) {
+    std::optional<QSize> size;
+    keepSize(loader.pixelSize(url), size).detach();
+    executor.drain();
+    return size;
+  }
+  static Task<> keepSize(Task<std::optional<QSize>> task, std::optional<QSize>& size) { size = co_await task; }
+};
+
+TEST_F(FullPictureTest, HasEachPixelAndTheCacheNothingOfIt) {
+  const FileURL url = writePicture("a.png", 700, 300);
+  image(writePicture("b.png", 100, 100), 100);
+  const int64_t before = loader.cachedBytes();
+  const Outcome outcome = loadFull(url);
+  const auto* picture = std::get_if<QImage>(&outcome);
+  ASSERT_TRUE(picture);
+  EXPECT_EQ(picture->size(), QSize(700, 300));
+  EXPECT_EQ(picture->format(), QImage::Format_RGB32) << "what the screen wants";
+  EXPECT_EQ(picture->pixelColor(350, 150), QColor(Qt::red));
+  EXPECT_EQ(loader.cachedBytes(), before);
+}
+
+TEST_F(FullPictureTest, OfAnotherColourSpaceLooksAsItWasMeant) {
+  QImage image(50, 50, QImage::Format_RGB32);
+  image.fill(QColor(200, 80, 40));
+  image.setColorSpace(QColorSpace::SRgb);
+  image.convertToColorSpace(QColorSpace::DisplayP3);
+  const FileURL url = folder.file("a.png");
+  ASSERT_TRUE(image.save(url.displayPath(), "PNG"));
+  const Outcome outcome = loadFull(url);
+  ASSERT_TRUE(std::holds_alternative<QImage>(outcome));
+  EXPECT_NEAR(std::get<QImage>(outcome).pixelColor(5, 5).red(), 200, 2);
+  EXPECT_NEAR(std::get<QImage>(outcome).pixelColor(5, 5).green(), 80, 2);
+}
+
+TEST_F(FullPictureTest, IsNeverReadWhereTheFileIsEvicted) {
+  const FileURL url = writePicture("a.png", 70, 30);
+  EXPECT_EQ(pixelSize(url), QSize(70, 30));
+  evicted.insert(url.path());
+  EXPECT_EQ(loadFull(url), Outcome(ThumbnailLoader::NotDownloaded{}));
+  EXPECT_EQ(pixelSize(url), std::nullopt);
+}
+
+TEST_F(FullPictureTest, CannotBeOfWhatIsNoPicture) {
+  writeFile(folder.file("a.png"), "no picture");
+  EXPECT_EQ(loadFull(folder.file("a.png")), Outcome(ThumbnailLoader::Unreadable{}));
+  EXPECT_EQ(pixelSize(folder.file("a.png")), std::nullopt);
+  EXPECT_EQ(loadFull(folder.file("gone.png")), Outcome(ThumbnailLoader::Unreadable{}));
+}
+
+TEST_F(FullPictureTest, IsNotDecodedOnceItIsNotWanted) {
+  const FileURL url = writePicture("a.png", 70, 30);
+  executor.holdBackground();
+  std::optional<Outcome> outcome;
+  const auto task = loader.loadFull(url);
+  keep(task, outcome).detach();
+  task.cancel();
+  executor.runHeldBackground();
+  EXPECT_EQ(outcome, Outcome(ThumbnailLoader::Cancelled{}));
+}
 
 class ThumbnailCropTest : public ThumbnailLoaderTest {
  protected:

@@ -5,6 +5,7 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QPushButton>
 
+#include "controls/WorkIndicator.h"
 #include "support/Printing.h"
 
 namespace quillmere {
@@ -54,32 +55,59 @@ TEST(DownloadStatusContent, TellsWhereTheImageIsAndWhatCanBeDone) {
 
 class DownloadStatusRowTest : public ::testing::Test {
  protected:
-  QPushButton& button() const { return *row.findChild<QPushButton*>(); }
+  QPushButton* button(const char* text) const {
+    for (auto* found : row.findChildren<QPushButton*>()) {
+      if (found->text() == QLatin1String(text)) return found;
+    }
+    return nullptr;
+  }
+  QStringList offered() const {
+    QStringList texts;
+    for (const auto* found : row.findChildren<QPushButton*>()) {
+      if (found->isVisibleTo(&row)) texts += found->text();
+    }
+    return texts;
+  }
   void show(Offer offer) { row.show({QStringLiteral("icloud"), QStringLiteral("Not downloaded."), offer}); }
   QWidget window;
   DownloadStatusRow row{&window};
 };
 
-TEST_F(DownloadStatusRowTest, OffersNothingWhereNothingCanBeDone) {
+TEST_F(DownloadStatusRowTest, TheFileItselfCanAlwaysBeShown) {
+  int shown = 0;
+  row.onShowInFinder = [&] { ++shown; };
   show(Offer::nothing);
-  EXPECT_FALSE(button().isVisibleTo(&row));
+  EXPECT_EQ(offered(), QStringList{QStringLiteral("Show in File Manager")});
   EXPECT_EQ(row.findChild<QLabel*>()->text(), QStringLiteral("Not downloaded."));
+  QTest::mouseClick(button("Show in File Manager"), Qt::LeftButton);
+  EXPECT_EQ(shown, 1);
 }
 
 TEST_F(DownloadStatusRowTest, OffersToDownloadAndToTryAgain) {
   int downloads = 0;
   row.onDownload = [&] { ++downloads; };
   show(Offer::download);
-  EXPECT_EQ(button().text(), QStringLiteral("Download"));
-  EXPECT_EQ(button().toolTip(),
+  EXPECT_EQ(offered(), (QStringList{QStringLiteral("Download"), QStringLiteral("Show in File Manager")}));
+  EXPECT_EQ(button("Download")->toolTip(),
             QStringLiteral("Ask your sync client to download this screenshot’s image to this computer"));
-  QTest::mouseClick(&button(), Qt::LeftButton);
+  QTest::mouseClick(button("Download"), Qt::LeftButton);
   show(Offer::retry);
-  EXPECT_TRUE(button().isVisibleTo(&row));
-  EXPECT_EQ(button().text(), QStringLiteral("Try Again"));
-  EXPECT_EQ(button().toolTip(), QString());
-  QTest::mouseClick(&button(), Qt::LeftButton);
+  EXPECT_EQ(offered(), (QStringList{QStringLiteral("Try Again"), QStringLiteral("Show in File Manager")}));
+  QTest::mouseClick(button("Try Again"), Qt::LeftButton);
   EXPECT_EQ(downloads, 2);
+}
+
+TEST_F(DownloadStatusRowTest, ARingTurnsWhileDataComes) {
+  const auto* ring = [this]() -> WorkIndicator* {
+    for (auto* child : row.findChildren<QWidget*>()) {
+      if (auto* found = dynamic_cast<WorkIndicator*>(child)) return found;
+    }
+    return nullptr;
+  }();
+  row.show(DownloadStatusContent::make(true, DownloadState::downloading));
+  EXPECT_TRUE(ring->isVisibleTo(&row));
+  row.show(DownloadStatusContent::make(true, DownloadState::stalled));
+  EXPECT_FALSE(ring->isVisibleTo(&row));
 }
 
 TEST_F(DownloadStatusRowTest, ComesBackWhenItHasSomethingToSay) {

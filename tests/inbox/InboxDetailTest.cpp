@@ -18,7 +18,8 @@ class InboxDetailTest : public testing::ModelFixture {
     QImage image(300, 200, QImage::Format_RGB32);
     image.fill(Qt::red);
     EXPECT_TRUE(image.save(url().displayPath(), "PNG"));
-    detail = std::make_unique<InboxDetail>(*model, thumbnails, nullptr);
+    presentation = std::make_unique<InboxPresentation>(*model, InboxServices{.thumbnails = &thumbnails});
+    detail = std::make_unique<InboxDetail>(*model, *presentation, nullptr);
     detail->resize(800, 600);
     show();
     detail->setVisible(true);
@@ -43,7 +44,15 @@ class InboxDetailTest : public testing::ModelFixture {
     return nullptr;
   }
 
+  QPushButton* button(const char* text) const {
+    for (auto* found : detail->findChildren<QPushButton*>()) {
+      if (found->text() == QString::fromUtf8(text)) return found;
+    }
+    return nullptr;
+  }
+
   ThumbnailLoader thumbnails{executor, [this](const FileURL& file) { return dataless.contains(file.path()); }};
+  std::unique_ptr<InboxPresentation> presentation;
   std::unique_ptr<InboxDetail> detail;
   UUID id;
 };
@@ -70,23 +79,57 @@ TEST_F(InboxDetailTest, AnUnavailableScreenshotSaysSoInThePicturesPlace) {
   EXPECT_TRUE(message()->isVisible());
 }
 
-TEST_F(InboxDetailTest, AScreenshotDoesNotExpireUnderTheQuestionWhetherToDeleteIt) {
+TEST_F(InboxDetailTest, MoveToTrashAsksFirstAndTheTimeStandsStillMeanwhile) {
   model->markTemporary(id, TemporaryDuration::oneMinute).detach();
-  model->setDeletesChosenImmediately(true);
   show();
-  confirmsDeletion = false;
-  onDeletionQuestion = [this] { advance(65); };
-  QPushButton* trashButton = nullptr;
-  for (auto* button : detail->findChildren<QPushButton*>()) {
-    if (button->text() == QStringLiteral("Delete")) trashButton = button;
-  }
-  ASSERT_TRUE(trashButton);
-  QTest::mouseClick(trashButton, Qt::LeftButton);
-  EXPECT_EQ(deletionQuestions, std::vector<QString>{QStringLiteral("1.png")});
+  QTest::mouseClick(button("Move to Trash"), Qt::LeftButton);
+  ASSERT_TRUE(*presentation->deletionCandidate);
+  advance(65);
   EXPECT_TRUE(hasRecord(id));
   EXPECT_EQ(files.calls(), 0);
+  presentation->cancelDeletion();
   advance(10);
   EXPECT_FALSE(hasRecord(id)) << "its time goes on after the answer";
+}
+
+TEST_F(InboxDetailTest, ADragBeginsOnThePictureOnceForEachPress) {
+  std::vector<UUID> dragged;
+  detail->onDrag = [&](const UUID& which) { dragged.push_back(which); };
+  QWidget* preview = const_cast<ScreenshotThumbnail*>(picture());
+  const QPoint middle = picture()->picturePlace().center().toPoint();
+  QTest::mousePress(preview, Qt::LeftButton, {}, middle);
+  QTest::mouseMove(preview, middle + QPoint(1, 0));
+  const auto drag = [&](const QPoint& to) {
+    QMouseEvent move(QEvent::MouseMove, to, preview->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(preview, &move);
+  };
+  drag(middle + QPoint(2, 0));
+  EXPECT_TRUE(dragged.empty());
+  drag(middle + QPoint(40, 0));
+  drag(middle + QPoint(60, 0));
+  EXPECT_EQ(dragged, std::vector<UUID>{id});
+  EXPECT_EQ(preview->accessibleDescription(),
+            QStringLiteral("Drag this preview into another app to put the screenshot’s file there."));
+}
+
+TEST_F(InboxDetailTest, DoubleClickAndReturnShowItInQuickLook) {
+  QWidget* preview = const_cast<ScreenshotThumbnail*>(picture());
+  QTest::mouseDClick(preview, Qt::LeftButton, {}, picture()->picturePlace().center().toPoint());
+  EXPECT_EQ(*presentation->quickLookURL, url());
+  presentation->setQuickLookURL(std::nullopt);
+  QTest::keyClick(preview, Qt::Key_Return);
+  EXPECT_EQ(*presentation->quickLookURL, url());
+}
+
+TEST_F(InboxDetailTest, ThePictureKeepsItsLeastHeightAndTheRestScrolls) {
+  for (const int width : {360, 800, 1600}) {
+    for (const int height : {400, 600, 900, 1400}) {
+      detail->resize(width, height);
+      QCoreApplication::processEvents();
+      EXPECT_GE(picture()->height(), 160) << width << " x " << height;
+      EXPECT_LE(detail->widget()->width(), width) << "nothing is cut off at the side";
+    }
+  }
 }
 
 }  // namespace

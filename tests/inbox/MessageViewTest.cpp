@@ -25,7 +25,18 @@ TEST(MessageView, TellsATitleAndASentenceOfWhichNoLineIsCut) {
   EXPECT_EQ(labels[0]->text(), QStringLiteral("No Screenshots Yet"));
   EXPECT_LT(labels[0]->y(), labels[1]->y());
   EXPECT_EQ(labels[1]->width(), 360);
-  EXPECT_GE(labels[1]->height(), labels[1]->heightForWidth(360));
+  EXPECT_EQ(labels[1]->height(), labels[1]->heightForWidth(360)) << "and the room around it stays outside";
+  EXPECT_EQ(labels[1]->y() - labels[0]->geometry().bottom() - 1, 8);
+}
+
+TEST(MessageView, GrownWideItsLinesAreAsCloseAsBefore) {
+  QWidget window;
+  // A child begins small.
+  MessageView view(content({}), &window);
+  view.resize(600, 600);
+  window.show();
+  const auto* title = view.findChildren<QLabel*>().first();
+  EXPECT_LT(title->height(), 2 * QFontMetrics(title->font()).height()) << "one line, with no room below it";
 }
 
 TEST(MessageView, HasAButtonOnlyWhereThereIsSomethingToDo) {

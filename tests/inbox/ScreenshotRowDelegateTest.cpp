@@ -13,7 +13,7 @@ namespace quillmere {
 namespace {
 
 constexpr QRect kRow(0, 0, 320, 64);
-constexpr QRect kPicture(14, 10, 64, 44);
+constexpr QRect kPicture(20, 10, 64, 44);
 
 class ScreenshotRowDelegateTest : public ::testing::Test {
  protected:
@@ -61,12 +61,21 @@ TEST_F(ScreenshotRowDelegateTest, APictureFillsItsPlaceWhateverItsShape) {
     picture.fill(Qt::red);
     set(InboxListModel::thumbnailRole, picture);
     const QImage row = painted();
-    EXPECT_EQ(row.pixelColor(kPicture.left(), kPicture.center().y()), QColor(Qt::red));
-    EXPECT_EQ(row.pixelColor(kPicture.right(), kPicture.center().y()), QColor(Qt::red));
-    EXPECT_EQ(row.pixelColor(kPicture.center().x(), kPicture.top()), QColor(Qt::red));
+    EXPECT_EQ(row.pixelColor(kPicture.left() + 1, kPicture.center().y()), QColor(Qt::red));
+    EXPECT_EQ(row.pixelColor(kPicture.right() - 1, kPicture.center().y()), QColor(Qt::red));
+    EXPECT_EQ(row.pixelColor(kPicture.center().x(), kPicture.top() + 1), QColor(Qt::red));
     EXPECT_FALSE(shows(row, Qt::red, {kPicture.right() + 1, 0, 100, 64})) << "and nothing beside it";
     EXPECT_NE(row.pixelColor(kPicture.topLeft()), QColor(Qt::red)) << "its corners are round";
   }
+}
+
+TEST_F(ScreenshotRowDelegateTest, AWhitePageHasAnEdgeOnAWhiteGround) {
+  QImage picture(64, 44, QImage::Format_RGB32);
+  picture.fill(palette.color(QPalette::Base));
+  set(InboxListModel::thumbnailRole, picture);
+  const QImage row = painted();
+  EXPECT_NE(row.pixelColor(kPicture.left(), kPicture.center().y()), palette.color(QPalette::Base));
+  EXPECT_EQ(row.pixelColor(kPicture.left() + 1, kPicture.center().y()), palette.color(QPalette::Base));
 }
 
 TEST_F(ScreenshotRowDelegateTest, WithoutAPictureThereIsAPlaceholder) {
@@ -83,7 +92,7 @@ TEST_F(ScreenshotRowDelegateTest, OneThatIsAwayIsMarkedUnlessItIsSelected) {
 }
 
 TEST_F(ScreenshotRowDelegateTest, TheSelectedStandsOnTheAccentAndTheOneUnderThePointerOnAFill) {
-  constexpr QPoint kInside(9, 32);
+  constexpr QPoint kInside(16, 32);
   EXPECT_EQ(painted().pixelColor(kInside), palette.color(QPalette::Base));
   const QImage selected = painted(QStyle::State_Selected | QStyle::State_MouseOver);
   EXPECT_EQ(selected.pixelColor(kInside), theme.accent);
@@ -95,7 +104,7 @@ TEST_F(ScreenshotRowDelegateTest, TheSelectedStandsOnTheAccentAndTheOneUnderTheP
 TEST_F(ScreenshotRowDelegateTest, ALongNameStaysInItsRowAndShowsItsEnd) {
   set(InboxListModel::nameRole, QStringLiteral("A name\nof two lines ").repeated(20) + QStringLiteral("1"));
   const QImage one = painted();
-  EXPECT_FALSE(shows(one, theme.text, {306, 0, 14, 64})) << "it keeps off the edge";
+  EXPECT_FALSE(shows(one, theme.text, {312, 0, 8, 64})) << "it keeps off the edge";
   set(InboxListModel::nameRole, QStringLiteral("A name\nof two lines ").repeated(20) + QStringLiteral("2"));
   EXPECT_NE(painted(), one) << "the number at its end is seen";
 }

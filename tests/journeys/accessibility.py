@@ -11,7 +11,7 @@ import gi
 gi.require_version("Gio", "2.0")
 from gi.repository import Gio, GLib  # noqa: E402
 
-_SHOWING, _VISIBLE, _ENABLED, _FOCUSED, _CHECKED = 25, 30, 8, 12, 4
+_SHOWING, _VISIBLE, _ENABLED, _FOCUSED, _CHECKED, _SELECTED = 25, 30, 8, 12, 4, 23
 _IS_DEFAULT = 39
 _SCREEN, _LABELLED_BY = 0, 2
 _DEPTH = 40
@@ -70,6 +70,10 @@ class Control:
         return self._has(_CHECKED)
 
     @property
+    def is_selected(self):
+        return self._has(_SELECTED)
+
+    @property
     def is_default(self):
         return self._has(_IS_DEFAULT)
 
@@ -77,6 +81,27 @@ class Control:
     def key(self):
         """What presses it from anywhere in its window."""
         return self._call("Action", "GetKeyBinding", GLib.Variant("(i)", (0,)))[0].rpartition(";")[2]
+
+    @property
+    def keys(self):
+        """All that press it from anywhere in its window."""
+        count = self._property("Action", "NActions")
+        bindings = [self._call("Action", "GetKeyBinding", GLib.Variant("(i)", (index,)))[0] for index in range(count)]
+        return [binding.rpartition(";")[2] for binding in bindings if binding]
+
+    @property
+    def actions(self):
+        """The names, in the program's order, of what can be done with it."""
+        count = self._property("Action", "NActions")
+        return [self._call("Action", "GetName", GLib.Variant("(i)", (index,)))[0] for index in range(count)]
+
+    def do(self, action):
+        """As a screen reader does it: without pointer and keys."""
+        self._call("Action", "DoAction", GLib.Variant("(i)", (self.actions.index(action),)))
+
+    def write(self, text):
+        """In the place of what stands in it."""
+        return self._call("EditableText", "SetTextContents", GLib.Variant("(s)", (text,)))[0]
 
     @property
     def labels(self):
@@ -205,10 +230,14 @@ class Tree:
         return found[0] if found else None
 
     def describe(self):
+        """What shows, indented as it is nested; * has the keyboard, + is selected."""
         lines = []
 
         def add(control, indent):
-            lines.append("  " * indent + repr(control))
+            if not control.is_showing:
+                return
+            marks = ("*" if control.is_focused else "") + ("+" if control.is_selected else "")
+            lines.append("  " * indent + repr(control) + (f" {marks}" if marks else ""))
             for child in control.children():
                 add(child, indent + 1)
 

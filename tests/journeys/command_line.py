@@ -31,7 +31,8 @@ class CommandLine(unittest.TestCase):
         done = self.run_program("--help")
         self.assert_answers(done)
         self.assertTrue(done.stdout.startswith("Usage: quillmere [options]\n"), done.stdout)
-        self.assertIn("--autostart", done.stdout)
+        for option in "--autostart", "--show <window>", "--review":
+            self.assertIn(option, done.stdout)
 
     def test_the_version_goes_to_the_output(self):
         done = self.run_program("--version")
@@ -44,6 +45,9 @@ class CommandLine(unittest.TestCase):
 
     def test_an_unknown_option_is_named(self):
         self.assert_refuses(self.run_program("--inbox"), 2, "Unknown option 'inbox'. Try: quillmere --help")
+
+    def test_an_unknown_window_is_named(self):
+        self.assert_refuses(self.run_program("--show", "quit"), 1, "Unknown window 'quit'. Try: quillmere --help")
 
     def test_without_any_display(self):
         self.assert_refuses(self.run_program(), 1, "there is no display: neither DISPLAY nor WAYLAND_DISPLAY is set.")

@@ -1,4 +1,4 @@
-"""A drag of the popup's preview with the pointer, step by step."""
+"""A drag of the popup's preview, or of another control, with the pointer, step by step."""
 
 import Xlib.display
 import Xlib.ext.xfixes
@@ -23,17 +23,25 @@ class Cursor:
 class Drag:
     """From its making the button is down on the preview and the picture on its way; `drop` or `release` lets it go."""
 
-    def __init__(self, desktop):
+    def __init__(self, desktop, control=None):
         self._desktop, self._cursor = desktop, Cursor(desktop)
-        preview = wait_until("the preview", lambda: desktop.popup.find(role="graphic"))
-        self._x, self._y = desktop.place_of(preview)
+        control = control or wait_until("the preview", lambda: desktop.popup.find(role="graphic"))
+        self._x, self._y = desktop.settled_place_of(control)
         desktop.move_pointer((self._x, self._y))
         self._usual = self._cursor.picture
         desktop.run("xdotool", "mousedown", "1", check=True)
-        # By steps: a single jump of the pointer is no movement that programs see.
-        for step in range(1, 5):
+        # By steps: a single jump of the pointer is no movement that programs see. On to and fro as a hand does, since a
+        # busy program sees several steps as one.
+        for step in range(1, 4):
             desktop.move_pointer((self._x - 8 * step, self._y))
-        wait_until("the picture is dragged", lambda: self._cursor.picture != self._usual)
+        steps = [(self._x - 32, self._y), (self._x - 24, self._y)]
+
+        def is_dragged():
+            desktop.move_pointer(steps[0])
+            steps.reverse()
+            return self._cursor.picture != self._usual
+
+        wait_until("the picture is dragged", is_dragged)
         # The card itself takes nothing.
         self._refused = self._settled_picture()
 

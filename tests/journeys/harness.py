@@ -227,18 +227,21 @@ class Desktop:
     def __exit__(self, kind, error, trace):
         # A program built with a sanitizer tells what it found here, and may have ended as it should all the same.
         is_sane = "Sanitizer: " not in self._printed()
-        if kind is not None or not is_sane:
-            self._report()
+        if error is None and not is_sane:
+            error = JourneyFailed("the sanitizer found something")
+        if error is not None:
+            self._report(error)
         self._tear_down()
-        if kind is None and not is_sane:
-            raise JourneyFailed("the sanitizer found something")
+        if kind is None and error is not None:
+            raise error
 
     def _printed(self):
         self.errors.seek(0)
         return self.errors.read()
 
-    def _report(self):
-        print(f"\n{self.name} failed.", flush=True)
+    def _report(self, error):
+        # An excerpt of a long report shows its beginning or its end; the reason is told at both.
+        print(f"{self.name}: {error!r}" if not isinstance(error, JourneyFailed) else f"{self.name}: {error}", flush=True)
         os.makedirs(self.pictures, exist_ok=True)
         picture = os.path.join(self.pictures, f"failed-{self.name}.png")
         self.picture(picture)
@@ -350,8 +353,10 @@ class Desktop:
 
     def click(self, control):
         """A press and a release of the pointer in the middle of it, where the window really is on the screen."""
-        x, y = self.settled_place_of(control)
-        self.run("xdotool", "mousemove", str(x), str(y), "click", "1", check=True)
+        place = None
+        while (now := self.settled_place_of(control)) != place:
+            self.move_pointer(place := now)
+        self.run("xdotool", "click", "1", check=True)
 
     def settled_place_of(self, control):
         """When it is the same twice: a card that changes its height moves between the two questions for a place."""
@@ -444,9 +449,23 @@ class Popup:
 
     def press(self, name, role="push button"):
         """A click of the pointer on a button."""
-        time.sleep(CLICK_GATE)
+        self._wait_until_at_rest()
         button = wait_until(f"the button {name} of the popup", lambda: self.find(name, role))
         self._desktop.click(button)
+
+    def _wait_until_at_rest(self):
+        """Until nothing on it has changed for as long as clicks are dropped after a change: on a busy machine its text
+        may be read just before the click. What never rests is clicked all the same."""
+        before = None
+        for _ in range(10):
+            try:
+                now = [control.name for control in self._desktop.program.tree.find_all(window=POPUP_TITLE)]
+            except GLib.Error:
+                now = None  # one of them has gone meanwhile
+            if now is not None and now == before:
+                return
+            before = now
+            time.sleep(CLICK_GATE)
 
     def take_keyboard(self):
         """As the review shortcut does."""

@@ -326,7 +326,7 @@ class AppModelSavingAsNew : public AppModelReplacing {
  protected:
   /// The new record, or the reason.
   Result<UUID, QString> save(const UUID& source, const QRectF& rect = kCrop) {
-    const auto task = model->saveAsNew(source, picture(), rect);
+    const auto task = model->saveAsNew(*model->items().find(source), picture(), rect);
     executor.drain();
     EXPECT_TRUE(task.isDone());
     return task.await_resume();
@@ -350,6 +350,25 @@ TEST_F(AppModelSavingAsNew, TheCropIsAKeptScreenshotOfItsOwn) {
   EXPECT_EQ(savedRecord(*saved), expected);
   EXPECT_EQ(sizeOf(url), QSize(30, 40));
   EXPECT_THAT(queue(), ElementsAre(source)) << "nobody is asked about it";
+}
+
+TEST_F(AppModelSavingAsNew, WhoeverWantsToQuitKnowsUntilItIsInTheList) {
+  const UUID source = arrivePicture("Screenshot 1.png");
+  EXPECT_FALSE(model->isWritingCrops());
+  size_t listed = 0;
+  model->onCropsWritten = [&] { listed = model->items().size(); };
+  executor.holdBackground();
+  const auto saving = model->saveAsNew(item(source), picture(), kCrop);
+  const auto replacing = model->replaceOriginal(source, picture(), kCrop);
+  EXPECT_TRUE(model->isWritingCrops());
+  executor.runHeldBackground();
+  EXPECT_TRUE(saving.isDone());
+  EXPECT_TRUE(replacing.isDone());
+  EXPECT_FALSE(model->isWritingCrops());
+  EXPECT_EQ(listed, 2u) << "told once the last of them is done";
+  listed = 0;
+  EXPECT_FALSE(save(source, QRectF()));
+  EXPECT_EQ(listed, 2u) << "also when it failed";
 }
 
 TEST_F(AppModelSavingAsNew, TheMonitorIsToldOfTheNewFile) {
@@ -392,10 +411,26 @@ TEST_F(AppModelSavingAsNew, AnInvalidCropWritesNothing) {
   EXPECT_THAT(namesIn(shots), ElementsAre("shot.png"));
 }
 
-TEST_F(AppModelSavingAsNew, AnUnknownSourceIsUnreadable) {
-  const auto saved = save(uuid(9));
-  ASSERT_FALSE(saved);
-  EXPECT_EQ(saved.reason(), kUnreadable);
+TEST_F(AppModelSavingAsNew, ASourceThatHasLeftTheInboxIsCroppedAllTheSame) {
+  const UUID source = arrivePicture("Screenshot 1.png");
+  const ScreenshotItem gone = item(source);
+  model->removeRecords({source});
+  const auto task = model->saveAsNew(gone, picture(), kCrop);
+  executor.drain();
+  const auto saved = task.await_resume();
+  ASSERT_TRUE(saved);
+  EXPECT_EQ(item(*saved).url, shots.appending("Screenshot 1 Crop.png"));
+  EXPECT_EQ(item(*saved).sourceItemID, source);
+}
+
+TEST_F(AppModelSavingAsNew, ItsNameIsTheSourcesOfNow) {
+  const UUID source = arrivePicture("Screenshot 1.png");
+  const ScreenshotItem before = item(source);
+  ASSERT_TRUE(model->rename(source, QStringLiteral("Invoice"), ErrorScope::inbox));
+  const auto task = model->saveAsNew(before, picture(), kCrop);
+  executor.drain();
+  ASSERT_TRUE(task.await_resume());
+  EXPECT_EQ(model->items()[0].url, shots.appending("Invoice Crop.png"));
 }
 
 TEST_F(AppModelSavingAsNew, TheMonitorsNewsOfTheNewFileMakesNoSecondRecord) {
@@ -403,6 +438,31 @@ TEST_F(AppModelSavingAsNew, TheMonitorsNewsOfTheNewFileMakesNoSecondRecord) {
   ASSERT_TRUE(saved);
   monitor.onScreenshot(item(*saved).url);
   EXPECT_EQ(model->items().size(), 2u);
+}
+
+TEST_F(AppModelSavingAsNew, NorDoesNewsThatComesWhileTheDiskStillTakesItIn) {
+  const UUID source = arrivePicture("Screenshot 1.png");
+  const FileURL crop = shots.appending("Screenshot 1 Crop.png");
+  AppModelDependencies world = dependencies();
+  bool isTold = false;
+  // The file is seen, and the look at it is over, before the writer has come back.
+  world.fileIdentity = [&](const FileURL& url) {
+    if (url == crop && fileExists(crop) && !std::exchange(isTold, true)) monitor.onScreenshot(crop);
+    return identityOf(url);
+  };
+  model.reset();
+  model = std::make_unique<AppModel>(world);
+  model->start();
+  executor.drain();
+  const auto saved = save(source);
+  ASSERT_TRUE(saved);
+  EXPECT_TRUE(isTold);
+  ASSERT_EQ(model->items().size(), 2u);
+  EXPECT_EQ(item(*saved).url, crop);
+  EXPECT_EQ(item(*saved).state, State::permanent) << "whoever saved it has decided";
+  EXPECT_EQ(item(*saved).sourceItemID, source);
+  EXPECT_EQ(savedRecord(*saved), item(*saved));
+  EXPECT_THAT(queue(), ElementsAre(source)) << "nobody is asked about it";
 }
 
 }  // namespace

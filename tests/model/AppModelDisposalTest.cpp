@@ -482,5 +482,148 @@ TEST_F(AppModelChosenDisposal, ARefusalIsShownWhereThePersonActed) {
   EXPECT_EQ((*model->inboxError)->title, "Couldn’t Delete");
 }
 
+// --- What was confirmed in the Inbox ---
+
+class AppModelConfirmedDisposal : public ModelFixture {
+ protected:
+  void SetUp() override { launchWatching(); }
+  /// The files as they are now, when the person is asked.
+  UUIDMap<FileStamp> stampsOf(const std::vector<UUID>& ids) const {
+    UUIDMap<FileStamp> stamps;
+    for (const UUID& id : ids) stamps[id] = model->stampOf(item(id).url);
+    return stamps;
+  }
+  void confirm(const std::vector<UUID>& ids, const UUIDMap<FileStamp>& stamps, Reason reason = Reason::chosen) {
+    std::vector<ScreenshotItem> items;
+    for (const UUID& id : ids) items.push_back(item(id));
+    model->disposeConfirmed(items, stamps, reason);
+  }
+  QString title() const { return *model->inboxError ? (*model->inboxError)->title : QString(); }
+  QString text() const { return *model->inboxError ? (*model->inboxError)->message : QString(); }
+  const FileURL shot = shots.appending("shot.png");
+};
+
+TEST_F(AppModelConfirmedDisposal, FilesThatAreAsTheyWereGo) {
+  const std::vector<UUID> ids{arrive("shot.png"), arrive("2.png")};
+  confirm(ids, stampsOf(ids));
+  EXPECT_TRUE(isInTrashFolder("shot.png"));
+  EXPECT_TRUE(isInTrashFolder("2.png"));
+  EXPECT_TRUE(model->items().empty());
+  EXPECT_THAT(savedRecords(), IsEmpty());
+  EXPECT_FALSE(*model->inboxError);
+}
+
+TEST_F(AppModelConfirmedDisposal, TheReasonDecidesBetweenTrashAndDeleting) {
+  const UUID id = arrive("shot.png");
+  confirm({id}, stampsOf({id}), Reason::deleteImmediately);
+  EXPECT_EQ(files.removeCalls, 1);
+  EXPECT_EQ(files.trashCalls, 0);
+}
+
+TEST_F(AppModelConfirmedDisposal, AFileThatWasWrittenSinceStaysAndIsKept) {
+  const UUID id = arriveTemporary("shot.png");
+  const auto stamps = stampsOf({id});
+  writeFile(shot, "another picture in the same file");
+  confirm({id}, stamps, Reason::deleteImmediately);
+  EXPECT_EQ(files.calls(), 0);
+  EXPECT_EQ(title(), "Screenshot Has Changed");
+  EXPECT_EQ(text(), "“shot.png” has changed since it was shown. Look at it again, then decide.");
+  EXPECT_EQ(stateOf(id), State::permanent) << "it was not this picture that was Temporary";
+}
+
+TEST_F(AppModelConfirmedDisposal, AFileOfTheSameSizeIsToldByItsTime) {
+  const UUID id = arrive("shot.png");
+  const auto stamps = stampsOf({id});
+  setModified(shot, Date{kStart + 5});
+  confirm({id}, stamps);
+  EXPECT_TRUE(fileExists(shot));
+  EXPECT_TRUE(hasRecord(id));
+}
+
+TEST_F(AppModelConfirmedDisposal, AFileThatCameInThePlaceOfNoneStays) {
+  const UUID id = arrive("shot.png");
+  deleteFile(shot);
+  const auto stamps = stampsOf({id});
+  writeFile(shot, "shot.png");
+  confirm({id}, stamps);
+  EXPECT_TRUE(fileExists(shot));
+  EXPECT_TRUE(hasRecord(id));
+}
+
+TEST_F(AppModelConfirmedDisposal, AFileThatIsGoneSinceCountsAsRemoved) {
+  const UUID id = arrive("shot.png");
+  const auto stamps = stampsOf({id});
+  deleteFile(shot);
+  confirm({id}, stamps);
+  EXPECT_FALSE(hasRecord(id));
+  EXPECT_FALSE(*model->inboxError);
+}
+
+TEST_F(AppModelConfirmedDisposal, WithoutAStampTheRecordSaysWhetherItIsTheFile) {
+  const UUID rewritten = arrive("shot.png");
+  writeFile(shot, "another picture in the same file");
+  confirm({rewritten}, {});
+  EXPECT_TRUE(isInTrashFolder("shot.png"));
+  const UUID replaced = arrive("2.png");
+  identities[shots.appending("2.png").path()] = FileIdentity{"volume", 4711, Date{kStart + 50}, 7};
+  confirm({replaced}, {});
+  EXPECT_TRUE(fileExists(shots.appending("2.png")));
+}
+
+TEST_F(AppModelConfirmedDisposal, OneErrorTellsOfAllThatStayed) {
+  std::vector<UUID> ids;
+  for (int i = 0; i < 5; ++i) ids.push_back(arrivePermanent("shot " + std::to_string(i) + ".png"));
+  const auto stamps = stampsOf(ids);
+  writeFile(item(ids[0]).url, "another picture in the same file");
+  writeFile(item(ids[3]).url, "another picture in the same file");
+  model->protect(ids[1]);
+  files.refuse(item(ids[2]).url);
+  changes.clear();
+  confirm(ids, stamps, Reason::deleteImmediately);
+  EXPECT_EQ(changesOf(ModelField::inboxError), 1u);
+  EXPECT_EQ(title(), "Couldn’t Delete Every Screenshot");
+  EXPECT_EQ(text(),
+            "1 screenshot is open in the crop editor or a save dialog. 1 screenshot couldn’t be moved. Check that you "
+            "can change files in its folder. 2 screenshots have changed since they were shown. Look at them again, "
+            "then decide. They are still in Quillmere.");
+  EXPECT_EQ(model->items().size(), 4u);
+  EXPECT_FALSE(hasRecord(ids[4]));
+}
+
+TEST_F(AppModelConfirmedDisposal, WhatAnotherDiskHasUnderTheNameIsNotTakenForIt) {
+  const UUID id = arrivePermanent("shot.png");
+  const auto stamps = stampsOf({id});
+  const auto identity = item(id).fileIdentity;
+  isVolumeMounted = false;
+  writeFile(shot, "what another disk has");
+  confirm({id}, stamps, Reason::deleteImmediately);
+  EXPECT_EQ(files.calls(), 0);
+  EXPECT_TRUE(model->unavailableItemIDs->contains(id));
+  EXPECT_EQ(item(id).fileIdentity, identity);
+  EXPECT_EQ(title(), "Couldn’t Delete");
+}
+
+TEST_F(AppModelConfirmedDisposal, AFileThatIsOpenInTheProgramIsInUseWhateverWasWritten) {
+  const UUID id = arriveTemporary("shot.png");
+  const auto stamps = stampsOf({id});
+  model->protect(id);
+  writeFile(shot, "what the crop editor has saved");
+  confirm({id}, stamps);
+  EXPECT_EQ(title(), "Screenshot Is in Use");
+  EXPECT_EQ(stateOf(id), State::temporary);
+}
+
+TEST_F(AppModelConfirmedDisposal, RecordsThatAreGoneAreNoError) {
+  const UUID first = arrive("shot.png"), second = arrive("2.png");
+  const std::vector<ScreenshotItem> items{item(first), item(second)};
+  const auto stamps = stampsOf({first, second});
+  model->removeRecords({first, second});
+  model->disposeConfirmed(items, stamps, Reason::deleteImmediately);
+  model->disposeConfirmed({items[0]}, stamps, Reason::deleteImmediately);
+  model->disposeConfirmed({}, {}, Reason::chosen);
+  EXPECT_EQ(files.calls(), 0);
+  EXPECT_FALSE(*model->inboxError);
+}
+
 }  // namespace
 }  // namespace quillmere::testing

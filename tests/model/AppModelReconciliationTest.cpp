@@ -458,6 +458,26 @@ TEST_F(AppModelReconciliation, AFileThatMovedAwayAndWasWrittenToIsKnownWhenItCom
   EXPECT_EQ(item(id).fileIdentity, identityOf(back));
 }
 
+TEST_F(AppModelReconciliation, AFileThatMovedAwayAndComesBackToItsPlaceIsNoNewOne) {
+  launchWatching();
+  const UUID id = arrivePermanent("shot.png");
+  const FileURL shot = shots.appending("shot.png");
+  // Where no bookmark finds it.
+  moveFile(shot, elsewhere.appending("away.png"));
+  monitor.movedOut.insert(shot.path());
+  reportRemoval({shot});
+  executor.drain();
+  ASSERT_EQ(item(id).hasMovedAway, true);
+  moveFile(elsewhere.appending("away.png"), shot);
+  monitor.onScreenshot(shot);
+  executor.drain();
+  EXPECT_EQ(model->items().size(), 1u);
+  EXPECT_EQ(item(id).url, shot);
+  EXPECT_EQ(item(id).hasMovedAway, std::nullopt);
+  EXPECT_FALSE(model->unavailableItemIDs->contains(id));
+  EXPECT_TRUE(queue().empty());
+}
+
 TEST_F(AppModelReconciliation, AFileThatWasWrittenToAndRenamedHasOneRecordInTheEnd) {
   launchWatching();
   for (const bool isDecided : {false, true}) {

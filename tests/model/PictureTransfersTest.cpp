@@ -185,5 +185,82 @@ TEST_F(PictureTransfersTest, AnotherFileInThePlaceIsNotSentBeforeOrDuringTheRead
   EXPECT_EQ(source.failures.size(), 4u);
 }
 
+// --- A part of a picture ---
+
+class CopiedCrop : public PictureTransfersTest {
+ protected:
+  Task<bool> copy(const QRectF& rect) { return transfers->copyCrop(image, rect); }
+  static bool isDone(const Task<bool>& task) { return task.isDone() && task.await_resume(); }
+
+  const QImage image = [] {
+    QImage drawn(20, 10, QImage::Format_ARGB32);
+    drawn.fill(qRgba(10, 20, 30, 40));
+    drawn.setPixel(4, 5, qRgba(200, 100, 50, 25));
+    return drawn;
+  }();
+};
+
+TEST_F(CopiedCrop, IsAPngInNoFile) {
+  const auto copying = copy({3, 4, 5, 6});
+  executor.drain();
+  EXPECT_TRUE(isDone(copying));
+  ASSERT_THAT(pasteboard.items, SizeIs(1));
+  EXPECT_EQ(pasteboard.items[0].url, std::nullopt);
+  EXPECT_EQ(pasteboard.items[0].contentType, "image/png");
+  EXPECT_EQ(QImage::fromData(pasteboard.items[0].data, "png"), image.copy(3, 4, 5, 6));
+  ASSERT_THAT(announcer.said, SizeIs(1));
+  EXPECT_EQ(announcer.said[0].text, "Cropped image copied.");
+  EXPECT_EQ(announcer.said[0].priority, AnnouncementPriority::low);
+}
+
+TEST_F(CopiedCrop, ThatIsNotInThePictureIsTheCallersToShow) {
+  const auto copying = copy({18, 4, 5, 6});
+  executor.drain();
+  EXPECT_TRUE(copying.isDone());
+  EXPECT_FALSE(isDone(copying));
+  EXPECT_THAT(pasteboard.items, IsEmpty());
+  EXPECT_THAT(announcer.said, IsEmpty());
+  EXPECT_THAT(source.failures, IsEmpty());
+}
+
+TEST_F(CopiedCrop, ThatALaterOneOvertookIsNotWrittenAndHasNotFailed) {
+  for (const QRectF& rect : {QRectF(0, 0, 5, 5), QRectF(18, 4, 5, 6)}) {
+    pasteboard.items.clear();
+    announcer.said.clear();
+    const auto first = copy(rect);
+    const auto second = copy({3, 4, 2, 2});
+    executor.drain();
+    EXPECT_TRUE(isDone(first));
+    EXPECT_TRUE(isDone(second));
+    ASSERT_THAT(pasteboard.items, SizeIs(1));
+    EXPECT_EQ(QImage::fromData(pasteboard.items[0].data, "png").size(), QSize(2, 2));
+    EXPECT_THAT(announcer.said, SizeIs(1));
+  }
+}
+
+TEST_F(CopiedCrop, AndACopiedFileOvertakeEachOther) {
+  const auto crop = copy({0, 0, 5, 5});
+  transfers->copy(add(1, "one"), ErrorScope::inbox).detach();
+  executor.drain();
+  EXPECT_TRUE(isDone(crop));
+  ASSERT_THAT(pasteboard.items, SizeIs(1));
+  EXPECT_EQ(pasteboard.items[0].data, "one");
+  transfers->copy(add(2, "two"), ErrorScope::inbox).detach();
+  const auto last = copy({0, 0, 5, 5});
+  executor.drain();
+  EXPECT_TRUE(isDone(last));
+  ASSERT_THAT(pasteboard.items, SizeIs(2));
+  EXPECT_EQ(pasteboard.items[1].url, std::nullopt);
+}
+
+TEST_F(CopiedCrop, WhoseOwnerIsGoneIsNotWritten) {
+  const auto copying = copy({0, 0, 5, 5});
+  transfers.reset();
+  executor.drain();
+  EXPECT_TRUE(copying.isDone());
+  EXPECT_FALSE(isDone(copying));
+  EXPECT_THAT(pasteboard.items, IsEmpty());
+}
+
 }  // namespace
 }  // namespace quillmere::testing

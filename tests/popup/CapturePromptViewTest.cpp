@@ -805,11 +805,12 @@ TEST_F(CapturePromptViewTest, ShareOffersWhatTakesThePictureAndSendsItUnderItsNa
   });
   click("Share");
   executor.drain();
-  EXPECT_EQ(sharing.asked, std::vector<QString>{QStringLiteral("image/png")});
+  EXPECT_EQ(sharing.asked, std::vector{QStringList{QStringLiteral("image/png")}});
   ASSERT_EQ(sharing.sent.size(), 1U);
-  EXPECT_EQ(sharing.sent[0].first.lastPathComponent(), "Receipt.png");
+  ASSERT_EQ(sharing.sent[0].first.size(), 1U);
+  EXPECT_EQ(sharing.sent[0].first[0].lastPathComponent(), "Receipt.png");
   EXPECT_EQ(sharing.sent[0].second, QStringLiteral("viewer"));
-  EXPECT_EQ(readBytes(sharing.sent[0].first), "Screenshot 1.png");
+  EXPECT_EQ(readBytes(sharing.sent[0].first[0]), "Screenshot 1.png");
 }
 
 TEST_F(CapturePromptViewTest, TellsThatNothingWasShared) {

@@ -24,7 +24,7 @@ std::string answerOf(const QStringList& arguments, bool isComplaint) {
   const auto* answer = std::get_if<Answer>(&request);
   EXPECT_TRUE(answer) << arguments.join(QLatin1Char(' ')).toStdString();
   if (!answer) return {};
-  EXPECT_EQ(answer->isComplaint, isComplaint);
+  EXPECT_EQ(answer->isComplaint(), isComplaint);
   return answer->text.toStdString();
 }
 
@@ -41,11 +41,30 @@ TEST(CommandLine, WhatASessionManagerAddsIsUnderstood) {
   EXPECT_TRUE(startOf({"--autostart", "-session", "1017a1_2"}).isLoginLaunch);
 }
 
+TEST(CommandLine, ShowAndReviewAreActionsOfTheLauncherEntry) {
+  EXPECT_EQ(startOf({}).action, QString());
+  EXPECT_EQ(startOf({"--show", "inbox"}).action, QStringLiteral("inbox"));
+  EXPECT_EQ(startOf({"--show=settings"}).action, QStringLiteral("settings"));
+  EXPECT_EQ(startOf({"--review"}).action, QStringLiteral("review"));
+  EXPECT_TRUE(startOf({"--autostart", "--show", "inbox"}).isLoginLaunch);
+}
+
+TEST(CommandLine, AWindowThatIsNotThereIsAFailureOfItsOwn) {
+  const auto status = [](const QStringList& arguments) {
+    return std::get<Answer>(CommandLine::read(arguments)).status;
+  };
+  EXPECT_EQ(status({"--show", "quit"}), 1);
+  EXPECT_EQ(status({"--inbox"}), 2);
+  EXPECT_EQ(status({"--help"}), 0);
+}
+
 TEST(CommandLine, HelpNamesEveryOptionForPeopleAndNoOther) {
   for (const QString option : {"-h", "--help"}) {
     const std::string text = answerOf({option}, false);
     EXPECT_THAT(text, StartsWith("Usage: quillmere [options]\nWatches"));
-    for (const char* name : {"--autostart", "-h, --help", "-v, --version"}) EXPECT_THAT(text, HasSubstr(name));
+    for (const char* name :
+         {"--autostart", "--show <window>", "inbox or settings", "--review", "-h, --help", "-v, --version"})
+      EXPECT_THAT(text, HasSubstr(name));
     EXPECT_THAT(text, Not(HasSubstr("session")));
   }
 }
@@ -83,6 +102,17 @@ INSTANTIATE_TEST_SUITE_P(
         Misunderstood{"a value where none belongs",
                       {"--autostart=yes"},
                       "quillmere: Unexpected value after '--autostart'. Try: quillmere --help\n"},
+        Misunderstood{
+            "no window of ours", {"--show", "quit"}, "quillmere: Unknown window 'quit'. Try: quillmere --help\n"},
+        Misunderstood{"no window at all", {"--show="}, "quillmere: Unknown window ''. Try: quillmere --help\n"},
+        Misunderstood{"a window's name of two lines",
+                      {"--show", "in\nbox"},
+                      "quillmere: Unknown window 'in box'. Try: quillmere --help\n"},
+        Misunderstood{
+            "the value left out", {"--show"}, "quillmere: Missing value after '--show'. Try: quillmere --help\n"},
+        Misunderstood{"two things at once",
+                      {"--review", "--show", "inbox"},
+                      "quillmere: Both '--show' and '--review' are given. Try: quillmere --help\n"},
         Misunderstood{"a file", {"a.png"}, "quillmere: Unexpected argument 'a.png'. Try: quillmere --help\n"},
         Misunderstood{"a session without its name",
                       {"-session"},

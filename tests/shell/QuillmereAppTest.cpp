@@ -1,7 +1,10 @@
 #include "shell/QuillmereApp.h"
 
+#include <QtCore/QEventLoop>
+#include <QtCore/QTimer>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QDialog>
 
 #include "fakes/ModelFixture.h"
 #include "inbox/InboxWindow.h"
@@ -13,17 +16,19 @@ namespace {
 class QuillmereAppTest : public testing::ModelFixture {
  protected:
   /// As main does, with a folder or without.
-  void start(bool isLoginLaunch, bool hasFolder = true) {
+  void start(bool isLoginLaunch, bool hasFolder = true, const QString& action = {}) {
     if (hasFolder) chooseFolderBefore(shots);
     makeModel();
-    app = std::make_unique<QuillmereApp>(*model, thumbnails, systemEvents);
+    app = std::make_unique<QuillmereApp>(
+        *model, InboxServices{.thumbnails = &thumbnails, .executor = &executor, .defaults = defaults.get()},
+        systemEvents);
     app->confirmQuit = [this](const Confirmations::QuitConcerns& concerns) {
       questions.push_back(concerns.waitingScreenshots);
       isToldOfSaving = concerns.isNotSaved;
       if (whileAsked) whileAsked();
       return confirms;
     };
-    app->didFinishLaunching({isLoginLaunch});
+    app->didFinishLaunching({isLoginLaunch, action});
     executor.drain();
   }
   template <typename Window>
@@ -66,6 +71,29 @@ TEST_F(QuillmereAppTest, WithoutAFolderItOpensEvenThen) {
   EXPECT_TRUE(app->isInboxShown());
 }
 
+TEST_F(QuillmereAppTest, StartedForAWindowItOpensThatOne) {
+  start(false, true, QStringLiteral("settings"));
+  ASSERT_TRUE(open<SettingsWindow>());
+  EXPECT_TRUE(open<SettingsWindow>()->isVisible());
+  EXPECT_FALSE(app->isInboxShown());
+  app.reset();
+  start(true, true, QStringLiteral("inbox"));
+  EXPECT_TRUE(app->isInboxShown());
+}
+
+TEST_F(QuillmereAppTest, StartedForAReviewItBeginsOne) {
+  storeRecords({storedItem(1, "1.png")});
+  start(false, true, QStringLiteral("review"));
+  EXPECT_FALSE(app->isInboxShown());
+  EXPECT_EQ(presenter.focuses, 1);
+}
+
+TEST_F(QuillmereAppTest, WithoutAFolderTheInboxOpensBesideWhatItIsStartedFor) {
+  start(false, false, QStringLiteral("settings"));
+  EXPECT_TRUE(app->isInboxShown());
+  EXPECT_TRUE(open<SettingsWindow>());
+}
+
 TEST_F(QuillmereAppTest, WhatTheBusAsksForIsDone) {
   start(true);
   app->perform(QStringLiteral("inbox"));
@@ -89,6 +117,23 @@ TEST_F(QuillmereAppTest, AMinimizedInboxComesBack) {
   EXPECT_TRUE(app->isInboxShown());
 }
 
+TEST_F(QuillmereAppTest, WhatIsOpenOverTheInboxGetsTheKeyboardWithIt) {
+  start(false);
+  QDialog sheet(open<InboxWindow>());
+  QDialog question(&sheet);
+  sheet.open();
+  question.open();
+  open<InboxWindow>()->activateWindow();
+  app->reopen();
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(question.isActiveWindow());
+  question.close();
+  open<InboxWindow>()->activateWindow();
+  app->reopen();
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(sheet.isActiveWindow());
+}
+
 TEST_F(QuillmereAppTest, AClosedInboxIsLetGoOfLaterAndTheProgramGoesOn) {
   start(false);
   EXPECT_FALSE(QApplication::quitOnLastWindowClosed());
@@ -99,6 +144,28 @@ TEST_F(QuillmereAppTest, AClosedInboxIsLetGoOfLaterAndTheProgramGoesOn) {
   EXPECT_FALSE(open<InboxWindow>());
   app->reopen();
   EXPECT_TRUE(app->isInboxShown());
+}
+
+TEST_F(QuillmereAppTest, AnInboxThatIsClosedUnderItsMenuStaysUntilTheMenuIsOver) {
+  start(false);
+  const QWidget* closed = nullptr;
+  quits([&] {
+    // As a menu or a drag: it runs the events, and returns into the window.
+    QEventLoop menu;
+    QTimer::singleShot(0, &menu, [&] {
+      open<InboxWindow>()->close();
+      QTimer::singleShot(0, &menu, &QEventLoop::quit);
+    });
+    menu.exec();
+    closed = open<InboxWindow>();
+    ASSERT_TRUE(closed) << "what opened the menu is still in it";
+    EXPECT_FALSE(app->isInboxShown());
+  });
+  bool isGone = false;
+  QObject::connect(closed, &QObject::destroyed, closed, [&] { isGone = true; });
+  app->reopen();
+  EXPECT_TRUE(app->isInboxShown());
+  EXPECT_TRUE(isGone) << "a new window, without what was sought in the one before";
 }
 
 TEST_F(QuillmereAppTest, QuittingIsAskedAboutOnlyWhileScreenshotsWait) {
@@ -139,6 +206,27 @@ TEST_F(QuillmereAppTest, ASessionThatEndsAsksNothing) {
   arrive("1.png");
   EXPECT_TRUE(quits([this] { app->quitWithoutAsking(); }));
   EXPECT_TRUE(questions.empty());
+}
+
+TEST_F(QuillmereAppTest, ACropThatIsBeingWrittenComesFirst) {
+  start(true);
+  ScreenshotItem source;
+  source.url = shots.appending("1.png");
+  executor.holdBackground();
+  model->saveAsNew(source, QImage(20, 20, QImage::Format_RGB32), QRectF(0, 0, 10, 10)).detach();
+  EXPECT_FALSE(quits([this] { app->quit(); }));
+  EXPECT_TRUE(quits([this] { executor.runHeldBackground(); }));
+  EXPECT_EQ(model->items().size(), 1u);
+}
+
+TEST_F(QuillmereAppTest, WhoAsksTwiceDoesNotWaitForIt) {
+  start(true);
+  ScreenshotItem source;
+  source.url = shots.appending("1.png");
+  executor.holdBackground();
+  model->saveAsNew(source, QImage(20, 20, QImage::Format_RGB32), QRectF(0, 0, 10, 10)).detach();
+  EXPECT_FALSE(quits([this] { app->quit(); }));
+  EXPECT_TRUE(quits([this] { app->quit(); }));
 }
 
 TEST_F(QuillmereAppTest, WhatIsNotSavedYetIsSavedLast) {

@@ -85,6 +85,12 @@ class Installation(unittest.TestCase):
         self.assertEqual(entry["Exec"], f"{PREFIX}/bin/quillmere")
         self.assertIn(f"{ICONS}/scalable/apps/{entry['Icon']}.svg", self.files())
 
+    def test_the_actions_of_the_launcher_entry_are_options_of_the_program(self):
+        for action, options in ("inbox", ["--show", "inbox"]), ("review", ["--review"]):
+            command = keys(self.place(ENTRY), "Desktop Action " + action)["Exec"].split()
+            self.assertEqual(command, [f"{PREFIX}/bin/quillmere", *options])
+            self.assertEqual(self.run_tool(self.place("bin/quillmere"), *options, "--help").returncode, 0)
+
     def test_the_bus_starts_the_program_that_is_installed(self):
         service = keys(self.place(SERVICE), "D-BUS Service")
         self.assertEqual(service["Name"] + ".service", os.path.basename(SERVICE))

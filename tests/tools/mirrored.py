@@ -24,10 +24,13 @@ TESTED_ELSEWHERE = {
     "popup/CardMotion": "How the panel comes and goes: popup/CaptureDecisionPanelTest.",
     "popup/CapturePromptPanelRecess": "A part of CapturePromptPanelController: popup/CapturePromptPanelControllerTest.",
     "popup/CapturePromptViewPicture": "A part of CapturePromptView: popup/CapturePromptViewTest.",
+    "editor/CropCanvasPointer": "A part of CropCanvas: editor/CropCanvasTest.",
+    "editor/CropCanvasScene": "A part of CropCanvas: editor/CropCanvasTest and editor/CropSceneTest.",
+    "inbox/InboxMenuBar": "The menus of a window: inbox/InboxWindowTest, and journey.global_menu over the bus.",
+    "inbox/QuickLookPresenter": "Between the selection and its window: inbox/InboxWindowTest.",
+    "inbox/ScreenshotDrag": "A drag holds the pointer: journey.inbox_drag.",
     "platform/linux/system/SystemFiles": "foundation/FileStatusTest and foundation/FileCopyTest: it is what those two "
                                          "call on this system.",
-    "platform/linux/sharing/EmailComposer": "platform/linux/sharing/LiveSharingTest sends by the command, and "
-                                            "journey.shared by the portal, which takes a bus of the session.",
     "platform/linux/announcing/LiveAnnouncer": "Chooses a form by the reader that runs: journey.announcements has all "
                                                "of them.",
     "platform/linux/appearance/XSettingsAppearance": "Needs an X server with a settings manager: journey.appearance.",
@@ -44,6 +47,9 @@ TESTED_ELSEWHERE = {
 PARTS = {
     "main": "It has nothing to declare.",
     "monitor/ScreenshotInboxMonitorApply": "ScreenshotInboxMonitor.h: what it does with what a look has found.",
+    "editor/ImageEditorActions": "ImageEditor.h: what the buttons do.",
+    "editor/CropCanvasPointer": "CropCanvas.h: what the pointer does.",
+    "editor/CropCanvasScene": "CropCanvas.h: what is painted over the picture.",
     "popup/CapturePromptPanelRecess": "CapturePromptPanelController.h: how it keeps away from captures.",
     "popup/CapturePromptViewPicture": "CapturePromptView.h: what the card does with its picture.",
 }

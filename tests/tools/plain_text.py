@@ -10,7 +10,7 @@ MADE_HERE = {"controls/PlainText.h", "controls/PlainText.cpp"}
 FORBIDDEN = re.compile(
     r"new QLabel\b|\bQLabel\s*[({]|public QLabel\b|make_unique<QLabel>|\bQLabel \w+[;({]|setInformativeText|setHtml|"
     r"\bQTextEdit\b|\bQTextBrowser\b|Qt::(?:Rich|Auto|Markdown)Text|QMessageBox\b|"
-    r"setToolTip\((?!\{\}|QString\(\)|localized|\w+\.toolTip|help\)|traits\.|thumbnail_->|is\w+ \? (?:localized|QString)|"
+    r"setToolTip\((?!\{\}|QString\(\)|localized|\w+\.toolTip|help\)|action(?:->|\.)help\)|traits\.|thumbnail_->|is\w+ \? (?:localized|QString|adviceFor)|"
     r"content\.deletesChosen)")
 
 

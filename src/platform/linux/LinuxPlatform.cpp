@@ -38,11 +38,11 @@ class LinuxPlatformStart final : public PlatformStart {
     TerminationSignals::block();
   }
 
-  std::unique_ptr<Platform> begin(PlatformRequests requests) override {
+  std::unique_ptr<Platform> begin(PlatformRequests requests, const QString& action) override {
     windowPlatform_.settle();
     auto process = std::make_unique<LinuxProcess>(std::move(requests));
     if (process->isOnly()) return std::make_unique<LinuxPlatform>(std::move(process));
-    if (!ApplicationBus::activateOther()) tellThatItIsTaken(process->paths().runMarker);
+    if (!ApplicationBus::askOther(action)) tellThatItIsTaken(process->paths().runMarker);
     return nullptr;
   }
 
@@ -87,6 +87,15 @@ CapturePromptPanelController::Services LinuxPlatform::popupServices() {
   services.captureSigns = {&displaySigns_, &busSigns_};
   services.isDataless = &CloudFiles::isDataless;
   services.captureRect = &ScreenCaptureAttributes::globalRect;
+  return services;
+}
+
+InboxServices LinuxPlatform::inboxServices() {
+  InboxServices services;
+  services.executor = &services_.executor;
+  services.sharing = &services_.sharing;
+  services.fileManager = &services_.fileManager;
+  services.defaults = &services_.defaults;
   return services;
 }
 

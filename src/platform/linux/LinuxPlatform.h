@@ -42,8 +42,10 @@ class LinuxPlatform final : public Platform {
   Executor& executor() override { return services_.executor; }
   SystemEvents& systemEvents() override { return services_.systemEvents; }
   bool isDataless(const FileURL& url) const override;
+  std::shared_ptr<SharedThumbnails> sharedThumbnails() override { return services_.thumbnails; }
   AppModelDependencies modelDependencies() override;
   CapturePromptPanelController::Services popupServices() override;
+  InboxServices inboxServices() override;
   void followAppearance(std::function<void(const Appearance&)> show) override;
   void follow(AppModel& model) override;
   DesktopFileDialogs* fileDialogs() override { return &fileDialogs_; }

@@ -57,16 +57,20 @@ ApplicationPaths ApplicationPaths::standard() {
   paths.runMarker = paths.support.appending("running");
   const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
   paths.transfers = FileURL::fromPath(cache + QStringLiteral("/Quillmere/Transfers"));
+  paths.thumbnails = FileURL::fromPath(cache + QStringLiteral("/thumbnails"));
   return paths;
 }
 
 LiveServices::LiveServices(const ApplicationPaths& paths)
     : defaults(paths.settings),
       mounts(&systemEvents),
+      thumbnails(std::make_shared<LiveSharedThumbnails>(paths.thumbnails, &systemNow)),
+      fileOperations([this](const FileURL& place) { forgetThumbnails(place); }),
       securityScope(mounts),
       watchFolderStore(defaults, mounts),
       announcer(executor),
-      sharing(executor, defaults),
+      sharing(executor, defaults, QDBusConnection::sessionBus()),
+      fileManager(executor, QDBusConnection::sessionBus()),
       languageModel(executor,
                     ModelServerPlaces{.configured = [this] { return Settings::storedModelAddress(defaults); },
                                       .listener = &serverListener,
@@ -100,6 +104,10 @@ void LiveServices::holdUndecided(const AppModel& model) {
     });
     securityScope.hold(files);
   });
+}
+
+void LiveServices::forgetThumbnails(const FileURL& place) {
+  executor.runInBackground([kept = thumbnails, place] { kept->forget(place); }, [] {});
 }
 
 bool LiveServices::isFolderReachable(const FileURL& url) const {

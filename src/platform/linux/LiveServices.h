@@ -13,8 +13,10 @@
 #include "platform/linux/files/LiveFolderEventSource.h"
 #include "platform/linux/files/LiveSecurityScopeAccess.h"
 #include "platform/linux/files/MountTable.h"
+#include "platform/linux/sharing/LiveFileManager.h"
 #include "platform/linux/sharing/LivePasteboard.h"
 #include "platform/linux/sharing/LiveSharing.h"
+#include "platform/linux/thumbnails/LiveSharedThumbnails.h"
 
 namespace quillmere {
 
@@ -27,7 +29,8 @@ struct ApplicationPaths {
   QString settings;  ///< the settings file
   FileURL recordList;
   FileURL runMarker;
-  FileURL transfers;  ///< copies that other applications are given
+  FileURL transfers;   ///< copies that other applications are given
+  FileURL thumbnails;  ///< what the desktop's programs share
   /// By the XDG base directories; makes the data directory, without which nothing can be put in the Trash.
   static ApplicationPaths standard();
 };
@@ -48,6 +51,7 @@ class LiveServices {
   SystemEvents systemEvents;
   UserDefaults defaults;
   MountTable mounts;
+  const std::shared_ptr<LiveSharedThumbnails> thumbnails;
   LiveFileOperations fileOperations;
   LiveSecurityScopeAccess securityScope;
   LiveWatchFolderStore watchFolderStore;
@@ -56,12 +60,14 @@ class LiveServices {
   LiveAnnouncer announcer;
   LivePasteboard pasteboard;
   LiveSharing sharing;
+  LiveFileManager fileManager;
   LiveLanguageModel languageModel;
   LiveScreenshotAnalyzer analyzer;
   ScreenshotInboxMonitor monitor;
 
  private:
   ScanServices scanServices();
+  void forgetThumbnails(const FileURL& place);
   bool isFolderReachable(const FileURL& url) const;
   bool isHoldDue_ = false;
 };

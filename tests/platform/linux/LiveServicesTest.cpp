@@ -1,6 +1,10 @@
 #include "platform/linux/LiveServices.h"
 
+#include <QtGui/QImage>
+
+#include "formats/ImageFile.h"
 #include "foundation/FileStatus.h"
+#include "support/EventLoop.h"
 #include "support/Files.h"
 #include "support/Printing.h"
 #include "support/TemporaryFolder.h"
@@ -60,6 +64,19 @@ TEST_F(LiveServicesTest, TheDefaultFolderIsThePicturesScreenshotsElsePicturesEls
   std::filesystem::create_directories(home.appending("Pictures/Screenshots").path());
   EXPECT_EQ(dependencies.defaultScreenshotFolder(), home.appending("Pictures/Screenshots"));
   std::filesystem::remove_all(home.appending("Pictures").path());
+}
+
+TEST_F(LiveServicesTest, AThumbnailThatOthersShareGoesWithItsFile) {
+  const FileURL file = folder.file("a.png");
+  QImage picture(200, 100, QImage::Format_RGB32);
+  picture.fill(Qt::red);
+  ASSERT_TRUE(picture.save(file.displayPath()));
+  testing::setModified(file, Date{700000000});
+  services.thumbnails->keep(file, *fileStatus(file), ImageFile::thumbnail(file, 128));
+  const FileURL cache = FileURL::fromPath(std::getenv("XDG_CACHE_HOME")).appending("thumbnails/normal");
+  ASSERT_EQ(testing::namesIn(cache).size(), 1u);
+  ASSERT_EQ(dependencies.fileOperations->trash(file), FileOutcome::done);
+  EXPECT_TRUE(testing::runLoopUntil([&] { return testing::namesIn(cache).empty(); }));
 }
 
 TEST_F(LiveServicesTest, AnAnnouncementWithoutAssistiveTechnologyIsSilent) {

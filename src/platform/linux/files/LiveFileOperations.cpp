@@ -114,6 +114,7 @@ FileOutcome LiveFileOperations::trash(const FileURL& url, TrashReport& report) {
   if (isInFiles) touched_.insert({trashed.parent(), trashInfo(trashed).parent()});
   if (isInFiles && !isRestorable(trashed) && restore(trashed, url) == FileOutcome::done) return refused(ENOSPC);
   if (isInFiles) report.place = trashed;
+  left_(url);
   return FileOutcome::done;
 }
 
@@ -132,6 +133,7 @@ FileOutcome LiveFileOperations::move(const FileURL& from, const FileURL& to, QSt
   if (error == EXDEV && from.parent() != to.parent()) error = moveAcrossDisks(from, to);
   if (error == 0) {
     touched_.insert({from.parent(), to.parent()});
+    left_(from);
     return FileOutcome::done;
   }
   reason = systemReason(error);
@@ -141,11 +143,13 @@ FileOutcome LiveFileOperations::move(const FileURL& from, const FileURL& to, QSt
 void LiveFileOperations::finishMove(const FileURL& from, const FileURL& to) {
   quillmere::finishMove(from, to);
   touched_.insert({from.parent(), to.parent()});
+  left_(from);
 }
 
 FileOutcome LiveFileOperations::remove(const FileURL& url) {
   if (TEMP_FAILURE_RETRY(::unlink(url.c_str())) != 0) return outcomeOf(errno, url);
   touched_.insert(url.parent());
+  left_(url);
   return FileOutcome::done;
 }
 

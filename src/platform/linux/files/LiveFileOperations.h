@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <set>
+#include <utility>
 #include <vector>
 
 #include "model/AppModelDependencies.h"
@@ -13,6 +15,9 @@ class LiveFileOperations final : public FileOperations {
  public:
   using FileOperations::move;
   using FileOperations::trash;
+  /// `left` is told of each place that a file has left, right after that.
+  explicit LiveFileOperations(std::function<void(const FileURL& place)> left = [](const FileURL&) {})
+      : left_(std::move(left)) {}
   FileOutcome trash(const FileURL& url, TrashReport& report) override;
   FileOutcome restore(const FileURL& place, const FileURL& url) override;
   FileOutcome move(const FileURL& from, const FileURL& to, QString& reason) override;
@@ -21,6 +26,7 @@ class LiveFileOperations final : public FileOperations {
   void flush() override;
 
  private:
+  std::function<void(const FileURL&)> left_;
   std::set<FileURL> touched_;  // folders with names that came or went since they were last flushed
 };
 

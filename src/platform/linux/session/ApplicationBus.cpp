@@ -51,10 +51,12 @@ void ApplicationBus::rejoin() {
   rejoining_.start(std::min(2 * rejoining_.intervalAsDuration(), kLongestPause));
 }
 
-bool ApplicationBus::activateOther() {
-  QDBusMessage call = QDBusMessage::createMethodCall(kName, kPath, kInterface, QStringLiteral("Activate"));
+bool ApplicationBus::askOther(const QString& action) {
+  const QString method = action.isEmpty() ? QStringLiteral("Activate") : QStringLiteral("ActivateAction");
+  QDBusMessage call = QDBusMessage::createMethodCall(kName, kPath, kInterface, method);
   // Else the bus would start one more, which would find the other here as well.
   call.setAutoStartService(false);
+  if (!action.isEmpty()) call << action << QVariantList();
   call << QVariantMap();
   constexpr int kTimeout = 5000;
   return QDBusConnection::sessionBus().call(call, QDBus::Block, kTimeout).type() == QDBusMessage::ReplyMessage;

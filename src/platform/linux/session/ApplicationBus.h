@@ -24,8 +24,9 @@ class ApplicationBus final : public QDBusVirtualObject {
 
   /// Takes the name. False when another process holds it; true also where there is no bus at all.
   bool registerOnBus();
-  /// Asks the process that holds the name to come to the front. False when there is none, or it does not answer.
-  static bool activateOther();
+  /// Asks the process that holds the name to perform the action, or without one to come to the front. False when there
+  /// is none, or it does not answer.
+  static bool askOther(const QString& action);
 
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
   QString introspect(const QString& path) const override;

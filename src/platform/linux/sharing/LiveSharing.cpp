@@ -3,6 +3,7 @@
 // Before Qt, whose macro takes the name of a field in it.
 #include <gio/gdesktopappinfo.h>
 #include <unistd.h>
+#include <algorithm>
 
 #include "foundation/Localized.h"
 #include "platform/linux/sharing/EmailComposer.h"
@@ -19,27 +20,33 @@ struct Unref {
 template <typename T>
 using Owned = std::unique_ptr<T, Unref>;
 
-bool open(const QString& id, const FileURL& file) {
+/// All in one start, where the program takes several at a time.
+bool open(const QString& id, const std::vector<FileURL>& files) {
   const Owned<GDesktopAppInfo> info(g_desktop_app_info_new(id.toUtf8().constData()));
   if (!info) return false;
-  const Owned<GFile> target(g_file_new_for_path(file.c_str()));
-  GList* files = g_list_append(nullptr, target.get());
-  const bool isOpened = g_app_info_launch(G_APP_INFO(info.get()), files, nullptr, nullptr);
-  g_list_free(files);
+  GList* list = nullptr;
+  for (const FileURL& file : files) list = g_list_append(list, g_file_new_for_path(file.c_str()));
+  const bool isOpened = g_app_info_launch(G_APP_INFO(info.get()), list, nullptr, nullptr);
+  g_list_free_full(list, g_object_unref);
   return isOpened;
+}
+
+/// A program that is opened with a file that is gone would complain, or show nothing.
+bool canBeRead(const FileURL& file) {
+  return ::access(file.c_str(), R_OK) == 0;
 }
 
 }  // namespace
 
-Task<std::vector<ShareTarget>> LiveSharing::targets(QString contentType) {
+Task<std::vector<ShareTarget>> LiveSharing::targets(QStringList contentTypes) {
   struct Found {
     std::vector<ShareTarget> targets;
     QStringList gone;
   };
   const auto self = lifetime_.weak(this);
-  auto looking = executor_.background([contentType, recent = recent_.ids()] {
-    Found found{ShareablePrograms::find(contentType), ShareablePrograms::missing(recent)};
-    if (EmailComposer::isAvailable()) {
+  auto looking = executor_.background([contentTypes, recent = recent_.ids(), bus = bus_] {
+    Found found{ShareablePrograms::find(contentTypes), ShareablePrograms::missing(recent)};
+    if (EmailComposer::isAvailable(bus)) {
       found.targets.insert(found.targets.begin(),
                            {kEmail, localized("Mail"), QStringLiteral("mail-message-new"), ShareTarget::Group::mail});
     }
@@ -53,12 +60,13 @@ Task<std::vector<ShareTarget>> LiveSharing::targets(QString contentType) {
   co_return found.targets;
 }
 
-Task<bool> LiveSharing::share(PreparedTransfer transfer, QString targetID) {
+Task<bool> LiveSharing::share(std::vector<PreparedTransfer> transfers, QString targetID) {
   const auto self = lifetime_.weak(this);
-  auto opening = executor_.background([transfer, targetID] {
-    // An application that is opened with a file that is gone would complain, or show nothing.
-    if (::access(transfer.file.c_str(), R_OK) != 0) return false;
-    return targetID == kEmail ? EmailComposer::compose(transfer.file) : open(targetID, transfer.file);
+  auto opening = executor_.background([transfers, targetID, bus = bus_] {
+    std::vector<FileURL> files;
+    for (const PreparedTransfer& transfer : transfers) files.push_back(transfer.file);
+    if (files.empty() || !std::all_of(files.begin(), files.end(), canBeRead)) return false;
+    return targetID == kEmail ? EmailComposer::compose(bus, files) : open(targetID, files);
   });
   const bool isTaken = co_await opening;
   if (isTaken && self && targetID != kEmail) self->recent_.note(targetID);

@@ -4,6 +4,8 @@
 
 #include <QtCore/QRegularExpression>
 #include <QtCore/QSet>
+#include <algorithm>
+#include <iterator>
 #include <memory>
 
 namespace quillmere {
@@ -55,18 +57,36 @@ ShareTarget targetOf(GDesktopAppInfo* info) {
           nameOf(g_app_info_get_icon(application)), isMail ? ShareTarget::Group::mail : ShareTarget::Group::program};
 }
 
+/// The desktop ids of all that take it.
+QSet<QString> idsOf(const QString& contentType) {
+  QSet<QString> ids;
+  GList* infos = g_app_info_get_all_for_type(contentType.toUtf8().constData());
+  for (const GList* one = infos; one; one = one->next) {
+    ids.insert(QString::fromUtf8(g_app_info_get_id(G_APP_INFO(one->data))));
+  }
+  g_list_free_full(infos, g_object_unref);
+  return ids;
+}
+
 }  // namespace
 
-std::vector<ShareTarget> ShareablePrograms::find(const QString& contentType) {
+std::vector<ShareTarget> ShareablePrograms::find(const QStringList& contentTypes) {
   std::vector<ShareTarget> targets;
+  if (contentTypes.isEmpty()) return targets;
+  std::vector<QSet<QString>> others;
+  for (const QString& type : QSet<QString>(std::next(contentTypes.begin()), contentTypes.end())) {
+    if (type != contentTypes.front()) others.push_back(idsOf(type));
+  }
   QSet<QString> names;
   QSet<QString> commands;
-  GList* infos = g_app_info_get_all_for_type(contentType.toUtf8().constData());
+  GList* infos = g_app_info_get_all_for_type(contentTypes.front().toUtf8().constData());
   for (const GList* one = infos; one; one = one->next) {
     if (!G_IS_DESKTOP_APP_INFO(one->data)) continue;
     auto* info = G_DESKTOP_APP_INFO(one->data);
     if (!isForPeople(info)) continue;
     const ShareTarget target = targetOf(info);
+    const auto isTaking = [&target](const QSet<QString>& ids) { return ids.contains(target.id); };
+    if (!std::all_of(others.begin(), others.end(), isTaking)) continue;
     if (target.icon.isEmpty() || isTechnical(target.name)) continue;
     const QString name = target.name.toCaseFolded();
     const QString command = QString::fromUtf8(g_app_info_get_commandline(G_APP_INFO(info)));

@@ -190,6 +190,24 @@ TEST_F(LiveFileOperationsTest, MoveToItsOwnPlaceIsDone) {
   EXPECT_EQ(readBytes(shot), "the picture");
 }
 
+TEST_F(LiveFileOperationsTest, ItTellsOfEachPlaceThatAFileHasLeft) {
+  std::vector<std::string> left;
+  LiveFileOperations telling([&](const FileURL& place) {
+    EXPECT_FALSE(fileExists(place)) << "when it has";
+    left.push_back(place.lastPathComponent());
+  });
+  for (const char* name : {"moved", "trashed", "removed", "taken"}) writeFile(folder.file(name), "the picture");
+  EXPECT_EQ(telling.move(folder.file("moved"), folder.file("taken")), FileOutcome::destinationExists);
+  EXPECT_EQ(telling.move(folder.file("taken"), folder.file("taken")), FileOutcome::done);
+  EXPECT_EQ(telling.remove(folder.file("missing")), FileOutcome::missing);
+  EXPECT_EQ(telling.trash(folder.file("missing")), FileOutcome::missing);
+  EXPECT_THAT(left, ::testing::IsEmpty());
+  EXPECT_EQ(telling.move(folder.file("moved"), folder.file("new")), FileOutcome::done);
+  EXPECT_EQ(telling.trash(folder.file("trashed")), FileOutcome::done);
+  EXPECT_EQ(telling.remove(folder.file("removed")), FileOutcome::done);
+  EXPECT_THAT(left, ::testing::ElementsAre("moved", "trashed", "removed"));
+}
+
 // --- Moving to another disk ---
 
 class MoveAcrossDisksTest : public LiveFileOperationsTest {

@@ -146,25 +146,32 @@ TEST_F(ApplicationBusTest, ASecondProcessBringsTheFirstToTheFront) {
   EXPECT_EQ(status, 0);
 }
 
-TEST_F(ApplicationBusTest, ActivateOtherAsksTheHolderOfTheName) {
+TEST_F(ApplicationBusTest, AskOtherAsksTheHolderOfTheName) {
   class Holder final : public QDBusVirtualObject {
    public:
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-      member = message.member();
+      asked.push_back(message.member());
+      if (message.arguments().size() == 3) asked.push_back(message.arguments().constFirst().toString());
       connection.send(message.createReply());
       return true;
     }
     QString introspect(const QString&) const override { return {}; }
-    QString member;
+    QStringList asked;
   };
   Holder holder;
   QDBusConnection first = other();
   ASSERT_TRUE(first.registerVirtualObject(kPath, &holder));
   ASSERT_TRUE(first.registerService(kName));
-  std::thread second([] { ApplicationBus::activateOther(); });
-  EXPECT_TRUE(runLoopUntil([&] { return !holder.member.isEmpty(); }));
-  second.join();
-  EXPECT_EQ(holder.member, QStringLiteral("Activate"));
+  const auto askedFor = [&](const QString& action) {
+    holder.asked.clear();
+    std::thread second([&action] { EXPECT_TRUE(ApplicationBus::askOther(action)); });
+    EXPECT_TRUE(runLoopUntil([&] { return !holder.asked.isEmpty(); }));
+    second.join();
+    return holder.asked;
+  };
+  EXPECT_EQ(askedFor({}), QStringList{QStringLiteral("Activate")});
+  EXPECT_EQ(askedFor(QStringLiteral("settings")),
+            (QStringList{QStringLiteral("ActivateAction"), QStringLiteral("settings")}));
 }
 
 TEST(ApplicationBusDeathTest, WithoutAnyBusTheProgramRunsAllTheSame) {
@@ -174,7 +181,7 @@ TEST(ApplicationBusDeathTest, WithoutAnyBusTheProgramRunsAllTheSame) {
         qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere/bus");
         ApplicationBus alone{{}};
         const bool runs = alone.registerOnBus();
-        ApplicationBus::activateOther();
+        ApplicationBus::askOther({});
         // This process has a home of its own, which nobody else removes.
         std::filesystem::remove_all(std::filesystem::path(std::getenv("HOME")).parent_path());
         std::_Exit(runs ? 0 : 1);

@@ -27,16 +27,18 @@ class ShareableProgramsTest : public ::testing::Test {
     ids.push_back(id);
     writeFile(applications.appending(id), "[Desktop Entry]\nType=Application\nMimeType=image/x-quillmere;\n" + entry);
   }
-  /// Once the last one is known, all are.
+  /// Once the last one is known, all are; those of the test before may be known for a while too.
   std::vector<ShareTarget> found() {
-    install("last.desktop", "Name=Last\nIcon=last\nExec=true last %f\n");
+    static int count = 0;
+    const std::string last = "last-" + std::to_string(++count) + ".desktop";
+    install(last, "Name=Last\nIcon=last\nExec=true last %f\n");
     std::string associations;
     for (const std::string& id : ids) associations += id + ";";
-    writeFile(list(), "[Added Associations]\nimage/x-quillmere=" + associations + "\n");
+    writeFile(list(), "[Added Associations]\nimage/x-quillmere=" + associations + "\n" + alsoTakes + "\n");
     std::vector<ShareTarget> targets;
     EXPECT_TRUE(runLoopUntil([&] {
-      targets = ShareablePrograms::find(QStringLiteral("image/x-quillmere"));
-      return !targets.empty() && targets.back().id == QStringLiteral("last.desktop");
+      targets = ShareablePrograms::find({QStringLiteral("image/x-quillmere")});
+      return !targets.empty() && targets.back().id.toStdString() == last;
     }));
     if (!targets.empty()) targets.pop_back();
     return targets;
@@ -49,6 +51,7 @@ class ShareableProgramsTest : public ::testing::Test {
 
   FileURL applications = FileURL::fromPath(std::getenv("XDG_DATA_HOME")).appending("applications");
   std::vector<std::string> ids;
+  std::string alsoTakes;  ///< a line of associations
 };
 
 TEST_F(ShareableProgramsTest, OffersProgramsAsTheirMakersCallThem) {
@@ -82,6 +85,20 @@ TEST_F(ShareableProgramsTest, OffersEachOnce) {
   install("namesake.desktop", "Name= VIEWER \nIcon=x\nExec=true other %f\n");
   install("other-name.desktop", "Name=Other Name\nIcon=x\nExec=true viewer %f\n");
   EXPECT_EQ(names(), QStringList(QStringLiteral("Viewer")));
+}
+
+TEST_F(ShareableProgramsTest, OfNoTypeNobodyTakesAnything) {
+  EXPECT_TRUE(ShareablePrograms::find({}).empty());
+}
+
+TEST_F(ShareableProgramsTest, ANamesakeThatTakesLessHidesNobody) {
+  install("less.desktop", "Name=Viewer\nIcon=x\nExec=true less %f\n");
+  install("more.desktop", "Name=Viewer\nIcon=x\nExec=true more %f\n");
+  alsoTakes = "image/x-other=more.desktop;";
+  ASSERT_EQ(found().size(), 1u);
+  const auto both = ShareablePrograms::find({QStringLiteral("image/x-quillmere"), QStringLiteral("image/x-other")});
+  ASSERT_EQ(both.size(), 1u);
+  EXPECT_EQ(both[0].id, QStringLiteral("more.desktop"));
 }
 
 TEST_F(ShareableProgramsTest, BadFilesDoNoHarm) {
