@@ -1,5 +1,6 @@
 #pragma once
 
+#include "controls/HelpAnchor.h"
 #include "formats/ThumbnailLoader.h"
 #include "foundation/Executor.h"
 #include "foundation/UserDefaults.h"
@@ -22,6 +23,7 @@ struct InboxServices {
   Sharing* sharing = nullptr;
   FileRevealing* fileManager = nullptr;
   UserDefaults* defaults = nullptr;  ///< what the window remembers
+  OpenHelp openHelp = [](HelpAnchor) {};
 };
 
 }  // namespace quillmere

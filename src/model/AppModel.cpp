@@ -24,6 +24,7 @@ AppModel::AppModel(AppModelDependencies dependencies)
   items_ = ScreenshotList(std::move(loaded.items));
   recordsReadOnly_ = loaded.isReadOnly;
   if (recordsReadOnly_) backgroundIssue.set(BackgroundIssue{BackgroundIssue::Kind::recordsReadOnly});
+  refreshLoginItemStatus();
   dependencies_.monitor->setIncludesNonCaptureImages(*settings_.includesNonCaptureImages);
   wireMonitor();
 }
@@ -37,6 +38,7 @@ AppModel::~AppModel() {
   dependencies_.monitor->onArrivedScreenshot = nullptr;
   dependencies_.monitor->onRemoval = nullptr;
   dependencies_.monitor->onStatusChange = nullptr;
+  if (hotKeyToken_) dependencies_.hotKeys->unregister(*hotKeyToken_);
   transfers_.removeCopies();
 }
 
@@ -67,6 +69,8 @@ void AppModel::start() {
   }
   dependencies_.monitor->watch(*watchFolderURL);
   dependencies_.monitor->start();
+  observeHotKeys();
+  registerHotKey();
   refreshModelAvailability();
   ReconcileRequest everything;
   everything.completions.push_back([this] { finishStart(); });
@@ -94,11 +98,15 @@ void AppModel::observeSystem() {
   };
   observers_.push_back(events.didBecomeActive.connect([this, findsLostFolder] {
     refreshScreenshotLocation();
+    refreshLoginItemStatus();
     if (*settings_.analyzeScreenshots) refreshModelAvailability();
+    tryHotKeyAgain();
     // The monitor's own news of the folder will be no change any more, so its records are looked at from here.
     if (findsLostFolder()) reconcile({});
   }));
+  observers_.push_back(dependencies_.loginItems->changed.connect([this] { refreshLoginItemStatus(); }));
   observers_.push_back(events.didWake.connect([this, findsLostFolder] {
+    tryHotKeyAgain();
     findsLostFolder();
     reconcile({.ids = std::nullopt, .polite = true, .dropsUnavailableFromQueue = false, .completions = {}});
   }));
@@ -184,7 +192,7 @@ void AppModel::announce(const QString& text, AnnouncementPriority priority) cons
 
 void AppModel::saveNow() {
   saveTask_.cancel();
-  saveTask_ = {};
+  setSaveTask({});
   if (recordsReadOnly_) {
     backgroundIssue.set(BackgroundIssue{BackgroundIssue::Kind::recordsReadOnly});
     return;
@@ -200,7 +208,7 @@ bool AppModel::trySaving() {
   dependencies_.fileOperations->flush();
   if (!listWriter_.save(items_, dependencies_.recordStore.fileURL)) {
     const Duration pause = std::chrono::seconds(1 << std::min(failedSaves_++, kMostDoublings));
-    saveTask_ = saveAgain(lifetime_.weak(this), pause);
+    setSaveTask(saveAgain(lifetime_.weak(this), pause));
     return false;
   }
   failedSaves_ = 0;
@@ -212,12 +220,18 @@ Task<> AppModel::saveAgain(Weak<AppModel> self, Duration pause) {
   auto waiting = self->dependencies_.executor->sleep(pause);
   const bool elapsed = co_await waiting;
   if (!elapsed || !self) co_return;
-  self->saveTask_ = {};
+  self->setSaveTask({});
   self->trySaving();
 }
 
 void AppModel::scheduleSave() {
-  if (!saveTask_) saveTask_ = saveLater(lifetime_.weak(this));
+  if (!saveTask_) setSaveTask(saveLater(lifetime_.weak(this)));
+}
+
+void AppModel::setSaveTask(Task<> task) {
+  const bool wasPending = hasPendingSave();
+  saveTask_ = std::move(task);
+  if (hasPendingSave() != wasPending) changed(ModelChange{ModelField::unsavedWork});
 }
 
 /// Counted from the first change, so that a steady stream is saved too.

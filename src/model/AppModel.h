@@ -116,6 +116,21 @@ class AppModel : private AnalysisRecords,
   void setIncludesNonCaptureImages(bool includes);
   void setHasSeenWelcome(bool hasSeen) { settings_.hasSeenWelcome.change(hasSeen); }
 
+  // --- The review shortcut: AppModelShortcut.cpp ---
+  /// Why the shortcut is not heard, in words.
+  Field<std::optional<QString>> hotKeyError{changed, ModelField::hotKeyError};
+  /// The same shortcut again is a new try after a failure; none clears it for good.
+  void setHotKeyShortcut(const std::optional<HotKeyShortcut>& shortcut);
+  /// While a shortcut is recorded none is heard.
+  void setHotKeysSuspended(bool isSuspended);
+  HotKeyRegistering& hotKeys() const { return *dependencies_.hotKeys; }
+
+  // --- Opening with the session: AppModelLoginItem.cpp ---
+  Field<LoginItemStatus> loginItemStatus{changed, ModelField::loginItemStatus, LoginItemStatus::notRegistered};
+  void refreshLoginItemStatus();
+  void setOpensAtLogin(bool opens);
+  void openLoginItemSettings();
+
   // --- Arrival: AppModelArrival.cpp ---
   enum class Origin { capturedHere, elsewhere };
   void record(const FileURL& url, Origin origin);
@@ -185,6 +200,8 @@ class AppModel : private AnalysisRecords,
   void unprotect(const UUID& id) override;
   /// Forgets records; their files stay. The caller saves.
   void removeRecords(const UUIDSet& ids);
+  /// Forgets every record, on disk too; all files stay.
+  void clearRecords();
 
   // --- Renaming: AppModelRenaming.cpp ---
   enum class RenameOutcome { renamed, unchanged, unavailable, failed };
@@ -224,6 +241,8 @@ class AppModel : private AnalysisRecords,
   Task<Result<UUID, QString>> saveAsNew(ScreenshotItem source, QImage image, QRectF rect);
   /// A crop is being written that would be lost with the program.
   bool isWritingCrops() const { return cropsBeingWritten_ > 0; }
+  /// Something would be lost with the program. Followed by `ModelField::unsavedWork`.
+  bool hasUnsavedWork() const { return hasPendingSave() || isWritingCrops(); }
   /// None is being written any more.
   std::function<void()> onCropsWritten;
   /// Puts that part on the clipboard as a PNG; answers whether it could.
@@ -293,6 +312,7 @@ class AppModel : private AnalysisRecords,
   void observeSystem();
   void finishStart();
   void updateSystemPause();
+  void setSaveTask(Task<> task);
   static Task<> saveLater(Weak<AppModel> self);
   static Task<> saveAgain(Weak<AppModel> self, Duration pause);
   bool trySaving();
@@ -312,6 +332,12 @@ class AppModel : private AnalysisRecords,
   void promptIsComing() override { promptError.set(std::nullopt); }
   void promptIsLeft() override;
   void showPrompt(const ScreenshotItem& item) override;
+  std::optional<QString> spokenReviewShortcut() const override;
+
+  // AppModelShortcut.cpp
+  void registerHotKey();
+  void observeHotKeys();
+  void tryHotKeyAgain();
 
   // AppModelReconciliation.cpp
   void handleRemoval(const std::vector<FileURL>& urls);
@@ -365,7 +391,7 @@ class AppModel : private AnalysisRecords,
   static Task<std::optional<QString>> runReplacing(Weak<AppModel> self, UUID id, QImage image, QRectF rect,
                                                    FileStamp readFrom);
   static Task<Result<UUID, QString>> runWriting(Weak<AppModel> self, ScreenshotItem source, QImage image, QRectF rect);
-  void beginWritingCrop() { ++cropsBeingWritten_; }
+  void beginWritingCrop();
   void endWritingCrop();
   void fileWasReplaced(const UUID& id) override;
   void fileWasPutAt(const UUID& id, const FileURL& url) override;
@@ -454,6 +480,8 @@ class AppModel : private AnalysisRecords,
   bool isRecovering_ = false;  ///< arrivals wait, so that the lost run's screenshots come back oldest first
   Task<> saveTask_;
   int failedSaves_ = 0;  ///< since one succeeded
+  std::optional<HotKeyRegistering::Token> hotKeyToken_;
+  bool hotKeysSuspended_ = false;
   std::vector<Connection> observers_;
   bool screensAsleep_ = false;
   bool sessionLocked_ = false;

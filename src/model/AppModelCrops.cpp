@@ -92,9 +92,14 @@ Task<std::optional<QString>> AppModel::runReplacing(Weak<AppModel> self, UUID id
   co_return reason;
 }
 
+void AppModel::beginWritingCrop() {
+  if (cropsBeingWritten_++ == 0) changed(ModelChange{ModelField::unsavedWork});
+}
+
 void AppModel::endWritingCrop() {
-  --cropsBeingWritten_;
-  if (!isWritingCrops() && onCropsWritten) onCropsWritten();
+  if (--cropsBeingWritten_ > 0) return;
+  changed(ModelChange{ModelField::unsavedWork});
+  if (onCropsWritten) onCropsWritten();
 }
 
 void AppModel::fileWasPutAt(const UUID& id, const FileURL& url) {

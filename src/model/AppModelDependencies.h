@@ -8,6 +8,8 @@
 #include "foundation/Executor.h"
 #include "foundation/SystemEvents.h"
 #include "foundation/UserDefaults.h"
+#include "model/HotKeys.h"
+#include "model/LoginItem.h"
 #include "model/Messages.h"
 #include "model/ScreenshotAnalyzing.h"
 #include "model/ScreenshotLocationProviding.h"
@@ -139,6 +141,8 @@ struct AppModelDependencies {
   Pasteboard* pasteboard = nullptr;
   ScreenshotAnalyzing* analyzer = nullptr;
   SystemEvents* systemEvents = nullptr;
+  HotKeyRegistering* hotKeys = nullptr;
+  LoginItemService* loginItems = nullptr;
 
   TransferFiles transferFiles;
 
@@ -168,8 +172,6 @@ struct AppModelDependencies {
   std::function<std::optional<CaptureKind>(const FileURL&)> captureKind;
   /// Where the folder panel opens when nothing better is known.
   std::function<std::optional<FileURL>()> defaultScreenshotFolder;
-  /// The review shortcut in words, when one is set.
-  std::function<std::optional<QString>()> spokenReviewShortcut;
   /// When the previous run was last known to be alive, if it ended without notice.
   std::optional<Date> interruptedSince;
 };

@@ -221,6 +221,13 @@ void AppModel::disposeBatch(const std::vector<ScreenshotItem>& items, ErrorScope
       sentences.join(QLatin1Char(' ')));
 }
 
+void AppModel::clearRecords() {
+  UUIDSet all;
+  items_.forEach([&](const ScreenshotItem& item) { all.insert(item.id); });
+  removeRecords(all);
+  saveNow();
+}
+
 void AppModel::removeRecords(const UUIDSet& ids) {
   resolvePrompts(ids);
   transfers_.forget(ids);

@@ -85,7 +85,7 @@ void PromptQueue::review(const std::function<std::vector<UUID>()>& pending, Focu
 
 void PromptQueue::announceFront() const {
   const qsizetype waiting = static_cast<qsizetype>(queue->size()) - 1;
-  const auto shortcut = hintsAtShortcut_ ? dependencies_.spokenReviewShortcut() : std::nullopt;
+  const auto shortcut = hintsAtShortcut_ ? stage_.spokenReviewShortcut() : std::nullopt;
   QString text;
   if (waiting == 0) {
     text = shortcut ? localized("Screenshot ready for a decision. Press %@ to review it.", {*shortcut})

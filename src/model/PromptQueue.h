@@ -19,6 +19,8 @@ class PromptStage {
   virtual void promptIsLeft() = 0;
   /// The popup shows the screenshot, and its time begins.
   virtual void showPrompt(const ScreenshotItem& item) = 0;
+  /// The review shortcut in words, when one is set.
+  virtual std::optional<QString> spokenReviewShortcut() const = 0;
 };
 
 /// Whether the person hears that the popup has got the keyboard.

@@ -38,6 +38,9 @@ enum class ModelField {
   watchFolderHasReceivedScreenshot,
   dismissedLocationMismatchPath,
   hasSeenWelcome,
+  hotKeyShortcut,
+  hotKeyError,
+  loginItemStatus,
   unavailableItemIDs,
   evictedItemIDs,
   iCloudItemIDs,
@@ -49,6 +52,7 @@ enum class ModelField {
   promptFocusRequest,
   promptContentGeneration,
   promptWindowExtraction,
+  unsavedWork,
 };
 
 /// What changed. It is told after the change.

@@ -24,6 +24,10 @@ void StoredSetting::read(const UserDefaults& defaults, const QString& key, Scree
 void StoredSetting::read(const UserDefaults& defaults, const QString& key, TemporaryDuration& value) {
   if (const auto number = defaults.integer(key)) value = temporaryDuration(*number).value_or(value);
 }
+void StoredSetting::read(const UserDefaults& defaults, const QString& key, std::optional<HotKeyShortcut>& value) {
+  const auto stored = defaults.data(key);
+  if (const auto shortcut = stored ? StoredShortcut::decode(*stored) : std::nullopt) value = *shortcut;
+}
 
 void StoredSetting::write(UserDefaults& defaults, const QString& key, bool value) {
   defaults.set(key, value);
@@ -46,6 +50,9 @@ void StoredSetting::write(UserDefaults& defaults, const QString& key, Screenshot
 }
 void StoredSetting::write(UserDefaults& defaults, const QString& key, TemporaryDuration value) {
   defaults.set(key, static_cast<int>(value));
+}
+void StoredSetting::write(UserDefaults& defaults, const QString& key, const std::optional<HotKeyShortcut>& value) {
+  defaults.set(key, StoredShortcut::encode(value));
 }
 
 std::optional<QString> Settings::storedModelAddress(const UserDefaults& defaults) {

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "foundation/UserDefaults.h"
+#include "model/HotKeyShortcut.h"
 #include "model/Published.h"
 #include "records/ScreenshotNaming.h"
 #include "records/TemporaryDuration.h"
@@ -25,12 +26,14 @@ void read(const UserDefaults& defaults, const QString& key, QString& value);
 void read(const UserDefaults& defaults, const QString& key, std::optional<QString>& value);
 void read(const UserDefaults& defaults, const QString& key, ScreenshotNaming& value);
 void read(const UserDefaults& defaults, const QString& key, TemporaryDuration& value);
+void read(const UserDefaults& defaults, const QString& key, std::optional<HotKeyShortcut>& value);
 void write(UserDefaults& defaults, const QString& key, bool value);
 void write(UserDefaults& defaults, const QString& key, int value);
 void write(UserDefaults& defaults, const QString& key, const QString& value);
 void write(UserDefaults& defaults, const QString& key, const std::optional<QString>& value);
 void write(UserDefaults& defaults, const QString& key, ScreenshotNaming value);
 void write(UserDefaults& defaults, const QString& key, TemporaryDuration value);
+void write(UserDefaults& defaults, const QString& key, const std::optional<HotKeyShortcut>& value);
 }  // namespace StoredSetting
 
 /// One setting: the key that it is stored under, the field that tells of it, and its value until another is chosen.
@@ -125,6 +128,9 @@ class Settings {
                                                  ModelField::watchFolderHasReceivedScreenshot, false};
   Setting<std::optional<QString>> dismissedLocationMismatchPath{
       home_, "quillmere.dismissed-location-mismatch", ModelField::dismissedLocationMismatchPath, std::nullopt};
+  /// None when the person cleared it.
+  Setting<std::optional<HotKeyShortcut>> hotKeyShortcut{home_, "quillmere.review-shortcut", ModelField::hotKeyShortcut,
+                                                        HotKeyShortcut::standard()};
   Setting<bool> hasSeenWelcome{home_, "quillmere.welcome-seen", ModelField::hasSeenWelcome, false};
 };
 

@@ -6,7 +6,7 @@
 
 #include "controls/Symbol.h"
 #include "inbox/InboxWindow.h"
-#include "shell/SettingsWindow.h"
+#include "settings/SettingsWindow.h"
 
 namespace quillmere {
 namespace {

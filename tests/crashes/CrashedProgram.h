@@ -106,6 +106,8 @@ class CrashedProgram {
     world.fileChooser = &chooser_;
     world.screenshotLocation = &screenshotLocation_;
     world.announcer = &announcer_;
+    world.hotKeys = &hotKeys_;
+    world.loginItems = &loginItems_;
     world.analyzer = &analyzer_;
     world.systemEvents = &systemEvents_;
     world.now = [this] { return now(); };
@@ -129,6 +131,8 @@ class CrashedProgram {
   FakeFileChooser chooser_;
   FakeScreenshotLocation screenshotLocation_;
   FakeAnnouncer announcer_{log};
+  FakeHotKeys hotKeys_;
+  FakeLoginItems loginItems_;
   FakeAnalyzer analyzer_;
   Connection follower_;
 

@@ -222,6 +222,49 @@ bool FakeScreenshotLocation::tryToSetRawValue(const std::optional<QString>& to) 
   return true;
 }
 
+QStringList FakeKeyboardLayout::texts(quint32 keyCode) const {
+  const auto found = named.find(keyCode);
+  return found == named.end() ? QStringList() : found->second;
+}
+
+std::optional<quint32> FakeKeyboardLayout::keyCode(quint32 nativeScanCode) const {
+  const auto found = scanCodes.find(nativeScanCode);
+  return found == scanCodes.end() ? std::nullopt : std::optional(found->second);
+}
+
+Result<HotKeyRegistering::Token, GlobalHotKeyError> FakeHotKeys::registerShortcut(const HotKeyShortcut& shortcut,
+                                                                                  std::function<void()> action) {
+  if (refusal) return *refusal;
+  registered.emplace(++lastToken, std::pair(shortcut, std::move(action)));
+  return lastToken;
+}
+
+void FakeHotKeys::unregister(Token token) {
+  registered.erase(token);
+}
+
+std::optional<GlobalHotKeyError> FakeHotKeys::setSuspended(bool nowSuspended) {
+  isSuspended = nowSuspended;
+  return isSuspended ? std::nullopt : resumeRefusal;
+}
+
+void FakeHotKeys::press(const HotKeyShortcut& shortcut) const {
+  if (isSuspended) return;
+  for (const auto& [token, registration] : registered) {
+    if (registration.first == shortcut) return registration.second();
+  }
+}
+
+std::optional<QString> FakeLoginItems::registerItem() {
+  if (!problem) current = afterRegistering;
+  return problem;
+}
+
+std::optional<QString> FakeLoginItems::unregisterItem() {
+  if (!problem) current = LoginItemStatus::notRegistered;
+  return problem;
+}
+
 void FakePasteboard::write(const ScreenshotPasteboardItem& item) {
   items.push_back(item);
 }

@@ -189,6 +189,50 @@ inline void PrintTo(const Announcement& announcement, std::ostream* out) {
   *out << (announcement.priority == AnnouncementPriority::high ? "high: " : "low: ") << announcement.text.toStdString();
 }
 
+/// A keyboard of plain Latin letters.
+class FakeKeyboardLayout final : public KeyboardLayout {
+ public:
+  QStringList texts(quint32 keyCode) const override;
+  std::optional<quint32> keyCode(quint32 nativeScanCode) const override;
+  std::map<quint32, QStringList> named{{1, {"s"}}, {11, {"b"}}, {15, {"r"}}};
+  std::map<quint32, quint32> scanCodes;  ///< the key codes by what a press tells
+};
+
+class FakeHotKeys final : public HotKeyRegistering {
+ public:
+  Result<Token, GlobalHotKeyError> registerShortcut(const HotKeyShortcut& shortcut,
+                                                    std::function<void()> action) override;
+  void unregister(Token token) override;
+  std::optional<GlobalHotKeyError> setSuspended(bool isSuspended) override;
+  const KeyboardLayout& layout() const override { return keyboard; }
+  HotKeyReach reach() const override { return reaches; }
+  QString chosenByDesktop() const override { return chosen; }
+  /// The person presses it, whichever program has the keyboard.
+  void press(const HotKeyShortcut& shortcut) const;
+
+  FakeKeyboardLayout keyboard;
+  HotKeyReach reaches = HotKeyReach::everywhere;
+  QString chosen;
+  std::optional<GlobalHotKeyError> refusal;        ///< of each registration
+  std::optional<GlobalHotKeyError> resumeRefusal;  ///< of each resume
+  bool isSuspended = false;
+  Token lastToken = 0;
+  std::map<Token, std::pair<HotKeyShortcut, std::function<void()>>> registered;
+};
+
+class FakeLoginItems final : public LoginItemService {
+ public:
+  LoginItemStatus status() const override { return current; }
+  std::optional<QString> registerItem() override;
+  std::optional<QString> unregisterItem() override;
+  void openSystemSettings() override { ++settingsOpened; }
+
+  LoginItemStatus current = LoginItemStatus::notRegistered;
+  LoginItemStatus afterRegistering = LoginItemStatus::enabled;
+  std::optional<QString> problem;
+  int settingsOpened = 0;
+};
+
 class FakePasteboard final : public Pasteboard {
  public:
   void write(const ScreenshotPasteboardItem& item) override;

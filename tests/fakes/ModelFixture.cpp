@@ -1,6 +1,11 @@
 #include "fakes/ModelFixture.h"
 
 namespace quillmere::testing {
+namespace {
+
+const QString kShortcutKey = QStringLiteral("quillmere.review-shortcut");
+
+}  // namespace
 
 ModelFixture::ModelFixture() {
   std::filesystem::create_directories(shots.path());
@@ -50,6 +55,7 @@ void ModelFixture::makeModel() {
   connection_.reset();
   model.reset();
   defaults = std::make_unique<UserDefaults>(settingsFile.displayPath());
+  if (!defaults->data(kShortcutKey)) defaults->set(kShortcutKey, StoredShortcut::encode(firstShortcut));
   model = std::make_unique<AppModel>(dependencies());
   connection_ = model->changed.connect([this](const ModelChange& change) { changes.push_back(change); });
 }
@@ -116,7 +122,8 @@ AppModelDependencies ModelFixture::dependencies() {
     return found == captureKinds.end() ? std::nullopt : std::optional(found->second);
   };
   world.defaultScreenshotFolder = [this] { return standardFolder; };
-  world.spokenReviewShortcut = [this] { return spokenShortcut; };
+  world.hotKeys = &hotKeys;
+  world.loginItems = &loginItems;
   world.interruptedSince = interruptedSince;
   return world;
 }

@@ -129,6 +129,10 @@ class ModelFixture : public ::testing::Test {
   bool keepsIdentities = true;
   FakePasteboard pasteboard;
   FakeWindowScanner scanner;
+  FakeHotKeys hotKeys;
+  FakeLoginItems loginItems;
+  /// Until the person sets another; the standard one would be told with each screenshot.
+  std::optional<HotKeyShortcut> firstShortcut;
 
   std::map<std::string, std::optional<FileIdentity>> identities;
   std::map<std::string, CaptureKind> captureKinds;
@@ -140,7 +144,6 @@ class ModelFixture : public ::testing::Test {
   bool refusesDownloads = false;
   bool isVolumeMounted = true;
   std::optional<FileURL> standardFolder;
-  std::optional<QString> spokenShortcut;
   std::optional<Date> interruptedSince;
 
   std::vector<QString> deletionQuestions;  ///< the files that were asked about

@@ -163,6 +163,8 @@ class LiveModel {
     world.fileChooser = &chooser_;
     world.screenshotLocation = &screenshotLocation_;
     world.announcer = &announcer_;
+    world.hotKeys = &hotKeys_;
+    world.loginItems = &loginItems_;
     world.analyzer = &analyzer_;
     world.systemEvents = &systemEvents_;
     world.now = [this] { return now(); };
@@ -185,6 +187,8 @@ class LiveModel {
   FakeFileChooser chooser_;
   FakeScreenshotLocation screenshotLocation_;
   FakeAnnouncer announcer_{log};
+  FakeHotKeys hotKeys_;
+  FakeLoginItems loginItems_;
   FakeAnalyzer analyzer_;
 
  public:

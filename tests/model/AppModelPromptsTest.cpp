@@ -8,6 +8,7 @@ using ::testing::IsEmpty;
 
 constexpr auto kLow = AnnouncementPriority::low;
 constexpr auto kHigh = AnnouncementPriority::high;
+constexpr HotKeyShortcut kShortcut{1, HotKeyShortcut::control | HotKeyShortcut::option};
 
 // --- The queue ---
 
@@ -37,20 +38,20 @@ TEST_F(AppModelQueue, TheNextAnnouncementCountsThoseThatWait) {
 TEST_F(AppModelQueue, AnnouncementsFollowTheCountAndTheShortcut) {
   struct Row {
     int waiting;
-    std::optional<QString> shortcut;
+    std::optional<HotKeyShortcut> shortcut;
     const char* said;
   };
   const Row rows[] = {
-      {0, "Control Option S", "Screenshot ready for a decision. Press Control Option S to review it."},
+      {0, kShortcut, "Screenshot ready for a decision. Press Ctrl+Alt+S to review it."},
       {0, std::nullopt, "Screenshot ready for a decision."},
-      {1, "Control Option S", "Screenshot ready for a decision. 1 more waiting. Press Control Option S to review it."},
+      {1, kShortcut, "Screenshot ready for a decision. 1 more waiting. Press Ctrl+Alt+S to review it."},
       {1, std::nullopt, "Screenshot ready for a decision. 1 more waiting."},
-      {2, "Control Option S", "Screenshot ready for a decision. 2 more waiting. Press Control Option S to review it."},
+      {2, kShortcut, "Screenshot ready for a decision. 2 more waiting. Press Ctrl+Alt+S to review it."},
       {2, std::nullopt, "Screenshot ready for a decision. 2 more waiting."},
   };
   int number = 0;
   for (const Row& row : rows) {
-    spokenShortcut = row.shortcut;
+    model->setHotKeyShortcut(row.shortcut);
     const auto name = [&] { return "shot " + std::to_string(++number) + ".png"; };
     const UUID head = arrive(name());
     for (int i = 0; i <= row.waiting; ++i) arrive(name());
@@ -179,7 +180,7 @@ class AppModelReview : public ModelFixture {
 };
 
 TEST_F(AppModelReview, EmptyQueueWithTwoPendingRecordsShowsTheOlderWithoutAnnouncingTheFocus) {
-  spokenShortcut = "Control Option S";
+  model->setHotKeyShortcut(kShortcut);
   const UUID older = arrive("older.png");
   advance(5);
   const UUID newer = arrive("newer.png");
@@ -198,14 +199,14 @@ TEST_F(AppModelReview, EmptyQueueWithTwoPendingRecordsShowsTheOlderWithoutAnnoun
 }
 
 TEST_F(AppModelReview, TheShortcutIsToldAgainAfterwards) {
-  spokenShortcut = "Control Option S";
+  model->setHotKeyShortcut(kShortcut);
   arrive("older.png");
   model->dismissPrompt();
   model->reviewPending(FocusNews::silent);
   announcer.said.clear();
   arrive("newer.png");
   model->dismissPrompt();
-  EXPECT_TRUE(announcer.hasSaid("Screenshot ready for a decision. Press Control Option S to review it."));
+  EXPECT_TRUE(announcer.hasSaid("Screenshot ready for a decision. Press Ctrl+Alt+S to review it."));
 }
 
 TEST_F(AppModelReview, NothingPendingIsAnnounced) {

@@ -182,6 +182,8 @@ class HistoryProgram {
   FakeFileChooser chooser;
   FakeScreenshotLocation location;
   FakeAnnouncer announcer{log};
+  FakeHotKeys hotKeys;
+  FakeLoginItems loginItems;
   FakeAnalyzer analyzer;
   Date startedAt;
   std::unique_ptr<ScreenshotInboxMonitor> monitor;
@@ -216,7 +218,8 @@ class HistoryProgram {
     all.isVolumeMounted = [this](const FileURL&) { return world_.isMounted; };
     all.captureKind = [](const FileURL&) { return std::nullopt; };
     all.defaultScreenshotFolder = [] { return std::nullopt; };
-    all.spokenReviewShortcut = [] { return std::nullopt; };
+    all.hotKeys = &hotKeys;
+    all.loginItems = &loginItems;
     all.interruptedSince = interruptedSince;
     return all;
   }

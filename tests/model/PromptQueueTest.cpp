@@ -19,6 +19,9 @@ class FakeStage final : public PromptStage {
   void promptIsComing() override { log_.add("coming"); }
   void promptIsLeft() override { log_.add("left"); }
   void showPrompt(const ScreenshotItem& item) override { log_.add("show " + item.url.lastPathComponent()); }
+  std::optional<QString> spokenReviewShortcut() const override { return shortcut; }
+
+  std::optional<QString> shortcut;
 
  private:
   CallLog& log_;
@@ -30,7 +33,6 @@ class PromptQueueTest : public ::testing::Test {
     for (int number = 1; number <= 3; ++number) items.insertNewest(bareItem(number));
     world.promptPresenter = &presenter;
     world.announcer = &announcer;
-    world.spokenReviewShortcut = [this] { return shortcut; };
   }
   void decide(int number) {
     items.update(*items.indexOf(uuid(number)), [](ScreenshotItem& item) { item.state = State::permanent; });
@@ -40,7 +42,6 @@ class PromptQueueTest : public ::testing::Test {
   FakePresenter presenter{log};
   FakeAnnouncer announcer{log};
   FakeStage stage{log};
-  std::optional<QString> shortcut;
   ScreenshotList items;
   AppModelDependencies world;
   Signal<const ModelChange&> changed;
@@ -112,7 +113,7 @@ TEST_F(PromptQueueTest, ChangesThatThePersonDidNotAskForAreAnnouncedPolitely) {
 }
 
 TEST_F(PromptQueueTest, AnEmptyQueueIsFilledForAReviewWithoutNamingTheShortcut) {
-  shortcut = QStringLiteral("Control Option S");
+  stage.shortcut = QStringLiteral("Control Option S");
   prompts.review([] { return std::vector{uuid(2), uuid(3)}; }, FocusNews::announced);
   EXPECT_THAT(*prompts.queue, ElementsAre(uuid(2), uuid(3)));
   EXPECT_THAT(announcer.said,

@@ -20,6 +20,7 @@ class NoStage final : public PromptStage {
   void promptIsComing() override {}
   void promptIsLeft() override {}
   void showPrompt(const ScreenshotItem&) override {}
+  std::optional<QString> spokenReviewShortcut() const override { return std::nullopt; }
 };
 
 class WindowExtractionRunTest : public ::testing::Test {
@@ -28,7 +29,6 @@ class WindowExtractionRunTest : public ::testing::Test {
     for (int number = 1; number <= 2; ++number) items.insertNewest(bareItem(number));
     world.promptPresenter = &presenter;
     world.announcer = &announcer;
-    world.spokenReviewShortcut = [] { return std::nullopt; };
     world.scanWindows = [this](const FileURL& url) { return scanner.scan(url); };
     world.fileIdentity = [this](const FileURL&) { return std::optional(FileIdentity{"volume", inode, {}, 1}); };
     prompts.enqueue(uuid(1));

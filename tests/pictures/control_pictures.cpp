@@ -37,7 +37,7 @@
 #include "fakes/ModelFixture.h"
 #include "foundation/Localized.h"
 #include "inbox/InboxWindow.h"
-#include "shell/SettingsWindow.h"
+#include "settings/SettingsWindow.h"
 #include "support/PrivateEnvironment.h"
 
 namespace quillmere {

@@ -8,7 +8,7 @@
 
 #include "fakes/ModelFixture.h"
 #include "inbox/InboxWindow.h"
-#include "shell/SettingsWindow.h"
+#include "settings/SettingsWindow.h"
 
 namespace quillmere {
 namespace {

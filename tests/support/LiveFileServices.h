@@ -21,7 +21,6 @@ inline void askFileSystem(AppModelDependencies& world, const MountTable& mounts)
   world.isVolumeMounted = [&mounts](const FileURL& url) { return mounts.isVolumeMounted(url); };
   world.captureKind = [](const FileURL&) { return std::optional<CaptureKind>(); };
   world.defaultScreenshotFolder = [] { return std::optional<FileURL>(); };
-  world.spokenReviewShortcut = [] { return std::optional<QString>(); };
 }
 
 }  // namespace quillmere::testing

@@ -144,7 +144,8 @@ AppModelDependencies LiveServices::dependencies(const ApplicationPaths& paths) {
   dependencies.isVolumeMounted = [this](const FileURL& url) { return mounts.isVolumeMounted(url); };
   dependencies.captureKind = &ScreenCaptureAttributes::captureKind;
   dependencies.defaultScreenshotFolder = &defaultScreenshotFolder;
-  dependencies.spokenReviewShortcut = [] { return std::optional<QString>(); };
+  dependencies.hotKeys = hotKeys.get();
+  dependencies.loginItems = loginItems.get();
   return dependencies;
 }
 

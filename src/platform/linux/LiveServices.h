@@ -6,6 +6,7 @@
 #include "foundation/UserDefaults.h"
 #include "model/AppModelDependencies.h"
 #include "monitor/ScreenshotInboxMonitor.h"
+#include "platform/linux/Interim.h"
 #include "platform/linux/announcing/LiveAnnouncer.h"
 #include "platform/linux/capture/LiveScreenshotLocationProvider.h"
 #include "platform/linux/common/QtExecutor.h"
@@ -64,6 +65,8 @@ class LiveServices {
   LiveLanguageModel languageModel;
   LiveScreenshotAnalyzer analyzer;
   ScreenshotInboxMonitor monitor;
+  std::unique_ptr<HotKeyRegistering> hotKeys = std::make_unique<interim::HotKeys>();
+  std::unique_ptr<LoginItemService> loginItems = std::make_unique<interim::LoginItem>();
 
  private:
   ScanServices scanServices();

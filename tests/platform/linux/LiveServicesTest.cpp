@@ -42,7 +42,7 @@ TEST_F(LiveServicesTest, EveryDependencyButTheWindowsIsThere) {
   EXPECT_TRUE(dependencies.now && dependencies.timeZone && dependencies.isInTrash && dependencies.fileIdentity &&
               dependencies.isFolderReachable && dependencies.isDataless && dependencies.isUbiquitous &&
               dependencies.isVolumeMounted && dependencies.captureKind && dependencies.defaultScreenshotFolder &&
-              dependencies.spokenReviewShortcut);
+              dependencies.hotKeys && dependencies.loginItems);
 }
 
 TEST_F(LiveServicesTest, TheClockIsTheWallClock) {

@@ -1,4 +1,4 @@
-#include "shell/ScreenshotLocationRow.h"
+#include "settings/ScreenshotLocationRow.h"
 
 #include <QtTest/QTest>
 #include <QtWidgets/QPushButton>

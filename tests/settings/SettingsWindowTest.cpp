@@ -1,4 +1,4 @@
-#include "shell/SettingsWindow.h"
+#include "settings/SettingsWindow.h"
 
 #include <QtCore/QTimer>
 #include <QtTest/QTest>

@@ -1,4 +1,4 @@
-#include "shell/SettingsWindow.h"
+#include "settings/SettingsWindow.h"
 
 #include <QtGui/QScreen>
 #include <QtWidgets/QCheckBox>
@@ -17,7 +17,7 @@
 #include "controls/SymbolLabel.h"
 #include "controls/ThemedLabel.h"
 #include "foundation/Localized.h"
-#include "shell/ScreenshotLocationRow.h"
+#include "settings/ScreenshotLocationRow.h"
 
 namespace quillmere {
 namespace {
