@@ -14,8 +14,14 @@ class SymbolLabel;
 class InboxBanner final : public QWidget {
  public:
   explicit InboxBanner(QWidget* parent);
-  void show(const QString& symbol, const QString& message, const QString& action, bool isDismissible = false);
+  /// What is beside its action.
+  struct Offers {
+    bool help = false;
+    bool dismissal = false;
+  };
+  void show(const QString& symbol, const QString& message, const QString& action, Offers offers);
   std::function<void()> onAction;
+  std::function<void()> onHelp;
   std::function<void()> onDismiss;
 
  protected:
@@ -24,6 +30,7 @@ class InboxBanner final : public QWidget {
  private:
   SymbolLabel* symbol_;
   QLabel* message_;
+  ActionButton* help_;
   ActionButton* action_;
   ActionButton* dismiss_;
 };

@@ -24,6 +24,7 @@ InboxBannerContent::Banner locationMismatch(const FileURL& folder) {
                 {folder.displayName()});
   banner.action = localized("Use This Folder…");
   banner.panelStart = folder;
+  banner.help = HelpAnchor::folderMismatch;
   banner.isDismissible = true;
   return banner;
 }
@@ -37,11 +38,16 @@ std::optional<InboxBannerContent::Banner> folderBanner(const AppModel& model, bo
   }
   // A disk that is away says so itself; choosing again is not what helps.
   if (*model.watcherStatus == WatcherStatus::volumeNotConnected) {
-    return chooseFolder(warning, statusText(*model.watcherStatus));
+    auto banner = chooseFolder(warning, statusText(*model.watcherStatus));
+    banner.help = HelpAnchor::troubleshooting;
+    return banner;
   }
   if (*model.watcherStatus != WatcherStatus::watching) {
-    return chooseFolder(warning, localized("Quillmere can’t access the screenshot folder. Choose it again to keep "
-                                           "finding new screenshots."));
+    auto banner =
+        chooseFolder(warning, localized("Quillmere can’t access the screenshot folder. Choose it again to keep "
+                                        "finding new screenshots."));
+    banner.help = HelpAnchor::troubleshooting;
+    return banner;
   }
   if (model.showsLocationMismatch()) return locationMismatch(**model.macOSScreenshotFolder);
   return std::nullopt;
@@ -58,7 +64,8 @@ InboxBannerContent::Banner backgroundBanner(const BackgroundIssue& issue) {
 
 void display(InboxBanner& banner, const std::optional<InboxBannerContent::Banner>& content) {
   if (content) {
-    banner.show(content->symbol, content->message, content->action, content->isDismissible);
+    banner.show(content->symbol, content->message, content->action,
+                {.help = content->help.has_value(), .dismissal = content->isDismissible});
   } else {
     banner.hide();
   }
@@ -73,9 +80,14 @@ InboxBannerContent InboxBannerContent::make(const AppModel& model, bool showsFol
   return content;
 }
 
-InboxBanners::InboxBanners(AppModel& model, QWidget* parent)
-    : QWidget(parent), model_(model), folder_(new InboxBanner(this)), background_(new InboxBanner(this)) {
+InboxBanners::InboxBanners(AppModel& model, OpenHelp openHelp, QWidget* parent)
+    : QWidget(parent),
+      model_(model),
+      openHelp_(std::move(openHelp)),
+      folder_(new InboxBanner(this)),
+      background_(new InboxBanner(this)) {
   folder_->onAction = [this] { model_.chooseWatchFolder(folderPanelStart_); };
+  folder_->onHelp = [this] { openHelp_(folderHelp_); };
   folder_->onDismiss = [this] { model_.dismissLocationMismatch(); };
   background_->onAction = [this] { model_.dismissBackgroundIssue(); };
   auto* column = new QVBoxLayout(this);
@@ -88,6 +100,7 @@ InboxBanners::InboxBanners(AppModel& model, QWidget* parent)
 void InboxBanners::update(bool showsFolderBanner) {
   const auto content = InboxBannerContent::make(model_, showsFolderBanner);
   folderPanelStart_ = content.folder ? content.folder->panelStart : std::nullopt;
+  folderHelp_ = content.folder ? content.folder->help.value_or(HelpAnchor::contents) : HelpAnchor::contents;
   display(*folder_, content.folder);
   display(*background_, content.background);
   setVisible(content.folder || content.background);

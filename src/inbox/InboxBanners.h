@@ -3,6 +3,7 @@
 #include <QtWidgets/QWidget>
 #include <optional>
 
+#include "controls/HelpAnchor.h"
 #include "model/AppModel.h"
 
 namespace quillmere {
@@ -16,6 +17,7 @@ struct InboxBannerContent {
     QString message;
     QString action;
     std::optional<FileURL> panelStart;  ///< where the folder panel of the action opens
+    std::optional<HelpAnchor> help;     ///< the page that says more
     bool isDismissible = false;
     bool operator==(const Banner&) const = default;
   };
@@ -28,12 +30,14 @@ struct InboxBannerContent {
 
 class InboxBanners final : public QWidget {
  public:
-  InboxBanners(AppModel& model, QWidget* parent);
+  InboxBanners(AppModel& model, OpenHelp openHelp, QWidget* parent);
   void update(bool showsFolderBanner);
 
  private:
   AppModel& model_;
+  OpenHelp openHelp_;
   std::optional<FileURL> folderPanelStart_;
+  HelpAnchor folderHelp_ = HelpAnchor::contents;
   InboxBanner* folder_;
   InboxBanner* background_;
 };

@@ -43,7 +43,7 @@ InboxSidebar::InboxSidebar(InboxPresentation& presentation, QWidget* parent)
       model_(presentation.model()),
       rows_(new InboxListModel(presentation)) {
   QWidget* searchRow = makeSearchRow();
-  banners_ = new InboxBanners(model_, this);
+  banners_ = new InboxBanners(model_, presentation.services().openHelp, this);
   pages_ = new QStackedWidget(this);
   list_ = new InboxListView(presentation, *rows_, pages_);
   rows_->setParent(list_);

@@ -8,6 +8,7 @@
 #include "inbox/InboxServices.h"
 #include "model/AppModelDependencies.h"
 #include "popup/CapturePromptPanelController.h"
+#include "shell/AboutInformation.h"
 #include "shell/DesktopFileDialogs.h"
 
 namespace quillmere {
@@ -43,6 +44,13 @@ class Platform {
   virtual void follow(AppModel& model) = 0;
   /// The desktop's own file dialogs; null where it has none.
   virtual DesktopFileDialogs* fileDialogs() { return nullptr; }
+  /// Opens pages of the help; a page that did not come with the program does nothing.
+  virtual OpenHelp help() = 0;
+  /// Opens the options of the tool that takes screenshots here. None where that has no window for them, which may
+  /// change while the program runs.
+  virtual std::function<void()> openScreenshotOptions() = 0;
+  /// What the running program is built from.
+  virtual std::vector<LinkedLibrary> linkedLibraries() = 0;
 };
 
 /// The platform before there is an application object.

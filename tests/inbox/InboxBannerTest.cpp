@@ -12,12 +12,13 @@ namespace {
 
 class InboxBannerTest : public ::testing::Test {
  protected:
-  void show(bool isDismissible) {
+  void show(InboxBanner::Offers offers) {
     banner.show(QStringLiteral("exclamationmark.triangle.fill"), QStringLiteral("The folder can’t be read."),
-                QStringLiteral("Choose Folder…"), isDismissible);
+                QStringLiteral("Choose Folder…"), offers);
   }
-  QPushButton& action() const { return *banner.findChildren<QPushButton*>().at(0); }
-  QPushButton& cross() const { return *banner.findChildren<QPushButton*>().at(1); }
+  QPushButton& help() const { return *banner.findChildren<QPushButton*>().at(0); }
+  QPushButton& action() const { return *banner.findChildren<QPushButton*>().at(1); }
+  QPushButton& cross() const { return *banner.findChildren<QPushButton*>().at(2); }
 
   QWidget window;
   InboxBanner banner{&window};
@@ -25,7 +26,7 @@ class InboxBannerTest : public ::testing::Test {
 
 TEST_F(InboxBannerTest, TellsItsMessageAndOffersItsAction) {
   banner.hide();
-  show(false);
+  show({});
   EXPECT_TRUE(banner.isVisibleTo(&window));
   EXPECT_EQ(banner.findChild<QLabel*>()->text(), QStringLiteral("The folder can’t be read."));
   int actions = 0;
@@ -36,9 +37,9 @@ TEST_F(InboxBannerTest, TellsItsMessageAndOffersItsAction) {
 }
 
 TEST_F(InboxBannerTest, OnlySomeCanBeWavedAway) {
-  show(false);
+  show({});
   EXPECT_FALSE(cross().isVisibleTo(&banner));
-  show(true);
+  show({.dismissal = true});
   EXPECT_TRUE(cross().isVisibleTo(&banner));
   EXPECT_EQ(cross().accessibleName(), QStringLiteral("Dismiss"));
   EXPECT_EQ(cross().toolTip(), QStringLiteral("Hide this notice"));
@@ -46,6 +47,18 @@ TEST_F(InboxBannerTest, OnlySomeCanBeWavedAway) {
   banner.onDismiss = [&] { ++dismissals; };
   QTest::mouseClick(&cross(), Qt::LeftButton);
   EXPECT_EQ(dismissals, 1);
+}
+
+TEST_F(InboxBannerTest, OnlySomeHaveAPageOfTheHelp) {
+  show({});
+  EXPECT_FALSE(help().isVisibleTo(&banner));
+  show({.help = true});
+  EXPECT_TRUE(help().isVisibleTo(&banner));
+  EXPECT_EQ(help().accessibleName(), QStringLiteral("Help"));
+  int openings = 0;
+  banner.onHelp = [&] { ++openings; };
+  QTest::mouseClick(&help(), Qt::LeftButton);
+  EXPECT_EQ(openings, 1);
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "inbox/InboxBanners.h"
 
+#include <QtWidgets/QPushButton>
+
 #include "fakes/ModelFixture.h"
 #include "foundation/Localized.h"
 
@@ -28,6 +30,7 @@ TEST_F(InboxBannerContentTest, WithoutAFolderItAsksForOne) {
   ASSERT_TRUE(banner);
   EXPECT_EQ(banner->symbol, QStringLiteral("folder.badge.questionmark"));
   EXPECT_EQ(banner->action, choose);
+  EXPECT_EQ(banner->help, std::nullopt);
   EXPECT_FALSE(content(false).folder) << "not while the set-up asks the same";
 }
 
@@ -43,6 +46,7 @@ TEST_F(InboxBannerContentTest, AFolderThatCannotBeReadIsToBeChosenAgain) {
         banner->message,
         localized("Quillmere can’t access the screenshot folder. Choose it again to keep finding new screenshots."));
     EXPECT_EQ(banner->action, choose);
+    EXPECT_EQ(banner->help, HelpAnchor::troubleshooting);
   }
 }
 
@@ -53,6 +57,7 @@ TEST_F(InboxBannerContentTest, ADiskThatIsAwaySaysSoItself) {
   const auto banner = content().folder;
   ASSERT_TRUE(banner);
   EXPECT_EQ(banner->message, statusText(WatcherStatus::volumeNotConnected));
+  EXPECT_EQ(banner->help, HelpAnchor::troubleshooting);
   connectDisk();
   report(WatcherStatus::watching);
   EXPECT_FALSE(content().folder);
@@ -90,6 +95,53 @@ TEST_F(InboxBannerContentTest, TheTwoAreIndependent) {
   model->saveNow();
   EXPECT_TRUE(content().folder);
   EXPECT_TRUE(content().background);
+}
+
+TEST_F(InboxBannerContentTest, AnotherFolderOfTheDesktopsHasAPageOfTheHelpAndCanBeWavedAway) {
+  location.value = away.displayPath();
+  launchWatching();
+  const auto banner = content().folder;
+  ASSERT_TRUE(banner);
+  EXPECT_EQ(banner->action, localized("Use This Folder…"));
+  EXPECT_EQ(banner->panelStart, away);
+  EXPECT_EQ(banner->help, HelpAnchor::folderMismatch);
+  EXPECT_TRUE(banner->isDismissible);
+}
+
+class InboxBannersTest : public InboxBannerContentTest {
+ protected:
+  QPushButton& help() const {
+    for (auto* button : banners->findChildren<QPushButton*>()) {
+      if (button->accessibleName() == QStringLiteral("Help")) return *button;
+    }
+    throw std::logic_error("no button for help");
+  }
+  void show() {
+    banners = std::make_unique<InboxBanners>(
+        *model, [this](HelpAnchor anchor) { opened.push_back(anchor); }, nullptr);
+    banners->update(true);
+  }
+  std::unique_ptr<InboxBanners> banners;
+  std::vector<HelpAnchor> opened;
+};
+
+TEST_F(InboxBannersTest, HelpOpensThePageOfWhatIsShown) {
+  location.value = away.displayPath();
+  launchWatching();
+  show();
+  EXPECT_TRUE(help().isVisibleTo(banners.get()));
+  help().click();
+  moveFile(shots, home.file("moved"));
+  report(WatcherStatus::notFound);
+  banners->update(true);
+  help().click();
+  EXPECT_EQ(opened, std::vector({HelpAnchor::folderMismatch, HelpAnchor::troubleshooting}));
+}
+
+TEST_F(InboxBannersTest, WhatHasNoPageOffersNone) {
+  launch();
+  show();
+  EXPECT_FALSE(help().isVisibleTo(banners.get()));
 }
 
 }  // namespace

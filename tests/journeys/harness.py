@@ -145,6 +145,8 @@ class Desktop:
             self.environment["XDG_CURRENT_DESKTOP"] = os.environ["QUILLMERE_DESKTOP"]
         if self.scale != 1:
             self.environment["QT_SCALE_FACTOR"] = str(self.scale)
+        # Whoever starts the program for the first time is welcomed; the journeys of others are not held up by that.
+        self.write_settings({"quillmere.welcome-seen": True})
         self._start_display()
         self._start_bus(runtime)
         self._start_window_manager()
@@ -308,6 +310,10 @@ class Desktop:
         bookmark = json.dumps({"path": folder or self.folder}).encode()
         self.write_settings({"quillmere.staging-folder-bookmark": base64.b64encode(bookmark).decode(),
                              "quillmere.welcome-seen": True, **(settings or {})})
+
+    def forget_welcome(self):
+        """As nobody has started the program here yet."""
+        os.remove(os.path.join(self.config_home, "Quillmere", "settings.json"))
 
     def write_settings(self, settings):
         directory = os.path.join(self.config_home, "Quillmere")

@@ -8,6 +8,8 @@ import subprocess
 import tempfile
 import unittest
 
+import help_pages
+
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 BUILD = os.environ["QUILLMERE_BUILD"]
 MANIFEST = os.path.join(BUILD, "install_manifest.txt")
@@ -16,8 +18,11 @@ ICONS = "share/icons/hicolor"
 ENTRY = "share/applications/com.quillmere.app.desktop"
 SERVICE = "share/dbus-1/services/com.quillmere.app.service"
 SIZES = (16, 22, 24, 32, 48, 64, 128, 256)
+HELP = "share/quillmere/help"
 FILES = {"bin/quillmere", ENTRY, SERVICE, f"{ICONS}/scalable/apps/com.quillmere.app.svg",
-         *(f"{ICONS}/{size}x{size}/apps/com.quillmere.app.png" for size in SIZES)}
+         *(f"{ICONS}/{size}x{size}/apps/com.quillmere.app.png" for size in SIZES),
+         *(f"{HELP}/{page.name}" for page in help_pages.PAGES), f"{HELP}/{help_pages.STYLE.name}",
+         *(f"{HELP}/pictures/{picture}" for picture in help_pages.shown_pictures())}
 
 
 def keys(path, group):
@@ -107,6 +112,11 @@ class Installation(unittest.TestCase):
             with open(self.place(f"{ICONS}/{size}x{size}/apps/com.quillmere.app.png"), "rb") as file:
                 head = file.read(24)
             self.assertEqual(struct.unpack(">8s4x4sII", head), (b"\x89PNG\r\n\x1a\n", b"IHDR", size, size))
+
+    def test_the_pages_of_the_help_are_whole(self):
+        for page in help_pages.PAGES:
+            for target in help_pages.Page(page).files:
+                self.assertTrue(os.path.isfile(self.place(f"{HELP}/{target}")), f"{page.name} needs {target}")
 
     def test_nothing_stays_behind(self):
         done = self.uninstall()

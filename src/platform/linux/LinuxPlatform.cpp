@@ -7,6 +7,7 @@
 #include "model/AppModel.h"
 #include "platform/linux/capture/ScreenCaptureAttributes.h"
 #include "platform/linux/files/CloudFiles.h"
+#include "platform/linux/informing/LinkedLibraries.h"
 #include "platform/linux/panel/X11Keyboard.h"
 #include "platform/linux/session/WindowPlatform.h"
 
@@ -96,7 +97,21 @@ InboxServices LinuxPlatform::inboxServices() {
   services.sharing = &services_.sharing;
   services.fileManager = &services_.fileManager;
   services.defaults = &services_.defaults;
+  services.openHelp = help();
   return services;
+}
+
+OpenHelp LinuxPlatform::help() {
+  return [this](HelpAnchor anchor) { services_.help.open(anchor); };
+}
+
+std::function<void()> LinuxPlatform::openScreenshotOptions() {
+  if (!services_.screenshotOptions.canOpen()) return nullptr;
+  return [this] { services_.screenshotOptions.open(); };
+}
+
+std::vector<LinkedLibrary> LinuxPlatform::linkedLibraries() {
+  return LinkedLibraries::describe(LinkedLibraries::sonames());
 }
 
 void LinuxPlatform::followAppearance(std::function<void(const Appearance&)> show) {

@@ -49,6 +49,9 @@ class LinuxPlatform final : public Platform {
   void followAppearance(std::function<void(const Appearance&)> show) override;
   void follow(AppModel& model) override;
   DesktopFileDialogs* fileDialogs() override { return &fileDialogs_; }
+  OpenHelp help() override;
+  std::function<void()> openScreenshotOptions() override;
+  std::vector<LinkedLibrary> linkedLibraries() override;
 
  private:
   std::unique_ptr<LinuxProcess> process_;

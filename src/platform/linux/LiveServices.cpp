@@ -1,5 +1,6 @@
 #include "platform/linux/LiveServices.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QStandardPaths>
@@ -68,9 +69,12 @@ LiveServices::LiveServices(const ApplicationPaths& paths)
       fileOperations([this](const FileURL& place) { forgetThumbnails(place); }),
       securityScope(mounts),
       watchFolderStore(defaults, mounts),
+      screenshotOptions(executor),
       announcer(executor),
       sharing(executor, defaults, QDBusConnection::sessionBus()),
       fileManager(executor, QDBusConnection::sessionBus()),
+      help(executor, QDBusConnection::sessionBus(),
+           HelpPages::besides(FileURL::fromPath(QCoreApplication::applicationDirPath())), LiveHelp::ofThisProcess()),
       languageModel(executor,
                     ModelServerPlaces{.configured = [this] { return Settings::storedModelAddress(defaults); },
                                       .listener = &serverListener,

@@ -9,11 +9,13 @@
 #include "platform/linux/Interim.h"
 #include "platform/linux/announcing/LiveAnnouncer.h"
 #include "platform/linux/capture/LiveScreenshotLocationProvider.h"
+#include "platform/linux/capture/LiveScreenshotOptions.h"
 #include "platform/linux/common/QtExecutor.h"
 #include "platform/linux/files/LiveFileOperations.h"
 #include "platform/linux/files/LiveFolderEventSource.h"
 #include "platform/linux/files/LiveSecurityScopeAccess.h"
 #include "platform/linux/files/MountTable.h"
+#include "platform/linux/informing/LiveHelp.h"
 #include "platform/linux/sharing/LiveFileManager.h"
 #include "platform/linux/sharing/LivePasteboard.h"
 #include "platform/linux/sharing/LiveSharing.h"
@@ -58,10 +60,12 @@ class LiveServices {
   LiveWatchFolderStore watchFolderStore;
   LiveFolderEventSource folderEvents;
   LiveScreenshotLocationProvider screenshotLocation;
+  LiveScreenshotOptions screenshotOptions;
   LiveAnnouncer announcer;
   LivePasteboard pasteboard;
   LiveSharing sharing;
   LiveFileManager fileManager;
+  LiveHelp help;
   LiveLanguageModel languageModel;
   LiveScreenshotAnalyzer analyzer;
   ScreenshotInboxMonitor monitor;

@@ -55,12 +55,12 @@ CaptureEnvironment CaptureEnvironment::live() {
   return environment;
 }
 
-bool CaptureEnvironment::isInstalled(std::string_view program) const {
-  const std::vector<std::string> folders = split(searchPath);
-  return std::any_of(folders.begin(), folders.end(), [&](const std::string& folder) {
-    const FileURL url = FileURL::fromPath(std::string_view(folder));
-    return !url.isEmpty() && isExecutable(url.appending(program));
-  });
+std::optional<FileURL> CaptureEnvironment::installed(std::string_view program) const {
+  for (const std::string& name : split(searchPath)) {
+    const FileURL folder = FileURL::fromPath(std::string_view(name));
+    if (!folder.isEmpty() && isExecutable(folder.appending(program))) return folder.appending(program);
+  }
+  return std::nullopt;
 }
 
 bool CaptureEnvironment::isDesktop(std::string_view name) const {

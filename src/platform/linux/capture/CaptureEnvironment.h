@@ -20,8 +20,9 @@ struct CaptureEnvironment {
 
   static CaptureEnvironment live();
 
-  /// Whether the search path has an executable of this name.
-  bool isInstalled(std::string_view program) const;
+  /// The first executable of this name in the search path.
+  std::optional<FileURL> installed(std::string_view program) const;
+  bool isInstalled(std::string_view program) const { return installed(program).has_value(); }
   /// Whether the desktop goes by this name, among others.
   bool isDesktop(std::string_view name) const;
   /// The folder that the person's own list names, "PICTURES" for one; none where the list has no such entry.

@@ -123,15 +123,16 @@ Tool mateScreenshot(const CaptureEnvironment& environment) {
 struct Row {
   const char* program;
   const char* desktop;  ///< whose own tool it is
+  const char* options;  ///< what has it show them, as one word
   Tool (*make)(const CaptureEnvironment&);
 };
 constexpr std::array kTools{
-    Row{"spectacle", "KDE", &spectacle},
-    Row{"flameshot", "", &flameshot},
-    Row{"gnome-screenshot", "", &gnomeScreenshot},
-    Row{"xfce4-screenshooter", "XFCE", &xfceScreenshooter},
-    Row{"ksnip", "", &ksnip},
-    Row{"mate-screenshot", "MATE", &mateScreenshot},
+    Row{"spectacle", "KDE", "--launchonly", &spectacle},
+    Row{"flameshot", "", "config", &flameshot},
+    Row{"gnome-screenshot", "", "--interactive", &gnomeScreenshot},
+    Row{"xfce4-screenshooter", "XFCE", "", &xfceScreenshooter},
+    Row{"ksnip", "", "", &ksnip},
+    Row{"mate-screenshot", "MATE", "--interactive", &mateScreenshot},
 };
 
 /// Desktops that are built on GNOME call themselves so too, but have another shell.
@@ -141,27 +142,46 @@ bool hasGnomeShell(const CaptureEnvironment& environment) {
   return std::none_of(kOthers.begin(), kOthers.end(), [&](const char* name) { return environment.isDesktop(name); });
 }
 
-}  // namespace
+/// With no row where it is none of those above.
+struct InUse {
+  Tool tool;
+  const Row* row = nullptr;
+};
 
-std::unique_ptr<CaptureTool> captureToolInUse(const CaptureEnvironment& environment) {
+InUse inUse(const CaptureEnvironment& environment) {
   if (hasGnomeShell(environment)) {
-    return std::make_unique<CaptureTool>(CaptureFolders::withScreenshots(CaptureFolders::homePictures(environment)));
+    return {std::make_unique<CaptureTool>(CaptureFolders::withScreenshots(CaptureFolders::homePictures(environment)))};
   }
-  Tool first;
-  Tool firstConfigured;
+  InUse first;
+  InUse firstConfigured;
   for (const Row& row : kTools) {
     if (!environment.isInstalled(row.program)) continue;
     Tool tool = row.make(environment);
-    if (*row.desktop && environment.isDesktop(row.desktop)) return tool;
-    if (!firstConfigured && tool->isConfigured()) {
-      firstConfigured = std::move(tool);
-    } else if (!first) {
-      first = std::move(tool);
+    if (*row.desktop && environment.isDesktop(row.desktop)) return {std::move(tool), &row};
+    if (!firstConfigured.row && tool->isConfigured()) {
+      firstConfigured = {std::move(tool), &row};
+    } else if (!first.row) {
+      first = {std::move(tool), &row};
     }
   }
-  if (firstConfigured) return firstConfigured;
-  if (first) return first;
-  return std::make_unique<CaptureTool>(CaptureFolders::withScreenshots(CaptureFolders::pictures(environment)));
+  if (firstConfigured.row) return firstConfigured;
+  if (first.row) return first;
+  return {std::make_unique<CaptureTool>(CaptureFolders::withScreenshots(CaptureFolders::pictures(environment)))};
+}
+
+}  // namespace
+
+std::unique_ptr<CaptureTool> captureToolInUse(const CaptureEnvironment& environment) {
+  return inUse(environment).tool;
+}
+
+std::vector<std::string> optionsCommandInUse(const CaptureEnvironment& environment) {
+  const Row* row = inUse(environment).row;
+  const auto program = row ? environment.installed(row->program) : std::nullopt;
+  if (!program) return {};
+  std::vector<std::string> words{program->path()};
+  if (*row->options) words.emplace_back(row->options);
+  return words;
 }
 
 }  // namespace quillmere
