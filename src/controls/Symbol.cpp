@@ -42,18 +42,20 @@ QPixmap symbolPixmap(const QString& name, int points, const QColor& color, qreal
   return pixmap;
 }
 
-QIcon applicationIcon() {
+QPixmap applicationPixmap(int points, qreal devicePixelRatio) {
   loadSymbolResource();
-  QSvgRenderer renderer(QStringLiteral(":/icons/com.quillmere.app.svg"));
+  QPixmap pixmap(QSize(points, points) * devicePixelRatio);
+  pixmap.fill(Qt::transparent);
+  QPainter painter(&pixmap);
+  QSvgRenderer(QStringLiteral(":/icons/com.quillmere.app.svg")).render(&painter);
+  painter.end();
+  pixmap.setDevicePixelRatio(devicePixelRatio);
+  return pixmap;
+}
+
+QIcon applicationIcon() {
   QIcon icon;
-  for (const int side : {16, 24, 32, 48, 64, 128}) {
-    QPixmap pixmap(side, side);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    renderer.render(&painter);
-    painter.end();
-    icon.addPixmap(pixmap);
-  }
+  for (const int side : {16, 24, 32, 48, 64, 128}) icon.addPixmap(applicationPixmap(side, 1));
   return icon;
 }
 

@@ -10,7 +10,8 @@ namespace quillmere {
 /// One of the program's own symbols, drawn in one colour on a square of `points`.
 QPixmap symbolPixmap(const QString& name, int points, const QColor& color, qreal devicePixelRatio);
 
-/// The application's own icon.
+/// The application's own icon, on a square of `points`.
+QPixmap applicationPixmap(int points, qreal devicePixelRatio);
 QIcon applicationIcon();
 
 }  // namespace quillmere

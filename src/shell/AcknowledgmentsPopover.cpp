@@ -75,7 +75,8 @@ QWidget* AcknowledgmentsPopover::makeList(const std::vector<LinkedLibrary>& libr
 }
 
 void AcknowledgmentsPopover::openBeside(const QWidget& control) {
-  ensurePolished();
+  // What came into it since it was made has no font yet to be measured by.
+  for (auto* child : findChildren<QWidget*>()) child->ensurePolished();
   constexpr int kReach = PopupSurface::kReach;
   const QRect screen = control.screen()->availableGeometry();
   const QRect beside(control.mapToGlobal(QPoint()), control.size());

@@ -43,7 +43,7 @@ ApplicationIconView::ApplicationIconView(int points, QWidget* parent) : QWidget(
 
 void ApplicationIconView::paintEvent(QPaintEvent*) {
   QPainter painter(this);
-  applicationIcon().paint(&painter, rect());
+  painter.drawPixmap(QPointF(), applicationPixmap(width(), devicePixelRatioF()));
 }
 
 }  // namespace quillmere

@@ -40,15 +40,10 @@ ThemedLabel* wrapped(Ink ink, QWidget* parent, const QString& text) {
   return label;
 }
 
-/// The symbol stands in the middle of the first line.
-QLayout* makeRow(int points, const QString& symbol, QLabel* text, QWidget* parent) {
-  auto* picture = new SymbolLabel(points, Ink::secondary, parent, symbol);
-  const int lower = (points - QFontMetrics(text->font()).height()) / 2;
-  picture->setContentsMargins(0, std::max(0, -lower), 0, 0);
-  text->setContentsMargins(0, std::max(0, lower), 0, 0);
+QLayout* makeRow(int points, const QString& symbol, Qt::Alignment alignment, QLabel* text) {
   auto* row = new QHBoxLayout;
   row->setSpacing(12);
-  row->addWidget(picture, 0, Qt::AlignTop);
+  row->addWidget(new SymbolLabel(points, Ink::secondary, text->parentWidget(), symbol), 0, alignment);
   row->addWidget(text, 1);
   return row;
 }
@@ -84,7 +79,7 @@ QLayout* WelcomeWindow::makeFacts() {
   auto* facts = new QVBoxLayout;
   facts->setSpacing(12);
   const auto add = [&](const char* symbol, const QString& fact) {
-    facts->addLayout(makeRow(kFactSymbol, QLatin1String(symbol), wrapped(Ink::text, this, fact), this));
+    facts->addLayout(makeRow(kFactSymbol, QLatin1String(symbol), Qt::AlignVCenter, wrapped(Ink::text, this, fact)));
   };
   add("folder", localized("Quillmere watches the folder where macOS saves screenshots."));
   add("clock", localized("Every capture offers Temporary, Keep, or Move to Trash."));
@@ -101,7 +96,7 @@ QWidget* WelcomeWindow::makeTip() {
                        localized("macOS shows a floating thumbnail after each capture. Quillmere’s popup appears "
                                  "sooner with it turned off. Quillmere doesn’t change the floating thumbnail setting "
                                  "for you."));
-  column->addLayout(makeRow(kSymbol, QStringLiteral("info.circle"), text, tip));
+  column->addLayout(makeRow(kSymbol, QStringLiteral("info.circle"), Qt::AlignTop, text));
   if (!actions_.openScreenshotOptions) return tip;
   auto* options = new ActionButton(ActionButton::Role::secondary, {}, localized("Open Screenshot Options"), tip);
   options->setToolTip(localized("Open the macOS Screenshot app, where Options holds Show Floating Thumbnail"));
@@ -117,7 +112,7 @@ QWidget* WelcomeWindow::makeReachability() {
   auto* text = wrapped(Ink::secondary, note,
                        localized("This desktop shows no tray icons. Quillmere goes on watching when its windows are "
                                  "closed. To come back to it, open it again from your launcher."));
-  column->addLayout(makeRow(kSymbol, QStringLiteral("tray.and.arrow.down"), text, note));
+  column->addLayout(makeRow(kSymbol, QStringLiteral("tray.and.arrow.down"), Qt::AlignTop, text));
   return note;
 }
 

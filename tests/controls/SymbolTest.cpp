@@ -80,5 +80,12 @@ TEST(Symbol, TheApplicationsIconHasEverySizeOfPanelsAndSwitchers) {
   }
 }
 
+TEST(Symbol, TheApplicationsIconHasThePixelsOfItsScreen) {
+  const QPixmap pixmap = applicationPixmap(40, 2.5);
+  EXPECT_EQ(pixmap.size(), QSize(100, 100));
+  EXPECT_EQ(pixmap.deviceIndependentSize(), QSizeF(40, 40));
+  EXPECT_EQ(strongestAlpha(pixmap.toImage().convertToFormat(QImage::Format_ARGB32)), 255);
+}
+
 }  // namespace
 }  // namespace quillmere
