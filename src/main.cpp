@@ -1,6 +1,7 @@
 #include <QtWidgets/QApplication>
 
 #include "controls/ApplicationAppearance.h"
+#include "controls/KeyNames.h"
 #include "formats/ThumbnailLoader.h"
 #include "model/AppModel.h"
 #include "popup/CapturePromptPanelController.h"
@@ -26,6 +27,8 @@ int main(int argc, char** argv) {
   // The C locale's own forms of dates are made for machines.
   if (QLocale().language() == QLocale::C) QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
 
+  KeyNames keyNames;
+  QCoreApplication::installTranslator(&keyNames);
   ApplicationAppearance look;
   QuillmereApp* app = nullptr;
   const auto platform = start->begin({
@@ -40,6 +43,10 @@ int main(int argc, char** argv) {
                                          .terminate =
                                              [&app] {
                                                if (app) app->quitWithoutAsking();
+                                             },
+                                         .save =
+                                             [&app] {
+                                               if (app) app->save();
                                              },
                                      },
                                      asked.action);
@@ -69,7 +76,8 @@ int main(int argc, char** argv) {
 
   InboxServices inboxServices = platform->inboxServices();
   inboxServices.thumbnails = &thumbnails;
-  QuillmereApp quillmere(model, inboxServices, platform->systemEvents());
+  SoftwareUpdateModel updates;
+  QuillmereApp quillmere(model, {inboxServices, platform->systemEvents(), updates, platform->tray()});
   app = &quillmere;
   quillmere.didFinishLaunching({.isLoginLaunch = asked.isLoginLaunch, .action = asked.action});
   const int status = QApplication::exec();
