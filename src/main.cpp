@@ -1,15 +1,19 @@
 #include <QtWidgets/QApplication>
 
 #include "controls/ApplicationAppearance.h"
+#include "controls/KeyNames.h"
 #include "formats/ThumbnailLoader.h"
 #include "model/AppModel.h"
 #include "popup/CapturePromptPanelController.h"
 #include "popup/LivePanelScreens.h"
+#include "shell/AboutWindow.h"
 #include "shell/CommandLine.h"
 #include "shell/Confirmations.h"
+#include "shell/Endpoints.h"
 #include "shell/FilePanels.h"
 #include "shell/Platform.h"
 #include "shell/QuillmereApp.h"
+#include "shell/WelcomeWindow.h"
 
 using namespace quillmere;
 
@@ -26,6 +30,8 @@ int main(int argc, char** argv) {
   // The C locale's own forms of dates are made for machines.
   if (QLocale().language() == QLocale::C) QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
 
+  KeyNames keyNames;
+  QCoreApplication::installTranslator(&keyNames);
   ApplicationAppearance look;
   QuillmereApp* app = nullptr;
   const auto platform = start->begin({
@@ -40,6 +46,10 @@ int main(int argc, char** argv) {
                                          .terminate =
                                              [&app] {
                                                if (app) app->quitWithoutAsking();
+                                             },
+                                         .save =
+                                             [&app] {
+                                               if (app) app->save();
                                              },
                                      },
                                      asked.action);
@@ -61,15 +71,40 @@ int main(int argc, char** argv) {
   dependencies.promptPresenter = &popup;
   dependencies.fileChooser = &filePanels;
   dependencies.confirmDeletion = &Confirmations::deletion;
-  dependencies.confirmWatching = [](const FileURL& folder) {
+  const auto confirmWatching = [](const FileURL& folder) {
     return Confirmations::watching(folder, FileURL::fromPath(qgetenv("HOME").constData()));
   };
+  dependencies.confirmWatching = confirmWatching;
   AppModel model(std::move(dependencies));
+  // Tells whether there is one now, also when it is the same as before.
+  const auto chooseFolder = [&] {
+    const auto folder = filePanels.chooseFolder(model.folderPanelStart({}));
+    if (!folder || !confirmWatching(*folder)) return false;
+    model.adoptWatchFolder(*folder, ErrorScope::inbox);
+    return true;
+  };
   platform->follow(model);
 
   InboxServices inboxServices = platform->inboxServices();
   inboxServices.thumbnails = &thumbnails;
-  QuillmereApp quillmere(model, inboxServices, platform->systemEvents());
+  SoftwareUpdateModel updates;
+  QuillmereApp quillmere(model, {inboxServices, platform->systemEvents(), updates, platform->tray()});
+  quillmere.makers[AppWindow::about] = [&platform] {
+    return std::make_unique<AboutWindow>(
+        AboutInformation{.version = QApplication::applicationVersion(),
+                         .build = QStringLiteral(QUILLMERE_BUILD_NUMBER),
+                         .libraries = platform->linkedLibraries()},
+        AboutWindow::Actions{.openWebsite = [] { Endpoints::open(Endpoints::website()); },
+                             .openSupport = [] { Endpoints::open(Endpoints::support()); },
+                             .openPrivacyPolicy = [] { Endpoints::open(Endpoints::privacyPolicy()); }});
+  };
+  quillmere.makers[AppWindow::welcome] = [&] {
+    return std::make_unique<WelcomeWindow>(
+        WelcomeWindow::Actions{.chooseFolder = chooseFolder,
+                               .openScreenshotOptions = platform->openScreenshotOptions(),
+                               .openHelp = platform->help()},
+        platform->tray());
+  };
   app = &quillmere;
   quillmere.didFinishLaunching({.isLoginLaunch = asked.isLoginLaunch, .action = asked.action});
   const int status = QApplication::exec();

@@ -5,6 +5,7 @@
 #include <QtWidgets/QMenuBar>
 
 #include "foundation/Localized.h"
+#include "inbox/ReviewAction.h"
 
 namespace quillmere {
 namespace {
@@ -34,6 +35,9 @@ InboxMenuBar::InboxMenuBar(InboxPresentation& presentation, InboxSharing& sharin
 
 void InboxMenuBar::makeFileMenu() {
   QMenu* menu = bar_->addMenu(localized("File"));
+  menu->addAction(localized("About Quillmere"), menu, [this] { actions_.openAbout(); });
+  checkForUpdates_ = menu->addAction(localized("Check for Updates…"), menu, [this] { actions_.checkForUpdates(); });
+  menu->addSeparator();
   menu->addAction(localized("Choose Screenshot Folder…"), menu, [this] { actions_.chooseFolder(); });
   menu->addSeparator();
   menu->addAction(localized("Settings"), menu, [this] { actions_.openSettings(); })
@@ -61,8 +65,8 @@ void InboxMenuBar::makeEditMenu() {
 
 void InboxMenuBar::makeScreenshotMenu(InboxSharing& sharing) {
   QMenu* menu = bar_->addMenu(localized("Screenshot"));
-  review_ = menu->addAction(localized("Review Screenshot"), menu,
-                            [this] { presentation_.model().reviewPending(FocusNews::silent); });
+  review_ = new ReviewAction(presentation_.model(), menu);
+  menu->addAction(review_);
   menu->addSeparator();
   items_ = new ScreenshotMenuItems(
       *menu, [this] { return ScreenshotActionsMenu::ofSelection(presentation_); }, sharing,
@@ -71,6 +75,12 @@ void InboxMenuBar::makeScreenshotMenu(InboxSharing& sharing) {
 
 void InboxMenuBar::makeHelpMenu() {
   QMenu* menu = bar_->addMenu(localized("Help"));
+  menu->addAction(localized("Welcome to Quillmere"), menu, [this] { actions_.openWelcome(); });
+  menu->addAction(localized("Quillmere Help"), menu, [this] { actions_.openHelp(); });
+  menu->addSeparator();
+  menu->addAction(localized("Quillmere Support Website"), menu, [this] { actions_.openSupport(); });
+  menu->addAction(localized("Contact Support…"), menu, [this] { actions_.writeToSupport(); });
+  menu->addSeparator();
   menu->addAction(localized("Keyboard Shortcuts"), menu, [this] { actions_.showKeys(); });
 }
 
@@ -78,6 +88,7 @@ void InboxMenuBar::refresh() {
   const bool isShowingModal = presentation_.isShowingModal();
   find_->setEnabled(!isShowingModal);
   review_->setEnabled(!isShowingModal);
+  checkForUpdates_->setEnabled(actions_.canCheckForUpdates());
   items_->refresh();
 }
 

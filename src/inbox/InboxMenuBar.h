@@ -15,8 +15,15 @@ class InboxMenuBar {
   struct Actions {
     std::function<void()> chooseFolder;
     std::function<void()> openSettings;
+    std::function<void()> openAbout;
+    std::function<void()> checkForUpdates;
+    std::function<bool()> canCheckForUpdates;
     std::function<void()> close;
     std::function<void()> quit;
+    std::function<void()> openWelcome;
+    std::function<void()> openHelp;
+    std::function<void()> openSupport;
+    std::function<void()> writeToSupport;
     std::function<void()> selectAll;
     std::function<void()> showKeys;
   };
@@ -38,6 +45,7 @@ class InboxMenuBar {
   QMenuBar* bar_;
   QAction* find_ = nullptr;
   QAction* review_ = nullptr;
+  QAction* checkForUpdates_ = nullptr;
   ScreenshotMenuItems* items_ = nullptr;
 };
 

@@ -159,30 +159,38 @@ QWidget* InboxWindow::makeDetail() {
 }
 
 void InboxWindow::makeMenus() {
-  menus_ = std::make_unique<InboxMenuBar>(presentation_, sharing_,
-                                          InboxMenuBar::Actions{
-                                              .chooseFolder = [this] { model_.chooseWatchFolder(); },
-                                              .openSettings =
-                                                  [this] {
-                                                    if (onOpenSettings) onOpenSettings();
-                                                  },
-                                              .close = [this] { close(); },
-                                              .quit =
-                                                  [this] {
-                                                    if (onQuit) onQuit();
-                                                  },
-                                              .selectAll =
-                                                  [this] {
-                                                    auto* field = dynamic_cast<QLineEdit*>(focusWidget());
-                                                    if (field) {
-                                                      field->selectAll();
-                                                    } else {
-                                                      sidebar_->list().selectAll();
-                                                    }
-                                                  },
-                                              .showKeys = [this] { showKeys(); },
-                                          },
-                                          *this);
+  const auto program = [this](std::function<void()> ProgramActions::*action) {
+    return [this, action] {
+      if (const auto& perform = program_.*action) perform();
+    };
+  };
+  const auto selectAll = [this] {
+    auto* field = dynamic_cast<QLineEdit*>(focusWidget());
+    field ? field->selectAll() : sidebar_->list().selectAll();
+  };
+  menus_ = std::make_unique<InboxMenuBar>(
+      presentation_, sharing_,
+      InboxMenuBar::Actions{
+          .chooseFolder = [this] { model_.chooseWatchFolder(); },
+          .openSettings = program(&ProgramActions::openSettings),
+          .openAbout = program(&ProgramActions::openAbout),
+          .checkForUpdates = program(&ProgramActions::checkForUpdates),
+          .canCheckForUpdates = [this] { return program_.canCheckForUpdates && program_.canCheckForUpdates(); },
+          .close = [this] { close(); },
+          .quit = program(&ProgramActions::quit),
+          .openWelcome = program(&ProgramActions::openWelcome),
+          .openHelp = program(&ProgramActions::openHelp),
+          .openSupport = program(&ProgramActions::openSupport),
+          .writeToSupport = program(&ProgramActions::writeToSupport),
+          .selectAll = selectAll,
+          .showKeys = [this] { showKeys(); },
+      },
+      *this);
+}
+
+void InboxWindow::setProgram(ProgramActions program) {
+  program_ = std::move(program);
+  menus_->refresh();
 }
 
 void InboxWindow::takeKeyboard() {

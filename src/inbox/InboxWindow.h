@@ -31,8 +31,21 @@ class InboxWindow final : public QWidget {
   void takeKeyboard();
 
   std::function<void()> onClosed;
-  std::function<void()> onOpenSettings;
-  std::function<void()> onQuit;
+  /// What the menus have of the program beyond this window; without one of them that item does nothing.
+  struct ProgramActions {
+    std::function<void()> openSettings;
+    std::function<void()> openAbout;
+    std::function<void()> openWelcome;
+    std::function<void()> checkForUpdates;
+    std::function<bool()> canCheckForUpdates;
+    std::function<void()> openHelp;
+    std::function<void()> openSupport;
+    std::function<void()> writeToSupport;
+    std::function<void()> quit;
+  };
+  void setProgram(ProgramActions program);
+  /// The menus say anew what can be done.
+  void refreshMenus() { menus_->refresh(); }
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -61,6 +74,7 @@ class InboxWindow final : public QWidget {
   AppModel& model_;
   InboxPresentation presentation_;
   InboxSharing sharing_;
+  ProgramActions program_;
   std::unique_ptr<InboxMenuBar> menus_;
   QSplitter* split_ = nullptr;
   InboxSidebar* sidebar_ = nullptr;

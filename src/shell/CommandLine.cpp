@@ -10,7 +10,8 @@ constexpr int kUnknownWindow = 1;
 constexpr int kMisunderstood = 2;
 
 /// As the requests of other processes name them.
-const QStringList kWindows{QStringLiteral("inbox"), QStringLiteral("settings")};
+const QStringList kWindows{QStringLiteral("inbox"), QStringLiteral("settings"), QStringLiteral("about"),
+                           QStringLiteral("welcome")};
 
 Answer complaint(const QString& text, int status = kMisunderstood) {
   return {QStringLiteral("quillmere: %1 Try: quillmere --help\n").arg(text), status};
@@ -27,7 +28,8 @@ QString helpOf(const QCommandLineParser& parser) {
 std::variant<Start, Answer> read(const QStringList& arguments) {
   const QCommandLineOption autostart(QStringLiteral("autostart"),
                                      QStringLiteral("Start quietly, as at login: the Inbox stays closed."));
-  const QCommandLineOption show(QStringLiteral("show"), QStringLiteral("Open a window: inbox or settings."),
+  const QCommandLineOption show(QStringLiteral("show"),
+                                QStringLiteral("Open a window: inbox, settings, about or welcome."),
                                 QStringLiteral("window"));
   const QCommandLineOption review(QStringLiteral("review"),
                                   QStringLiteral("Go through the screenshots that wait, by keyboard."));

@@ -25,7 +25,7 @@ QWidget* windowThatAsks() {
 
 }  // namespace
 
-bool Confirmations::quit(const QuitConcerns& concerns) {
+bool Confirmations::quit(const QuitConcerns& concerns, QWidget* window) {
   QStringList details;
   if (concerns.isNotSaved) details += message(BackgroundIssue{BackgroundIssue::Kind::recordsNotSaved});
   if (concerns.waitingScreenshots > 0) {
@@ -38,7 +38,8 @@ bool Confirmations::quit(const QuitConcerns& concerns) {
               .heading = localized("Quit Quillmere?"),
               .message = details.join(QStringLiteral("\n\n")),
               .safe = {},
-              .action = localized("Quit Quillmere")});
+              .action = localized("Quit Quillmere")},
+             QApplication::activeWindow() ? QApplication::activeWindow() : window);
 }
 
 bool Confirmations::deletion(const QString& fileName) {

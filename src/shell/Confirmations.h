@@ -4,6 +4,8 @@
 
 #include "foundation/FileURL.h"
 
+class QWidget;
+
 namespace quillmere {
 
 /// Questions that stand on their own, asked modally. Return cancels: it must never do what cannot be undone.
@@ -14,7 +16,8 @@ struct QuitConcerns {
   int waitingScreenshots = 0;
   bool isNotSaved = false;  ///< the list could not be written
 };
-bool quit(const QuitConcerns& concerns);
+/// Over the window that has the keyboard, be it the popup; else over `window`, or by itself without one.
+bool quit(const QuitConcerns& concerns, QWidget* window);
 bool deletion(const QString& fileName);
 /// Whether every screenshot of the desktop is to be saved in the folder of this name.
 bool savingScreenshotsIn(const QString& folder);

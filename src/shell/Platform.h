@@ -10,6 +10,7 @@
 #include "popup/CapturePromptPanelController.h"
 #include "shell/AboutInformation.h"
 #include "shell/DesktopFileDialogs.h"
+#include "shell/DesktopTray.h"
 
 namespace quillmere {
 
@@ -18,6 +19,7 @@ struct PlatformRequests {
   std::function<void()> reopen;                        ///< it was started once more
   std::function<void(const QString& action)> perform;  ///< an action of its launcher entry, by name
   std::function<void()> terminate;                     ///< the session or a signal ends it; nobody can be asked
+  std::function<void()> save;                          ///< the machine is about to go down, and waits for this
 };
 
 /// A desktop, as the program sees it: every service that is not the program's own. One folder of platform/ is built and
@@ -28,6 +30,7 @@ class Platform {
 
   virtual Executor& executor() = 0;
   virtual SystemEvents& systemEvents() = 0;
+  virtual DesktopTray& tray() = 0;
   /// Whether a file is dataless. Any thread.
   virtual bool isDataless(const FileURL& url) const = 0;
   /// The thumbnails that the programs of this desktop share; null where they share none.

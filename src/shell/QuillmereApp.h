@@ -2,17 +2,23 @@
 
 #include <QtCore/QObject>
 #include <functional>
+#include <map>
 #include <memory>
 
 #include "inbox/InboxServices.h"
 #include "model/AppModel.h"
+#include "shell/ApplicationWindows.h"
 #include "shell/Confirmations.h"
+#include "shell/DesktopTray.h"
 #include "shell/MenuBarExtra.h"
+#include "update/SoftwareUpdateModel.h"
+
+class QSessionManager;
 
 namespace quillmere {
 
-class InboxWindow;
-class SettingsWindow;
+/// The program's own windows.
+enum class AppWindow { inbox, settings, about, welcome };
 
 /// The application around the model: its windows, its tray icon, and when it starts, comes to the front and ends. It
 /// lives on without a window.
@@ -22,33 +28,62 @@ class QuillmereApp {
     bool isLoginLaunch = false;  ///< started with the session, not by the person
     QString action = {};         ///< for `perform`; empty without one
   };
-  QuillmereApp(AppModel& model, const InboxServices& inboxServices, SystemEvents& systemEvents);
+  struct Services {
+    InboxServices inbox;
+    SystemEvents& systemEvents;
+    SoftwareUpdateModel& updates;
+    DesktopTray& tray;
+  };
+  /// Makes a window when it is opened; it is let go of after it was closed.
+  using Maker = std::function<std::unique_ptr<QWidget>()>;
+
+  QuillmereApp(AppModel& model, const Services& services);
   ~QuillmereApp();
 
   void didFinishLaunching(const Launch& launch);
   /// The person opened the application again.
   void reopen();
-  /// What the launcher's menu and the session bus can ask for: "inbox", "review", "settings", "quit".
+  /// What the launcher's menu and the session bus can ask for: a window by its name, "review", "close-window", "quit".
   void perform(const QString& action);
-  void openInbox();
-  void openSettings();
-  bool isInboxShown() const;
+  void open(AppWindow window);
+  bool isShown(AppWindow window) const;
+  ApplicationWindows& windows() { return table_; }
+  /// Whether the tray can show the icon at all.
+  bool hasTray() const { return menuBarExtra_.hasTray(); }
+
   /// Asks first while screenshots wait, or when the list cannot be saved.
   void quit();
   /// The session ends: nothing is asked.
   void quitWithoutAsking();
-  /// The last thing: a change that is not yet saved is saved now.
-  void willTerminate();
+  /// The machine may end at any moment: what is not yet saved is saved now.
+  void save();
+  /// The session is about to end, and waits: a crop that is being written is waited for too. Nobody is asked.
+  void commitToSession();
+  /// The last thing.
+  void willTerminate() { save(); }
 
+  std::map<AppWindow, Maker> makers;
   std::function<bool(const Confirmations::QuitConcerns&)> confirmQuit;
 
  private:
+  std::unique_ptr<QWidget> makeInbox();
+  std::unique_ptr<QWidget> makeSettings();
+  void showWelcomeIfDue();
+  void letGoOfClosed();
+  void followSession();
+  void tellHowToRestart(QSessionManager& session);
+  Confirmations::QuitConcerns quitConcerns() const;
+
   AppModel& model_;
-  InboxServices inboxServices_;
-  std::unique_ptr<InboxWindow> inbox_;
-  std::unique_ptr<SettingsWindow> settings_;
+  Services services_;
+  std::map<AppWindow, std::unique_ptr<QWidget>> windows_;
+  ApplicationWindows table_;  ///< goes before its windows, which close then
   MenuBarExtra menuBarExtra_;
   Connection changes_;
+  Connection updateChanges_;
+  Connection policyChanges_;
+  Connection closings_;
+  std::unique_ptr<QObject> quitRequests_;
   QObject observer_;
   bool isAskingToQuit_ = false;
   bool isQuitting_ = false;

@@ -50,7 +50,7 @@ QLayout* makeRow(int points, const QString& symbol, Qt::Alignment alignment, QLa
 
 }  // namespace
 
-WelcomeWindow::WelcomeWindow(Actions actions, bool hasTray)
+WelcomeWindow::WelcomeWindow(Actions actions, DesktopTray& tray)
     : SmallWindow(localized("Welcome to Quillmere"), kLetters), actions_(std::move(actions)) {
   auto* title = new ThemedLabel(Ink::text, this, localized("Welcome to Quillmere"));
   title->setTextSize(1.7, QFont::DemiBold);
@@ -67,12 +67,12 @@ WelcomeWindow::WelcomeWindow(Actions actions, bool hasTray)
   column->addLayout(makeFacts());
   column->addSpacing(20);
   column->addWidget(makeTip());
-  if (!hasTray) {
-    column->addSpacing(10);
-    column->addWidget(makeReachability());
-  }
+  QWidget* reachability = makeReachability();
+  column->addWidget(reachability);
   column->addSpacing(24);
   column->addLayout(makeButtons());
+  reachability->setHidden(tray.isThere());
+  trayChanges_ = tray.changed.connect([reachability, &tray] { reachability->setHidden(tray.isThere()); });
 }
 
 QLayout* WelcomeWindow::makeFacts() {
@@ -106,14 +106,18 @@ QWidget* WelcomeWindow::makeTip() {
 }
 
 QWidget* WelcomeWindow::makeReachability() {
-  auto* note = new Note(this);
+  auto* place = new QWidget(this);
+  auto* note = new Note(place);
+  auto* around = new QVBoxLayout(place);
+  around->setContentsMargins(0, 10, 0, 0);
+  around->addWidget(note);
   auto* column = new QVBoxLayout(note);
   column->setContentsMargins(14, 12, 14, 12);
   auto* text = wrapped(Ink::secondary, note,
                        localized("This desktop shows no tray icons. Quillmere goes on watching when its windows are "
                                  "closed. To come back to it, open it again from your launcher."));
   column->addLayout(makeRow(kSymbol, QStringLiteral("tray.and.arrow.down"), Qt::AlignTop, text));
-  return note;
+  return place;
 }
 
 QLayout* WelcomeWindow::makeButtons() {

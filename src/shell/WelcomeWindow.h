@@ -3,6 +3,8 @@
 #include <functional>
 
 #include "controls/HelpAnchor.h"
+#include "foundation/Signal.h"
+#include "shell/DesktopTray.h"
 #include "shell/SmallWindow.h"
 
 namespace quillmere {
@@ -15,8 +17,8 @@ class WelcomeWindow final : public SmallWindow {
     std::function<void()> openScreenshotOptions;  ///< none where there is nothing to open
     OpenHelp openHelp;
   };
-  /// `hasTray`: whether the program's icon can be seen on this desktop.
-  WelcomeWindow(Actions actions, bool hasTray);
+  /// Without a tray it says how to come back to the program, now or when the tray goes.
+  WelcomeWindow(Actions actions, DesktopTray& tray);
 
  private:
   QLayout* makeFacts();
@@ -26,6 +28,7 @@ class WelcomeWindow final : public SmallWindow {
   void chooseFolder();
 
   Actions actions_;
+  Connection trayChanges_;
 };
 
 }  // namespace quillmere

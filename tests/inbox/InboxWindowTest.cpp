@@ -339,14 +339,41 @@ TEST_F(InboxWindowTest, TheFilesMenuHasTheProgramsOwnKeys) {
   openWindow();
   int settings = 0;
   int quits = 0;
-  window->onOpenSettings = [&] { ++settings; };
-  window->onQuit = [&] { ++quits; };
+  window->setProgram({.openSettings = [&] { ++settings; }, .quit = [&] { ++quits; }});
   press(Qt::Key_Comma, Qt::ControlModifier);
   press(Qt::Key_Q, Qt::ControlModifier);
   EXPECT_EQ(settings, 1);
   EXPECT_EQ(quits, 1);
   press(Qt::Key_W, Qt::ControlModifier);
   EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(InboxWindowTest, TheMenusHaveWhatIsTheProgramsOwn) {
+  launchWatching();
+  openWindow();
+  const QString file = QStringLiteral("File");
+  const QString help = QStringLiteral("Help");
+  const QString check = QStringLiteral("Check for Updates…");
+  menuItem(file, QStringLiteral("About Quillmere"))->trigger();  // nobody is there to open it
+  std::string done;
+  bool canCheck = false;
+  window->setProgram({.openAbout = [&] { done += "about "; },
+                      .openWelcome = [&] { done += "welcome "; },
+                      .checkForUpdates = [&] { done += "updates "; },
+                      .canCheckForUpdates = [&] { return canCheck; },
+                      .openHelp = [&] { done += "help "; },
+                      .openSupport = [&] { done += "support "; },
+                      .writeToSupport = [&] { done += "mail "; }});
+  EXPECT_FALSE(menuItem(file, check)->isEnabled());
+  canCheck = true;
+  window->refreshMenus();
+  EXPECT_TRUE(menuItem(file, check)->isEnabled());
+  for (const QString& item : {QStringLiteral("About Quillmere"), check}) menuItem(file, item)->trigger();
+  for (const QString& item : {QStringLiteral("Welcome to Quillmere"), QStringLiteral("Quillmere Help"),
+                              QStringLiteral("Quillmere Support Website"), QStringLiteral("Contact Support…")}) {
+    menuItem(help, item)->trigger();
+  }
+  EXPECT_EQ(done, "about updates welcome help support mail ");
 }
 
 TEST_F(InboxWindowTest, KeysThatEditTheSearchAreNoCommands) {

@@ -86,12 +86,14 @@ class Menu:
 
 
 MENUS = {
-    "File": ["Choose Screenshot Folder…", "Settings", "Close Window", "Quit Quillmere"],
+    "File": ["About Quillmere", "Check for Updates…", "Choose Screenshot Folder…", "Settings", "Close Window",
+             "Quit Quillmere"],
     "Edit": ["Undo", "Redo", "Cut", "Copy", "Paste", "Select All", "Find"],
     "Screenshot": ["Review Screenshot", "Keep", "Mark Temporary", "Rename", "Use Suggested Name", "Move and Rename…",
                    "Quick Look", "Show in File Manager", "Download", "Show Original", "Copy Screenshot", "Share",
                    "Extract Text", "Extract Window…", "Crop…", "Analyze", "Remove from Inbox", "Move to Trash"],
-    "Help": ["Keyboard Shortcuts"],
+    "Help": ["Welcome to Quillmere", "Quillmere Help", "Quillmere Support Website", "Contact Support…",
+             "Keyboard Shortcuts"],
 }
 # With one pending screenshot selected, nothing suggested for it and no model.
 OF_ONE = {"Keep", "Mark Temporary", "Rename", "Move and Rename…", "Quick Look", "Show in File Manager",

@@ -30,6 +30,14 @@ def journey(desktop):
     hold_for("it runs on", lambda: first.is_running, 1)
     expect("the popup still waits", desktop.popup.stem)
 
+    # With the Inbox open the question is its own; minimized, it is not asked where nobody sees it.
+    desktop.run("xdotool", "windowminimize", desktop.window_ids("Quillmere")[0])
+    wait_until("the Inbox is minimized", lambda: not desktop.window_ids("Quillmere"))
+    desktop.action("quit")
+    wait_until("it asks on its own", lambda: desktop.active_title() == QUESTION)
+    desktop.key("Escape")
+    wait_until("Escape cancels", lambda: not desktop.window_ids(QUESTION))
+
     desktop.action("quit")
     desktop.click(desktop.wait_for("Quit Quillmere", "push button", QUESTION))
     expect("it ends with 0", first.wait() == 0)

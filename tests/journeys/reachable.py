@@ -30,6 +30,15 @@ def asked_for(desktop):
     desktop.popup.wait_gone()
 
 
+def opens_no_other_window_beside_one(desktop):
+    """A second start brings the window that is open, and the Inbox only where none is."""
+    start_again(desktop)[1]()
+    wait_until("the settings have the keyboard again", lambda: desktop.active_title() == "Settings")
+    expect("the Inbox stays closed", not desktop.window_ids(TITLE))
+    desktop.action("close-window", wait=True)
+    wait_until("the settings are closed", lambda: not desktop.window_ids("Settings"))
+
+
 def close_inbox(desktop):
     desktop.key("ctrl+w")
     wait_until("the Inbox is closed", lambda: not desktop.window_ids(TITLE))
@@ -60,6 +69,7 @@ def journey(desktop):
     desktop.choose_folder()
     first = desktop.launch("--autostart")
     asked_for(desktop)
+    opens_no_other_window_beside_one(desktop)
     opens_with_the_keyboard_in_the_list(desktop)
     # The daemon has no service manager's socket: it leaves its own behind.
     os.remove(desktop.environment["DBUS_SESSION_BUS_ADDRESS"].removeprefix("unix:path="))

@@ -35,6 +35,7 @@ def with_options(desktop, entries):
 
 def read(desktop):
     wait_until("Welcome has the keyboard", lambda: desktop.active_title() == TITLE)
+    desktop.wait_for(*READ[-1], TITLE)
     shown = [(control.name, control.role) for control in desktop.program.tree.find_all(window=TITLE)
              if control.role in ("label", "heading", "push button")]
     expected = with_options(desktop, READ)

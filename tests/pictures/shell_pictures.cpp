@@ -51,12 +51,19 @@ void settle(QWidget& window) {
   for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
 }
 
+struct Tray final : DesktopTray {
+  bool isThere() const override { return isThereNow; }
+  bool isThereNow = true;
+};
+
 QImage welcome(bool hasTray, bool hasOptions) {
+  Tray tray;
+  tray.isThereNow = hasTray;
   WelcomeWindow::Actions actions;
   actions.chooseFolder = [] { return false; };
   if (hasOptions) actions.openScreenshotOptions = [] {};
   actions.openHelp = [](HelpAnchor) {};
-  WelcomeWindow window(std::move(actions), hasTray);
+  WelcomeWindow window(std::move(actions), tray);
   settle(window);
   return composed(window);
 }

@@ -45,6 +45,8 @@ TEST(CommandLine, ShowAndReviewAreActionsOfTheLauncherEntry) {
   EXPECT_EQ(startOf({}).action, QString());
   EXPECT_EQ(startOf({"--show", "inbox"}).action, QStringLiteral("inbox"));
   EXPECT_EQ(startOf({"--show=settings"}).action, QStringLiteral("settings"));
+  EXPECT_EQ(startOf({"--show", "about"}).action, QStringLiteral("about"));
+  EXPECT_EQ(startOf({"--show", "welcome"}).action, QStringLiteral("welcome"));
   EXPECT_EQ(startOf({"--review"}).action, QStringLiteral("review"));
   EXPECT_TRUE(startOf({"--autostart", "--show", "inbox"}).isLoginLaunch);
 }
@@ -62,8 +64,8 @@ TEST(CommandLine, HelpNamesEveryOptionForPeopleAndNoOther) {
   for (const QString option : {"-h", "--help"}) {
     const std::string text = answerOf({option}, false);
     EXPECT_THAT(text, StartsWith("Usage: quillmere [options]\nWatches"));
-    for (const char* name :
-         {"--autostart", "--show <window>", "inbox or settings", "--review", "-h, --help", "-v, --version"})
+    for (const char* name : {"--autostart", "--show <window>", "inbox, settings, about or welcome", "--review",
+                             "-h, --help", "-v, --version"})
       EXPECT_THAT(text, HasSubstr(name));
     EXPECT_THAT(text, Not(HasSubstr("session")));
   }

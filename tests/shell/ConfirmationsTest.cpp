@@ -67,13 +67,13 @@ INSTANTIATE_TEST_SUITE_P(
                  "Quillmere, but a screenshot you take while it’s closed is saved without a popup.",
                  "Quit Quillmere",
                  [] {
-                   return Confirmations::quit({2, false});
+                   return Confirmations::quit({2, false}, nullptr);
                  }},
         Question{"Quit Quillmere?",
                  "Quillmere couldn’t save its screenshot list. Recent changes may be lost when Quillmere quits.",
                  "Quit Quillmere",
                  [] {
-                   return Confirmations::quit({0, true});
+                   return Confirmations::quit({0, true}, nullptr);
                  }},
         Question{"Quit Quillmere?",
                  "Quillmere couldn’t save its screenshot list. Recent changes may be lost when Quillmere quits.\n\n"
@@ -81,7 +81,7 @@ INSTANTIATE_TEST_SUITE_P(
                  "Quillmere, but a screenshot you take while it’s closed is saved without a popup.",
                  "Quit Quillmere",
                  [] {
-                   return Confirmations::quit({1, true});
+                   return Confirmations::quit({1, true}, nullptr);
                  }},
         Question{"Delete Screenshot?",
                  "“<b>1</b>.png” will be deleted from its folder and removed from Quillmere. This can’t be undone.",

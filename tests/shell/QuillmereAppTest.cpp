@@ -9,19 +9,32 @@
 #include "fakes/ModelFixture.h"
 #include "inbox/InboxWindow.h"
 #include "settings/SettingsWindow.h"
+#include "shell/FakeTray.h"
 
 namespace quillmere {
 namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 class QuillmereAppTest : public testing::ModelFixture {
  protected:
   /// As main does, with a folder or without.
   void start(bool isLoginLaunch, bool hasFolder = true, const QString& action = {}) {
+    app.reset();
     if (hasFolder) chooseFolderBefore(shots);
     makeModel();
-    app = std::make_unique<QuillmereApp>(
-        *model, InboxServices{.thumbnails = &thumbnails, .executor = &executor, .defaults = defaults.get()},
-        systemEvents);
+    model->setHasSeenWelcome(!isWelcomeDue);
+    inboxServices.thumbnails = &thumbnails;
+    inboxServices.executor = &executor;
+    inboxServices.defaults = defaults.get();
+    app = std::make_unique<QuillmereApp>(*model, QuillmereApp::Services{inboxServices, systemEvents, updates, tray});
+    for (const AppWindow window : {AppWindow::about, AppWindow::welcome}) {
+      app->makers[window] = [this, window] {
+        opened.push_back(window);
+        return std::make_unique<QWidget>();
+      };
+    }
     app->confirmQuit = [this](const Confirmations::QuitConcerns& concerns) {
       questions.push_back(concerns.waitingScreenshots);
       isToldOfSaving = concerns.isNotSaved;
@@ -50,6 +63,13 @@ class QuillmereAppTest : public testing::ModelFixture {
     return QCoreApplication::exec() != kWentOn;
   }
 
+  bool isInboxShown() const { return app->isShown(AppWindow::inbox); }
+
+  InboxServices inboxServices;
+  SoftwareUpdateModel updates;
+  testing::FakeTray tray;
+  bool isWelcomeDue = false;
+  std::vector<AppWindow> opened;
   ThumbnailLoader thumbnails{executor, [](const FileURL&) { return false; }};
   std::unique_ptr<QuillmereApp> app;
   bool isToldOfSaving = false;
@@ -60,44 +80,44 @@ class QuillmereAppTest : public testing::ModelFixture {
 
 TEST_F(QuillmereAppTest, TheInboxOpensUnlessItStartsWithTheSession) {
   start(false);
-  EXPECT_TRUE(app->isInboxShown());
+  EXPECT_TRUE(isInboxShown());
   app.reset();
   start(true);
-  EXPECT_FALSE(app->isInboxShown());
+  EXPECT_FALSE(isInboxShown());
 }
 
 TEST_F(QuillmereAppTest, WithoutAFolderItOpensEvenThen) {
   start(true, false);
-  EXPECT_TRUE(app->isInboxShown());
+  EXPECT_TRUE(isInboxShown());
 }
 
 TEST_F(QuillmereAppTest, StartedForAWindowItOpensThatOne) {
   start(false, true, QStringLiteral("settings"));
   ASSERT_TRUE(open<SettingsWindow>());
   EXPECT_TRUE(open<SettingsWindow>()->isVisible());
-  EXPECT_FALSE(app->isInboxShown());
+  EXPECT_FALSE(isInboxShown());
   app.reset();
   start(true, true, QStringLiteral("inbox"));
-  EXPECT_TRUE(app->isInboxShown());
+  EXPECT_TRUE(isInboxShown());
 }
 
 TEST_F(QuillmereAppTest, StartedForAReviewItBeginsOne) {
   storeRecords({storedItem(1, "1.png")});
   start(false, true, QStringLiteral("review"));
-  EXPECT_FALSE(app->isInboxShown());
+  EXPECT_FALSE(isInboxShown());
   EXPECT_EQ(presenter.focuses, 1);
 }
 
 TEST_F(QuillmereAppTest, WithoutAFolderTheInboxOpensBesideWhatItIsStartedFor) {
   start(false, false, QStringLiteral("settings"));
-  EXPECT_TRUE(app->isInboxShown());
+  EXPECT_TRUE(isInboxShown());
   EXPECT_TRUE(open<SettingsWindow>());
 }
 
 TEST_F(QuillmereAppTest, WhatTheBusAsksForIsDone) {
   start(true);
   app->perform(QStringLiteral("inbox"));
-  EXPECT_TRUE(app->isInboxShown());
+  EXPECT_TRUE(isInboxShown());
   app->perform(QStringLiteral("settings"));
   ASSERT_TRUE(open<SettingsWindow>());
   EXPECT_TRUE(open<SettingsWindow>()->isVisible());
@@ -109,12 +129,99 @@ TEST_F(QuillmereAppTest, WhatTheBusAsksForIsDone) {
   EXPECT_EQ(questions, std::vector<int>{1});
 }
 
+TEST_F(QuillmereAppTest, EachWindowIsOpenedByItsName) {
+  start(true);
+  app->perform(QStringLiteral("about"));
+  app->perform(QStringLiteral("welcome"));
+  app->perform(QStringLiteral("about"));
+  EXPECT_THAT(opened, ElementsAre(AppWindow::about, AppWindow::welcome)) << "the one that is open comes forward";
+  EXPECT_TRUE(app->isShown(AppWindow::about));
+  app->perform(QStringLiteral("close-window"));
+  EXPECT_FALSE(app->isShown(AppWindow::about));
+  EXPECT_TRUE(app->isShown(AppWindow::welcome));
+}
+
+TEST_F(QuillmereAppTest, TheWelcomeIsShownOnceAndCountsAsSeenWhenItOpens) {
+  isWelcomeDue = true;
+  start(false, false);
+  EXPECT_THAT(opened, ElementsAre(AppWindow::welcome));
+  EXPECT_TRUE(isInboxShown()) << "behind it";
+  EXPECT_TRUE(*model->settings().hasSeenWelcome);
+  opened.clear();
+  isWelcomeDue = false;
+  start(false, false);
+  EXPECT_THAT(opened, IsEmpty());
+}
+
+TEST_F(QuillmereAppTest, AStartWithTheSessionKeepsTheWelcomeForLater) {
+  isWelcomeDue = true;
+  start(true);
+  EXPECT_THAT(opened, IsEmpty());
+  EXPECT_FALSE(app->windows().isAnyShown());
+  EXPECT_FALSE(*model->settings().hasSeenWelcome);
+  start(true, false);
+  EXPECT_THAT(opened, ElementsAre(AppWindow::welcome)) << "without a folder it is no silent one";
+}
+
+TEST_F(QuillmereAppTest, WhatItIsStartedForIsInFrontOfTheWelcome) {
+  isWelcomeDue = true;
+  start(false, true, QStringLiteral("settings"));
+  EXPECT_THAT(opened, ElementsAre(AppWindow::welcome));
+  EXPECT_EQ(app->windows().front(), open<SettingsWindow>());
+}
+
+TEST_F(QuillmereAppTest, OpenedAgainItBringsTheWindowThatIsShown) {
+  start(true);
+  app->open(AppWindow::settings);
+  app->reopen();
+  EXPECT_FALSE(isInboxShown());
+  open<SettingsWindow>()->showMinimized();
+  app->reopen();
+  EXPECT_FALSE(isInboxShown()) << "a minimized one counts as shown";
+  EXPECT_FALSE(open<SettingsWindow>()->isMinimized());
+  open<SettingsWindow>()->close();
+  app->reopen();
+  EXPECT_TRUE(isInboxShown());
+}
+
+TEST_F(QuillmereAppTest, TheProgramIsRegularWhileOneOfItsWindowsIsOpen) {
+  start(true);
+  EXPECT_EQ(app->windows().policy(), ActivationPolicy::accessory);
+  app->open(AppWindow::inbox);
+  app->open(AppWindow::settings);
+  open<InboxWindow>()->close();
+  EXPECT_EQ(app->windows().policy(), ActivationPolicy::regular) << "Settings is still open";
+  open<SettingsWindow>()->close();
+  EXPECT_EQ(app->windows().policy(), ActivationPolicy::accessory);
+}
+
+TEST_F(QuillmereAppTest, ItSaysWhetherThereIsATray) {
+  start(true);
+  EXPECT_FALSE(app->hasTray());
+  tray.set(true);
+  EXPECT_TRUE(app->hasTray());
+}
+
+TEST_F(QuillmereAppTest, TheInboxesMenusFollowWhetherUpdatesCanBeChecked) {
+  start(false);
+  const auto check = [] {
+    for (QAction* action : open<InboxWindow>()->findChildren<QAction*>()) {
+      if (action->text() == QStringLiteral("Check for Updates…")) return action;
+    }
+    return static_cast<QAction*>(nullptr);
+  };
+  ASSERT_TRUE(check());
+  EXPECT_FALSE(check()->isEnabled());
+  updates.setCanCheckForUpdates(true);
+  EXPECT_TRUE(check()->isEnabled());
+}
+
 TEST_F(QuillmereAppTest, AMinimizedInboxComesBack) {
   start(false);
   open<InboxWindow>()->showMinimized();
   app->reopen();
   EXPECT_FALSE(open<InboxWindow>()->isMinimized());
-  EXPECT_TRUE(app->isInboxShown());
+  EXPECT_TRUE(isInboxShown());
 }
 
 TEST_F(QuillmereAppTest, WhatIsOpenOverTheInboxGetsTheKeyboardWithIt) {
@@ -138,12 +245,12 @@ TEST_F(QuillmereAppTest, AClosedInboxIsLetGoOfLaterAndTheProgramGoesOn) {
   start(false);
   EXPECT_FALSE(QApplication::quitOnLastWindowClosed());
   open<InboxWindow>()->close();
-  EXPECT_FALSE(app->isInboxShown());
+  EXPECT_FALSE(isInboxShown());
   EXPECT_TRUE(open<InboxWindow>()) << "it is still closing";
   QCoreApplication::processEvents();
   EXPECT_FALSE(open<InboxWindow>());
   app->reopen();
-  EXPECT_TRUE(app->isInboxShown());
+  EXPECT_TRUE(isInboxShown());
 }
 
 TEST_F(QuillmereAppTest, AnInboxThatIsClosedUnderItsMenuStaysUntilTheMenuIsOver) {
@@ -159,12 +266,12 @@ TEST_F(QuillmereAppTest, AnInboxThatIsClosedUnderItsMenuStaysUntilTheMenuIsOver)
     menu.exec();
     closed = open<InboxWindow>();
     ASSERT_TRUE(closed) << "what opened the menu is still in it";
-    EXPECT_FALSE(app->isInboxShown());
+    EXPECT_FALSE(isInboxShown());
   });
   bool isGone = false;
   QObject::connect(closed, &QObject::destroyed, closed, [&] { isGone = true; });
   app->reopen();
-  EXPECT_TRUE(app->isInboxShown());
+  EXPECT_TRUE(isInboxShown());
   EXPECT_TRUE(isGone) << "a new window, without what was sought in the one before";
 }
 
@@ -178,6 +285,38 @@ TEST_F(QuillmereAppTest, QuittingIsAskedAboutOnlyWhileScreenshotsWait) {
   confirms = true;
   EXPECT_TRUE(quits([this] { app->quit(); }));
   EXPECT_EQ(questions, (std::vector<int>{2, 2}));
+}
+
+TEST_F(QuillmereAppTest, TheQuestionHasAPlaceOfItsOwnWhileNoWindowIsShown) {
+  start(true);
+  arrive("1.png");
+  whileAsked = [this] { EXPECT_EQ(app->windows().policy(), ActivationPolicy::regular); };
+  app->quit();
+  EXPECT_EQ(app->windows().policy(), ActivationPolicy::accessory);
+  app->open(AppWindow::inbox);
+  app->quit();
+  EXPECT_EQ(app->windows().policy(), ActivationPolicy::regular) << "the Inbox is open";
+  EXPECT_EQ(questions.size(), 2u);
+}
+
+TEST_F(QuillmereAppTest, AnUpdateThatIsBeingInstalledEndsItWithoutAQuestion) {
+  start(true);
+  arrive("1.png");
+  updates.setInstallingUpdate(true);
+  EXPECT_TRUE(quits([this] { app->quit(); }));
+  EXPECT_THAT(questions, IsEmpty());
+}
+
+TEST_F(QuillmereAppTest, AnUpdateIsAskedAboutAllTheSameWhileTheListCannotBeSaved) {
+  start(true);
+  arrive("1.png");
+  updates.setInstallingUpdate(true);
+  makeSavingFail();
+  model->saveNow();
+  EXPECT_FALSE(quits([this] { app->quit(); }));
+  EXPECT_THAT(questions, ElementsAre(0));
+  EXPECT_TRUE(isToldOfSaving);
+  makeSavingWork();
 }
 
 TEST_F(QuillmereAppTest, QuittingIsAskedAboutWhileTheListCannotBeSaved) {
@@ -206,6 +345,46 @@ TEST_F(QuillmereAppTest, ASessionThatEndsAsksNothing) {
   arrive("1.png");
   EXPECT_TRUE(quits([this] { app->quitWithoutAsking(); }));
   EXPECT_TRUE(questions.empty());
+}
+
+TEST_F(QuillmereAppTest, TheSessionsWordToEndIsObeyedWhateverIsOpen) {
+  start(false);
+  arrive("1.png");
+  class Stays final : public QWidget {
+    void closeEvent(QCloseEvent* event) override { event->ignore(); }
+  } window;
+  window.show();
+  EXPECT_TRUE(quits([] {
+    QEvent quit(QEvent::Quit);
+    QCoreApplication::sendEvent(qApp, &quit);
+  }));
+  EXPECT_THAT(questions, IsEmpty());
+}
+
+TEST_F(QuillmereAppTest, AskedByTheSessionItSavesWhatIsNotSaved) {
+  start(true);
+  arrive("1.png");
+  model->scheduleSave();
+  ASSERT_TRUE(model->hasPendingSave());
+  app->save();
+  EXPECT_FALSE(model->hasPendingSave());
+  EXPECT_THAT(questions, IsEmpty());
+}
+
+TEST_F(QuillmereAppTest, TheSessionWaitsForACropThatIsBeingWritten) {
+  start(true);
+  arrive("1.png");
+  ScreenshotItem source;
+  source.url = shots.appending("1.png");
+  executor.holdBackground();
+  model->saveAsNew(source, QImage(20, 20, QImage::Format_RGB32), QRectF(0, 0, 10, 10)).detach();
+  QTimer::singleShot(0, qApp, [this] { executor.runHeldBackground(); });
+  EXPECT_FALSE(quits([this] {
+    app->commitToSession();
+    EXPECT_EQ(model->items().size(), 2u);
+  })) << "it may be called off";
+  EXPECT_FALSE(model->hasUnsavedWork());
+  EXPECT_THAT(questions, IsEmpty());
 }
 
 TEST_F(QuillmereAppTest, ACropThatIsBeingWrittenComesFirst) {

@@ -11,9 +11,18 @@
 namespace quillmere {
 namespace {
 
+struct FakeTray final : DesktopTray {
+  bool isThere() const override { return isThereNow; }
+  void set(bool isThere) {
+    isThereNow = isThere;
+    changed();
+  }
+  bool isThereNow = true;
+};
+
 class WelcomeWindowTest : public ::testing::Test {
  protected:
-  void open(bool hasTray = true, bool hasOptions = true) {
+  void open(bool hasOptions = true) {
     WelcomeWindow::Actions actions;
     actions.chooseFolder = [this] {
       ++panels;
@@ -22,7 +31,7 @@ class WelcomeWindowTest : public ::testing::Test {
     };
     if (hasOptions) actions.openScreenshotOptions = [this] { ++optionsOpened; };
     actions.openHelp = [this](HelpAnchor anchor) { help.push_back(anchor); };
-    window = std::make_unique<WelcomeWindow>(std::move(actions), hasTray);
+    window = std::make_unique<WelcomeWindow>(std::move(actions), tray);
     window->show();
     window->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
@@ -35,10 +44,13 @@ class WelcomeWindowTest : public ::testing::Test {
   }
   QStringList texts() const {
     QStringList shown;
-    for (const auto* label : window->findChildren<QLabel*>()) shown.append(label->text());
+    for (const auto* label : window->findChildren<QLabel*>()) {
+      if (label->isVisible()) shown.append(label->text());
+    }
     return shown;
   }
 
+  FakeTray tray;
   std::unique_ptr<WelcomeWindow> window;
   bool isChosen = true;
   std::function<void()> whilePanelIsOpen;
@@ -125,7 +137,7 @@ TEST_F(WelcomeWindowTest, OptionsAreOfferedWhereThereAreAny) {
             QStringLiteral("Open your screenshot tool, whose options hold what it shows after a capture"));
   QTest::mouseClick(button("Open Screenshot Options"), Qt::LeftButton);
   EXPECT_EQ(optionsOpened, 1);
-  open(true, false);
+  open(false);
   EXPECT_FALSE(button("Open Screenshot Options"));
 }
 
@@ -133,10 +145,17 @@ TEST_F(WelcomeWindowTest, WithoutATrayItSaysHowToComeBack) {
   const QString way = QStringLiteral(
       "This desktop shows no tray icons. Quillmere goes on watching when its windows are closed. To come back to it, "
       "open it again from your launcher.");
-  open(true);
+  open();
+  const int height = window->height();
   EXPECT_FALSE(texts().contains(way));
-  open(false);
+  tray.set(false);
   EXPECT_TRUE(texts().contains(way));
+  QApplication::processEvents();
+  EXPECT_GT(window->height(), height);
+  tray.set(true);
+  EXPECT_FALSE(texts().contains(way));
+  QApplication::processEvents();
+  EXPECT_EQ(window->height(), height);
 }
 
 TEST_F(WelcomeWindowTest, TheKeyboardGoesFromTopToBottom) {

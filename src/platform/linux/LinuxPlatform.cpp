@@ -58,7 +58,8 @@ std::unique_ptr<PlatformStart> startPlatform() {
 }
 
 LinuxProcess::LinuxProcess(PlatformRequests requests)
-    : terminationSignals_(std::move(requests.terminate)),
+    : save_(std::move(requests.save)),
+      terminationSignals_(std::move(requests.terminate)),
       bus_({std::move(requests.reopen), std::move(requests.perform)}) {}
 
 LinuxPlatform::LinuxPlatform(std::unique_ptr<LinuxProcess> process)
@@ -66,7 +67,8 @@ LinuxPlatform::LinuxPlatform(std::unique_ptr<LinuxProcess> process)
       services_(process_->paths()),
       busSigns_(services_.executor),
       heldKeys_(&X11Keyboard::downKeys),
-      session_(services_.executor, services_.systemEvents) {
+      session_(services_.executor, services_.systemEvents),
+      shutdownDelay_(services_.executor, &QDBusConnection::systemBus, process_->save()) {
   X11Keyboard::askForRealReleases();
 }
 
@@ -122,6 +124,7 @@ void LinuxPlatform::follow(AppModel& model) {
   services_.holdUndecided(model);
   modelFollower_ = model.changed.connect([this, &model](const ModelChange& change) {
     if (change.field == ModelField::items) services_.holdUndecided(model);
+    if (change.field == ModelField::unsavedWork) shutdownDelay_.setNeeded(model.hasUnsavedWork());
     if (change.field == ModelField::watchFolderURL) {
       services_.securityScope.setWatchedFolder(*model.watchFolderURL);
     } else if (change.field == ModelField::promptQueue || change.field == ModelField::popupAutoSaveEnabled) {

@@ -10,9 +10,11 @@
 #include "platform/linux/session/ApplicationBus.h"
 #include "platform/linux/session/RunMarker.h"
 #include "platform/linux/session/SessionEvents.h"
+#include "platform/linux/session/ShutdownDelay.h"
 #include "platform/linux/session/TerminationSignals.h"
 #include "platform/linux/signs/BusCaptureSigns.h"
 #include "platform/linux/signs/X11CaptureSigns.h"
+#include "platform/linux/tray/LiveTray.h"
 #include "shell/Platform.h"
 
 namespace quillmere {
@@ -25,8 +27,10 @@ class LinuxProcess {
   bool isOnly() const { return isNameOurs_ && !runMarker_.isTaken(); }
   const ApplicationPaths& paths() const { return paths_; }
   const std::optional<Date>& interruptedSince() const { return runMarker_.interruptedSince(); }
+  const std::function<void()>& save() const { return save_; }
 
  private:
+  std::function<void()> save_;
   TerminationSignals terminationSignals_;
   ApplicationBus bus_;
   ApplicationPaths paths_ = ApplicationPaths::standard();
@@ -41,6 +45,7 @@ class LinuxPlatform final : public Platform {
 
   Executor& executor() override { return services_.executor; }
   SystemEvents& systemEvents() override { return services_.systemEvents; }
+  DesktopTray& tray() override { return tray_; }
   bool isDataless(const FileURL& url) const override;
   std::shared_ptr<SharedThumbnails> sharedThumbnails() override { return services_.thumbnails; }
   AppModelDependencies modelDependencies() override;
@@ -62,6 +67,8 @@ class LinuxPlatform final : public Platform {
   BusCaptureSigns busSigns_;
   HeldKeys heldKeys_;
   SessionEvents session_;
+  ShutdownDelay shutdownDelay_;
+  LiveTray tray_{QDBusConnection::sessionBus()};
   PortalFileDialogs fileDialogs_{QDBusConnection::sessionBus()};
   Connection modelFollower_;
 };
