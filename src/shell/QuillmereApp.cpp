@@ -102,8 +102,12 @@ void QuillmereApp::openInbox() {
 
 void QuillmereApp::openSettings() {
   if (!settings_) {
-    settings_ = std::make_unique<SettingsWindow>(model_);
-    settings_->confirmSavingHere = &Confirmations::savingScreenshotsIn;
+    SettingsServices services;
+    services.defaults = inboxServices_.defaults;
+    services.openHelp = inboxServices_.openHelp;
+    services.confirmSavingHere = &Confirmations::savingScreenshotsIn;
+    services.confirmClearingRecords = &Confirmations::clearingRecords;
+    settings_ = std::make_unique<SettingsWindow>(model_, std::move(services));
   }
   bringForward(*settings_);
 }
