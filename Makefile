@@ -34,7 +34,7 @@ pictures:
 	tools/setup build
 	cmake --preset release -DQUILLMERE_TESTS=ON
 	$(BUILD) popup_pictures control_pictures quick_look_pictures crop_canvas_pictures inbox_detail_pictures inbox_pictures \
-	  editor_pictures shell_pictures
+	  editor_pictures settings_pictures shell_pictures
 	tools/pictures
 
 test:

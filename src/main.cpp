@@ -88,7 +88,8 @@ int main(int argc, char** argv) {
   InboxServices inboxServices = platform->inboxServices();
   inboxServices.thumbnails = &thumbnails;
   SoftwareUpdateModel updates;
-  QuillmereApp quillmere(model, {inboxServices, platform->systemEvents(), updates, platform->tray()});
+  QuillmereApp quillmere(
+      model, {inboxServices, platform->systemEvents(), updates, platform->tray(), platform->openScreenshotOptions()});
   quillmere.makers[AppWindow::about] = [&platform] {
     return std::make_unique<AboutWindow>(
         AboutInformation{.version = QApplication::applicationVersion(),

@@ -75,7 +75,11 @@ bool replaceFile(const FileURL& file, std::string_view bytes) {
   const bool isThere = ::stat(target.c_str(), &status) == 0;
   const bool isReplaced = writeNew(fresh, bytes, isThere ? status.st_mode & kPermissions : S_IRUSR | S_IWUSR) &&
                           TEMP_FAILURE_RETRY(::rename(fresh.c_str(), target.c_str())) == 0;
-  if (!isReplaced) ::unlink(fresh.c_str());
+  if (!isReplaced) {
+    const int reason = errno;
+    ::unlink(fresh.c_str());
+    errno = reason;
+  }
   return isReplaced && flushFolder(target.parent());
 }
 

@@ -130,6 +130,7 @@ class AppModel : private AnalysisRecords,
   void refreshLoginItemStatus();
   void setOpensAtLogin(bool opens);
   void openLoginItemSettings();
+  bool canOpenLoginItemSettings() const { return dependencies_.loginItems->hasSystemSettings(); }
 
   // --- Arrival: AppModelArrival.cpp ---
   enum class Origin { capturedHere, elsewhere };

@@ -22,8 +22,9 @@ class LoginItemService {
   /// Both give the system's description of a problem if there was one.
   virtual std::optional<QString> registerItem() = 0;
   virtual std::optional<QString> unregisterItem() = 0;
-  /// Where the person allows it.
+  /// Where the person allows it, if there is such a place that can be opened.
   virtual void openSystemSettings() = 0;
+  virtual bool hasSystemSettings() const { return true; }
 
   Signal<> changed;  ///< the status became another by itself: a desktop answered, or the person changed it elsewhere
 };

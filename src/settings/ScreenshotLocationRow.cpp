@@ -5,6 +5,7 @@
 #include "controls/ActionButton.h"
 #include "controls/SymbolLabel.h"
 #include "controls/ThemedLabel.h"
+#include "controls/WrappingRow.h"
 #include "foundation/Localized.h"
 
 namespace quillmere {
@@ -41,15 +42,16 @@ ScreenshotLocationContent ScreenshotLocationContent::make(const AppModel& model)
     content.status = localized("macOS saves screenshots to %@", {match.folder->displayName()});
     content.watched = localized("Quillmere watches %@", {(*model.watchFolderURL)->displayName()});
     content.hint = localized("Or change it in Screenshot (⇧⌘5) › Options.");
-    content.offersThisFolder = true;
+    content.offersThisFolder = content.offersHelp = true;
     content.offersSavingHere = model.canPointMacOSAtWatchFolder();
   }
   return content;
 }
 
-ScreenshotLocationRow::ScreenshotLocationRow(AppModel& model, QWidget* parent)
+ScreenshotLocationRow::ScreenshotLocationRow(AppModel& model, const SettingsServices& services, QWidget* parent)
     : QWidget(parent),
       model_(model),
+      services_(services),
       symbol_(new SymbolLabel(kSymbol, Ink::secondary, this)),
       text_(makeText(Ink::text, this)),
       hint_(makeText(Ink::secondary, this)),
@@ -58,12 +60,12 @@ ScreenshotLocationRow::ScreenshotLocationRow(AppModel& model, QWidget* parent)
       useThisFolder_(makeButton(ActionButton::Role::secondary, {}, localized("Use This Folder…"),
                                 localized("Open the folder picker at this folder so Quillmere can watch it"), this)),
       saveHere_(makeButton(ActionButton::Role::secondary, {}, localized("Save Screenshots Here…"),
-                           localized("Save every screenshot on this Mac in this folder"), this)) {
+                           localized("Save every screenshot on this Mac in this folder"), this)),
+      help_(makeButton(ActionButton::Role::icon, QStringLiteral("questionmark.circle"), {}, localized("Help"), this)) {
   dismiss_->setAccessibleName(localized("Dismiss"));
-  auto* buttons = new QHBoxLayout;
-  buttons->setSpacing(8);
-  for (ActionButton* button : {useThisFolder_, saveHere_, undo_}) buttons->addWidget(button);
-  buttons->addStretch();
+  help_->setAccessibleName(localized("Help"));
+  auto* buttons = new WrappingRow(8);
+  for (ActionButton* button : {useThisFolder_, saveHere_, undo_, help_}) buttons->addWidget(button);
   auto* grid = new QGridLayout(this);
   grid->setContentsMargins(0, 0, 0, 0);
   grid->setHorizontalSpacing(8);
@@ -81,8 +83,10 @@ ScreenshotLocationRow::ScreenshotLocationRow(AppModel& model, QWidget* parent)
           [this] { model_.chooseWatchFolder(*model_.macOSScreenshotFolder, ErrorScope::settings); });
   connect(saveHere_, &QPushButton::clicked, this, [this] {
     const auto& folder = *model_.watchFolderURL;
-    if (folder && confirmSavingHere(folder->displayName())) model_.pointMacOSAtWatchFolder();
+    if (!folder || !services_.confirmSavingHere) return;
+    if (services_.confirmSavingHere(folder->displayName())) model_.pointMacOSAtWatchFolder();
   });
+  connect(help_, &QPushButton::clicked, this, [this] { services_.openHelp(HelpAnchor::folderMismatch); });
 }
 
 void ScreenshotLocationRow::update() {
@@ -97,6 +101,7 @@ void ScreenshotLocationRow::update() {
   dismiss_->setVisible(content.offersUndo);
   useThisFolder_->setVisible(content.offersThisFolder);
   saveHere_->setVisible(content.offersSavingHere);
+  help_->setVisible(content.offersHelp && services_.openHelp);
   const auto& folder = *model_.watchFolderURL;
   if (folder) saveHere_->setAccessibleName(localized("Save Screenshots to %@", {folder->displayName()}));
 }

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <QtWidgets/QWidget>
-#include <functional>
 
 #include "model/AppModel.h"
+#include "settings/SettingsServices.h"
 
 class QLabel;
 
@@ -21,6 +21,7 @@ struct ScreenshotLocationContent {
   bool offersUndo = false;
   bool offersThisFolder = false;
   bool offersSavingHere = false;
+  bool offersHelp = false;
 
   static ScreenshotLocationContent make(const AppModel& model);
   bool operator==(const ScreenshotLocationContent&) const = default;
@@ -29,14 +30,12 @@ struct ScreenshotLocationContent {
 /// Compares the watched folder with the one that the desktop saves screenshots to, and brings the two together.
 class ScreenshotLocationRow final : public QWidget {
  public:
-  ScreenshotLocationRow(AppModel& model, QWidget* parent);
+  ScreenshotLocationRow(AppModel& model, const SettingsServices& services, QWidget* parent);
   void update();
-
-  /// Asks whether every screenshot is to be saved in the folder of this name.
-  std::function<bool(const QString& folder)> confirmSavingHere;
 
  private:
   AppModel& model_;
+  SettingsServices services_;
   SymbolLabel* symbol_;
   QLabel* text_;
   QLabel* hint_;
@@ -44,6 +43,7 @@ class ScreenshotLocationRow final : public QWidget {
   ActionButton* dismiss_;
   ActionButton* useThisFolder_;
   ActionButton* saveHere_;
+  ActionButton* help_;
 };
 
 }  // namespace quillmere

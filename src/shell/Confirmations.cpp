@@ -64,6 +64,18 @@ bool Confirmations::savingScreenshotsIn(const QString& folder) {
               .action = localized("Save Screenshots Here")});
 }
 
+bool Confirmations::clearingRecords() {
+  return ask({.symbol = QStringLiteral("questionmark.circle"),
+              .ink = Ink::danger,
+              .heading = localized("Clear Inbox Records?"),
+              .message = localized(
+                  "Quillmere forgets every screenshot in the Inbox, with its description and deletion timer. The files "
+                  "stay where they are, and Temporary screenshots won’t be moved to Trash."),
+              .safe = {},
+              .action = localized("Clear Records"),
+              .isDestructive = true});
+}
+
 bool Confirmations::watching(const FileURL& folder, const FileURL& home) {
   const auto wide = wideFolder(folder, home);
   if (!wide) return true;

@@ -21,6 +21,8 @@ bool quit(const QuitConcerns& concerns, QWidget* window);
 bool deletion(const QString& fileName);
 /// Whether every screenshot of the desktop is to be saved in the folder of this name.
 bool savingScreenshotsIn(const QString& folder);
+/// Whether every record of the Inbox is to be forgotten.
+bool clearingRecords();
 /// Whether the folder is to be watched; asks about the home folder and the root of all folders only.
 bool watching(const FileURL& folder, const FileURL& home);
 

@@ -169,9 +169,14 @@ std::unique_ptr<QWidget> QuillmereApp::makeInbox() {
 }
 
 std::unique_ptr<QWidget> QuillmereApp::makeSettings() {
-  auto settings = std::make_unique<SettingsWindow>(model_);
-  settings->confirmSavingHere = &Confirmations::savingScreenshotsIn;
-  return settings;
+  SettingsServices services;
+  services.defaults = services_.inbox.defaults;
+  services.openHelp = services_.inbox.openHelp;
+  services.openScreenshotOptions = services_.openScreenshotOptions;
+  services.updates = &services_.updates;
+  services.confirmSavingHere = &Confirmations::savingScreenshotsIn;
+  services.confirmClearingRecords = &Confirmations::clearingRecords;
+  return std::make_unique<SettingsWindow>(model_, std::move(services));
 }
 
 // --- The end ---

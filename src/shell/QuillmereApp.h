@@ -33,6 +33,7 @@ class QuillmereApp {
     SystemEvents& systemEvents;
     SoftwareUpdateModel& updates;
     DesktopTray& tray;
+    std::function<void()> openScreenshotOptions = nullptr;  ///< none where there is nothing to open
   };
   /// Makes a window when it is opened; it is let go of after it was closed.
   using Maker = std::function<std::unique_ptr<QWidget>()>;

@@ -226,10 +226,12 @@ class FakeLoginItems final : public LoginItemService {
   std::optional<QString> registerItem() override;
   std::optional<QString> unregisterItem() override;
   void openSystemSettings() override { ++settingsOpened; }
+  bool hasSystemSettings() const override { return hasSettings; }
 
   LoginItemStatus current = LoginItemStatus::notRegistered;
   LoginItemStatus afterRegistering = LoginItemStatus::enabled;
   std::optional<QString> problem;
+  bool hasSettings = true;
   int settingsOpened = 0;
 };
 

@@ -625,5 +625,56 @@ TEST_F(AppModelConfirmedDisposal, RecordsThatAreGoneAreNoError) {
   EXPECT_FALSE(*model->inboxError);
 }
 
+class AppModelClearing : public AppModelDisposal {};
+
+TEST_F(AppModelClearing, EveryRecordIsForgottenOnDiskTooAndEveryFileStays) {
+  const std::vector<UUID> ids{arrive("1.png"), arriveTemporary("2.png"), arrivePermanent("3.png")};
+  model->setSelectedItemIDs({ids[0], ids[2]});
+  model->clearRecords();
+  EXPECT_EQ(model->items().size(), 0U);
+  EXPECT_THAT(savedRecords(), IsEmpty()) << "at once";
+  EXPECT_FALSE(model->hasPendingSave());
+  EXPECT_EQ(files.calls(), 0);
+  for (const char* name : {"1.png", "2.png", "3.png"})
+    EXPECT_TRUE(std::filesystem::exists(shots.appending(name).path()));
+  EXPECT_TRUE(model->selectedItemIDs->empty());
+  EXPECT_THAT(queue(), IsEmpty());
+}
+
+TEST_F(AppModelClearing, NoTemporaryScreenshotGoesLater) {
+  const UUID id = arriveTemporary("1.png");
+  ASSERT_TRUE(scheduledAt(id));
+  model->clearRecords();
+  EXPECT_FALSE(scheduledAt(id));
+  advance(24 * 60 * 60.0);
+  executor.drain();
+  EXPECT_EQ(files.calls(), 0);
+  EXPECT_FALSE(isInTrashFolder("1.png"));
+}
+
+TEST_F(AppModelClearing, WhatComesLaterIsAskedAboutAsEver) {
+  arrive("1.png");
+  model->clearRecords();
+  const UUID id = arrive("2.png");
+  EXPECT_THAT(queue(), ElementsAre(id));
+  model->clearRecords();
+  model->clearRecords();
+  EXPECT_EQ(model->items().size(), 0U);
+}
+
+TEST_F(AppModelClearing, AListThatCannotBeWrittenIsToldAndTriedAgain) {
+  arrive("1.png");
+  makeSavingFail();
+  model->clearRecords();
+  EXPECT_EQ(model->items().size(), 0U);
+  EXPECT_FALSE(model->isSaved());
+  EXPECT_EQ(banner(), Issue::recordsNotSaved);
+  makeSavingWork();
+  advance(60);
+  executor.drain();
+  EXPECT_TRUE(model->isSaved());
+  EXPECT_THAT(savedRecords(), IsEmpty());
+}
+
 }  // namespace
 }  // namespace quillmere::testing

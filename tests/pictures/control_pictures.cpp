@@ -284,7 +284,7 @@ class ModelOfASession final : public testing::ModelFixture {
 
 void drawWindows(Album& album) {
   ModelOfASession session;
-  SettingsWindow settings(*session.model);
+  SettingsWindow settings(*session.model, {});
   settings.resize(560, 460);
   auto* tabs = settings.findChild<QTabWidget*>();
   const char* const names[]{"settings-general", "settings-screenshots", "settings-popup", "settings-intelligence"};

@@ -12,11 +12,13 @@ class ScreenshotLocationRowTest : public testing::ModelFixture {
  protected:
   ScreenshotLocationContent content() const { return ScreenshotLocationContent::make(*model); }
   void makeRow() {
-    row = std::make_unique<ScreenshotLocationRow>(*model, &window);
-    row->confirmSavingHere = [this](const QString& folder) {
+    SettingsServices services;
+    services.confirmSavingHere = [this](const QString& folder) {
       asked.push_back(folder);
       return confirms;
     };
+    services.openHelp = [this](HelpAnchor anchor) { helped.push_back(anchor); };
+    row = std::make_unique<ScreenshotLocationRow>(*model, services, &window);
     row->update();
   }
   /// Presses the button and lets the row follow.
@@ -34,6 +36,7 @@ class ScreenshotLocationRowTest : public testing::ModelFixture {
   QWidget window;
   std::unique_ptr<ScreenshotLocationRow> row;
   std::vector<QString> asked;
+  std::vector<HelpAnchor> helped;
   bool confirms = true;
 };
 
@@ -61,6 +64,17 @@ TEST_F(ScreenshotLocationRowTest, TwoFoldersAreNamedAndCanBeBroughtTogether) {
   location.isChangeable = false;
   EXPECT_TRUE(content().offersThisFolder);
   EXPECT_FALSE(content().offersSavingHere) << "of a tool whose folder is fixed";
+}
+
+TEST_F(ScreenshotLocationRowTest, HelpIsOfferedWhereTwoFoldersDiffer) {
+  location.value = elsewhere.displayPath();
+  launchWatching();
+  makeRow();
+  press("Help");
+  EXPECT_EQ(helped, (std::vector<HelpAnchor>{HelpAnchor::folderMismatch}));
+  location.value = shots.displayPath();
+  model->refreshScreenshotLocation();
+  EXPECT_FALSE(content().offersHelp);
 }
 
 TEST_F(ScreenshotLocationRowTest, SavingHereIsAskedAboutFirst) {

@@ -1,149 +1,61 @@
 #include "settings/SettingsWindow.h"
 
 #include <QtCore/QTimer>
-#include <QtTest/QTest>
-#include <QtWidgets/QApplication>
-#include <QtWidgets/QCheckBox>
-#include <QtWidgets/QComboBox>
-#include <QtWidgets/QLabel>
+#include <QtGui/QScreen>
+#include <QtWidgets/QAbstractSpinBox>
 #include <QtWidgets/QLineEdit>
-#include <QtWidgets/QPushButton>
-#include <QtWidgets/QSpinBox>
+#include <QtWidgets/QScrollArea>
+#include <QtWidgets/QScrollBar>
+#include <QtWidgets/QTabBar>
 #include <QtWidgets/QTabWidget>
 
 #include "controls/Alert.h"
-#include "fakes/ModelFixture.h"
+#include "settings/SettingsFixture.h"
 #include "support/EventLoop.h"
 
 namespace quillmere {
 namespace {
 
-class SettingsWindowTest : public testing::ModelFixture {
+class SettingsWindowTest : public testing::SettingsFixture {
  protected:
-  SettingsWindowTest() {
-    launchWatching();
-    window = std::make_unique<SettingsWindow>(*model);
-    window->show();
-    EXPECT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+  SettingsWindowTest() { open(); }
+  void open() {
+    SettingsServices services;
+    services.defaults = defaults.get();
+    shown = std::make_unique<SettingsWindow>(*model, std::move(services));
+    shown->show();
+    shown->activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(shown.get()));
   }
-  QCheckBox& box(const char* text) const {
-    for (auto* found : window->findChildren<QCheckBox*>()) {
-      if (found->text() == QLatin1String(text)) return *found;
-    }
-    throw std::logic_error(text);
-  }
-  QPushButton& pushButton(const char* text) const {
-    for (auto* found : window->findChildren<QPushButton*>()) {
-      if (found->text() == QString::fromUtf8(text)) return *found;
-    }
-    throw std::logic_error(text);
-  }
-  QSpinBox& number(const char* name) const {
-    for (auto* box : window->findChildren<QSpinBox*>()) {
-      if (box->accessibleName() == QLatin1String(name)) return *box;
-    }
-    throw std::logic_error(name);
-  }
-  QSpinBox& seconds() const { return number("Popup timeout in seconds"); }
-  QComboBox& naming() const { return *window->findChild<QComboBox*>(); }
-  QLineEdit& address() const {
-    for (auto* field : window->findChildren<QLineEdit*>()) {
-      if (field->accessibleName() == QStringLiteral("Model server address")) return *field;
-    }
-    throw std::logic_error("no address");
-  }
-  bool says(const QString& text) const {
-    for (const auto* label : window->findChildren<QLabel*>()) {
-      if (label->text() == text && label->isVisibleTo(label->parentWidget())) return true;
-    }
-    return false;
-  }
-  std::unique_ptr<SettingsWindow> window;
+  QTabWidget& tabs() const { return *shown->findChild<QTabWidget*>(); }
+  QString pane() const { return tabs().tabText(tabs().currentIndex()); }
 };
 
 TEST_F(SettingsWindowTest, HasItsPanesInThisOrder) {
   QStringList panes;
-  const auto* tabs = window->findChild<QTabWidget*>();
-  for (int i = 0; i < tabs->count(); ++i) panes += tabs->tabText(i);
-  EXPECT_EQ(panes.join(QLatin1Char('|')), QStringLiteral("General|Screenshots|Popup|Intelligence"));
+  for (int i = 0; i < tabs().count(); ++i) panes += tabs().tabText(i);
+  EXPECT_EQ(panes.join(QLatin1Char('|')), QStringLiteral("General|Screenshots|Popup|Keyboard|Intelligence"));
 }
 
-TEST_F(SettingsWindowTest, EachControlWritesAtOnceAndFollowsTheModel) {
-  const auto& settings = model->settings();
-  struct Row {
-    const char* text;
-    std::function<bool()> isOn;
-    std::function<void(bool)> set;
-  };
-  const Row rows[] = {
-      {"Also detect images from other apps", [&] { return *settings.includesNonCaptureImages; },
-       [&](bool isOn) { model->setIncludesNonCaptureImages(isOn); }},
-      {"Show image thumbnail in popup", [&] { return *settings.showPopupThumbnail; },
-       [&](bool isOn) { model->setShowPopupThumbnail(isOn); }},
-      {"Automatically dismiss the popup", [&] { return *settings.popupAutoSaveEnabled; },
-       [&](bool isOn) { model->setPopupAutoSaveEnabled(isOn); }},
-      {"Analyze screenshots", [&] { return *settings.analyzeScreenshots; },
-       [&](bool isOn) { model->setAnalyzeScreenshots(isOn); }},
-  };
-  for (const Row& row : rows) {
-    QCheckBox& control = box(row.text);
-    const bool before = row.isOn();
-    EXPECT_EQ(control.isChecked(), before) << row.text;
-    control.click();
-    EXPECT_EQ(row.isOn(), !before) << row.text;
-    row.set(before);
-    EXPECT_EQ(control.isChecked(), before) << row.text;
-  }
-  naming().setCurrentIndex(1);
-  EXPECT_EQ(*settings.screenshotNaming, ScreenshotNaming::suggested);
-  model->setScreenshotNaming(ScreenshotNaming::original);
-  EXPECT_EQ(naming().currentIndex(), 0);
+TEST_F(SettingsWindowTest, OpensAtTheLastPane) {
+  EXPECT_EQ(pane(), QStringLiteral("General"));
+  tabs().setCurrentIndex(3);
+  open();
+  EXPECT_EQ(pane(), QStringLiteral("Keyboard"));
+  defaults->set(QStringLiteral("quillmere.settings-pane"), QStringLiteral("no such pane"));
+  open();
+  EXPECT_EQ(pane(), QStringLiteral("General"));
 }
 
-TEST_F(SettingsWindowTest, TheTimeoutCanBeSetWhileThereIsOne) {
-  model->setPopupAutoSaveEnabled(false);
-  EXPECT_FALSE(seconds().isEnabled());
-  model->setPopupAutoSaveEnabled(true);
-  EXPECT_TRUE(seconds().isEnabled());
-  EXPECT_EQ(seconds().accessibleName(), QStringLiteral("Popup timeout in seconds"));
-  EXPECT_EQ(seconds().minimum(), Settings::kShortestPopupSeconds);
-  EXPECT_EQ(seconds().maximum(), Settings::kLongestPopupSeconds);
-}
-
-TEST_F(SettingsWindowTest, ANumberIsSetOnceItIsTyped) {
-  model->setPopupAutoSaveEnabled(true);
-  const int before = *model->settings().popupAutoSaveSeconds;
-  auto* tabs = window->findChild<QTabWidget*>();
-  tabs->setCurrentIndex(2);
-  seconds().setFocus();
-  seconds().selectAll();
-  QTest::keyClicks(&seconds(), QStringLiteral("25"));
-  EXPECT_EQ(*model->settings().popupAutoSaveSeconds, before) << "2 was no setting";
-  QTest::keyClick(&seconds(), Qt::Key_Return);
-  EXPECT_EQ(*model->settings().popupAutoSaveSeconds, 25);
-  EXPECT_TRUE(says(QStringLiteral("Dismiss after 25 seconds")));
-}
-
-TEST_F(SettingsWindowTest, ThePopupCanWaitForTheEndOfASeries) {
-  QSpinBox& pause = number("Seconds after the last screenshot");
-  EXPECT_FALSE(pause.isEnabled());
-  box("Show the popup when you stop capturing").click();
-  EXPECT_TRUE(*model->settings().popupWaitsForPause);
-  EXPECT_TRUE(pause.isEnabled());
-  EXPECT_TRUE(says(QStringLiteral("Show it 5 seconds after the last screenshot")));
-  pause.setValue(1);
-  EXPECT_EQ(*model->settings().popupPauseSeconds, 1);
-  EXPECT_TRUE(says(QStringLiteral("Show it 1 second after the last screenshot")));
-  box("Show several screenshots as a small note first").click();
-  EXPECT_TRUE(*model->settings().popupGathersSeries);
-}
-
-TEST_F(SettingsWindowTest, EveryPaneHasRoomForItsTexts) {
-  auto* tabs = window->findChild<QTabWidget*>();
-  for (int i = 0; i < tabs->count(); ++i) {
-    tabs->setCurrentIndex(i);
+TEST_F(SettingsWindowTest, IsOneSizeInWhichEveryPaneHasRoomForItsTexts) {
+  const QSize size = shown->size();
+  for (int i = 0; i < tabs().count(); ++i) {
+    tabs().setCurrentIndex(i);
     QCoreApplication::processEvents();
-    for (auto* label : tabs->widget(i)->findChildren<QLabel*>()) {
+    EXPECT_EQ(shown->size(), size);
+    const auto* page = qobject_cast<QScrollArea*>(tabs().widget(i));
+    EXPECT_EQ(page->horizontalScrollBar()->maximum(), 0);
+    for (auto* label : page->findChildren<QLabel*>()) {
       if (!label->isVisible() || label->text().isEmpty()) continue;
       const int needed = label->wordWrap() ? label->heightForWidth(label->width()) : label->sizeHint().height();
       EXPECT_GE(label->height(), needed) << label->text().toStdString();
@@ -151,90 +63,95 @@ TEST_F(SettingsWindowTest, EveryPaneHasRoomForItsTexts) {
   }
 }
 
-TEST_F(SettingsWindowTest, AnotherUsersServerIsUsedOnlyOnceItIsAllowed) {
-  const QString question = QStringLiteral(
-      "“someone”, another user of this computer, runs a model server at there. It "
-      "would see your screenshots and their text.");
-  const QString warning = QStringLiteral(
-      "Screenshots and their text are sent to the model server of “someone”, another "
-      "user of this computer, at there.");
-  EXPECT_FALSE(says(question));
-  const auto found = [&](std::optional<ForeignModelServer> server) {
-    analyzer.foreign = std::move(server);
-    model->refreshModelAvailability();
-  };
-  const ForeignModelServer server{QStringLiteral("someone"), QStringLiteral("there"), QStringLiteral("1001@there")};
-  found(server);
-  EXPECT_TRUE(says(question));
-  EXPECT_FALSE(model->isAllowed(server));
-
-  pushButton("Use It").click();
-  EXPECT_TRUE(model->isAllowed(server));
-  EXPECT_EQ(Settings::storedForeignModelServers(*defaults), QStringList{QStringLiteral("1001@there")});
-  EXPECT_TRUE(says(warning));
-  const ForeignModelServer another{QStringLiteral("else"), QStringLiteral("there"), QStringLiteral("1002@there")};
-  EXPECT_FALSE(model->isAllowed(another));
-  model->setAllowed(another, true);
-  pushButton("Don’t Use").click();
-  EXPECT_FALSE(model->isAllowed(server));
-  EXPECT_TRUE(model->isAllowed(another)) << "each by itself";
-  EXPECT_TRUE(says(question));
-
-  model->setAnalyzeScreenshots(false);
-  EXPECT_FALSE(says(question)) << "nothing is described";
-  model->setAnalyzeScreenshots(true);
-  found(std::nullopt);
-  EXPECT_FALSE(says(question));
+TEST_F(SettingsWindowTest, IsNoLargerThanTheScreenAndScrollsThere) {
+  const QSize available = shown->screen()->availableGeometry().size();
+  QFont large = QApplication::font();
+  const QFont before = large;
+  large.setPointSize(30);
+  QApplication::setFont(large);
+  open();
+  EXPECT_LE(shown->height(), available.height());
+  int scrolling = 0;
+  for (auto* page : shown->findChildren<QScrollArea*>()) {
+    tabs().setCurrentWidget(page);
+    QCoreApplication::processEvents();
+    if (page->verticalScrollBar()->maximum() > 0) ++scrolling;
+  }
+  EXPECT_GT(scrolling, 0);
+  QApplication::setFont(before);
 }
 
-TEST_F(SettingsWindowTest, AFolderWhoseFilesCannotBeFollowedIsToldOf) {
-  const QString warning = QStringLiteral(
-      "The disk of this folder keeps too little about its files: a screenshot that you rename or move "
-      "with another app may become unavailable here, and one that can’t be told from another file isn’t "
-      "deleted when its time is up.");
-  EXPECT_FALSE(says(warning));
-  keepsIdentities = false;
-  window->hide();
-  window->show();
-  EXPECT_TRUE(says(warning));
-  moveFile(shots, away);
-  report(WatcherStatus::notFound);
-  EXPECT_FALSE(says(warning));
+TEST_F(SettingsWindowTest, AControlThatGetsTheKeyboardIsScrolledTo) {
+  tabs().setCurrentIndex(1);
+  shown->setFixedHeight(260);
+  QCoreApplication::processEvents();
+  auto* page = qobject_cast<QScrollArea*>(tabs().currentWidget());
+  QCheckBox& last = box("Delete Temporary screenshots when their time is up");
+  ASSERT_FALSE(page->viewport()->rect().intersects(QRect(last.mapTo(page->viewport(), QPoint()), last.size())));
+  for (int i = 0; i < 40 && !last.hasFocus(); ++i) QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+  ASSERT_TRUE(last.hasFocus());
+  EXPECT_TRUE(page->viewport()->rect().contains(QRect(last.mapTo(page->viewport(), QPoint()), last.size())));
 }
 
-TEST_F(SettingsWindowTest, TheFolderIsNamedWithItsState) {
-  EXPECT_TRUE(says(QStringLiteral("shots")));
-  EXPECT_TRUE(says(statusText(WatcherStatus::watching)));
-  moveFile(shots, away);
-  report(WatcherStatus::notFound);
-  EXPECT_TRUE(says(statusText(WatcherStatus::notFound)));
-  EXPECT_FALSE(says(statusText(WatcherStatus::watching)));
+TEST_F(SettingsWindowTest, EveryControlIsReachedByTab) {
+  for (int i = 0; i < tabs().count(); ++i) {
+    tabs().setCurrentIndex(i);
+    tabs().tabBar()->setFocus();
+    std::set<QWidget*> reached;
+    for (int press = 0; press < 40; ++press) {
+      reached.insert(QApplication::focusWidget());
+      QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    for (auto* control : tabs().widget(i)->findChildren<QWidget*>()) {
+      const bool isControl = qobject_cast<QAbstractButton*>(control) || qobject_cast<QAbstractSpinBox*>(control) ||
+                             (qobject_cast<QLineEdit*>(control) && control->focusProxy() == nullptr &&
+                              !qobject_cast<QAbstractSpinBox*>(control->parentWidget()));
+      if (!isControl || !control->isVisible() || !control->isEnabled()) continue;
+      EXPECT_TRUE(reached.contains(control)) << control->accessibleName().toStdString();
+    }
+  }
 }
 
-TEST_F(SettingsWindowTest, WhyThereAreNoDescriptionsIsSaidWhileTheyAreWanted) {
-  const QString none = QStringLiteral(
-      "No model server was found on this computer, so screenshots aren’t described. Text extraction still works.");
-  model->setAnalyzeScreenshots(true);
-  EXPECT_FALSE(says(none));
-  analyzer.unavailability = AnalysisError::Unavailability::deviceNotEligible;
-  systemEvents.didBecomeActive();
-  executor.drain();
-  EXPECT_TRUE(says(none));
-  model->setAnalyzeScreenshots(false);
-  EXPECT_FALSE(says(none));
+TEST_F(SettingsWindowTest, KeysTurnThePanesAndCloseTheWindow) {
+  tabs().tabBar()->setFocus();
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab, Qt::ControlModifier);
+  EXPECT_EQ(pane(), QStringLiteral("Screenshots"));
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(pane(), QStringLiteral("General"));
+  QTest::keyClick(shown.get(), Qt::Key_W, Qt::ControlModifier);
+  EXPECT_FALSE(shown->isVisible());
+  shown->show();
+  QTest::keyClick(shown.get(), Qt::Key_Escape);
+  EXPECT_FALSE(shown->isVisible());
 }
 
-TEST_F(SettingsWindowTest, TheAddressIsSetWhenItIsWhole) {
-  window->findChild<QTabWidget*>()->setCurrentIndex(3);
-  window->activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-  address().setFocus();
-  QTest::keyClicks(&address(), QStringLiteral("localhost:8080"));
-  EXPECT_EQ(*model->settings().modelAddress, QString());
-  model->setAnalyzeScreenshots(!*model->settings().analyzeScreenshots);
-  EXPECT_EQ(address().text(), QStringLiteral("localhost:8080")) << "what is being typed stays";
-  QTest::keyClick(&address(), Qt::Key_Return);
-  EXPECT_EQ(*model->settings().modelAddress, QStringLiteral("localhost:8080"));
+TEST_F(SettingsWindowTest, AnotherPaneEndsARecordingOfAShortcut) {
+  tabs().setCurrentIndex(3);
+  button("Review screenshot").click();
+  ASSERT_TRUE(hotKeys.isSuspended);
+  tabs().setCurrentIndex(2);
+  EXPECT_FALSE(hotKeys.isSuspended);
+}
+
+TEST_F(SettingsWindowTest, TheLoginItemIsAskedForWheneverItIsSeenAgain) {
+  loginItems.current = LoginItemStatus::enabled;
+  EXPECT_FALSE(box("Open Quillmere at login").isChecked());
+  QEvent back(QEvent::WindowActivate);
+  QCoreApplication::sendEvent(shown.get(), &back);
+  EXPECT_TRUE(box("Open Quillmere at login").isChecked());
+  loginItems.current = LoginItemStatus::notRegistered;
+  tabs().setCurrentIndex(1);
+  tabs().setCurrentIndex(0);
+  EXPECT_FALSE(box("Open Quillmere at login").isChecked());
+}
+
+TEST_F(SettingsWindowTest, FollowsTheModelWhileItIsOpen) {
+  model->setMenuBarEnabled(false);
+  EXPECT_FALSE(box("Show Quillmere in the system tray").isChecked());
+  shown->hide();
+  model->setMenuBarEnabled(true);
+  shown->show();
+  EXPECT_TRUE(box("Show Quillmere in the system tray").isChecked());
 }
 
 TEST_F(SettingsWindowTest, AnErrorIsShownOnceAfterWhatFailedIsOver) {

@@ -90,6 +90,10 @@ INSTANTIATE_TEST_SUITE_P(
                  "Every screenshot that your screenshot tool takes will be saved there from now on. You can change it "
                  "back in the tool’s settings, or here in Quillmere.",
                  "Save Screenshots Here", [] { return Confirmations::savingScreenshotsIn(QStringLiteral("Shots")); }},
+        Question{"Clear Inbox Records?",
+                 "Quillmere forgets every screenshot in the Inbox, with its description and deletion timer. The files "
+                 "stay where they are, and Temporary screenshots won’t be moved to Trash.",
+                 "Clear Records", [] { return Confirmations::clearingRecords(); }},
         Question{"Watch Your Whole Home Folder?", kWatching, "Watch This Folder",
                  [] { return Confirmations::watching(FileURL::fromPath("/tmp"), FileURL::fromPath("/tmp")); }},
         Question{"Watch the Computer’s Root Folder?", kWatching, "Watch This Folder",

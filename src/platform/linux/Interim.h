@@ -1,7 +1,6 @@
 #pragma once
 
 #include "model/HotKeys.h"
-#include "model/LoginItem.h"
 
 namespace quillmere::interim {
 
@@ -21,13 +20,6 @@ class HotKeys final : public HotKeyRegistering {
 
  private:
   KeyboardLayout layout_;
-};
-class LoginItem final : public LoginItemService {
- public:
-  LoginItemStatus status() const override { return LoginItemStatus::notFound; }
-  std::optional<QString> registerItem() override { return std::nullopt; }
-  std::optional<QString> unregisterItem() override { return std::nullopt; }
-  void openSystemSettings() override {}
 };
 
 }  // namespace quillmere::interim

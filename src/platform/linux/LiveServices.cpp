@@ -15,6 +15,7 @@
 #include "platform/linux/capture/ScreenCaptureAttributes.h"
 #include "platform/linux/files/CloudFiles.h"
 #include "platform/linux/files/LiveFileIdentity.h"
+#include "platform/linux/login/LiveLoginItem.h"
 
 namespace quillmere {
 namespace {
@@ -84,7 +85,8 @@ LiveServices::LiveServices(const ApplicationPaths& paths)
                                           }},
                     &systemNow),
       analyzer(executor, languageModel, &CloudFiles::isDataless),
-      monitor(executor, systemEvents, folderEvents, scanServices(), &systemNow) {}
+      monitor(executor, systemEvents, folderEvents, scanServices(), &systemNow),
+      loginItems(liveLoginItem(QDBusConnection::sessionBus(), defaults)) {}
 
 ScanServices LiveServices::scanServices() {
   ScanServices services;

@@ -70,7 +70,7 @@ class LiveServices {
   LiveScreenshotAnalyzer analyzer;
   ScreenshotInboxMonitor monitor;
   std::unique_ptr<HotKeyRegistering> hotKeys = std::make_unique<interim::HotKeys>();
-  std::unique_ptr<LoginItemService> loginItems = std::make_unique<interim::LoginItem>();
+  std::unique_ptr<LoginItemService> loginItems;
 
  private:
   ScanServices scanServices();

@@ -1,0 +1,20 @@
+#include "platform/linux/login/LiveLoginItem.h"
+
+#include <QtCore/QFile>
+
+#include "platform/linux/login/PortalLoginItem.h"
+#include "platform/linux/login/XdgLoginItem.h"
+
+namespace quillmere {
+
+bool isSandboxed() {
+  return QFile::exists(QStringLiteral("/.flatpak-info")) || !qEnvironmentVariableIsEmpty("container");
+}
+
+std::unique_ptr<LoginItemService> liveLoginItem(const QDBusConnection& bus, UserDefaults& defaults) {
+  LoginSettings settings(LoginSettings::World::live());
+  if (isSandboxed()) return std::make_unique<PortalLoginItem>(bus, defaults, std::move(settings));
+  return std::make_unique<XdgLoginItem>(AutostartPlaces::live(), ProgramPlaces::live(), std::move(settings));
+}
+
+}  // namespace quillmere

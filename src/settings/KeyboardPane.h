@@ -1,0 +1,28 @@
+#pragma once
+
+#include "settings/SettingsPane.h"
+
+namespace quillmere {
+
+class RestoreDefaultShortcutButton;
+class ShortcutRecorder;
+
+/// The review shortcut, and how far it reaches.
+class KeyboardPane final : public SettingsPane {
+ public:
+  KeyboardPane(AppModel& model, QWidget* parent);
+
+  bool shows(ModelField field) const override;
+  void refresh() override;
+
+ private:
+  ShortcutRecorder* recorder_ = nullptr;
+  RestoreDefaultShortcutButton* restore_ = nullptr;
+  SymbolNote* error_ = nullptr;
+  SymbolNote* controlOption_ = nullptr;
+  SymbolNote* chosenByDesktop_ = nullptr;
+  SymbolNote* reach_ = nullptr;
+  Connection hotKeys_;
+};
+
+}  // namespace quillmere

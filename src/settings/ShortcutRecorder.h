@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QtWidgets/QWidget>
+#include <optional>
+#include <set>
+
+#include "model/AppModel.h"
+#include "settings/ShortcutRecording.h"
+
+namespace quillmere {
+
+class ActionButton;
+class ShortcutField;
+class SymbolNote;
+
+/// The row that shows the review shortcut and records another. While it records, the window has the whole keyboard, so
+/// that keys reach it which the window manager would take, and no shortcut of ours is heard. Both end with the
+/// recording: also when the window loses the keyboard, is closed or minimised, or another page comes to its front. That
+/// the program is gone ends them too, since the display server takes back what a client had.
+class ShortcutRecorder final : public QWidget {
+ public:
+  ShortcutRecorder(AppModel& model, QWidget* parent);
+  ~ShortcutRecorder() override;
+
+  void refresh();
+  bool isRecording() const { return isRecording_; }
+  /// Without a change of the shortcut.
+  void stop();
+
+ protected:
+  bool event(QEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+  /// Of the application while it records: keys are read before any control of the window sees them.
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void toggle(quint32 heldKey);
+  void start(quint32 heldKey);
+  bool isOfWindow(const QObject& watched) const;
+  bool take(const QKeyEvent& event);
+  void release(quint32 scanCode);
+  bool apply(const RecordedKey& key);
+  void set(const std::optional<HotKeyShortcut>& shortcut);
+  void takeKeyboard(bool takes);
+  void announce(const QString& text) const;
+
+  AppModel& model_;
+  ShortcutField* field_;
+  ActionButton* clear_;
+  SymbolNote* message_;
+  bool isRecording_ = false;
+  // By scan code. A press of a key that is down is a repeat, which is not always marked.
+  std::set<quint32> downKeys_;
+  std::set<quint32> readKeys_;  ///< those of them that are nobody else's as long as they are held
+};
+
+}  // namespace quillmere

@@ -1,0 +1,34 @@
+#include "platform/linux/login/LiveLoginItem.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/linux/login/PortalLoginItem.h"
+#include "platform/linux/login/XdgLoginItem.h"
+#include "support/TemporaryFolder.h"
+
+namespace quillmere {
+namespace {
+
+class LiveLoginItemTest : public ::testing::Test {
+ protected:
+  ~LiveLoginItemTest() override { qunsetenv("container"); }
+  template <typename Kind>
+  bool isA() {
+    const auto item = liveLoginItem(QDBusConnection(QStringLiteral("none")), defaults);
+    return dynamic_cast<Kind*>(item.get());
+  }
+  testing::TemporaryFolder folder;
+  UserDefaults defaults{folder.file("settings.json").displayPath()};
+};
+
+TEST_F(LiveLoginItemTest, IsAnEntryOfTheSessionAndInASandboxThePortals) {
+  qunsetenv("container");
+  EXPECT_FALSE(isSandboxed());
+  EXPECT_TRUE(isA<XdgLoginItem>());
+  qputenv("container", "flatpak");
+  EXPECT_TRUE(isSandboxed());
+  EXPECT_TRUE(isA<PortalLoginItem>());
+}
+
+}  // namespace
+}  // namespace quillmere
