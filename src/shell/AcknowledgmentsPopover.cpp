@@ -31,7 +31,7 @@ ThemedLabel* wrapped(Ink ink, QWidget* parent, const QString& text) {
 }  // namespace
 
 AcknowledgmentsPopover::AcknowledgmentsPopover(const std::vector<LinkedLibrary>& libraries, QWidget* parent)
-    : CardDialog(localized("Acknowledgments"), parent), list_(new QScrollArea(this)) {
+    : CardDialog(localized("Acknowledgments"), parent) {
   auto* title = new ThemedLabel(Ink::text, this, localized("Acknowledgments"));
   title->setTextSize(1.2, QFont::DemiBold);
   setAccessibleRole(*title, QAccessible::Heading);
@@ -42,6 +42,7 @@ AcknowledgmentsPopover::AcknowledgmentsPopover(const std::vector<LinkedLibrary>&
   column->addWidget(wrapped(Ink::text, this,
                             localized("Quillmere is built only with Apple frameworks. It includes no third-party code "
                                       "or fonts.")));
+  list_ = new QScrollArea(this);  // after the texts above it, as they are read out
   list_->setWidgetResizable(true);
   list_->setFrameShape(QFrame::NoFrame);
   list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
