@@ -89,7 +89,9 @@ void AcknowledgmentsPopover::openBeside(const QWidget& control) {
   const int width =
       std::min(kLetters * metrics.averageCharWidth() + kMargins.left() + kMargins.right(), screen.width() + 2 * kReach);
   const int inside = width - kMargins.left() - kMargins.right();
-  const int wanted = list_->widget()->layout()->totalHeightForWidth(inside);
+  // Beside a scroll bar texts need more lines, for which then the bar would stay.
+  const int besideBar = inside - list_->verticalScrollBar()->sizeHint().width();
+  const int wanted = list_->widget()->layout()->totalHeightForWidth(besideBar);
   list_->setFixedHeight(kFewestLines * metrics.height());
   const int rest = layout()->totalHeightForWidth(width) - list_->height();
   list_->setFixedHeight(std::min(wanted, std::max(room - rest, kFewestLines * metrics.height())));
