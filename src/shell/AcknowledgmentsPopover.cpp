@@ -31,7 +31,7 @@ ThemedLabel* wrapped(Ink ink, QWidget* parent, const QString& text) {
 }  // namespace
 
 AcknowledgmentsPopover::AcknowledgmentsPopover(const std::vector<LinkedLibrary>& libraries, QWidget* parent)
-    : CardDialog(localized("Acknowledgments"), parent), list_(new QScrollArea(this)) {
+    : CardDialog(localized("Acknowledgments"), parent) {
   auto* title = new ThemedLabel(Ink::text, this, localized("Acknowledgments"));
   title->setTextSize(1.2, QFont::DemiBold);
   setAccessibleRole(*title, QAccessible::Heading);
@@ -42,6 +42,7 @@ AcknowledgmentsPopover::AcknowledgmentsPopover(const std::vector<LinkedLibrary>&
   column->addWidget(wrapped(Ink::text, this,
                             localized("Quillmere is built only with Apple frameworks. It includes no third-party code "
                                       "or fonts.")));
+  list_ = new QScrollArea(this);  // after the texts above it, as they are read out
   list_->setWidgetResizable(true);
   list_->setFrameShape(QFrame::NoFrame);
   list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -88,7 +89,9 @@ void AcknowledgmentsPopover::openBeside(const QWidget& control) {
   const int width =
       std::min(kLetters * metrics.averageCharWidth() + kMargins.left() + kMargins.right(), screen.width() + 2 * kReach);
   const int inside = width - kMargins.left() - kMargins.right();
-  const int wanted = list_->widget()->layout()->totalHeightForWidth(inside);
+  // Beside a scroll bar texts need more lines, for which then the bar would stay.
+  const int besideBar = inside - list_->verticalScrollBar()->sizeHint().width();
+  const int wanted = list_->widget()->layout()->totalHeightForWidth(besideBar);
   list_->setFixedHeight(kFewestLines * metrics.height());
   const int rest = layout()->totalHeightForWidth(width) - list_->height();
   list_->setFixedHeight(std::min(wanted, std::max(room - rest, kFewestLines * metrics.height())));

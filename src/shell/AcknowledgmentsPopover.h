@@ -24,7 +24,7 @@ class AcknowledgmentsPopover final : public CardDialog {
  private:
   QWidget* makeList(const std::vector<LinkedLibrary>& libraries);
 
-  QScrollArea* list_;
+  QScrollArea* list_ = nullptr;
 };
 
 }  // namespace quillmere

@@ -97,7 +97,8 @@ def decide(desktop):
 
 
 def journey(desktop):
-    desktop.forget_welcome()
+    # Nobody has started the program here yet.
+    os.remove(os.path.join(desktop.config_home, "Quillmere", "settings.json"))
     desktop.launch()
     read(desktop)
     walk(desktop)

@@ -9,6 +9,7 @@
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QScrollBar>
 
+#include "support/EventLoop.h"
 #include "support/Printing.h"
 
 namespace quillmere {
@@ -77,8 +78,8 @@ TEST_F(AcknowledgmentsPopoverTest, ItGoesWithEscape) {
 TEST_F(AcknowledgmentsPopoverTest, ItGoesWhenAnotherWindowIsUsed) {
   open(2);
   window.activateWindow();
-  EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
-  EXPECT_FALSE(popover->isVisible());
+  EXPECT_TRUE(testing::runLoopUntil([this] { return !popover->isVisible(); }));
+  EXPECT_TRUE(window.isVisible());
 }
 
 }  // namespace

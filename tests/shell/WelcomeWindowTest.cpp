@@ -73,6 +73,7 @@ TEST_F(WelcomeWindowTest, NobodyGivesItAnotherSize) {
   open();
   EXPECT_EQ(window->minimumSize(), window->maximumSize());
   for (const auto* label : window->findChildren<QLabel*>()) {
+    if (!label->isVisible()) continue;
     EXPECT_GE(label->height(), label->heightForWidth(label->width())) << label->text().toStdString();
   }
 }

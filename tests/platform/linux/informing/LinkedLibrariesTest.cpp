@@ -1,6 +1,7 @@
 #include "platform/linux/informing/LinkedLibraries.h"
 
 #include <gtest/gtest.h>
+#include <QtCore/QCoreApplication>
 #include <QtCore/QProcess>
 #include <QtCore/QRegularExpression>
 

@@ -67,7 +67,7 @@ class LiveHelpTest : public ::testing::Test {
     std::filesystem::create_directories(applications.path());
     writeFile(applications.appending("quillmere-test-browser.desktop"),
               "[Desktop Entry]\nType=Application\nName=Test Browser\nMimeType=text/html;\nExec=\"" + command.path() +
-                  "\" %u\n");
+                  "\" %f\n");
     writeFile(FileURL::fromPath(std::getenv("XDG_CONFIG_HOME")).appending("mimeapps.list"),
               "[Default Applications]\ntext/html=quillmere-test-browser.desktop;\n");
     std::filesystem::create_directories(folder.file("pages").path());
@@ -108,7 +108,7 @@ TEST_F(LiveHelpTest, OnADesktopTheProgramForPagesOpensIt) {
   start(Surroundings::desktop);
   open(HelpAnchor::troubleshooting);
   ASSERT_TRUE(isOpenedInBrowser());
-  EXPECT_EQ(readBytes(opened), page.coded());
+  EXPECT_EQ(readBytes(opened), page.path());
   EXPECT_TRUE(portal->opened.empty());
 }
 
