@@ -17,6 +17,7 @@
 #include "platform/linux/sharing/LiveFileManager.h"
 #include "platform/linux/sharing/LivePasteboard.h"
 #include "platform/linux/sharing/LiveSharing.h"
+#include "platform/linux/shortcuts/SessionHotKeys.h"
 #include "platform/linux/thumbnails/LiveSharedThumbnails.h"
 
 namespace quillmere {
@@ -65,7 +66,7 @@ class LiveServices {
   LiveLanguageModel languageModel;
   LiveScreenshotAnalyzer analyzer;
   ScreenshotInboxMonitor monitor;
-  std::unique_ptr<HotKeyRegistering> hotKeys = std::make_unique<interim::HotKeys>();
+  std::unique_ptr<HotKeyRegistering> hotKeys = sessionHotKeys(executor);
   std::unique_ptr<LoginItemService> loginItems = std::make_unique<interim::LoginItem>();
 
  private:
