@@ -30,6 +30,10 @@ void AppModel::observeHotKeys() {
       [this](HotKeyRegistering::Token token, const GlobalHotKeyError& error) {
         if (token == hotKeyToken_) hotKeyError.set(message(error));
       }));
+  // Whoever hears shortcuts now has not refused any yet.
+  observers_.push_back(dependencies_.hotKeys->changed.connect([this, reach = dependencies_.hotKeys->reach()]() mutable {
+    if (const HotKeyReach now = dependencies_.hotKeys->reach(); std::exchange(reach, now) != now) tryHotKeyAgain();
+  }));
 }
 
 void AppModel::tryHotKeyAgain() {

@@ -94,7 +94,10 @@ void ScreenshotLocationRow::update() {
   setVisible(!content.status.isEmpty());
   symbol_->setVisible(!content.symbol.isEmpty());
   symbol_->setSymbol(content.symbol);
-  text_->setText(content.watched.isEmpty() ? content.status : content.status + QLatin1Char('\n') + content.watched);
+  const QString text =
+      content.watched.isEmpty() ? content.status : content.status + QLatin1Char('\n') + content.watched;
+  text_->setText(breakable(text));
+  text_->setAccessibleName(text);
   hint_->setText(content.hint);
   hint_->setVisible(!content.hint.isEmpty());
   undo_->setVisible(content.offersUndo);

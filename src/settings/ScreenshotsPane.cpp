@@ -5,7 +5,6 @@
 #include <QtWidgets/QVBoxLayout>
 
 #include "controls/ActionButton.h"
-#include "controls/ElidedLines.h"
 #include "controls/PlainText.h"
 #include "foundation/Localized.h"
 #include "settings/ScreenshotLocationRow.h"
@@ -13,6 +12,8 @@
 
 namespace quillmere {
 namespace {
+
+constexpr int kWidestName = 240;
 
 QString symbolOf(WatcherStatus status) {
   switch (status) {
@@ -106,7 +107,9 @@ bool ScreenshotsPane::shows(ModelField field) const {
 void ScreenshotsPane::refresh() {
   const auto& folder = *model().watchFolderURL;
   const WatcherStatus status = *model().watcherStatus;
-  folderName_->setText(folder ? folder->displayName() : localized("Not selected"));
+  const QString name = folder ? folder->displayName() : localized("Not selected");
+  folderName_->setText(folderName_->fontMetrics().elidedText(name, Qt::ElideMiddle, kWidestName));
+  folderName_->setAccessibleName(name);
   setPlainToolTip(*folderName_, folder ? folder->displayPath() : QString());
   folderStatus_->show(symbolOf(status), status == WatcherStatus::watching ? Ink::secondary : Ink::warning,
                       statusText(status));

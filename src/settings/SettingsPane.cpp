@@ -56,7 +56,9 @@ SymbolNote* SettingsPane::addNote(QVBoxLayout* to) {
 void SettingsPane::addRow(QVBoxLayout* to, QWidget* name, std::initializer_list<QWidget*> controls) {
   auto* row = new QHBoxLayout;
   row->setSpacing(kBesideControls);
-  row->addWidget(name, 1);
+  // No wider than its text, which may be of another direction than the row.
+  row->addWidget(name);
+  row->addStretch();
   for (QWidget* control : controls) row->addWidget(control);
   to->addLayout(row);
 }

@@ -4,6 +4,7 @@
 #include <QtGui/QScreen>
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QStyle>
+#include <QtWidgets/QStyleOption>
 #include <QtWidgets/QTabBar>
 #include <QtWidgets/QTabWidget>
 #include <QtWidgets/QVBoxLayout>
@@ -23,6 +24,17 @@ constexpr int kWidth = 580;
 /// What the window manager puts around a window whose frame is not known yet.
 constexpr int kFrame = 40;
 const QString kLastPane = QStringLiteral("quillmere.settings-pane");
+
+/// What the tabs and their frame take of the height. They are laid out only once they are seen.
+int heightAround(const QTabWidget& tabs) {
+  constexpr int kAny = 1000;
+  QStyleOptionTabWidgetFrame option;
+  option.initFrom(&tabs);
+  option.tabBarSize = tabs.tabBar()->sizeHint();
+  option.shape = tabs.tabBar()->shape();
+  option.rect = QRect(0, 0, kAny, kAny);
+  return kAny - tabs.style()->subElementRect(QStyle::SE_TabWidgetTabContents, &option, &tabs).height();
+}
 
 }  // namespace
 
@@ -124,13 +136,21 @@ void SettingsWindow::makeRoom() {
   }
   int highest = 0;
   for (SettingsPane* pane : panes_) highest = std::max(highest, pane->layout()->totalHeightForWidth(width));
-  const QSize around(0, layout()->contentsMargins().top() + tabs_->tabBar()->sizeHint().height());
+  const QSize around(0, layout()->contentsMargins().top() + heightAround(*tabs_));
   QSize available = screen()->availableGeometry().size();
   available -= isVisible() && frameSize() != size() ? frameSize() - size() : QSize(0, kFrame);
   QSize needed = QSize(width, highest) + around;
   // Beside the bar that scrolls the texts keep their width.
   if (needed.height() > available.height()) needed += QSize(style()->pixelMetric(QStyle::PM_ScrollBarExtent), 0);
   setFixedSize(needed.boundedTo(available));
+  keepOnScreen();
+}
+
+/// A window that grew may reach beyond the lower edge.
+void SettingsWindow::keepOnScreen() {
+  const QRect available = screen()->availableGeometry();
+  const int beyond = frameGeometry().bottom() - available.bottom();
+  if (isVisible() && beyond > 0) move(pos() - QPoint(0, std::min(beyond, std::max(0, y() - available.top()))));
 }
 
 void SettingsWindow::showError() {

@@ -31,6 +31,7 @@ class SettingsWindow final : public QWidget {
   void refresh();
   void appear();
   void makeRoom();
+  void keepOnScreen();
   void showError();
 
   AppModel& model_;

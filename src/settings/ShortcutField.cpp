@@ -33,8 +33,11 @@ void ShortcutField::show(const Content& content) {
 }
 
 QSize ShortcutField::sizeHint() const {
-  const int text = QFontMetrics(scaled(font(), 1, QFont::DemiBold)).horizontalAdvance(this->text());
-  return {std::max(kWidth, text + 2 * Metrics::kPadding), Metrics::kControlHeight};
+  // As wide while it records as before.
+  const QFontMetrics metrics(scaled(font(), 1, QFont::DemiBold));
+  const int widest =
+      std::max(metrics.horizontalAdvance(text()), metrics.horizontalAdvance(localized("Type shortcut…")));
+  return {std::max(kWidth, widest + 2 * Metrics::kPadding), Metrics::kControlHeight};
 }
 
 void ShortcutField::keyPressEvent(QKeyEvent* event) {
@@ -50,6 +53,7 @@ void ShortcutField::paintEvent(QPaintEvent*) {
   paintField(painter, rect(), theme, isRecording_ || hasFocus());
   painter.setFont(isRecording_ ? font() : scaled(font(), 1, QFont::DemiBold));
   painter.setPen(isRecording_ ? theme.secondaryText : theme.text);
+  painter.setLayoutDirection(text().isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
   painter.drawText(rect(), Qt::AlignCenter, text());
 }
 

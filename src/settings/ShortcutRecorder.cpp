@@ -26,10 +26,14 @@ ShortcutRecorder::ShortcutRecorder(AppModel& model, QWidget* parent)
   QSizePolicy policy = clear_->sizePolicy();
   policy.setRetainSizeWhenHidden(true);
   clear_->setSizePolicy(policy);
-  connect(clear_, &QPushButton::clicked, this, [this] { set(std::nullopt); });
+  connect(clear_, &QPushButton::clicked, this, [this] {
+    stop();
+    set(std::nullopt);
+  });
   auto* row = new QHBoxLayout;
   row->setSpacing(8);
-  row->addWidget(new PlainLabel(localized("Review screenshot"), this), 1);
+  row->addWidget(new PlainLabel(localized("Review screenshot"), this));
+  row->addStretch();
   row->addWidget(field_);
   row->addWidget(clear_);
   auto* column = new QVBoxLayout(this);
@@ -63,9 +67,8 @@ void ShortcutRecorder::toggle(quint32 heldKey) {
 }
 
 void ShortcutRecorder::start(quint32 heldKey) {
-  isRecording_ = true;
-  downKeys_.clear();
-  readKeys_.clear();
+  giveBack();
+  isRecording_ = hasKeyboard_ = true;
   if (heldKey != 0) {
     downKeys_.insert(heldKey);
     readKeys_.insert(heldKey);
@@ -78,13 +81,25 @@ void ShortcutRecorder::start(quint32 heldKey) {
   refresh();
 }
 
-void ShortcutRecorder::stop() {
+void ShortcutRecorder::finish() {
   if (!std::exchange(isRecording_, false)) return;
+  message_->clear();
+  if (readKeys_.empty()) giveBack();
+  refresh();
+}
+
+void ShortcutRecorder::giveBack() {
+  downKeys_.clear();
+  readKeys_.clear();
+  if (!std::exchange(hasKeyboard_, false)) return;
   QCoreApplication::instance()->removeEventFilter(this);
   takeKeyboard(false);
-  message_->clear();
   model_.setHotKeysSuspended(false);
-  refresh();
+}
+
+void ShortcutRecorder::stop() {
+  finish();
+  giveBack();
 }
 
 void ShortcutRecorder::takeKeyboard(bool takes) {
@@ -93,7 +108,7 @@ void ShortcutRecorder::takeKeyboard(bool takes) {
 }
 
 void ShortcutRecorder::set(const std::optional<HotKeyShortcut>& shortcut) {
-  stop();
+  finish();
   model_.setHotKeyShortcut(shortcut);
   refresh();
   announce(shortcut ? localized("Shortcut set to %@", {shortcut->spelledOut(model_.hotKeys().layout())})
@@ -119,6 +134,7 @@ bool ShortcutRecorder::eventFilter(QObject* watched, QEvent* event) {
   if (!isOfWindow(*watched)) return false;
   switch (event->type()) {
     case QEvent::ShortcutOverride:
+      if (!isRecording_ && !readKeys_.contains(static_cast<QKeyEvent&>(*event).nativeScanCode())) return false;
       event->accept();
       return true;
     case QEvent::KeyPress:
@@ -141,31 +157,32 @@ bool ShortcutRecorder::eventFilter(QObject* watched, QEvent* event) {
 /// Whether nobody else is to see the key. Those that go on come here twice, for the window and for what has the focus
 /// in it; the second time they are repeats. A repeat goes where its key went: Space that is held presses no button.
 bool ShortcutRecorder::take(const QKeyEvent& event) {
+  const quint32 scanCode = event.nativeScanCode();
+  if (!isRecording_) return readKeys_.contains(scanCode);
   auto key = KeyDown::of(event, model_.hotKeys().layout());
   if (!key) return true;
-  const quint32 scanCode = event.nativeScanCode();
   if (!downKeys_.insert(scanCode).second) key->isRepeat = true;
-  if (key->isRepeat) return readKeys_.contains(scanCode);
-  const bool isRead = apply(RecordedKey::of(*key));
-  if (isRead) readKeys_.insert(scanCode);
-  return isRead;
+  const RecordedKey recorded = RecordedKey::of(*key);
+  if (recorded.kind == RecordedKey::Kind::ignore) return readKeys_.contains(scanCode);
+  if (recorded.kind != RecordedKey::Kind::pass) readKeys_.insert(scanCode);
+  return apply(recorded);
 }
 
 void ShortcutRecorder::release(quint32 scanCode) {
   downKeys_.erase(scanCode);
   readKeys_.erase(scanCode);
+  if (!isRecording_ && readKeys_.empty()) giveBack();
 }
 
 bool ShortcutRecorder::apply(const RecordedKey& key) {
   using Kind = RecordedKey::Kind;
-  if (key.kind == Kind::ignore) return false;
   message_->clear();
   switch (key.kind) {
     case Kind::ignore:
     case Kind::pass:
       return false;
     case Kind::cancel:
-      stop();
+      finish();
       announce(localized("Shortcut recording canceled"));
       return true;
     case Kind::clear:

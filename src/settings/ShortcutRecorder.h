@@ -15,8 +15,9 @@ class SymbolNote;
 
 /// The row that shows the review shortcut and records another. While it records, the window has the whole keyboard, so
 /// that keys reach it which the window manager would take, and no shortcut of ours is heard. Both end with the
-/// recording: also when the window loses the keyboard, is closed or minimised, or another page comes to its front. That
-/// the program is gone ends them too, since the display server takes back what a client had.
+/// recording, once the key that ended it is let go: what is held repeats, and would be taken for the shortcut itself.
+/// They end at once when the window loses the keyboard, is closed or minimised, or another page comes to its front.
+/// That the program is gone ends them too, since the display server takes back what a client had.
 class ShortcutRecorder final : public QWidget {
  public:
   ShortcutRecorder(AppModel& model, QWidget* parent);
@@ -24,7 +25,7 @@ class ShortcutRecorder final : public QWidget {
 
   void refresh();
   bool isRecording() const { return isRecording_; }
-  /// Without a change of the shortcut.
+  /// Without a change of the shortcut, and at once.
   void stop();
 
  protected:
@@ -36,6 +37,9 @@ class ShortcutRecorder final : public QWidget {
  private:
   void toggle(quint32 heldKey);
   void start(quint32 heldKey);
+  /// It is over, but for the keys that are still held.
+  void finish();
+  void giveBack();
   bool isOfWindow(const QObject& watched) const;
   bool take(const QKeyEvent& event);
   void release(quint32 scanCode);
@@ -49,6 +53,7 @@ class ShortcutRecorder final : public QWidget {
   ActionButton* clear_;
   SymbolNote* message_;
   bool isRecording_ = false;
+  bool hasKeyboard_ = false;  ///< from the start until all is given back
   // By scan code. A press of a key that is down is a repeat, which is not always marked.
   std::set<quint32> downKeys_;
   std::set<quint32> readKeys_;  ///< those of them that are nobody else's as long as they are held

@@ -4,6 +4,8 @@ and has its effect."""
 
 import json
 import os
+import re
+import subprocess
 
 import captures
 from fake_model_server import FakeModelServer
@@ -11,6 +13,7 @@ from harness import expect, hold_for, run_journey, wait_until
 from inbox import TITLE
 from steps import make_overdue, make_temporary, open_settings, quit_program, select_row, settled_record, trashed_files
 
+WATCHER = "org.kde.StatusNotifierWatcher"
 PANES = ("General", "Screenshots", "Popup", "Keyboard", "Intelligence")
 # By pane, with what stands in the settings file.
 FIRST = {
@@ -100,9 +103,8 @@ def type_into(desktop, name, role, text):
 
 def start_tray(desktop):
     """A desktop's tray, which tells the program that there is one."""
-    name = "org.kde.StatusNotifierWatcher"
-    path = "/StatusNotifierWatcher"
-    desktop.start(["/usr/bin/python3", "-m", "dbusmock", "--session", name, path, name])
+    name, path = WATCHER, "/StatusNotifierWatcher"
+    desktop.start(["/usr/bin/python3", "-m", "dbusmock", "--session", name, path, name], stdout=subprocess.DEVNULL)
     call = ["gdbus", "call", "--session", "--dest", name, "--object-path", path, "--method"]
     wait_until("the tray runs", lambda: desktop.run("gdbus", "introspect", "--session", "--dest", name, "--object-path", path))
     desktop.run(*call, "org.freedesktop.DBus.Mock.AddProperty", name, "IsStatusNotifierHostRegistered", "<true>", check=True)
@@ -110,9 +112,13 @@ def start_tray(desktop):
 
 
 def has_tray_icon(desktop):
-    names = desktop.run("gdbus", "call", "--session", "--dest", "org.freedesktop.DBus", "--object-path", "/", "--method",
-                        "org.freedesktop.DBus.ListNames")
-    return f"org.kde.StatusNotifierItem-{desktop.program.pid}-" in names
+    """Each icon has a connection of its own to the bus, under which the tray is told of it."""
+    told = desktop.run("gdbus", "call", "--session", "--dest", WATCHER, "--object-path", "/StatusNotifierWatcher",
+                       "--method", "org.freedesktop.DBus.Mock.GetMethodCalls", "RegisterStatusNotifierItem")
+    names = re.findall(r":1[.]\d+", told)
+    return bool(names) and "true" in desktop.run(
+        "gdbus", "call", "--session", "--dest", "org.freedesktop.DBus", "--object-path", "/", "--method",
+        "org.freedesktop.DBus.NameHasOwner", names[-1])
 
 
 def first_round(desktop, server):

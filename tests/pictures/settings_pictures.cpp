@@ -4,6 +4,7 @@
 //   [--texts FOLDER-OF-A-CATALOGUE] [--only NAME]
 
 #include <QtCore/QDir>
+#include <QtGui/QKeyEvent>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QPushButton>

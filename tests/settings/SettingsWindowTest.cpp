@@ -55,12 +55,28 @@ TEST_F(SettingsWindowTest, IsOneSizeInWhichEveryPaneHasRoomForItsTexts) {
     EXPECT_EQ(shown->size(), size);
     const auto* page = qobject_cast<QScrollArea*>(tabs().widget(i));
     EXPECT_EQ(page->horizontalScrollBar()->maximum(), 0);
+    EXPECT_EQ(page->verticalScrollBar()->maximum(), 0);
     for (auto* label : page->findChildren<QLabel*>()) {
       if (!label->isVisible() || label->text().isEmpty()) continue;
       const int needed = label->wordWrap() ? label->heightForWidth(label->width()) : label->sizeHint().height();
       EXPECT_GE(label->height(), needed) << label->text().toStdString();
     }
   }
+}
+
+TEST_F(SettingsWindowTest, AFolderOfALongNameMakesItNoWider) {
+  const int before = shown->width();
+  const FileURL folder = home.file(std::string(200, 'x'));
+  std::filesystem::create_directories(folder.path());
+  location.value = folder.displayPath();
+  model->adoptWatchFolder(folder, ErrorScope::settings);
+  model->refreshScreenshotLocation();
+  executor.drain();
+  location.value = shots.displayPath();
+  model->refreshScreenshotLocation();
+  executor.drain();
+  EXPECT_TRUE(find<QLabel>(folder.displayName()).toolTip().contains(folder.displayPath()));
+  EXPECT_EQ(shown->width(), before);
 }
 
 TEST_F(SettingsWindowTest, IsNoLargerThanTheScreenAndScrollsThere) {

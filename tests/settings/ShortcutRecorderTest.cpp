@@ -228,6 +228,27 @@ TEST_F(ShortcutRecorderTest, AHeldKeyIsReadOnceAndPressesNothing) {
   EXPECT_TRUE(recorder->isRecording());
 }
 
+TEST_F(ShortcutRecorderTest, TheKeyThatEndsItIsNobodysUntilItIsLetGo) {
+  start();
+  EXPECT_TRUE(press(53));
+  EXPECT_FALSE(recorder->isRecording());
+  EXPECT_TRUE(hotKeys.isSuspended) << "it may be that of the shortcut, and repeats";
+  EXPECT_TRUE(press(53)) << "which would close the window";
+  EXPECT_FALSE(type(15)) << "others are everybody's again";
+  release(53);
+  EXPECT_FALSE(hotKeys.isSuspended);
+  EXPECT_FALSE(type(53));
+
+  start();
+  press(15, Qt::MetaModifier | Qt::ControlModifier);
+  QEvent gone(QEvent::WindowDeactivate);
+  QCoreApplication::sendEvent(shown.get(), &gone);
+  EXPECT_FALSE(hotKeys.isSuspended) << "its release goes to another window";
+  release(15);
+  start();
+  EXPECT_TRUE(recorder->isRecording());
+}
+
 TEST_F(ShortcutRecorderTest, NothingIsAShortcutOfTheWindowMeanwhile) {
   start();
   QKeyEvent tried = keyEvent(QEvent::ShortcutOverride, 12, Qt::ControlModifier);

@@ -38,6 +38,11 @@ TESTED_ELSEWHERE = {
     "platform/linux/announcing/LiveAnnouncer": "Chooses a form by the reader that runs: journey.announcements has all "
                                                "of them.",
     "platform/linux/appearance/XSettingsAppearance": "Needs an X server with a settings manager: journey.appearance.",
+    "platform/linux/shortcuts/PortalShortcut": "What goes over the bus to a portal: "
+                                               "platform/linux/shortcuts/PortalHotKeysTest.",
+    "platform/linux/shortcuts/SessionHotKeys": "Chooses by the session that there is: journey.shortcut, and "
+                                               "journey.without_x11 where there is none.",
+    "platform/linux/shortcuts/X11Modifiers": "What it finds is what is grabbed: platform/linux/shortcuts/X11HotKeysTest.",
     "platform/linux/signs/BusCaptureSigns": "Needs a bus that can be listened to: journey.next_capture.",
     "platform/linux/signs/X11CaptureSigns": "Needs an X server with keys: journey.next_capture.",
     "platform/linux/panel/X11Display": "Needs an X server: journey.popup_on_window_managers.",

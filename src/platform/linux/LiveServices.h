@@ -6,7 +6,6 @@
 #include "foundation/UserDefaults.h"
 #include "model/AppModelDependencies.h"
 #include "monitor/ScreenshotInboxMonitor.h"
-#include "platform/linux/Interim.h"
 #include "platform/linux/announcing/LiveAnnouncer.h"
 #include "platform/linux/capture/LiveScreenshotLocationProvider.h"
 #include "platform/linux/capture/LiveScreenshotOptions.h"
@@ -19,6 +18,7 @@
 #include "platform/linux/sharing/LiveFileManager.h"
 #include "platform/linux/sharing/LivePasteboard.h"
 #include "platform/linux/sharing/LiveSharing.h"
+#include "platform/linux/shortcuts/SessionHotKeys.h"
 #include "platform/linux/thumbnails/LiveSharedThumbnails.h"
 
 namespace quillmere {
@@ -69,7 +69,7 @@ class LiveServices {
   LiveLanguageModel languageModel;
   LiveScreenshotAnalyzer analyzer;
   ScreenshotInboxMonitor monitor;
-  std::unique_ptr<HotKeyRegistering> hotKeys = std::make_unique<interim::HotKeys>();
+  std::unique_ptr<HotKeyRegistering> hotKeys = sessionHotKeys(executor);
   std::unique_ptr<LoginItemService> loginItems;
 
  private:
