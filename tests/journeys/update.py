@@ -32,13 +32,17 @@ class Host:
                                          stderr=subprocess.DEVNULL, text=True, encoding="utf-8")
         self._lines = queue.Queue()
         self.told = []
-        threading.Thread(target=lambda: [self._lines.put(line.rstrip("\n")) for line in self._process.stdout],
-                         daemon=True).start()
+        self._reader = threading.Thread(target=self._read, daemon=True)
+        self._reader.start()
         self.can_check = self._next() == "can check"
 
     @property
     def pid(self):
         return self._process.pid
+
+    def _read(self):
+        for line in self._process.stdout:
+            self._lines.put(line.rstrip("\n"))
 
     def _next(self):
         return self._lines.get(timeout=PATIENCE)
@@ -61,8 +65,18 @@ class Host:
             time.sleep(0.02)
         return shown
 
+    def dismiss(self):
+        """The answer that changes nothing; the window goes in a later turn."""
+        self.do("reject")
+        end = time.monotonic() + PATIENCE
+        while (shown := self.window()) != "none":
+            if time.monotonic() > end:
+                raise AssertionError(f"“{shown}” stays")
+            time.sleep(0.02)
+
     def wait_for_end(self):
         self._process.wait(PATIENCE)
+        self._reader.join()
         while not self._lines.empty():
             self.told.append(self._lines.get())
         return self._process.returncode
@@ -71,7 +85,9 @@ class Host:
         if self._process.poll() is None:
             self._process.kill()
         self._process.wait()
+        self._reader.join()
         self._process.stdin.close()
+        self._process.stdout.close()
 
 
 class Updates(unittest.TestCase):
@@ -181,8 +197,7 @@ class Updates(unittest.TestCase):
             host.wait_for(FOUND)
             host.do("accept")
         self.assertIn(words, host.wait_for(FAILED))
-        host.do("reject")
-        self.assertEqual(host.window(), "none")
+        host.dismiss()
         self.assertEqual(host.told, ["borrow", "repay"])
         self.assert_nothing_changed()
 
@@ -230,8 +245,7 @@ class Updates(unittest.TestCase):
             host = self.launch()
             host.do("check")
             host.wait_for(UP_TO_DATE)
-            host.do("reject")
-            self.assertEqual(host.window(), "none")
+            host.dismiss()
             self.assert_nothing_changed()
 
     def test_a_version_between_that_was_left_out(self):
@@ -298,9 +312,7 @@ class Updates(unittest.TestCase):
         host.wait_for(FOUND)
         host.do("accept")
         host.wait_for("Downloading Quillmere 0.2.0…")
-        host.do("reject")
-        while host.window() != "none":
-            time.sleep(0.02)
+        host.dismiss()
         self.assertEqual(host.told, ["borrow", "repay"])
         self.assert_nothing_changed()
 
@@ -309,9 +321,7 @@ class Updates(unittest.TestCase):
         host = self.launch()
         host.do("check")
         host.wait_for(FOUND)
-        host.do("reject")
-        while host.window() != "none":
-            time.sleep(0.02)
+        host.dismiss()
         self.assertEqual(self.requests_to("secure"), ["/files/feed"])
         self.assert_nothing_changed()
 
@@ -373,8 +383,7 @@ class Updates(unittest.TestCase):
     def test_an_installer_that_refuses(self):
         host, _ = self.launch_for_package(self.finished(2))
         self.assertIn("couldn’t be installed", host.wait_for(FAILED))
-        host.do("reject")
-        self.assertEqual(host.window(), "none")
+        host.dismiss()
         self.assertNotIn("quit", host.told)
 
     def test_an_installer_that_vanishes(self):

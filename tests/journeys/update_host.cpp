@@ -1,5 +1,5 @@
-// A program that has nothing but the updater: what it is told it prints, a line each, and lines that it reads are what a
-// person does. Its windows are the library's own.
+// A program that has nothing but the updater: what it is told it prints, a line each, and lines that it reads are what
+// a person does. Its windows are the library's own.
 
 #include <unistd.h>
 #include <QtCore/QSocketNotifier>

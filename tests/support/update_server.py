@@ -16,6 +16,7 @@ other      the authority's as well, but another server
     /long/NAME           the file, and more than was announced before
     /drip/NAME           announces the file and sends a byte now and then
     /silent              never answers
+    /refused             says no, on a page without end
 
 Each request is a line in "requests": port and path."""
 
@@ -77,6 +78,8 @@ class Handler(http.server.BaseHTTPRequestHandler):
             return self.redirect("/around")
         if kind == "silent":
             return self.wait()
+        if kind == "refused":
+            return self.refuse()
         content = self.content(name)
         if content is None:
             return self.send_error(404)
@@ -111,6 +114,16 @@ class Handler(http.server.BaseHTTPRequestHandler):
         self.send_header("Location", place)
         self.send_header("Content-Length", "0")
         self.end_headers()
+
+    def refuse(self):
+        self.send_response(403)
+        self.send_header("Connection", "close")
+        self.end_headers()
+        try:
+            while True:
+                self.wfile.write(bytes(65536))
+        except OSError:
+            pass
 
     def wait(self):
         try:

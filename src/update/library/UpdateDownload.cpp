@@ -79,14 +79,15 @@ class UpdateDownload::Live final : public Transfer {
     reply_.reset(reply);
     // What isn't taken stays with the server, so that a flood fills no memory.
     reply->setReadBufferSize(kReadAhead);
-    QObject::connect(reply, &QNetworkReply::readyRead, reply, [this] { takeAll(); });
+    // A page that comes with a refusal or a redirect isn't waited for.
+    QObject::connect(reply, &QNetworkReply::readyRead, reply, [this] { status() == kOk ? takeAll() : finish(); });
     QObject::connect(reply, &QNetworkReply::finished, reply, [this] { finish(); });
   }
 
   int status() const { return reply_->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(); }
 
   void takeAll() {
-    if (!reply_ || status() != kOk) return;
+    if (status() != kOk) return;
     const QByteArray bytes = reply_->readAll();
     received_ += bytes.size();
     receivedInPeriod_ += bytes.size();

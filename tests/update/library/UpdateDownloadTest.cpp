@@ -109,6 +109,7 @@ TEST_F(UpdateDownloadTest, MoreThanAnnouncedEndsIt) {
 
 TEST_F(UpdateDownloadTest, AServerThatSaysNoIsNotReached) {
   EXPECT_EQ(endOf(server->url("/files/none")), UpdateFailure::notReached);
+  EXPECT_EQ(endOf(server->url("/refused")), UpdateFailure::notReached);
   EXPECT_EQ(endOf(QUrl(QStringLiteral("https://localhost:1/"))), UpdateFailure::notReached);
 }
 
