@@ -21,6 +21,8 @@ TESTED_ELSEWHERE = {
     "model/AppModelFollowing": "Records follow files that come under new names, and their folder: "
                                "model/AppModelArrivalTest and model/AppModelWatchFolderTest.",
     "model/CloudDownloads": "Asks a sync client over D-Bus: platform/linux/files/CloudDownloadsTest, with a fake one.",
+    "update/entry/UpdateEntry": "The library's one function: update/UpdateLibraryTest loads the library, and "
+                                "journey.update has all that it does.",
     "popup/CardMotion": "How the panel comes and goes: popup/CaptureDecisionPanelTest.",
     "popup/CapturePromptPanelRecess": "A part of CapturePromptPanelController: popup/CapturePromptPanelControllerTest.",
     "popup/CapturePromptViewPicture": "A part of CapturePromptView: popup/CapturePromptViewTest.",
@@ -55,6 +57,7 @@ TESTED_ELSEWHERE = {
 # Files that share the header of a class whose work they are a part of.
 PARTS = {
     "main": "It has nothing to declare.",
+    "update/entry/UpdateEntry": "Its one function has the type that UpdateInterface.h declares.",
     "monitor/ScreenshotInboxMonitorApply": "ScreenshotInboxMonitor.h: what it does with what a look has found.",
     "editor/ImageEditorActions": "ImageEditor.h: what the buttons do.",
     "editor/CropCanvasPointer": "CropCanvas.h: what the pointer does.",
