@@ -10,7 +10,7 @@ from harness import expect, hold_for, run_journey, wait_until
 from speech import AccessibilityListener, SpeechDispatcher, set_screen_reader_enabled
 from steps import quit_program
 
-KEPT, READY = "Screenshot kept.", "Screenshot ready for a decision."
+KEPT, READY = "Screenshot kept.", "Screenshot ready for a decision. Press Ctrl+Shift+Super+B to review it."
 NOTHING = "No screenshots are waiting for a decision."
 IMPORTANT, MESSAGE = 1, 2
 POLITE, ASSERTIVE = 1, 2

@@ -28,7 +28,7 @@ def journey(desktop):
     orca = Orca(desktop, speech)
     shot = captures.save(desktop.folder)
     desktop.popup.wait_for(shot)
-    orca.says("notification Screenshot ready for a decision.")
+    orca.says("notification Screenshot ready for a decision. Press Ctrl+Shift+Super+B to review it.")
     desktop.popup.take_keyboard()
     orca.says("Screenshot Decision dialog.", "Temporary push button return.",
               "Moves this screenshot to Trash in 5 minutes.")
@@ -122,7 +122,7 @@ def in_another_window(desktop, orca):
     desktop.run("xsetroot", "-solid", "#3a6ea5", check=True)
     shot = captures.scrot_named(desktop)
     wait_until("the suggestion is there", lambda: desktop.popup.stem == "Paid invoice", 30)
-    orca.says("notification Screenshot ready for a decision.")
+    orca.says("notification Screenshot ready for a decision. Press Ctrl+Shift+Super+B to review it.")
     desktop.popup.take_keyboard()
     desktop.popup.tab_to("Extract Window")
     orca.is_silent()

@@ -6,11 +6,7 @@
 #include <cstring>
 
 #include "platform/linux/shortcuts/KeyCodes.h"
-
-// The protocol's header names a member "explicit".
-#define explicit explicit_
-#include <xcb/xkb.h>
-#undef explicit
+#include "platform/linux/shortcuts/KeyboardProtocol.h"
 
 namespace quillmere {
 namespace {

@@ -6,26 +6,34 @@
 namespace quillmere {
 namespace {
 
-/// As the person sets them, in the home of the tests.
-void set(const QString& schema, const QString& key, const QString& value) {
-  EXPECT_EQ(QProcess::execute(QStringLiteral("gsettings"), {QStringLiteral("set"), schema, key, value}), 0);
-}
+const QString kMedia = QStringLiteral("org.gnome.settings-daemon.plugins.media-keys");
+const QString kOwnCommand = QStringLiteral("/org/gnome/settings-daemon/plugins/media-keys/custom-keybindings/custom0/");
 
-/// In one test: a process reads its settings' file once and then waits to be told of changes.
+/// What a person has set, in the home of the tests. A process chooses the store and reads it once, at the first look at
+/// any settings, so that it is written before all tests.
+class PersonsKeys final : public ::testing::Environment {
+ public:
+  void SetUp() override {
+    qputenv("GSETTINGS_BACKEND", "keyfile");
+    set(QStringLiteral("org.gnome.desktop.wm.keybindings"), QStringLiteral("show-desktop"),
+        QStringLiteral("['<Primary><Shift><Super>g']"));
+    set(kMedia, QStringLiteral("custom-keybindings"), "['" + kOwnCommand + "', 'nonsense', '/double//slash/']");
+    set(kMedia + ".custom-keybinding:" + kOwnCommand, QStringLiteral("binding"), QStringLiteral("'<Primary><Alt>j'"));
+  }
+
+ private:
+  static void set(const QString& schema, const QString& key, const QString& value) {
+    EXPECT_EQ(QProcess::execute(QStringLiteral("gsettings"), {QStringLiteral("set"), schema, key, value}), 0);
+  }
+};
+const auto* const kPersonsKeys = ::testing::AddGlobalTestEnvironment(new PersonsKeys);
+
 TEST(GnomeShortcutsTest, StandardOnesPersonsOwnAndOwnCommandsAreRead) {
-  const QByteArray before = qgetenv("GSETTINGS_BACKEND");
-  qputenv("GSETTINGS_BACKEND", "keyfile");
-  const QString media = "org.gnome.settings-daemon.plugins.media-keys";
-  const QString path = "/org/gnome/settings-daemon/plugins/media-keys/custom-keybindings/custom0/";
-  set("org.gnome.desktop.wm.keybindings", "show-desktop", "['<Primary><Shift><Super>b']");
-  set(media, "custom-keybindings", "['" + path + "', 'nonsense', '/double//slash/']");
-  set(media + ".custom-keybinding:" + path, "binding", "'<Primary><Alt>r'");
   const QStringList shortcuts = gnomeShortcuts();
   EXPECT_TRUE(shortcuts.contains("<Alt>F4")) << "a standard one";
-  EXPECT_TRUE(shortcuts.contains("<Primary><Shift><Super>b"));
-  EXPECT_TRUE(shortcuts.contains("<Primary><Alt>r"));
+  EXPECT_TRUE(shortcuts.contains("<Primary><Shift><Super>g"));
+  EXPECT_TRUE(shortcuts.contains("<Primary><Alt>j"));
   EXPECT_FALSE(shortcuts.contains(""));
-  before.isEmpty() ? qunsetenv("GSETTINGS_BACKEND") : qputenv("GSETTINGS_BACKEND", before);
 }
 
 }  // namespace

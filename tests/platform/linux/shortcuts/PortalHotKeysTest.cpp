@@ -29,7 +29,7 @@ class PortalHotKeysTest : public ::testing::Test {
         keys->refusedLater.connect([this](quint32 id, qint32 status) { refused.emplace_back(id, status); }));
     observers.push_back(keys->changed.connect([this] { ++changes; }));
     observers.push_back(
-        keys->leftWithoutKeys.connect([this](HotKeySystem::Reference reference) { keyless.push_back(reference); }));
+        keys->leftWithoutKeys.connect([this](HotKeySystem::Reference which) { keyless.push_back(which); }));
   }
   ~PortalHotKeysTest() override {
     keys.reset();

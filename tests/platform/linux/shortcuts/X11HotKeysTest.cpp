@@ -40,10 +40,10 @@ class X11HotKeysTest : public ::testing::Test {
   /// What was heard up to now: a mark of our own comes after everything else.
   std::vector<quint32> heard() {
     constexpr quint32 kMark = 99;
-    const HotKeyShortcut mark{109, HotKeyShortcut::control | HotKeyShortcut::option};  // F10
+    const HotKeyShortcut mark{46, HotKeyShortcut::control | HotKeyShortcut::option};  // M
     const auto answer = add(mark, kMark);
     EXPECT_EQ(answer.status, hotKeyDone);
-    display.tap({KEY_LEFTCTRL, KEY_LEFTALT, KEY_F10});
+    display.tap({KEY_LEFTCTRL, KEY_LEFTALT, KEY_M});
     EXPECT_TRUE(runLoopUntil([&] { return !pressed.empty() && pressed.back() == kMark; }));
     keys->unregisterHotKey(answer.reference.value_or(0));
     pressed.pop_back();
@@ -112,15 +112,15 @@ TEST_F(X11HotKeysTest, WhatAnotherProgramHasIsRefusedAndNothingOfItKept) {
   const auto answer = add(HotKeyShortcut::standard(), 1);
   EXPECT_EQ(answer.status, hotKeyExists);
   EXPECT_EQ(answer.reference, std::nullopt);
-  EXPECT_TRUE(display.grab(KEY_B, kStandard | kLock)) << "the other combinations were given back";
+  EXPECT_TRUE(runLoopUntil([&] { return display.grab(KEY_B, kStandard | kLock); })) << "the others were given back";
   display.ungrab(KEY_B);
-  EXPECT_EQ(add(HotKeyShortcut::standard(), 1).status, hotKeyDone);
+  EXPECT_EQ(add(HotKeyShortcut::standard(), 1).status, hotKeyDone) << "it is free again";
 }
 
 TEST_F(X11HotKeysTest, OneTakenCombinationIsEnoughToBeRefused) {
   ASSERT_TRUE(display.grab(KEY_B, kStandard | kNumLock | kLock));
   EXPECT_EQ(add(HotKeyShortcut::standard(), 1).status, hotKeyExists);
-  EXPECT_TRUE(display.grab(KEY_B, kStandard));
+  EXPECT_TRUE(runLoopUntil([&] { return display.grab(KEY_B, kStandard); }));
 }
 
 TEST_F(X11HotKeysTest, WhatIsRegisteredNobodyElseGetsUntilItIsGivenBack) {
@@ -130,12 +130,12 @@ TEST_F(X11HotKeysTest, WhatIsRegisteredNobodyElseGetsUntilItIsGivenBack) {
   }
   EXPECT_TRUE(display.isFree(KEY_B, kControl | kAlt));
   keys->unregisterHotKey(*answer.reference);
-  EXPECT_TRUE(display.isFree(KEY_B, kStandard));
+  EXPECT_TRUE(runLoopUntil([&] { return display.isFree(KEY_B, kStandard); }));
   pressStandard();
   EXPECT_THAT(heard(), IsEmpty());
   keys->unregisterHotKey(*answer.reference);
   keys.reset();
-  EXPECT_TRUE(display.isFree(KEY_F10, kControl | kAlt)) << "the server takes back what is left";
+  EXPECT_TRUE(runLoopUntil([&] { return display.isFree(KEY_M, kControl | kAlt); })) << "the server takes it back";
 }
 
 TEST_F(X11HotKeysTest, KeysThatThisKeyboardLacksAreInvalid) {
@@ -161,7 +161,7 @@ TEST_F(X11HotKeysTest, ModifiersThatMoveAreFollowed) {
   ASSERT_EQ(add(HotKeyShortcut::standard(), 1).status, hotKeyDone);
   display.run("xmodmap", {"-e", "clear mod4", "-e", "clear mod3", "-e", "add mod3 = Super_L Super_R"});
   EXPECT_TRUE(runLoopUntil([&] { return display.isFree(KEY_B, kStandard); }));
-  EXPECT_FALSE(display.isFree(KEY_B, kShift | kControl | XCB_MOD_MASK_3));
+  EXPECT_TRUE(runLoopUntil([&] { return !display.isFree(KEY_B, kShift | kControl | XCB_MOD_MASK_3); }));
   pressStandard();
   EXPECT_THAT(heard(), ElementsAre(1u));
   EXPECT_TRUE(refused.empty());
