@@ -52,7 +52,7 @@ std::optional<UpdateConfiguration> UpdateConfiguration::read(const QByteArray& j
   for (const QJsonValue value : std::as_const(values)) {
     if (!value.isString()) return std::nullopt;
   }
-  const auto take = [&](const char* key) { return values.take(QLatin1String(key)).toString(); };
+  const auto take = [&](const char* name) { return values.take(QLatin1String(name)).toString(); };
   const QString feed = take("url"), key = take("key"), authority = take("authority"), form = take("form");
   // A word that is misspelt must not be overlooked.
   if (!values.isEmpty() || authority.contains(QLatin1Char('/'))) return std::nullopt;
