@@ -130,6 +130,7 @@ class Desktop:
         runtime = os.path.join(self.scratch, "runtime")
         for path in (self.data_home, self.config_home, self.folder):
             os.makedirs(path)
+        self.write_settings({})
         os.mkdir(runtime, 0o700)
         self.errors = open(os.path.join(self.scratch, "errors.txt"), "w+", encoding="utf-8", errors="replace")
         self.environment = {
@@ -307,13 +308,14 @@ class Desktop:
         """The folder is chosen before the program starts, and what else is set."""
         bookmark = json.dumps({"path": folder or self.folder}).encode()
         self.write_settings({"quillmere.staging-folder-bookmark": base64.b64encode(bookmark).decode(),
-                             "quillmere.welcome-seen": True, **(settings or {})})
+                             **(settings or {})})
 
     def write_settings(self, settings):
+        """The welcome is over, unless they say otherwise."""
         directory = os.path.join(self.config_home, "Quillmere")
         os.makedirs(directory, exist_ok=True)
         with open(os.path.join(directory, "settings.json"), "w", encoding="utf-8") as file:
-            json.dump(settings, file)
+            json.dump({"quillmere.welcome-seen": True, **settings}, file)
 
     def save_setting(self, group, key, value):
         """A setting of another program."""

@@ -17,6 +17,7 @@ ENTRY = "share/applications/com.quillmere.app.desktop"
 SERVICE = "share/dbus-1/services/com.quillmere.app.service"
 SIZES = (16, 22, 24, 32, 48, 64, 128, 256)
 FILES = {"bin/quillmere", ENTRY, SERVICE, f"{ICONS}/scalable/apps/com.quillmere.app.svg",
+         f"{ICONS}/symbolic/apps/com.quillmere.app-symbolic.svg",
          *(f"{ICONS}/{size}x{size}/apps/com.quillmere.app.png" for size in SIZES)}
 
 
