@@ -230,7 +230,7 @@ def shut_down(desktop):
     desktop.launch("--autostart")
     shots = three_waiting(desktop)
     wait_until("what is read in a screenshot is saved soon, and until then the machine would wait",
-               lambda: calls_of(desktop, "Inhibit"), 30)
+               lambda: calls_of(desktop, "Inhibit"), 90)
     for arguments in calls_of(desktop, "Inhibit"):
         expect(f"it asks for a delay: {arguments}", (arguments[0], arguments[1], arguments[3]) ==
                ("shutdown", "Quillmere", "delay"))

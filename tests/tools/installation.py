@@ -87,7 +87,8 @@ class Installation(unittest.TestCase):
         self.assertIn(f"{ICONS}/scalable/apps/{entry['Icon']}.svg", self.files())
 
     def test_the_actions_of_the_launcher_entry_are_options_of_the_program(self):
-        for action, options in ("inbox", ["--show", "inbox"]), ("review", ["--review"]):
+        windows = [(window, ["--show", window]) for window in ("inbox", "settings", "about", "welcome")]
+        for action, options in [*windows, ("review", ["--review"])]:
             command = keys(self.place(ENTRY), "Desktop Action " + action)["Exec"].split()
             self.assertEqual(command, [f"{PREFIX}/bin/quillmere", *options])
             self.assertEqual(self.run_tool(self.place("bin/quillmere"), *options, "--help").returncode, 0)
