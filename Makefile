@@ -56,6 +56,7 @@ bench:
 	$(BUILD) quillmere benchmarks/all measure-text
 	@for bench in build/*_bench; do echo "== $$bench"; $$bench || exit 1; done
 	tests/journeys/latency.py
+	benchmarks/login_bench.py
 
 fuzz:
 	cmake --preset fuzz

@@ -23,9 +23,12 @@ Task<std::optional<QString>> AppModel::recognizedText(const UUID& id) {
 
 /// Newest first, as they stand in the list.
 void AppModel::startMissingAnalysis() {
+  // What has been read lacks its description alone, and waits for a model: each start would else ask in vain for
+  // thousands.
+  const bool canDescribe = !*intelligenceUnavailability;
   std::vector<UUID> ids;
   items_.forEach([&](const ScreenshotItem& item) {
-    if (AnalysisPipeline::needsAnalysis(item)) ids.push_back(item.id);
+    if (AnalysisPipeline::needsAnalysis(item) && (canDescribe || !item.recognizedText)) ids.push_back(item.id);
   });
   analysis_.start(ids);
 }

@@ -1,7 +1,12 @@
-"""The desktop's tray, as its panel plays it on the session bus: it is told of icons, and shows their menus."""
+"""The desktop's tray, as its panel plays it: on the session bus, where it is told of icons and shows their menus, or on
+the X server, where it embeds their windows."""
 
 import threading
 
+import Xlib.display
+import Xlib.error
+import Xlib.protocol.event
+import Xlib.X
 from gi.repository import Gio, GLib
 
 import accessibility
@@ -25,7 +30,8 @@ class FakeTray:
     """Answers from a thread of its own, since whoever registers may wait for that; one that hangs answers nobody."""
 
     def __init__(self, desktop, hangs=False):
-        self._bus, self._address, self._hangs, self.items = desktop.bus, desktop.environment["DBUS_SESSION_BUS_ADDRESS"], hangs, []
+        self._bus, self._address = desktop.bus, desktop.environment["DBUS_SESSION_BUS_ADDRESS"]
+        self._hangs, self.items = hangs, []
         self._context = GLib.MainContext.new()
         self._loop = GLib.MainLoop.new(self._context, False)
         self._thread = threading.Thread(target=self._serve, daemon=True)
@@ -74,3 +80,46 @@ class FakeTray:
     @property
     def menu(self):
         return Menu(self._bus, self.wait_for_icon(), self._of_item("Menu"))
+
+
+class EmbeddingTray:
+    """A panel that takes icons as windows of the X server into its own."""
+
+    def __init__(self, desktop):
+        self._display = Xlib.display.Display(desktop.environment["DISPLAY"])
+        screen = self._display.screen()
+        self._window = screen.root.create_window(0, 0, 32, 32, 0, screen.root_depth, override_redirect=True,
+                                                 event_mask=Xlib.X.StructureNotifyMask)
+        self._window.map()
+        selection = self._display.intern_atom("_NET_SYSTEM_TRAY_S0")
+        self._window.set_selection_owner(selection, Xlib.X.CurrentTime)
+        announcement = Xlib.protocol.event.ClientMessage(
+            window=screen.root, client_type=self._display.intern_atom("MANAGER"),
+            data=(32, [Xlib.X.CurrentTime, selection, self._window.id, 0, 0]))
+        screen.root.send_event(announcement, event_mask=Xlib.X.StructureNotifyMask)
+        self._display.sync()
+
+    def wait_for_icon(self):
+        """Takes it in and gives the middle of it. One may ask, go, and ask again with another window."""
+        wait_until("the icon is in its place", self._has_taken_one)
+        return 16, 16
+
+    def _has_taken_one(self):
+        _REQUEST_DOCK = 0
+        opcode = self._display.intern_atom("_NET_SYSTEM_TRAY_OPCODE")
+        while self._display.pending_events():
+            event = self._display.next_event()
+            is_ours = event.type == Xlib.X.ClientMessage and event.client_type == opcode
+            if is_ours and event.data[1][1] == _REQUEST_DOCK:
+                icon = self._display.create_resource_object("window", event.data[1][2])
+                ignored = Xlib.error.CatchError(Xlib.error.BadWindow)
+                icon.reparent(self._window, 0, 0, onerror=ignored)
+                icon.configure(width=32, height=32, onerror=ignored)
+                icon.map(onerror=ignored)
+                self._display.sync()
+        return bool(self._window.query_tree().children)
+
+    def stop(self):
+        self._window.destroy()
+        self._display.sync()
+        self._display.close()

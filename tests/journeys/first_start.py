@@ -9,7 +9,6 @@ from steps import choose_folder_in_dialog
 
 
 def journey(desktop):
-    desktop.write_settings({"quillmere.welcome-seen": True})
     desktop.launch()
     desktop.wait_for("Choose Your Screenshot Folder", "label", "Quillmere")
     choose_folder_in_dialog(desktop, desktop.folder)

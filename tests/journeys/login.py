@@ -7,12 +7,13 @@ import os
 import signal
 import subprocess
 import sys
+import time
 
 from gi.repository import GLib
 
 import accessibility
 import captures
-from fake_tray import FakeTray
+from fake_tray import EmbeddingTray, FakeTray
 from harness import expect, hold_for, run_side_by_side, wait_until
 
 QUESTION = "Quit Quillmere?"
@@ -55,7 +56,6 @@ def silent(desktop):
 
 
 def without_folder(desktop):
-    desktop.write_settings({"quillmere.welcome-seen": True})
     desktop.launch("--autostart")
     desktop.wait_for("Choose Your Screenshot Folder", "label", "Quillmere")
 
@@ -84,6 +84,26 @@ def tray_comes_late(desktop):
     desktop.popup.wait_for(shot)
     desktop.popup.press("Keep")
     desktop.popup.wait_gone()
+
+
+def opens_by_click(desktop):
+    """The icon may have been placed just now, and not hear the first one."""
+    if not own_windows(desktop):
+        desktop.run("xdotool", "click", "1", check=True)
+        time.sleep(0.5)
+    return desktop.active_title() == "Quillmere"
+
+
+def tray_that_embeds(desktop):
+    desktop.choose_folder()
+    desktop.launch("--autostart")
+    for _ in range(2):
+        tray = EmbeddingTray(desktop)
+        desktop.move_pointer(tray.wait_for_icon())
+        wait_until("a click opens the Inbox", lambda: opens_by_click(desktop))
+        desktop.key("ctrl+w")
+        wait_until("the Inbox is closed", lambda: not own_windows(desktop))
+        tray.stop()
 
 
 # --- The end ---
@@ -210,7 +230,7 @@ def shut_down(desktop):
     desktop.launch("--autostart")
     shots = three_waiting(desktop)
     wait_until("what is read in a screenshot is saved soon, and until then the machine would wait",
-               lambda: calls_of(desktop, "Inhibit"), 30)
+               lambda: calls_of(desktop, "Inhibit"), 90)
     for arguments in calls_of(desktop, "Inhibit"):
         expect(f"it asks for a delay: {arguments}", (arguments[0], arguments[1], arguments[3]) ==
                ("shutdown", "Quillmere", "delay"))
@@ -232,5 +252,6 @@ def is_let_go(end):
 
 
 run_side_by_side("login", {"silent": silent, "without-folder": without_folder, "tray-comes-late": tray_comes_late,
+                           "tray-that-embeds": tray_that_embeds,
                            "quit-from-the-tray": quit_from_the_tray, "logout": logout, "terminated": terminated,
                            "shut-down": shut_down})

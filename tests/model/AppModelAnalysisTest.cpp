@@ -135,6 +135,19 @@ TEST_F(AppModelAnalysis, AModelThatWasAwayAtTheStartIsNoticedWhenItComes) {
   EXPECT_EQ(*model->intelligenceUnavailability, std::nullopt);
 }
 
+TEST_F(AppModelAnalysis, WhatLacksItsDescriptionAloneWaitsForAModel) {
+  ScreenshotItem read = storedItem(1, "read.png");
+  read.recognizedText = "Invoice";
+  const ScreenshotItem unread = storedItem(2, "unread.png");
+  storeRecords({unread, read});
+  analyzer.unavailability = Unavailability::deviceNotEligible;
+  launch();
+  EXPECT_THAT(*model->analyzingIDs, UnorderedElementsAre(unread.id)) << "nobody would describe the other one";
+  analyzer.unavailability.reset();
+  becomeActive();
+  EXPECT_THAT(*model->analyzingIDs, UnorderedElementsAre(unread.id, read.id));
+}
+
 TEST_F(AppModelAnalysis, WithTheSettingOffNobodyLooksForAModel) {
   model->setAnalyzeScreenshots(false);
   const int looks = analyzer.availabilityLooks;

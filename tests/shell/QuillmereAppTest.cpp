@@ -159,8 +159,15 @@ TEST_F(QuillmereAppTest, AStartWithTheSessionKeepsTheWelcomeForLater) {
   EXPECT_THAT(opened, IsEmpty());
   EXPECT_FALSE(app->windows().isAnyShown());
   EXPECT_FALSE(*model->settings().hasSeenWelcome);
+  start(false);
+  EXPECT_THAT(opened, ElementsAre(AppWindow::welcome)) << "now the person opened it";
+}
+
+TEST_F(QuillmereAppTest, AStartWithTheSessionWithoutAFolderIsNoSilentOne) {
+  isWelcomeDue = true;
   start(true, false);
-  EXPECT_THAT(opened, ElementsAre(AppWindow::welcome)) << "without a folder it is no silent one";
+  EXPECT_TRUE(isInboxShown());
+  EXPECT_THAT(opened, ElementsAre(AppWindow::welcome));
 }
 
 TEST_F(QuillmereAppTest, WhatItIsStartedForIsInFrontOfTheWelcome) {

@@ -20,6 +20,7 @@ SERVICE = "share/dbus-1/services/com.quillmere.app.service"
 SIZES = (16, 22, 24, 32, 48, 64, 128, 256)
 HELP = "share/quillmere/help"
 FILES = {"bin/quillmere", ENTRY, SERVICE, f"{ICONS}/scalable/apps/com.quillmere.app.svg",
+         f"{ICONS}/symbolic/apps/com.quillmere.app-symbolic.svg",
          *(f"{ICONS}/{size}x{size}/apps/com.quillmere.app.png" for size in SIZES),
          *(f"{HELP}/{page.name}" for page in help_pages.PAGES), f"{HELP}/{help_pages.STYLE.name}",
          *(f"{HELP}/pictures/{picture}" for picture in help_pages.shown_pictures())}
@@ -91,7 +92,8 @@ class Installation(unittest.TestCase):
         self.assertIn(f"{ICONS}/scalable/apps/{entry['Icon']}.svg", self.files())
 
     def test_the_actions_of_the_launcher_entry_are_options_of_the_program(self):
-        for action, options in ("inbox", ["--show", "inbox"]), ("review", ["--review"]):
+        windows = [(window, ["--show", window]) for window in ("inbox", "settings", "about", "welcome")]
+        for action, options in [*windows, ("review", ["--review"])]:
             command = keys(self.place(ENTRY), "Desktop Action " + action)["Exec"].split()
             self.assertEqual(command, [f"{PREFIX}/bin/quillmere", *options])
             self.assertEqual(self.run_tool(self.place("bin/quillmere"), *options, "--help").returncode, 0)

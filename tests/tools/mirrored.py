@@ -47,6 +47,7 @@ TESTED_ELSEWHERE = {
     "platform/linux/shortcuts/X11Modifiers": "What it finds is what is grabbed: platform/linux/shortcuts/X11HotKeysTest.",
     "platform/linux/signs/BusCaptureSigns": "Needs a bus that can be listened to: journey.next_capture.",
     "platform/linux/signs/X11CaptureSigns": "Needs an X server with keys: journey.next_capture.",
+    "platform/linux/tray/X11Tray": "Needs an X server: journey.login.tray-that-embeds.",
     "platform/linux/panel/X11Display": "Needs an X server: journey.popup_on_window_managers.",
     "platform/linux/panel/X11FullScreenCompanion": "Needs a window manager: journey.popup_on_window_managers.",
     "platform/linux/panel/X11Keyboard": "Needs an X server: journey.keys.",

@@ -12,6 +12,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "platform/linux/ListeningSockets.h"
+
 namespace quillmere {
 namespace {
 
@@ -46,16 +48,29 @@ std::string contents(const char* table) {
   return text.str();
 }
 
+/// Of what listens on the port at one of the addresses.
+std::vector<uid_t> ownersAt(int family, const std::vector<std::string>& addresses, uint16_t port) {
+  const auto sockets = listeningSockets(family, port);
+  if (!sockets) {
+    return listenersIn(contents(family == AF_INET6 ? "/proc/net/tcp6" : "/proc/net/tcp"), addresses, port);
+  }
+  std::vector<uid_t> owners;
+  for (const ListeningSocket& socket : *sockets) {
+    const bool isHere = std::find(addresses.begin(), addresses.end(), socket.address) != addresses.end();
+    if (isHere && std::find(owners.begin(), owners.end(), socket.owner) == owners.end()) owners.push_back(socket.owner);
+  }
+  return owners;
+}
+
 std::vector<uid_t> ownersOf(const LocalServerAddress::Tcp& tcp) {
   const std::string anyVersion6(32, '0');
-  const std::string table6 = contents("/proc/net/tcp6");
   if (tcp.host.protocol() == QAbstractSocket::IPv6Protocol) {
-    return listenersIn(table6, {hexOfVersion6(tcp.host), anyVersion6}, tcp.port);
+    return ownersAt(AF_INET6, {hexOfVersion6(tcp.host), anyVersion6}, tcp.port);
   }
   const std::string own = hexOfVersion4(tcp.host);
-  auto owners = listenersIn(contents("/proc/net/tcp"), {own, "00000000"}, tcp.port);
+  auto owners = ownersAt(AF_INET, {own, "00000000"}, tcp.port);
   // What listens at all addresses of version 6 mostly does so at those of version 4.
-  for (const uid_t owner : listenersIn(table6, {anyVersion6, "0000000000000000FFFF0000" + own}, tcp.port)) {
+  for (const uid_t owner : ownersAt(AF_INET6, {anyVersion6, "0000000000000000FFFF0000" + own}, tcp.port)) {
     owners.push_back(owner);
   }
   return owners;
