@@ -42,13 +42,15 @@ def toggle(desktop, name):
     return desktop.wait_for(name, "check box", "Settings")
 
 
+def shown_pane(desktop):
+    return next(pane for pane in PANES if desktop.wait_for(pane, "page tab", "Settings").is_selected)
+
+
 def show_pane(desktop, pane):
     """By the keyboard: Ctrl+Tab goes round."""
-    for _ in PANES:
-        if desktop.wait_for(pane, "page tab", "Settings").is_selected:
-            return
+    while (before := shown_pane(desktop)) != pane:
         desktop.key("ctrl+Tab")
-    wait_until(f"the pane {pane}", lambda: desktop.find(pane, "page tab", "Settings").is_selected)
+        wait_until("Ctrl+Tab turns to another pane", lambda before=before: shown_pane(desktop) != before)
 
 
 def focus(desktop, control):
@@ -132,7 +134,8 @@ def first_round(desktop, server):
     desktop.click(desktop.wait_for("General", "page tab", "Settings"))
     desktop.wait_for("When it’s hidden, open Quillmere from your desktop’s list of apps to see the Inbox and Settings.",
                      "label", "Settings")
-    naming = lambda: desktop.wait_for("New screenshots keep", "combo box", "Settings")  # noqa: E731
+    naming = lambda: desktop.wait_for(re.compile("filename$"), "combo box", "Settings")  # noqa: E731
+    expect("its name stands beside it", naming().labels == ["New screenshots keep"])
     focus(desktop, naming)
     desktop.key("Down")
     wait_until("the naming is written", lambda: stored(desktop, "quillmere.popup-naming") == "suggested")
