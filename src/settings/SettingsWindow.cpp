@@ -121,7 +121,7 @@ void SettingsWindow::refresh() {
 /// As large as the pane that needs the most: texts that wrap tell no layout above them how high they become.
 void SettingsWindow::makeRoom() {
   ensurePolished();
-  int width = kWidth;
+  int width = std::max(kWidth, tabs_->tabBar()->sizeHint().width());
   for (SettingsPane* pane : panes_) {
     pane->layout()->activate();
     width = std::max(width, pane->layout()->totalMinimumSize().width());
