@@ -57,7 +57,9 @@ void GeneralPane::makeNaming() {
   connect(naming_, &QComboBox::activated, this, [this](int index) {
     model().setScreenshotNaming(index == 1 ? ScreenshotNaming::suggested : ScreenshotNaming::original);
   });
-  addRow(group, new PlainLabel(localized("New screenshots keep"), this), {naming_});
+  auto* name = new PlainLabel(localized("New screenshots keep"), this);
+  name->setBuddy(naming_);  // a choice's own name is what is chosen
+  addRow(group, name, {naming_});
   namingFooter_ = addFooter(group);
 }
 

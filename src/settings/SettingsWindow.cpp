@@ -2,7 +2,6 @@
 
 #include <QtGui/QKeyEvent>
 #include <QtGui/QScreen>
-#include <QtWidgets/QScrollArea>
 #include <QtWidgets/QStyle>
 #include <QtWidgets/QStyleOption>
 #include <QtWidgets/QTabBar>
@@ -14,6 +13,7 @@
 #include "settings/GeneralPane.h"
 #include "settings/IntelligencePane.h"
 #include "settings/KeyboardPane.h"
+#include "settings/PanePage.h"
 #include "settings/PopupPane.h"
 #include "settings/ScreenshotsPane.h"
 
@@ -59,15 +59,7 @@ SettingsWindow::SettingsWindow(AppModel& model, SettingsServices services)
 }
 
 void SettingsWindow::addPane(const char* key, SettingsPane* pane, const QString& title) {
-  auto* page = new QScrollArea(tabs_);
-  page->setFrameShape(QFrame::NoFrame);
-  page->setWidgetResizable(true);
-  page->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  page->setFocusPolicy(Qt::NoFocus);
-  page->setWidget(pane);
-  // The ground is the window's.
-  page->viewport()->setAutoFillBackground(false);
-  pane->setAutoFillBackground(false);
+  auto* page = new PanePage(pane, tabs_);
   tabs_->addTab(page, title);
   panes_.push_back(pane);
   keys_.push_back(QLatin1String(key));
@@ -129,7 +121,7 @@ void SettingsWindow::refresh() {
 /// As large as the pane that needs the most: texts that wrap tell no layout above them how high they become.
 void SettingsWindow::makeRoom() {
   ensurePolished();
-  int width = kWidth;
+  int width = std::max(kWidth, tabs_->tabBar()->sizeHint().width());
   for (SettingsPane* pane : panes_) {
     pane->layout()->activate();
     width = std::max(width, pane->layout()->totalMinimumSize().width());

@@ -83,10 +83,11 @@ TEST_F(SettingsWindowTest, IsNoLargerThanTheScreenAndScrollsThere) {
   const QSize available = shown->screen()->availableGeometry().size();
   QFont large = QApplication::font();
   const QFont before = large;
-  large.setPointSize(30);
+  large.setPointSize(20);
   QApplication::setFont(large);
   open();
   EXPECT_LE(shown->height(), available.height());
+  EXPECT_GE(shown->width(), tabs().tabBar()->sizeHint().width()) << "every pane has its tab in sight";
   int scrolling = 0;
   for (auto* page : shown->findChildren<QScrollArea*>()) {
     tabs().setCurrentWidget(page);

@@ -29,6 +29,7 @@ TESTED_ELSEWHERE = {
     "editor/CropCanvasPointer": "A part of CropCanvas: editor/CropCanvasTest.",
     "editor/CropCanvasScene": "A part of CropCanvas: editor/CropCanvasTest and editor/CropSceneTest.",
     "settings/SettingsPane": "What every pane is made of: settings/GeneralPaneTest and the tests of the other panes.",
+    "settings/PanePage": "The pages of the window: settings/SettingsWindowTest.",
     "settings/SymbolNote": "The lines of the panes: settings/LoginItemStatusRowTest and settings/KeyboardPaneTest.",
     "settings/ShortcutField": "The field of the recorder: settings/ShortcutRecorderTest.",
     "settings/RestoreDefaultShortcutButton": "The button beside the recorder: settings/KeyboardPaneTest.",
