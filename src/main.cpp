@@ -14,6 +14,7 @@
 #include "shell/Platform.h"
 #include "shell/QuillmereApp.h"
 #include "shell/WelcomeWindow.h"
+#include "update/UpdateLibrary.h"
 
 using namespace quillmere;
 
@@ -106,8 +107,14 @@ int main(int argc, char** argv) {
                                .openHelp = platform->help()},
         platform->tray());
   };
+  ActivationPolicyLoan updateLoan(quillmere.windows());
+  UpdateLibrary updater(updates, *inboxServices.defaults,
+                        {.borrowActivation = [&] { updateLoan.borrow(); },
+                         .repayActivation = [&] { updateLoan.repay(); },
+                         .quit = [&] { quillmere.quit(); }});
   app = &quillmere;
   quillmere.didFinishLaunching({.isLoginLaunch = asked.isLoginLaunch, .action = asked.action});
+  updater.load(UpdateConfiguration::ofProgram(FileURL::fromPath(QApplication::applicationFilePath())));
   const int status = QApplication::exec();
   quillmere.willTerminate();
   app = nullptr;
