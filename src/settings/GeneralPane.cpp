@@ -19,6 +19,7 @@ GeneralPane::GeneralPane(AppModel& model, const SettingsServices& services, QWid
   makeNaming();
   makeClearing();
   column().addStretch();
+  if (services_.tray) tray_ = services_.tray->changed.connect([this] { refreshTray(); });
   if (services_.updates) updates_ = services_.updates->changed.connect([this] { refreshUpdates(); });
 }
 
@@ -35,8 +36,7 @@ void GeneralPane::makeLogin() {
   rows->addWidget(loginStatus_);
   menuBar_ = addToggle(rows, localized("Show Quillmere in the menu bar"),
                        [this](bool isOn) { model().setMenuBarEnabled(isOn); });
-  menuBarFooter_ = addFooter(
-      rows, localized("When it’s hidden, open Quillmere from the Applications folder to see the Inbox and Settings."));
+  menuBarFooter_ = addFooter(rows);
 }
 
 void GeneralPane::makeUpdates() {
@@ -82,8 +82,7 @@ bool GeneralPane::shows(ModelField field) const {
 
 void GeneralPane::refresh() {
   refreshLogin();
-  menuBar_->setChecked(*model().settings().menuBarEnabled);
-  menuBarFooter_->setVisible(!*model().settings().menuBarEnabled);
+  refreshTray();
   refreshUpdates();
   refreshNaming();
 }
@@ -93,6 +92,20 @@ void GeneralPane::refreshLogin() {
   login_->setChecked(content.isOn);
   login_->setEnabled(content.canBeTurned);
   loginStatus_->show(content);
+}
+
+/// Whoever has no icon to click is told how to come back.
+void GeneralPane::refreshTray() {
+  const bool isEnabled = *model().settings().menuBarEnabled;
+  const bool isShownNowhere = services_.tray && !services_.tray->isThere();
+  menuBar_->setChecked(isEnabled);
+  menuBarFooter_->setVisible(isShownNowhere || !isEnabled);
+  menuBarFooter_->setText(
+      isShownNowhere
+          ? localized(
+                "This desktop shows no tray icons. Quillmere goes on watching when its windows are closed. To come "
+                "back to it, open it again from your launcher.")
+          : localized("When it’s hidden, open Quillmere from the Applications folder to see the Inbox and Settings."));
 }
 
 void GeneralPane::refreshUpdates() {

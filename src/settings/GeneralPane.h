@@ -24,6 +24,7 @@ class GeneralPane final : public SettingsPane {
   void makeNaming();
   void makeClearing();
   void refreshLogin();
+  void refreshTray();
   void refreshUpdates();
   void refreshNaming();
 
@@ -36,6 +37,7 @@ class GeneralPane final : public SettingsPane {
   QComboBox* naming_ = nullptr;
   QLabel* namingFooter_ = nullptr;
   Connection updates_;
+  Connection tray_;
 };
 
 }  // namespace quillmere

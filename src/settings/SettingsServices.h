@@ -4,6 +4,7 @@
 
 #include "controls/HelpAnchor.h"
 #include "foundation/UserDefaults.h"
+#include "settings/DesktopTray.h"
 #include "update/SoftwareUpdateModel.h"
 
 namespace quillmere {
@@ -15,6 +16,7 @@ struct SettingsServices {
   /// Opens the settings of the desktop's capture tool; none where there is nothing to open.
   std::function<void()> openScreenshotOptions = nullptr;
   SoftwareUpdateModel* updates = nullptr;  ///< none where nothing is ever updated
+  DesktopTray* tray = nullptr;             ///< none where nobody asks
   /// Asks whether every screenshot is to be saved in the folder of this name.
   std::function<bool(const QString& folder)> confirmSavingHere = nullptr;
   /// Asks whether every record is to be forgotten.

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "model/AppModel.h"
-#include "shell/DesktopTray.h"
+#include "settings/DesktopTray.h"
 #include "update/SoftwareUpdateModel.h"
 
 class QMenu;

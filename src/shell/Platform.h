@@ -10,7 +10,7 @@
 #include "popup/CapturePromptPanelController.h"
 #include "shell/AboutInformation.h"
 #include "shell/DesktopFileDialogs.h"
-#include "shell/DesktopTray.h"
+#include "settings/DesktopTray.h"
 
 namespace quillmere {
 

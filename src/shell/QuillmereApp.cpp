@@ -174,6 +174,7 @@ std::unique_ptr<QWidget> QuillmereApp::makeSettings() {
   services.openHelp = services_.inbox.openHelp;
   services.openScreenshotOptions = services_.openScreenshotOptions;
   services.updates = &services_.updates;
+  services.tray = &services_.tray;
   services.confirmSavingHere = &Confirmations::savingScreenshotsIn;
   services.confirmClearingRecords = &Confirmations::clearingRecords;
   return std::make_unique<SettingsWindow>(model_, std::move(services));

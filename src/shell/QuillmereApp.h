@@ -9,7 +9,7 @@
 #include "model/AppModel.h"
 #include "shell/ApplicationWindows.h"
 #include "shell/Confirmations.h"
-#include "shell/DesktopTray.h"
+#include "settings/DesktopTray.h"
 #include "shell/MenuBarExtra.h"
 #include "update/SoftwareUpdateModel.h"
 

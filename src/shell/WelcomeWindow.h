@@ -4,7 +4,7 @@
 
 #include "controls/HelpAnchor.h"
 #include "foundation/Signal.h"
-#include "shell/DesktopTray.h"
+#include "settings/DesktopTray.h"
 #include "shell/SmallWindow.h"
 
 namespace quillmere {

@@ -2,6 +2,7 @@
 
 #include <QtWidgets/QComboBox>
 
+#include "fakes/FakeTray.h"
 #include "settings/SettingsFixture.h"
 
 namespace quillmere {
@@ -36,6 +37,23 @@ class GeneralPaneTest : public testing::SettingsFixture {
   int questions = 0;
   bool confirms = true;
 };
+
+TEST_F(GeneralPaneTest, WithoutATrayItSaysHowToComeBackWhateverIsChosen) {
+  constexpr auto kNoTray =
+      "This desktop shows no tray icons. Quillmere goes on watching when its windows are closed. To come back to it, "
+      "open "
+      "it again from your launcher.";
+  testing::FakeTray tray;
+  services.tray = &tray;
+  show();
+  EXPECT_TRUE(says(kNoTray));
+  model->setMenuBarEnabled(false);
+  EXPECT_TRUE(says(kNoTray));
+  EXPECT_FALSE(says(kHidden));
+  tray.set(true);
+  EXPECT_FALSE(says(kNoTray));
+  EXPECT_TRUE(says(kHidden));
+}
 
 TEST_F(GeneralPaneTest, EachStatusHasItsToggleAndItsRow) {
   constexpr auto kWaiting =

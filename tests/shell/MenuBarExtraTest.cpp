@@ -5,7 +5,7 @@
 #include <QtWidgets/QMenu>
 
 #include "fakes/ModelFixture.h"
-#include "shell/FakeTray.h"
+#include "fakes/FakeTray.h"
 
 namespace quillmere {
 namespace {

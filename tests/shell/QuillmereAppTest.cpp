@@ -9,7 +9,7 @@
 #include "fakes/ModelFixture.h"
 #include "inbox/InboxWindow.h"
 #include "settings/SettingsWindow.h"
-#include "shell/FakeTray.h"
+#include "fakes/FakeTray.h"
 
 namespace quillmere {
 namespace {

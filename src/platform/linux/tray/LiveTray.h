@@ -4,7 +4,7 @@
 
 #include "platform/linux/common/BusService.h"
 #include "platform/linux/tray/X11Tray.h"
-#include "shell/DesktopTray.h"
+#include "settings/DesktopTray.h"
 
 namespace quillmere {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/DesktopTray.h"
+#include "settings/DesktopTray.h"
 
 namespace quillmere::testing {
 
