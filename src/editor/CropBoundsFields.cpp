@@ -105,9 +105,8 @@ void CropBoundsFields::commit(PixelField::Commit how) {
 }
 
 bool CropBoundsFields::takeTyped() {
-  const bool isKnown = !problem_.isEmpty();
   commit(PixelField::Commit::byLeaving);
-  return isKnown || problem_.isEmpty();
+  return problem_.isEmpty();
 }
 
 /// From bounds that are valid no step leads out of the picture.

@@ -23,7 +23,7 @@ class CropBoundsFields final : public QWidget {
 
   /// A selection that has become another one elsewhere takes the place of what was typed.
   void show(const CropSelection& selection);
-  /// Takes what is typed; answers whether it could be, or was told before to be no bounds.
+  /// Takes what is typed; answers whether it could be.
   bool takeTyped();
   /// What is wrong with what is typed; empty where nothing is.
   const QString& problem() const { return problem_; }

@@ -102,6 +102,9 @@ std::optional<QString> FileReplacement::putInPlace(const UUID& id, const FileURL
     reason = description(OperationError::unreadable);
   } else if (outcome != FileOutcome::done) {
     reason = trashed.reason;
+  } else if (trashed.place && isAnother(*trashed.place, readFrom)) {
+    takeBack(id, original, *trashed.place);
+    reason = description(OperationError::unreadable);
   } else if (QString refusal; files.move(temporary, original, refusal) != FileOutcome::done) {
     if (trashed.place) takeBack(id, original, *trashed.place);
     reason = refusal;
@@ -110,6 +113,13 @@ std::optional<QString> FileReplacement::putInPlace(const UUID& id, const FileURL
   files.flush();
   journal_.save(begun);
   return reason;
+}
+
+/// Another program may have put a file of its own there after the last look at it. Where a disk tells no file from
+/// another, that look has to do.
+bool FileReplacement::isAnother(const FileURL& placeInTrash, const FileStamp& readFrom) const {
+  const FileStamp trashed = fileStamp(placeInTrash, dependencies_.fileIdentity);
+  return trashed.identity && readFrom.identity && trashed != readFrom;
 }
 
 /// Under a numbered name where another file has taken its own in that moment; the record goes with it.

@@ -48,6 +48,7 @@ class FileReplacement {
   static Task<> sweep(Executor& executor, std::set<FileURL> folders, std::vector<Replacement> awaited);
   std::optional<QString> putInPlace(const UUID& id, const FileURL& original, const FileURL& temporary,
                                     const FileStamp& readFrom);
+  bool isAnother(const FileURL& placeInTrash, const FileStamp& readFrom) const;
   void takeBack(const UUID& id, const FileURL& original, const FileURL& placeInTrash);
   bool finish(const Replacement& one);
 

@@ -25,10 +25,21 @@ def _told(desktop):
     return os.path.join(desktop.scratch, "display.txt")
 
 
+def _write(desktop, name, text):
+    path = os.path.join(desktop.environment["XDG_CONFIG_HOME"], name)
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    with open(path, "a", encoding="utf-8") as file:
+        file.write(text)
+
+
+# No key repeats: on a busy machine the moment between its press and its release may be longer than a finger's.
+
+
 def _sway(desktop):
     configuration = os.path.join(desktop.scratch, "sway.conf")
     with open(configuration, "w", encoding="utf-8") as file:
         file.write(f"output HEADLESS-1 resolution {_SIZE[0]}x{_SIZE[1]}\nxwayland enable\n"
+                   "input type:keyboard repeat_rate 0\n"
                    f"bar {{\n position bottom\n height {_BAR}\n}}\n"
                    # It starts the X server with the first program that asks.
                    f"exec echo $DISPLAY > {_told(desktop)}.new && mv {_told(desktop)}.new {_told(desktop)}\n")
@@ -37,6 +48,7 @@ def _sway(desktop):
 
 
 def _kwin(desktop):
+    _write(desktop, "kcminputrc", "[Keyboard]\nKeyRepeat=nothing\n")
     # Its file has a capability that sandboxes refuse; a copy has none.
     program = os.path.join(desktop.scratch, "kwin_wayland")
     shutil.copyfile(shutil.which("kwin_wayland"), program)
@@ -47,6 +59,7 @@ def _kwin(desktop):
 
 
 def _mutter(desktop):
+    _write(desktop, "glib-2.0/settings/keyfile", "[org/gnome/desktop/peripherals/keyboard]\nrepeat=false\n")
     return ["mutter", "--headless", "--wayland", "--virtual-monitor", "{}x{}".format(*_SIZE)], \
         {"LIBGL_ALWAYS_SOFTWARE": "1"}
 

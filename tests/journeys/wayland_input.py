@@ -9,6 +9,7 @@ import time
 from gi.repository import GLib
 
 import accessibility
+from harness import wait_until
 from wayland_wire import Wire, fixed, string
 
 _KEYS = dict(zip("1234567890-=", range(2, 14))) | dict(zip("qwertyuiop[]", range(16, 28))) | \
@@ -133,6 +134,10 @@ class MutterInput(Input):
 
     def __init__(self, desktop):
         self._bus = desktop.bus
+        # mutter takes its names one after the other, some of them after its screens and sockets are there.
+        wait_until("mutter can be controlled", lambda: accessibility.call(
+            self._bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner",
+            GLib.Variant("(s)", (self._NAME,)))[0])
         self._session = accessibility.call(self._bus, self._NAME, "/org/gnome/Mutter/RemoteDesktop", self._NAME,
                                            "CreateSession", None)[0]
         self._call("Start", None)
@@ -145,7 +150,8 @@ class MutterInput(Input):
 
     def move(self, place):
         # Without a picture of the screen there are no places, but the corner is always reached.
-        for x, y in ((-10000, -10000), place):
+        # The last step is one within the window, as above.
+        for x, y in ((-10000, -10000), (place[0] - 1, place[1]), (1, 0)):
             self._call("NotifyPointerMotionRelative", GLib.Variant("(dd)", (x, y)))
 
     def _set_button(self, is_down):

@@ -113,6 +113,23 @@ TEST_F(FileReplacementTest, AFileThatWasWrittenMeanwhileStays) {
   EXPECT_EQ(files.trashCalls, 0);
 }
 
+TEST_F(FileReplacementTest, AFileThatCameAfterTheLastLookIsTakenBackOutOfTrash) {
+  files.onTrash = [&] {
+    std::filesystem::rename(original.path(), home.file("moved away.png").path());
+    writeFile(original, "a newcomer");
+  };
+  EXPECT_EQ(replace(), ImageOperations::description(ImageOperations::OperationError::unreadable));
+  EXPECT_EQ(readBytes(original), "a newcomer");
+  EXPECT_THAT(namesIn(shots), ElementsAre("shot.png")) << "the crop is gone again";
+  EXPECT_THAT(records.replaced, IsEmpty());
+}
+
+TEST_F(FileReplacementTest, WhereTheDiskTellsNoFilesApartTheLastLookHasToDo) {
+  world.fileIdentity = [](const FileURL&) { return std::nullopt; };
+  EXPECT_EQ(replace(), std::nullopt);
+  EXPECT_THAT(records.replaced, ElementsAre(uuid(1)));
+}
+
 TEST_F(FileReplacementTest, ARefusedOriginalStaysAndTheSystemSaysWhy) {
   files.refuse(original);
   EXPECT_EQ(replace(), files.failureReason);
