@@ -20,8 +20,8 @@ std::optional<FileURL> copyAside(const FileURL& source, const FileURL& folder, c
 
 /// Writes a small file in one piece: beside it as "<name>.saving", flushed, renamed over it, the folder flushed. After
 /// a crash or a power cut the old or the new bytes stand there whole. A file that is a symbolic link stays one, and one
-/// that is there keeps its permissions; a new one is its owner's alone. Folders are made where they are missing. What went
-/// wrong stands in errno.
+/// that is there keeps its permissions; a new one is its owner's alone. Folders are made where they are missing. What
+/// went wrong stands in errno.
 bool replaceFile(const FileURL& file, std::string_view bytes);
 /// Removes what a replacement that was cut off has left beside the file.
 void removeUnfinished(const FileURL& file);

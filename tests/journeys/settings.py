@@ -11,7 +11,8 @@ import captures
 from fake_model_server import FakeModelServer
 from harness import expect, hold_for, run_journey, wait_until
 from inbox import TITLE
-from steps import make_overdue, make_temporary, open_settings, quit_program, select_row, settled_record, trashed_files
+from inbox_steps import choose_in_context_menu
+from steps import make_overdue, make_temporary, open_settings, quit_program, settled_record, trashed_files
 
 WATCHER = "org.kde.StatusNotifierWatcher"
 PANES = ("General", "Screenshots", "Popup", "Keyboard", "Intelligence")
@@ -177,8 +178,11 @@ def effects_of_first(desktop, server):
     settled_record(desktop, other)
     desktop.action("inbox")
     wait_until("the Inbox is in front", lambda: desktop.active_title() == TITLE)
-    select_row(desktop, other)
-    offers_to_delete_immediately(desktop)
+    choose_in_context_menu(desktop, other, "Delete Immediately…")
+    wait_until("it asks", lambda: desktop.find("Delete Screenshot?"))
+    desktop.key("Escape")
+    wait_until("Escape cancels", lambda: not desktop.find("Delete Screenshot?"))
+    expect("it stays", os.path.exists(other))
 
     passing = captures.save(desktop.folder)
     make_temporary(desktop, passing)
@@ -187,19 +191,6 @@ def effects_of_first(desktop, server):
     desktop.launch("--autostart")
     wait_until("its time is up", lambda: not os.path.exists(passing), 20)
     expect("it is deleted", not trashed_files(desktop))
-
-
-def offers_to_delete_immediately(desktop):
-    """By the arrows through the row's menu, which is in no window's tree."""
-    focus_of = desktop.program.tree.focus()
-    desktop.key("shift+F10")
-
-    def is_there():
-        desktop.key("Up")
-        return focus_of.name == "Delete Immediately…"
-
-    wait_until("the row's menu has it", is_there)
-    desktop.key("Escape")
 
 
 def second_round(desktop):
