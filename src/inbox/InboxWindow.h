@@ -33,15 +33,15 @@ class InboxWindow final : public QWidget {
   std::function<void()> onClosed;
   /// What the menus have of the program beyond this window; without one of them that item does nothing.
   struct ProgramActions {
-    std::function<void()> openSettings;
-    std::function<void()> openAbout;
-    std::function<void()> openWelcome;
-    std::function<void()> checkForUpdates;
-    std::function<bool()> canCheckForUpdates;
-    std::function<void()> openHelp;
-    std::function<void()> openSupport;
-    std::function<void()> writeToSupport;
-    std::function<void()> quit;
+    std::function<void()> openSettings = nullptr;
+    std::function<void()> openAbout = nullptr;
+    std::function<void()> openWelcome = nullptr;
+    std::function<void()> checkForUpdates = nullptr;
+    std::function<bool()> canCheckForUpdates = nullptr;
+    std::function<void()> openHelp = nullptr;
+    std::function<void()> openSupport = nullptr;
+    std::function<void()> writeToSupport = nullptr;
+    std::function<void()> quit = nullptr;
   };
   void setProgram(ProgramActions program);
   /// The menus say anew what can be done.
