@@ -12,7 +12,7 @@ TITLE = "Welcome to Quillmere"
 INBOX = "Quillmere"
 # Name and role of what is read, in the order of a screen reader. No tray runs on this desktop, and which capture tool is
 # installed decides whether there is one more button.
-OPTIONS = ("Open Screenshot Options", "push button")
+OPTIONS = ("Open Screenshot Tool", "push button")
 READ = [
     (TITLE, "heading"),
     ("Quillmere watches the folder where your desktop saves screenshots.", "label"),

@@ -134,12 +134,12 @@ TEST_F(WelcomeWindowTest, ItsHelpIsTheFirstPage) {
 
 TEST_F(WelcomeWindowTest, OptionsAreOfferedWhereThereAreAny) {
   open();
-  EXPECT_EQ(button("Open Screenshot Options")->toolTip(),
+  EXPECT_EQ(button("Open Screenshot Tool")->toolTip(),
             QStringLiteral("Open your screenshot tool, whose options hold what it shows after a capture"));
-  QTest::mouseClick(button("Open Screenshot Options"), Qt::LeftButton);
+  QTest::mouseClick(button("Open Screenshot Tool"), Qt::LeftButton);
   EXPECT_EQ(optionsOpened, 1);
   open(false);
-  EXPECT_FALSE(button("Open Screenshot Options"));
+  EXPECT_FALSE(button("Open Screenshot Tool"));
 }
 
 TEST_F(WelcomeWindowTest, WithoutATrayItSaysHowToComeBack) {
@@ -166,7 +166,7 @@ TEST_F(WelcomeWindowTest, TheKeyboardGoesFromTopToBottom) {
     QTest::keyClick(window->focusWidget(), Qt::Key_Tab);
     order.append(qobject_cast<QPushButton*>(window->focusWidget())->text());
   }
-  EXPECT_EQ(order, QStringList({QStringLiteral("Open Screenshot Options"), QStringLiteral("Not Now"),
+  EXPECT_EQ(order, QStringList({QStringLiteral("Open Screenshot Tool"), QStringLiteral("Not Now"),
                                 QStringLiteral("Quillmere Help"), QStringLiteral("Choose Screenshot Folder…")}));
 }
 
