@@ -11,8 +11,10 @@
 #include "shell/Confirmations.h"
 #include "shell/Endpoints.h"
 #include "shell/FilePanels.h"
+#include "shell/FolderChoice.h"
 #include "shell/Platform.h"
 #include "shell/QuillmereApp.h"
+#include "shell/UpdateServices.h"
 #include "shell/WelcomeWindow.h"
 #include "update/UpdateLibrary.h"
 
@@ -25,6 +27,10 @@ int main(int argc, char** argv) {
   const auto& asked = std::get<CommandLine::Start>(request);
   const auto start = startPlatform();
   QApplication application(argc, argv);
+  if (asked.isForRunning) {
+    start->askRunning(asked.action);
+    return 0;
+  }
   QApplication::setApplicationName(QStringLiteral("Quillmere"));
   QApplication::setApplicationVersion(QStringLiteral(QUILLMERE_VERSION));
   QGuiApplication::setDesktopFileName(QStringLiteral("com.quillmere.app"));
@@ -77,20 +83,14 @@ int main(int argc, char** argv) {
   };
   dependencies.confirmWatching = confirmWatching;
   AppModel model(std::move(dependencies));
-  // Tells whether there is one now, also when it is the same as before.
-  const auto chooseFolder = [&] {
-    const auto folder = filePanels.chooseFolder(model.folderPanelStart({}));
-    if (!folder || !confirmWatching(*folder)) return false;
-    model.adoptWatchFolder(*folder, ErrorScope::inbox);
-    return true;
-  };
+  const auto chooseFolder = [&] { return chooseFolderToWatch(model, filePanels, confirmWatching); };
   platform->follow(model);
 
   InboxServices inboxServices = platform->inboxServices();
   inboxServices.thumbnails = &thumbnails;
   SoftwareUpdateModel updates;
-  QuillmereApp quillmere(
-      model, {inboxServices, platform->systemEvents(), updates, platform->tray(), platform->openScreenshotOptions()});
+  QuillmereApp quillmere(model, {inboxServices, platform->systemEvents(), updates, platform->tray(),
+                                 [&platform] { return platform->openScreenshotOptions(); }});
   quillmere.makers[AppWindow::about] = [&platform] {
     return std::make_unique<AboutWindow>(
         AboutInformation{.version = QApplication::applicationVersion(),
@@ -108,10 +108,7 @@ int main(int argc, char** argv) {
         platform->tray());
   };
   ActivationPolicyLoan updateLoan(quillmere.windows());
-  UpdateLibrary updater(updates, *inboxServices.defaults,
-                        {.borrowActivation = [&] { updateLoan.borrow(); },
-                         .repayActivation = [&] { updateLoan.repay(); },
-                         .quit = [&] { quillmere.quit(); }});
+  UpdateLibrary updater(updates, *inboxServices.defaults, updateServices(updateLoan, [&] { return quillmere.quit(); }));
   app = &quillmere;
   quillmere.didFinishLaunching({.isLoginLaunch = asked.isLoginLaunch, .action = asked.action});
   updater.load(UpdateConfiguration::ofProgram(FileURL::fromPath(QApplication::applicationFilePath())));

@@ -47,9 +47,12 @@ void AppModel::setHotKeysSuspended(bool isSuspended) {
   if (const auto error = dependencies_.hotKeys->setSuspended(isSuspended)) hotKeyError.set(message(*error));
 }
 
+/// Keys that are not heard are not told.
 std::optional<QString> AppModel::spokenReviewShortcut() const {
   const auto& shortcut = *settings_.hotKeyShortcut;
-  return shortcut ? std::optional(shortcut->spelledOut(hotKeys().layout())) : std::nullopt;
+  if (!shortcut || *hotKeyError || hotKeys().reach() == HotKeyReach::nowhere) return std::nullopt;
+  const QString chosen = hotKeys().chosenByDesktop();
+  return chosen.isEmpty() ? shortcut->spelledOut(hotKeys().layout()) : chosen;
 }
 
 }  // namespace quillmere

@@ -14,8 +14,6 @@
 namespace quillmere {
 namespace {
 
-using Modifier = HotKeyShortcut::Modifier;
-
 /// F1 to F20.
 constexpr std::array<quint32, 20> kFunctionKeys{122, 120, 99,  118, 96,  97,  98, 100, 101, 109,
                                                 103, 111, 105, 107, 113, 106, 64, 79,  80,  90};
@@ -37,7 +35,7 @@ std::set<Combination> makeReserved() {
   const auto reserveArrows = [&](quint64 modifiers) {
     for (const quint32 key : kArrows) reserved.emplace(key, modifiers);
   };
-  using enum Modifier;
+  using enum HotKeyShortcut::Modifier;
   reserve(command, {12, 13, 4, 46, 45, 31, 35, 1, 0, 8, 9, 7, 6, 3, 17, 43, 50, 48, 49, 96});
   reserveArrows(command);
   reserve(command | shift, {48, 6, 12, 20, 21, 23, 22, 44});

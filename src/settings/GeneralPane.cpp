@@ -28,8 +28,10 @@ void GeneralPane::makeLogin() {
   rows->setSpacing(10);
   column().addLayout(rows);
   login_ = addToggle(rows, localized("Open Quillmere at login"), [this](bool isOn) {
+    askedToOpenAtLogin_.reset();
     model().setOpensAtLogin(isOn);
-    refreshLogin();  // a refusal changes nothing that would be told
+    if (loginContent().isOn == isOn) askedToOpenAtLogin_ = isOn;  // from now on it fails by itself, if at all
+    refreshLogin();                                               // a refusal changes nothing that would be told
   });
   loginStatus_ = new LoginItemStatusRow(this);
   loginStatus_->onOpenSettings = [this] { model().openLoginItemSettings(); };
@@ -45,8 +47,7 @@ void GeneralPane::makeUpdates() {
     services_.updates->setChecksForUpdatesAutomatically(isOn);
     refreshUpdates();  // the updater has the last word
   });
-  addFooter(group, localized("Quillmere checks once a day and always asks before it downloads or installs anything. "
-                             "You can check any time with Check for Updates… in the Quillmere menu."));
+  updatesFooter_ = addFooter(group);
 }
 
 void GeneralPane::makeNaming() {
@@ -80,6 +81,13 @@ bool GeneralPane::shows(ModelField field) const {
          field == ModelField::screenshotNaming;
 }
 
+void GeneralPane::appear() {
+  // What it is now may be the person's work elsewhere.
+  askedToOpenAtLogin_.reset();
+  model().refreshLoginItemStatus();
+  refreshLogin();
+}
+
 void GeneralPane::refresh() {
   refreshLogin();
   refreshTray();
@@ -87,8 +95,12 @@ void GeneralPane::refresh() {
   refreshNaming();
 }
 
+LoginItemContent GeneralPane::loginContent() const {
+  return LoginItemContent::make(*model().loginItemStatus, model().canOpenLoginItemSettings(), askedToOpenAtLogin_);
+}
+
 void GeneralPane::refreshLogin() {
-  const auto content = LoginItemContent::make(*model().loginItemStatus, model().canOpenLoginItemSettings());
+  const auto content = loginContent();
   login_->setChecked(content.isOn);
   login_->setEnabled(content.canBeTurned);
   loginStatus_->show(content);
@@ -110,8 +122,15 @@ void GeneralPane::refreshTray() {
 
 void GeneralPane::refreshUpdates() {
   const SoftwareUpdateModel* updates = services_.updates;
-  checksForUpdates_->setEnabled(updates && updates->setChecksForUpdatesAutomaticallyAction);
+  const bool hasUpdater = updates && updates->setChecksForUpdatesAutomaticallyAction;
+  checksForUpdates_->setEnabled(hasUpdater);
   checksForUpdates_->setChecked(updates && updates->checksForUpdatesAutomatically());
+  updatesFooter_->setText(
+      hasUpdater
+          ? localized("Quillmere checks once a day and always asks before it downloads or installs anything. You can "
+                      "check any time with Check for Updates… in the Quillmere menu.")
+          : localized(
+                "This copy of Quillmere doesn’t look for updates itself. They come with your system’s packages."));
 }
 
 void GeneralPane::refreshNaming() {

@@ -35,21 +35,21 @@ QString textOf(HotKeyReach reach) {
 
 }  // namespace
 
-KeyboardPane::KeyboardPane(AppModel& model, QWidget* parent) : SettingsPane(model, parent) {
+KeyboardPane::KeyboardPane(AppModel& model, const SettingsServices& services, QWidget* parent)
+    : SettingsPane(model, parent) {
   auto* rows = new QVBoxLayout;
   rows->setSpacing(10);
   column().addLayout(rows);
-  recorder_ = new ShortcutRecorder(model, this);
+  recorder_ = new ShortcutRecorder(model, services.events, this);
   rows->addWidget(recorder_);
   restore_ = new RestoreDefaultShortcutButton(model, this);
   restore_->willRestore = [this] { recorder_->stop(); };
   rows->addWidget(restore_, 0, Qt::AlignTrailing);
-  addFooter(&column(),
-            localized("Press this shortcut in any app to move keyboard focus to the screenshot popup. Press Escape to "
-                      "return to the app you were using."));
+  footer_ = addFooter(&column());
   error_ = addNote(&column());
   chosenByDesktop_ = addNote(&column());
   controlOption_ = addNote(&column());
+  commandsOfApps_ = addNote(&column());
   reach_ = addNote(&column());
   column().addStretch();
   hotKeys_ = model.hotKeys().changed.connect([this] { refresh(); });
@@ -64,6 +64,12 @@ void KeyboardPane::refresh() {
   restore_->refresh();
   error_->show(QStringLiteral("exclamationmark.triangle.fill"), Ink::warning, model().hotKeyError->value_or(QString()));
   const HotKeyRegistering& hotKeys = model().hotKeys();
+  footer_->setText(
+      hotKeys.reach() == HotKeyReach::everywhere
+          ? localized("Press this shortcut in any app to move keyboard focus to the screenshot popup. Press Escape to "
+                      "return to the app you were using.")
+          : localized("Reviewing a screenshot moves keyboard focus to its popup. Press Escape to return to the app you "
+                      "were using."));
   const QString info = QStringLiteral("info.circle");
   const QString chosen = hotKeys.chosenByDesktop();
   chosenByDesktop_->show(
@@ -78,6 +84,13 @@ void KeyboardPane::refresh() {
   controlOption_->show(
       info, Ink::secondary,
       hasBoth ? localized("This shortcut includes Control-Option, which VoiceOver also uses.") : QString());
+  // Apps of this desktop have their commands on Control; they do not get what is heard here.
+  constexpr quint64 kCommands = HotKeyShortcut::control | HotKeyShortcut::shift;
+  const bool isOfApps = shortcut && (shortcut->modifiers & ~kCommands) == 0;
+  commandsOfApps_->show(info, Ink::secondary,
+                        isOfApps ? localized("Apps may use this shortcut for commands of their own. While it is set "
+                                             "here, it doesn’t reach them.")
+                                 : QString());
   reach_->show(info, Ink::secondary, shortcut ? textOf(hotKeys.reach()) : QString());
 }
 

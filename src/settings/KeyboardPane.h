@@ -1,6 +1,7 @@
 #pragma once
 
 #include "settings/SettingsPane.h"
+#include "settings/SettingsServices.h"
 
 namespace quillmere {
 
@@ -10,7 +11,7 @@ class ShortcutRecorder;
 /// The review shortcut, and how far it reaches.
 class KeyboardPane final : public SettingsPane {
  public:
-  KeyboardPane(AppModel& model, QWidget* parent);
+  KeyboardPane(AppModel& model, const SettingsServices& services, QWidget* parent);
 
   bool shows(ModelField field) const override;
   void refresh() override;
@@ -18,8 +19,10 @@ class KeyboardPane final : public SettingsPane {
  private:
   ShortcutRecorder* recorder_ = nullptr;
   RestoreDefaultShortcutButton* restore_ = nullptr;
+  QLabel* footer_ = nullptr;
   SymbolNote* error_ = nullptr;
   SymbolNote* controlOption_ = nullptr;
+  SymbolNote* commandsOfApps_ = nullptr;
   SymbolNote* chosenByDesktop_ = nullptr;
   SymbolNote* reach_ = nullptr;
   Connection hotKeys_;

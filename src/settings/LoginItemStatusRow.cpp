@@ -7,13 +7,30 @@
 #include "settings/SymbolNote.h"
 
 namespace quillmere {
+namespace {
 
-LoginItemContent LoginItemContent::make(LoginItemStatus status, bool hasSystemSettings) {
+/// The desktop took it, and could not do it.
+LoginItemContent failed(bool isOn, bool hasSystemSettings, const QString& text) {
+  return {.isOn = isOn,
+          .symbol = QStringLiteral("exclamationmark.triangle"),
+          .text = text,
+          .offersSettings = hasSystemSettings};
+}
+
+}  // namespace
+
+LoginItemContent LoginItemContent::make(LoginItemStatus status, bool hasSystemSettings, std::optional<bool> asked) {
   switch (status) {
     case LoginItemStatus::enabled:
-      return {.isOn = true, .symbol = {}, .text = {}};
+      if (asked.value_or(true)) return {.isOn = true, .symbol = {}, .text = {}};
+      return failed(true, hasSystemSettings,
+                    localized("Your desktop couldn’t turn this off. Try again, or turn it off in your desktop’s "
+                              "settings."));
     case LoginItemStatus::notRegistered:
-      break;
+      if (!asked.value_or(false)) return {};
+      return failed(false, hasSystemSettings,
+                    localized("Your desktop couldn’t turn this on. Try again, or turn it on in your desktop’s "
+                              "settings."));
     case LoginItemStatus::requiresApproval:
       return {.isOn = true,
               .symbol = {},

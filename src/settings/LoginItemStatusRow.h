@@ -18,11 +18,13 @@ struct LoginItemContent {
   QString text;    ///< no row when empty
   bool offersSettings = false;
 
-  static LoginItemContent make(LoginItemStatus status, bool hasSystemSettings);
+  /// `asked` is what the desktop was asked for and seemed to take, if it was.
+  static LoginItemContent make(LoginItemStatus status, bool hasSystemSettings,
+                               std::optional<bool> asked = std::nullopt);
   bool operator==(const LoginItemContent&) const = default;
 };
 
-/// Why the program does not open at login although it was told to, or cannot.
+/// Why the program does not open at login although it was told to, or still does, or cannot.
 class LoginItemStatusRow final : public QWidget {
  public:
   explicit LoginItemStatusRow(QWidget* parent);

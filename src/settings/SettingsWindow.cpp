@@ -45,7 +45,7 @@ SettingsWindow::SettingsWindow(AppModel& model, SettingsServices services)
   addPane("general", new GeneralPane(model, services_, this), localized("General"));
   addPane("screenshots", new ScreenshotsPane(model, services_, this), localized("Screenshots"));
   addPane("popup", new PopupPane(model, this), localized("Popup"));
-  addPane("keyboard", new KeyboardPane(model, this), localized("Keyboard"));
+  addPane("keyboard", new KeyboardPane(model, services_, this), localized("Keyboard"));
   addPane("intelligence", new IntelligencePane(model, this), localized("Intelligence"));
   showLastPane();
   connect(tabs_, &QTabWidget::currentChanged, this, [this](int index) {
@@ -78,9 +78,7 @@ void SettingsWindow::rememberPane(int index) {
 
 void SettingsWindow::follow(const ModelChange& change) {
   if (change.field == ModelField::settingsError) {
-    // In a later turn: the failing operation must be over before its message waits for an answer.
-    QMetaObject::invokeMethod(
-        this, [this] { showError(); }, Qt::QueuedConnection);
+    showErrorLater();
   } else if (isVisible()) {
     for (SettingsPane* pane : panes_) {
       if (!pane->shows(change.field)) continue;
@@ -103,6 +101,8 @@ void SettingsWindow::showEvent(QShowEvent* event) {
   refresh();
   QWidget::showEvent(event);
   if (!event->spontaneous()) panes_[static_cast<size_t>(tabs_->currentIndex())]->appear();
+  // One that no window was there to tell.
+  if (*model_.settingsError) showErrorLater();
 }
 
 void SettingsWindow::keyPressEvent(QKeyEvent* event) {
@@ -143,6 +143,12 @@ void SettingsWindow::keepOnScreen() {
   const QRect available = screen()->availableGeometry();
   const int beyond = frameGeometry().bottom() - available.bottom();
   if (isVisible() && beyond > 0) move(pos() - QPoint(0, std::min(beyond, std::max(0, y() - available.top()))));
+}
+
+/// In a later turn: the failing operation must be over before its message waits for an answer.
+void SettingsWindow::showErrorLater() {
+  QMetaObject::invokeMethod(
+      this, [this] { showError(); }, Qt::QueuedConnection);
 }
 
 void SettingsWindow::showError() {

@@ -32,6 +32,7 @@ class SettingsWindow final : public QWidget {
   void appear();
   void makeRoom();
   void keepOnScreen();
+  void showErrorLater();
   void showError();
 
   AppModel& model_;

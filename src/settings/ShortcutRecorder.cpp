@@ -8,12 +8,13 @@
 #include "controls/ActionButton.h"
 #include "controls/PlainText.h"
 #include "foundation/Localized.h"
+#include "foundation/SystemEvents.h"
 #include "settings/ShortcutField.h"
 #include "settings/SymbolNote.h"
 
 namespace quillmere {
 
-ShortcutRecorder::ShortcutRecorder(AppModel& model, QWidget* parent)
+ShortcutRecorder::ShortcutRecorder(AppModel& model, SystemEvents* events, QWidget* parent)
     : QWidget(parent),
       model_(model),
       field_(new ShortcutField(this)),
@@ -30,6 +31,8 @@ ShortcutRecorder::ShortcutRecorder(AppModel& model, QWidget* parent)
     stop();
     set(std::nullopt);
   });
+  waiting_.setSingleShot(true);
+  connect(&waiting_, &QTimer::timeout, this, [this] { giveUp(); });
   auto* row = new QHBoxLayout;
   row->setSpacing(8);
   row->addWidget(new PlainLabel(localized("Review screenshot"), this));
@@ -41,6 +44,9 @@ ShortcutRecorder::ShortcutRecorder(AppModel& model, QWidget* parent)
   column->setSpacing(10);
   column->addLayout(row);
   column->addWidget(message_);
+  if (!events) return;
+  locks_ = events->sessionDidResign.connect([this] { stop(); });
+  screens_ = events->screensDidSleep.connect([this] { stop(); });
 }
 
 ShortcutRecorder::~ShortcutRecorder() {
@@ -77,6 +83,7 @@ void ShortcutRecorder::start(quint32 heldKey) {
   model_.setHotKeysSuspended(true);
   QCoreApplication::instance()->installEventFilter(this);
   takeKeyboard(true);
+  waiting_.start(patience.key);
   announce(localized("Recording shortcut. Type a key combination. Press Escape to cancel or Delete to clear."));
   refresh();
 }
@@ -84,11 +91,12 @@ void ShortcutRecorder::start(quint32 heldKey) {
 void ShortcutRecorder::finish() {
   if (!std::exchange(isRecording_, false)) return;
   message_->clear();
-  if (readKeys_.empty()) giveBack();
+  readKeys_.empty() ? giveBack() : waiting_.start(patience.release);
   refresh();
 }
 
 void ShortcutRecorder::giveBack() {
+  waiting_.stop();
   downKeys_.clear();
   readKeys_.clear();
   if (!std::exchange(hasKeyboard_, false)) return;
@@ -100,6 +108,13 @@ void ShortcutRecorder::giveBack() {
 void ShortcutRecorder::stop() {
   finish();
   giveBack();
+}
+
+/// Nobody types any more, or a release was lost.
+void ShortcutRecorder::giveUp() {
+  const bool wasRecording = isRecording_;
+  stop();
+  if (wasRecording) announce(localized("Shortcut recording canceled"));
 }
 
 void ShortcutRecorder::takeKeyboard(bool takes) {
@@ -140,8 +155,8 @@ bool ShortcutRecorder::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::KeyPress:
       return take(static_cast<QKeyEvent&>(*event));
     case QEvent::KeyRelease:
-      // Goes on: a key may have been pressed before.
-      release(static_cast<QKeyEvent&>(*event).nativeScanCode());
+      // Goes on: a key may have been pressed before. Some displays tell a repeat as a release and a press.
+      if (const auto& key = static_cast<QKeyEvent&>(*event); !key.isAutoRepeat()) release(key.nativeScanCode());
       return false;
     case QEvent::MouseButtonPress: {
       // Whoever turns to another control with the pointer has left this one.
@@ -159,9 +174,12 @@ bool ShortcutRecorder::eventFilter(QObject* watched, QEvent* event) {
 bool ShortcutRecorder::take(const QKeyEvent& event) {
   const quint32 scanCode = event.nativeScanCode();
   if (!isRecording_) return readKeys_.contains(scanCode);
+  const bool isRepeat = !downKeys_.insert(scanCode).second || event.isAutoRepeat();
+  // What lies on a key is not somebody who types.
+  if (!isRepeat) waiting_.start(patience.key);
   auto key = KeyDown::of(event, model_.hotKeys().layout());
   if (!key) return true;
-  if (!downKeys_.insert(scanCode).second) key->isRepeat = true;
+  key->isRepeat = isRepeat;
   const RecordedKey recorded = RecordedKey::of(*key);
   if (recorded.kind == RecordedKey::Kind::ignore) return readKeys_.contains(scanCode);
   if (recorded.kind != RecordedKey::Kind::pass) readKeys_.insert(scanCode);
@@ -191,14 +209,19 @@ bool ShortcutRecorder::apply(const RecordedKey& key) {
     case Kind::shortcut:
       set(key.shortcut);
       return true;
+    case Kind::unusable:
+      warn(localized("This key can’t be used. Choose a different shortcut."));
+      return true;
     case Kind::issue:
-      break;
+      warn(localized("%@ can’t be used. %@", {key.shortcut.symbols(model_.hotKeys().layout()), message(*key.issue)}));
+      return true;
   }
-  const QString text =
-      localized("%@ can’t be used. %@", {key.shortcut.symbols(model_.hotKeys().layout()), message(*key.issue)});
+  return false;
+}
+
+void ShortcutRecorder::warn(const QString& text) {
   message_->show(QStringLiteral("exclamationmark.triangle"), Ink::warning, text);
   announce(text);
-  return true;
 }
 
 void ShortcutRecorder::announce(const QString& text) const {

@@ -45,19 +45,18 @@ quint64 modifiersOf(Qt::KeyboardModifiers held) {
 
 std::optional<KeyDown> KeyDown::of(const QKeyEvent& event, const KeyboardLayout& layout) {
   if (isModifierOrLock(event.key())) return std::nullopt;
-  const auto keyCode = layout.keyCode(event.nativeScanCode());
-  if (!keyCode) return std::nullopt;
-  return KeyDown{*keyCode, modifiersOf(event.modifiers()), event.isAutoRepeat()};
+  return KeyDown{layout.keyCode(event.nativeScanCode()), modifiersOf(event.modifiers()), event.isAutoRepeat()};
 }
 
 RecordedKey RecordedKey::of(const KeyDown& key) {
   constexpr quint64 kBesideShift = HotKeyShortcut::command | HotKeyShortcut::control | HotKeyShortcut::option;
   if (key.isRepeat) return {Kind::ignore};
+  if (!key.keyCode) return {Kind::unusable};
   if (key.keyCode == kTab && (key.modifiers & kBesideShift) == 0) return {Kind::pass};
   const quint64 modifiers = key.modifiers & HotKeyShortcut::kModifierMask;
   if ((key.keyCode == kDelete || key.keyCode == kForwardDelete) && modifiers == 0) return {Kind::clear};
   if (key.keyCode == kEscape && modifiers == 0) return {Kind::cancel};
-  const HotKeyShortcut shortcut{key.keyCode, modifiers};
+  const HotKeyShortcut shortcut{*key.keyCode, modifiers};
   const auto issue = shortcut.validate();
   return {issue ? Kind::issue : Kind::shortcut, shortcut, issue};
 }

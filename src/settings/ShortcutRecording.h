@@ -10,12 +10,12 @@ namespace quillmere {
 
 /// A key that goes down while a shortcut is recorded.
 struct KeyDown {
-  quint32 keyCode = 0;    ///< as a shortcut has it
-  quint64 modifiers = 0;  ///< of `HotKeyShortcut`
+  std::optional<quint32> keyCode;  ///< as a shortcut has it; none of a key that no shortcut can have
+  quint64 modifiers = 0;           ///< of `HotKeyShortcut`
   bool isRepeat = false;
 
   bool operator==(const KeyDown&) const = default;
-  /// Nothing for keys that make no shortcut: those that only modify or lock, and those without a code.
+  /// Nothing for keys that only modify or lock.
   static std::optional<KeyDown> of(const QKeyEvent& event, const KeyboardLayout& layout);
 };
 
@@ -28,6 +28,7 @@ struct RecordedKey {
     cancel,    ///< the one that was
     shortcut,  ///< this one
     issue,     ///< it cannot be one
+    unusable,  ///< no shortcut has this key
   };
   Kind kind = Kind::ignore;
   HotKeyShortcut shortcut = {};

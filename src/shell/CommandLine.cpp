@@ -33,6 +33,9 @@ std::variant<Start, Answer> read(const QStringList& arguments) {
                                 QStringLiteral("window"));
   const QCommandLineOption review(QStringLiteral("review"),
                                   QStringLiteral("Go through the screenshots that wait, by keyboard."));
+  const QCommandLineOption closeWindow(
+      QStringLiteral("close-window"),
+      QStringLiteral("Close the front window of the program that runs; it runs on. Without one nothing happens."));
   const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this text."));
   const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
                                    QStringLiteral("Show the version."));
@@ -45,7 +48,7 @@ std::variant<Start, Answer> read(const QStringList& arguments) {
   parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
   parser.setApplicationDescription(
       QStringLiteral("Watches the folder for screenshots and asks what becomes of each one."));
-  parser.addOptions({autostart, show, review, help, version, session});
+  parser.addOptions({autostart, show, review, closeWindow, help, version, session});
   const bool isUnderstood = parser.parse(QStringList(QStringLiteral("quillmere")) + arguments);
 
   if (!isUnderstood) return complaint(parser.errorText());
@@ -54,16 +57,19 @@ std::variant<Start, Answer> read(const QStringList& arguments) {
   if (!parser.positionalArguments().isEmpty()) {
     return complaint(QStringLiteral("Unexpected argument '%1'.").arg(parser.positionalArguments().constFirst()));
   }
-  Start start{.isLoginLaunch = parser.isSet(autostart), .action = {}};
+  Start start{.isLoginLaunch = parser.isSet(autostart), .action = {}, .isForRunning = parser.isSet(closeWindow)};
   if (parser.isSet(show)) {
     start.action = parser.value(show);
     if (!kWindows.contains(start.action)) {
       return complaint(QStringLiteral("Unknown window '%1'.").arg(start.action.simplified()), kUnknownWindow);
     }
   }
-  if (parser.isSet(review)) {
-    if (parser.isSet(show)) return complaint(QStringLiteral("Both '--show' and '--review' are given."));
-    start.action = QStringLiteral("review");
+  QString given = parser.isSet(show) ? QStringLiteral("show") : QString();
+  for (const QCommandLineOption& option : {review, closeWindow}) {
+    if (!parser.isSet(option)) continue;
+    const QString name = option.names().constFirst();
+    if (!given.isEmpty()) return complaint(QStringLiteral("Both '--%1' and '--%2' are given.").arg(given, name));
+    given = start.action = name;
   }
   return start;
 }

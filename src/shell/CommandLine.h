@@ -13,6 +13,7 @@ namespace CommandLine {
 struct Start {
   bool isLoginLaunch = false;  ///< started with the session, not by the person
   QString action;              ///< of the launcher entry, which is to be performed; empty without one
+  bool isForRunning = false;   ///< only for a program that runs already: nothing is started for it
 };
 
 /// Printed instead of starting.

@@ -7,11 +7,12 @@
 #include "foundation/Localized.h"
 #include "model/Messages.h"
 #include "model/WideFolder.h"
+#include "shell/QuestionPlace.h"
 
 namespace quillmere {
 namespace {
 
-bool ask(AlertContent content, QWidget* window = QApplication::activeWindow()) {
+bool ask(AlertContent content, QWidget* window = placeForQuestionOverActive()) {
   content.safe = localized("Cancel");
   return Alert(std::move(content), window).ask();
 }
@@ -19,8 +20,8 @@ bool ask(AlertContent content, QWidget* window = QApplication::activeWindow()) {
 /// The window that has the keyboard; else the one that was clicked, which a popup without the keyboard is. A question
 /// that belonged to neither could lie below the popup.
 QWidget* windowThatAsks() {
-  QWidget* active = QApplication::activeWindow();
-  return active ? active : QApplication::topLevelAt(QCursor::pos());
+  QWidget* active = placeForQuestionOverActive();
+  return active ? active : placeForQuestionOver(QApplication::topLevelAt(QCursor::pos()));
 }
 
 }  // namespace
@@ -34,12 +35,13 @@ bool Confirmations::quit(const QuitConcerns& concerns, QWidget* window) {
         "but a screenshot you take while it’s closed is saved without a popup.",
         {concerns.waitingScreenshots});
   }
+  QWidget* active = placeForQuestionOverActive();
   return ask({.symbol = QStringLiteral("questionmark.circle"),
               .heading = localized("Quit Quillmere?"),
               .message = details.join(QStringLiteral("\n\n")),
               .safe = {},
               .action = localized("Quit Quillmere")},
-             QApplication::activeWindow() ? QApplication::activeWindow() : window);
+             active ? active : window);
 }
 
 bool Confirmations::deletion(const QString& fileName) {

@@ -2,7 +2,6 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QMimeDatabase>
-#include <QtWidgets/QApplication>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QGridLayout>
 #include <QtWidgets/QLabel>
@@ -10,6 +9,7 @@
 #include "controls/ModalDialog.h"
 #include "controls/PlainText.h"
 #include "foundation/Localized.h"
+#include "shell/QuestionPlace.h"
 
 namespace quillmere {
 namespace {
@@ -43,7 +43,7 @@ std::optional<QMimeType> typeOf(const std::string& pathExtension) {
 /// One of our own style: a theme of the desktop's would bring another look.
 class OwnDialog final : public QFileDialog {
  public:
-  OwnDialog(const QString& title, const QString& accept) : QFileDialog(QApplication::activeWindow(), title) {
+  OwnDialog(const QString& title, const QString& accept) : QFileDialog(placeForQuestionOverActive(), title) {
     setOption(DontUseNativeDialog);
     setLabelText(Accept, accept);
   }
@@ -60,7 +60,7 @@ FileURL withExtension(const FileURL& url, const std::string& pathExtension) {
 FileDialogEnd FilePanels::askDesktop(FileDialogRequest request, const QString& message) {
   if (!desktop_) return {};
   // Nobody sees this one, but it holds up its window as long as the desktop's stands before that.
-  QDialog waiting(QApplication::activeWindow());
+  QDialog waiting(placeForQuestionOverActive());
   waiting.setAttribute(Qt::WA_DontShowOnScreen);
   // The one place that the desktop's dialogs have for a word of ours.
   request.title += message.isEmpty() ? QString() : QStringLiteral(" – ") + message;

@@ -8,9 +8,9 @@
 #include "inbox/InboxServices.h"
 #include "model/AppModelDependencies.h"
 #include "popup/CapturePromptPanelController.h"
+#include "settings/DesktopTray.h"
 #include "shell/AboutInformation.h"
 #include "shell/DesktopFileDialogs.h"
-#include "settings/DesktopTray.h"
 
 namespace quillmere {
 
@@ -63,6 +63,9 @@ class PlatformStart {
   /// Once the application object is there. Null when the program runs already for this person; that one has then been
   /// asked to perform the action, or without one to come to the front.
   virtual std::unique_ptr<Platform> begin(PlatformRequests requests, const QString& action) = 0;
+  /// Instead of `begin`: has the program that runs already for this person perform the action. Where none does, nothing
+  /// happens.
+  virtual void askRunning(const QString& action) = 0;
 };
 
 /// Before the application object, and while the main thread is the only one. The one function that a folder of

@@ -2,6 +2,7 @@
 
 #include <QtCore/QEventLoop>
 #include <QtCore/QThread>
+#include <QtCore/QTimer>
 #include <QtGui/QSessionManager>
 #include <QtWidgets/QApplication>
 
@@ -172,9 +173,10 @@ std::unique_ptr<QWidget> QuillmereApp::makeSettings() {
   SettingsServices services;
   services.defaults = services_.inbox.defaults;
   services.openHelp = services_.inbox.openHelp;
-  services.openScreenshotOptions = services_.openScreenshotOptions;
+  if (services_.openScreenshotOptions) services.openScreenshotOptions = services_.openScreenshotOptions();
   services.updates = &services_.updates;
   services.tray = &services_.tray;
+  services.events = &services_.systemEvents;
   services.confirmSavingHere = &Confirmations::savingScreenshotsIn;
   services.confirmClearingRecords = &Confirmations::clearingRecords;
   return std::make_unique<SettingsWindow>(model_, std::move(services));
@@ -188,8 +190,8 @@ Confirmations::QuitConcerns QuillmereApp::quitConcerns() const {
   return {comesBack ? 0 : static_cast<int>(model_.prompts().queue->size()), !model_.isSaved()};
 }
 
-void QuillmereApp::quit() {
-  if (isAskingToQuit_) return;
+bool QuillmereApp::quit() {
+  if (isAskingToQuit_) return false;
   if (!model_.isSaved()) model_.saveNow();
   const Confirmations::QuitConcerns concerns = quitConcerns();
   if (concerns.waitingScreenshots > 0 || concerns.isNotSaved) {
@@ -198,9 +200,10 @@ void QuillmereApp::quit() {
     isAskingToQuit_ = true;
     const bool confirmed = confirmQuit(concerns);
     isAskingToQuit_ = false;
-    if (!confirmed) return;
+    if (!confirmed) return false;
   }
   quitWithoutAsking();
+  return true;
 }
 
 /// A crop that is being written comes first, as far as somebody who asks twice can wait.
@@ -232,6 +235,7 @@ void QuillmereApp::commitToSession() {
   const Connection changes = model_.changed.connect([&](const ModelChange& change) {
     if (change.field == ModelField::unsavedWork && !model_.isWritingCrops()) writing.quit();
   });
+  QTimer::singleShot(longestCommit, &writing, &QEventLoop::quit);
   writing.exec(QEventLoop::ExcludeUserInputEvents);
   save();
 }

@@ -1,15 +1,16 @@
 #pragma once
 
 #include <QtCore/QObject>
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
 
 #include "inbox/InboxServices.h"
 #include "model/AppModel.h"
+#include "settings/DesktopTray.h"
 #include "shell/ApplicationWindows.h"
 #include "shell/Confirmations.h"
-#include "settings/DesktopTray.h"
 #include "shell/MenuBarExtra.h"
 #include "update/SoftwareUpdateModel.h"
 
@@ -33,7 +34,8 @@ class QuillmereApp {
     SystemEvents& systemEvents;
     SoftwareUpdateModel& updates;
     DesktopTray& tray;
-    std::function<void()> openScreenshotOptions = nullptr;  ///< none where there is nothing to open
+    /// Gives what opens the capture tool's options, or nothing; asked for each window, since tools come and go.
+    std::function<std::function<void()>()> openScreenshotOptions = nullptr;
   };
   /// Makes a window when it is opened; it is let go of after it was closed.
   using Maker = std::function<std::unique_ptr<QWidget>()>;
@@ -52,19 +54,22 @@ class QuillmereApp {
   /// Whether the tray can show the icon at all.
   bool hasTray() const { return menuBarExtra_.hasTray(); }
 
-  /// Asks first while screenshots wait, or when the list cannot be saved.
-  void quit();
+  /// Asks first while screenshots wait, or when the list cannot be saved. False when the program goes on after all.
+  bool quit();
   /// The session ends: nothing is asked.
   void quitWithoutAsking();
   /// The machine may end at any moment: what is not yet saved is saved now.
   void save();
-  /// The session is about to end, and waits: a crop that is being written is waited for too. Nobody is asked.
+  /// The session is about to end, and waits: a crop that is being written is waited for too, within `longestCommit`.
+  /// Nobody is asked.
   void commitToSession();
   /// The last thing.
   void willTerminate() { save(); }
 
   std::map<AppWindow, Maker> makers;
   std::function<bool(const Confirmations::QuitConcerns&)> confirmQuit;
+  /// A disk that doesn't answer must not keep the person in the session, and a picture takes a moment.
+  std::chrono::milliseconds longestCommit = std::chrono::seconds(10);
 
  private:
   std::unique_ptr<QWidget> makeInbox();

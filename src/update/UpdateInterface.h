@@ -17,7 +17,7 @@ struct QuillmereUpdateHost {
   void (*setInstalling)(void* context, bool isInstalling);
   void (*borrowActivation)(void* context);  ///< a window is about to show
   void (*repayActivation)(void* context);   ///< the last one has gone
-  void (*quit)(void* context);
+  bool (*quit)(void* context);              ///< false when the program goes on after all
   bool (*storedChecksAutomatically)(void* context);
   void (*storeChecksAutomatically)(void* context, bool checks);
   double (*storedLastCheck)(void* context);  ///< seconds since 2001; negative for none

@@ -42,9 +42,13 @@ UpdateLibrary::UpdateLibrary(SoftwareUpdateModel& model, UserDefaults& defaults,
 
 UpdateLibrary::~UpdateLibrary() {
   if (!updater_) return;
+  letGoOfModel();
+  functions_->stop(updater_);
+}
+
+void UpdateLibrary::letGoOfModel() {
   model_.checkForUpdatesAction = nullptr;
   model_.setChecksForUpdatesAutomaticallyAction = nullptr;
-  functions_->stop(updater_);
   model_.setCanCheckForUpdates(false);
 }
 
@@ -56,7 +60,7 @@ QuillmereUpdateHost UpdateLibrary::makeHost() {
       .setInstalling = [](void* context, bool isInstalling) { self(context).model_.setInstallingUpdate(isInstalling); },
       .borrowActivation = [](void* context) { self(context).services_.borrowActivation(); },
       .repayActivation = [](void* context) { self(context).services_.repayActivation(); },
-      .quit = [](void* context) { self(context).services_.quit(); },
+      .quit = [](void* context) { return self(context).services_.quit(); },
       .storedChecksAutomatically =
           [](void* context) { return self(context).defaults_.boolean(QLatin1String(kAutomaticKey)).value_or(true); },
       .storeChecksAutomatically =
@@ -96,7 +100,7 @@ bool UpdateLibrary::load(const std::optional<UpdateConfiguration>& configuration
     if (updater_) functions_->setChecksAutomatically(updater_, checks);
   };
   updater_ = functions_->start(&host_, &given);
-  if (!updater_) model_.setCanCheckForUpdates(false);
+  if (!updater_) letGoOfModel();
   return updater_ != nullptr;
 }
 

@@ -19,7 +19,8 @@ class UpdateLibrary {
   struct Services {
     std::function<void()> borrowActivation;  ///< a window of its own is about to show
     std::function<void()> repayActivation;
-    std::function<void()> quit;  ///< an update is in place and starts as soon as the program has gone
+    /// An update is in place and starts as soon as the program has gone. False when it goes on after all.
+    std::function<bool()> quit;
   };
   UpdateLibrary(SoftwareUpdateModel& model, UserDefaults& defaults, Services services);
   /// Ends what is under way. The library stays in memory: Qt keeps data of every library that it has seen.
@@ -35,6 +36,7 @@ class UpdateLibrary {
 
  private:
   QuillmereUpdateHost makeHost();
+  void letGoOfModel();
 
   SoftwareUpdateModel& model_;
   UserDefaults& defaults_;

@@ -44,5 +44,15 @@ TEST(ModalDialogTest, OneOfNoWindowHoldsUpAll) {
   EXPECT_EQ(first.clicks + second.clicks, 0);
 }
 
+TEST(ModalDialogTest, OneWhoseWindowGoesIsRejectedAndStays) {
+  auto* owner = new QWidget;
+  owner->show();
+  QDialog dialog(owner);
+  QTimer::singleShot(0, owner, [owner] { delete owner; });
+  EXPECT_EQ(runModal(dialog), QDialog::Rejected);
+  EXPECT_EQ(dialog.parentWidget(), nullptr);
+  EXPECT_FALSE(dialog.isVisible());
+}
+
 }  // namespace
 }  // namespace quillmere

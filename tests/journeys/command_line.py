@@ -31,7 +31,7 @@ class CommandLine(unittest.TestCase):
         done = self.run_program("--help")
         self.assert_answers(done)
         self.assertTrue(done.stdout.startswith("Usage: quillmere [options]\n"), done.stdout)
-        for option in "--autostart", "--show <window>", "--review":
+        for option in "--autostart", "--show <window>", "--review", "--close-window":
             self.assertIn(option, done.stdout)
 
     def test_the_version_goes_to_the_output(self):
@@ -42,6 +42,11 @@ class CommandLine(unittest.TestCase):
     def test_help_and_version_ask_for_no_display(self):
         for option in "--help", "--version":
             self.assert_answers(self.run_program(option, DISPLAY=":65535", QT_QPA_PLATFORM="nonsense"))
+
+    def test_where_no_program_runs_there_is_no_window_to_close(self):
+        self.assert_answers(self.run_program("--close-window", QT_QPA_PLATFORM="offscreen",
+                                             DBUS_SESSION_BUS_ADDRESS="unix:path=/nonexistent"))
+        self.assertFalse(os.path.exists(os.path.join(self.home.name, ".local")), "nothing was begun")
 
     def test_an_unknown_option_is_named(self):
         self.assert_refuses(self.run_program("--inbox"), 2, "Unknown option 'inbox'. Try: quillmere --help")

@@ -131,7 +131,7 @@ def folder_that_cannot_be_written(desktop):
 
 
 def in_a_sandbox(desktop):
-    desktop.environment["container"] = "flatpak"
+    desktop.environment["SNAP"] = "/snap/quillmere/1"
     tools = os.path.join(desktop.scratch, "tools")
     os.makedirs(tools)
     opened = os.path.join(desktop.scratch, "opened")

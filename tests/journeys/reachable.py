@@ -35,7 +35,9 @@ def opens_no_other_window_beside_one(desktop):
     start_again(desktop)[1]()
     wait_until("the settings have the keyboard again", lambda: desktop.active_title() == "Settings")
     expect("the Inbox stays closed", not desktop.window_ids(TITLE))
-    desktop.action("close-window", wait=True)
+    closing, ended = start_again(desktop, "--close-window")
+    ended()
+    expect("it ends with 0", closing.returncode == 0)
     wait_until("the settings are closed", lambda: not desktop.window_ids("Settings"))
 
 

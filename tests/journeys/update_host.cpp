@@ -52,6 +52,7 @@ int main(int argc, char** argv) {
                                const bool isInstalling = model.isInstallingUpdate();
                                say(isInstalling ? QStringLiteral("quit for an update") : QStringLiteral("quit"));
                                QApplication::exit(0);
+                               return true;
                              }});
   const bool isLoaded = library.load(UpdateConfiguration::ofProgram(program));
   say(isLoaded && model.canCheckForUpdates() ? QStringLiteral("can check") : QStringLiteral("cannot check"));

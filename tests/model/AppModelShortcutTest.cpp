@@ -209,6 +209,28 @@ TEST_F(AppModelShortcut, APressBeginsTheReview) {
   EXPECT_EQ(presenter.focuses, before + 1);
 }
 
+TEST_F(AppModelShortcut, OnlyKeysThatAreHeardAreTold) {
+  constexpr auto kPlain = "Screenshot ready for a decision.";
+  launchWatching();
+  const auto told = [&](std::string_view name) {
+    announcer.said.clear();
+    arrive(name);
+    model->dismissPrompt();
+    return announcer.said.empty() ? QString() : announcer.said.front().text;
+  };
+  hotKeys.refusal = taken(QStringLiteral("Ctrl+Alt+R"));
+  model->setHotKeyShortcut(kOther);
+  EXPECT_EQ(told("refused.png"), kPlain);
+  hotKeys.refusal.reset();
+  model->setHotKeyShortcut(kOther);
+  EXPECT_EQ(told("heard.png"), "Screenshot ready for a decision. Press Ctrl+Alt+R to review it.");
+  hotKeys.chosen = "Meta+F9";
+  EXPECT_EQ(told("chosen.png"), "Screenshot ready for a decision. Press Meta+F9 to review it.");
+  hotKeys.chosen.clear();
+  hotKeys.reaches = HotKeyReach::nowhere;
+  EXPECT_EQ(told("nowhere.png"), kPlain);
+}
+
 TEST_F(AppModelShortcut, APressThatComesTooLateFindsNoModel) {
   firstShortcut = kOther;
   launchWatching();

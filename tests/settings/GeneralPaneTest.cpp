@@ -112,6 +112,40 @@ TEST_F(GeneralPaneTest, WhatCouldNotBeTurnedShowsAsItIs) {
   EXPECT_EQ((*model->settingsError)->title, QStringLiteral("Couldn’t Turn On Launch at Login"));
 }
 
+TEST_F(GeneralPaneTest, WhatTheDesktopTookAndCouldNotDoIsSaidUntilItIsTurnedAgain) {
+  constexpr auto kNotOn = "Your desktop couldn’t turn this on. Try again, or turn it on in your desktop’s settings.";
+  constexpr auto kNotOff = "Your desktop couldn’t turn this off. Try again, or turn it off in your desktop’s settings.";
+  const auto answers = [&](LoginItemStatus status) {
+    loginItems.current = status;
+    loginItems.changed();
+  };
+  loginItems.afterRegistering = LoginItemStatus::requiresApproval;
+  show();
+  login().click();
+  EXPECT_FALSE(says(kNotOn));
+  answers(LoginItemStatus::notRegistered);
+  EXPECT_FALSE(login().isChecked());
+  EXPECT_TRUE(says(kNotOn));
+  EXPECT_TRUE(isShown(button("Open Login Settings")));
+  login().click();
+  EXPECT_FALSE(says(kNotOn));
+  answers(LoginItemStatus::enabled);
+  login().click();
+  EXPECT_FALSE(says(kNotOff));
+  answers(LoginItemStatus::enabled);
+  EXPECT_TRUE(login().isChecked());
+  EXPECT_TRUE(says(kNotOff));
+  pane->appear();
+  EXPECT_FALSE(says(kNotOff)) << "the person may have been elsewhere about it";
+}
+
+TEST_F(GeneralPaneTest, WhatWasRefusedAtOnceIsNoLateFailure) {
+  show();
+  loginItems.problem = QStringLiteral("No space left.");
+  login().click();
+  EXPECT_FALSE(says("Your desktop couldn’t turn this on. Try again, or turn it on in your desktop’s settings."));
+}
+
 TEST_F(GeneralPaneTest, AStatusThatChangesByItselfIsFollowed) {
   show();
   setLogin(LoginItemStatus::requiresApproval);
@@ -137,6 +171,22 @@ TEST_F(GeneralPaneTest, WithoutAnUpdaterThereIsNothingToCheckBy) {
   updates.setChecksForUpdatesAutomaticallyAction = [this](bool isOn) { updates.setChecksAutomatically(isOn); };
   updates.setCanCheckForUpdates(true);
   EXPECT_TRUE(checks().isEnabled());
+}
+
+TEST_F(GeneralPaneTest, SaysWhereUpdatesComeFrom) {
+  constexpr auto kByItself =
+      "Quillmere checks once a day and always asks before it downloads or installs anything. You can check any time "
+      "with "
+      "Check for Updates… in the File menu.";
+  constexpr auto kByPackages =
+      "This copy of Quillmere doesn’t look for updates itself. They come with your system’s packages.";
+  show();
+  EXPECT_FALSE(says(kByItself));
+  EXPECT_TRUE(says(kByPackages));
+  updates.setChecksForUpdatesAutomaticallyAction = [](bool) {};
+  updates.setCanCheckForUpdates(true);
+  EXPECT_TRUE(says(kByItself));
+  EXPECT_FALSE(says(kByPackages));
 }
 
 TEST_F(GeneralPaneTest, TheUpdaterHasTheLastWord) {

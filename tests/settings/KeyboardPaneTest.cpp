@@ -12,10 +12,36 @@ constexpr auto kBoth =
 
 class KeyboardPaneTest : public testing::SettingsFixture {
  protected:
-  void show() { pane = &showPane(std::make_unique<KeyboardPane>(*model, nullptr)); }
+  void show() { pane = &showPane(std::make_unique<KeyboardPane>(*model, services, nullptr)); }
   QPushButton& restore() const { return button("Restore Default"); }
+  SettingsServices services;
   KeyboardPane* pane = nullptr;
 };
+
+TEST_F(KeyboardPaneTest, ALockedScreenEndsARecording) {
+  services.events = &systemEvents;
+  show();
+  button("Review screenshot").click();
+  ASSERT_TRUE(hotKeys.isSuspended);
+  systemEvents.sessionDidResign();
+  EXPECT_FALSE(hotKeys.isSuspended);
+}
+
+TEST_F(KeyboardPaneTest, AShortcutThatIsNotHeardEverywhereIsNotPromisedInAnyApp) {
+  constexpr auto kAnywhere =
+      "Press this shortcut in any app to move keyboard focus to the screenshot popup. Press Escape to return to the "
+      "app "
+      "you were using.";
+  constexpr auto kNotEverywhere =
+      "Reviewing a screenshot moves keyboard focus to its popup. Press Escape to return to the app you were using.";
+  show();
+  for (const HotKeyReach reach : {HotKeyReach::everywhere, HotKeyReach::windowsOfX11, HotKeyReach::nowhere}) {
+    hotKeys.reaches = reach;
+    hotKeys.changed();
+    EXPECT_EQ(says(kAnywhere), reach == HotKeyReach::everywhere);
+    EXPECT_EQ(says(kNotEverywhere), reach != HotKeyReach::everywhere);
+  }
+}
 
 TEST_F(KeyboardPaneTest, TheDefaultIsRestoredUnlessItIsThere) {
   show();
@@ -57,6 +83,19 @@ TEST_F(KeyboardPaneTest, ControlWithOptionIsRemarkedOn) {
   EXPECT_EQ(hotKeys.registered.size(), 1U) << "it is valid all the same";
   model->setHotKeyShortcut(std::nullopt);
   EXPECT_FALSE(says(kBoth));
+}
+
+TEST_F(KeyboardPaneTest, KeysThatAppsUseForTheirCommandsAreRemarkedOn) {
+  constexpr auto kCommands =
+      "Apps may use this shortcut for commands of their own. While it is set here, it doesn’t reach them.";
+  show();
+  EXPECT_FALSE(says(kCommands)) << "there is none";
+  model->setHotKeyShortcut(HotKeyShortcut{8, HotKeyShortcut::control});
+  EXPECT_TRUE(says(kCommands)) << "Copy";
+  model->setHotKeyShortcut(HotKeyShortcut{8, HotKeyShortcut::control | HotKeyShortcut::shift});
+  EXPECT_TRUE(says(kCommands));
+  model->setHotKeyShortcut(HotKeyShortcut::standard());
+  EXPECT_FALSE(says(kCommands));
 }
 
 TEST_F(KeyboardPaneTest, WhereItIsNotHeardEverywhereIsSaidWithWhatToDo) {

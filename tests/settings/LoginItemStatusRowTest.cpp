@@ -28,6 +28,17 @@ TEST(LoginItemContentTest, WhatCannotBeIsOffAndWarns) {
   EXPECT_EQ(missing.symbol, QStringLiteral("exclamationmark.triangle"));
 }
 
+TEST(LoginItemContentTest, WarnsWhereItIsNotAsTheDesktopWasAsked) {
+  const auto content = [](LoginItemStatus status, bool asked) { return LoginItemContent::make(status, true, asked); };
+  const auto off = content(LoginItemStatus::notRegistered, true);
+  EXPECT_TRUE(!off.isOn && off.canBeTurned && off.offersSettings && !off.text.isEmpty() && !off.symbol.isEmpty());
+  const auto on = content(LoginItemStatus::enabled, false);
+  EXPECT_TRUE(on.isOn && on.canBeTurned && on.offersSettings && !on.text.isEmpty() && !on.symbol.isEmpty());
+  EXPECT_NE(on.text, off.text);
+  EXPECT_EQ(content(LoginItemStatus::enabled, true).text, QString());
+  EXPECT_EQ(content(LoginItemStatus::notRegistered, false).text, QString());
+}
+
 TEST(LoginItemStatusRowTest, TakesNoRoomWithoutAText) {
   QWidget window;
   LoginItemStatusRow row(&window);

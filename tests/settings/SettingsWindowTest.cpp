@@ -27,6 +27,24 @@ class SettingsWindowTest : public testing::SettingsFixture {
     shown->activateWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(shown.get()));
   }
+  void openAtOnce() {
+    shown.reset();
+    shown = std::make_unique<SettingsWindow>(*model, SettingsServices());
+    shown->show();
+  }
+  void fail() { model->show(ErrorScope::settings, QStringLiteral("Title"), QStringLiteral("Message")); }
+  void expectAlert() {
+    bool isSeen = false;
+    QTimer::singleShot(0, [&] {
+      auto* alert = dynamic_cast<Alert*>(QApplication::activeModalWidget());
+      ASSERT_TRUE(alert);
+      EXPECT_EQ(alert->content().heading, QStringLiteral("Title"));
+      isSeen = true;
+      alert->accept();
+    });
+    ASSERT_TRUE(testing::runLoopUntil([&] { return isSeen; }));
+    EXPECT_FALSE(*model->settingsError);
+  }
   QTabWidget& tabs() const { return *shown->findChild<QTabWidget*>(); }
   QString pane() const { return tabs().tabText(tabs().currentIndex()); }
 };
@@ -172,18 +190,19 @@ TEST_F(SettingsWindowTest, FollowsTheModelWhileItIsOpen) {
 }
 
 TEST_F(SettingsWindowTest, AnErrorIsShownOnceAfterWhatFailedIsOver) {
-  bool isSeen = false;
-  model->show(ErrorScope::settings, QStringLiteral("Title"), QStringLiteral("Message"));
+  fail();
   EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
-  QTimer::singleShot(0, [&] {
-    auto* alert = dynamic_cast<Alert*>(QApplication::activeModalWidget());
-    ASSERT_TRUE(alert);
-    EXPECT_EQ(alert->content().heading, QStringLiteral("Title"));
-    isSeen = true;
-    alert->accept();
-  });
-  ASSERT_TRUE(testing::runLoopUntil([&] { return isSeen; }));
-  EXPECT_FALSE(*model->settingsError);
+  expectAlert();
+}
+
+TEST_F(SettingsWindowTest, AnErrorThatNoWindowCouldShowIsShownByTheNext) {
+  shown.reset();
+  fail();
+  openAtOnce();
+  expectAlert();
+  fail();
+  openAtOnce();  // the one before goes without a turn
+  expectAlert();
 }
 
 }  // namespace

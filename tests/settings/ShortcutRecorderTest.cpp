@@ -4,10 +4,13 @@
 #include <QtWidgets/QVBoxLayout>
 
 #include "settings/SettingsFixture.h"
+#include "support/EventLoop.h"
 
 namespace quillmere {
 namespace {
 
+using namespace std::chrono_literals;
+using testing::runLoopUntil;
 using Priority = AnnouncementPriority;
 
 constexpr auto kStarted =
@@ -22,7 +25,7 @@ class ShortcutRecorderTest : public testing::SettingsFixture {
     model->setHotKeyShortcut(HotKeyShortcut::standard());
     shown = std::make_unique<QWidget>();
     auto* column = new QVBoxLayout(shown.get());
-    recorder = new ShortcutRecorder(*model, shown.get());
+    recorder = new ShortcutRecorder(*model, &systemEvents, shown.get());
     other = new QLineEdit(shown.get());
     column->addWidget(recorder);
     column->addWidget(other);
@@ -33,15 +36,20 @@ class ShortcutRecorderTest : public testing::SettingsFixture {
     field().setFocus();
     announcer.said.clear();
   }
+  // No shortcut has them.
+  static constexpr quint32 kShift = 1000;
+  static constexpr quint32 kPrint = 1001;
+
   QPushButton& field() const { return button("Review screenshot"); }
   QPushButton& clear() const { return button("Clear Shortcut"); }
 
-  static QKeyEvent keyEvent(QEvent::Type type, quint32 code, Qt::KeyboardModifiers held) {
-    static const std::map<quint32, Qt::Key> kKeys{{48, Qt::Key_Tab},    {51, Qt::Key_Backspace}, {53, Qt::Key_Escape},
-                                                  {49, Qt::Key_Space},  {36, Qt::Key_Return},    {15, Qt::Key_R},
-                                                  {117, Qt::Key_Delete}};
+  static QKeyEvent keyEvent(QEvent::Type type, quint32 code, Qt::KeyboardModifiers held, bool isRepeat = false) {
+    static const std::map<quint32, Qt::Key> kKeys{
+        {48, Qt::Key_Tab},     {51, Qt::Key_Backspace}, {53, Qt::Key_Escape},
+        {49, Qt::Key_Space},   {36, Qt::Key_Return},    {15, Qt::Key_R},
+        {117, Qt::Key_Delete}, {kShift, Qt::Key_Shift}, {kPrint, Qt::Key_Print}};
     const auto known = kKeys.find(code);
-    return {type, known == kKeys.end() ? Qt::Key_B : known->second, held, code + 100, 0, 0};
+    return {type, known == kKeys.end() ? Qt::Key_B : known->second, held, code + 100, 0, 0, QString(), isRepeat};
   }
   /// As the window system brings them to what has the keyboard. Whether nobody else saw the key.
   bool press(quint32 code, Qt::KeyboardModifiers held = {}) {
@@ -54,8 +62,8 @@ class ShortcutRecorderTest : public testing::SettingsFixture {
     to->removeEventFilter(&seen);
     return !seen.hasSeen;
   }
-  void release(quint32 code) {
-    QKeyEvent up = keyEvent(QEvent::KeyRelease, code, {});
+  void release(quint32 code, bool isRepeat = false) {
+    QKeyEvent up = keyEvent(QEvent::KeyRelease, code, {}, isRepeat);
     QCoreApplication::sendEvent(QApplication::focusWidget(), &up);
   }
   bool type(quint32 code, Qt::KeyboardModifiers held = {}) {
@@ -155,11 +163,17 @@ TEST_F(ShortcutRecorderTest, AValidOneIsSet) {
 }
 
 TEST_F(ShortcutRecorderTest, ThePresentOneIsSetAgainAndDoesNotReview) {
+  arrive("1.png");
   start();
-  EXPECT_TRUE(type(11, Qt::MetaModifier | Qt::ControlModifier | Qt::ShiftModifier));
+  hotKeys.press(HotKeyShortcut::standard());
+  EXPECT_TRUE(press(11, Qt::MetaModifier | Qt::ControlModifier | Qt::ShiftModifier));
   EXPECT_EQ(shortcut(), HotKeyShortcut::standard());
   EXPECT_EQ(said(), (std::vector<QString>{QStringLiteral("Shortcut set to Ctrl+Shift+Super+B")}));
-  EXPECT_EQ(presenter.focuses, 0);
+  hotKeys.press(HotKeyShortcut::standard());
+  EXPECT_EQ(presenter.focuses, 0) << "nor while it is still held";
+  release(11);
+  hotKeys.press(HotKeyShortcut::standard());
+  EXPECT_EQ(presenter.focuses, 1);
 }
 
 TEST_F(ShortcutRecorderTest, EscapeLeavesTheOneThatWas) {
@@ -200,6 +214,21 @@ TEST_F(ShortcutRecorderTest, WhatCannotBeOneIsSaidUntilTheNextKey) {
   EXPECT_EQ(shortcut(), HotKeyShortcut::standard());
   type(53);
   EXPECT_FALSE(says("Shift+Escape can’t be used. Include Super, Ctrl, or Alt.")) << "gone with the recording";
+}
+
+TEST_F(ShortcutRecorderTest, AKeyThatNoShortcutHasIsSaidToBeOne) {
+  const QString text = QStringLiteral("This key can’t be used. Choose a different shortcut.");
+  start();
+  type(49);
+  announcer.said.clear();
+  EXPECT_TRUE(press(kShift, Qt::ShiftModifier));
+  EXPECT_TRUE(said().empty()) << "more is to come";
+  EXPECT_TRUE(press(kPrint, Qt::ShiftModifier));
+  EXPECT_TRUE(press(kPrint, Qt::ShiftModifier)) << "it is held";
+  EXPECT_TRUE(recorder->isRecording());
+  EXPECT_TRUE(says(text));
+  EXPECT_FALSE(says("Space can’t be used. Include Super, Ctrl, or Alt."));
+  EXPECT_EQ(said(), (std::vector<QString>{text}));
 }
 
 TEST_F(ShortcutRecorderTest, TabMovesTheFocusAndTheRecordingGoesOn) {
@@ -249,6 +278,46 @@ TEST_F(ShortcutRecorderTest, TheKeyThatEndsItIsNobodysUntilItIsLetGo) {
   EXPECT_TRUE(recorder->isRecording());
 }
 
+TEST_F(ShortcutRecorderTest, TheReleaseOfARepeatIsNone) {
+  start();
+  press(53);
+  release(53, true);
+  EXPECT_TRUE(hotKeys.isSuspended) << "it is still held";
+  EXPECT_TRUE(press(53));
+  release(53);
+  EXPECT_FALSE(hotKeys.isSuspended);
+}
+
+TEST_F(ShortcutRecorderTest, AReleaseThatGotLostIsNotWaitedForLong) {
+  recorder->patience.release = 1ms;
+  start();
+  press(53);
+  ASSERT_TRUE(hotKeys.isSuspended);
+  EXPECT_TRUE(runLoopUntil([&] { return !hotKeys.isSuspended; }));
+  EXPECT_FALSE(press(53)) << "it is everybody's";
+}
+
+TEST_F(ShortcutRecorderTest, EndsWhenNobodyTypes) {
+  recorder->patience.key = 1ms;
+  start();
+  EXPECT_TRUE(runLoopUntil([&] { return !recorder->isRecording(); }));
+  EXPECT_FALSE(hotKeys.isSuspended);
+  EXPECT_EQ(shortcut(), HotKeyShortcut::standard());
+  EXPECT_EQ(said(), (std::vector<QString>{QStringLiteral("Shortcut recording canceled")}));
+}
+
+TEST_F(ShortcutRecorderTest, EachKeyIsWaitedForAnewButNotWhatLiesOnOne) {
+  for (const quint32 key : {49U, kShift, kPrint}) {
+    recorder->patience.key = 1h;
+    start();
+    recorder->patience.key = 1ms;
+    press(key);
+    recorder->patience.key = 1h;
+    press(key);
+    EXPECT_TRUE(runLoopUntil([&] { return !recorder->isRecording(); })) << key;
+  }
+}
+
 TEST_F(ShortcutRecorderTest, NothingIsAShortcutOfTheWindowMeanwhile) {
   start();
   QKeyEvent tried = keyEvent(QEvent::ShortcutOverride, 12, Qt::ControlModifier);
@@ -276,6 +345,8 @@ TEST_F(ShortcutRecorderTest, EndsWithTheWindowThePageAndThePointerElsewhere) {
     recorder->show();
   });
   expectEnd("the pointer turns to another control", [&] { QTest::mouseClick(other, Qt::LeftButton); });
+  expectEnd("the screen is locked", [&] { systemEvents.sessionDidResign(); });
+  expectEnd("the screens are switched off", [&] { systemEvents.screensDidSleep(); });
   expectEnd("the window is closed", [&] {
     shown->close();
     shown->show();

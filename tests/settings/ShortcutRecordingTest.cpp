@@ -81,12 +81,18 @@ TEST_F(KeyDownTest, IsByTheKeysPlaceAndTheFourModifiers) {
   EXPECT_EQ(keyDown(Qt::Key_R, {}, 27, true), (KeyDown{15, 0, true}));
 }
 
-TEST_F(KeyDownTest, ModifiersLocksAndKeysWithoutACodeAreNone) {
+TEST_F(KeyDownTest, ModifiersAndLocksAreNone) {
   for (const Qt::Key key : {Qt::Key_Shift, Qt::Key_Control, Qt::Key_Meta, Qt::Key_Alt, Qt::Key_AltGr, Qt::Key_Super_L,
                             Qt::Key_Super_R, Qt::Key_CapsLock, Qt::Key_NumLock}) {
     EXPECT_FALSE(keyDown(key, {}, 27)) << key;
   }
-  EXPECT_FALSE(keyDown(Qt::Key_MediaPlay, {}, 172));
+}
+
+TEST_F(KeyDownTest, AKeyWithoutACodeIsInNoShortcut) {
+  const auto play = keyDown(Qt::Key_MediaPlay, Qt::ControlModifier, 172);
+  EXPECT_EQ(play, (KeyDown{std::nullopt, kControl, false}));
+  EXPECT_EQ(RecordedKey::of(*play).kind, Kind::unusable);
+  EXPECT_EQ(RecordedKey::of({std::nullopt, kControl, true}).kind, Kind::ignore);
 }
 
 }  // namespace

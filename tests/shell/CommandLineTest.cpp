@@ -51,6 +51,13 @@ TEST(CommandLine, ShowAndReviewAreActionsOfTheLauncherEntry) {
   EXPECT_TRUE(startOf({"--autostart", "--show", "inbox"}).isLoginLaunch);
 }
 
+TEST(CommandLine, AWindowIsClosedOnlyByAProgramThatRuns) {
+  EXPECT_EQ(startOf({"--close-window"}).action, QStringLiteral("close-window"));
+  EXPECT_TRUE(startOf({"--close-window"}).isForRunning);
+  EXPECT_FALSE(startOf({"--review"}).isForRunning);
+  EXPECT_FALSE(startOf({}).isForRunning);
+}
+
 TEST(CommandLine, AWindowThatIsNotThereIsAFailureOfItsOwn) {
   const auto status = [](const QStringList& arguments) {
     return std::get<Answer>(CommandLine::read(arguments)).status;
@@ -65,7 +72,7 @@ TEST(CommandLine, HelpNamesEveryOptionForPeopleAndNoOther) {
     const std::string text = answerOf({option}, false);
     EXPECT_THAT(text, StartsWith("Usage: quillmere [options]\nWatches"));
     for (const char* name : {"--autostart", "--show <window>", "inbox, settings, about or welcome", "--review",
-                             "-h, --help", "-v, --version"})
+                             "--close-window", "-h, --help", "-v, --version"})
       EXPECT_THAT(text, HasSubstr(name));
     EXPECT_THAT(text, Not(HasSubstr("session")));
   }
@@ -115,6 +122,12 @@ INSTANTIATE_TEST_SUITE_P(
         Misunderstood{"two things at once",
                       {"--review", "--show", "inbox"},
                       "quillmere: Both '--show' and '--review' are given. Try: quillmere --help\n"},
+        Misunderstood{"two others",
+                      {"--close-window", "--review"},
+                      "quillmere: Both '--review' and '--close-window' are given. Try: quillmere --help\n"},
+        Misunderstood{"a window to open and one to close",
+                      {"--close-window", "--show", "inbox"},
+                      "quillmere: Both '--show' and '--close-window' are given. Try: quillmere --help\n"},
         Misunderstood{"a file", {"a.png"}, "quillmere: Unexpected argument 'a.png'. Try: quillmere --help\n"},
         Misunderstood{"a session without its name",
                       {"-session"},

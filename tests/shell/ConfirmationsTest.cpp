@@ -1,13 +1,17 @@
 #include "shell/Confirmations.h"
 
 #include <gtest/gtest.h>
+#include <QtCore/QPointer>
 #include <QtCore/QTimer>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QPushButton>
 
 #include "controls/ActionButton.h"
 #include "controls/Alert.h"
+#include "shell/AcknowledgmentsPopover.h"
+#include "support/EventLoop.h"
 #include "support/Printing.h"
 
 namespace quillmere {
@@ -98,6 +102,27 @@ INSTANTIATE_TEST_SUITE_P(
                  [] { return Confirmations::watching(FileURL::fromPath("/tmp"), FileURL::fromPath("/tmp")); }},
         Question{"Watch the Computer’s Root Folder?", kWatching, "Watch This Folder",
                  [] { return Confirmations::watching(FileURL::fromPath("/"), FileURL::fromPath("/tmp")); }}));
+
+TEST(ConfirmationsOverAPopoverTest, BelongToItsWindowWhichDoesNotGo) {
+  const std::function<bool()> deletion = [] { return Confirmations::deletion(QStringLiteral("1.png")); };
+  const std::function<bool()> quit = [] { return Confirmations::quit({1, false}, nullptr); };
+  for (const auto& question : {deletion, quit, std::function<bool()>(&Confirmations::clearingRecords)}) {
+    QWidget window;
+    const QPushButton button(&window);
+    window.show();
+    const QPointer<AcknowledgmentsPopover> popover =
+        new AcknowledgmentsPopover({{QStringLiteral("Qt"), QStringLiteral("LGPL-3.0-only")}}, &window);
+    popover->setAttribute(Qt::WA_DeleteOnClose);
+    popover->openBeside(button);
+    popover->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(popover));
+    EXPECT_TRUE(answer(question, [&](const Alert& box) {
+      EXPECT_EQ(box.parentWidget(), &window);
+      EXPECT_TRUE(testing::runLoopUntil([&] { return !popover || !popover->isVisible(); }));
+      QTest::mouseClick(box.actionButton(), Qt::LeftButton);
+    }));
+  }
+}
 
 TEST(ConfirmationsOfOrdinaryFoldersTest, AreNotAskedFor) {
   EXPECT_TRUE(Confirmations::watching(FileURL::fromPath("/tmp/Shots"), FileURL::fromPath("/tmp")));

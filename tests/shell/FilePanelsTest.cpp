@@ -185,6 +185,21 @@ TEST_F(DesktopFilePanelsTest, AnOwnDialogComesWhereTheDesktopHasNoneOrLosesIt) {
   }
 }
 
+TEST_F(DesktopFilePanelsTest, APanelAskedForOverAPopoverBelongsToItsWindow) {
+  QWidget window;
+  QDialog popover(&window);
+  window.show();
+  popover.show();
+  popover.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&popover));
+  desktop.end.kind = FileDialogEnd::Kind::cancelled;
+  panels.chooseFolder({folder.url(), {}});
+  EXPECT_EQ(desktop.requests.front().owner, window.winId());
+  desktop.hasDialogs = false;
+  next([&](QFileDialog& dialog) { EXPECT_EQ(dialog.parentWidget(), &window); });
+  panels.chooseFolder({folder.url(), {}});
+}
+
 TEST_F(DesktopFilePanelsTest, OnlyTheWindowThatAskedWaitsForTheDesktop) {
   QPushButton owner, other;
   int ownClicks = 0, otherClicks = 0;

@@ -5,11 +5,12 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
+#include <QtWidgets/QPushButton>
 
+#include "fakes/FakeTray.h"
 #include "fakes/ModelFixture.h"
 #include "inbox/InboxWindow.h"
 #include "settings/SettingsWindow.h"
-#include "fakes/FakeTray.h"
 
 namespace quillmere {
 namespace {
@@ -28,7 +29,8 @@ class QuillmereAppTest : public testing::ModelFixture {
     inboxServices.thumbnails = &thumbnails;
     inboxServices.executor = &executor;
     inboxServices.defaults = defaults.get();
-    app = std::make_unique<QuillmereApp>(*model, QuillmereApp::Services{inboxServices, systemEvents, updates, tray});
+    app = std::make_unique<QuillmereApp>(*model, QuillmereApp::Services{inboxServices, systemEvents, updates, tray,
+                                                                        [this] { return screenshotOptions; }});
     for (const AppWindow window : {AppWindow::about, AppWindow::welcome}) {
       app->makers[window] = [this, window] {
         opened.push_back(window);
@@ -68,6 +70,7 @@ class QuillmereAppTest : public testing::ModelFixture {
   InboxServices inboxServices;
   SoftwareUpdateModel updates;
   testing::FakeTray tray;
+  std::function<void()> screenshotOptions;
   bool isWelcomeDue = false;
   std::vector<AppWindow> opened;
   ThumbnailLoader thumbnails{executor, [](const FileURL&) { return false; }};
@@ -221,6 +224,37 @@ TEST_F(QuillmereAppTest, TheInboxesMenusFollowWhetherUpdatesCanBeChecked) {
   EXPECT_FALSE(check()->isEnabled());
   updates.setCanCheckForUpdates(true);
   EXPECT_TRUE(check()->isEnabled());
+}
+
+TEST_F(QuillmereAppTest, TheScreenshotOptionsAreThoseThatThereAreWhenTheSettingsAreOpened) {
+  const auto options = [] {
+    for (auto* button : open<SettingsWindow>()->findChildren<QPushButton*>()) {
+      if (button->text() == QStringLiteral("Open Screenshot Tool")) return button;
+    }
+    return static_cast<QPushButton*>(nullptr);
+  };
+  start(true);
+  app->open(AppWindow::settings);
+  EXPECT_FALSE(options());
+  open<SettingsWindow>()->close();
+  int clicks = 0;
+  screenshotOptions = [&] { ++clicks; };  // a tool was installed since
+  app->open(AppWindow::settings);
+  ASSERT_TRUE(options());
+  options()->click();
+  EXPECT_EQ(clicks, 1);
+}
+
+TEST_F(QuillmereAppTest, AScreenThatIsLockedEndsTheRecordingOfAShortcut) {
+  start(true);
+  defaults->set(QStringLiteral("quillmere.settings-pane"), QStringLiteral("keyboard"));
+  app->open(AppWindow::settings);
+  for (auto* button : open<SettingsWindow>()->findChildren<QPushButton*>()) {
+    if (button->accessibleName() == QStringLiteral("Review screenshot")) button->click();
+  }
+  ASSERT_TRUE(hotKeys.isSuspended);
+  systemEvents.sessionDidResign();
+  EXPECT_FALSE(hotKeys.isSuspended);
 }
 
 TEST_F(QuillmereAppTest, AMinimizedInboxComesBack) {
@@ -392,6 +426,31 @@ TEST_F(QuillmereAppTest, TheSessionWaitsForACropThatIsBeingWritten) {
   })) << "it may be called off";
   EXPECT_FALSE(model->hasUnsavedWork());
   EXPECT_THAT(questions, IsEmpty());
+}
+
+TEST_F(QuillmereAppTest, TheSessionDoesNotWaitForeverForACrop) {
+  start(true);
+  ScreenshotItem source;
+  source.url = shots.appending("1.png");
+  executor.holdBackground();
+  model->saveAsNew(source, QImage(20, 20, QImage::Format_RGB32), QRectF(0, 0, 10, 10)).detach();
+  model->scheduleSave();
+  app->longestCommit = {};
+  EXPECT_FALSE(quits([this] { app->commitToSession(); }));
+  EXPECT_TRUE(model->isWritingCrops());
+  EXPECT_FALSE(model->hasPendingSave()) << "what can be saved is";
+}
+
+TEST_F(QuillmereAppTest, QuittingTellsWhetherItWentThrough) {
+  start(true);
+  arrive("1.png");
+  bool isAskedAgain = true;
+  whileAsked = [&] { isAskedAgain = app->quit(); };
+  EXPECT_FALSE(app->quit());
+  EXPECT_FALSE(isAskedAgain) << "the first question is still open";
+  whileAsked = nullptr;
+  confirms = true;
+  EXPECT_TRUE(quits([this] { EXPECT_TRUE(app->quit()); }));
 }
 
 TEST_F(QuillmereAppTest, ACropThatIsBeingWrittenComesFirst) {

@@ -93,7 +93,7 @@ class Installation(unittest.TestCase):
 
     def test_the_actions_of_the_launcher_entry_are_options_of_the_program(self):
         windows = [(window, ["--show", window]) for window in ("inbox", "settings", "about", "welcome")]
-        for action, options in [*windows, ("review", ["--review"])]:
+        for action, options in [*windows, ("review", ["--review"]), ("close-window", ["--close-window"])]:
             command = keys(self.place(ENTRY), "Desktop Action " + action)["Exec"].split()
             self.assertEqual(command, [f"{PREFIX}/bin/quillmere", *options])
             self.assertEqual(self.run_tool(self.place("bin/quillmere"), *options, "--help").returncode, 0)

@@ -25,7 +25,7 @@ class UpdateLibraryTest : public ::testing::Test {
   SoftwareUpdateModel model;
   UserDefaults defaults{QString::fromStdString(installation.file("settings.json").path())};
   std::unique_ptr<UpdateLibrary> library =
-      std::make_unique<UpdateLibrary>(model, defaults, UpdateLibrary::Services{[] {}, [] {}, [] {}});
+      std::make_unique<UpdateLibrary>(model, defaults, UpdateLibrary::Services{[] {}, [] {}, [] { return true; }});
 };
 
 TEST_F(UpdateLibraryTest, WithTheLibraryBesideTheProgramUpdatesCanBeChecked) {
@@ -44,7 +44,8 @@ TEST_F(UpdateLibraryTest, WhetherItChecksByItselfIsRemembered) {
   model.setChecksForUpdatesAutomatically(false);
   EXPECT_FALSE(model.checksForUpdatesAutomatically());
   EXPECT_EQ(defaults.boolean(QLatin1String(UpdateLibrary::kAutomaticKey)), false);
-  library = std::make_unique<UpdateLibrary>(model, defaults, UpdateLibrary::Services{[] {}, [] {}, [] {}});
+  library =
+      std::make_unique<UpdateLibrary>(model, defaults, UpdateLibrary::Services{[] {}, [] {}, [] { return true; }});
   ASSERT_TRUE(load());
   EXPECT_FALSE(model.checksForUpdatesAutomatically());
 }
@@ -62,6 +63,18 @@ TEST_F(UpdateLibraryTest, WithoutTheLibraryNothingCanBeChecked) {
 TEST_F(UpdateLibraryTest, ALibraryOfAnotherInterfaceIsNotUsed) {
   installation.install(QUILLMERE_OTHER_LIBRARY);
   expectNone();
+}
+
+TEST_F(UpdateLibraryTest, ALibraryThatCannotUpdateThisWayLeavesTheModelAlone) {
+  installation.install(QUILLMERE_UPDATE_LIBRARY);
+  // Nobody could be believed by it.
+  std::ofstream(installation.file("share/quillmere/authority.pem").path()) << "no certificate";
+  QByteArray configuration = testing::Installation::good();
+  configuration.replace("}", R"(,"authority":"authority.pem"})");
+  installation.configure(configuration);
+  expectNone();
+  EXPECT_FALSE(model.checkForUpdatesAction);
+  EXPECT_FALSE(model.setChecksForUpdatesAutomaticallyAction);
 }
 
 TEST_F(UpdateLibraryTest, WhatIsNoUpdateLibraryIsNotUsed) {

@@ -36,7 +36,7 @@ class LinuxPlatformStart final : public PlatformStart {
  public:
   LinuxPlatformStart() {
     beAlwaysAccessible();
-    TerminationSignals::block();
+    TerminationSignals::listen();
   }
 
   std::unique_ptr<Platform> begin(PlatformRequests requests, const QString& action) override {
@@ -45,6 +45,10 @@ class LinuxPlatformStart final : public PlatformStart {
     if (process->isOnly()) return std::make_unique<LinuxPlatform>(std::move(process));
     if (!ApplicationBus::askOther(action)) tellThatItIsTaken(process->paths().runMarker);
     return nullptr;
+  }
+  void askRunning(const QString& action) override {
+    windowPlatform_.settle();
+    ApplicationBus::askOther(action);
   }
 
  private:

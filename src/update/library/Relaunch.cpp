@@ -1,7 +1,7 @@
 #include "update/library/Relaunch.h"
 
-#include <fcntl.h>
 #include <spawn.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <array>
@@ -9,16 +9,22 @@
 namespace quillmere {
 namespace {
 
-/// Waits for the end of its input, which is the end of whoever holds the other side.
-constexpr const char* kWaiter = "read -r line; exec \"$0\" </dev/null";
+/// Waits for the end of its input, which is the end of whoever holds the other side. A line calls it off.
+constexpr const char* kWaiter = "read -r line || exec \"$0\" </dev/null";
 /// The shell in between ends at once, so that nobody has to wait for the other.
 constexpr const char* kDetacher = "/bin/sh -c \"$1\" \"$0\" <&3 3<&- &";
 
 }  // namespace
 
-bool startWhenThisEnds(const FileURL& program) {
+void WaitingStart::callOff() const {
+  // Somebody may have ended it, which must not end this one too.
+  TEMP_FAILURE_RETRY(::send(waiter_, "\n", 1, MSG_NOSIGNAL));
+  ::close(waiter_);
+}
+
+std::optional<WaitingStart> startWhenThisEnds(const FileURL& program) {
   std::array<int, 2> ends{};
-  if (::pipe2(ends.data(), O_CLOEXEC) != 0) return false;
+  if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) return std::nullopt;
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_adddup2(&actions, ends[0], 3);
@@ -35,14 +41,14 @@ bool startWhenThisEnds(const FileURL& program) {
   posix_spawn_file_actions_destroy(&actions);
   posix_spawnattr_destroy(&attributes);
   ::close(ends[0]);
-  if (failure != 0) {
-    ::close(ends[1]);
-    return false;
-  }
   int status = 0;
-  TEMP_FAILURE_RETRY(::waitpid(child, &status, 0));
+  if (failure == 0) TEMP_FAILURE_RETRY(::waitpid(child, &status, 0));
+  if (failure != 0 || !WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+    ::close(ends[1]);
+    return std::nullopt;
+  }
   // The other end stays open for as long as this process runs.
-  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+  return WaitingStart(ends[1]);
 }
 
 }  // namespace quillmere

@@ -35,7 +35,8 @@ class UpdateSession {
     std::function<void()> willShow;           ///< before the first window of a session
     std::function<void()> willFinish;         ///< after its last
     std::function<void(bool)> setInstalling;  ///< the program is about to end for it, or is not after all
-    /// Has the program started anew when this one ends, and ends this one. False where that can't be.
+    /// Has the program started anew when this one ends, and ends this one. False where that can't be
+    /// or the person has this one go on.
     std::function<bool(const FileURL& program)> relaunch;
   };
   UpdateSession(Program program, World world);

@@ -69,9 +69,11 @@ UpdateSession::World Updater::makeWorld(Executor& executor) {
           .setInstalling = [this](bool isInstalling) { host_.setInstalling(host_.context, isInstalling); },
           .relaunch =
               [this](const FileURL& program) {
-                if (!startWhenThisEnds(program)) return false;
-                host_.quit(host_.context);
-                return true;
+                const auto start = startWhenThisEnds(program);
+                if (!start) return false;
+                if (host_.quit(host_.context)) return true;
+                start->callOff();
+                return false;
               }};
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <array>
 #include <fstream>
 
 #include "foundation/FileStatus.h"
@@ -33,6 +34,23 @@ TEST_F(RelaunchTest, TheProgramStartsOnlyOnceThisOneHasEnded) {
   });
   EXPECT_EQ(code, 0);
   EXPECT_TRUE(testing::runLoopUntil([this] { return isStarted(); }));
+}
+
+TEST_F(RelaunchTest, AStartThatIsCalledOffNeverComes) {
+  // Whoever waits holds the writing end, and whatever that starts.
+  std::array<int, 2> held{};
+  ASSERT_EQ(::pipe(held.data()), 0);
+  const int code = testing::exitCodeOfChild([&] {
+    const auto start = startWhenThisEnds(program);
+    if (start) start->callOff();
+    return start ? 0 : 1;
+  });
+  EXPECT_EQ(code, 0);
+  ::close(held[1]);
+  char byte = 0;
+  EXPECT_EQ(::read(held[0], &byte, 1), 0) << "nobody is left";
+  ::close(held[0]);
+  EXPECT_FALSE(fileExists(folder.file("log")));
 }
 
 TEST_F(RelaunchTest, AnEndByASignalIsAnEndToo) {

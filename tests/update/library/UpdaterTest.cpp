@@ -1,7 +1,9 @@
 #include "update/library/Updater.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <QtWidgets/QApplication>
+#include <fstream>
 
 #include "foundation/ManualExecutor.h"
 #include "update/library/Maker.h"
@@ -26,7 +28,11 @@ struct FakeProgram {
       .setInstalling = [](void* context, bool is) { of(context).told.emplace_back(is ? "installing" : "aborted"); },
       .borrowActivation = [](void* context) { of(context).told.emplace_back("borrows"); },
       .repayActivation = [](void* context) { of(context).told.emplace_back("repays"); },
-      .quit = [](void* context) { of(context).told.emplace_back("quits"); },
+      .quit =
+          [](void* context) {
+            of(context).told.emplace_back("is asked to quit");
+            return false;
+          },
       .storedChecksAutomatically = [](void* context) { return of(context).storedAutomatic; },
       .storeChecksAutomatically = [](void* context, bool checks) { of(context).storedAutomatic = checks; },
       .storedLastCheck = [](void* context) { return of(context).lastCheck; },
@@ -113,6 +119,35 @@ TEST_F(UpdaterTest, AWindowBorrowsTheActivationAndPaysItBack) {
   executor.drain();
   EXPECT_FALSE(window());
   EXPECT_EQ(program.told, (std::vector<std::string>{"borrows", "repays"}));
+}
+
+TEST_F(UpdaterTest, WhereTheProgramGoesOnAfterAllTheUpdateIsOver) {
+  const testing::TemporaryFolder folder;
+  const FileURL file = folder.file("Quillmere.AppImage");
+  std::ofstream(file.path()) << "the old program";
+  ASSERT_EQ(::chmod(file.c_str(), 0755), 0);
+  qputenv("APPIMAGE", file.c_str());
+  qputenv("APPDIR", "/usr");
+  QJsonObject object = maker.feedOf("the new program");
+  object.insert(QStringLiteral("package"), server->url("/files/package").toString());
+  server->serve("package", "the new program");
+  server->serve("feed", maker.signedFeed(testing::Maker::json(object)));
+  make();
+  configuration.isSingleFile = true;
+  const auto updater = make(configuration);
+  updater->check();
+  ASSERT_TRUE(comesTo(UpdateNotice::Kind::found));
+  window()->accept();
+  ASSERT_TRUE(comesTo(UpdateNotice::Kind::ready));
+  window()->accept();
+  EXPECT_TRUE(testing::runLoopUntil([&] {
+    executor.drain();
+    return program.told.size() == 5;
+  }));
+  EXPECT_EQ(program.told, (std::vector<std::string>{"borrows", "installing", "is asked to quit", "aborted", "repays"}));
+  EXPECT_FALSE(window());
+  qunsetenv("APPIMAGE");
+  qunsetenv("APPDIR");
 }
 
 TEST_F(UpdaterTest, ACheckByScheduleFailsInSilence) {

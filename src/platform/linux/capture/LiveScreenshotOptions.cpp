@@ -1,26 +1,17 @@
 #include "platform/linux/capture/LiveScreenshotOptions.h"
 
 #include <glib.h>
-#include <signal.h>
 
 #include "platform/linux/capture/CaptureTools.h"
 
 namespace quillmere {
 namespace {
 
-/// Between `fork` and `exec`: nothing here may allocate. Signals that this program hears in a way of its own would be
-/// held back for all that it starts, and then end nothing.
-void letSignalsThrough(void*) {
-  sigset_t none;
-  sigemptyset(&none);
-  ::sigprocmask(SIG_SETMASK, &none, nullptr);
-}
-
 void start(std::vector<std::string> words) {
   std::vector<char*> arguments;
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
-  g_spawn_async(nullptr, arguments.data(), nullptr, G_SPAWN_DEFAULT, &letSignalsThrough, nullptr, nullptr, nullptr);
+  g_spawn_async(nullptr, arguments.data(), nullptr, G_SPAWN_DEFAULT, nullptr, nullptr, nullptr, nullptr);
 }
 
 }  // namespace

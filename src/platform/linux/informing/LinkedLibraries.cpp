@@ -21,6 +21,7 @@ constexpr std::array kRows{
     Row{"libQt6*", "Qt", kQt},
     Row{"libX11", "Xlib", "MIT AND X11"},
     Row{"libxcb*", "XCB", "X11"},
+    Row{"libxkbcommon*", "xkbcommon", "MIT AND X11 AND HPND"},
     Row{"libasan", "GCC runtime libraries", kCompiler},
     Row{"libc", "GNU C Library", kLesser},
     Row{"libdeflate", "libdeflate", "MIT"},

@@ -4,11 +4,12 @@
 #include <gio/gio.h>
 
 #include <fcntl.h>
-#include <QtCore/QFile>
 #include <QtDBus/QDBusMessage>
 #include <QtDBus/QDBusPendingCall>
 #include <QtDBus/QDBusPendingCallWatcher>
 #include <QtDBus/QDBusUnixFileDescriptor>
+
+#include "platform/linux/common/Sandbox.h"
 
 namespace quillmere {
 namespace {
@@ -30,8 +31,7 @@ std::optional<QDBusMessage> request(const FileURL& page) {
 }  // namespace
 
 LiveHelp::Surroundings LiveHelp::ofThisProcess() {
-  const bool isInside = QFile::exists(QStringLiteral("/.flatpak-info")) || qEnvironmentVariableIsSet("SNAP");
-  return isInside ? Surroundings::sandbox : Surroundings::desktop;
+  return isSandboxed() ? Surroundings::sandbox : Surroundings::desktop;
 }
 
 void LiveHelp::open(HelpAnchor anchor) {

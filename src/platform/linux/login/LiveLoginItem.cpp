@@ -1,15 +1,10 @@
 #include "platform/linux/login/LiveLoginItem.h"
 
-#include <QtCore/QFile>
-
+#include "platform/linux/common/Sandbox.h"
 #include "platform/linux/login/PortalLoginItem.h"
 #include "platform/linux/login/XdgLoginItem.h"
 
 namespace quillmere {
-
-bool isSandboxed() {
-  return QFile::exists(QStringLiteral("/.flatpak-info")) || !qEnvironmentVariableIsEmpty("container");
-}
 
 std::unique_ptr<LoginItemService> liveLoginItem(const QDBusConnection& bus, UserDefaults& defaults) {
   LoginSettings settings(LoginSettings::World::live());

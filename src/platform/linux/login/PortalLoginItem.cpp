@@ -3,6 +3,7 @@
 #include <QtDBus/QDBusArgument>
 #include <QtDBus/QDBusMessage>
 #include <QtDBus/QDBusObjectPath>
+#include <utility>
 
 #include "foundation/Localized.h"
 
@@ -50,7 +51,7 @@ void PortalLoginItem::keep(LoginItemStatus status) {
 std::optional<QString> PortalLoginItem::request(bool opensAtLogin) {
   if (!running_) return localized("Your desktop doesn’t answer.");
   const int number = ++request_;
-  before_ = opensAtLogin ? std::nullopt : std::optional(status());
+  if (!before_) before_ = status();
   keep(opensAtLogin ? LoginItemStatus::requiresApproval : LoginItemStatus::notRegistered);
   const QString token = QStringLiteral("quillmere_login%1").arg(number);
   const auto hear = [this, number, opensAtLogin](const QString& handle) {
@@ -74,29 +75,33 @@ std::optional<QString> PortalLoginItem::request(bool opensAtLogin) {
         // Portals older than 0.9 take a path of their own.
         if (handle != expected) hear(handle);
       },
-      [this, number, opensAtLogin] { take(number, opensAtLogin, {}); });
+      [this, number] { fail(number); });
   return std::nullopt;
 }
 
-/// An empty answer is a portal that cannot do it.
 void PortalLoginItem::take(int request, bool opensAtLogin, const QVariantList& arguments) {
-  if (request != request_) return;
-  const bool isAnswered = !arguments.isEmpty() && arguments.value(0).toUInt() == 0;
-  const bool starts =
-      isAnswered && qdbus_cast<QVariantMap>(arguments.value(1)).value(QStringLiteral("autostart")).toBool();
-  if (opensAtLogin) {
-    keep(starts ? LoginItemStatus::enabled : LoginItemStatus::requiresApproval);
-  } else if (!isAnswered && before_) {
-    keep(*before_);  // it still starts
-  }
+  if (request != request_ || !before_) return;
+  const bool isDone = !arguments.isEmpty() && arguments.value(0).toUInt() == 0;
+  if (!opensAtLogin && !isDone) return fail(request);  // it still starts
   before_.reset();
+  if (opensAtLogin) {
+    const bool starts =
+        isDone && qdbus_cast<QVariantMap>(arguments.value(1)).value(QStringLiteral("autostart")).toBool();
+    keep(starts ? LoginItemStatus::enabled : LoginItemStatus::requiresApproval);
+  }
+  changed();
+}
+
+/// Nobody was asked, or nobody answers: nothing has become different.
+void PortalLoginItem::fail(int request) {
+  if (request != request_ || !before_) return;
+  keep(*std::exchange(before_, std::nullopt));
   changed();
 }
 
 void PortalLoginItem::lose() {
   running_ = nullptr;
-  // One that was to forget it has not said that it did.
-  if (before_) take(request_, false, {});
+  fail(request_);
 }
 
 }  // namespace quillmere

@@ -26,6 +26,7 @@ class PortalLoginItem final : public LoginItemService {
  private:
   std::optional<QString> request(bool opensAtLogin);
   void take(int request, bool opensAtLogin, const QVariantList& arguments);
+  void fail(int request);
   void keep(LoginItemStatus status);
   void lose();
 
@@ -33,7 +34,7 @@ class PortalLoginItem final : public LoginItemService {
   UserDefaults& defaults_;
   LoginSettings settings_;
   int request_ = 0;  ///< the latest; answers to others come too late
-  /// Until a portal has said that the entry is gone, what is kept if it does not.
+  /// While one is under way, what the last that was answered led to: it is kept again if this one fails.
   std::optional<LoginItemStatus> before_;
   BusService* running_ = nullptr;
   BusService portal_;

@@ -3,6 +3,7 @@
 #include <unistd.h>
 #include <QtCore/QStandardPaths>
 #include <cerrno>
+#include <cstdio>
 #include <system_error>
 
 #include "foundation/FileCopy.h"
@@ -67,8 +68,18 @@ std::optional<QString> XdgLoginItem::unregisterItem() {
   return write(AutostartEntry::hidden(installedProgram(programs_).value_or(std::string())));
 }
 
+/// In the place of whatever has the name. A link may lead to anybody's file, which is not to be written to.
 std::optional<QString> XdgLoginItem::write(const std::string& text) const {
-  return replaceFile(places_.own, text) ? std::nullopt : std::optional(problemWith(places_.own, errno));
+  const FileURL unfinished = places_.own.parent().appending("." + std::string(kEntry) + ".new");
+  ::unlink(unfinished.c_str());
+  const bool isPlaced = replaceFile(unfinished, text) && ::rename(unfinished.c_str(), places_.own.c_str()) == 0;
+  if (isPlaced) {
+    flushFolder(places_.own.parent());
+    return std::nullopt;
+  }
+  const int number = errno;
+  ::unlink(unfinished.c_str());
+  return problemWith(places_.own, number);
 }
 
 }  // namespace quillmere

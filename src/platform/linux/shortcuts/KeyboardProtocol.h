@@ -1,6 +1,14 @@
 #pragma once
 
-// The X keyboard extension's protocol. Its header is C's and names a member "explicit".
-#define explicit explicit_  // NOLINT(clang-diagnostic-keyword-macro): there is no other way to read it
+// The X keyboard extension's protocol. Its header is C's and names a member "explicit"; there is no other way to read
+// it.
+#ifdef __clang__
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wkeyword-macro"
+#endif
+#define explicit explicit_
 #include <xcb/xkb.h>
 #undef explicit
+#ifdef __clang__
+#pragma clang diagnostic pop
+#endif

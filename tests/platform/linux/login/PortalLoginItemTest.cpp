@@ -157,12 +157,29 @@ TEST_F(PortalLoginItemTest, ARefusalStaysOneUntilItIsTurnedOff) {
   }
 }
 
-TEST_F(PortalLoginItemTest, APortalThatCannotDoItRefuses) {
+TEST_F(PortalLoginItemTest, ItIsAsBeforeWhereThePortalCannotDoIt) {
   start();
   portal->refuses = true;
   turn(true);
-  EXPECT_EQ(item->status(), Status::requiresApproval);
   ASSERT_TRUE(runLoopUntil([&] { return changes > 0; }));
+  EXPECT_EQ(item->status(), Status::notRegistered) << "nobody was asked, so nothing waits";
+  portal->refuses = false;
+  turn(true);
+  EXPECT_EQ(after(1, false), Status::requiresApproval);
+  portal->refuses = true;
+  const int before = changes;
+  turn(true);
+  ASSERT_TRUE(runLoopUntil([&] { return changes > before; }));
+  EXPECT_EQ(item->status(), Status::requiresApproval) << "of the refusal before";
+}
+
+TEST_F(PortalLoginItemTest, APortalThatGoesTakesItsQuestionAlong) {
+  start();
+  turn(true);
+  ASSERT_EQ(item->status(), Status::requiresApproval);
+  portal->vanish();
+  ASSERT_TRUE(runLoopUntil([&] { return changes > 0; }));
+  EXPECT_EQ(item->status(), Status::notRegistered);
 }
 
 TEST_F(PortalLoginItemTest, ItIsOnAgainWhereThePortalDoesNotForgetIt) {

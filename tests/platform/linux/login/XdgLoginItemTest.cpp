@@ -80,14 +80,17 @@ TEST_F(XdgLoginItemTest, ACopyThatIsNotInstalledCannot) {
   EXPECT_EQ(read(places.own), entry());
 }
 
-TEST_F(XdgLoginItemTest, ALinkToAnEntryKeptElsewhereStaysOne) {
+TEST_F(XdgLoginItemTest, WhatALinkLeadsToIsNeverWrittenTo) {
   const FileURL kept = home.file("dotfiles/entry.desktop");
-  write(kept, "[Desktop Entry]\nHidden=true\n");
+  write(kept, "somebody's notes");
   std::filesystem::create_directories(places.own.parent().path());
   std::filesystem::create_symlink(kept.path(), places.own.path());
   EXPECT_EQ(item().registerItem(), std::nullopt);
-  EXPECT_TRUE(std::filesystem::is_symlink(places.own.path()));
+  EXPECT_FALSE(std::filesystem::is_symlink(places.own.path()));
   EXPECT_EQ(status(), LoginItemStatus::enabled);
+  EXPECT_EQ(read(kept), "somebody's notes");
+  EXPECT_EQ(item().unregisterItem(), std::nullopt);
+  EXPECT_EQ(read(kept), "somebody's notes");
 }
 
 TEST_F(XdgLoginItemTest, NothingButTheEntryIsLeftInTheFolder) {

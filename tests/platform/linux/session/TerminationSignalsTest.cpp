@@ -1,7 +1,10 @@
 #include "platform/linux/session/TerminationSignals.h"
 
+#include <sys/wait.h>
 #include <unistd.h>
 #include <csignal>
+#include <cstdlib>
+#include <string>
 
 #include "support/ChildProcess.h"
 #include "support/EventLoop.h"
@@ -16,7 +19,7 @@ INSTANTIATE_TEST_SUITE_P(Signals, TerminationSignalsTest, ::testing::Values(SIGT
 /// In a process of its own, whose end an unheard signal would be.
 TEST_P(TerminationSignalsTest, ArriveAsOneCallOfTheLoop) {
   EXPECT_EQ(testing::exitCodeOfChild([] {
-              TerminationSignals::block();
+              TerminationSignals::listen();
               int heard = 0;
               const TerminationSignals signals([&] { ++heard; });
               ::kill(::getpid(), GetParam());
@@ -25,6 +28,29 @@ TEST_P(TerminationSignalsTest, ArriveAsOneCallOfTheLoop) {
               if (!testing::runLoopUntil([&] { return heard > 0; })) return 2;
               QCoreApplication::processEvents();
               return heard == 1 ? 0 : 3;
+            }),
+            0);
+}
+
+TEST_P(TerminationSignalsTest, EndWhatIsStartedFromHereAsUsual) {
+  EXPECT_EQ(testing::exitCodeOfChild([] {
+              TerminationSignals::listen();
+              const std::string command = "kill -" + std::to_string(GetParam()) + " $$";
+              const int status = std::system(command.c_str());
+              return WIFSIGNALED(status) && WTERMSIG(status) == GetParam() ? 0 : 1;
+            }),
+            0);
+}
+
+TEST_P(TerminationSignalsTest, StayIgnoredWhereWhoeverStartedItWantsThat) {
+  EXPECT_EQ(testing::exitCodeOfChild([] {
+              std::signal(GetParam(), SIG_IGN);
+              TerminationSignals::listen();
+              int heard = 0;
+              const TerminationSignals signals([&] { ++heard; });
+              ::kill(::getpid(), GetParam());
+              QCoreApplication::processEvents();
+              return heard;
             }),
             0);
 }
