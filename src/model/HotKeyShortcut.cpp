@@ -61,7 +61,7 @@ struct FixedName {
   QString spelled;
 };
 std::optional<FixedName> fixedName(quint32 keyCode) {
-  const auto same = [](QString name) { return FixedName{name, name}; };
+  const auto same = [](const QString& name) { return FixedName{name, name}; };
   switch (keyCode) {
     case 36:
       return same(localized("Return"));

@@ -12,6 +12,8 @@ from steps import quit_program
 
 KEPT, READY = "Screenshot kept.", "Screenshot ready for a decision. Press Ctrl+Shift+Super+B to review it."
 NOTHING = "No screenshots are waiting for a decision."
+# Each is said whole before the next, at about 14 letters a second; a few of them wait for each other.
+TELLING = 40
 IMPORTANT, MESSAGE = 1, 2
 POLITE, ASSERTIVE = 1, 2
 
@@ -47,7 +49,7 @@ def orca_listens(desktop, speech):
     # Its listeners are registered by then, and the program hears of them in a moment.
     wait_until("Orca hears of the program", lambda: (review_nothing(desktop), said(speech, NOTHING))[1], 30)
     keep_one(desktop)
-    wait_until("Orca says that it is kept", lambda: said(speech, KEPT))
+    wait_until("Orca says that it is kept", lambda: said(speech, KEPT), TELLING)
     for text in (KEPT, READY):
         expect(f"“{text}” is spoken once, not {said(speech, text)}", len(said(speech, text)) == 1)
     each_is_heard(desktop, speech)
@@ -65,14 +67,14 @@ def each_is_heard(desktop, speech):
     first, second = captures.save(desktop.folder), captures.save(desktop.folder)
     desktop.popup.wait_for(first)
     wait_until("another waits", lambda: desktop.popup.waiting_count == 1)
-    wait_until("the first is told of", lambda: len(said(speech, READY)) == 2)
+    wait_until("the first is told of", lambda: len(said(speech, READY)) == 2, TELLING)
     desktop.popup.press("Keep")
     desktop.popup.wait_for(second)
     wait_until("that the first is kept is heard, and that the second is ready",
-               lambda: (len(said(speech, KEPT)), len(said(speech, READY))) == (2, 3))
+               lambda: (len(said(speech, KEPT)), len(said(speech, READY))) == (2, 3), TELLING)
     desktop.popup.press("Keep")
     desktop.popup.wait_gone()
-    wait_until("that the second is kept is heard too", lambda: len(said(speech, KEPT)) == 3)
+    wait_until("that the second is kept is heard too", lambda: len(said(speech, KEPT)) == 3, TELLING)
 
 
 def said(speech, text):

@@ -1,4 +1,4 @@
-// Draws the Welcome and About windows in all their states, for people to look at.
+// Draws the Welcome and About windows and the tray's menu in all their states, for people to look at.
 //
 //   shell_pictures FOLDER [--dark] [--contrast] [--rtl] [--flat] [--font NAME SIZE] [--accent COLOUR]
 //   [--texts FOLDER-OF-A-CATALOGUE] [--only NAME]
@@ -8,13 +8,16 @@
 #include <QtCore/QDir>
 #include <QtGui/QPainter>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QMenu>
 #include <QtWidgets/QPushButton>
 #include <cstdio>
 
 #include "PictureAppearance.h"
 #include "controls/ApplicationAppearance.h"
 #include "controls/Theme.h"
+#include "fakes/ModelFixture.h"
 #include "shell/AboutWindow.h"
+#include "shell/MenuBarExtra.h"
 #include "shell/WelcomeWindow.h"
 #include "support/PrivateEnvironment.h"
 
@@ -104,6 +107,30 @@ QImage about(const char* build, bool showsAcknowledgments) {
   return composed(window);
 }
 
+/// The model that the tray's menu follows.
+class WatchingModel final : public testing::ModelFixture {
+ public:
+  WatchingModel() {
+    firstShortcut = HotKeyShortcut::standard();
+    launchWatching();
+  }
+
+ private:
+  void TestBody() override {}
+};
+
+QImage trayMenu(bool canCheckForUpdates) {
+  const WatchingModel world;
+  Tray tray;
+  SoftwareUpdateModel updates;
+  updates.setCanCheckForUpdates(canCheckForUpdates);
+  MenuBarExtra extra(*world.model, updates, tray, {[] {}, [] {}, [] {}, [] {}});
+  extra.setShown(true);
+  extra.menu()->popup({400, 100});
+  for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
+  return composed(*extra.menu());
+}
+
 struct Picture {
   const char* name;
   std::function<QImage()> draw;
@@ -115,6 +142,8 @@ const std::vector<Picture> kPictures{
     {"about", [] { return about("", false); }},
     {"about-build", [] { return about("2026112304", false); }},
     {"acknowledgments", [] { return about("", true); }},
+    {"tray-menu", [] { return trayMenu(false); }},
+    {"tray-menu-updates", [] { return trayMenu(true); }},
 };
 
 }  // namespace
