@@ -160,6 +160,7 @@ TEST_F(AppModelSettings, EachSettingIsWrittenWhenItChanges) {
 
 TEST_F(AppModelSettings, ASettingThatKeepsItsValueIsNotWritten) {
   makeModel();
+  std::filesystem::remove(settingsFile.path());
   model->setMenuBarEnabled(true);
   model->setPopupAutoSaveSeconds(10);
   EXPECT_FALSE(fileExists(settingsFile));
