@@ -110,6 +110,8 @@ QImage about(const char* build, bool showsAcknowledgments) {
 /// The model that the tray's menu follows.
 class WatchingModel final : public testing::ModelFixture {
  public:
+  using testing::ModelFixture::model;
+
   WatchingModel() {
     firstShortcut = HotKeyShortcut::standard();
     launchWatching();
