@@ -14,6 +14,7 @@
 
 #include "PictureAppearance.h"
 #include "controls/ApplicationAppearance.h"
+#include "controls/KeyNames.h"
 #include "controls/Theme.h"
 #include "fakes/ModelFixture.h"
 #include "shell/AboutWindow.h"
@@ -174,6 +175,8 @@ int main(int argc, char** argv) {
   if (const QString texts = argument("--texts"); !texts.isEmpty()) {
     QDir::addSearchPath(QStringLiteral("catalogues"), texts);
   }
+  KeyNames keyNames;
+  QCoreApplication::installTranslator(&keyNames);
   ApplicationAppearance look;
   look.show(quillmere::testing::pictureAppearance(arguments));
   look.setCompositing([isFlat = arguments.contains(QStringLiteral("--flat"))] { return !isFlat; });
