@@ -28,13 +28,16 @@ def bind_in_window_manager(desktop):
     os.makedirs(folder)
     with open(os.path.join(folder, "rc.xml"), "w", encoding="utf-8") as file:
         file.write(OPENBOX.format(marker=marker))
-    desktop.run("openbox", "--reconfigure")
 
     def takes():
+        # Asked anew each time: one that is still starting hears nothing.
+        desktop.run("openbox", "--reconfigure")
+        time.sleep(0.5)
         desktop.key("super+alt+r")
+        time.sleep(0.5)
         return os.path.exists(marker)
 
-    wait_until("the window manager takes the keys", takes)
+    wait_until("the window manager takes the keys", takes, 30)
     os.remove(marker)
     return marker
 
