@@ -4,8 +4,8 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMenu>
 
-#include "fakes/ModelFixture.h"
 #include "fakes/FakeTray.h"
+#include "fakes/ModelFixture.h"
 
 namespace quillmere {
 namespace {
