@@ -11,9 +11,9 @@
 #include "formats/ImageFile.h"
 #include "formats/ImageOperations.h"
 #include "formats/ImageScale.h"
-#include "formats/PngChunks.h"
+#include "png/PngChunks.h"
 #include "formats/PngReader.h"
-#include "formats/PngTexts.h"
+#include "png/PngTexts.h"
 
 using namespace quillmere;
 

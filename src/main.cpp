@@ -2,10 +2,10 @@
 
 #include "controls/ApplicationAppearance.h"
 #include "controls/KeyNames.h"
-#include "formats/ThumbnailLoader.h"
 #include "model/AppModel.h"
 #include "popup/CapturePromptPanelController.h"
 #include "popup/LivePanelScreens.h"
+#include "reading/ThumbnailLoader.h"
 #include "shell/AboutWindow.h"
 #include "shell/CommandLine.h"
 #include "shell/Confirmations.h"
@@ -65,7 +65,7 @@ int main(int argc, char** argv) {
   platform->followAppearance([&look](const Appearance& appearance) { look.show(appearance); });
   FilePanels filePanels(platform->fileDialogs());
   ThumbnailLoader thumbnails(
-      platform->executor(), [&](const FileURL& url) { return platform->isDataless(url); },
+      platform->executor(), platform->pictures(), [&](const FileURL& url) { return platform->isDataless(url); },
       platform->sharedThumbnails());
   CapturePromptPanelController::Services popupServices = platform->popupServices();
   look.setCompositing([windows = popupServices.windowSystem] { return windows->isCompositing(); });

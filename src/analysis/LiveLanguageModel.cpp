@@ -45,8 +45,13 @@ std::optional<QString> ModelServerPlaces::environmentAddress() {
   return text.isEmpty() ? std::nullopt : std::optional(text);
 }
 
-LiveLanguageModel::LiveLanguageModel(Executor& executor, ModelServerPlaces places, std::function<Date()> now)
-    : executor_(executor), places_(std::move(places)), now_(std::move(now)), client_(executor) {}
+LiveLanguageModel::LiveLanguageModel(Executor& executor, std::shared_ptr<PictureReading> pictures,
+                                     ModelServerPlaces places, std::function<Date()> now)
+    : executor_(executor),
+      pictures_(std::move(pictures)),
+      places_(std::move(places)),
+      now_(std::move(now)),
+      client_(executor) {}
 
 std::vector<LocalServerAddress> LiveLanguageModel::addresses() const {
   std::vector<LocalServerAddress> addresses;
@@ -152,11 +157,12 @@ Task<ModelResponse> LiveLanguageModel::respond(Self self, ModelRequest request) 
 
 Task<ModelResponse> LiveLanguageModel::ask(Self self, Found found, ModelRequest request) {
   // Reading the picture and coding it take long; so does a reply that means harm.
-  auto preparing = self->executor_.background([found, request]() -> std::optional<HttpRequest> {
-    const auto picture = ModelPicture::read(request.picture);
-    if (!picture) return std::nullopt;
-    return found.model.server->question(request, *picture, found.model.name);
-  });
+  auto preparing =
+      self->executor_.background([found, request, pictures = self->pictures_]() -> std::optional<HttpRequest> {
+        const auto picture = ModelPicture::read(*pictures, request.picture);
+        if (!picture) return std::nullopt;
+        return found.model.server->question(request, *picture, found.model.name);
+      });
   const std::optional<HttpRequest> question = co_await preparing;
   if (!self || co_await isCancelled) co_return ModelFailure(AnalysisCancelled());
   if (!question) co_return ModelFailure(ModelError{ModelError::Kind::other});

@@ -10,6 +10,7 @@
 #include "description/LanguageModel.h"
 #include "foundation/Executor.h"
 #include "foundation/Weak.h"
+#include "reading/PictureReading.h"
 
 namespace quillmere {
 
@@ -39,7 +40,8 @@ struct ModelServerPlaces {
 class LiveLanguageModel final : public LanguageModel {
  public:
   /// The executor outlives this. What is under way when this goes is dropped with those who wait for it.
-  LiveLanguageModel(Executor& executor, ModelServerPlaces places, std::function<Date()> now);
+  LiveLanguageModel(Executor& executor, std::shared_ptr<PictureReading> pictures, ModelServerPlaces places,
+                    std::function<Date()> now);
 
   /// Not eligible without a server, not enabled without a model that sees pictures, not ready while it is loaded.
   Task<std::optional<AnalysisError::Unavailability>> availability() override;
@@ -70,6 +72,7 @@ class LiveLanguageModel final : public LanguageModel {
   bool mayBeAsked(const ServerListener& listener) const;
 
   Executor& executor_;
+  std::shared_ptr<PictureReading> pictures_;
   ModelServerPlaces places_;
   std::function<Date()> now_;
   std::optional<Found> found_;

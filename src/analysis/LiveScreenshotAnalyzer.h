@@ -1,19 +1,22 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 
+#include "analysis/RecognitionThreads.h"
 #include "description/ImageAnalysisService.h"
 #include "model/ScreenshotAnalyzing.h"
-#include "recognition/EnginePool.h"
+#include "reading/PictureReading.h"
 
 namespace quillmere {
 
-/// Text by the recognition engine inside this process, descriptions by a model server of this machine. An evicted
+/// Text by who reads pictures, descriptions by a model server of this machine. An evicted
 /// file is never read: that would bring its data here.
 class LiveScreenshotAnalyzer final : public ScreenshotAnalyzing {
  public:
   /// All of them outlive this. `isDataless` is called on any thread.
-  LiveScreenshotAnalyzer(Executor& executor, LanguageModel& model, std::function<bool(const FileURL&)> isDataless);
+  LiveScreenshotAnalyzer(Executor& executor, LanguageModel& model, std::shared_ptr<PictureReading> pictures,
+                         std::function<bool(const FileURL&)> isDataless);
 
   Task<std::optional<AnalysisError::Unavailability>> availability() override { return service_.availability(); }
   Task<DescribeOutcome> describe(FileURL url, std::optional<QString> text) override;
@@ -23,8 +26,9 @@ class LiveScreenshotAnalyzer final : public ScreenshotAnalyzing {
  private:
   Executor& executor_;
   ImageAnalysisService service_;
+  std::shared_ptr<PictureReading> pictures_;
   std::function<bool(const FileURL&)> isDataless_;
-  EnginePool engines_;
+  RecognitionThreads threads_;
 };
 
 }  // namespace quillmere

@@ -2,9 +2,7 @@
 
 #include <algorithm>
 
-#include "formats/ImageEncoding.h"
-#include "formats/ImageFile.h"
-#include "formats/ImageOperations.h"
+#include "reading/PictureBytes.h"
 
 namespace quillmere {
 namespace {
@@ -29,18 +27,19 @@ ModelPicture made(QByteArray bytes, PictureFormat format) {
 
 }  // namespace
 
-std::optional<ModelPicture> ModelPicture::read(const FileURL& url) {
-  const auto file = ImageFile::bytesOf(url);
-  const auto size = ImageFile::pixelSize(url);
-  if (!file || !size) return std::nullopt;
-  const auto format = ImageFile::formatOf(*file);
-  const bool isSmall =
-      std::max(size->width(), size->height()) <= kLongestSide && static_cast<qsizetype>(file->size()) <= kMostOwnBytes;
-  if (isSmall && format && isReadByEveryServer(*format)) return made(QByteArray::fromStdString(*file), *format);
-
-  const QImage image = ImageFile::thumbnail(url, kLongestSide);
+std::optional<ModelPicture> ModelPicture::read(PictureReading& pictures, const FileURL& url) {
+  const auto head = pictures.head(url);
+  if (!head) return std::nullopt;
+  if (isReadByEveryServer(head->format) && std::max(head->size.width(), head->size.height()) <= kLongestSide) {
+    const auto file = pictureBytes(url);
+    if (!file) return std::nullopt;
+    if (static_cast<qsizetype>(file->size()) <= kMostOwnBytes)
+      return made(QByteArray::fromStdString(*file), head->format);
+  }
+  const std::atomic<bool> isStopped = false;
+  const QImage image = pictures.thumbnail(url, kLongestSide, isStopped);
   if (image.isNull()) return std::nullopt;
-  auto encoded = ImageOperations::encode(image, PictureFormat::png);
+  auto encoded = pictures.encoded(image, PictureFormat::png);
   if (!encoded) return std::nullopt;
   return made(*std::move(encoded), PictureFormat::png);
 }

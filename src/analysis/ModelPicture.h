@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "foundation/FileURL.h"
+#include "reading/PictureReading.h"
 
 namespace quillmere {
 
@@ -17,8 +18,8 @@ struct ModelPicture {
   const char* type = "";  ///< its content type
 
   /// The file's own bytes where every server can read them and they are small enough, otherwise a smaller PNG. None
-  /// when the file cannot be read. Any thread.
-  static std::optional<ModelPicture> read(const FileURL& url);
+  /// when the file cannot be read. Not for the main thread.
+  static std::optional<ModelPicture> read(PictureReading& pictures, const FileURL& url);
 };
 
 }  // namespace quillmere

@@ -1,6 +1,6 @@
 #include "controls/PictureMimeData.h"
 
-#include "formats/ImageFile.h"
+#include "reading/PictureBytes.h"
 
 namespace quillmere {
 namespace {
@@ -52,7 +52,7 @@ QVariant PictureMimeData::retrieveData(const QString& format, QMetaType) const {
 QByteArray PictureMimeData::bytes() const {
   if (data_ || files_.empty()) return data_.value_or(QByteArray());
   // Not by a Qt file: a name that is not text has none.
-  const auto read = ImageFile::bytesOf(files_.front());
+  const auto read = pictureBytes(files_.front());
   return read ? QByteArray(read->data(), static_cast<qsizetype>(read->size())) : QByteArray();
 }
 

@@ -4,8 +4,8 @@
 #include <functional>
 
 #include "controls/FittedPicture.h"
-#include "formats/ThumbnailLoader.h"
 #include "foundation/Weak.h"
+#include "reading/ThumbnailLoader.h"
 #include "records/FileIdentity.h"
 
 namespace quillmere {

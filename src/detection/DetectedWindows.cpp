@@ -2,20 +2,10 @@
 
 #include "detection/VisionRectangles.h"
 #include "detection/WindowDetector.h"
+#include "detection/WindowShadow.h"
 #include "pixels/PixelRects.h"
 
 namespace quillmere::ImageOperations {
-namespace {
-
-/// By the first of these that tells them apart.
-bool isBetter(const DetectedWindow& a, const DetectedWindow& b) {
-  if (a.isCovered != b.isCovered) return !a.isCovered;
-  if (a.hasTitleBarButtons != b.hasTitleBarButtons) return a.hasTitleBarButtons;
-  if (a.isFullyDrawn != b.isFullyDrawn) return a.isFullyDrawn;
-  return rectArea(a.frame) > rectArea(b.frame);
-}
-
-}  // namespace
 
 std::vector<DetectedWindow> detectWindows(const QImage& image, std::optional<double> scale) {
   // One gray copy for the outlines and the shadows.
@@ -33,14 +23,6 @@ std::vector<DetectedWindow> detectWindows(const GrayImage& gray, std::optional<d
                        found.isFullyDrawn, found.isCovered, found.isEnclosed});
   }
   return windows;
-}
-
-std::optional<DetectedWindow> primaryWindow(const std::vector<DetectedWindow>& windows) {
-  std::optional<DetectedWindow> best;
-  for (const DetectedWindow& window : windows) {
-    if (!window.isEnclosed && (!best || isBetter(window, *best))) best = window;
-  }
-  return best;
 }
 
 }  // namespace quillmere::ImageOperations

@@ -8,23 +8,9 @@
 
 #include "detection/ShadowProfile.h"
 #include "pixels/GrayImage.h"
+#include "reading/DetectedWindow.h"
 
 namespace quillmere {
-
-/// How many pixels a window's drop shadow reaches beyond its frame, to add on each side.
-struct WindowShadowMargin {
-  enum class Source {
-    measured,   ///< at least one side gave a shadow that can be trusted
-    estimated,  ///< the surroundings cannot be read: a typical shadow
-    none,       ///< there is no shadow, or nothing can be said: all margins are 0
-  };
-  double left = 0;
-  double top = 0;
-  double right = 0;
-  double bottom = 0;
-  Source source = Source::none;
-  bool operator==(const WindowShadowMargin&) const = default;
-};
 
 /// Measures drop shadows. A shadow is a smooth fall-off of brightness over whatever lies behind the window: a line is
 /// fitted to the background farther out, and the shadow is where pixels near the window drop below it.

@@ -1,9 +1,9 @@
 #include "editor/ImageEditor.h"
 
 #include "editor/WindowCandidate.h"
-#include "formats/ScreenPicture.h"
 #include "foundation/Localized.h"
 #include "foundation/OnCancel.h"
+#include "reading/ScreenPicture.h"
 
 namespace quillmere {
 

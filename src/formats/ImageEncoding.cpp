@@ -7,8 +7,8 @@
 #include <new>
 
 #include "formats/HeifFile.h"
-#include "formats/PngChunks.h"
 #include "formats/PngWriter.h"
+#include "png/PngChunks.h"
 
 namespace quillmere {
 namespace {
@@ -83,10 +83,6 @@ std::optional<QByteArray> encoded(const QImage& image, PictureFormat format) {
 }
 
 }  // namespace
-
-PictureFormat ImageOperations::imageType(const FileURL& url) {
-  return formatOfExtension(url.pathExtension()).value_or(PictureFormat::png);
-}
 
 Result<QByteArray, ImageOperations::OperationError> ImageOperations::encode(const QImage& image, PictureFormat format) {
   if (image.isNull() || !traits(format).isWritable) return OperationError::encoding;

@@ -9,11 +9,11 @@
 #include <functional>
 
 #include "formats/HeifFile.h"
-#include "formats/PngChunks.h"
 #include "formats/PngOrientation.h"
 #include "formats/PngReader.h"
 #include "foundation/FileStatus.h"
 #include "pixels/Downscaler.h"
+#include "png/PngChunks.h"
 
 namespace quillmere {
 namespace {
@@ -155,7 +155,7 @@ bool hasEndMark(std::string_view bytes, PictureFormat format) {
   return tail.find(traits(format).endMark) != std::string_view::npos;
 }
 
-bool isWhole(std::string_view bytes) {
+bool isWholePicture(std::string_view bytes) {
   const auto format = ImageFile::formatOf(bytes);
   if (!format) return false;
   switch (*format) {
@@ -198,7 +198,7 @@ QImage decodedSmall(std::string_view bytes, int maxPixels) {
 }
 
 /// Upright, from the header alone.
-std::optional<QSize> sizeIn(QFile& file, PictureFormat format, const FileURL& url) {
+std::optional<QSize> sizeIn(QFile& file, PictureFormat format) {
   switch (format) {
     case PictureFormat::png: {
       const auto size = GeneralReader(file, format).size();
@@ -208,11 +208,18 @@ std::optional<QSize> sizeIn(QFile& file, PictureFormat format, const FileURL& ur
     case PictureFormat::jpeg:
       return GeneralReader(file, format).size();
     case PictureFormat::heif: {
-      const auto bytes = ImageFile::bytesOf(url);
-      return bytes ? HeifFile(*bytes).size() : std::nullopt;
+      if (file.size() > kMostFileBytes) return std::nullopt;
+      const QByteArray bytes = file.readAll();
+      return HeifFile({bytes.constData(), static_cast<size_t>(bytes.size())}).size();
     }
   }
   return std::nullopt;
+}
+
+std::optional<ImageFile::Head> headIn(QFile& file) {
+  const auto format = ImageFile::formatOf(file.peek(16).toStdString());
+  const auto size = format ? sizeIn(file, *format) : std::nullopt;
+  return size ? std::optional(ImageFile::Head{*format, *size}) : std::nullopt;
 }
 
 }  // namespace
@@ -233,12 +240,18 @@ bool ImageFile::decodesCompletely(const FileURL& url) {
   return bytes && isWhole(*bytes);
 }
 
+bool ImageFile::isWhole(std::string_view bytes) {
+  return isWholePicture(bytes);
+}
+
 std::optional<ImageFile::Head> ImageFile::head(const FileURL& url) {
   OpenFile file(url);
-  if (!file.isOpen()) return std::nullopt;
-  const auto format = formatOf(file.device().peek(16).toStdString());
-  const auto size = format ? sizeIn(file.device(), *format, url) : std::nullopt;
-  return size ? std::optional(Head{*format, *size}) : std::nullopt;
+  return file.isOpen() ? headIn(file.device()) : std::nullopt;
+}
+
+std::optional<ImageFile::Head> ImageFile::head(int descriptor) {
+  QFile file;
+  return file.open(descriptor, QIODevice::ReadOnly, QFileDevice::DontCloseHandle) ? headIn(file) : std::nullopt;
 }
 
 std::optional<QSize> ImageFile::pixelSize(const FileURL& url) {

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "foundation/FileURL.h"
+#include "reading/PictureReading.h"
 #include "records/PictureFormat.h"
 
 namespace quillmere {
@@ -19,13 +20,14 @@ namespace ImageFile {
 
 /// Whether the file is a whole picture: its format's end is there and it decodes without error.
 bool decodesCompletely(const FileURL& url);
+/// The same of a file that was read already.
+bool isWhole(std::string_view bytes);
 
 /// What the header alone tells.
-struct Head {
-  PictureFormat format;
-  QSize size;  ///< upright, in pixels
-};
+using Head = PictureHead;
 std::optional<Head> head(const FileURL& url);
+/// The same of an open file, which stays open.
+std::optional<Head> head(int descriptor);
 /// The size of it alone.
 std::optional<QSize> pixelSize(const FileURL& url);
 

@@ -4,8 +4,8 @@
 
 #include "formats/HeifFile.h"
 #include "formats/ImageFile.h"
-#include "formats/PngChunks.h"
 #include "formats/TiffTags.h"
+#include "png/PngChunks.h"
 
 namespace quillmere {
 namespace {

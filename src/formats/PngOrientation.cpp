@@ -5,8 +5,8 @@
 #include <array>
 #include <string>
 
-#include "formats/PngChunks.h"
 #include "formats/TiffTags.h"
+#include "png/PngChunks.h"
 
 namespace quillmere {
 namespace {

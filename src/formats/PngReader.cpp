@@ -11,10 +11,10 @@
 #include <vector>
 
 #include "formats/LargeBuffer.h"
-#include "formats/PlainPng.h"
-#include "formats/PngChunks.h"
 #include "formats/PngFilters.h"
 #include "pixels/Downscaler.h"
+#include "png/PlainPng.h"
+#include "png/PngChunks.h"
 
 namespace quillmere {
 namespace {

@@ -10,8 +10,8 @@
 #include <string>
 
 #include "formats/LargeBuffer.h"
-#include "formats/PngChunks.h"
 #include "formats/PngRowFilter.h"
+#include "png/PngChunks.h"
 
 namespace quillmere {
 namespace {

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "controls/HelpAnchor.h"
-#include "formats/ThumbnailLoader.h"
 #include "foundation/Executor.h"
 #include "foundation/UserDefaults.h"
 #include "model/Sharing.h"
+#include "reading/ThumbnailLoader.h"
 
 namespace quillmere {
 

@@ -6,9 +6,9 @@
 #include <optional>
 #include <vector>
 
-#include "formats/ThumbnailLoader.h"
 #include "foundation/Weak.h"
 #include "inbox/QuickLookPlacement.h"
+#include "reading/ThumbnailLoader.h"
 #include "records/FileIdentity.h"
 
 namespace quillmere {

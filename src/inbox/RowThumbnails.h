@@ -4,8 +4,8 @@
 #include <deque>
 #include <functional>
 
-#include "formats/ThumbnailLoader.h"
 #include "foundation/Weak.h"
+#include "reading/ThumbnailLoader.h"
 #include "records/ScreenshotItem.h"
 
 namespace quillmere {

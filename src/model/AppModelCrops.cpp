@@ -1,10 +1,10 @@
-#include "formats/ImageEncoding.h"
-#include "formats/ImageOperations.h"
-#include "formats/ImageWriting.h"
 #include "foundation/FileStatus.h"
 #include "foundation/Interruptible.h"
 #include "foundation/Localized.h"
+#include "foundation/OnCancel.h"
 #include "model/AppModel.h"
+#include "reading/ImageWriting.h"
+#include "reading/PictureCrop.h"
 
 namespace quillmere {
 namespace {
@@ -12,11 +12,11 @@ namespace {
 using ImageOperations::Failure;
 using ImageOperations::OperationError;
 
-Result<FileURL, Failure> writeCropAsNew(const FileURL& folder, const QString& stem, const QImage& image,
-                                        const QRectF& rect) {
+Result<FileURL, Failure> writeCropAsNew(PictureReading& pictures, const FileURL& folder, const QString& stem,
+                                        const QImage& image, const QRectF& rect) {
   const auto cropped = ImageOperations::crop(image, rect);
   if (!cropped) return Failure(cropped.reason());
-  const auto data = ImageOperations::encode(*cropped, PictureFormat::png);
+  const auto data = pictures.encoded(*cropped, PictureFormat::png);
   if (!data) return Failure(data.reason());
   return ImageOperations::writeNewFile(*data, folder.appending("crop"), stem);
 }
@@ -35,19 +35,25 @@ Task<Result<AppModel::OpenedPicture, OperationError>> AppModel::runOpening(Weak<
   auto stamping = self->dependencies_.executor->background(
       [url = item.url, identity = self->dependencies_.fileIdentity] { return fileStamp(url, identity); });
   const auto stamp = co_await stamping;
-  const bool isStopped = co_await isCancelled;
-  if (!self || isStopped) co_return OperationError::unreadable;
+  const bool isUnwanted = co_await isCancelled;
+  if (!self || isUnwanted) co_return OperationError::unreadable;
   if (detectsWindows) {
     auto scanning = interruptible(self->dependencies_.scanWindows(item.url));
     const auto scan = co_await scanning;
     if (!scan) co_return scan.reason();
     co_return OpenedPicture{scan->image, scan->windows, stamp};
   }
-  const std::function<Result<QImage, OperationError>()> work = [url = item.url,
+  const auto isStopped = std::make_shared<std::atomic<bool>>(false);
+  OnCancel stopping([isStopped] { *isStopped = true; });
+  co_await stopping;
+  const std::function<Result<QImage, OperationError>()> work = [url = item.url, isStopped,
+                                                                pictures = self->dependencies_.pictures,
                                                                 isDataless = self->dependencies_.isDataless] {
     // Reading it would download it.
     if (isDataless(url)) return Result<QImage, OperationError>(OperationError::unreadable);
-    return ImageOperations::loadImage(url);
+    QImage image = pictures->picture(url, *isStopped);
+    if (image.isNull()) return Result<QImage, OperationError>(OperationError::unreadable);
+    return Result<QImage, OperationError>(std::move(image));
   };
   auto reading = self->dependencies_.executor->background(work);
   const auto image = co_await reading;
@@ -158,8 +164,9 @@ Task<Result<UUID, QString>> AppModel::runWriting(Weak<AppModel> self, Screenshot
   const auto folder = *self->watchFolderURL;
   if (!folder) co_return description(OperationError::noScreenshotFolder);
   const QString stem = localized("%@ Crop", {source.url.displayStem()});
-  const std::function<Result<FileURL, Failure>()> work = [folder, stem, image, rect] {
-    return writeCropAsNew(*folder, stem, image, rect);
+  const std::function<Result<FileURL, Failure>()> work = [folder, stem, image, rect,
+                                                          pictures = self->dependencies_.pictures] {
+    return writeCropAsNew(*pictures, *folder, stem, image, rect);
   };
   auto writing = self->dependencies_.executor->background(work);
   const auto written = co_await writing;

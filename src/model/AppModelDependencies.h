@@ -4,7 +4,6 @@
 #include <functional>
 #include <optional>
 
-#include "detection/WindowScan.h"
 #include "foundation/Executor.h"
 #include "foundation/SystemEvents.h"
 #include "foundation/UserDefaults.h"
@@ -146,6 +145,7 @@ struct AppModelDependencies {
 
   TransferFiles transferFiles;
 
+  std::shared_ptr<PictureReading> pictures;
   std::function<Task<Result<ImageOperations::WindowScan, ImageOperations::OperationError>>(const FileURL&)> scanWindows;
   std::function<Date()> now;
   std::function<QTimeZone()> timeZone;

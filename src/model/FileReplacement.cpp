@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "formats/ImageEncoding.h"
-#include "formats/ImageOperations.h"
-#include "formats/ImageWriting.h"
 #include "foundation/FileStatus.h"
+#include "reading/ImageWriting.h"
+#include "reading/PictureCrop.h"
 
 namespace quillmere {
 namespace {
@@ -15,10 +14,11 @@ using ImageOperations::Failure;
 using ImageOperations::OperationError;
 
 /// The crop beside the original, in the original's format.
-Result<FileURL, Failure> writeCropBeside(const FileURL& original, const QImage& image, const QRectF& rect) {
+Result<FileURL, Failure> writeCropBeside(PictureReading& pictures, const FileURL& original, const QImage& image,
+                                         const QRectF& rect) {
   const auto cropped = ImageOperations::crop(image, rect);
   if (!cropped) return Failure(cropped.reason());
-  const auto data = ImageOperations::encode(*cropped, ImageOperations::imageType(original));
+  const auto data = pictures.encoded(*cropped, ImageOperations::imageType(original));
   if (!data) return Failure(data.reason());
   return ImageOperations::writeReplacement(*data, original);
 }
@@ -59,8 +59,9 @@ Task<std::optional<QString>> FileReplacement::run(Weak<FileReplacement> self, UU
   const Task<> sweeping = self->sweep_;
   if (sweeping) co_await sweeping;
   if (!self) co_return description(OperationError::unreadable);
-  const std::function<Result<FileURL, Failure>()> work = [original, image, rect] {
-    return writeCropBeside(original, image, rect);
+  const std::function<Result<FileURL, Failure>()> work = [original, image, rect,
+                                                          pictures = self->dependencies_.pictures] {
+    return writeCropBeside(*pictures, original, image, rect);
   };
   auto writing = self->dependencies_.executor->background(work);
   const auto temporary = co_await writing;

@@ -109,7 +109,8 @@ Task<bool> PictureTransfers::runCropCopy(Weak<PictureTransfers> self, QImage ima
   const int number = ++self->copies_;
   PromptPreviewTransfer transfer;
   transfer.crop = PromptPreviewTransfer::Crop{std::move(image), rect};
-  auto encoding = self->dependencies_.executor->background([transfer] { return transfer.data(); });
+  auto encoding = self->dependencies_.executor->background(
+      [transfer, pictures = self->dependencies_.pictures] { return transfer.data(*pictures); });
   const auto data = co_await encoding;
   if (!self) co_return false;
   if (number != self->copies_) co_return true;
@@ -121,12 +122,12 @@ Task<bool> PictureTransfers::runCropCopy(Weak<PictureTransfers> self, QImage ima
 
 std::function<Result<ScreenshotPasteboardItem, CopyFailure>()> PictureTransfers::reading(
     const PromptPreviewTransfer& transfer) const {
-  return [transfer, isDataless = dependencies_.isDataless,
+  return [transfer, pictures = dependencies_.pictures, isDataless = dependencies_.isDataless,
           identity = dependencies_.fileIdentity]() -> Result<ScreenshotPasteboardItem, CopyFailure> {
     // Reading it would download it.
     if (!transfer.crop && isDataless(transfer.url)) return CopyFailure::evicted;
     if (isAnother(transfer, identity)) return CopyFailure::unreadable;
-    const auto data = transfer.data();
+    const auto data = transfer.data(*pictures);
     // Once more: it may have been put there in between.
     if (!data || isAnother(transfer, identity)) return CopyFailure::unreadable;
     // The window is in no file yet.
@@ -146,12 +147,13 @@ Task<std::optional<PreparedTransfer>> PictureTransfers::runPreparation(Weak<Pict
   const PromptPreviewTransfer transfer = self->transfer(item, name);
   self->prepared_.insert(item.id);
   const std::function<Result<FileURL, Failure>()> work =
-      [transfer, id = item.id, files = self->dependencies_.transferFiles, isDataless = self->dependencies_.isDataless,
+      [transfer, id = item.id, files = self->dependencies_.transferFiles, pictures = self->dependencies_.pictures,
+       isDataless = self->dependencies_.isDataless,
        identity = self->dependencies_.fileIdentity]() -> Result<FileURL, Failure> {
     const Failure unreadable(ImageOperations::OperationError::unreadable);
     if (!transfer.crop && isDataless(transfer.url)) return unreadable;
     if (isAnother(transfer, identity)) return unreadable;
-    auto file = files.file(id, transfer);
+    auto file = files.file(id, transfer, *pictures);
     return isAnother(transfer, identity) ? Result<FileURL, Failure>(unreadable) : file;
   };
   auto preparing = self->dependencies_.executor->background(work);

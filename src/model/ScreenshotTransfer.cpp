@@ -5,10 +5,10 @@
 #include <filesystem>
 #include <fstream>
 
-#include "formats/ImageEncoding.h"
-#include "formats/ImageFile.h"
 #include "foundation/FileCopy.h"
 #include "foundation/FileStatus.h"
+#include "reading/PictureBytes.h"
+#include "reading/PictureCrop.h"
 #include "records/ScreenshotNaming.h"
 
 namespace quillmere {
@@ -55,15 +55,15 @@ QString PromptPreviewTransfer::contentType() const {
   return crop ? imageContentType(kCropFormat) : imageContentType(url);
 }
 
-Result<QByteArray, Failure> PromptPreviewTransfer::data() const {
+Result<QByteArray, Failure> PromptPreviewTransfer::data(PictureReading& pictures) const {
   if (!crop) {
-    const auto bytes = ImageFile::bytesOf(url);
+    const auto bytes = pictureBytes(url);
     if (!bytes) return Failure(OperationError::unreadable);
     return QByteArray(bytes->data(), static_cast<qsizetype>(bytes->size()));
   }
   const auto cropped = ImageOperations::crop(crop->image, crop->rect);
   if (!cropped) return Failure(cropped.reason());
-  const auto encoded = ImageOperations::encode(*cropped, kCropFormat);
+  const auto encoded = pictures.encoded(*cropped, kCropFormat);
   if (!encoded) return Failure(encoded.reason());
   return *encoded;
 }
@@ -72,7 +72,8 @@ FileURL TransferFiles::folderOf(const UUID& record) const {
   return folder_.appending(record.toString(QUuid::WithoutBraces).toStdString());
 }
 
-Result<FileURL, Failure> TransferFiles::file(const UUID& record, const PromptPreviewTransfer& transfer) const {
+Result<FileURL, Failure> TransferFiles::file(const UUID& record, const PromptPreviewTransfer& transfer,
+                                             PictureReading& pictures) const {
   // Nothing is handed over that is no longer there, or is a link to something else.
   const auto status = transfer.crop ? std::nullopt : fileStatus(transfer.url);
   if (!transfer.crop && !(status && status->isRegular())) return Failure(OperationError::unreadable);
@@ -89,7 +90,7 @@ Result<FileURL, Failure> TransferFiles::file(const UUID& record, const PromptPre
   if (error) return Failure(error);
   FileURL place = own.appending(transfer.filename);
   if (transfer.crop) {
-    const auto bytes = transfer.data();
+    const auto bytes = transfer.data(pictures);
     if (!bytes) return bytes.reason();
     error = writeFile(place.path(), *bytes);
   } else {

@@ -7,9 +7,9 @@
 #include <optional>
 #include <string>
 
-#include "formats/ImageOperations.h"
 #include "foundation/FileURL.h"
 #include "foundation/Result.h"
+#include "reading/PictureReading.h"
 #include "records/FileIdentity.h"
 #include "records/PictureFormat.h"
 #include "records/UUID.h"
@@ -41,7 +41,7 @@ struct PromptPreviewTransfer {
   bool isFile() const { return !crop && filename == url.lastPathComponent(); }
   QString contentType() const;
   /// The picture's bytes: of the file, or of the crop as a PNG.
-  Result<QByteArray, ImageOperations::Failure> data() const;
+  Result<QByteArray, ImageOperations::Failure> data(PictureReading& pictures) const;
 };
 
 /// What another application can be given: a file under the name that it is to arrive under.
@@ -73,7 +73,8 @@ class TransferFiles {
   TransferFiles() = default;
   explicit TransferFiles(FileURL folder) : folder_(std::move(folder)) {}
   /// The file itself where that can be handed over, else a copy.
-  Result<FileURL, ImageOperations::Failure> file(const UUID& record, const PromptPreviewTransfer& transfer) const;
+  Result<FileURL, ImageOperations::Failure> file(const UUID& record, const PromptPreviewTransfer& transfer,
+                                                 PictureReading& pictures) const;
   void removeOld() const;
   void remove(const UUID& record) const;
   void removeAll() const;

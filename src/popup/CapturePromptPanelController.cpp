@@ -25,7 +25,7 @@ bool CapturePromptPanelController::belongsTo(const QWidget* widget, const QWidge
 }
 
 CapturePromptPanelController::CapturePromptPanelController(Services services)
-    : services_(std::move(services)), previewSizes_(*services_.executor, services_.isDataless) {
+    : services_(std::move(services)), previewSizes_(*services_.thumbnails) {
   previewSizes_.onLooked = [this](bool isFound) {
     if (opening_) {
       openUnlessSizeIsSought();

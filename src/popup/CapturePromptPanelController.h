@@ -6,7 +6,6 @@
 #include <memory>
 #include <vector>
 
-#include "formats/ThumbnailLoader.h"
 #include "foundation/Weak.h"
 #include "popup/CaptureDecisionPanel.h"
 #include "popup/CapturePromptContent.h"
@@ -15,6 +14,7 @@
 #include "popup/PanelPlacement.h"
 #include "popup/PanelWindowSystem.h"
 #include "popup/PreviewSizes.h"
+#include "reading/ThumbnailLoader.h"
 
 namespace quillmere {
 

@@ -3,11 +3,11 @@
 #include <QtWidgets/QWidget>
 #include <functional>
 
-#include "formats/ThumbnailLoader.h"
 #include "model/Sharing.h"
 #include "popup/CapturePromptContent.h"
 #include "popup/PictureAction.h"
 #include "popup/PromptActionGate.h"
+#include "reading/ThumbnailLoader.h"
 
 class QLineEdit;
 

@@ -1,16 +1,11 @@
 #include "popup/PreviewSizes.h"
 
-#include "formats/ImageFile.h"
-
 namespace quillmere {
 namespace {
 
 constexpr size_t kMostSizes = 32;
 
 }  // namespace
-
-PreviewSizes::PreviewSizes(Executor& executor, std::function<bool(const FileURL&)> isDataless)
-    : executor_(executor), isDataless_(std::move(isDataless)) {}
 
 std::optional<QSizeF> PreviewSizes::size(const ScreenshotItem& item) {
   const MeasuredImage image{item.url, item.fileIdentity};
@@ -21,9 +16,7 @@ std::optional<QSizeF> PreviewSizes::size(const ScreenshotItem& item) {
 }
 
 Task<> PreviewSizes::find(Weak<PreviewSizes> self, MeasuredImage image) {
-  auto measuring = self->executor_.background([url = image.url, isDataless = self->isDataless_] {
-    return isDataless(url) ? std::nullopt : ImageFile::pixelSize(url);
-  });
+  auto measuring = self->thumbnails_.pixelSize(image.url);
   const auto size = co_await measuring;
   if (!self) co_return;
   // What could not be read now may be readable at the next look.

@@ -6,8 +6,9 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "foundation/Executor.h"
+#include "foundation/Task.h"
 #include "foundation/Weak.h"
+#include "reading/ThumbnailLoader.h"
 #include "records/ScreenshotItem.h"
 
 namespace quillmere {
@@ -17,8 +18,8 @@ namespace quillmere {
 /// read.
 class PreviewSizes {
  public:
-  /// `isDataless` is called on any thread.
-  PreviewSizes(Executor& executor, std::function<bool(const FileURL&)> isDataless);
+  /// The loader outlives this.
+  explicit PreviewSizes(ThumbnailLoader& thumbnails) : thumbnails_(thumbnails) {}
 
   /// Unknown sizes are being looked for from now on.
   std::optional<QSizeF> size(const ScreenshotItem& item);
@@ -39,8 +40,7 @@ class PreviewSizes {
   };
   static Task<> find(Weak<PreviewSizes> self, MeasuredImage image);
 
-  Executor& executor_;
-  std::function<bool(const FileURL&)> isDataless_;
+  ThumbnailLoader& thumbnails_;
   std::unordered_map<MeasuredImage, QSizeF, Hash> sizes_;
   std::unordered_set<MeasuredImage, Hash> sought_;
   Lifetime lifetime_;

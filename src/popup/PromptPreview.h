@@ -3,8 +3,8 @@
 #include <QtWidgets/QWidget>
 #include <functional>
 
-#include "formats/ThumbnailLoader.h"
 #include "popup/CapturePromptContent.h"
+#include "reading/ThumbnailLoader.h"
 
 namespace quillmere {
 

@@ -115,16 +115,20 @@ QString recognitionLanguages(const QLocale& locale) {
 TextRecognizer::TextRecognizer(const QLocale& locale) : locale_(locale) {}
 TextRecognizer::~TextRecognizer() = default;
 
+bool TextRecognizer::load() {
+  keepToThisThread();
+  if (engine_) return true;
+  auto engine = std::make_unique<Engine>();
+  if (!engine->load(locale_)) return false;
+  engine_ = std::move(engine);
+  return true;
+}
+
 std::optional<QString> TextRecognizer::recognizeText(const QImage& image, const std::atomic<bool>& isCancelled) {
   if (isCancelled) return std::nullopt;
   if (image.isNull()) return QString();
   if (image.width() > kWidest) return recognizeText(image.scaledToWidth(kWidest), isCancelled);
-  keepToThisThread();
-  if (!engine_) {
-    auto engine = std::make_unique<Engine>();
-    if (!engine->load(locale_)) return std::nullopt;
-    engine_ = std::move(engine);
-  }
+  if (!load()) return std::nullopt;
   QStringList texts;
   const int highest = std::max(kBandPixels / image.width(), kLowestBand);
   for (int top = 0, bottom = 0; bottom < image.height(); top = bottom - 2 * kBandMargin) {

@@ -20,6 +20,9 @@ class TextRecognizer {
   explicit TextRecognizer(const QLocale& locale = QLocale::system());
   ~TextRecognizer();
 
+  /// Loads the engine with its languages now, rather than with the first picture. False where there is no data of any.
+  bool load();
+
   /// The lines of text joined with "\n", top to bottom; empty where there is none. Nothing when it was cancelled,
   /// within a tenth of a second, and when the engine cannot be loaded or fails.
   std::optional<QString> recognizeText(const QImage& image, const std::atomic<bool>& isCancelled);

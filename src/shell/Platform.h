@@ -4,10 +4,11 @@
 #include <memory>
 
 #include "controls/Appearance.h"
-#include "formats/SharedThumbnails.h"
 #include "inbox/InboxServices.h"
 #include "model/AppModelDependencies.h"
 #include "popup/CapturePromptPanelController.h"
+#include "reading/PictureReading.h"
+#include "reading/SharedThumbnails.h"
 #include "settings/DesktopTray.h"
 #include "shell/AboutInformation.h"
 #include "shell/DesktopFileDialogs.h"
@@ -34,6 +35,7 @@ class Platform {
   /// Whether a file is dataless. Any thread.
   virtual bool isDataless(const FileURL& url) const = 0;
   /// The thumbnails that the programs of this desktop share; null where they share none.
+  virtual std::shared_ptr<PictureReading> pictures() = 0;
   virtual std::shared_ptr<SharedThumbnails> sharedThumbnails() { return nullptr; }
   /// What the model needs, less what the program's own windows bring.
   virtual AppModelDependencies modelDependencies() = 0;

@@ -4,6 +4,7 @@
 
 #include "analysis/ModelServerFixture.h"
 #include "description/ImageAnalysisService.h"
+#include "fakes/DecodedPictures.h"
 #include "model/Settings.h"
 
 namespace quillmere {
@@ -39,7 +40,7 @@ class LiveLanguageModelTest : public testing::ModelServerFixture {
     ModelServerPlaces places{[this] { return configured; }, [this] { return environment; }, usual,
                              [this](const LocalServerAddress&) { return listener; },
                              [this](const QString& key) { return allowed.contains(key); }};
-    return std::make_unique<LiveLanguageModel>(executor, places, [] { return kNow; });
+    return std::make_unique<LiveLanguageModel>(executor, testing::decodedPictures(), places, [] { return kNow; });
   }
   std::optional<Unavailability> availability() { return finish(model->availability()); }
   ModelRequest request(const std::optional<QString>& text = std::nullopt) {
@@ -166,7 +167,7 @@ TEST_F(LiveLanguageModelTest, TheUsualPortsAndTheSettingAreThese) {
   defaults.set(QStringLiteral("quillmere.model-address"), QStringLiteral("127.0.0.1:9"));
   ::setenv("OLLAMA_HOST", "127.0.0.1:10", 1);
   const LiveLanguageModel standard(
-      executor,
+      executor, testing::decodedPictures(),
       ModelServerPlaces{
           .configured = [&] { return Settings::storedModelAddress(defaults); }, .listener = {}, .isAllowed = {}},
       [] { return kNow; });

@@ -5,6 +5,7 @@
 #include <latch>
 
 #include "description/FakeLanguageModel.h"
+#include "fakes/DecodedPictures.h"
 #include "foundation/Interruptible.h"
 #include "foundation/ManualExecutor.h"
 #include "support/EventLoop.h"
@@ -65,7 +66,8 @@ class LiveScreenshotAnalyzerTest : public ::testing::Test {
   PostingExecutor executor;
   FakeLanguageModel model;
   std::function<bool(const FileURL&)> isDataless = [](const FileURL&) { return false; };
-  LiveScreenshotAnalyzer analyzer{executor, model, [this](const FileURL& file) { return isDataless(file); }};
+  LiveScreenshotAnalyzer analyzer{executor, model, testing::decodedPictures(),
+                                  [this](const FileURL& file) { return isDataless(file); }};
 };
 
 TEST_F(LiveScreenshotAnalyzerTest, TheTextOfAPictureIsRecognised) {

@@ -2,6 +2,7 @@
 
 #include <QtGui/QImage>
 
+#include "fakes/DecodedPictures.h"
 #include "formats/ImageEncoding.h"
 #include "formats/ImageOperations.h"
 #include "support/Files.h"
@@ -24,13 +25,14 @@ class ModelPictureTest : public ::testing::Test {
     return *ImageOperations::encode(image, type);
   }
   testing::TemporaryFolder folder;
+  testing::DecodedPictures pictures;
 };
 
 TEST_F(ModelPictureTest, ASmallPngOrJpegIsSentAsItIs) {
   const QByteArray png = encoded(ModelPicture::kLongestSide, 10, PictureFormat::png);
   const QByteArray jpeg = encoded(10, ModelPicture::kLongestSide, PictureFormat::jpeg);
-  const auto first = ModelPicture::read(write("a", png));
-  const auto second = ModelPicture::read(write("b.png", jpeg));
+  const auto first = ModelPicture::read(pictures, write("a", png));
+  const auto second = ModelPicture::read(pictures, write("b.png", jpeg));
   ASSERT_TRUE(first && second);
   EXPECT_EQ(first->bytes, png);
   EXPECT_STREQ(first->type, "image/png");
@@ -40,7 +42,7 @@ TEST_F(ModelPictureTest, ASmallPngOrJpegIsSentAsItIs) {
 
 TEST_F(ModelPictureTest, ALargePictureIsMadeSmaller) {
   for (const auto type : {PictureFormat::png, PictureFormat::jpeg}) {
-    const auto picture = ModelPicture::read(write("a", encoded(ModelPicture::kLongestSide * 2, 1000, type)));
+    const auto picture = ModelPicture::read(pictures, write("a", encoded(ModelPicture::kLongestSide * 2, 1000, type)));
     ASSERT_TRUE(picture);
     EXPECT_STREQ(picture->type, "image/png");
     EXPECT_EQ(QImage::fromData(picture->bytes).size(), QSize(ModelPicture::kLongestSide, 500));
@@ -48,7 +50,7 @@ TEST_F(ModelPictureTest, ALargePictureIsMadeSmaller) {
 }
 
 TEST_F(ModelPictureTest, AFormatThatServersDoNotReadIsTurnedIntoAnother) {
-  const auto picture = ModelPicture::read(write("a.heic", encoded(64, 32, PictureFormat::heif)));
+  const auto picture = ModelPicture::read(pictures, write("a.heic", encoded(64, 32, PictureFormat::heif)));
   ASSERT_TRUE(picture);
   EXPECT_STREQ(picture->type, "image/png");
   EXPECT_EQ(QImage::fromData(picture->bytes).size(), QSize(64, 32));
@@ -57,16 +59,16 @@ TEST_F(ModelPictureTest, AFormatThatServersDoNotReadIsTurnedIntoAnother) {
 TEST_F(ModelPictureTest, ASmallPictureThatCarriesMuchElseIsSentAlone) {
   const std::string text(5 << 20, 'x');
   testing::writeFile(folder.file("a.png"), testing::pngWith(testing::textChunk("Comment", text)));
-  const auto picture = ModelPicture::read(folder.file("a.png"));
+  const auto picture = ModelPicture::read(pictures, folder.file("a.png"));
   ASSERT_TRUE(picture);
   EXPECT_LT(picture->bytes.size(), 1000);
 }
 
 TEST_F(ModelPictureTest, AFileThatIsNoPictureIsNone) {
-  EXPECT_FALSE(ModelPicture::read(folder.file("missing")));
-  EXPECT_FALSE(ModelPicture::read(folder.url()));
-  EXPECT_FALSE(ModelPicture::read(write("a.png", "not a picture")));
-  EXPECT_FALSE(ModelPicture::read(write("b.png", "")));
+  EXPECT_FALSE(ModelPicture::read(pictures, folder.file("missing")));
+  EXPECT_FALSE(ModelPicture::read(pictures, folder.url()));
+  EXPECT_FALSE(ModelPicture::read(pictures, write("a.png", "not a picture")));
+  EXPECT_FALSE(ModelPicture::read(pictures, write("b.png", "")));
 }
 
 }  // namespace

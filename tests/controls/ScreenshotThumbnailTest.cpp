@@ -6,6 +6,7 @@
 #include <set>
 
 #include "controls/Theme.h"
+#include "fakes/DecodedPictures.h"
 #include "foundation/Localized.h"
 #include "foundation/ManualExecutor.h"
 #include "support/Files.h"
@@ -86,7 +87,7 @@ class ScreenshotThumbnailTest : public ::testing::Test {
   ManualExecutor executor;
   std::set<std::string> evicted;
   int looks = 0;
-  ThumbnailLoader loader{executor, [this](const FileURL& url) {
+  ThumbnailLoader loader{executor, testing::decodedPictures(), [this](const FileURL& url) {
                            ++looks;
                            return evicted.contains(url.path());
                          }};

@@ -4,6 +4,7 @@
 #include <ctime>
 #include <memory>
 
+#include "fakes/DecodedPictures.h"
 #include "fakes/FakeAnalyzer.h"
 #include "fakes/ModelFakes.h"
 #include "formats/ImageFile.h"
@@ -108,6 +109,7 @@ class CrashedProgram {
     world.announcer = &announcer_;
     world.hotKeys = &hotKeys_;
     world.loginItems = &loginItems_;
+    world.pictures = decodedPictures();
     world.analyzer = &analyzer_;
     world.systemEvents = &systemEvents_;
     world.now = [this] { return now(); };

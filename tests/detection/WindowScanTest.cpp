@@ -4,7 +4,6 @@
 #include <QtCore/QRectF>
 #include <QtGui/QTransform>
 
-#include "foundation/ManualExecutor.h"
 #include "support/DrawnPictures.h"
 #include "support/Files.h"
 #include "support/Images.h"
@@ -31,7 +30,6 @@ class WindowScanTest : public ::testing::Test {
 
   inline static const QRectF kFrame{100, 80, 400, 300};
   TemporaryFolder home;
-  ManualExecutor executor;
 };
 
 TEST_F(WindowScanTest, GivesThePictureWithItsWindows) {
@@ -52,17 +50,6 @@ TEST_F(WindowScanTest, StopsBetweenItsStepsWhenItIsCancelled) {
     EXPECT_FALSE(scan);
     EXPECT_EQ(asked, last);
   }
-  executor.holdBackground();
-  const auto task = ImageOperations::scanWindows(executor, url, [&](const FileURL&) {
-    ++asked;
-    return false;
-  });
-  asked = 0;
-  task.cancel();
-  executor.runHeldBackground();
-  ASSERT_TRUE(task.isDone());
-  EXPECT_FALSE(task.await_resume());
-  EXPECT_EQ(asked, 0) << "its file is not even looked at";
 }
 
 TEST_F(WindowScanTest, MeasuresAPictureAsItIsSeen) {
@@ -83,17 +70,6 @@ TEST_F(WindowScanTest, MeasuresAPictureAsItIsSeen) {
   EXPECT_EQ(scan->image.size(), seen.size());
   ASSERT_EQ(scan->windows.size(), 1u);
   EXPECT_EQ(scan->windows[0].frame, kFrame);
-}
-
-TEST_F(WindowScanTest, RunsInTheBackground) {
-  const FileURL url = savedPicture();
-  executor.holdBackground();
-  const auto task = ImageOperations::scanWindows(executor, url);
-  executor.drain();
-  EXPECT_FALSE(task.isDone());
-  executor.runHeldBackground();
-  ASSERT_TRUE(task.isDone());
-  EXPECT_EQ(task.await_resume().value().windows.size(), 1u);
 }
 
 TEST_F(WindowScanTest, AFileThatIsNoPictureIsUnreadable) {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "formats/SharedThumbnails.h"
+#include "reading/SharedThumbnails.h"
 
 namespace quillmere::testing {
 

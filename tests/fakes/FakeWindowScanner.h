@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "detection/WindowScan.h"
+#include "reading/WindowScan.h"
 
 namespace quillmere::testing {
 

@@ -1,5 +1,7 @@
 #include "fakes/ModelFixture.h"
 
+#include "fakes/DecodedPictures.h"
+
 namespace quillmere::testing {
 namespace {
 
@@ -86,6 +88,7 @@ AppModelDependencies ModelFixture::dependencies() {
   world.announcer = &announcer;
   world.pasteboard = &pasteboard;
   world.transferFiles = TransferFiles(transfers);
+  world.pictures = decodedPictures();
   world.scanWindows = [this](const FileURL& url) { return scanner.scan(url); };
   world.analyzer = &analyzer;
   world.systemEvents = &systemEvents;

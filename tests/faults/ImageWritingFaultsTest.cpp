@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "formats/ImageOperations.h"
-#include "formats/ImageWriting.h"
+#include "reading/ImageWriting.h"
 #include "support/FaultyCalls.h"
 #include "support/Files.h"
 #include "support/TemporaryFolder.h"

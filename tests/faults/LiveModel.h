@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "fakes/DecodedPictures.h"
 #include "fakes/FakeAnalyzer.h"
 #include "fakes/ModelFakes.h"
 #include "foundation/FileStatus.h"
@@ -165,6 +166,7 @@ class LiveModel {
     world.announcer = &announcer_;
     world.hotKeys = &hotKeys_;
     world.loginItems = &loginItems_;
+    world.pictures = decodedPictures();
     world.analyzer = &analyzer_;
     world.systemEvents = &systemEvents_;
     world.now = [this] { return now(); };

@@ -10,7 +10,7 @@
 #include "formats/ImageOperations.h"
 #include "formats/ImageScale.h"
 #include "formats/Pictures.h"
-#include "formats/PngChunks.h"
+#include "png/PngChunks.h"
 #include "support/ChildProcess.h"
 #include "support/Files.h"
 #include "support/TemporaryFolder.h"

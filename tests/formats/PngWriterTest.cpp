@@ -8,9 +8,9 @@
 #include <random>
 
 #include "formats/Pictures.h"
-#include "formats/PlainPng.h"
-#include "formats/PngChunks.h"
 #include "formats/PngReader.h"
+#include "png/PlainPng.h"
+#include "png/PngChunks.h"
 
 namespace quillmere {
 namespace {

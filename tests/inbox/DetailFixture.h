@@ -2,6 +2,7 @@
 
 #include <QtWidgets/QPushButton>
 
+#include "fakes/DecodedPictures.h"
 #include "fakes/ModelFixture.h"
 #include "inbox/InboxPresentation.h"
 
@@ -30,7 +31,7 @@ class DetailFixture : public ModelFixture {
   }
 
   UUID id;
-  ThumbnailLoader thumbnails{executor, [](const FileURL&) { return false; }};
+  ThumbnailLoader thumbnails{executor, decodedPictures(), [](const FileURL&) { return false; }};
   std::unique_ptr<InboxPresentation> presentation;
 };
 

@@ -4,6 +4,7 @@
 #include <QtWidgets/QPushButton>
 
 #include "controls/ScreenshotThumbnail.h"
+#include "fakes/DecodedPictures.h"
 #include "fakes/ModelFixture.h"
 #include "inbox/MessageView.h"
 
@@ -51,7 +52,8 @@ class InboxDetailTest : public testing::ModelFixture {
     return nullptr;
   }
 
-  ThumbnailLoader thumbnails{executor, [this](const FileURL& file) { return dataless.contains(file.path()); }};
+  ThumbnailLoader thumbnails{executor, testing::decodedPictures(),
+                             [this](const FileURL& file) { return dataless.contains(file.path()); }};
   std::unique_ptr<InboxPresentation> presentation;
   std::unique_ptr<InboxDetail> detail;
   UUID id;

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "formats/ThumbnailLoader.h"
+#include "fakes/DecodedPictures.h"
 #include "inbox/PresentationFixture.h"
+#include "reading/ThumbnailLoader.h"
 
 namespace quillmere::testing {
 
@@ -44,7 +45,7 @@ class InboxFixture : public PresentationFixture {
     open();
   }
 
-  ThumbnailLoader thumbnails{executor, [](const FileURL&) { return false; }};
+  ThumbnailLoader thumbnails{executor, decodedPictures(), [](const FileURL&) { return false; }};
   FakeInboxSharing sharing;
 };
 

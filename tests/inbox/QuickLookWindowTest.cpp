@@ -9,6 +9,7 @@
 #include <set>
 
 #include "controls/PictureCanvas.h"
+#include "fakes/DecodedPictures.h"
 #include "foundation/Localized.h"
 #include "foundation/ManualExecutor.h"
 #include "support/Files.h"
@@ -94,7 +95,7 @@ class QuickLookWindowTest : public ::testing::Test {
   ManualExecutor executor;
   std::set<std::string> evicted;
   int looks = 0;
-  ThumbnailLoader loader{executor, [this](const FileURL& url) {
+  ThumbnailLoader loader{executor, testing::decodedPictures(), [this](const FileURL& url) {
                            ++looks;
                            return evicted.contains(url.path());
                          }};

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "fakes/DecodedPictures.h"
 #include "foundation/ManualExecutor.h"
 #include "support/TemporaryFolder.h"
 
@@ -25,7 +26,7 @@ class RowThumbnailsTest : public ::testing::Test {
 
   testing::TemporaryFolder folder;
   ManualExecutor executor;
-  ThumbnailLoader loader{executor, [](const FileURL&) { return false; }};
+  ThumbnailLoader loader{executor, testing::decodedPictures(), [](const FileURL&) { return false; }};
   RowThumbnails pictures{loader, 128};
   std::vector<UUID> loaded;
 };

@@ -4,7 +4,7 @@
 #include "fakes/ModelFixture.h"
 #include "formats/ImageEncoding.h"
 #include "formats/ImageOperations.h"
-#include "formats/ImageWriting.h"
+#include "reading/ImageWriting.h"
 
 // Extract Window, decisions, copies and what other programs do to the files meanwhile, in any order. Whatever happens,
 // no picture is lost: each is in the folder or in the Trash as it was, unless the test itself deleted it.

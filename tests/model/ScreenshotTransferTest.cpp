@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <filesystem>
 
+#include "fakes/DecodedPictures.h"
 #include "formats/ImageFile.h"
 #include "foundation/FileStatus.h"
 #include "support/Files.h"
@@ -81,6 +82,7 @@ class ScreenshotTransfer : public ::testing::Test {
   TemporaryFolder home;
   const FileURL shot = writtenFile(home.file("shot.png"), "the bytes");
   const TransferFiles files{home.file("transfers")};
+  DecodedPictures pictures;
 
  private:
   static FileURL writtenFile(const FileURL& url, std::string_view bytes) {
@@ -91,7 +93,7 @@ class ScreenshotTransfer : public ::testing::Test {
 
 TEST_F(ScreenshotTransfer, OfAnUnchangedNameIsTheFileItself) {
   EXPECT_TRUE(transfer("shot.png").isFile());
-  const auto file = files.file(kRecord, transfer("shot.png"));
+  const auto file = files.file(kRecord, transfer("shot.png"), pictures);
   ASSERT_TRUE(file);
   EXPECT_EQ(*file, shot);
   EXPECT_FALSE(fileExists(home.file("transfers")));
@@ -99,7 +101,7 @@ TEST_F(ScreenshotTransfer, OfAnUnchangedNameIsTheFileItself) {
 
 TEST_F(ScreenshotTransfer, OfAnotherNameIsACopyUnderIt) {
   EXPECT_FALSE(transfer("Invoice.png").isFile());
-  const auto file = files.file(kRecord, transfer("Invoice.png"));
+  const auto file = files.file(kRecord, transfer("Invoice.png"), pictures);
   ASSERT_TRUE(file);
   EXPECT_EQ(file->lastPathComponent(), "Invoice.png");
   EXPECT_EQ(readBytes(*file), "the bytes");
@@ -107,7 +109,7 @@ TEST_F(ScreenshotTransfer, OfAnotherNameIsACopyUnderIt) {
 }
 
 TEST_F(ScreenshotTransfer, OfACropIsAPng) {
-  const auto file = files.file(kRecord, cropped(QRectF(5, 5, 20, 10)));
+  const auto file = files.file(kRecord, cropped(QRectF(5, 5, 20, 10)), pictures);
   ASSERT_TRUE(file);
   EXPECT_NE(*file, shot);
   EXPECT_EQ(file->lastPathComponent(), "shot.png");
@@ -117,23 +119,23 @@ TEST_F(ScreenshotTransfer, OfACropIsAPng) {
 }
 
 TEST_F(ScreenshotTransfer, OfAWrongCropFails) {
-  const auto data = cropped(QRectF(100, 100, 5, 5)).data();
+  const auto data = cropped(QRectF(100, 100, 5, 5)).data(pictures);
   ASSERT_FALSE(data);
   EXPECT_EQ(data.reason(), Failure(OperationError::invalidCrop));
-  EXPECT_FALSE(files.file(kRecord, cropped(QRectF(0, 0, 0, 0))));
+  EXPECT_FALSE(files.file(kRecord, cropped(QRectF(0, 0, 0, 0)), pictures));
 }
 
 TEST_F(ScreenshotTransfer, GivesTheFilesBytes) {
-  const auto data = transfer("Invoice.png").data();
+  const auto data = transfer("Invoice.png").data(pictures);
   ASSERT_TRUE(data);
   EXPECT_EQ(*data, "the bytes");
 }
 
 TEST_F(ScreenshotTransfer, OfAVanishedFileFails) {
   std::filesystem::remove(shot.path());
-  EXPECT_FALSE(transfer("shot.png").data());
+  EXPECT_FALSE(transfer("shot.png").data(pictures));
   for (const char* name : {"shot.png", "Invoice.png"}) {
-    const auto file = files.file(kRecord, transfer(name));
+    const auto file = files.file(kRecord, transfer(name), pictures);
     ASSERT_FALSE(file) << name;
     EXPECT_EQ(file.reason(), Failure(OperationError::unreadable)) << name;
   }
@@ -145,28 +147,28 @@ TEST_F(ScreenshotTransfer, OfALinkThatWasPutInThePlaceFails) {
   writeFile(secret, "secret");
   std::filesystem::remove(shot.path());
   std::filesystem::create_symlink(secret.path(), shot.path());
-  EXPECT_FALSE(files.file(kRecord, transfer("shot.png")));
-  EXPECT_FALSE(files.file(kRecord, transfer("Invoice.png")));
-  EXPECT_FALSE(transfer("shot.png").data());
+  EXPECT_FALSE(files.file(kRecord, transfer("shot.png"), pictures));
+  EXPECT_FALSE(files.file(kRecord, transfer("Invoice.png"), pictures));
+  EXPECT_FALSE(transfer("shot.png").data(pictures));
 }
 
 TEST_F(ScreenshotTransfer, IsReadableByItsOwnerAlone) {
-  const auto file = files.file(kRecord, transfer("Invoice.png"));
+  const auto file = files.file(kRecord, transfer("Invoice.png"), pictures);
   ASSERT_TRUE(file);
   EXPECT_EQ(std::filesystem::status(file->parent().path()).permissions(), std::filesystem::perms::owner_all);
   EXPECT_EQ(std::filesystem::status(file->parent().parent().path()).permissions(), std::filesystem::perms::owner_all);
   EXPECT_EQ(std::filesystem::status(home.file("transfers").path()).permissions(), std::filesystem::perms::owner_all);
   const auto ownerAlone = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
   EXPECT_EQ(std::filesystem::status(file->path()).permissions(), ownerAlone);
-  const auto window = files.file(kRecord, cropped(QRectF(5, 5, 20, 10)));
+  const auto window = files.file(kRecord, cropped(QRectF(5, 5, 20, 10)), pictures);
   ASSERT_TRUE(window);
   EXPECT_EQ(std::filesystem::status(window->path()).permissions(), ownerAlone);
 }
 
 TEST_F(ScreenshotTransfer, CopiesOfARecordGoTogether) {
-  const auto first = files.file(kRecord, transfer("Invoice.png"));
-  const auto second = files.file(kRecord, transfer("Invoice.png"));
-  const auto other = files.file(uuid(2), transfer("Invoice.png"));
+  const auto first = files.file(kRecord, transfer("Invoice.png"), pictures);
+  const auto second = files.file(kRecord, transfer("Invoice.png"), pictures);
+  const auto other = files.file(uuid(2), transfer("Invoice.png"), pictures);
   ASSERT_TRUE(first && second && other);
   files.remove(kRecord);
   EXPECT_FALSE(fileExists(*first) || fileExists(*second));
@@ -177,8 +179,8 @@ TEST_F(ScreenshotTransfer, CopiesOfARecordGoTogether) {
 }
 
 TEST_F(ScreenshotTransfer, TwoOfOneNameDoNotMeet) {
-  const auto first = files.file(kRecord, transfer("Invoice.png"));
-  const auto second = files.file(kRecord, transfer("Invoice.png"));
+  const auto first = files.file(kRecord, transfer("Invoice.png"), pictures);
+  const auto second = files.file(kRecord, transfer("Invoice.png"), pictures);
   ASSERT_TRUE(first && second);
   EXPECT_NE(*first, *second);
   EXPECT_EQ(second->lastPathComponent(), "Invoice.png");
@@ -186,12 +188,12 @@ TEST_F(ScreenshotTransfer, TwoOfOneNameDoNotMeet) {
 
 TEST_F(ScreenshotTransfer, OlderThanADayIsRemovedWithTheNext) {
   using Clock = std::filesystem::file_time_type::clock;
-  const auto old = files.file(uuid(2), transfer("Old.png"));
-  const auto recent = files.file(uuid(3), transfer("Recent.png"));
+  const auto old = files.file(uuid(2), transfer("Old.png"), pictures);
+  const auto recent = files.file(uuid(3), transfer("Recent.png"), pictures);
   ASSERT_TRUE(old && recent);
   std::filesystem::last_write_time(old->parent().parent().path(), Clock::now() - std::chrono::hours(25));
   std::filesystem::last_write_time(recent->parent().parent().path(), Clock::now() - std::chrono::hours(23));
-  ASSERT_TRUE(files.file(kRecord, transfer("New.png")));
+  ASSERT_TRUE(files.file(kRecord, transfer("New.png"), pictures));
   EXPECT_FALSE(fileExists(*old));
   EXPECT_TRUE(fileExists(*recent));
 }

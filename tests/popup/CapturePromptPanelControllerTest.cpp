@@ -10,6 +10,7 @@
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QPushButton>
 
+#include "fakes/DecodedPictures.h"
 #include "fakes/ModelFixture.h"
 #include "popup/CountdownLine.h"
 #include "popup/FakeSharing.h"
@@ -134,7 +135,7 @@ class CapturePromptPanelControllerTest : public testing::ModelFixture {
   FakeCaptureSigns signs;
   std::optional<QRectF> captureRect;
   FakeSharing sharing;
-  ThumbnailLoader thumbnails{executor, [](const FileURL&) { return false; }};
+  ThumbnailLoader thumbnails{executor, testing::decodedPictures(), [](const FileURL&) { return false; }};
   std::unique_ptr<CapturePromptPanelController> popup;
 };
 

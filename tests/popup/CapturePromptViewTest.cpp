@@ -10,6 +10,7 @@
 
 #include "controls/ActionButton.h"
 #include "controls/ScreenshotThumbnail.h"
+#include "fakes/DecodedPictures.h"
 #include "fakes/ModelFixture.h"
 #include "popup/DurationPicker.h"
 #include "popup/FakeSharing.h"
@@ -101,7 +102,7 @@ class CapturePromptViewTest : public testing::ModelFixture {
 
   UUID id;
   FakeSharing sharing;
-  ThumbnailLoader thumbnails{executor, [](const FileURL&) { return false; }};
+  ThumbnailLoader thumbnails{executor, testing::decodedPictures(), [](const FileURL&) { return false; }};
   std::unique_ptr<CapturePromptView> view;
   int keyboardWanted = 0;
 };

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <QtGui/QImage>
 
+#include "fakes/DecodedPictures.h"
 #include "foundation/ManualExecutor.h"
 #include "support/Files.h"
 #include "support/TemporaryFolder.h"
@@ -34,7 +35,8 @@ class PreviewSizesTest : public ::testing::Test {
   TemporaryFolder home;
   ManualExecutor executor;
   bool isDataless = false;
-  PreviewSizes sizes{executor, [this](const FileURL&) { return isDataless; }};
+  ThumbnailLoader thumbnails{executor, decodedPictures(), [this](const FileURL&) { return isDataless; }};
+  PreviewSizes sizes{thumbnails};
   int found = 0;
 };
 
@@ -88,7 +90,7 @@ TEST_F(PreviewSizesTest, AreForgottenTogetherWhenThereAreMany) {
 }
 
 TEST_F(PreviewSizesTest, MayBeGoneWhenTheAnswerComes) {
-  auto passing = std::make_unique<PreviewSizes>(executor, [](const FileURL&) { return false; });
+  auto passing = std::make_unique<PreviewSizes>(thumbnails);
   EXPECT_EQ(passing->size(picture("a.png", QSize(30, 20))), std::nullopt);
   passing.reset();
   executor.drain();

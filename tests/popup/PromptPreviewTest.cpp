@@ -5,6 +5,7 @@
 #include <QtTest/QTest>
 
 #include "controls/ScreenshotThumbnail.h"
+#include "fakes/DecodedPictures.h"
 #include "foundation/ManualExecutor.h"
 #include "popup/PromptPreviewActions.h"
 #include "popup/PromptPreviewNoticeView.h"
@@ -44,7 +45,7 @@ class PromptPreviewTest : public ::testing::Test {
 
   testing::TemporaryFolder folder;
   ManualExecutor executor;
-  ThumbnailLoader thumbnails{executor, [](const FileURL&) { return false; }};
+  ThumbnailLoader thumbnails{executor, testing::decodedPictures(), [](const FileURL&) { return false; }};
   CapturePromptContent content;
   PromptPreview preview{executor, thumbnails, nullptr};
 };

@@ -7,6 +7,7 @@
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QPushButton>
 
+#include "fakes/DecodedPictures.h"
 #include "fakes/FakeTray.h"
 #include "fakes/ModelFixture.h"
 #include "inbox/InboxWindow.h"
@@ -73,7 +74,7 @@ class QuillmereAppTest : public testing::ModelFixture {
   std::function<void()> screenshotOptions;
   bool isWelcomeDue = false;
   std::vector<AppWindow> opened;
-  ThumbnailLoader thumbnails{executor, [](const FileURL&) { return false; }};
+  ThumbnailLoader thumbnails{executor, testing::decodedPictures(), [](const FileURL&) { return false; }};
   std::unique_ptr<QuillmereApp> app;
   bool isToldOfSaving = false;
   std::vector<int> questions;

@@ -49,6 +49,11 @@ TESTED_ELSEWHERE = {
     "platform/linux/signs/BusCaptureSigns": "Needs a bus that can be listened to: journey.next_capture.",
     "platform/linux/signs/X11CaptureSigns": "Needs an X server with keys: journey.next_capture.",
     "platform/linux/tray/X11Tray": "Needs an X server: journey.login.tray-that-embeds.",
+    "platform/linux/reader/entry/ReaderMain": "platform/linux/reading/ReaderPoolTest starts it for every test.",
+    "platform/linux/reader/Reader": "What it answers: platform/linux/reading/ReaderPoolTest.",
+    "platform/linux/reader/SystemCallFilter": "platform/linux/reader/ConfinementTest has a run with it alone.",
+    "platform/linux/reading/ReaderLane": "How many there are, and when they end: platform/linux/reading/ReaderPoolTest.",
+    "platform/linux/reading/ReaderProcess": "What one answers, or not: platform/linux/reading/ReaderPoolTest.",
     "platform/linux/panel/X11Display": "Needs an X server: journey.popup_on_window_managers.",
     "platform/linux/panel/X11FullScreenCompanion": "Needs a window manager: journey.popup_on_window_managers.",
     "platform/linux/panel/X11Keyboard": "Needs an X server: journey.keys.",
@@ -59,6 +64,7 @@ TESTED_ELSEWHERE = {
 # Files that share the header of a class whose work they are a part of.
 PARTS = {
     "main": "It has nothing to declare.",
+    "platform/linux/reader/entry/ReaderMain": "It has nothing to declare.",
     "update/entry/UpdateEntry": "Its one function has the type that UpdateInterface.h declares.",
     "monitor/ScreenshotInboxMonitorApply": "ScreenshotInboxMonitor.h: what it does with what a look has found.",
     "editor/ImageEditorActions": "ImageEditor.h: what the buttons do.",

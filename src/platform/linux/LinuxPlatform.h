@@ -47,6 +47,7 @@ class LinuxPlatform final : public Platform {
   SystemEvents& systemEvents() override { return services_.systemEvents; }
   DesktopTray& tray() override { return tray_; }
   bool isDataless(const FileURL& url) const override;
+  std::shared_ptr<PictureReading> pictures() override { return services_.pictures; }
   std::shared_ptr<SharedThumbnails> sharedThumbnails() override { return services_.thumbnails; }
   AppModelDependencies modelDependencies() override;
   CapturePromptPanelController::Services popupServices() override;

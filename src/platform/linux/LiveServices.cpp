@@ -6,7 +6,6 @@
 #include <QtCore/QStandardPaths>
 #include <utility>
 
-#include "formats/ImageFile.h"
 #include "foundation/FileStatus.h"
 #include "model/AppModel.h"
 #include "model/Settings.h"
@@ -66,7 +65,9 @@ ApplicationPaths ApplicationPaths::standard() {
 LiveServices::LiveServices(const ApplicationPaths& paths)
     : defaults(paths.settings),
       mounts(&systemEvents),
-      thumbnails(std::make_shared<LiveSharedThumbnails>(paths.thumbnails, &systemNow)),
+      pictures(std::make_shared<ReaderPool>(
+          executor, ReaderPool::programBesides(FileURL::fromPath(QCoreApplication::applicationDirPath())))),
+      thumbnails(std::make_shared<LiveSharedThumbnails>(paths.thumbnails, pictures, &systemNow)),
       fileOperations([this](const FileURL& place) { forgetThumbnails(place); }),
       securityScope(mounts),
       watchFolderStore(defaults, mounts),
@@ -76,7 +77,7 @@ LiveServices::LiveServices(const ApplicationPaths& paths)
       fileManager(executor, QDBusConnection::sessionBus()),
       help(executor, QDBusConnection::sessionBus(),
            HelpPages::besides(FileURL::fromPath(QCoreApplication::applicationDirPath())), LiveHelp::ofThisProcess()),
-      languageModel(executor,
+      languageModel(executor, pictures,
                     ModelServerPlaces{.configured = [this] { return Settings::storedModelAddress(defaults); },
                                       .listener = &serverListener,
                                       .isAllowed =
@@ -84,9 +85,13 @@ LiveServices::LiveServices(const ApplicationPaths& paths)
                                             return Settings::storedForeignModelServers(defaults).contains(key);
                                           }},
                     &systemNow),
-      analyzer(executor, languageModel, &CloudFiles::isDataless),
+      analyzer(executor, languageModel, pictures, &CloudFiles::isDataless),
       monitor(executor, systemEvents, folderEvents, scanServices(), &systemNow),
       loginItems(liveLoginItem(QDBusConnection::sessionBus(), defaults)) {}
+
+LiveServices::~LiveServices() {
+  pictures->end();
+}
 
 ScanServices LiveServices::scanServices() {
   ScanServices services;
@@ -94,7 +99,7 @@ ScanServices LiveServices::scanServices() {
   services.isSynced = &CloudFiles::isSynced;
   services.isVolumeMounted = [this](const FileURL& url) { return mounts.isVolumeMounted(url); };
   services.hasScreenCaptureTag = &hasScreenCaptureTag;
-  services.decodesCompletely = &ImageFile::decodesCompletely;
+  services.decodesCompletely = [reading = pictures](const FileURL& url) { return reading->decodesCompletely(url); };
   services.fileDates = &fileDates;
   return services;
 }
@@ -133,8 +138,9 @@ AppModelDependencies LiveServices::dependencies(const ApplicationPaths& paths) {
   dependencies.announcer = &announcer;
   dependencies.pasteboard = &pasteboard;
   dependencies.transferFiles = TransferFiles(paths.transfers);
+  dependencies.pictures = pictures;
   dependencies.scanWindows = [this](const FileURL& url) {
-    return ImageOperations::scanWindows(executor, url, &CloudFiles::isDataless);
+    return ImageOperations::scanWindows(executor, pictures, url, &CloudFiles::isDataless);
   };
   dependencies.analyzer = &analyzer;
   dependencies.systemEvents = &systemEvents;

@@ -15,6 +15,7 @@
 #include "platform/linux/files/LiveSecurityScopeAccess.h"
 #include "platform/linux/files/MountTable.h"
 #include "platform/linux/informing/LiveHelp.h"
+#include "platform/linux/reading/ReaderPool.h"
 #include "platform/linux/sharing/LiveFileManager.h"
 #include "platform/linux/sharing/LivePasteboard.h"
 #include "platform/linux/sharing/LiveSharing.h"
@@ -42,6 +43,8 @@ struct ApplicationPaths {
 class LiveServices {
  public:
   explicit LiveServices(const ApplicationPaths& paths);
+  /// No picture that is still being read holds up the end.
+  ~LiveServices();
 
   /// What the model needs, less what the windows bring.
   AppModelDependencies dependencies(const ApplicationPaths& paths);
@@ -54,6 +57,7 @@ class LiveServices {
   SystemEvents systemEvents;
   UserDefaults defaults;
   MountTable mounts;
+  const std::shared_ptr<ReaderPool> pictures;
   const std::shared_ptr<LiveSharedThumbnails> thumbnails;
   LiveFileOperations fileOperations;
   LiveSecurityScopeAccess securityScope;

@@ -5,12 +5,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "formats/ImageEncoding.h"
-#include "formats/ImageFile.h"
-#include "formats/PlainPng.h"
-#include "formats/PngTexts.h"
 #include "pixels/Downscaler.h"
 #include "platform/linux/thumbnails/OwnFiles.h"
+#include "png/PlainPng.h"
+#include "png/PngTexts.h"
 
 namespace quillmere {
 namespace {
@@ -120,7 +118,7 @@ std::optional<QImage> LiveSharedThumbnails::find(const FileURL& url, int pixels)
                          textOf(texts, kHeight) == std::to_string(header->height);
     const bool isLargeEnough = std::max(header->width, header->height) >= static_cast<uint32_t>(pixels) || isWhole;
     if (!isLargeEnough || !original->isIn(texts)) continue;
-    QImage thumbnail = ImageFile::thumbnail(*file, pixels);
+    QImage thumbnail = pictures_->thumbnail(*file, pixels);
     if (!thumbnail.isNull()) return thumbnail;
   }
   return std::nullopt;
@@ -130,10 +128,10 @@ void LiveSharedThumbnails::keep(const FileURL& url, const FileStatus& seen, cons
   // Written again within its second the file would have another picture and the same date.
   if (std::abs(now_() - seen.modified) < 1 || isInside(url)) return;
   const auto original = Original::at(url);
-  const auto head = original ? ImageFile::head(url) : std::nullopt;
+  const auto head = original ? pictures_->head(url) : std::nullopt;
   const Size* size = head ? sizeOf(thumbnail, head->size) : nullptr;
   if (!size || has(*original, *size)) return;
-  const auto picture = ImageOperations::encode(thumbnail, PictureFormat::png);
+  const auto picture = pictures_->encoded(thumbnail, PictureFormat::png);
   if (!picture) return;
   const std::string file = withPngTexts({picture->constData(), static_cast<size_t>(picture->size())},
                                         {{kURI, original->uri},

@@ -2,11 +2,13 @@
 
 #include <array>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <string>
 
-#include "formats/SharedThumbnails.h"
 #include "foundation/Date.h"
+#include "reading/PictureReading.h"
+#include "reading/SharedThumbnails.h"
 
 namespace quillmere {
 
@@ -16,7 +18,8 @@ class LiveSharedThumbnails final : public SharedThumbnails {
  public:
   /// `folder` is "thumbnails" in the person's cache; it is made when the first thumbnail is kept. `now` is asked on any
   /// thread.
-  LiveSharedThumbnails(FileURL folder, std::function<Date()> now) : folder_(std::move(folder)), now_(std::move(now)) {}
+  LiveSharedThumbnails(FileURL folder, std::shared_ptr<PictureReading> pictures, std::function<Date()> now)
+      : folder_(std::move(folder)), pictures_(std::move(pictures)), now_(std::move(now)) {}
 
   std::optional<int> side(int pixels) const override;
   std::optional<QImage> find(const FileURL& url, int pixels) const override;
@@ -35,6 +38,7 @@ class LiveSharedThumbnails final : public SharedThumbnails {
   void makeFolders(const Size& size) const;
 
   const FileURL folder_;
+  const std::shared_ptr<PictureReading> pictures_;
   const std::function<Date()> now_;
   std::mutex writing_;  ///< so that a file which leaves meanwhile is either seen to have left, or its thumbnail seen
 };

@@ -1,6 +1,8 @@
 // A picture on its way to another application, when the disk for such files is full.
 
 #include "model/ScreenshotTransfer.h"
+
+#include "fakes/DecodedPictures.h"
 #include "support/Files.h"
 #include "support/PrivateMounts.h"
 #include "support/TemporaryFolder.h"
@@ -24,6 +26,7 @@ class TransferOnFullDiskTest : public ::testing::Test {
   FileURL shot = folder.file("shot.png");
   UUID record = UUID::createUuid();
   PromptPreviewTransfer transfer{shot, std::nullopt, "Invoice.png"};
+  mutable testing::DecodedPictures pictures;
   TransferFiles files{disk.appending("transfers")};
 };
 
@@ -31,7 +34,7 @@ TEST_F(TransferOnFullDiskTest, ACopyFailsAndLeavesNothing) {
   std::filesystem::create_directory(disk.path());
   testing::writeFile(shot, kLarge);
   EXPECT_EQ(withSmallDisk([&]() -> std::string {
-              const auto file = files.file(record, transfer);
+              const auto file = files.file(record, transfer, pictures);
               MUST(!file);
               MUST(std::filesystem::is_empty(disk.appending("transfers").path()));
               return {};
@@ -51,7 +54,7 @@ TEST_F(TransferOnFullDiskTest, ACropFailsAndLeavesNothing) {
   }
   transfer.crop = PromptPreviewTransfer::Crop{image, QRectF(0, 0, 400, 400)};
   EXPECT_EQ(withSmallDisk([&]() -> std::string {
-              const auto file = files.file(record, transfer);
+              const auto file = files.file(record, transfer, pictures);
               MUST(!file);
               MUST(std::filesystem::is_empty(disk.appending("transfers").path()));
               return {};

@@ -6,9 +6,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "fakes/DecodedPictures.h"
 #include "formats/ImageFile.h"
-#include "formats/PngTexts.h"
 #include "foundation/FileStatus.h"
+#include "png/PngTexts.h"
 #include "support/Files.h"
 #include "support/PrivateMounts.h"
 #include "support/TemporaryFolder.h"
@@ -124,7 +125,7 @@ class LiveSharedThumbnailsTest : public ::testing::Test {
   testing::TemporaryFolder folder;
   const FileURL cache = FileURL::fromPath(std::getenv("XDG_CACHE_HOME")).appending("thumbnails");
   Date now = kLongAgo + 3600;
-  LiveSharedThumbnails thumbnails{cache, [this] { return now; }};
+  LiveSharedThumbnails thumbnails{cache, testing::decodedPictures(), [this] { return now; }};
 };
 
 // --- As other programs see ours ---
@@ -332,7 +333,8 @@ TEST_F(LiveSharedThumbnailsTest, ACacheThatCannotBeWrittenCostsTheThumbnailOnly)
   thumbnails.forget(url);
   EXPECT_EQ(readBytes(cache), "a file where the folder should be");
   std::filesystem::remove(cache.path());
-  LiveSharedThumbnails nowhere(FileURL::fromPath("/dev/full/thumbnails"), [this] { return now; });
+  LiveSharedThumbnails nowhere(FileURL::fromPath("/dev/full/thumbnails"), testing::decodedPictures(),
+                               [this] { return now; });
   nowhere.keep(url, *fileStatus(url), ImageFile::thumbnail(url, 128));
   EXPECT_EQ(nowhere.find(url, 128), std::nullopt);
 }
@@ -349,7 +351,7 @@ TEST_F(LiveSharedThumbnailsTest, AFullDiskCostsTheThumbnailOnly) {
   // Room for the folders and less than a thumbnail of pixels that no encoder makes smaller.
   const std::string failure = testing::failureWithPrivateMounts([&]() -> std::string {
     MUST(::mount("none", disk.c_str(), "tmpfs", 0, "size=8k") == 0);
-    LiveSharedThumbnails full(disk.appending("thumbnails"), [this] { return now; });
+    LiveSharedThumbnails full(disk.appending("thumbnails"), testing::decodedPictures(), [this] { return now; });
     full.keep(url, *fileStatus(url), noise);
     MUST(std::filesystem::is_empty(disk.appending("thumbnails/normal").path()));
     MUST(!full.find(url, 128));

@@ -1,0 +1,73 @@
+#include "platform/linux/passing/PacketSocket.h"
+
+#include <sys/socket.h>
+#include <array>
+#include <cerrno>
+#include <cstring>
+
+namespace quillmere {
+namespace {
+
+/// More than one may come from a reader that lies; all that come are closed.
+constexpr size_t kMostDescriptors = 4;
+using ControlSpace = std::array<char, CMSG_SPACE(kMostDescriptors * sizeof(int))>;
+
+}  // namespace
+
+std::optional<PacketSocket::Pair> PacketSocket::pair() {
+  std::array<int, 2> ends{};
+  if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) return std::nullopt;
+  return Pair{PacketSocket(Descriptor(ends[0])), PacketSocket(Descriptor(ends[1]))};
+}
+
+bool PacketSocket::sendBytes(const void* bytes, size_t size, int descriptor) {
+  iovec part{const_cast<void*>(bytes), size};
+  alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int))> control{};
+  msghdr message{};
+  message.msg_iov = &part;
+  message.msg_iovlen = 1;
+  if (descriptor >= 0) {
+    message.msg_control = control.data();
+    message.msg_controllen = control.size();
+    cmsghdr* header = CMSG_FIRSTHDR(&message);
+    header->cmsg_level = SOL_SOCKET;
+    header->cmsg_type = SCM_RIGHTS;
+    header->cmsg_len = CMSG_LEN(sizeof descriptor);
+    std::memcpy(CMSG_DATA(header), &descriptor, sizeof descriptor);
+  }
+  ssize_t sent = 0;
+  do {
+    sent = ::sendmsg(end_.number(), &message, MSG_NOSIGNAL);
+  } while (sent < 0 && errno == EINTR);
+  return sent == static_cast<ssize_t>(size);
+}
+
+bool PacketSocket::receiveBytes(void* bytes, size_t size, Descriptor* descriptor) {
+  iovec part{bytes, size};
+  alignas(cmsghdr) ControlSpace control{};
+  msghdr message{};
+  message.msg_iov = &part;
+  message.msg_iovlen = 1;
+  message.msg_control = control.data();
+  message.msg_controllen = control.size();
+  ssize_t received = 0;
+  do {
+    received = ::recvmsg(end_.number(), &message, MSG_CMSG_CLOEXEC);
+  } while (received < 0 && errno == EINTR);
+  if (received < 0) return false;
+  size_t count = 0;
+  for (cmsghdr* header = CMSG_FIRSTHDR(&message); header; header = CMSG_NXTHDR(&message, header)) {
+    if (header->cmsg_level != SOL_SOCKET || header->cmsg_type != SCM_RIGHTS) continue;
+    for (size_t at = 0; CMSG_LEN(at + sizeof(int)) <= header->cmsg_len; at += sizeof(int)) {
+      int number = -1;
+      std::memcpy(&number, CMSG_DATA(header) + at, sizeof number);
+      Descriptor came(number);
+      if (descriptor) *descriptor = std::move(came);
+      ++count;
+    }
+  }
+  const bool isCut = (message.msg_flags & (MSG_TRUNC | MSG_CTRUNC)) != 0;
+  return received == static_cast<ssize_t>(size) && !isCut && count <= (descriptor ? 1u : 0u);
+}
+
+}  // namespace quillmere

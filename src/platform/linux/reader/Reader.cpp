@@ -1,0 +1,187 @@
+#include "platform/linux/reader/Reader.h"
+
+#include <sys/stat.h>
+#include <QtCore/QBuffer>
+#include <QtGui/QImage>
+#include <cerrno>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "detection/WindowScan.h"
+#include "formats/ImageEncoding.h"
+#include "formats/ImageFile.h"
+#include "platform/linux/passing/PassedPicture.h"
+#include "platform/linux/passing/SealedMemory.h"
+#include "platform/linux/reader/Confinement.h"
+#include "reading/ScreenPicture.h"
+#include "recognition/TextRecognizer.h"
+
+namespace quillmere {
+namespace {
+
+using ReaderMessages::Answer;
+using ReaderMessages::Request;
+using ReaderMessages::Step;
+using ReaderMessages::Work;
+
+constexpr int64_t kMostFileBytes = int64_t{1} << 30;
+/// Of computing, on all threads together. Whoever waits has given up long before; this ends what nobody waits for.
+constexpr unsigned kMostSeconds = 300;
+
+std::optional<std::string> bytesOf(const Descriptor& file) {
+  struct stat status {};
+  if (::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > kMostFileBytes)
+    return std::nullopt;
+  std::string bytes(static_cast<size_t>(status.st_size), '\0');
+  for (size_t filled = 0; filled < bytes.size();) {
+    const ssize_t count =
+        ::pread(file.number(), bytes.data() + filled, bytes.size() - filled, static_cast<off_t>(filled));
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return std::nullopt;
+    filled += static_cast<size_t>(count);
+  }
+  return bytes;
+}
+
+/// What goes back: numbers, and what stands in the memory beside them.
+struct Outcome {
+  bool isDone = false;
+  std::optional<ImageFile::Head> head = std::nullopt;
+  QImage image = {};
+  std::string extra = {};
+};
+
+Outcome pictured(QImage image) {
+  const bool isDone = !image.isNull();
+  return {.isDone = isDone, .image = std::move(image)};
+}
+
+std::string written(const std::vector<ImageOperations::DetectedWindow>& windows) {
+  std::string bytes;
+  for (const auto& window : windows) {
+    const auto mark = [](bool isSet, int place) { return isSet ? 1u << place : 0u; };
+    const ReaderMessages::Window one{.x = window.frame.x(),
+                                     .y = window.frame.y(),
+                                     .width = window.frame.width(),
+                                     .height = window.frame.height(),
+                                     .left = window.shadow.left,
+                                     .top = window.shadow.top,
+                                     .right = window.shadow.right,
+                                     .bottom = window.shadow.bottom,
+                                     .source = static_cast<uint32_t>(window.shadow.source),
+                                     .marks = mark(window.hasTitleBarButtons, 0) | mark(window.isFullyDrawn, 1) |
+                                              mark(window.isCovered, 2) | mark(window.isEnclosed, 3)};
+    bytes.append(reinterpret_cast<const char*>(&one), sizeof one);
+  }
+  return bytes;
+}
+
+Outcome scanned(std::string bytes, const std::atomic<bool>& isStopped) {
+  auto scan = ImageOperations::scanWindowsNow(std::move(bytes), [&] { return isStopped.load(); });
+  if (!scan) return {};
+  std::string windows = written(scan->windows);
+  return {.isDone = true, .image = (*std::move(scan)).image, .extra = std::move(windows)};
+}
+
+Outcome recognized(TextRecognizer* recognizer, std::string bytes, const std::atomic<bool>& isStopped) {
+  const QImage image = recognizer ? ImageFile::picture(std::string_view(bytes)) : QImage();
+  std::string().swap(bytes);
+  if (image.isNull()) return {};
+  const auto text = recognizer->recognizeText(image, isStopped);
+  return text ? Outcome{.isDone = true, .extra = text->toStdString()} : Outcome();
+}
+
+Outcome encoded(const QImage& image, int32_t format) {
+  const bool isKnown = format >= 0 && format <= static_cast<int32_t>(PictureFormat::heif);
+  if (image.isNull() || !isKnown) return {};
+  const auto bytes = ImageOperations::encode(image, static_cast<PictureFormat>(format));
+  return bytes ? Outcome{.isDone = true, .extra = bytes->toStdString()} : Outcome();
+}
+
+Outcome worked(const Request& request, std::string bytes, const std::atomic<bool>& isStopped, TextRecognizer* texts) {
+  switch (static_cast<Work>(request.work)) {
+    case Work::wholeness:
+      return {.isDone = ImageFile::isWhole(bytes)};
+    case Work::picture:
+      return pictured(ImageFile::picture(std::string_view(bytes)));
+    case Work::thumbnail:
+      return pictured(pictureForScreen(ImageFile::thumbnail(std::string_view(bytes), request.number)));
+    case Work::windows:
+      return scanned(std::move(bytes), isStopped);
+    case Work::text:
+      return recognized(texts, std::move(bytes), isStopped);
+    case Work::head:
+    case Work::encoding:
+      break;
+  }
+  return {};
+}
+
+/// The program's own picture, which it has no reason to lie about.
+QImage pictureIn(const Request& request, const Descriptor& memory) {
+  const auto bytes = PassedPicture::bytesOf(request.shape);
+  return bytes ? PassedPicture::in(SealedMemory::mapped(memory, *bytes), request.shape) : QImage();
+}
+
+}  // namespace
+
+Reader::Reader(PacketSocket& socket, const ReaderMessages::Signals& signals, TextRecognizer* recognizer)
+    : socket_(socket), signals_(signals), recognizer_(recognizer) {}
+
+void Reader::warmUp() {
+  QImage pixel(16, 16, QImage::Format_RGB32);
+  pixel.fill(Qt::white);
+  for (const PictureFormat format : {PictureFormat::png, PictureFormat::jpeg}) {
+    const auto bytes = ImageOperations::encode(pixel, format);
+    if (bytes) ImageFile::picture(std::string_view(bytes->constData(), static_cast<size_t>(bytes->size())));
+  }
+}
+
+void Reader::run() {
+  Descriptor file;
+  while (const auto request = socket_.receive<Request>(&file)) {
+    Confinement::allowSeconds(kMostSeconds);
+    answer(*request, std::move(file));
+    file = Descriptor();
+  }
+}
+
+void Reader::answer(const Request& request, Descriptor file) {
+  Outcome outcome;
+  try {
+    if (static_cast<Work>(request.work) == Work::head) {
+      socket_.send(Answer{.step = static_cast<uint32_t>(Step::begun)});
+      outcome.head = ImageFile::head(file.number());
+      outcome.isDone = outcome.head.has_value();
+    } else if (static_cast<Work>(request.work) == Work::encoding) {
+      socket_.send(Answer{.step = static_cast<uint32_t>(Step::begun)});
+      outcome = encoded(pictureIn(request, file), request.number);
+    } else if (auto bytes = bytesOf(file)) {
+      file = Descriptor();
+      socket_.send(Answer{.step = static_cast<uint32_t>(Step::begun)});
+      outcome = worked(request, *std::move(bytes), signals_.isStopped, recognizer_);
+    }
+  } catch (const std::bad_alloc&) {
+    outcome = {};
+  }
+  Answer answer{.step = static_cast<uint32_t>(Step::done), .isDone = outcome.isDone};
+  if (outcome.head) {
+    answer.format = static_cast<uint32_t>(outcome.head->format);
+    answer.width = outcome.head->size.width();
+    answer.height = outcome.head->size.height();
+  }
+  const PassedPicture picture(outcome.image);
+  auto parts = picture.parts();
+  if (!outcome.extra.empty()) parts.push_back(outcome.extra);
+  const auto memory = parts.empty() ? std::nullopt : SealedMemory::of(parts);
+  if (memory) {
+    answer.shape = picture.shape();
+    answer.extraBytes = outcome.extra.size();
+  } else if (!parts.empty()) {
+    answer.isDone = 0;
+  }
+  socket_.send(answer, memory ? memory->number() : -1);
+}
+
+}  // namespace quillmere

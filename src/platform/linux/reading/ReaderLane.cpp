@@ -1,0 +1,71 @@
+#include "platform/linux/reading/ReaderLane.h"
+
+#include <utility>
+
+namespace quillmere {
+
+ReaderLane::ReaderLane(std::string program, const char* task, int most, ReaderProcess::Patience patience)
+    : program_(std::move(program)), task_(task), most_(static_cast<size_t>(most)), patience_(patience) {}
+
+std::shared_ptr<ReaderProcess> ReaderLane::take() {
+  std::unique_lock lock(mutex_);
+  free_.wait(lock, [&] { return isEnded_ || !idle_.empty() || busy_.size() + starting_ < most_; });
+  if (isEnded_) return nullptr;
+  if (!idle_.empty()) {
+    busy_.push_back(std::move(idle_.back()));
+    idle_.pop_back();
+    return busy_.back();
+  }
+  ++starting_;
+  lock.unlock();
+  std::shared_ptr<ReaderProcess> process = ReaderProcess::start(program_, task_, patience_);
+  lock.lock();
+  --starting_;
+  if (!process || isEnded_) {
+    free_.notify_one();
+    return nullptr;
+  }
+  missing_ |= process->missingProtections();
+  busy_.push_back(process);
+  return process;
+}
+
+void ReaderLane::giveBack(const std::shared_ptr<ReaderProcess>& process) {
+  const std::lock_guard lock(mutex_);
+  std::erase(busy_, process);
+  if (!isEnded_) idle_.push_back(process);
+  free_.notify_one();
+}
+
+void ReaderLane::drop(const std::shared_ptr<ReaderProcess>& process) {
+  process->kill();
+  const std::lock_guard lock(mutex_);
+  std::erase(busy_, process);
+  free_.notify_one();
+}
+
+void ReaderLane::endIdle() {
+  std::vector<std::shared_ptr<ReaderProcess>> ended;
+  const std::lock_guard lock(mutex_);
+  ended.swap(idle_);
+}
+
+void ReaderLane::end() {
+  endIdle();
+  const std::lock_guard lock(mutex_);
+  isEnded_ = true;
+  for (const auto& process : busy_) process->kill();
+  free_.notify_all();
+}
+
+size_t ReaderLane::running() const {
+  const std::lock_guard lock(mutex_);
+  return idle_.size() + busy_.size();
+}
+
+uint32_t ReaderLane::missingProtections() const {
+  const std::lock_guard lock(mutex_);
+  return missing_;
+}
+
+}  // namespace quillmere

@@ -1,0 +1,229 @@
+#include "platform/linux/reading/ReaderPool.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <QtCore/QtGlobal>
+#include <cstring>
+#include <utility>
+#include <vector>
+
+#include "foundation/FileStatus.h"
+#include "platform/linux/passing/PassedPicture.h"
+#include "platform/linux/passing/Protections.h"
+
+namespace quillmere {
+namespace {
+
+using ImageOperations::DetectedWindow;
+using ImageOperations::OperationError;
+using ImageOperations::WindowScan;
+using ReaderMessages::Answer;
+using ReaderMessages::PictureShape;
+using ReaderMessages::Request;
+using ReaderMessages::Window;
+using ReaderMessages::Work;
+using End = ReaderProcess::End;
+
+/// For work that nobody stops.
+const std::atomic<bool> kNever = false;
+constexpr uint64_t kMostExtraBytes = uint64_t{2} << 30;
+
+Request request(Work work, int32_t number = 0, const PictureShape& shape = {}) {
+  return {.work = static_cast<uint32_t>(work), .number = number, .shape = shape};
+}
+
+/// A link put in a picture's place would have another file read; a pipe in it would hold the reader.
+Descriptor openPicture(const FileURL& url) {
+  return Descriptor(::open(url.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
+}
+
+/// As what it is taken for decides about a person's file.
+std::optional<DetectedWindow> windowOf(const Window& passed, const QSize& picture) {
+  const QRectF frame(passed.x, passed.y, passed.width, passed.height);
+  const bool isInside = passed.x >= 0 && passed.y >= 0 && passed.width >= 0 && passed.height >= 0 &&
+                        passed.x + passed.width <= picture.width() && passed.y + passed.height <= picture.height();
+  if (!isInside || passed.source > static_cast<uint32_t>(WindowShadowMargin::Source::none)) return std::nullopt;
+  const double most = std::max(picture.width(), picture.height());
+  for (const double margin : {passed.left, passed.top, passed.right, passed.bottom}) {
+    if (!(margin >= 0 && margin <= most)) return std::nullopt;
+  }
+  const auto has = [&](int place) { return (passed.marks & (1u << place)) != 0; };
+  return DetectedWindow{
+      frame,
+      {passed.left, passed.top, passed.right, passed.bottom, static_cast<WindowShadowMargin::Source>(passed.source)},
+      has(0),
+      has(1),
+      has(2),
+      has(3)};
+}
+
+std::optional<std::vector<DetectedWindow>> windowsIn(std::string_view bytes, const QSize& picture) {
+  if (bytes.size() % sizeof(Window) != 0) return std::nullopt;
+  std::vector<DetectedWindow> windows;
+  for (; !bytes.empty(); bytes.remove_prefix(sizeof(Window))) {
+    Window passed{};
+    std::memcpy(&passed, bytes.data(), sizeof passed);
+    const auto window = windowOf(passed, picture);
+    if (!window) return std::nullopt;
+    windows.push_back(*window);
+  }
+  return windows;
+}
+
+}  // namespace
+
+ReaderPool::ReaderPool(Executor& executor, std::string program, Size size, ReaderProcess::Patience patience)
+    : executor_(executor),
+      pictures_(program, ReaderMessages::kPictures, size.pictures, patience),
+      texts_(program, ReaderMessages::kTexts, size.texts, patience) {}
+
+ReaderPool::~ReaderPool() {
+  end();
+}
+
+std::string ReaderPool::programBesides(const FileURL& folder) {
+  const auto below = [](const FileURL& place) {
+    return place.appending("libexec").appending("quillmere").appending("reader");
+  };
+  const FileURL installed = below(folder.parent());
+  return (fileExists(installed) ? installed : below(folder)).path();
+}
+
+void ReaderPool::end() {
+  isEnded_ = true;
+  pictures_.end();
+  texts_.end();
+}
+
+std::optional<PictureHead> ReaderPool::head(const FileURL& url) {
+  const auto reply = ask(request(Work::head), url, kNever);
+  if (!reply) return std::nullopt;
+  const Answer& answer = reply->answer;
+  const bool isKnown = answer.format <= static_cast<uint32_t>(PictureFormat::heif);
+  if (!isKnown || answer.width <= 0 || answer.height <= 0) return std::nullopt;
+  return PictureHead{static_cast<PictureFormat>(answer.format), QSize(answer.width, answer.height)};
+}
+
+bool ReaderPool::decodesCompletely(const FileURL& url) {
+  return ask(request(Work::wholeness), url, kNever).has_value();
+}
+
+QImage ReaderPool::picture(const FileURL& url, const Stop& isStopped) {
+  auto reply = ask(request(Work::picture), url, isStopped);
+  return reply ? std::move(reply->image) : QImage();
+}
+
+QImage ReaderPool::thumbnail(const FileURL& url, int maxPixels, const Stop& isStopped) {
+  if (maxPixels <= 0) return {};
+  auto reply = ask(request(Work::thumbnail, maxPixels), url, isStopped);
+  const bool isFit = reply && reply->image.width() <= maxPixels && reply->image.height() <= maxPixels;
+  return isFit ? std::move(reply->image) : QImage();
+}
+
+QImage ReaderPool::thumbnail(std::string_view bytes, int maxPixels) {
+  const auto memory = maxPixels > 0 && !bytes.empty() ? SealedMemory::of({bytes}) : std::nullopt;
+  auto reply = memory ? ask(request(Work::thumbnail, maxPixels), *memory, kNever) : std::nullopt;
+  const bool isFit = reply && reply->image.width() <= maxPixels && reply->image.height() <= maxPixels;
+  return isFit ? std::move(reply->image) : QImage();
+}
+
+Result<WindowScan, OperationError> ReaderPool::windows(const FileURL& url, const Stop& isStopped) {
+  auto reply = ask(request(Work::windows), url, isStopped);
+  const auto windows = reply && !reply->image.isNull() ? windowsIn(reply->extra, reply->image.size()) : std::nullopt;
+  if (!windows) return OperationError::unreadable;
+  return WindowScan{std::move(reply->image), *windows};
+}
+
+std::optional<QString> ReaderPool::text(const FileURL& url, const Stop& isStopped) {
+  const auto reply = ask(request(Work::text), url, isStopped);
+  if (!reply || isStopped) return std::nullopt;
+  return QString::fromUtf8(reply->extra.data(), static_cast<qsizetype>(reply->extra.size()));
+}
+
+Result<QByteArray, OperationError> ReaderPool::encoded(const QImage& image, PictureFormat format) {
+  if (image.isNull()) return OperationError::encoding;
+  const PassedPicture passed(image);
+  const auto memory = SealedMemory::of(passed.parts());
+  const auto reply = memory
+                         ? ask(request(Work::encoding, static_cast<int32_t>(format), passed.shape()), *memory, kNever)
+                         : std::nullopt;
+  if (!reply || reply->extra.empty()) return OperationError::encoding;
+  return QByteArray(reply->extra.data(), static_cast<qsizetype>(reply->extra.size()));
+}
+
+std::optional<ReaderPool::Reply> ReaderPool::ask(const Request& request, const FileURL& url, const Stop& isStopped) {
+  const Descriptor file = openPicture(url);
+  return file ? ask(request, file, isStopped) : std::nullopt;
+}
+
+std::optional<ReaderPool::Reply> ReaderPool::ask(const Request& request, const Descriptor& file,
+                                                 const Stop& isStopped) {
+  struct stat status {};
+  if (::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+  const auto identity = BadPictures::fileOf(status);
+  ReaderLane& lane = request.work == static_cast<uint32_t>(Work::text) ? texts_ : pictures_;
+  // One that dies may have been ended by something else than this picture.
+  for (int attempt = 0; attempt < BadPictures::kEnough && !bad_.isBad(identity) && !isStopped; ++attempt) {
+    const auto process = lane.take();
+    if (!process) {
+      if (!isEnded_) tellOnce("No picture can be read: the reader does not start");
+      return std::nullopt;
+    }
+    if (const uint32_t missing = process->missingProtections(); missing != 0) {
+      tellOnce("Pictures are read without " + Protections::names(missing) + ", which this system has not");
+    }
+    ReaderProcess::Outcome outcome = process->ask(request, file.number(), isStopped);
+    auto reply = outcome.end == End::answered ? checked(outcome.answer, outcome.memory) : std::nullopt;
+    if (reply) {
+      lane.giveBack(process);
+      wasUsed();
+      return reply->answer.isDone ? std::move(reply) : std::nullopt;
+    }
+    lane.drop(process);
+    if (outcome.end == End::stopped || isEnded_) return std::nullopt;
+    bad_.note(identity);
+    if (outcome.end != End::died) return std::nullopt;
+  }
+  return std::nullopt;
+}
+
+/// The memory has to be what the numbers say, to the byte.
+std::optional<ReaderPool::Reply> ReaderPool::checked(const Answer& answer, const Descriptor& memory) {
+  const auto pictureBytes = PassedPicture::bytesOf(answer.shape);
+  if (!pictureBytes || answer.extraBytes > kMostExtraBytes || answer.isDone > 1) return std::nullopt;
+  const uint64_t bytes = *pictureBytes + answer.extraBytes;
+  Reply reply{.answer = answer, .memory = nullptr, .image = {}, .extra = {}};
+  if (bytes == 0) return memory ? std::nullopt : std::optional(reply);
+  reply.memory = SealedMemory::mapped(memory, bytes);
+  if (!reply.memory) return std::nullopt;
+  reply.image = PassedPicture::in(reply.memory, answer.shape);
+  if (*pictureBytes > 0 && reply.image.isNull()) return std::nullopt;
+  reply.extra = reply.memory->bytes().substr(*pictureBytes);
+  return reply;
+}
+
+/// The last use counts; the main thread is told of many at once.
+void ReaderPool::wasUsed() {
+  if (isUsePosted_.exchange(true)) return;
+  executor_.post([weak = weak_from_this()] {
+    if (const auto pool = weak.lock()) pool->armEnd();
+  });
+}
+
+void ReaderPool::armEnd() {
+  isUsePosted_ = false;
+  if (idle_) executor_.cancelDelay(*idle_);
+  idle_ = executor_.startDelay(kWarm, [weak = weak_from_this()](bool) {
+    const auto pool = weak.lock();
+    if (!pool) return;
+    pool->idle_.reset();
+    pool->pictures_.endIdle();
+    pool->texts_.endIdle();
+  });
+}
+
+void ReaderPool::tellOnce(const std::string& line) {
+  if (!isTold_.exchange(true)) qWarning("%s", line.c_str());
+}
+
+}  // namespace quillmere

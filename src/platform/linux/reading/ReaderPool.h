@@ -1,0 +1,75 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "foundation/Executor.h"
+#include "platform/linux/passing/SealedMemory.h"
+#include "platform/linux/reading/BadPictures.h"
+#include "platform/linux/reading/ReaderLane.h"
+#include "reading/PictureReading.h"
+
+namespace quillmere {
+
+/// Has pictures read by processes that can do nothing else: a few for pictures, and others, which give way, for the
+/// text in them. Each is started on first need and ends when none of them has had anything to do for a while. It hands
+/// over open files and believes nothing that comes back.
+class ReaderPool final : public PictureReading, public std::enable_shared_from_this<ReaderPool> {
+ public:
+  struct Size {
+    int pictures = 3;
+    int texts = 2;
+  };
+  static constexpr Duration kWarm = std::chrono::minutes(2);
+
+  /// `program` is the reader. The executor may go first.
+  ReaderPool(Executor& executor, std::string program, Size size, ReaderProcess::Patience patience);
+  ReaderPool(Executor& executor, std::string program) : ReaderPool(executor, std::move(program), Size(), {}) {}
+  ~ReaderPool() override;
+  /// Of the program in that folder, installed or built.
+  static std::string programBesides(const FileURL& folder);
+
+  std::optional<PictureHead> head(const FileURL& url) override;
+  bool decodesCompletely(const FileURL& url) override;
+  QImage picture(const FileURL& url, const Stop& isStopped) override;
+  QImage thumbnail(const FileURL& url, int maxPixels, const Stop& isStopped) override;
+  QImage thumbnail(std::string_view bytes, int maxPixels) override;
+  Result<ImageOperations::WindowScan, ImageOperations::OperationError> windows(const FileURL& url,
+                                                                               const Stop& isStopped) override;
+  std::optional<QString> text(const FileURL& url, const Stop& isStopped) override;
+  Result<QByteArray, ImageOperations::OperationError> encoded(const QImage& image, PictureFormat format) override;
+
+  /// Nothing is read any more; whoever waits hears so at once.
+  void end();
+  /// How many readers there are.
+  size_t running() const { return pictures_.running() + texts_.running(); }
+
+ private:
+  /// An answer whose memory fits it.
+  struct Reply {
+    ReaderMessages::Answer answer;
+    std::shared_ptr<const SealedMemory> memory;
+    QImage image;            ///< null where none came
+    std::string_view extra;  ///< in the memory
+  };
+  using Request = ReaderMessages::Request;
+  std::optional<Reply> ask(const Request& request, const FileURL& url, const Stop& isStopped);
+  std::optional<Reply> ask(const Request& request, const Descriptor& file, const Stop& isStopped);
+  static std::optional<Reply> checked(const ReaderMessages::Answer& answer, const Descriptor& memory);
+  void wasUsed();
+  void armEnd();
+  void tellOnce(const std::string& line);
+
+  Executor& executor_;
+  BadPictures bad_;
+  ReaderLane pictures_;
+  ReaderLane texts_;
+  std::atomic<bool> isUsePosted_ = false;
+  std::atomic<bool> isTold_ = false;
+  std::atomic<bool> isEnded_ = false;
+  std::optional<Executor::DelayID> idle_;  ///< main thread
+};
+
+}  // namespace quillmere

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "platform/linux/passing/PacketSocket.h"
+#include "platform/linux/passing/ReaderMessages.h"
+
+namespace quillmere {
+
+/// A running reader, from the program's side. One request at a time; any thread.
+class ReaderProcess {
+ public:
+  /// How long is waited for what.
+  struct Patience {
+    std::chrono::milliseconds start = std::chrono::seconds(30);   ///< until it has locked itself in
+    std::chrono::milliseconds file = std::chrono::minutes(10);    ///< until a file is read, which a slow disk may take
+    std::chrono::milliseconds work = std::chrono::seconds(30);    ///< on a picture
+    std::chrono::milliseconds texts = std::chrono::seconds(180);  ///< on the text in one
+    std::chrono::milliseconds stop = std::chrono::seconds(1);     ///< with one that was told to stop
+  };
+
+  /// Null where it cannot be started, or is no reader of this build. Waits until it is ready.
+  static std::unique_ptr<ReaderProcess> start(const std::string& program, const char* task, const Patience& patience);
+  /// Ends it.
+  ~ReaderProcess();
+
+  enum class End {
+    answered,
+    died,
+    outlived,  ///< it took longer than anybody waits
+    lied,      ///< what came back was no answer
+    stopped,   ///< nobody waits any more, and it went on
+  };
+  struct Outcome {
+    End end;
+    ReaderMessages::Answer answer{};
+    Descriptor memory{};
+  };
+  /// A reader that did not answer is of no more use.
+  Outcome ask(const ReaderMessages::Request& request, int file, const std::atomic<bool>& isStopped);
+
+  uint32_t missingProtections() const { return missing_; }
+  pid_t process() const;
+  /// From any thread, also while it is asked.
+  void kill();
+
+ private:
+  class Child;
+  ReaderProcess(PacketSocket socket, ReaderMessages::Signals* signals, std::shared_ptr<Child> child, Patience patience);
+  enum class Wait { ready, late, stopped };
+  Wait wait(std::chrono::milliseconds atMost, const std::atomic<bool>* isStopped);
+
+  PacketSocket socket_;
+  ReaderMessages::Signals* signals_;
+  std::shared_ptr<Child> child_;
+  Patience patience_;
+  uint32_t missing_ = 0;
+};
+
+}  // namespace quillmere

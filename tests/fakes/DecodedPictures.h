@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+
+#include "reading/PictureReading.h"
+#include "recognition/TextRecognizer.h"
+
+namespace quillmere::testing {
+
+/// Pictures read inside the test's own process.
+class DecodedPictures final : public PictureReading {
+ public:
+  std::optional<PictureHead> head(const FileURL& url) override;
+  bool decodesCompletely(const FileURL& url) override;
+  QImage picture(const FileURL& url, const Stop& isStopped) override;
+  QImage thumbnail(const FileURL& url, int maxPixels, const Stop& isStopped) override;
+  QImage thumbnail(std::string_view bytes, int maxPixels) override;
+  Result<ImageOperations::WindowScan, ImageOperations::OperationError> windows(const FileURL& url,
+                                                                               const Stop& isStopped) override;
+  std::optional<QString> text(const FileURL& url, const Stop& isStopped) override;
+  Result<QByteArray, ImageOperations::OperationError> encoded(const QImage& image, PictureFormat format) override;
+
+ private:
+  std::mutex recognizing_;
+  TextRecognizer recognizer_;
+};
+
+inline std::shared_ptr<PictureReading> decodedPictures() {
+  return std::make_shared<DecodedPictures>();
+}
+
+}  // namespace quillmere::testing

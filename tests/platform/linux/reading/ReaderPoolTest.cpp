@@ -1,0 +1,258 @@
+#include "platform/linux/reading/ReaderPool.h"
+
+#include <sys/stat.h>
+#include <QtGui/QColorSpace>
+#include <QtGui/QPainter>
+#include <cstdlib>
+#include <thread>
+
+#include "fakes/DecodedPictures.h"
+#include "foundation/ManualExecutor.h"
+#include "support/Files.h"
+#include "support/TemporaryFolder.h"
+
+namespace quillmere::testing {
+namespace {
+
+using ImageOperations::OperationError;
+using std::chrono::milliseconds;
+
+class ReaderPoolTest : public ::testing::Test {
+ protected:
+  ~ReaderPoolTest() override {
+    ::unsetenv("QUILLMERE_HOSTILE");
+    ::unsetenv("QUILLMERE_HOSTILE_MARK");
+  }
+
+  std::shared_ptr<ReaderPool> readers() { return std::make_shared<ReaderPool>(executor, QUILLMERE_READER); }
+  /// Who say that they read, and behave as `kind` says.
+  std::shared_ptr<ReaderPool> hostile(const char* kind, ReaderProcess::Patience patience = {}) {
+    ::setenv("QUILLMERE_HOSTILE", kind, 1);
+    return std::make_shared<ReaderPool>(executor, QUILLMERE_HOSTILE_READER, ReaderPool::Size(), patience);
+  }
+  /// A picture with a window and a word in it.
+  FileURL drawn(const char* name = "shot.png") {
+    QImage image(640, 480, QImage::Format_RGB32);
+    image.fill(QColor(120, 120, 120));
+    QPainter painter(&image);
+    painter.fillRect(100, 80, 400, 300, Qt::white);
+    painter.setPen(Qt::black);
+    painter.drawRect(100, 80, 399, 299);
+    QFont font(QStringLiteral("DejaVu Sans"));
+    font.setPixelSize(20);
+    painter.setFont(font);
+    painter.drawText(150, 150, QStringLiteral("Quarterly report"));
+    painter.end();
+    image.setColorSpace(QColorSpace(QColorSpace::DisplayP3));
+    const FileURL url = home.file(name);
+    EXPECT_TRUE(image.save(url.displayPath()));
+    return url;
+  }
+  QImage read(ReaderPool& pool, const FileURL& url) { return pool.picture(url, never); }
+
+  TemporaryFolder home;
+  ManualExecutor executor;
+  DecodedPictures decoded;
+  const std::atomic<bool> never = false;
+};
+
+TEST_F(ReaderPoolTest, ReadsWhatTheDecodersRead) {
+  const auto pool = readers();
+  for (const char* name : {"a.png", "b.jpg"}) {
+    const FileURL url = drawn(name);
+    EXPECT_EQ(pool->head(url), decoded.head(url));
+    EXPECT_TRUE(pool->decodesCompletely(url));
+    const QImage picture = pool->picture(url, never);
+    EXPECT_EQ(picture, decoded.picture(url, never));
+    EXPECT_EQ(picture.colorSpace(), decoded.picture(url, never).colorSpace());
+    EXPECT_EQ(pool->thumbnail(url, 100, never), decoded.thumbnail(url, 100, never));
+    EXPECT_EQ(pool->thumbnail(readBytes(url), 100), decoded.thumbnail(url, 100, never));
+  }
+}
+
+TEST_F(ReaderPoolTest, FindsTheSameWindows) {
+  const auto pool = readers();
+  const FileURL url = drawn();
+  const auto scan = pool->windows(url, never);
+  const auto expected = decoded.windows(url, never);
+  ASSERT_TRUE(scan && expected);
+  EXPECT_EQ(scan->image, expected->image);
+  ASSERT_FALSE(expected->windows.empty());
+  EXPECT_EQ(scan->windows, expected->windows);
+}
+
+TEST_F(ReaderPoolTest, ReadsTheText) {
+  EXPECT_EQ(readers()->text(drawn(), never), QStringLiteral("Quarterly report"));
+}
+
+TEST_F(ReaderPoolTest, EncodesInEachFormatThatIsWritten) {
+  const auto pool = readers();
+  const QImage image = decoded.picture(drawn(), never);
+  for (const PictureFormat format : kPictureFormats) {
+    if (!traits(format).isWritable) continue;
+    const auto bytes = pool->encoded(image, format);
+    ASSERT_TRUE(bytes) << static_cast<int>(format);
+    EXPECT_EQ(*bytes, *decoded.encoded(image, format)) << static_cast<int>(format);
+  }
+  EXPECT_EQ(pool->encoded(QImage(), PictureFormat::png).reason(), OperationError::encoding);
+}
+
+TEST_F(ReaderPoolTest, SaysWhatCannotBeRead) {
+  const auto pool = readers();
+  const FileURL text = writtenFile(home.file("text.png"), "no picture");
+  EXPECT_EQ(pool->head(text), std::nullopt);
+  EXPECT_FALSE(pool->decodesCompletely(text));
+  EXPECT_TRUE(read(*pool, text).isNull());
+  EXPECT_EQ(pool->windows(text, never).reason(), OperationError::unreadable);
+  EXPECT_EQ(pool->text(text, never), std::nullopt);
+  EXPECT_TRUE(pool->thumbnail(std::string_view("no picture"), 10).isNull());
+  EXPECT_EQ(pool->running(), 2u) << "which harms no reader";
+}
+
+TEST_F(ReaderPoolTest, OpensNothingButFiles) {
+  const auto pool = readers();
+  const FileURL link = home.file("link.png");
+  std::filesystem::create_symlink(drawn().path(), link.path());
+  const FileURL pipe = home.file("pipe.png");
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  for (const FileURL& url : {link, pipe, home.url(), home.file("missing.png")}) {
+    EXPECT_TRUE(read(*pool, url).isNull()) << url.path();
+  }
+  EXPECT_EQ(pool->running(), 0u) << "nobody was asked";
+}
+
+TEST_F(ReaderPoolTest, EndsItsReadersWhenNobodyNeedsThemForAWhile) {
+  const auto pool = readers();
+  const FileURL url = drawn();
+  EXPECT_EQ(pool->running(), 0u);
+  EXPECT_FALSE(read(*pool, url).isNull());
+  EXPECT_EQ(pool->running(), 1u);
+  executor.drain();
+  executor.advance(ReaderPool::kWarm - seconds(1));
+  EXPECT_FALSE(read(*pool, url).isNull());
+  executor.drain();
+  executor.advance(seconds(2));
+  EXPECT_EQ(pool->running(), 1u) << "the last use counts";
+  executor.advance(ReaderPool::kWarm);
+  EXPECT_EQ(pool->running(), 0u);
+  EXPECT_FALSE(read(*pool, url).isNull()) << "one is started again";
+}
+
+TEST_F(ReaderPoolTest, AsksOnceMoreWhenAReaderDies) {
+  const auto pool = hostile("dies-once");
+  ::setenv("QUILLMERE_HOSTILE_MARK", home.file("mark").c_str(), 1);
+  EXPECT_EQ(read(*pool, drawn()).size(), QSize(40, 30));
+}
+
+TEST_F(ReaderPoolTest, GivesUpAPictureThatKillsTwiceUntilItChanges) {
+  const auto killing = hostile("dies");
+  const FileURL url = drawn();
+  EXPECT_TRUE(read(*killing, url).isNull());
+  EXPECT_EQ(killing->running(), 0u);
+  ::setenv("QUILLMERE_HOSTILE", "well", 1);
+  EXPECT_TRUE(read(*killing, url).isNull()) << "nobody is asked about it";
+  EXPECT_EQ(killing->running(), 0u);
+  EXPECT_FALSE(read(*killing, drawn("other.png")).isNull());
+  writeFile(url, readBytes(url) + "changed");
+  EXPECT_FALSE(read(*killing, url).isNull());
+}
+
+TEST_F(ReaderPoolTest, EndsAReaderThatTakesTooLong) {
+  ReaderProcess::Patience patience;
+  patience.work = milliseconds(1);
+  const auto pool = hostile("hangs", patience);
+  const FileURL url = drawn();
+  EXPECT_TRUE(read(*pool, url).isNull());
+  EXPECT_EQ(pool->running(), 0u);
+  EXPECT_TRUE(read(*pool, url).isNull());
+  ::setenv("QUILLMERE_HOSTILE", "well", 1);
+  EXPECT_TRUE(read(*pool, url).isNull()) << "it has been too much for two";
+}
+
+TEST_F(ReaderPoolTest, DoesNotWaitForEverForAFile) {
+  ReaderProcess::Patience patience;
+  patience.file = milliseconds(1);
+  EXPECT_TRUE(read(*hostile("hangs-before", patience), drawn()).isNull());
+}
+
+TEST_F(ReaderPoolTest, TellsAReaderToStopAndKeepsIt) {
+  const auto pool = hostile("stops-when-told");
+  std::atomic<bool> isStopped = false;
+  std::thread stopping([&] { isStopped = true; });
+  EXPECT_TRUE(pool->picture(drawn(), isStopped).isNull());
+  stopping.join();
+  EXPECT_LE(pool->running(), 1u);
+}
+
+TEST_F(ReaderPoolTest, EndsAReaderThatDoesNotStop) {
+  ReaderProcess::Patience patience;
+  patience.stop = milliseconds(1);
+  const auto pool = hostile("hangs", patience);
+  std::atomic<bool> isStopped = false;
+  std::thread stopping([&] { isStopped = true; });
+  const FileURL url = drawn();
+  EXPECT_TRUE(pool->picture(url, isStopped).isNull());
+  stopping.join();
+  EXPECT_EQ(pool->running(), 0u);
+  ::setenv("QUILLMERE_HOSTILE", "well", 1);
+  EXPECT_FALSE(read(*pool, url).isNull()) << "the picture is not to blame";
+}
+
+TEST_F(ReaderPoolTest, BelievesNothing) {
+  for (const char* kind :
+       {"garbage", "begins-twice", "unsealed", "short", "long", "without-memory", "too-large", "too-much-beside"}) {
+    const auto pool = hostile(kind);
+    EXPECT_TRUE(read(*pool, drawn()).isNull()) << kind;
+    EXPECT_EQ(pool->running(), 0u) << kind << ": it is not asked again";
+  }
+  EXPECT_FALSE(hostile("wrong-windows")->windows(drawn(), never));
+  EXPECT_FALSE(hostile("wrong-head")->head(drawn()));
+  EXPECT_TRUE(hostile("well")->thumbnail(drawn(), 20, never).isNull()) << "larger than it was to be";
+}
+
+TEST_F(ReaderPoolTest, WithoutAReaderNothingCanBeRead) {
+  for (const char* kind : {"ends-at-once", "other-version"}) {
+    EXPECT_TRUE(read(*hostile(kind), drawn()).isNull()) << kind;
+  }
+  ReaderProcess::Patience patience;
+  patience.start = milliseconds(1);
+  EXPECT_TRUE(read(*hostile("silent", patience), drawn()).isNull());
+  const auto missing = std::make_shared<ReaderPool>(executor, home.file("missing").path());
+  EXPECT_TRUE(read(*missing, drawn()).isNull());
+}
+
+TEST_F(ReaderPoolTest, ReadsSeveralAtATime) {
+  const auto pool = readers();
+  const FileURL url = drawn();
+  std::vector<std::thread> threads;
+  std::atomic<int> read = 0;
+  for (int i = 0; i < 6; ++i) {
+    threads.emplace_back([&] { read += !pool->thumbnail(url, 64, never).isNull(); });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(read, 6);
+  EXPECT_LE(pool->running(), static_cast<size_t>(ReaderPool::Size().pictures));
+}
+
+TEST_F(ReaderPoolTest, AtTheEndNobodyWaits) {
+  const auto pool = hostile("hangs");
+  const FileURL url = drawn();
+  std::thread waiting([&] { EXPECT_TRUE(read(*pool, url).isNull()); });
+  while (pool->running() == 0) std::this_thread::yield();
+  pool->end();
+  waiting.join();
+  EXPECT_TRUE(read(*pool, url).isNull());
+  EXPECT_EQ(pool->running(), 0u);
+}
+
+TEST_F(ReaderPoolTest, IsFoundWhereItIsInstalledOrBuilt) {
+  const FileURL program = home.file("bin");
+  EXPECT_EQ(ReaderPool::programBesides(program), program.path() + "/libexec/quillmere/reader");
+  const FileURL installed = home.file("libexec").appending("quillmere").appending("reader");
+  std::filesystem::create_directories(installed.parent().path());
+  writeFile(installed, "");
+  EXPECT_EQ(ReaderPool::programBesides(program), installed.path());
+}
+
+}  // namespace
+}  // namespace quillmere::testing
