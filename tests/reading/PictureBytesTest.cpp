@@ -10,7 +10,8 @@ namespace {
 
 TEST(PictureBytes, AreThoseOfAFileAndOfNothingElse) {
   const TemporaryFolder folder;
-  const FileURL file = writtenFile(folder.file("a.png"), "bytes");
+  const FileURL file = folder.file("a.png");
+  writeFile(file, "bytes");
   const FileURL link = folder.file("link.png");
   std::filesystem::create_symlink(file.path(), link.path());
   EXPECT_EQ(pictureBytes(file), "bytes");
@@ -20,7 +21,8 @@ TEST(PictureBytes, AreThoseOfAFileAndOfNothingElse) {
 
 TEST(PictureBytes, AreNoneOfAFileThatIsLargerThanAnyPicture) {
   const TemporaryFolder folder;
-  const FileURL file = writtenFile(folder.file("a.png"), "");
+  const FileURL file = folder.file("a.png");
+  writeFile(file, "");
   std::filesystem::resize_file(file.path(), (uint64_t{1} << 30) + 1);
   EXPECT_EQ(pictureBytes(file), std::nullopt);
 }

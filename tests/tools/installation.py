@@ -19,7 +19,7 @@ ENTRY = "share/applications/com.quillmere.app.desktop"
 SERVICE = "share/dbus-1/services/com.quillmere.app.service"
 SIZES = (16, 22, 24, 32, 48, 64, 128, 256)
 HELP = "share/quillmere/help"
-FILES = {"bin/quillmere", ENTRY, SERVICE, f"{ICONS}/scalable/apps/com.quillmere.app.svg",
+FILES = {"bin/quillmere", "libexec/quillmere/reader", ENTRY, SERVICE, f"{ICONS}/scalable/apps/com.quillmere.app.svg",
          f"{ICONS}/symbolic/apps/com.quillmere.app-symbolic.svg",
          *(f"{ICONS}/{size}x{size}/apps/com.quillmere.app.png" for size in SIZES),
          *(f"{HELP}/{page.name}" for page in help_pages.PAGES), f"{HELP}/{help_pages.STYLE.name}",
@@ -84,6 +84,11 @@ class Installation(unittest.TestCase):
         self.assertEqual((done.returncode, done.stderr), (0, ""))
         self.assertTrue(done.stdout.startswith("Quillmere "))
 
+    def test_what_reads_pictures_is_there_and_for_the_program_alone(self):
+        done = self.run_tool(self.place("libexec/quillmere/reader"))
+        self.assertEqual((done.returncode, done.stdout), (2, ""))
+        self.assertEqual(done.stderr, "This program is started by quillmere alone.\n")
+
     def test_the_launcher_entry_is_valid_and_names_the_program_and_its_icon(self):
         done = self.run_tool("desktop-file-validate", self.place(ENTRY))
         self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
@@ -124,7 +129,8 @@ class Installation(unittest.TestCase):
         done = self.uninstall()
         self.assertEqual(done.returncode, 0, done.stderr)
         self.assertEqual(self.files(), set())
-        self.assertEqual(sorted(os.listdir(self.place(""))), ["bin", "share"])
+        self.assertEqual(sorted(os.listdir(self.place(""))), ["bin", "libexec", "share"])
+        self.assertEqual(os.listdir(self.place("libexec")), [])
         self.assertEqual(os.listdir(self.place("share")), [])
 
     def test_what_others_put_there_stays(self):

@@ -117,7 +117,7 @@ std::function<void()> LinuxPlatform::openScreenshotOptions() {
 }
 
 std::vector<LinkedLibrary> LinuxPlatform::linkedLibraries() {
-  return LinkedLibraries::describe(LinkedLibraries::sonames());
+  return LinkedLibraries::describe(LinkedLibraries::sonames() + LinkedLibraries::sonamesOfReader());
 }
 
 void LinuxPlatform::followAppearance(std::function<void(const Appearance&)> show) {

@@ -84,6 +84,11 @@ QStringList LinkedLibraries::sonames() {
   return sonames;
 }
 
+QStringList LinkedLibraries::sonamesOfReader() {
+  return {QStringLiteral("libheif.so"), QStringLiteral("libdeflate.so"), QStringLiteral("libopencv_imgproc.so"),
+          QStringLiteral("libtesseract.so")};
+}
+
 std::vector<LinkedLibrary> LinkedLibraries::describe(const QStringList& sonames) {
   std::vector<LinkedLibrary> libraries;
   for (const Row& row : kCompiledIn) libraries.push_back(described(row));

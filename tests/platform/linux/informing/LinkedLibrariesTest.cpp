@@ -43,6 +43,20 @@ TEST(LinkedLibrariesTest, EachLibraryOfTheProgramHasANameAndALicence) {
   }
 }
 
+TEST(LinkedLibrariesTest, WhatReadsPicturesNeedsNoOtherThanAreTold) {
+  const QStringList program = neededBy(QStringLiteral(QUILLMERE_PROGRAM));
+  const auto told = LinkedLibraries::describe(program + LinkedLibraries::sonamesOfReader());
+  EXPECT_EQ(LinkedLibraries::describe(program + neededBy(QStringLiteral(QUILLMERE_READER))), told);
+}
+
+TEST(LinkedLibrariesTest, NoDecoderIsInTheProgramItself) {
+  for (const QString& soname : neededBy(QStringLiteral(QUILLMERE_PROGRAM))) {
+    for (const char* decoder : {"libheif", "libopencv", "libtesseract", "libleptonica"}) {
+      EXPECT_FALSE(soname.startsWith(QLatin1String(decoder))) << soname.toStdString();
+    }
+  }
+}
+
 TEST(LinkedLibrariesTest, SeveralOfOneMakeAreToldOnceAndAllByName) {
   EXPECT_EQ(names({QStringLiteral("libxcb.so.1"), QStringLiteral("libQt6Gui.so.6"), QStringLiteral("libQt6Core.so.6"),
                    QStringLiteral("libxcb-shape.so.0"), QStringLiteral("libQt6Svg.so.6")}),

@@ -1,8 +1,10 @@
 #include "platform/linux/reader/Confinement.h"
 
 #include <gmock/gmock.h>
+#include <array>
+#include <cstdio>
 
-#include "support/ChildProcess.h"
+#include "foundation/FileStatus.h"
 #include "support/Files.h"
 #include "support/TemporaryFolder.h"
 

@@ -4,6 +4,7 @@
 #include <sys/syscall.h>
 #include <QtCore/QCoreApplication>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
 
@@ -44,6 +45,8 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "This program is started by quillmere alone.\n");
     return 2;
   }
+  // It would want pipes for each of Qt's threads.
+  ::setenv("QT_NO_GLIB", "1", 1);
   // Qt looks for its plug-ins relative to this.
   const QCoreApplication application(argc, argv);
   std::optional<TextRecognizer> recognizer;
