@@ -3,7 +3,7 @@
 #include <QtCore/QRect>
 #include <vector>
 
-#include "detection/DetectedWindows.h"
+#include "reading/DetectedWindow.h"
 #include "records/UUID.h"
 
 namespace quillmere {

@@ -16,9 +16,9 @@ class ReaderProcess {
  public:
   /// How long is waited for what.
   struct Patience {
-    std::chrono::milliseconds start = std::chrono::seconds(30);   ///< until it has locked itself in
+    std::chrono::milliseconds start = std::chrono::minutes(2);    ///< until it has locked itself in
     std::chrono::milliseconds file = std::chrono::minutes(10);    ///< until a file is read, which a slow disk may take
-    std::chrono::milliseconds work = std::chrono::seconds(30);    ///< on a picture
+    std::chrono::milliseconds work = std::chrono::seconds(60);    ///< on a picture
     std::chrono::milliseconds texts = std::chrono::seconds(180);  ///< on the text in one
     std::chrono::milliseconds stop = std::chrono::seconds(1);     ///< with one that was told to stop
   };
