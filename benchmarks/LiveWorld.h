@@ -21,6 +21,7 @@ class LiveWorld {
   /// Makes the model of these records, newest first. It is not started. Without an executor it has the live one.
   void makeModel(std::vector<quillmere::ScreenshotItem> items, quillmere::Executor* executor = nullptr);
   quillmere::AppModel& model() { return *model_; }
+  std::shared_ptr<quillmere::PictureReading> pictures() const { return services_.pictures; }
   /// The model's.
   quillmere::Executor& executor() { return *executor_; }
 

@@ -74,7 +74,8 @@ class World {
     world_.makeModel(std::move(items));
     model().start();
     settle([this] { return !model().isReconciling(); });
-    thumbnails_ = std::make_unique<ThumbnailLoader>(world_.executor(), [](const FileURL&) { return false; });
+    thumbnails_ =
+        std::make_unique<ThumbnailLoader>(world_.executor(), world_.pictures(), [](const FileURL&) { return false; });
     services_ = {thumbnails_.get(), &world_.executor(), &sharing_, &fileManager_, &defaults_};
   }
 

@@ -1,5 +1,6 @@
 #include <benchmark/benchmark.h>
 #include <vips/vips.h>
+#include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QGuiApplication>
@@ -8,6 +9,8 @@
 #include "Limits.h"
 #include "PaintedDesktop.h"
 #include "formats/ImageFile.h"
+#include "foundation/ManualExecutor.h"
+#include "platform/linux/reading/ReaderPool.h"
 #include "platform/linux/thumbnails/LiveSharedThumbnails.h"
 
 using namespace quillmere;
@@ -31,6 +34,11 @@ QImage withAlpha(const QImage& picture) {
   return result;
 }
 
+std::shared_ptr<PictureReading> readers(Executor& executor) {
+  const FileURL folder = FileURL::fromPath(QCoreApplication::applicationDirPath());
+  return std::make_shared<ReaderPool>(executor, ReaderPool::programBesides(folder));
+}
+
 struct Captures {
   explicit Captures(const QString& folder)
       : png(folder + QStringLiteral("/a.png")),
@@ -38,7 +46,8 @@ struct Captures {
         jpeg(folder + QStringLiteral("/a.jpg")),
         partJpeg(folder + QStringLiteral("/part.jpg")),
         usualPng(folder + QStringLiteral("/usual.png")),
-        shared(FileURL::fromPath(folder + QStringLiteral("/cache/thumbnails")), [] { return Date(); }) {
+        shared(FileURL::fromPath(folder + QStringLiteral("/cache/thumbnails")), readers(executor),
+               [] { return Date(); }) {
     const QImage picture = paintedDesktop(kLarge, 1);
     picture.save(png);
     withAlpha(picture).save(clearPng);
@@ -55,6 +64,7 @@ struct Captures {
   QString jpeg;
   QString partJpeg;
   QString usualPng;
+  ManualExecutor executor;
   LiveSharedThumbnails shared;
 };
 Captures* captures = nullptr;
@@ -140,7 +150,8 @@ void KeepRowPng(benchmark::State& state) {
   const QImage thumbnail = ImageFile::thumbnail(url, kRow);
   const QTemporaryDir folder;
   const FileURL cache = FileURL::fromPath(folder.path());
-  LiveSharedThumbnails shared(cache, [] { return Date(); });
+  ManualExecutor executor;
+  LiveSharedThumbnails shared(cache, readers(executor), [] { return Date(); });
   for (auto _ : state) {
     shared.keep(url, status, thumbnail);
     state.PauseTiming();
