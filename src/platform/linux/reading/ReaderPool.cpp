@@ -26,6 +26,8 @@ using End = ReaderProcess::End;
 
 /// For work that nobody stops.
 const std::atomic<bool> kNever = false;
+/// Readers that end before they look at a picture are not its fault, but not all of them can.
+constexpr int kMostAttempts = 8;
 constexpr uint64_t kMostExtraBytes = uint64_t{2} << 30;
 
 Request request(Work work, int32_t number = 0, const PictureShape& shape = {}) {
@@ -163,7 +165,7 @@ std::optional<ReaderPool::Reply> ReaderPool::ask(const Request& request, const D
   const auto identity = BadPictures::fileOf(status);
   ReaderLane& lane = request.work == static_cast<uint32_t>(Work::text) ? texts_ : pictures_;
   // One that dies may have been ended by something else than this picture.
-  for (int attempt = 0; attempt < BadPictures::kEnough && !bad_.isBad(identity) && !isStopped; ++attempt) {
+  for (int attempt = 0; attempt < kMostAttempts && !bad_.isBad(identity) && !isStopped; ++attempt) {
     const auto process = lane.take();
     if (!process) {
       if (!isEnded_) tellOnce("No picture can be read: the reader does not start");
@@ -181,6 +183,7 @@ std::optional<ReaderPool::Reply> ReaderPool::ask(const Request& request, const D
     }
     lane.drop(process);
     if (outcome.end == End::stopped || isEnded_) return std::nullopt;
+    if (outcome.end == End::gone) continue;
     bad_.note(identity);
     if (outcome.end != End::died) return std::nullopt;
   }

@@ -180,9 +180,10 @@ pid_t ReaderProcess::process() const {
 
 ReaderProcess::Outcome ReaderProcess::ask(const Request& request, int file, const std::atomic<bool>& isStopped) {
   signals_->isStopped = false;
-  if (!socket_.send(request, file)) return {End::died};
+  if (!socket_.send(request, file)) return {End::gone};
   const auto& patience = request.work == static_cast<uint32_t>(Work::text) ? patience_.texts : patience_.work;
   milliseconds atMost = patience_.file;
+  bool hasBegun = false;
   while (true) {
     switch (wait(atMost, &isStopped)) {
       case Wait::ready:
@@ -195,12 +196,14 @@ ReaderProcess::Outcome ReaderProcess::ask(const Request& request, int file, cons
     Descriptor memory;
     // A reader that ends has nothing more to say; one that says anything else than what it should, lies.
     std::array<char, 1> peeked{};
-    if (::recv(socket_.number(), peeked.data(), peeked.size(), MSG_PEEK | MSG_DONTWAIT) <= 0) return {End::died};
+    if (::recv(socket_.number(), peeked.data(), peeked.size(), MSG_PEEK | MSG_DONTWAIT) <= 0)
+      return {hasBegun ? End::died : End::gone};
     const auto answer = socket_.receive<Answer>(&memory);
     if (!answer) return {End::lied};
     if (isStep(*answer, Step::done)) return {End::answered, *answer, std::move(memory)};
-    if (!isStep(*answer, Step::begun) || atMost != patience_.file || memory) return {End::lied};
-    atMost = std::min(patience, patience_.file - milliseconds(1));
+    if (!isStep(*answer, Step::begun) || hasBegun || memory) return {End::lied};
+    hasBegun = true;
+    atMost = patience;
   }
 }
 

@@ -30,6 +30,7 @@ class ReaderProcess {
 
   enum class End {
     answered,
+    gone,  ///< it ended before it looked at the picture
     died,
     outlived,  ///< it took longer than anybody waits
     lied,      ///< what came back was no answer

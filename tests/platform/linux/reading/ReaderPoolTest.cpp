@@ -145,6 +145,12 @@ TEST_F(ReaderPoolTest, AsksOnceMoreWhenAReaderDies) {
   EXPECT_EQ(read(*pool, drawn()).size(), QSize(40, 30));
 }
 
+TEST_F(ReaderPoolTest, BlamesNoPictureForAReaderThatEndedOtherwise) {
+  const auto pool = hostile("leaves");
+  const FileURL url = drawn();
+  for (int i = 0; i < 4; ++i) EXPECT_FALSE(read(*pool, url).isNull()) << i;
+}
+
 TEST_F(ReaderPoolTest, GivesUpAPictureThatKillsTwiceUntilItChanges) {
   const auto killing = hostile("dies");
   const FileURL url = drawn();

@@ -56,14 +56,17 @@ void answerAs(const std::string& kind, PacketSocket& socket) {
   const std::string rows(passed.parts().front());
   Answer answer = done();
   answer.shape = passed.shape();
-  if (kind == "well") {
+  if (kind == "well" || kind == "leaves") {
     answerWell(socket);
+    if (kind == "leaves") ::_exit(0);
   } else if (kind == "dies") {
+    socket.send(begun());
     ::_exit(1);
   } else if (kind == "dies-once") {
     const std::string mark = setting("QUILLMERE_HOSTILE_MARK");
     if (::access(mark.c_str(), F_OK) != 0) {
       ::close(::open(mark.c_str(), O_WRONLY | O_CREAT, 0600));
+      socket.send(begun());
       ::_exit(1);
     }
     answerWell(socket);
