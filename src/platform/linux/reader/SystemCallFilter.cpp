@@ -52,6 +52,9 @@ constexpr std::array kAllowed = {
     SYS_madvise,
     SYS_brk,
     // Threads of its own.
+    SYS_eventfd2,
+    SYS_pipe2,
+    SYS_dup,
     SYS_futex,
     SYS_set_robust_list,
     SYS_rseq,
