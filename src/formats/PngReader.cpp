@@ -19,9 +19,6 @@
 namespace quillmere {
 namespace {
 
-/// Deflate's best: a back reference of 258 bytes in two bits.
-constexpr size_t kBestCompression = 1032;
-
 /// Fills `filtered` with exactly what the header says.
 bool inflate(const PlainPng& png, uint8_t* filtered) {
   std::string joined;

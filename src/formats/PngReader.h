@@ -14,6 +14,9 @@ namespace quillmere {
 /// checksum, data too short or too long, an order of chunks that is not allowed.
 namespace PngReader {
 
+/// Deflate's best: a back reference of 258 bytes in two bits.
+inline constexpr int kBestCompression = 1032;
+
 std::optional<QImage> read(std::string_view file);
 
 /// The same picture made smaller, as `Downscaler` does, where it has a side above `maxPixels`; without memory for the
