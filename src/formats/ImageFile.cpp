@@ -77,7 +77,10 @@ class GeneralReader {
   QImageReader reader_;
 };
 
-QImage readGenerally(std::string_view bytes, PictureFormat format, const std::function<QImage(GeneralReader&)>& read) {
+QImage readGenerally(std::string_view all, PictureFormat format, const std::function<QImage(GeneralReader&)>& read) {
+  std::string_view bytes = all;
+  std::string picture;
+  if (format == PictureFormat::jpeg && JpegOutline::hasManySegments(all)) bytes = picture = withoutJpegTexts(all);
   QByteArray view = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
   QBuffer buffer(&view);
   GeneralReader reader(buffer, format);
@@ -170,7 +173,8 @@ std::string beginningOf(const PictureFile& file, const PictureBudget& budget) {
   constexpr int64_t kStep = 64 << 10;
   std::string bytes = file.bytes(0, kFirst);
   const auto format = ImageFile::formatOf(bytes);
-  if (format == PictureFormat::heif && file.size() <= PictureOutline::kMostHeifBytes && !file.isMostlyHoles()) {
+  if (!format || file.isMostlyHoles()) return bytes;
+  if (format == PictureFormat::heif && file.size() <= PictureOutline::kMostHeifBytes) {
     return file.bytes(0, file.size());
   }
   if (format != PictureFormat::jpeg) return bytes;
@@ -184,15 +188,20 @@ std::string beginningOf(const PictureFile& file, const PictureBudget& budget) {
   return bytes;
 }
 
+Result<PictureOutline, PictureError> outlineOf(const PictureFile& file, std::string_view beginning,
+                                               const PictureBudget& budget) {
+  if (ImageFile::formatOf(beginning) && file.isMostlyHoles()) return PictureError::damaged;
+  return PictureOutline::ofBeginning(beginning, file.size(), budget);
+}
+
 /// Calls `decode` with the bytes of the file, if it is worth it, and while there is memory for it.
 template <typename Decode>
 std::optional<PictureError> withBytes(const FileURL& url, const PictureBudget& budget, const Decode& decode) {
   const PictureFile file(url);
   if (!file.isOpen()) return PictureError::unreadable;
   std::string bytes = beginningOf(file, budget);
-  const auto outline = PictureOutline::ofBeginning(bytes, file.size(), budget);
+  const auto outline = outlineOf(file, bytes, budget);
   if (!outline) return outline.reason();
-  if (file.isMostlyHoles()) return PictureError::damaged;
   const PictureMemory::Share share(memoryOfAll(), file.size() + outline->memory);
   if (static_cast<int64_t>(bytes.size()) < file.size()) {
     bytes = {};
@@ -240,8 +249,8 @@ std::optional<QSize> sizeIn(const PictureFile& file, std::string_view beginning,
       return isSideways ? outline.stored.transposed() : outline.stored;
     }
     case PictureFormat::jpeg: {
-      QByteArray view = QByteArray::fromRawData(beginning.data(), static_cast<qsizetype>(beginning.size()));
-      QBuffer buffer(&view);
+      QByteArray head = QByteArray::fromStdString(withoutJpegTexts(beginning));
+      QBuffer buffer(&head);
       return GeneralReader(buffer, PictureFormat::jpeg).size();
     }
     case PictureFormat::heif:
@@ -269,8 +278,9 @@ std::optional<std::string> ImageFile::bytesOf(const FileURL& url) {
 std::optional<std::string> ImageFile::firstBytesOf(const FileURL& url, int64_t count) {
   const PictureFile file(url);
   if (!file.isOpen()) return std::nullopt;
-  const bool isHeif = formatOf(file.bytes(0, 16)) == PictureFormat::heif;
-  return isHeif ? bytesOf(url) : std::optional(file.bytes(0, count));
+  const auto format = formatOf(file.bytes(0, 16));
+  if (!format) return std::nullopt;
+  return format == PictureFormat::heif ? bytesOf(url) : std::optional(file.bytes(0, count));
 }
 
 bool ImageFile::decodesCompletely(const FileURL& url) {
@@ -290,7 +300,7 @@ std::optional<ImageFile::Head> ImageFile::head(const FileURL& url) {
   if (!file.isOpen()) return std::nullopt;
   const PictureBudget budget;
   const std::string beginning = beginningOf(file, budget);
-  const auto outline = PictureOutline::ofBeginning(beginning, file.size(), budget);
+  const auto outline = outlineOf(file, beginning, budget);
   const auto size = outline ? sizeIn(file, beginning, *outline) : std::nullopt;
   return size ? std::optional(Head{outline->format, *size}) : std::nullopt;
 }

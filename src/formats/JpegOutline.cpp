@@ -19,7 +19,13 @@ enum Marker : uint8_t {
   kLastRestart = 0xD7,
   kStart = 0xD8,
   kEnd = 0xD9,
-  kScan = 0xDA
+  kScan = 0xDA,
+  kFirstApplication = 0xE0,
+  kCameraData = 0xE1,
+  kColourProfile = 0xE2,
+  kColourTransform = 0xEE,
+  kLastApplication = 0xEF,
+  kComment = 0xFE
 };
 
 uint8_t byteAt(std::string_view bytes, size_t place) {
@@ -62,33 +68,72 @@ void readFrame(std::string_view segment, uint8_t marker, JpegOutline& outline) {
   outline.isProgressive = (marker & 3) == (kProgressiveFrame & 3);
 }
 
-}  // namespace
-
-std::optional<JpegOutline> JpegOutline::of(std::string_view file) {
+/// Calls `visit` with each marker that has a segment, its place, and what stands in the segment. Returns the place of
+/// the end's marker; none where the file ends early.
+template <typename Visit>
+std::optional<size_t> visitSegments(std::string_view file, const Visit& visit) {
   constexpr size_t kLength = 2;
   if (!file.starts_with("\xFF\xD8")) return std::nullopt;
-  JpegOutline outline;
   size_t place = 2;
   while (const auto found = nextMarker(file, place)) {
     const uint8_t marker = byteAt(file, *found);
     place = *found + 1;
-    if (marker == kEnd) {
-      outline.isWhole = true;
-      break;
-    }
+    if (marker == kEnd) return *found;
     if (hasNoLength(marker)) continue;
     if (file.size() - place < kLength) break;
     const size_t length = shortAt(file, place);
     if (length < kLength || length > file.size() - place) break;
-    if (isFrame(marker)) readFrame(file.substr(place + kLength, length - kLength), marker, outline);
-    if (marker == kScan && outline.scans++ == 0 && length > kLength) {
-      outline.componentsOfFirstScan = byteAt(file, place + kLength);
-    }
-    outline.besidesPixels += static_cast<int64_t>(length);
+    visit(marker, *found, file.substr(place + kLength, length - kLength));
     place += length;
   }
+  return std::nullopt;
+}
+
+bool isText(uint8_t marker) {
+  const bool isOfPicture =
+      marker == kFirstApplication || marker == kCameraData || marker == kColourProfile || marker == kColourTransform;
+  return marker == kComment || (marker >= kFirstApplication && marker <= kLastApplication && !isOfPicture);
+}
+
+}  // namespace
+
+std::optional<JpegOutline> JpegOutline::of(std::string_view file) {
+  JpegOutline outline;
+  const auto end = visitSegments(file, [&](uint8_t marker, size_t, std::string_view segment) {
+    if (isFrame(marker)) readFrame(segment, marker, outline);
+    if (marker == kScan && outline.scans++ == 0 && !segment.empty()) {
+      outline.componentsOfFirstScan = byteAt(segment, 0);
+    }
+    ++outline.segments;
+    outline.besidesPixels += static_cast<int64_t>(segment.size());
+  });
+  outline.isWhole = end.has_value();
   if (outline.scans == 0 || outline.width == 0 || outline.height == 0 || outline.components == 0) return std::nullopt;
   return outline;
+}
+
+bool JpegOutline::hasManySegments(std::string_view file) {
+  constexpr int kMany = 1024;
+  const auto outline = of(file);
+  return outline && outline->segments > kMany;
+}
+
+std::string withoutJpegTexts(std::string_view file) {
+  std::string result;
+  result.reserve(file.size());
+  size_t copied = 0;
+  bool hasCamera = false;
+  visitSegments(file, [&](uint8_t marker, size_t place, std::string_view segment) {
+    const bool isCamera = marker == kCameraData;
+    const bool isLeftOut = isText(marker) || (isCamera && hasCamera);
+    hasCamera = hasCamera || isCamera;
+    if (!isLeftOut) return;
+    // With the byte before the marker's letter.
+    result += file.substr(copied, place - 1 - copied);
+    copied = static_cast<size_t>(segment.data() - file.data()) + segment.size();
+  });
+  result += file.substr(copied);
+  return result;
 }
 
 }  // namespace quillmere

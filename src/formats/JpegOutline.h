@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace quillmere {
@@ -19,11 +20,18 @@ struct JpegOutline {
   bool isProgressive = false;
   int scans = 0;
   int64_t besidesPixels = 0;  ///< bytes of all segments
-  bool isWhole = false;       ///< the end was seen
+  int segments = 0;
+  bool isWhole = false;  ///< the end was seen
 
   int64_t pixels() const { return int64_t{width} * height; }
   /// Of a picture that comes in several scans, the decoder keeps all coefficients until the last.
   bool comesInScans() const { return isProgressive || componentsOfFirstScan < components; }
+
+  /// More than any camera or program writes: a reader takes them one by one, and looks at each again for the next.
+  static bool hasManySegments(std::string_view file);
 };
+
+/// The JPEG with nothing but what makes its picture, the first camera data and its colour profile among it.
+std::string withoutJpegTexts(std::string_view file);
 
 }  // namespace quillmere

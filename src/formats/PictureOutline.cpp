@@ -44,7 +44,8 @@ Outcome outlineOfPng(std::string_view beginning, int64_t fileBytes, const Pictur
 
 Outcome outlineOfJpeg(std::string_view beginning, int64_t fileBytes, const PictureBudget& budget) {
   const auto jpeg = JpegOutline::of(beginning);
-  if (!jpeg) return PictureError::damaged;
+  const bool isHeadLong = static_cast<int64_t>(beginning.size()) >= budget.besidesPixels;
+  if (!jpeg) return isHeadLong ? PictureError::tooCostly : PictureError::damaged;
   // The decoder takes memory for whatever the header says and fills in what is not there. Even a white picture has a
   // bit for each block of 64 pixels.
   constexpr int64_t kMostPixelsInAByte = 1024;

@@ -72,7 +72,10 @@ std::string withoutPngTexts(std::string_view file) {
     isOtherLast = isOther;
     if (chunk->type == "IEND") return result;
   }
-  result += chunks.rest();
+  // What isn't whole, but for a text: a reader takes memory for as much as it says.
+  constexpr size_t kType = 4;
+  const std::string_view rest = chunks.rest();
+  if (rest.size() > kType && (rest[kType] & kLowerCase) == 0) result += rest;
   return result;
 }
 
