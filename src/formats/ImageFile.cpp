@@ -98,10 +98,15 @@ QImage uprightPng(const QImage& stored, std::string_view bytes) {
   return upright(stored, pngOrientation(buffer));
 }
 
+QImage readPngGenerally(std::string_view bytes) {
+  if (PngReader::hasEndlessData(bytes)) return {};
+  return readGenerally(withoutPngTexts(bytes), PictureFormat::png);
+}
+
 /// As the file has it.
 QImage storedPng(std::string_view bytes) {
   auto picture = PngReader::read(bytes);
-  return picture ? *std::move(picture) : readGenerally(withoutPngTexts(bytes), PictureFormat::png);
+  return picture ? *std::move(picture) : readPngGenerally(bytes);
 }
 
 QImage decoded(std::string_view bytes) {
@@ -130,8 +135,7 @@ bool isWhole(std::string_view bytes) {
   if (!format) return false;
   switch (*format) {
     case PictureFormat::png:
-      return PngReader::canRead(bytes) ||
-             (hasEndMark(bytes, *format) && !readGenerally(withoutPngTexts(bytes), *format).isNull());
+      return PngReader::canRead(bytes) || (hasEndMark(bytes, *format) && !readPngGenerally(bytes).isNull());
     case PictureFormat::jpeg:
       return hasEndMark(bytes, *format) && !readGenerally(bytes, *format).isNull();
     case PictureFormat::heif:

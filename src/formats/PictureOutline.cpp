@@ -33,6 +33,7 @@ Outcome outlineOfPng(std::string_view beginning, int64_t fileBytes, const Pictur
   PictureOutline outline{PictureFormat::png, QSize(static_cast<int>(header->width), static_cast<int>(header->height))};
   constexpr int kDeep = 16;
   outline.pictureBytes = pixels(outline.stored) * (header->depth == kDeep ? 2 : 1) * kScreenBytesPerPixel;
+  // Rows are unpacked where the picture comes to stand, or before the general reader does it, to be counted.
   outline.memory = outline.pictureBytes;
   // Before the other bound: such a file is a damaged one, whatever it promises.
   const auto filtered = static_cast<int64_t>(header->filteredBytes());

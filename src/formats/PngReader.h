@@ -30,5 +30,9 @@ bool canRead(std::string_view file);
 /// before memory is taken for its picture.
 bool isBomb(std::string_view file);
 
+/// Whether far more data are compressed in it than its picture has. The general reader unpacks them all, to its end; it
+/// is asked of much data only, for the answer costs as much as reading them.
+bool hasEndlessData(std::string_view file);
+
 }  // namespace PngReader
 }  // namespace quillmere
