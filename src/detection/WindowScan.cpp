@@ -10,13 +10,12 @@
 namespace quillmere::ImageOperations {
 
 Result<WindowScan, OperationError> scanWindowsNow(const FileURL& url, const std::function<bool()>& isStopped) {
-  auto file = ImageFile::bytesOf(url);
-  if (!file || (isStopped && isStopped())) return OperationError::unreadable;
-  QImage image = ImageFile::picture(std::string_view(*file));
-  if (image.isNull() || (isStopped && isStopped())) return OperationError::unreadable;
-  const auto scale = imageScale(std::string_view(*file));
-  // The search takes memory of its own.
-  file.reset();
+  if (isStopped && isStopped()) return OperationError::unreadable;
+  std::optional<double> scale;
+  auto picture = ImageFile::read(url, [&scale](std::string_view bytes) { scale = imageScale(bytes); });
+  if (!picture) return operationError(picture.reason());
+  if (isStopped && isStopped()) return OperationError::unreadable;
+  QImage image = *std::move(picture);
   const auto windows = detectWindows(image, scale);
   return WindowScan{std::move(image), windows};
 }

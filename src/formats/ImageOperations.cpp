@@ -16,6 +16,8 @@ QString ImageOperations::description(OperationError error) {
     case OperationError::unreadable:
       return localized(
           "The screenshot couldn’t be opened. It may have moved or expired. Choose it again from the Inbox.");
+    case OperationError::tooCostly:
+      return quillmere::description(PictureError::tooCostly);
     case OperationError::invalidCrop:
       return localized("Choose a crop with a positive width and height inside the image.");
     case OperationError::encoding:
@@ -39,10 +41,14 @@ bool ImageOperations::isFileMissing(const Failure& failure) {
   return code && *code == std::errc::no_such_file_or_directory;
 }
 
+OperationError ImageOperations::operationError(PictureError error) {
+  return error == PictureError::tooCostly ? OperationError::tooCostly : OperationError::unreadable;
+}
+
 Result<QImage, OperationError> ImageOperations::loadImage(const FileURL& url) {
-  QImage image = ImageFile::picture(url);
-  if (image.isNull()) return OperationError::unreadable;
-  return image;
+  auto picture = ImageFile::read(url);
+  if (!picture) return operationError(picture.reason());
+  return *std::move(picture);
 }
 
 Result<QImage, OperationError> ImageOperations::crop(const QImage& image, const QRectF& rect) {

@@ -6,6 +6,7 @@
 #include <system_error>
 #include <variant>
 
+#include "formats/PictureBudget.h"
 #include "foundation/FileURL.h"
 #include "foundation/Result.h"
 
@@ -16,7 +17,7 @@ namespace quillmere {
 namespace ImageOperations {
 
 /// A failure with words of its own for the person.
-enum class OperationError { unreadable, invalidCrop, encoding, destinationExists, noScreenshotFolder };
+enum class OperationError { unreadable, tooCostly, invalidCrop, encoding, destinationExists, noScreenshotFolder };
 
 /// Why an operation failed: for a reason of its own, or for the file system's.
 using Failure = std::variant<OperationError, std::error_code>;
@@ -25,7 +26,10 @@ QString description(const Failure& failure);
 /// Whether the file system said that nothing is there.
 bool isFileMissing(const Failure& failure);
 
-/// The picture at full size, upright. Fails as unreadable.
+/// What the person is told where a picture wasn't read.
+OperationError operationError(PictureError error);
+
+/// The picture at full size, upright. Fails as unreadable, or as too costly.
 Result<QImage, OperationError> loadImage(const FileURL& url);
 
 /// The part inside `rect`, which grows outward to whole pixels. Fails as an invalid crop.

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "formats/FailedPictures.h"
 #include "formats/ImageFile.h"
 #include "formats/ScreenPicture.h"
 #include "formats/ThumbnailCache.h"
@@ -76,11 +77,12 @@ class ThumbnailLoader::Source {
     const std::string key = cacheKey(url, pixels);
     if (const auto image = cache.find(key)) return *image;
     if (isStopped) return Cancelled{};
-    const QImage image = pictureForScreen(ImageFile::thumbnail(url, pixels));
-    if (image.isNull()) return Unreadable{};
+    const Outcome outcome = readSmall(url, pixels);
+    const auto* image = std::get_if<QImage>(&outcome);
+    if (!image) return outcome;
     if (isStopped) return Cancelled{};
-    cache.keep(key, image);
-    return image;
+    cache.keep(key, *image);
+    return outcome;
   }
 
   Outcome load(const FileURL& url, int pixels, const QRectF& crop, const std::atomic<bool>& isStopped) {
@@ -113,21 +115,20 @@ class ThumbnailLoader::Source {
       return {image};
     }
     // Made as large as others want it, then smaller still for us.
-    const QImage made = pictureForScreen(ImageFile::thumbnail(url, sharing == Sharing::takenAndKept ? *side : pixels));
-    if (made.isNull()) return {Unreadable{}};
+    const Outcome outcome = readSmall(url, sharing == Sharing::takenAndKept ? *side : pixels);
+    const auto* made = std::get_if<QImage>(&outcome);
+    if (!made) return {outcome};
     if (isStopped) return {Cancelled{}};
-    const QImage image = Downscaler::scaled(made, Downscaler::fitting(made.size(), pixels));
+    const QImage image = Downscaler::scaled(*made, Downscaler::fitting(made->size(), pixels));
     cache.keep(key, image);
-    return toKeep(url, seen, made, image, sharing);
+    return toKeep(url, seen, *made, image, sharing);
   }
 
-  Outcome loadFull(const FileURL& url, const std::atomic<bool>& isStopped) const {
+  Outcome loadFull(const FileURL& url, const std::atomic<bool>& isStopped) {
     if (isEvicted_(url)) return NotDownloaded{};
     if (isStopped) return Cancelled{};
     // As the screen wants it, which a picture at its own size need not be.
-    QImage image = pictureForScreen(ImageFile::thumbnail(url, std::numeric_limits<int>::max()));
-    if (image.isNull()) return Unreadable{};
-    return image;
+    return readSmall(url, std::numeric_limits<int>::max());
   }
 
   std::optional<QSize> pixelSize(const FileURL& url) const {
@@ -144,7 +145,26 @@ class ThumbnailLoader::Source {
     return {image, Loaded::ToKeep{url, *seen, thumbnail}};
   }
 
+  /// For the screen. Never the same file twice that has none.
+  Outcome readSmall(const FileURL& url, int pixels) {
+    auto error = failed_.find(url);
+    if (!error) {
+      const auto seen = fileStatus(url);
+      auto picture = ImageFile::readSmall(url, pixels);
+      if (picture) {
+        QImage image = pictureForScreen(*std::move(picture));
+        if (image.isNull()) return Unreadable{};
+        return image;
+      }
+      error = picture.reason();
+      failed_.keep(url, seen, *error);
+    }
+    if (*error == PictureError::tooCostly) return TooCostly{};
+    return Unreadable{};
+  }
+
   std::function<bool(const FileURL&)> isEvicted_;
+  FailedPictures failed_;
 };
 
 ThumbnailLoader::ThumbnailLoader(Executor& executor, std::function<bool(const FileURL&)> isEvicted,

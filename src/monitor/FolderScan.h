@@ -71,7 +71,7 @@ struct Snapshot {
 struct Observation {
   FileURL url;
   std::optional<Fingerprint> fingerprint;  ///< none when it cannot be read
-  std::optional<bool> decodesCompletely;   ///< none: not tested
+  std::optional<bool> decodesCompletely;   ///< none: not tested, as what has no mark of a capture
   std::optional<bool> isScreenCapture;     ///< none: not tested
   bool isPlaceholder = false;              ///< of a synced folder, and dataless
   std::optional<ArrivalEvidence> evidence;

@@ -74,6 +74,7 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
     Date firstSeen;
     int attempts = 1;  ///< looks at this unchanged fingerprint
     std::optional<Date> completeSince;
+    std::optional<Date> unmarkedSince = std::nullopt;  ///< without a mark of a capture, and so never decoded
   };
 
   // When to look.

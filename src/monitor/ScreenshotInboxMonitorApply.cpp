@@ -39,7 +39,7 @@ void ScreenshotInboxMonitor::apply(ScanResult result, Snapshot& snapshot) {
     applyObservation(seen, snapshot.full, now);
   }
   for (const auto& [url, pending] : pendingFiles_) {
-    if (pending.attempts >= kMaxQuickLooks && !pending.completeSince) continue;
+    if (pending.attempts >= kMaxQuickLooks && !pending.completeSince && !pending.unmarkedSince) continue;
     scheduleScan(kQuickLookInterval, ScanScope::partial);
     break;
   }
@@ -86,13 +86,17 @@ void ScreenshotInboxMonitor::applyRepeatedLook(const Observation& seen, Pending&
   if (!pending.completeSince && seen.fingerprint->size > 0 && seen.decodesCompletely == true) {
     pending.completeSince = now;
   }
-  if (!pending.completeSince && !seen.isPlaceholder) return;
-  if (includesNonCaptureImages_ || seen.isScreenCapture == true) {
+  const bool isUnmarked = seen.isScreenCapture == false && !seen.decodesCompletely && !seen.isPlaceholder;
+  if (!isUnmarked) pending.unmarkedSince.reset();
+  if (isUnmarked && !pending.unmarkedSince) pending.unmarkedSince = now;
+  const bool isReady = pending.completeSince || seen.isPlaceholder;
+  if (isReady && (includesNonCaptureImages_ || seen.isScreenCapture == true)) {
     accept(seen.url);
     return;
   }
   // The tag may be written a moment after the file.
-  if (!pending.completeSince || now - *pending.completeSince < screenCaptureTagGracePeriod) return;
+  const auto since = pending.completeSince ? pending.completeSince : pending.unmarkedSince;
+  if (!since || now - *since < screenCaptureTagGracePeriod) return;
   ignoredFiles_[seen.url] = *seen.fingerprint;
   pendingFiles_.erase(seen.url);
 }

@@ -6,6 +6,7 @@
 #include <QtCore/QStandardPaths>
 #include <utility>
 
+#include "formats/FailedPictures.h"
 #include "formats/ImageFile.h"
 #include "foundation/FileStatus.h"
 #include "model/AppModel.h"
@@ -94,7 +95,14 @@ ScanServices LiveServices::scanServices() {
   services.isSynced = &CloudFiles::isSynced;
   services.isVolumeMounted = [this](const FileURL& url) { return mounts.isVolumeMounted(url); };
   services.hasScreenCaptureTag = &hasScreenCaptureTag;
-  services.decodesCompletely = &ImageFile::decodesCompletely;
+  // It is asked at every look. What failed is not decoded again before it changes.
+  services.decodesCompletely = [failed = std::make_shared<FailedPictures>()](const FileURL& url) {
+    if (failed->find(url)) return false;
+    const auto seen = fileStatus(url);
+    const auto failure = ImageFile::failureOf(url);
+    if (failure) failed->keep(url, seen, *failure);
+    return !failure;
+  };
   services.fileDates = &fileDates;
   return services;
 }
