@@ -163,6 +163,22 @@ TEST_F(ReconciliationTest, TrackedPathIsSkippedForAnotherLinkToTheFile) {
   EXPECT_EQ(resolve(before), ReconcileOutcome(FileGone{}));
 }
 
+TEST_F(ReconciliationTest, WhetherAFolderIsATrashIsAskedOnceForNeighbours) {
+  int questions = 0;
+  world.isInTrash = [&](const FileURL& url) {
+    ++questions;
+    return url.path().find("/trash/") != std::string::npos;
+  };
+  std::vector<ReconcileInput> inputs;
+  for (const char* name : {"a.png", "b.png", "c.png"}) inputs.push_back(input(write(shots, name)));
+  inputs.push_back(input(FileURL::fromPath("/trash/d.png")));
+  for (size_t place = 0; place < inputs.size(); ++place) inputs[place].id = uuid(static_cast<int>(place));
+  const auto outcomes = resolveOutcomes(inputs, world);
+  EXPECT_EQ(questions, 2);
+  EXPECT_TRUE(present(outcomes.at(uuid(2))));
+  EXPECT_EQ(outcomes.at(uuid(3)), ReconcileOutcome(FileGone{}));
+}
+
 TEST_F(ReconciliationTest, AFileThatDiffersInOnePartIsAnother) {
   struct Row {
     const char* part;
