@@ -1,8 +1,10 @@
 #include "model/Reconciliation.h"
 
+#include <atomic>
 #include <unordered_map>
 
 #include "foundation/FileStatus.h"
+#include "model/ReconciliationWork.h"
 
 namespace quillmere {
 namespace {
@@ -163,12 +165,20 @@ class Resolver {
 
 UUIDMap<ReconcileOutcome> resolveOutcomes(const std::vector<ReconcileInput>& inputs,
                                           const ReconcileEnvironment& environment) {
+  return resolveOutcomes(inputs, environment, false);
+}
+
+UUIDMap<ReconcileOutcome> resolveOutcomes(const std::vector<ReconcileInput>& inputs,
+                                          const ReconcileEnvironment& environment, const std::atomic<bool>& isStopped) {
   // The newest last: of many folders those of the newest are remembered.
   for (auto input = inputs.rbegin(); input != inputs.rend(); ++input) environment.scope->rememberPlace(input->url);
   Resolver resolver(environment);
   UUIDMap<ReconcileOutcome> outcomes;
   outcomes.reserve(inputs.size());
-  for (const ReconcileInput& input : inputs) outcomes.insert_or_assign(input.id, resolver.resolve(input));
+  for (const ReconcileInput& input : inputs) {
+    if (isStopped) return outcomes;
+    outcomes.insert_or_assign(input.id, resolver.resolve(input));
+  }
   for (const UUID& id : resolver.doubtful()) outcomes.insert_or_assign(id, FileUnavailable{});
   return outcomes;
 }
