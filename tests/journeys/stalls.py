@@ -93,9 +93,8 @@ class Watchdog:
         return max((turn.held for turn in self.phase(phase) if not self._shows(turn, without)), default=0)
 
     def tell(self, without=(), names=6):
-        """Each phase with its figures and what held longest; answers the phases that are beyond the limits. Turns whose
-        stacks show a function of `without` are told but not counted."""
-        beyond = []
+        """Each phase with its figures and what held longest. Turns whose stacks show a function of `without` are told but
+        not counted."""
         for _, name in self._phases:
             turns = self.phase(name)
             counted = [turn for turn in turns if not self._shows(turn, without)]
@@ -108,9 +107,14 @@ class Watchdog:
                   + (f"   not counted: {len(turns) - len(counted)}" if len(turns) != len(counted) else ""))
             for line in self._what_held(turns, names):
                 print("      " + line)
-            if late > LONG or held[-1] > LONGEST:
-                beyond.append(name)
-        return beyond
+
+    def judge(self, first, last, without=()):
+        """Of the turns from the first phase's beginning up to the last's: what a turn of a hundred, and what the longest
+        holds, in seconds."""
+        begin, end = (next(moment for moment, phase in self._phases if phase == name) for name in (first, last))
+        held = sorted(turn.held for turn in self.turns if begin <= turn.begin < end and not self._shows(turn, without))
+        expect("the loop turned", held)
+        return held[min(len(held) - 1, int(len(held) * 0.99))], held[-1]
 
     def _shows(self, turn, functions):
         seen = [any(function in self._names[frame] for function in functions for frame in frames) for frames in turn.stacks]
