@@ -52,6 +52,9 @@ struct Snapshot {
   struct PendingLook {
     Fingerprint fingerprint;
     bool complete = false;  ///< it decoded at an earlier look and need not be decoded again
+    int attempts = 1;       ///< looks at this unchanged fingerprint
+    Date completeSince = {};
+    std::optional<Date> unmarkedSince = std::nullopt;  ///< without a mark of a capture, and so never decoded
   };
   FileURL directory;
   bool full = false;                  ///< list the folder, instead of looking again at the pending files alone

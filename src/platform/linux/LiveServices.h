@@ -42,6 +42,8 @@ struct ApplicationPaths {
 class LiveServices {
  public:
   explicit LiveServices(const ApplicationPaths& paths);
+  /// Nothing of it goes while another thread still uses it.
+  ~LiveServices() { executor.finishBackground(); }
 
   /// What the model needs, less what the windows bring.
   AppModelDependencies dependencies(const ApplicationPaths& paths);

@@ -25,6 +25,8 @@ class QtExecutor final : public Executor {
   void cancelDelay(DelayID delay) override;
   void runInBackground(std::function<void()> work, std::function<void()> done) override;
   Instant instant() const override;
+  /// Waits until all background work has run, for the end: what it uses is still there.
+  void finishBackground() { pool_.waitForDone(); }
 
  private:
   void arm();
