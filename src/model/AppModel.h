@@ -17,6 +17,7 @@
 #include "model/FileReplacement.h"
 #include "model/FileStamp.h"
 #include "model/FolderAccess.h"
+#include "model/ListSaver.h"
 #include "model/Messages.h"
 #include "model/PictureTransfers.h"
 #include "model/PopupAutoSaveScheduler.h"
@@ -29,7 +30,6 @@
 #include "model/WindowExtractionRun.h"
 #include "records/MoveJournal.h"
 #include "records/ScreenshotList.h"
-#include "records/ScreenshotListWriter.h"
 #include "records/ScreenshotNaming.h"
 
 namespace quillmere {
@@ -56,13 +56,20 @@ class AppModel : private AnalysisRecords,
 
   // --- Frame, messages, saving: AppModel.cpp ---
   void start();
-  /// Writes the list now. A failure is the banner, and is tried again with growing pauses.
+  /// Has the list written in the background, as it is now or later. A failure is the banner, and is tried again with
+  /// growing pauses.
   void saveNow();
+  /// The same for what may come in thousands; all of it together about once a second.
+  void saveInStream();
   /// Writes the list soon; for streams of small changes.
   void scheduleSave();
-  bool hasPendingSave() const { return static_cast<bool>(saveTask_); }
+  /// Awaited by whoever must not go on before the list of now is on the disk: false when that failed.
+  Task<bool> whenSaved();
+  bool hasPendingSave() const { return saver_.isPending(); }
   /// False after a save that failed, until one succeeds.
-  bool isSaved() const { return failedSaves_ == 0; }
+  bool isSaved() const { return saver_.isSaved(); }
+  /// The disk has not answered for seconds. Followed by `ModelField::unsavedWork`.
+  bool isDiskSlow() const { return saver_.isSlow(); }
   bool isRecordsReadOnly() const { return recordsReadOnly_; }
 
   const ScreenshotList& items() const { return items_; }
@@ -81,6 +88,7 @@ class AppModel : private AnalysisRecords,
   Field<UUIDSet> iCloudItemIDs{changed, ModelField::iCloudItemIDs};
   Field<UUIDMap<DownloadState>> downloadStates{changed, ModelField::downloadStates};
   Field<UUIDSet> analyzingIDs{changed, ModelField::analyzingIDs};
+  Field<UUIDSet> leavingPrompts{changed, ModelField::leavingPrompts};
   Field<std::optional<AnalysisError>> intelligenceUnavailability{changed, ModelField::intelligenceUnavailability};
   /// Another person's model server that is used, or that could be if it were allowed.
   Field<std::optional<ForeignModelServer>> foreignModelServer{changed, ModelField::foreignModelServer};
@@ -148,6 +156,8 @@ class AppModel : private AnalysisRecords,
   void resolvePrompts(const UUIDSet& ids);
   /// The popup's close button: the record stays pending, and the next screenshot comes up.
   void dismissPrompt();
+  /// Decided, and in the popup only until that is saved, or for a moment. Followed by `ModelField::leavingPrompts`.
+  bool isLeavingPrompt(const UUID& id) const { return leavingPrompts->contains(id); }
   /// Gives the popup the keyboard, filling the queue first if it is empty.
   void reviewPending(FocusNews news);
 
@@ -309,14 +319,15 @@ class AppModel : private AnalysisRecords,
 
  private:
   // AppModel.cpp
+  ListSaver::Services saverServices() const;
   void wireMonitor();
   void observeSystem();
   void finishStart();
   void updateSystemPause();
-  void setSaveTask(Task<> task);
-  static Task<> saveLater(Weak<AppModel> self);
-  static Task<> saveAgain(Weak<AppModel> self, Duration pause);
-  bool trySaving();
+  bool canSave();
+  static Task<bool> runWhenSaved(Weak<AppModel> self);
+  void saveEnded(bool isSaved, ListSaver::Cause cause);
+  void followSaving();
   /// The only way to change a record; answers whether it became another.
   bool updateItem(size_t index, const std::function<void(ScreenshotItem&)>& change);
   /// `changes` only changes records; followers are told of all of them at once, so that nobody follows ten thousand
@@ -325,6 +336,8 @@ class AppModel : private AnalysisRecords,
   void insertNewest(ScreenshotItem item);
   void forgetInIndex(const ScreenshotItem& item);
   static void setMember(Field<UUIDSet>& set, const UUID& id, bool isMember);
+  template <typename IDs>
+  static void setMembers(Field<UUIDSet>& set, const IDs& ids, bool isMember);
 
   // AppModelPrompts.cpp
   std::vector<UUID> pendingPrompts() const;
@@ -354,6 +367,7 @@ class AppModel : private AnalysisRecords,
   static Task<> runKeepPrompt(Weak<AppModel> self, UUID id, std::optional<QString> name);
   bool isUndecided(const UUID& id) const;
   void renameBeforeDecision(const UUID& id, const QString& name);
+  static Task<> leavePrompt(Weak<AppModel> self, UUID id);
   void makeTemporary(size_t index, TemporaryDuration duration, Date moment);
   void keepItem(size_t index);
 
@@ -380,6 +394,7 @@ class AppModel : private AnalysisRecords,
   // AppModelMoving.cpp
   bool adoptMove(size_t index, const FileURL& url);
   void finishMoves();
+  static Task<> forgetMoves(Weak<AppModel> self, std::vector<BegunMove> moves);
   static bool isMovedFile(const ScreenshotItem& item, const FileURL& url);
 
   // AppModelCrops.cpp
@@ -396,6 +411,7 @@ class AppModel : private AnalysisRecords,
   void endWritingCrop();
   void fileWasReplaced(const UUID& id) override;
   void fileWasPutAt(const UUID& id, const FileURL& url) override;
+  Task<bool> whenReplacedIsSaved() override { return whenSaved(); }
   UUID addDerived(const FileURL& url, const UUID& source);
 
   // AppModelExtraction.cpp
@@ -415,9 +431,10 @@ class AppModel : private AnalysisRecords,
   void startMissingAnalysis();
   const ScreenshotItem* find(const UUID& id) const override { return items_.find(id); }
   void change(const UUID& id, const std::function<void(ScreenshotItem&)>& change) override;
-  void saveRecords() override { saveNow(); }
   void saveRecordsSoon() override { scheduleSave(); }
-  void analyzingChanged(const UUIDSet& ids) override { analyzingIDs.set(ids); }
+  void analyzingChanged(const std::vector<UUID>& ids, bool isAnalyzing) override {
+    setMembers(analyzingIDs, ids, isAnalyzing);
+  }
   void foreignServerChanged(const std::optional<ForeignModelServer>& server) override {
     foreignModelServer.set(server);
   }
@@ -471,7 +488,7 @@ class AppModel : private AnalysisRecords,
   std::vector<size_t>* gathered_ = nullptr;  ///< the records that are being changed together
   PromptQueue prompts_;
   WindowExtractionRun extraction_;
-  ScreenshotListWriter listWriter_;
+  ListSaver saver_{saverServices(), items_};
   FileReplacement replacement_{dependencies_, items_, *this};
   int cropsBeingWritten_ = 0;
   MoveJournal moveJournal_{dependencies_.recordStore.fileURL.parent().appending("moving.json")};
@@ -479,8 +496,6 @@ class AppModel : private AnalysisRecords,
   bool recordsReadOnly_ = false;
   bool didStart_ = false;
   bool isRecovering_ = false;  ///< arrivals wait, so that the lost run's screenshots come back oldest first
-  Task<> saveTask_;
-  int failedSaves_ = 0;  ///< since one succeeded
   std::optional<HotKeyRegistering::Token> hotKeyToken_;
   bool hotKeysSuspended_ = false;
   std::vector<Connection> observers_;

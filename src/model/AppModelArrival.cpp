@@ -40,7 +40,7 @@ void AppModel::record(const FileURL& url, Origin origin) {
   if (arrivedFromElsewhere) refreshCloudMembership(id, url);
   refreshBookmark(0, std::nullopt);
   refreshItemAccess(0, std::nullopt);
-  saveNow();
+  saveInStream();
   if (arrivedFromElsewhere) return;
   if (!isRecovering_) enqueuePrompt(id);
   if (*settings_.analyzeScreenshots) startAnalysis(id);

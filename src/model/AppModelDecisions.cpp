@@ -12,6 +12,24 @@ void AppModel::renameBeforeDecision(const UUID& id, const QString& name) {
   if (!rename(id, name, ErrorScope::popup)) inboxError.set(*promptError);
 }
 
+/// What leaves the screen at once is on the disk: a disk that takes longer than a moment is not waited for, and what it
+/// has not got yet comes back as a popup when the program is killed.
+Task<> AppModel::leavePrompt(Weak<AppModel> self, UUID id) {
+  constexpr Duration kLongest = std::chrono::milliseconds(250);
+  self->popupAutoSaveScheduler_.drop(id);
+  self->saveNow();
+  if (!self->recordsReadOnly_ && self->prompts_.front() == id) {
+    auto saving = self->saver_.whenSaved(kLongest);
+    if (!saving.await_ready()) {
+      setMember(self->leavingPrompts, id, true);
+      co_await saving;
+      if (!self) co_return;
+      setMember(self->leavingPrompts, id, false);
+    }
+  }
+  self->resolvePrompts({id});
+}
+
 Task<> AppModel::markTemporary(UUID id, TemporaryDuration duration, std::optional<QString> name) {
   return runMarkTemporary(lifetime_.weak(this), id, duration, std::move(name));
 }
@@ -27,8 +45,7 @@ Task<> AppModel::runMarkTemporary(Weak<AppModel> self, UUID id, TemporaryDuratio
   if (!self->isUndecided(id)) co_return;
   self->settings_.lastTemporaryDuration.choose(duration);
   self->makeTemporary(*self->items_.indexOf(id), duration, self->now());
-  self->resolvePrompts({id});
-  self->saveNow();
+  leavePrompt(self, id).detach();
 }
 
 void AppModel::markTemporaryBatch(const std::vector<UUID>& ids, TemporaryDuration duration) {
@@ -81,8 +98,7 @@ Task<> AppModel::runKeepPrompt(Weak<AppModel> self, UUID id, std::optional<QStri
   const auto index = self->items_.indexOf(id);
   if (!index) co_return;
   self->keepItem(*index);
-  self->resolvePrompts({id});
-  self->saveNow();
+  leavePrompt(self, id).detach();
 }
 
 void AppModel::keepBatch(const std::vector<UUID>& ids) {

@@ -125,7 +125,8 @@ void AppModel::showReplaced(ErrorScope scope, const FileURL& url) {
 void AppModel::disposeItem(const ScreenshotItem& item, ErrorScope scope, DisposalReason reason,
                            const UUIDMap<FileStamp>& asked) {
   const ScreenshotItem* present = items_.find(item.id);
-  const QString name = (present ? *present : item).url.displayName();
+  const FileURL place = (present ? *present : item).url;
+  const QString name = place.displayName();
   const UUID id = item.id;
   const bool isDeleting = deletes(reason);
   const QString title = isDeleting ? localized("Couldn’t Delete") : localized("Couldn’t Move to Trash");
@@ -138,7 +139,7 @@ void AppModel::disposeItem(const ScreenshotItem& item, ErrorScope scope, Disposa
       return;
     case TrashOutcome::replaced:
       adoptReplacement(id);
-      showReplaced(scope, (present ? *present : item).url);
+      showReplaced(scope, place);
       return;
     case TrashOutcome::inUse:
       show(scope, localized("Screenshot Is in Use"),
@@ -231,25 +232,20 @@ void AppModel::clearRecords() {
 void AppModel::removeRecords(const UUIDSet& ids) {
   resolvePrompts(ids);
   transfers_.forget(ids);
-  const auto without = [&](const UUIDSet& set) {
-    UUIDSet rest = set;
-    for (const UUID& id : ids) rest.erase(id);
-    return rest;
-  };
-  selectedItemIDs.set(without(*selectedItemIDs));
+  setMembers(selectedItemIDs, ids, false);
   bool failureWent = false;
+  analysis_.cancel(std::vector<UUID>(ids.begin(), ids.end()));
   for (const UUID& id : ids) {
     expirationScheduler_.cancel(id);
-    cancelAnalysis(id);
     access_.closeItem(id);
     endDownload(id);
     failureWent = expiryRetries_.forget(id) || failureWent;
     protectedItems_.erase(id);
     if (const ScreenshotItem* item = items_.find(id)) forgetInIndex(*item);
   }
-  unavailableItemIDs.set(without(*unavailableItemIDs));
-  evictedItemIDs.set(without(*evictedItemIDs));
-  iCloudItemIDs.set(without(*iCloudItemIDs));
+  setMembers(unavailableItemIDs, ids, false);
+  setMembers(evictedItemIDs, ids, false);
+  setMembers(iCloudItemIDs, ids, false);
 
   auto indices = items_.remove(ids);
   if (!indices.empty()) changed(ModelChange{ModelField::items, ModelChange::Rows::removed, std::move(indices)});

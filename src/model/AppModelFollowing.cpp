@@ -31,7 +31,7 @@ bool AppModel::followRename(const FileURL& url, const FileIdentity& identity) {
     updateLocation(*index, url, std::nullopt);
     refreshBookmark(*index, oldBookmark);
     refreshItemAccess(*index, std::nullopt);
-    saveNow();
+    saveInStream();
     return true;
   }
   return false;

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "foundation/FileStatus.h"
 #include "foundation/Localized.h"
 #include "model/AppModel.h"
@@ -36,8 +38,8 @@ void AppModel::move(const UUID& id, const FileURL& destination) {
   }
   const bool hasBookmark = adoptMove(*index, destination);
   saveNow();
-  if (!isSaved()) waitingMoves_ = std::move(begun);
-  moveJournal_.save(waitingMoves_);
+  waitingMoves_ = std::move(begun);
+  forgetMoves(lifetime_.weak(this), {waitingMoves_.back()}).detach();
   if (!hasBookmark) {
     show(
         ErrorScope::inbox, localized("Access Not Saved"),
@@ -71,23 +73,36 @@ bool AppModel::adoptMove(size_t index, const FileURL& url) {
 /// Has the records follow files that an earlier run had moved when it ended.
 void AppModel::finishMoves() {
   const auto begun = moveJournal_.load();
+  std::vector<BegunMove> over;
+  waitingMoves_ = begun;
   for (const BegunMove& move : begun) {
     const bool isThere = dependencies_.isFolderReachable(move.to.parent());
     if (isThere) dependencies_.fileOperations->finishMove(move.from, move.to);
     const auto index = items_.indexOf(move.id);
-    // Saved, or decided otherwise since.
-    if (!index || items_[*index].url != move.from) continue;
-    if (fileExists(move.from)) continue;
-    if (!isThere || !dependencies_.isFolderReachable(move.from.parent())) {
+    // Otherwise it was saved, or decided otherwise since.
+    const bool isOpen = index && items_[*index].url == move.from && !fileExists(move.from);
+    if (isOpen && (!isThere || !dependencies_.isFolderReachable(move.from.parent()))) {
       // Its disk may come back.
       noteMovedAway(*index);
-      waitingMoves_.push_back(move);
-    } else if (isMovedFile(items_[*index], move.to)) {
-      adoptMove(*index, move.to);
+      continue;
     }
+    if (isOpen && isMovedFile(items_[*index], move.to)) adoptMove(*index, move.to);
+    over.push_back(move);
   }
-  if (!begun.empty()) saveNow();
-  if (isSaved()) moveJournal_.save(waitingMoves_);
+  if (begun.empty()) return;
+  saveNow();
+  forgetMoves(lifetime_.weak(this), std::move(over)).detach();
+}
+
+/// Only a list that tells the new places can do without their notes.
+Task<> AppModel::forgetMoves(Weak<AppModel> self, std::vector<BegunMove> moves) {
+  const auto saving = self->whenSaved();
+  const bool isSaved = co_await saving;
+  if (!isSaved || !self) co_return;
+  std::erase_if(self->waitingMoves_, [&](const BegunMove& waiting) {
+    return std::find(moves.begin(), moves.end(), waiting) != moves.end();
+  });
+  self->moveJournal_.save(self->waitingMoves_);
 }
 
 /// Whether a file that is the record's by its size stands at the new place, which was free when the move began.

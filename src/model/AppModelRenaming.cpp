@@ -40,12 +40,12 @@ AppModel::RenameOutcome AppModel::renameItem(size_t index, const QString& name) 
       return RenameOutcome::failed;
     }
   }
-  const FileURL before = item.url;
-  const auto result = moveToStem(item.url, *stem);
+  const FileURL before = items_[index].url;
+  const auto result = moveToStem(before, *stem);
   if (result.outcome == NumberedSearchResult::Outcome::alreadyNamed) return RenameOutcome::unchanged;
   if (result.outcome != NumberedSearchResult::Outcome::moved) return RenameOutcome::failed;
 
-  const auto oldBookmark = item.fileBookmark;
+  const auto oldBookmark = items_[index].fileBookmark;
   const auto identity = dependencies_.fileIdentity(result.url);
   updateItem(index, [&](ScreenshotItem& record) {
     record.url = result.url;

@@ -54,8 +54,7 @@ Task<> AppModel::keepAfterTimeout(Weak<AppModel> self, UUID id) {
     self->backgroundIssue.set(BackgroundIssue{Kind::automaticRenameFailed});
   }
   self->expirationScheduler_.cancel(id);
-  self->resolvePrompts({id});
-  self->saveNow();
+  leavePrompt(self, id).detach();
 }
 
 /// A typed name, else the suggested one where the settings ask for it; none keeps the file's own.

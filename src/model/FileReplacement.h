@@ -25,6 +25,8 @@ class ReplacedRecords {
   virtual void fileWasReplaced(const UUID& id) = 0;
   /// The record's file has another name now.
   virtual void fileWasPutAt(const UUID& id, const FileURL& url) = 0;
+  /// Whether what was told above is on the disk; awaited by whoever forgets a note of it.
+  virtual Task<bool> whenReplacedIsSaved() = 0;
 };
 
 /// Puts a crop in the place of its original, which goes to Trash. Between the original's leaving and the crop's coming
@@ -51,6 +53,7 @@ class FileReplacement {
   bool isAnother(const FileURL& placeInTrash, const FileStamp& readFrom) const;
   void takeBack(const UUID& id, const FileURL& original, const FileURL& placeInTrash);
   bool finish(const Replacement& one);
+  static Task<> forget(Weak<FileReplacement> self, std::vector<Replacement> over);
 
   const AppModelDependencies& dependencies_;
   const ScreenshotList& items_;

@@ -107,7 +107,7 @@ void CapturePromptView::show(const CapturePromptContent& content) {
     gate_.observe(content.contentGeneration, services_.executor->instant());
     tellAnalysis(before->item, followStartingName());
   }
-  header_->show(content.queuedCount);
+  header_->show(content.queuedCount, content.isDiskSlow);
   preview_->setVisible(content.showThumbnail);
   if (content.showThumbnail) preview_->show(content);
   details_->show(content);
@@ -214,7 +214,7 @@ int CapturePromptView::extraHeight() const {
 
 bool CapturePromptView::gateAllows() const {
   // The model may have gone on while the card still shows the last screenshot.
-  return content_ && (!pressedOn_ || *pressedOn_ == content_->item.id) &&
+  return content_ && !model_.isLeavingPrompt(content_->item.id) && (!pressedOn_ || *pressedOn_ == content_->item.id) &&
          content_->contentGeneration == *model_.prompts().contentGeneration &&
          gate_.allows(services_.executor->instant());
 }

@@ -254,6 +254,7 @@ int main(int argc, char** argv) {
     CrashedProgram program;
     program.start();
     program.model->saveNow();
+    program.executor.drain();
     return *program.model->watcherStatus == WatcherStatus::watching && program.model->isSaved() ? 0 : 1;
   }
   if (mode == "burst" && argc == 8) {

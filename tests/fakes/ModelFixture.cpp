@@ -11,6 +11,7 @@ ModelFixture::ModelFixture() {
   std::filesystem::create_directories(shots.path());
   std::filesystem::create_directories(elsewhere.path());
   clockOffset_ = std::make_shared<double>(0);
+  disk.answerAtOnce();
 }
 
 ModelFixture::~ModelFixture() {
@@ -75,6 +76,7 @@ AppModelDependencies ModelFixture::dependencies() {
   AppModelDependencies world;
   world.recordStore.fileURL = listFile;
   world.executor = &executor;
+  world.disk = &disk;
   world.defaults = defaults.get();
   world.fileOperations = &files;
   world.securityScope = &scope;

@@ -116,6 +116,8 @@ class ModelFixture : public ::testing::Test {
   CallLog log;
   SystemEvents systemEvents;
   ManualExecutor executor;
+  /// Saves the list. It answers at once unless it is held, so that what was decided is on the disk.
+  ManualExecutor disk;
   std::unique_ptr<UserDefaults> defaults;
   FakeFileOperations files{trash};
   FakeSecurityScope scope{log};

@@ -120,6 +120,7 @@ class LiveModel {
  private:
   LiveModel(State state, const std::optional<FileURL>& folder)
       : shots(folder.value_or(home.file("shots"))), isWatching_(folder) {
+    disk_.answerAtOnce();
     std::filesystem::remove_all(homeTrash().path());
     std::filesystem::create_directory(shots.path());
     std::filesystem::create_directory(listFile.parent().path());
@@ -154,6 +155,7 @@ class LiveModel {
     AppModelDependencies world;
     world.recordStore.fileURL = listFile;
     world.executor = &executor;
+    world.disk = &disk_;
     world.defaults = &defaults_;
     world.fileOperations = &files_;
     world.securityScope = scope_.get();
@@ -173,6 +175,7 @@ class LiveModel {
     return world;
   }
 
+  ManualExecutor disk_;
   SystemEvents systemEvents_;
   UserDefaults defaults_{home.file("settings.json").displayPath()};
   std::unique_ptr<MountTable> mounts_ = std::make_unique<MountTable>(nullptr);

@@ -116,6 +116,42 @@ TEST_F(CapturePromptViewTest, StartsWithTheFilesNameTheLastDurationAndTheMainBut
   EXPECT_FALSE(isErrorShown());
 }
 
+TEST_F(CapturePromptViewTest, WhatIsDecidedTakesNothingMoreWhileTheDiskIsWaitedFor) {
+  const UUID next = arrive("Screenshot 2.png");
+  disk.holdBackground();
+  click("Keep");
+  refresh();
+  for (const char* name : {"Temporary", "Keep", "Copy", "Move to Trash"})
+    EXPECT_FALSE(button(name)->isEnabled()) << name;
+  press(Qt::Key_Return);
+  press(Qt::Key_Escape);
+  EXPECT_EQ(stateOf(id), State::permanent);
+  EXPECT_TRUE(fileExists(item(id).url));
+  EXPECT_EQ(model->promptedItem()->id, id);
+  disk.runHeldBackground();
+  refresh();
+  EXPECT_EQ(model->promptedItem()->id, next);
+  EXPECT_TRUE(button("Temporary")->isEnabled());
+  EXPECT_EQ(QApplication::focusWidget(), button("Temporary"));
+}
+
+TEST_F(CapturePromptViewTest, OnAFrozenDiskTheNextIsDecidedAndTheDiskTold) {
+  const UUID next = arrive("Screenshot 2.png");
+  disk.holdBackground();
+  click("Keep");
+  executor.advance(seconds(2));
+  refresh();
+  EXPECT_EQ(model->promptedItem()->id, next);
+  EXPECT_TRUE(showsText(QStringLiteral("Waiting for the disk…")));
+  pastGate();
+  click("Keep");
+  EXPECT_EQ(stateOf(next), State::permanent);
+  disk.runHeldBackground();
+  refresh();
+  EXPECT_EQ(model->promptedItem(), nullptr);
+  EXPECT_EQ(savedRecord(next)->state, State::permanent);
+}
+
 TEST_F(CapturePromptViewTest, TheQueueIsCountedOnlyWhileOthersWait) {
   EXPECT_FALSE(showsText(QStringLiteral("1 more")));
   arrive("2.png");

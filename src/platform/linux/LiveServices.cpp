@@ -132,6 +132,7 @@ AppModelDependencies LiveServices::dependencies(const ApplicationPaths& paths) {
   AppModelDependencies dependencies;
   dependencies.recordStore.fileURL = paths.recordList;
   dependencies.executor = &executor;
+  dependencies.disk = &disk;
   dependencies.defaults = &defaults;
   dependencies.fileOperations = &fileOperations;
   dependencies.securityScope = &securityScope;

@@ -73,6 +73,7 @@ class LiveServices {
   ScreenshotInboxMonitor monitor;
   std::unique_ptr<HotKeyRegistering> hotKeys = sessionHotKeys(executor);
   std::unique_ptr<LoginItemService> loginItems;
+  QtExecutor disk{1};  ///< last, as what it does uses the above
 
  private:
   ScanServices scanServices();

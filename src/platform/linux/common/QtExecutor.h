@@ -17,7 +17,7 @@ namespace quillmere {
 /// counting while the machine sleeps.
 class QtExecutor final : public Executor {
  public:
-  QtExecutor();
+  explicit QtExecutor(int threads = 2);
   ~QtExecutor() override;
 
   void post(std::function<void()> work) override;
