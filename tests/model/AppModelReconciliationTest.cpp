@@ -263,7 +263,7 @@ TEST_F(AppModelReconciliation, ARenameByThePersonDuringARunIsNotUndone) {
   const UUID id = arrivePermanent("shot.png");
   executor.holdBackground();
   model->reconcile(request(std::nullopt));
-  model->rename(id, "By hand", ErrorScope::inbox);
+  finish(model->rename(id, "By hand", ErrorScope::inbox));
   // The run goes by the old place, where by now another file stands.
   writeFile(shots.appending("shot.png"), "another picture");
   executor.runHeldBackground();

@@ -24,6 +24,8 @@ class FakeReplacedRecords final : public ReplacedRecords {
  public:
   void protect(const UUID& id) override { protectedIDs.insert(id); }
   void unprotect(const UUID& id) override { protectedIDs.erase(id); }
+  /// There is nobody else.
+  Task<FileWorker::Hold> claimFile(const UUID&) override { co_return nullptr; }
   void fileWasReplaced(const UUID& id) override {
     replaced.push_back(id);
     if (onReplaced) onReplaced();

@@ -42,6 +42,9 @@ struct ApplicationPaths {
 class LiveServices {
  public:
   explicit LiveServices(const ApplicationPaths& paths);
+  ~LiveServices() { executor.finishBackground(); }
+  LiveServices(const LiveServices&) = delete;
+  LiveServices& operator=(const LiveServices&) = delete;
 
   /// What the model needs, less what the windows bring.
   AppModelDependencies dependencies(const ApplicationPaths& paths);

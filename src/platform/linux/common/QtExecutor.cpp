@@ -10,7 +10,8 @@
 namespace quillmere {
 namespace {
 
-constexpr int kThreads = 2;
+/// Two of them may wait for a disk, and there is still room for the rest.
+constexpr int kThreads = 4;
 
 timespec toTimespec(Duration time) {
   const auto whole = std::chrono::duration_cast<std::chrono::seconds>(time);
@@ -44,7 +45,7 @@ QtExecutor::QtExecutor() : timer_(::timerfd_create(CLOCK_BOOTTIME, TFD_CLOEXEC |
 }
 
 QtExecutor::~QtExecutor() {
-  pool_.waitForDone();
+  finishBackground();
   while (!delays_.empty()) {
     auto node = delays_.extract(delays_.begin());
     deadlines_.erase(node.mapped().id);

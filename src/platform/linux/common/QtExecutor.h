@@ -25,6 +25,8 @@ class QtExecutor final : public Executor {
   void cancelDelay(DelayID delay) override;
   void runInBackground(std::function<void()> work, std::function<void()> done) override;
   Instant instant() const override;
+  /// Waits for what runs in the background, which uses what others own. Nothing is to begin any more.
+  void finishBackground() { pool_.waitForDone(); }
 
  private:
   void arm();
