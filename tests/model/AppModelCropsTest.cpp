@@ -214,7 +214,7 @@ TEST_F(AppModelReplacing, AScreenshotThatWasRenamedMeanwhileIsNotReplaced) {
   executor.holdBackground();
   const auto task = model->replaceOriginal(id, picture(), kCrop);
   executor.drain();
-  finish(model->rename(id, QStringLiteral("A window"), ErrorScope::inbox));
+  model->rename(id, QStringLiteral("A window"), ErrorScope::inbox).detach();
   executor.runHeldBackground();
   executor.drain();
   EXPECT_EQ(reasonOf(task), kUnreadable);

@@ -97,7 +97,7 @@ TEST_F(AppModelRenaming, AScreenshotThatWasMovedAwayIsRenamedWhereItIs) {
   moveFile(url, own);
   scope.follow(url, own);
   writeFile(url, "another picture");
-  model->markTemporary(id, TemporaryDuration::fiveMinutes, QStringLiteral("A window")).detach();
+  finish(model->markTemporary(id, TemporaryDuration::fiveMinutes, QStringLiteral("A window")));
   EXPECT_EQ(item(id).url, elsewhere.appending("A window.png"));
   EXPECT_EQ(readBytes(url), "another picture");
   // Moving it was the person's decision to keep it.
