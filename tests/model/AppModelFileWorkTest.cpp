@@ -13,9 +13,9 @@ using Reason = AppModel::DisposalReason;
 class AppModelFileWork : public ModelFixture {
  protected:
   void SetUp() override { launchWatching(); }
-  Task<> beginDisposal(const UUID& id, ErrorScope scope = ErrorScope::inbox) {
+  Task<> beginDisposal(const UUID& id, ErrorScope shownIn = ErrorScope::inbox) {
     executor.holdBackground();
-    return model->disposeItem(item(id), scope, Reason::chosen);
+    return model->disposeItem(item(id), shownIn, Reason::chosen);
   }
   void end() { executor.runHeldBackground(); }
   const FileURL shot = shots.appending("shot.png");
