@@ -207,7 +207,7 @@ void ScreenshotActionsMenu::perform(Command command) const {
       presentation_->beginRename(*only);
       break;
     case Command::useSuggestedName:
-      model_->applySuggestedNames(renamable(), ErrorScope::inbox);
+      model_->applySuggestedNames(renamable(), ErrorScope::inbox).detach();
       break;
     case Command::moveAndRename:
       model_->moveAndRename(only->id);

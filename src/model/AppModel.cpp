@@ -57,7 +57,7 @@ void AppModel::start() {
   didStart_ = true;
   popupAutoSaveScheduler_.configure([this](const UUID& id) { return isPopupPaused(id); },
                                     [this](const UUID& id) { popupTimedOut(id); });
-  expirationScheduler_.start([this](const UUID& id) { expireOne(id); }, [this] { saveAfterExpiry(); });
+  expirationScheduler_.start([this](const UUID& id) { expireOne(id); }, [this] { expireDue(); });
   transfers_.removeLeftCopies();
   restoreWatchFolder();
   replacement_.finishBegun(*watchFolderURL);

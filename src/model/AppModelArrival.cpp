@@ -11,6 +11,10 @@ void AppModel::record(const FileURL& url, Origin origin) {
     dependencies_.monitor->noteUnknown(url);
     return;
   }
+  if (isInWork(url, identity)) {
+    laterArrivals_.emplace_back(url, origin);
+    return;
+  }
   const auto known = recordIndex().atPath(pathKeyOf(url));
   if (known && !hasLeft(*known, identity)) {
     // A run that found the old file gone before this one came must not take the record away.

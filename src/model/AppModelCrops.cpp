@@ -93,13 +93,13 @@ Task<std::optional<QString>> AppModel::runReplacing(Weak<AppModel> self, UUID id
 }
 
 void AppModel::beginWritingCrop() {
-  if (cropsBeingWritten_++ == 0) changed(ModelChange{ModelField::unsavedWork});
+  ++cropsBeingWritten_;
+  noteWriting();
 }
 
 void AppModel::endWritingCrop() {
-  if (--cropsBeingWritten_ > 0) return;
-  changed(ModelChange{ModelField::unsavedWork});
-  if (onCropsWritten) onCropsWritten();
+  --cropsBeingWritten_;
+  noteWriting();
 }
 
 void AppModel::fileWasPutAt(const UUID& id, const FileURL& url) {

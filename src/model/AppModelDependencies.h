@@ -34,6 +34,7 @@ struct TrashReport {
   std::optional<FileURL> place;  ///< where the file lies now, if that is known
   QString reason;                ///< the system's own words for a failure
 };
+/// Any thread.
 class FileOperations {
  public:
   virtual ~FileOperations() = default;

@@ -61,19 +61,6 @@ void AppModel::updateLocation(size_t index, const FileURL& url, const std::optio
   refreshItemAccess(index, scopedURL);
 }
 
-std::optional<FileURL> AppModel::relocateByBookmark(size_t index) {
-  const ScreenshotItem& item = items_[index];
-  const auto resolved = resolveBookmark(*dependencies_.securityScope, item.fileBookmark);
-  if (!resolved || dependencies_.isInTrash(resolved->url) || pathKeyOf(resolved->url) == pathKeyOf(item.url) ||
-      !fileExists(resolved->url)) {
-    return std::nullopt;
-  }
-  if (resolved->refreshed) {
-    updateItem(index, [&](ScreenshotItem& record) { record.fileBookmark = resolved->refreshed; });
-  }
-  return resolved->url;
-}
-
 void AppModel::moveRecords(const FileURL& from, const FileURL& to) {
   const std::string prefix = from.standardized().path() + "/";
   for (size_t i = 0; i < items_.size(); ++i) {

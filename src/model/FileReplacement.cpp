@@ -64,6 +64,11 @@ Task<std::optional<QString>> FileReplacement::run(Weak<FileReplacement> self, UU
   };
   auto writing = self->dependencies_.executor->background(work);
   const auto temporary = co_await writing;
+  FileWorker::Hold hold;
+  if (self) {
+    const auto claiming = self->records_.claimFile(id);
+    hold = co_await claiming;
+  }
   if (!self) {
     std::error_code ignored;  // the next start removes it
     if (temporary) std::filesystem::remove(temporary->path(), ignored);

@@ -9,6 +9,7 @@
 #include "foundation/Weak.h"
 #include "model/AppModelDependencies.h"
 #include "model/FileStamp.h"
+#include "model/FileWorker.h"
 #include "records/ReplacementJournal.h"
 #include "records/ScreenshotList.h"
 
@@ -21,6 +22,8 @@ class ReplacedRecords {
   /// The record's file stays where it is until as many calls of `unprotect`.
   virtual void protect(const UUID& id) = 0;
   virtual void unprotect(const UUID& id) = 0;
+  /// Nothing else is done to the record's file as long as the hold is held.
+  virtual Task<FileWorker::Hold> claimFile(const UUID& id) = 0;
   /// Another picture stands in the place of the record's file, of which nothing is known yet.
   virtual void fileWasReplaced(const UUID& id) = 0;
   /// The record's file has another name now.

@@ -301,12 +301,17 @@ Task<> CapturePromptView::showCopied(Weak<CapturePromptView> self) {
 }
 
 void CapturePromptView::chooseTrash() {
-  if (!gateAllows()) return;
-  const bool isDeleting = *model_.settings().deletesChosenImmediately;
-  // Where it is refused the banner says why.
-  const UUID id = content_->item.id;  // what is on show may be another when the question is answered
-  if (model_.disposeChosen(id, ErrorScope::popup) != AppModel::ChosenDisposal::done) return;
-  model_.announce(isDeleting ? localized("Screenshot deleted.") : localized("Screenshot moved to Trash."),
+  if (gateAllows()) dispose(model_.weak(), content_->item.id).detach();
+}
+
+/// What is on show may be another by the time that it is done, and even the popup be gone. Where it is refused the
+/// banner says why.
+Task<> CapturePromptView::dispose(Weak<AppModel> model, UUID id) {
+  const bool isDeleting = *model->settings().deletesChosenImmediately;
+  const auto disposing = model->disposeChosen(id, ErrorScope::popup);
+  const auto disposal = co_await disposing;
+  if (!model || disposal != AppModel::ChosenDisposal::done) co_return;
+  model->announce(isDeleting ? localized("Screenshot deleted.") : localized("Screenshot moved to Trash."),
                   AnnouncementPriority::low);
 }
 

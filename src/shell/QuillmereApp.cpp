@@ -210,10 +210,10 @@ bool QuillmereApp::quit() {
   return true;
 }
 
-/// A crop that is being written comes first, as far as somebody who asks twice can wait.
+/// Files that are being written, thrown away, renamed or moved come first, as far as somebody who asks twice can wait.
 void QuillmereApp::quitWithoutAsking() {
-  if (!model_.isWritingCrops() || std::exchange(isQuitting_, true)) return QApplication::exit(0);
-  model_.onCropsWritten = [] { QApplication::exit(0); };
+  if (!model_.isWritingFiles() || std::exchange(isQuitting_, true)) return QApplication::exit(0);
+  model_.onFilesWritten = [] { QApplication::exit(0); };
 }
 
 void QuillmereApp::save() {
@@ -245,13 +245,13 @@ void QuillmereApp::followSession() {
       [this](QSessionManager& session) { tellHowToRestart(session); }, Qt::DirectConnection);
 }
 
-/// The session waits for this.
+/// The session waits for this, so files that are being worked on are waited for.
 void QuillmereApp::commitToSession() {
   finishSaving(longestCommit);
-  if (!model_.isWritingCrops()) return;
+  if (!model_.isWritingFiles()) return;
   QEventLoop writing;
   const Connection changes = model_.changed.connect([&](const ModelChange& change) {
-    if (change.field == ModelField::unsavedWork && !model_.isWritingCrops()) writing.quit();
+    if (change.field == ModelField::unsavedWork && !model_.isWritingFiles()) writing.quit();
   });
   QTimer::singleShot(longestCommit, &writing, &QEventLoop::quit);
   writing.exec(QEventLoop::ExcludeUserInputEvents);

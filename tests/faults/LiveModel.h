@@ -70,6 +70,12 @@ class LiveModel {
     model->start();
     executor.drain();
   }
+  /// Runs what is under way in the background to its end, and with it the task.
+  template <typename T>
+  void finish(const Task<T>& task) {
+    executor.drain();
+    EXPECT_TRUE(task.isDone());
+  }
   /// What the kernel has told of the folder until now is heard.
   void hearEvents() {
     QCoreApplication::processEvents();

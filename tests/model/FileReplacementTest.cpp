@@ -25,6 +25,8 @@ class FakeReplacedRecords final : public ReplacedRecords {
   FakeReplacedRecords() { disk.answerAtOnce(); }
   void protect(const UUID& id) override { protectedIDs.insert(id); }
   void unprotect(const UUID& id) override { protectedIDs.erase(id); }
+  /// There is nobody else.
+  Task<FileWorker::Hold> claimFile(const UUID&) override { co_return nullptr; }
   void fileWasReplaced(const UUID& id) override {
     replaced.push_back(id);
     if (onReplaced) onReplaced();

@@ -55,7 +55,10 @@ class CapturePromptViewTest : public testing::ModelFixture {
     field()->selectAll();
     QTest::keyClicks(field(), text);
   }
-  void press(Qt::Key key) { QTest::keyClick(QApplication::focusWidget(), key); }
+  void press(Qt::Key key) {
+    QTest::keyClick(QApplication::focusWidget(), key);
+    executor.drain();
+  }
 
   QLineEdit* field() const { return view->findChild<QLineEdit*>(); }
   DurationPicker* picker() const { return view->findChild<DurationPicker*>(); }
@@ -181,6 +184,7 @@ TEST_F(CapturePromptViewTest, KeepTakesTheName) {
 
 TEST_F(CapturePromptViewTest, MoveToTrashAsksNothing) {
   QTest::mouseClick(button("Move to Trash"), Qt::LeftButton);
+  executor.drain();
   EXPECT_FALSE(hasRecord(id));
   EXPECT_TRUE(isInTrashFolder("Screenshot 1.png"));
   EXPECT_TRUE(deletionQuestions.empty());
@@ -205,6 +209,7 @@ TEST_F(CapturePromptViewTest, DeletingAsksFirst) {
 TEST_F(CapturePromptViewTest, ARefusedTrashAnnouncesNoSuccessAndShowsWhy) {
   files.refuse(item(id).url);
   QTest::mouseClick(button("Move to Trash"), Qt::LeftButton);
+  executor.drain();
   EXPECT_TRUE(hasRecord(id));
   EXPECT_FALSE(announcer.hasSaid(QStringLiteral("Screenshot moved to Trash.")));
   refresh();

@@ -437,7 +437,7 @@ TEST_F(QuillmereAppTest, TheSessionDoesNotWaitForeverForACrop) {
   model->scheduleSave();
   app->longestCommit = {};
   EXPECT_FALSE(quits([this] { app->commitToSession(); }));
-  EXPECT_TRUE(model->isWritingCrops());
+  EXPECT_TRUE(model->isWritingFiles());
   EXPECT_FALSE(model->hasPendingSave()) << "what can be saved is";
 }
 

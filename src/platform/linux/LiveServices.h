@@ -44,6 +44,8 @@ class LiveServices {
   explicit LiveServices(const ApplicationPaths& paths);
   /// Nothing of it goes while another thread still uses it.
   ~LiveServices() { executor.finishBackground(); }
+  LiveServices(const LiveServices&) = delete;
+  LiveServices& operator=(const LiveServices&) = delete;
 
   /// What the model needs, less what the windows bring.
   AppModelDependencies dependencies(const ApplicationPaths& paths);

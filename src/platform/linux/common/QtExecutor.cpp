@@ -42,7 +42,7 @@ QtExecutor::QtExecutor(int threads) : timer_(::timerfd_create(CLOCK_BOOTTIME, TF
 }
 
 QtExecutor::~QtExecutor() {
-  pool_.waitForDone();
+  finishBackground();
   while (!delays_.empty()) {
     auto node = delays_.extract(delays_.begin());
     deadlines_.erase(node.mapped().id);

@@ -158,12 +158,13 @@ void LiveFileOperations::touch(std::initializer_list<FileURL> folders) {
   touched_.insert(folders);
 }
 
+/// Whoever finds nothing to flush has waited for those who are flushing it.
 void LiveFileOperations::flush() {
   const std::lock_guard flushing(flushing_);
   std::set<FileURL> folders;
   {
     const std::lock_guard lock(touching_);
-    folders.swap(touched_);
+    folders = std::exchange(touched_, {});
   }
   for (const FileURL& folder : folders) flushFolder(folder);
 }

@@ -12,12 +12,12 @@
 
 namespace quillmere {
 
-/// The freedesktop Trash by way of GIO, and moves that never replace anything.
+/// The freedesktop Trash by way of GIO, and moves that never replace anything. Any thread.
 class LiveFileOperations final : public FileOperations {
  public:
   using FileOperations::move;
   using FileOperations::trash;
-  /// `left` is told of each place that a file has left, right after that.
+  /// `left` is told of each place that a file has left, right after that and on the same thread.
   explicit LiveFileOperations(std::function<void(const FileURL& place)> left = [](const FileURL&) {})
       : left_(std::move(left)) {}
   FileOutcome trash(const FileURL& url, TrashReport& report) override;
