@@ -41,13 +41,13 @@ void LoadHere(benchmark::State& state) {
   for (auto _ : state) touch(ImageOperations::loadImage(world->large).value());
 }
 void LoadByReader(benchmark::State& state) {
-  for (auto _ : state) touch(world->readers->picture(world->large, kNever));
+  for (auto _ : state) touch(*world->readers->picture(world->large, kNever));
 }
 void ThumbnailHere(benchmark::State& state) {
   for (auto _ : state) touch(pictureForScreen(ImageFile::thumbnail(world->large, kThumbnail)));
 }
 void ThumbnailByReader(benchmark::State& state) {
-  for (auto _ : state) touch(world->readers->thumbnail(world->large, kThumbnail, kNever));
+  for (auto _ : state) touch(*world->readers->thumbnail(world->large, kThumbnail, kNever));
 }
 void ScanHere(benchmark::State& state) {
   for (auto _ : state) touch(ImageOperations::scanWindowsNow(world->large).value().image);

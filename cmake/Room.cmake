@@ -21,7 +21,7 @@ function(quillmere_room name)
   file(CREATE_LINK ${folder} ${view}/${ROOM_PATH} SYMBOLIC)
   target_include_directories(${name} PUBLIC ${view})
 
-  target_link_libraries(${name} PUBLIC quillmere_options ${ROOM_LINKS})
+  target_link_libraries(${name} PUBLIC quillmere_options PRIVATE quillmere_hardening PUBLIC ${ROOM_LINKS})
   if(ROOM_HEADERS)
     target_precompile_headers(${name} PRIVATE ${room_headers} ${ROOM_HEADERS})
   elseif(ROOM_HEADERS_OF)

@@ -37,9 +37,9 @@ std::optional<ModelPicture> ModelPicture::read(PictureReading& pictures, const F
       return made(QByteArray::fromStdString(*file), head->format);
   }
   const std::atomic<bool> isStopped = false;
-  const QImage image = pictures.thumbnail(url, kLongestSide, isStopped);
-  if (image.isNull()) return std::nullopt;
-  auto encoded = pictures.encoded(image, PictureFormat::png);
+  const auto image = pictures.thumbnail(url, kLongestSide, isStopped);
+  if (!image) return std::nullopt;
+  auto encoded = pictures.encoded(*image, PictureFormat::png);
   if (!encoded) return std::nullopt;
   return made(*std::move(encoded), PictureFormat::png);
 }

@@ -7,6 +7,7 @@
 
 #include "controls/MissingPicture.h"
 #include "controls/Theme.h"
+#include "reading/PictureError.h"
 #include "foundation/Interruptible.h"
 
 namespace quillmere {
@@ -16,6 +17,10 @@ using Outcome = ThumbnailLoader::Outcome;
 
 bool isNotDownloaded(const std::optional<Outcome>& outcome) {
   return outcome && std::holds_alternative<ThumbnailLoader::NotDownloaded>(*outcome);
+}
+
+bool isTooCostly(const std::optional<Outcome>& outcome) {
+  return outcome && std::holds_alternative<ThumbnailLoader::TooCostly>(*outcome);
 }
 
 /// Qt's own comparison takes what is almost equal for equal.
@@ -110,12 +115,14 @@ QRectF ScreenshotThumbnail::picturePlace() const {
 }
 
 void ScreenshotThumbnail::setOutcome(const std::optional<Outcome>& outcome) {
-  const bool wasEvicted = isNotDownloaded(outcome_);
+  const auto reason = [this] { return std::pair(isNotDownloaded(outcome_), isTooCostly(outcome_)); };
+  const auto earlier = reason();
   outcome_ = outcome;
-  const bool isEvicted = isNotDownloaded(outcome_);
   // Otherwise it is the owner's.
-  if (isEvicted == wasEvicted) return;
-  setToolTip(isEvicted ? adviceFor(MissingPicture::notDownloaded) : QString());
+  if (reason() == earlier) return;
+  const auto [isEvicted, isCostly] = reason();
+  const QString costly = isCostly ? description(PictureError::tooCostly) : QString();
+  setToolTip(isEvicted ? adviceFor(MissingPicture::notDownloaded) : costly);
 }
 
 void ScreenshotThumbnail::showEvent(QShowEvent* event) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 namespace quillmere::WindowDetector {
 namespace {
@@ -50,6 +51,20 @@ std::vector<Segments> allSegments(const std::vector<const LineProfile*>& lines, 
   return result;
 }
 
+/// They stay in their order.
+void keepStrongest(std::vector<Candidate>& candidates) {
+  std::vector<std::pair<double, size_t>> order;
+  order.reserve(candidates.size());
+  for (size_t i = 0; i < candidates.size(); ++i) order.emplace_back(-candidates[i].strength(), i);
+  std::nth_element(order.begin(), order.begin() + kMostCandidates, order.end());
+  order.resize(kMostCandidates);
+  std::sort(order.begin(), order.end(), [](const auto& a, const auto& b) { return a.second < b.second; });
+  std::vector<Candidate> kept;
+  kept.reserve(kMostCandidates);
+  for (const auto& [weakness, place] : order) kept.push_back(candidates[place]);
+  candidates = std::move(kept);
+}
+
 /// Tries all rectangles, many at a time: for a pair of columns and an upper row, the lower rows are the bits of a word.
 class Enumeration {
  public:
@@ -69,6 +84,7 @@ class Enumeration {
         if (columns_[right] - columns_[left] >= leastWidth_) tryColumns(left, right);
       }
     }
+    if (found_.size() > kMostCandidates) keepStrongest(found_);
     return std::move(found_);
   }
 
@@ -108,6 +124,7 @@ class Enumeration {
                          rowProfiles_[top]->hits(x1, x2) / w, rowProfiles_[bottom]->hits(x1, x2) / w};
     candidate.frame = QRectF(x1, y1, w, h);
     found_.push_back(candidate);
+    if (found_.size() == 2 * kMostCandidates) keepStrongest(found_);
   }
 
   const std::vector<int>& columns_;

@@ -23,6 +23,10 @@ struct Candidate {
 /// A side of which that much is backed counts as drawn.
 constexpr double kDrawnSide = 0.75;
 
+/// So many are looked at, the strongest; of equals the first. A picture of a desktop gives some hundreds, a sheet
+/// of twenty columns and rows some ten thousands, one of lines alone more than a million and a half.
+constexpr size_t kMostCandidates = 131'072;
+
 /// What one threshold gave.
 struct CandidateSearch {
   std::vector<Candidate> candidates;  ///< by x1, x2, y1, y2 of their frames
@@ -30,7 +34,7 @@ struct CandidateSearch {
 };
 
 /// Every rectangle that four kept lines form, big enough, of an aspect between 0.2 and 6, with three sides drawn and
-/// none below 0.35. Nullopt where fewer than two lines run either way.
+/// none below 0.35; the strongest `kMostCandidates` at most. Nullopt where fewer than two lines run either way.
 std::optional<CandidateSearch> candidates(int64_t width, int64_t height, const EdgeMaps& maps);
 
 }  // namespace quillmere::WindowDetector

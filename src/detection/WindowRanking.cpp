@@ -11,6 +11,8 @@ namespace {
 
 /// The tests of title bars and rectangles are the costly part.
 constexpr size_t kMostTested = 24;
+/// No desktop shows as many; each is compared with every other.
+constexpr size_t kMostWindows = 512;
 constexpr double kRectangleTolerance = 0.02;
 constexpr double kButtonBonus = 0.25;
 constexpr double kSameWindow = 0.45;
@@ -67,7 +69,7 @@ std::vector<Ranked> merged(const std::vector<Ranked>& all) {
     const auto same = std::find_if(kept.begin(), kept.end(),
                                    [&](const Ranked& other) { return isSameWindow(one.frame(), other.frame()); });
     if (same == kept.end()) {
-      kept.push_back(one);
+      if (kept.size() < kMostWindows) kept.push_back(one);
     } else if (rectContains(one.frame(), same->frame()) && one.isFullyDrawn()) {
       *same = one;
     }

@@ -21,7 +21,7 @@ std::vector<Ranked> ranked(const GrayImage& gray, const std::vector<Candidate>& 
                            const RectangleFinder& rectangles);
 
 /// One of each group that overlaps much: the best, unless a fully drawn one holds all of it, such as the window around
-/// its content.
+/// its content. The best 512 at most.
 std::vector<Ranked> merged(const std::vector<Ranked>& all);
 
 }  // namespace quillmere::WindowDetector

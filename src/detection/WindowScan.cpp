@@ -1,25 +1,43 @@
 #include "detection/WindowScan.h"
 
+#include <optional>
 #include <utility>
 
 #include "formats/ImageFile.h"
 #include "formats/ImageScale.h"
 
 namespace quillmere::ImageOperations {
+namespace {
+
+bool isWanted(const std::function<bool()>& isStopped) {
+  return !(isStopped && isStopped());
+}
+
+/// `picture` and the scale that its file tells of.
+Result<WindowScan, OperationError> found(ImageFile::Picture picture, const std::optional<double>& scale,
+                                         const std::function<bool()>& isStopped) {
+  if (!picture) return operationError(picture.reason());
+  if (!isWanted(isStopped)) return OperationError::unreadable;
+  QImage image = *std::move(picture);
+  const auto windows = detectWindows(image, scale);
+  return WindowScan{std::move(image), windows};
+}
+
+}  // namespace
 
 Result<WindowScan, OperationError> scanWindowsNow(const FileURL& url, const std::function<bool()>& isStopped) {
-  auto file = ImageFile::bytesOf(url);
-  if (!file || (isStopped && isStopped())) return OperationError::unreadable;
-  return scanWindowsNow(*std::move(file), isStopped);
+  if (!isWanted(isStopped)) return OperationError::unreadable;
+  std::optional<double> scale;
+  auto picture = ImageFile::read(url, [&scale](std::string_view bytes) { scale = imageScale(bytes); });
+  return found(std::move(picture), scale, isStopped);
 }
 
 Result<WindowScan, OperationError> scanWindowsNow(std::string bytes, const std::function<bool()>& isStopped) {
-  QImage image = ImageFile::picture(std::string_view(bytes));
-  if (image.isNull() || (isStopped && isStopped())) return OperationError::unreadable;
-  const auto scale = imageScale(std::string_view(bytes));
+  if (!isWanted(isStopped)) return OperationError::unreadable;
+  std::optional<double> scale;
+  auto picture = ImageFile::read(std::string_view(bytes), [&scale](std::string_view all) { scale = imageScale(all); });
   std::string().swap(bytes);
-  const auto windows = detectWindows(image, scale);
-  return WindowScan{std::move(image), windows};
+  return found(std::move(picture), scale, isStopped);
 }
 
 }  // namespace quillmere::ImageOperations

@@ -1,7 +1,5 @@
 #include "formats/ImageFile.h"
 
-#include <fcntl.h>
-#include <unistd.h>
 #include <QtCore/QBuffer>
 #include <QtCore/QFile>
 #include <QtGui/QImageReader>
@@ -9,31 +7,24 @@
 #include <functional>
 
 #include "formats/HeifFile.h"
+#include "formats/JpegOutline.h"
+#include "formats/PictureFile.h"
+#include "formats/PictureMemory.h"
+#include "formats/PictureOutline.h"
 #include "formats/PngOrientation.h"
 #include "formats/PngReader.h"
-#include "foundation/FileStatus.h"
 #include "pixels/Downscaler.h"
 #include "png/PngChunks.h"
+#include "png/PngTexts.h"
 
 namespace quillmere {
 namespace {
 
-constexpr int64_t kMostFileBytes = int64_t{1} << 30;
-
-/// Qt takes a name as text; a descriptor reaches any file, whatever bytes its name has.
-class OpenFile {
- public:
-  explicit OpenFile(const FileURL& url) {
-    // A link put in a picture's place would have another file read, and sent to where pictures go.
-    const int descriptor = ::open(url.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW);
-    if (descriptor >= 0) file_.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle);
-  }
-  bool isOpen() const { return file_.isOpen(); }
-  QFile& device() { return file_; }
-
- private:
-  QFile file_;
-};
+/// Of whatever is decoded anywhere in the program.
+PictureMemory& memoryOfAll() {
+  static PictureMemory memory(PictureBudget().memory);
+  return memory;
+}
 
 /// What Qt calls the formats.
 const char* nameInQt(PictureFormat format) {
@@ -87,34 +78,14 @@ class GeneralReader {
   QImageReader reader_;
 };
 
-/// The decoder of JPEG takes memory for whatever the header says and fills in what is not there. Even a white picture
-/// has a bit for each block of 64 pixels.
-bool isJpegBomb(QSize size, size_t bytes) {
-  constexpr size_t kMostPixelsInAByte = 1024;
-  return static_cast<size_t>(size.width()) * static_cast<size_t>(size.height()) / kMostPixelsInAByte > bytes;
-}
-
-/// Whether the header promises more than the file can hold.
-bool isBomb(std::string_view bytes, PictureFormat format, const GeneralReader& reader) {
-  switch (format) {
-    case PictureFormat::png:
-      return PngReader::isBomb(bytes);
-    case PictureFormat::jpeg: {
-      const auto size = reader.size();
-      return size && isJpegBomb(*size, bytes.size());
-    }
-    case PictureFormat::heif:
-      // Its reader looks at the size before it takes memory.
-      return false;
-  }
-  return true;
-}
-
-QImage readGenerally(std::string_view bytes, PictureFormat format, const std::function<QImage(GeneralReader&)>& read) {
+QImage readGenerally(std::string_view all, PictureFormat format, const std::function<QImage(GeneralReader&)>& read) {
+  std::string_view bytes = all;
+  std::string picture;
+  if (format == PictureFormat::jpeg && JpegOutline::hasManySegments(all)) bytes = picture = withoutJpegTexts(all);
   QByteArray view = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
   QBuffer buffer(&view);
   GeneralReader reader(buffer, format);
-  if (isBomb(bytes, format, reader) || !reader.size()) return {};
+  if (!reader.size()) return {};
   return read(reader);
 }
 QImage readGenerally(std::string_view bytes, PictureFormat format) {
@@ -128,10 +99,15 @@ QImage uprightPng(const QImage& stored, std::string_view bytes) {
   return upright(stored, pngOrientation(buffer));
 }
 
+QImage readPngGenerally(std::string_view bytes) {
+  if (PngReader::hasEndlessData(bytes)) return {};
+  return readGenerally(withoutPngTexts(bytes), PictureFormat::png);
+}
+
 /// As the file has it.
 QImage storedPng(std::string_view bytes) {
   auto picture = PngReader::read(bytes);
-  return picture ? *std::move(picture) : readGenerally(bytes, PictureFormat::png);
+  return picture ? *std::move(picture) : readPngGenerally(bytes);
 }
 
 QImage decoded(std::string_view bytes) {
@@ -155,13 +131,12 @@ bool hasEndMark(std::string_view bytes, PictureFormat format) {
   return tail.find(traits(format).endMark) != std::string_view::npos;
 }
 
-bool isWholePicture(std::string_view bytes) {
+bool isWhole(std::string_view bytes) {
   const auto format = ImageFile::formatOf(bytes);
   if (!format) return false;
   switch (*format) {
     case PictureFormat::png:
-      if (PngReader::canRead(bytes)) return true;
-      [[fallthrough]];
+      return PngReader::canRead(bytes) || (hasEndMark(bytes, *format) && !readPngGenerally(bytes).isNull());
     case PictureFormat::jpeg:
       return hasEndMark(bytes, *format) && !readGenerally(bytes, *format).isNull();
     case PictureFormat::heif:
@@ -197,29 +172,105 @@ QImage decodedSmall(std::string_view bytes, int maxPixels) {
   return {};
 }
 
+/// All that tells what a picture will take: the first chunk of a PNG, a JPEG up to its first scan, all of a HEIF.
+std::string beginningOf(const PictureFile& file, const PictureBudget& budget) {
+  constexpr int64_t kFirst = 64;
+  constexpr int64_t kStep = 64 << 10;
+  std::string bytes = file.bytes(0, kFirst);
+  const auto format = ImageFile::formatOf(bytes);
+  if (!format || file.isMostlyHoles()) return bytes;
+  if (format == PictureFormat::heif && file.size() <= PictureOutline::kMostHeifBytes) {
+    return file.bytes(0, file.size());
+  }
+  if (format != PictureFormat::jpeg) return bytes;
+  // Twice as much each time, so that all looks together are two at most.
+  for (int64_t wanted = kStep; !JpegOutline::of(bytes); wanted *= 2) {
+    const auto have = static_cast<int64_t>(bytes.size());
+    if (have >= std::min(file.size(), budget.besidesPixels)) break;
+    bytes += file.bytes(have, wanted - have);
+    if (static_cast<int64_t>(bytes.size()) == have) break;
+  }
+  return bytes;
+}
+
+Result<PictureOutline, PictureError> outlineOf(const PictureFile& file, std::string_view beginning,
+                                               const PictureBudget& budget) {
+  if (ImageFile::formatOf(beginning) && file.isMostlyHoles()) return PictureError::damaged;
+  return PictureOutline::ofBeginning(beginning, file.size(), budget);
+}
+
+/// Calls `decode` with the bytes of the file, if it is worth it, and while there is memory for it.
+template <typename Decode>
+std::optional<PictureError> withBytes(const FileURL& url, const PictureBudget& budget, const Decode& decode) {
+  const PictureFile file(url);
+  if (!file.isOpen()) return PictureError::unreadable;
+  std::string bytes = beginningOf(file, budget);
+  const auto outline = outlineOf(file, bytes, budget);
+  if (!outline) return outline.reason();
+  const PictureMemory::Share share(memoryOfAll(), file.size() + outline->memory);
+  if (static_cast<int64_t>(bytes.size()) < file.size()) {
+    bytes = {};
+    auto all = file.all();
+    if (!all) return all.reason();
+    bytes = *std::move(all);
+    // It may have changed, and only the whole tells how often a JPEG goes over its picture.
+    const auto whole = PictureOutline::of(bytes, budget);
+    if (!whole) return whole.reason();
+  }
+  return decode(std::string_view(bytes));
+}
+template <typename Decode>
+std::optional<PictureError> withBytes(std::string_view bytes, const PictureBudget& budget, const Decode& decode) {
+  const auto outline = PictureOutline::of(bytes, budget);
+  if (!outline) return outline.reason();
+  const PictureMemory::Share share(memoryOfAll(), outline->memory);
+  return decode(bytes);
+}
+
+template <typename Source, typename Decode>
+ImageFile::Picture pictureOf(const Source& source, const PictureBudget& budget, const Decode& decode) {
+  QImage image;
+  const auto error = withBytes(source, budget, [&](std::string_view bytes) {
+    image = decode(bytes);
+    return image.isNull() ? std::optional(PictureError::damaged) : std::nullopt;
+  });
+  return error ? ImageFile::Picture(*error) : ImageFile::Picture(std::move(image));
+}
+
+template <typename Source>
+std::optional<PictureError> failureIn(const Source& source, const PictureBudget& budget) {
+  return withBytes(source, budget, [](std::string_view bytes) {
+    return isWhole(bytes) ? std::nullopt : std::optional(PictureError::damaged);
+  });
+}
+
 /// Upright, from the header alone.
-std::optional<QSize> sizeIn(QFile& file, PictureFormat format) {
-  switch (format) {
+std::optional<QSize> sizeIn(const PictureFile& file, std::string_view beginning, const PictureOutline& outline) {
+  switch (outline.format) {
     case PictureFormat::png: {
-      const auto size = GeneralReader(file, format).size();
-      const bool isSideways = pngOrientation(file).testFlag(QImageIOHandler::TransformationRotate90);
-      return size && isSideways ? size->transposed() : size;
+      QFile device;
+      device.open(file.descriptor(), QIODevice::ReadOnly | QIODevice::Unbuffered);
+      const bool isSideways = pngOrientation(device).testFlag(QImageIOHandler::TransformationRotate90);
+      return isSideways ? outline.stored.transposed() : outline.stored;
     }
-    case PictureFormat::jpeg:
-      return GeneralReader(file, format).size();
-    case PictureFormat::heif: {
-      if (file.size() > kMostFileBytes) return std::nullopt;
-      const QByteArray bytes = file.readAll();
-      return HeifFile({bytes.constData(), static_cast<size_t>(bytes.size())}).size();
+    case PictureFormat::jpeg: {
+      QByteArray head = QByteArray::fromStdString(withoutJpegTexts(beginning));
+      QBuffer buffer(&head);
+      return GeneralReader(buffer, PictureFormat::jpeg).size();
     }
+    case PictureFormat::heif:
+      return outline.stored;
   }
   return std::nullopt;
 }
 
-std::optional<ImageFile::Head> headIn(QFile& file) {
-  const auto format = ImageFile::formatOf(file.peek(16).toStdString());
-  const auto size = format ? sizeIn(file, *format) : std::nullopt;
-  return size ? std::optional(ImageFile::Head{*format, *size}) : std::nullopt;
+std::optional<ImageFile::Head> headIn(const PictureFile& file) {
+  if (!file.isOpen()) return std::nullopt;
+  const PictureBudget budget;
+  const std::string beginning = beginningOf(file, budget);
+  const auto outline = outlineOf(file, beginning, budget);
+  const auto size = outline ? sizeIn(file, beginning, *outline) : std::nullopt;
+  return size ? std::optional(ImageFile::Head{outline->format, *size}) : std::nullopt;
 }
 
 }  // namespace
@@ -232,26 +283,50 @@ std::optional<PictureFormat> ImageFile::formatOf(std::string_view head) {
 }
 
 std::optional<std::string> ImageFile::bytesOf(const FileURL& url) {
-  return readFileItself(url, kMostFileBytes);
+  const PictureFile file(url);
+  if (!file.isOpen() || file.size() > PictureBudget().fileBytes || file.isMostlyHoles()) return std::nullopt;
+  auto bytes = file.all();
+  return bytes ? std::optional(*std::move(bytes)) : std::nullopt;
+}
+
+Result<std::string, PictureError> ImageFile::bytesToDecode(int descriptor, const PictureBudget& budget) {
+  const PictureFile file(descriptor);
+  if (!file.isOpen()) return PictureError::unreadable;
+  std::string beginning = beginningOf(file, budget);
+  // What was read to its end is looked at when it is decoded, which nobody does for a slow disk's sake.
+  if (static_cast<int64_t>(beginning.size()) == file.size()) return beginning;
+  const auto outline = outlineOf(file, beginning, budget);
+  if (!outline) return outline.reason();
+  beginning = {};
+  return file.all();
+}
+
+std::optional<std::string> ImageFile::firstBytesOf(const FileURL& url, int64_t count) {
+  const PictureFile file(url);
+  if (!file.isOpen()) return std::nullopt;
+  const auto format = formatOf(file.bytes(0, 16));
+  if (!format) return std::nullopt;
+  return format == PictureFormat::heif ? bytesOf(url) : std::optional(file.bytes(0, count));
 }
 
 bool ImageFile::decodesCompletely(const FileURL& url) {
-  const auto bytes = bytesOf(url);
-  return bytes && isWhole(*bytes);
+  return !failureOf(url);
 }
 
-bool ImageFile::isWhole(std::string_view bytes) {
-  return isWholePicture(bytes);
+std::optional<PictureError> ImageFile::failureOf(const FileURL& url, const PictureBudget& budget) {
+  return failureIn(url, budget);
+}
+
+std::optional<PictureError> ImageFile::failureOf(std::string_view bytes, const PictureBudget& budget) {
+  return failureIn(bytes, budget);
 }
 
 std::optional<ImageFile::Head> ImageFile::head(const FileURL& url) {
-  OpenFile file(url);
-  return file.isOpen() ? headIn(file.device()) : std::nullopt;
+  return headIn(PictureFile(url));
 }
 
 std::optional<ImageFile::Head> ImageFile::head(int descriptor) {
-  QFile file;
-  return file.open(descriptor, QIODevice::ReadOnly, QFileDevice::DontCloseHandle) ? headIn(file) : std::nullopt;
+  return headIn(PictureFile(descriptor));
 }
 
 std::optional<QSize> ImageFile::pixelSize(const FileURL& url) {
@@ -259,22 +334,58 @@ std::optional<QSize> ImageFile::pixelSize(const FileURL& url) {
   return found ? std::optional(found->size) : std::nullopt;
 }
 
+ImageFile::Picture ImageFile::read(const FileURL& url, const PictureBudget& budget) {
+  return pictureOf(url, budget, &decoded);
+}
+
+ImageFile::Picture ImageFile::read(const FileURL& url, const std::function<void(std::string_view)>& tell,
+                                   const PictureBudget& budget) {
+  return pictureOf(url, budget, [&tell](std::string_view bytes) {
+    tell(bytes);
+    return decoded(bytes);
+  });
+}
+
+ImageFile::Picture ImageFile::read(std::string_view bytes, const std::function<void(std::string_view)>& tell,
+                                   const PictureBudget& budget) {
+  return pictureOf(bytes, budget, [&tell](std::string_view all) {
+    tell(all);
+    return decoded(all);
+  });
+}
+
+ImageFile::Picture ImageFile::read(std::string_view bytes, const PictureBudget& budget) {
+  return pictureOf(bytes, budget, &decoded);
+}
+
+ImageFile::Picture ImageFile::readSmall(const FileURL& url, int maxPixels, const PictureBudget& budget) {
+  if (maxPixels <= 0) return PictureError::damaged;
+  return pictureOf(url, budget, [maxPixels](std::string_view bytes) { return decodedSmall(bytes, maxPixels); });
+}
+
+ImageFile::Picture ImageFile::readSmall(std::string_view bytes, int maxPixels, const PictureBudget& budget) {
+  if (maxPixels <= 0) return PictureError::damaged;
+  return pictureOf(bytes, budget, [maxPixels](std::string_view all) { return decodedSmall(all, maxPixels); });
+}
+
 QImage ImageFile::picture(const FileURL& url) {
-  const auto bytes = bytesOf(url);
-  return bytes ? picture(std::string_view(*bytes)) : QImage();
+  auto picture = read(url);
+  return picture ? *std::move(picture) : QImage();
 }
 
 QImage ImageFile::picture(std::string_view bytes) {
-  return decoded(bytes);
+  auto picture = read(bytes);
+  return picture ? *std::move(picture) : QImage();
 }
 
 QImage ImageFile::thumbnail(const FileURL& url, int maxPixels) {
-  const auto bytes = maxPixels > 0 ? bytesOf(url) : std::nullopt;
-  return bytes ? decodedSmall(*bytes, maxPixels) : QImage();
+  auto picture = readSmall(url, maxPixels);
+  return picture ? *std::move(picture) : QImage();
 }
 
 QImage ImageFile::thumbnail(std::string_view bytes, int maxPixels) {
-  return maxPixels > 0 ? decodedSmall(bytes, maxPixels) : QImage();
+  auto picture = readSmall(bytes, maxPixels);
+  return picture ? *std::move(picture) : QImage();
 }
 
 }  // namespace quillmere

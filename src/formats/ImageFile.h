@@ -2,11 +2,14 @@
 
 #include <QtCore/QSize>
 #include <QtGui/QImage>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "formats/PictureBudget.h"
 #include "foundation/FileURL.h"
+#include "foundation/Result.h"
 #include "reading/PictureReading.h"
 #include "records/PictureFormat.h"
 
@@ -14,22 +17,37 @@ namespace quillmere {
 
 /// Reading picture files of the formats in `PictureFormat`, whatever their names say. Any thread.
 ///
-/// A file is read into memory once before it is decoded, so what becomes of it meanwhile changes nothing. Pictures that
-/// would take more than 1 GB decoded are refused.
+/// A file is read into memory once before it is decoded, so what becomes of it meanwhile changes nothing. What it will
+/// take is told from its beginning first, and is refused beyond a budget; what all pictures together take at the same
+/// time is bounded as well, and who comes last waits.
 namespace ImageFile {
 
 /// Whether the file is a whole picture: its format's end is there and it decodes without error.
 bool decodesCompletely(const FileURL& url);
-/// The same of a file that was read already.
-bool isWhole(std::string_view bytes);
+/// The same, with the reason why not; none of a whole one.
+std::optional<PictureError> failureOf(const FileURL& url, const PictureBudget& budget = {});
+std::optional<PictureError> failureOf(std::string_view bytes, const PictureBudget& budget = {});
 
-/// What the header alone tells.
+/// What the header alone tells, of which a bounded number of bytes is read.
 using Head = PictureHead;
 std::optional<Head> head(const FileURL& url);
 /// The same of an open file, which stays open.
 std::optional<Head> head(int descriptor);
 /// The size of it alone.
 std::optional<QSize> pixelSize(const FileURL& url);
+
+/// The upright picture at full size, or why there is none.
+using Picture = Result<QImage, PictureError>;
+Picture read(const FileURL& url, const PictureBudget& budget = {});
+Picture read(std::string_view bytes, const PictureBudget& budget = {});
+/// Calls `tell` with the file's bytes, too, while they are there.
+Picture read(const FileURL& url, const std::function<void(std::string_view bytes)>& tell,
+             const PictureBudget& budget = {});
+Picture read(std::string_view bytes, const std::function<void(std::string_view bytes)>& tell,
+             const PictureBudget& budget = {});
+/// The same as `thumbnail` gives it.
+Picture readSmall(const FileURL& url, int maxPixels, const PictureBudget& budget = {});
+Picture readSmall(std::string_view bytes, int maxPixels, const PictureBudget& budget = {});
 
 /// The upright picture at full size. Null when the file cannot be read.
 QImage picture(const FileURL& url);
@@ -45,8 +63,13 @@ QImage thumbnail(std::string_view bytes, int maxPixels);
 /// By the first bytes; 16 are enough. None for any other file.
 std::optional<PictureFormat> formatOf(std::string_view head);
 
-/// The bytes of a regular file that is not larger than any picture.
+/// The bytes of a regular file that is not larger than any picture, and not for the most part unwritten.
 std::optional<std::string> bytesOf(const FileURL& url);
+/// The bytes of an open file, which stays open, as far as they are worth being decoded: of one whose beginning tells
+/// that it is no picture, or beyond the budget, no more is read.
+Result<std::string, PictureError> bytesToDecode(int descriptor, const PictureBudget& budget = {});
+/// So many of its first bytes; all of a HEIF, whose head may lie anywhere.
+std::optional<std::string> firstBytesOf(const FileURL& url, int64_t count);
 
 }  // namespace ImageFile
 }  // namespace quillmere

@@ -5,9 +5,9 @@
 namespace quillmere {
 
 Result<QImage, ImageOperations::OperationError> ImageOperations::loadImage(const FileURL& url) {
-  QImage image = ImageFile::picture(url);
-  if (image.isNull()) return OperationError::unreadable;
-  return image;
+  auto picture = ImageFile::read(url);
+  if (!picture) return operationError(picture.reason());
+  return *std::move(picture);
 }
 
 }  // namespace quillmere

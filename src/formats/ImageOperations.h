@@ -9,7 +9,7 @@
 
 namespace quillmere::ImageOperations {
 
-/// The picture at full size, upright. Fails as unreadable. Any thread.
+/// The picture at full size, upright. Fails as unreadable, or as too costly. Any thread.
 Result<QImage, OperationError> loadImage(const FileURL& url);
 
 }  // namespace quillmere::ImageOperations

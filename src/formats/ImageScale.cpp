@@ -91,7 +91,8 @@ std::optional<double> resolution(std::string_view file) {
 }  // namespace
 
 std::optional<double> ImageOperations::imageScale(const FileURL& url) {
-  const auto file = ImageFile::bytesOf(url);
+  constexpr int64_t kMostHead = 1 << 20;
+  const auto file = ImageFile::firstBytesOf(url, kMostHead);
   return file ? imageScale(std::string_view(*file)) : std::nullopt;
 }
 

@@ -30,8 +30,9 @@ QImageIOHandler::Transformations pngOrientation(QIODevice& file) {
   constexpr qint64 kHead = 8;  // length and type
   constexpr qint64 kChecksum = 4;
   constexpr qint64 kMostCameraData = 1 << 20;
+  constexpr int kMostChunks = 1 << 17;
   qint64 place = kPngSignature.size();
-  while (file.seek(place)) {
+  for (int chunk = 0; chunk < kMostChunks && file.seek(place); ++chunk) {
     const QByteArray head = file.read(kHead);
     if (head.size() < kHead) break;
     const std::string_view view(head.constData(), kHead);
@@ -41,9 +42,9 @@ QImageIOHandler::Transformations pngOrientation(QIODevice& file) {
     if (type == "eXIf") {
       if (whole > kMostCameraData) break;
       const std::string bytes = std::string(kPngSignature) + (head + file.read(whole - kHead)).toStdString();
-      const auto chunk = PngChunks(bytes).next();
-      return chunk && chunk->isIntact() ? transformationFor(tiffOrientation(chunk->data))
-                                        : QImageIOHandler::TransformationNone;
+      const auto cameraData = PngChunks(bytes).next();
+      return cameraData && cameraData->isIntact() ? transformationFor(tiffOrientation(cameraData->data))
+                                                  : QImageIOHandler::TransformationNone;
     }
     place += whole;
   }

@@ -19,9 +19,6 @@
 namespace quillmere {
 namespace {
 
-/// Deflate's best: a back reference of 258 bytes in two bits.
-constexpr size_t kBestCompression = 1032;
-
 /// Fills `filtered` with exactly what the header says.
 bool inflate(const PlainPng& png, uint8_t* filtered) {
   std::string joined;
@@ -166,6 +163,28 @@ bool PngReader::canRead(std::string_view file) {
   const LargeBuffer filtered(png->header.filteredBytes());
   return filtered && inflate(*png, filtered.data()) && areFiltersKnown(png->header, filtered.data()) &&
          !describedPixel(*png).isNull();
+}
+
+bool PngReader::hasEndlessData(std::string_view file) {
+  constexpr size_t kMuch = 4 << 20;
+  constexpr size_t kMostRest = 1 << 20;
+  const auto header = PngHeader::of(file);
+  if (!header || file.size() <= kMuch || isBomb(file)) return false;
+  std::string data;
+  PngChunks chunks(file);
+  while (const auto chunk = chunks.next()) {
+    if (chunk->type == "IDAT") data += chunk->data;
+  }
+  if (data.size() <= kMuch) return false;
+  // The rows of interlaced pictures are shorter, and more.
+  const size_t room = header->filteredBytes() + header->filteredBytes() / 8 + kMostRest;
+  const LargeBuffer buffer(room);
+  const std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)> inflater(
+      libdeflate_alloc_decompressor(), &libdeflate_free_decompressor);
+  if (!buffer || !inflater) return true;
+  size_t given = 0;
+  return libdeflate_zlib_decompress(inflater.get(), data.data(), data.size(), buffer.data(), room, &given) ==
+         LIBDEFLATE_INSUFFICIENT_SPACE;
 }
 
 bool PngReader::isBomb(std::string_view file) {

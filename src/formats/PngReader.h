@@ -14,6 +14,9 @@ namespace quillmere {
 /// checksum, data too short or too long, an order of chunks that is not allowed.
 namespace PngReader {
 
+/// Deflate's best: a back reference of 258 bytes in two bits.
+inline constexpr int kBestCompression = 1032;
+
 std::optional<QImage> read(std::string_view file);
 
 /// The same picture made smaller, as `Downscaler` does, where it has a side above `maxPixels`; without memory for the
@@ -26,6 +29,10 @@ bool canRead(std::string_view file);
 /// Whether the header promises more than the file can hold however well it was compressed. Such a file is refused
 /// before memory is taken for its picture.
 bool isBomb(std::string_view file);
+
+/// Whether far more data are compressed in it than its picture has. The general reader unpacks them all, to its end; it
+/// is asked of much data only, for the answer costs as much as reading them.
+bool hasEndlessData(std::string_view file);
 
 }  // namespace PngReader
 }  // namespace quillmere

@@ -27,6 +27,11 @@ void ManualExecutor::cancelDelay(DelayID delay) {
 }
 
 void ManualExecutor::runInBackground(std::function<void()> work, std::function<void()> done) {
+  if (answersAtOnce_ && !holdsBackground_) {
+    work();
+    done();
+    return;
+  }
   background_.push_back({std::move(work), std::move(done)});
 }
 

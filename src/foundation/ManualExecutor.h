@@ -27,6 +27,8 @@ class ManualExecutor final : public Executor {
   /// Keeps background work waiting until `runHeldBackground`, so that a test can act while it is under way.
   void holdBackground() { holdsBackground_ = true; }
   void runHeldBackground();
+  /// Background work is over before whoever asks for it goes on, unless it is held: a disk that never lets one wait.
+  void answerAtOnce() { answersAtOnce_ = true; }
 
   size_t pendingDelays() const { return delays_.size(); }
   size_t heldBackground() const { return background_.size(); }
@@ -50,6 +52,7 @@ class ManualExecutor final : public Executor {
   std::deque<std::function<void()>> posted_;
   std::deque<Work> background_;
   bool holdsBackground_ = false;
+  bool answersAtOnce_ = false;
 };
 
 }  // namespace quillmere

@@ -114,10 +114,12 @@ void UserDefaults::remove(const QString& key) {
 /// What another program has changed in the file meanwhile is kept.
 bool UserDefaults::write(const QString& key, const QJsonValue& value) {
   unwritten_[key] = value;
-  if (const auto present = readObject(file_)) values_ = *present;
+  const auto present = readObject(file_);
+  if (present) values_ = *present;
   // An undefined value removes its key.
   for (const auto& [name, change] : unwritten_) values_[name] = change;
-  if (!writeObject(file_, values_)) return false;
+  // What stands there already needs no disk to be waited for.
+  if (present != values_ && !writeObject(file_, values_)) return false;
   unwritten_ = {};
   return true;
 }

@@ -74,16 +74,23 @@ bool InboxPresentation::isSubject(const RenameSession& session) const {
   return item && item->url == session.url && !model_.unavailableItemIDs->contains(session.id);
 }
 
-bool InboxPresentation::commitRename(const RenameSession& session) {
-  if (!*renameSession || (*renameSession)->token != session.token) return false;
-  cancelRename();
+Task<bool> InboxPresentation::commitRename(const RenameSession& session) {
+  const bool isOpen = *renameSession && (*renameSession)->token == session.token;
+  if (isOpen) cancelRename();
   // A name that is not text is shown with signs that are not in it: left as it was shown, it stays as it is.
-  if (!isSubject(session) || session.text == session.name) return false;
-  if (!model_.rename(session.id, session.text, ErrorScope::inbox)) return false;
-  const ScreenshotItem* renamed = model_.items().find(session.id);
-  if (!renamed || renamed->url.displayStem() == session.name) return false;
-  model_.announce(localized("Renamed to %@.", {renamed->url.displayStem()}), AnnouncementPriority::low);
-  return true;
+  const bool isWanted = isOpen && isSubject(session) && session.text != session.name;
+  return rename(model_.weak(), session, isWanted);
+}
+
+Task<bool> InboxPresentation::rename(Weak<AppModel> model, RenameSession session, bool isWanted) {
+  if (!isWanted) co_return false;
+  const auto renaming = model->rename(session.id, session.text, ErrorScope::inbox);
+  const bool isRenamed = co_await renaming;
+  if (!isRenamed || !model) co_return false;
+  const ScreenshotItem* renamed = model->items().find(session.id);
+  if (!renamed || renamed->url.displayStem() == session.name) co_return false;
+  model->announce(localized("Renamed to %@.", {renamed->url.displayStem()}), AnnouncementPriority::low);
+  co_return true;
 }
 
 // --- Deletion ---
@@ -125,7 +132,7 @@ void InboxPresentation::confirmDeletion() {
     requestDeletion(items, reason);
     return;
   }
-  model_.disposeConfirmed(items, stamps, reason);
+  model_.disposeConfirmed(items, stamps, reason).detach();
 }
 
 void InboxPresentation::cancelDeletion() {

@@ -110,7 +110,7 @@ class InboxPresentation {
   void setRenameText(const QString& text);
   /// Renames, if `session` is the one that is open and its file still the one that it began with. Answers whether the
   /// file has another name now.
-  bool commitRename(const RenameSession& session);
+  Task<bool> commitRename(const RenameSession& session);
   void cancelRename() { renameSession.set(std::nullopt); }
 
   // --- Deletion ---
@@ -136,6 +136,7 @@ class InboxPresentation {
 
  private:
   bool isSubject(const RenameSession& session) const;
+  static Task<bool> rename(Weak<AppModel> model, RenameSession session, bool isWanted);
   std::vector<ScreenshotItem> itemsInQuestion() const;
   void setExtracting(const UUID& id, bool isExtracting);
   void reportSkips(const std::map<TextExtractionSkip, int>& skips);

@@ -53,7 +53,7 @@ void NameField::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_Enter: {
       InboxPresentation::RenameSession session = session_;
       session.text = text();
-      presentation_.commitRename(session);
+      presentation_.commitRename(session).detach();
       break;
     }
     case Qt::Key_Escape:

@@ -7,6 +7,16 @@
 namespace quillmere {
 namespace {
 
+/// Certain of short plain names alone.
+bool needsNoCleaning(std::string_view stem) {
+  constexpr size_t kShort = 100;
+  if (stem.empty() || stem.size() > kShort || stem.front() == ' ' || stem.back() == ' ') return false;
+  const auto isPlain = [](char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ' ' || c == '-';
+  };
+  return std::all_of(stem.begin(), stem.end(), isPlain) && stem.find("  ") == std::string_view::npos;
+}
+
 using Command = ScreenshotCommand;
 
 QList<QKeySequence> keysOf(Command command) {
@@ -197,7 +207,7 @@ void ScreenshotActionsMenu::perform(Command command) const {
       presentation_->beginRename(*only);
       break;
     case Command::useSuggestedName:
-      model_->applySuggestedNames(renamable(), ErrorScope::inbox);
+      model_->applySuggestedNames(renamable(), ErrorScope::inbox).detach();
       break;
     case Command::moveAndRename:
       model_->moveAndRename(only->id);
@@ -275,8 +285,13 @@ bool ScreenshotActionsMenu::canMarkTemporary(const ScreenshotItem& item) const {
 
 bool ScreenshotActionsMenu::canUseSuggestedName(const ScreenshotItem& item) const {
   if (!item.suggestedName || !item.imageDescription || !isReachable(item)) return false;
-  const auto stem = sanitizedFileStem(QString::fromUtf8(*item.suggestedName));
-  return stem && stem->toStdString() != item.url.stem();
+  const std::string present = item.url.stem();
+  // Nearly all that have been given their names, of ten thousand that are asked about together.
+  const auto& suggested = *item.suggestedName;
+  const bool isSame = std::string_view(suggested.constData(), static_cast<size_t>(suggested.size())) == present;
+  if (isSame && needsNoCleaning(present)) return false;
+  const auto stem = sanitizedFileStem(QString::fromUtf8(suggested));
+  return stem && stem->toStdString() != present;
 }
 
 bool ScreenshotActionsMenu::canDownload(const ScreenshotItem& item) const {

@@ -42,16 +42,20 @@ bool AnalysisPipeline::needsAnalysis(const ScreenshotItem& item) {
 // --- Jobs ---
 
 void AnalysisPipeline::start(const std::vector<UUID>& ids) {
-  std::vector<std::pair<UUID, UUID>> begun;
+  std::vector<UUID> begun;
+  std::vector<UUID> tokens;
   for (const UUID& id : ids) {
     if (jobs_.contains(id)) continue;
     const UUID token = UUID::createUuid();
     jobs_[id] = Job{token, {}, {}};
-    begun.emplace_back(id, token);
+    begun.push_back(id);
+    tokens.push_back(token);
   }
   if (begun.empty()) return;
-  tellAnalyzing();
-  for (const auto& [id, token] : begun) {
+  records_.analyzingChanged(begun, true);
+  for (size_t i = 0; i < begun.size(); ++i) {
+    const UUID id = begun[i];
+    const UUID token = tokens[i];
     if (!isCurrent(id, token)) continue;
     const Task<> task = run(lifetime_.weak(this), id, token);
     // It may have run to its end, and another one may have begun.
@@ -59,31 +63,41 @@ void AnalysisPipeline::start(const std::vector<UUID>& ids) {
   }
 }
 
-void AnalysisPipeline::cancel(const UUID& id) {
+void AnalysisPipeline::cancel(const std::vector<UUID>& ids) {
+  std::vector<Job> jobs;
+  std::vector<Recognition> recognitions;
+  std::vector<UUID> ended;
   // Taken out first: what is cancelled runs on and looks whether it is still wanted.
-  const auto job = jobs_.extract(id);
-  const auto recognition = recognitions_.extract(id);
-  if (job) {
-    job.mapped().task.cancel();
-    job.mapped().attempt.cancel();
-    tellAnalyzing();
+  for (const UUID& id : ids) {
+    if (auto job = jobs_.extract(id)) {
+      jobs.push_back(std::move(job.mapped()));
+      ended.push_back(id);
+    }
+    if (auto recognition = recognitions_.extract(id)) recognitions.push_back(std::move(recognition.mapped()));
   }
-  if (recognition) {
-    recognition.mapped().task.cancel();
-    recognition.mapped().reading.cancel();
+  for (const Job& job : jobs) {
+    job.task.cancel();
+    job.attempt.cancel();
+  }
+  if (!ended.empty()) records_.analyzingChanged(ended, false);
+  for (const Recognition& recognition : recognitions) {
+    recognition.task.cancel();
+    recognition.reading.cancel();
   }
 }
 
 void AnalysisPipeline::cancelAll() {
-  const bool wasAnalyzing = !jobs_.empty();
-  dropAll();
-  if (wasAnalyzing) tellAnalyzing();
+  const auto ended = dropAll();
+  if (!ended.empty()) records_.analyzingChanged(ended, false);
 }
 
-void AnalysisPipeline::dropAll() {
+/// Gives whose jobs there were.
+std::vector<UUID> AnalysisPipeline::dropAll() {
   const auto jobs = std::exchange(jobs_, {});
   const auto recognitions = std::exchange(recognitions_, {});
+  std::vector<UUID> ended;
   for (const auto& [id, job] : jobs) {
+    ended.push_back(id);
     job.task.cancel();
     job.attempt.cancel();
   }
@@ -91,6 +105,7 @@ void AnalysisPipeline::dropAll() {
     recognition.task.cancel();
     recognition.reading.cancel();
   }
+  return ended;
 }
 
 bool AnalysisPipeline::isCurrent(const UUID& id, const UUID& token) const {
@@ -101,13 +116,7 @@ bool AnalysisPipeline::isCurrent(const UUID& id, const UUID& token) const {
 void AnalysisPipeline::finish(const UUID& id, const UUID& token) {
   if (!isCurrent(id, token)) return;
   jobs_.erase(id);
-  tellAnalyzing();
-}
-
-void AnalysisPipeline::tellAnalyzing() {
-  UUIDSet ids;
-  for (const auto& [id, job] : jobs_) ids.insert(id);
-  records_.analyzingChanged(ids);
+  records_.analyzingChanged(std::vector<UUID>{id}, false);
 }
 
 /// It ends at the first wait after which it is not wanted any more.
@@ -228,7 +237,7 @@ Task<std::optional<QString>> AnalysisPipeline::recognize(Weak<AnalysisPipeline> 
   self->recognitions_.erase(id);
   if (text && self->records_.find(id)) {
     self->records_.change(id, [&](ScreenshotItem& record) { record.recognizedText = text->toUtf8(); });
-    self->records_.saveRecords();
+    self->records_.saveRecordsSoon();
   }
   co_return text;
 }

@@ -18,9 +18,9 @@ class AnalysisRecords {
   virtual ~AnalysisRecords() = default;
   virtual const ScreenshotItem* find(const UUID& id) const = 0;
   virtual void change(const UUID& id, const std::function<void(ScreenshotItem&)>& change) = 0;
-  virtual void saveRecords() = 0;
   virtual void saveRecordsSoon() = 0;
-  virtual void analyzingChanged(const UUIDSet& ids) = 0;
+  /// Of these, no others.
+  virtual void analyzingChanged(const std::vector<UUID>& ids, bool isAnalyzing) = 0;
   virtual void unavailabilityChanged(const std::optional<AnalysisError>& error) = 0;
   virtual void foreignServerChanged(const std::optional<ForeignModelServer>& server) = 0;
 };
@@ -40,7 +40,9 @@ class AnalysisPipeline {
 
   /// Begins a job for each record that has none.
   void start(const std::vector<UUID>& ids);
-  void cancel(const UUID& id);
+  void cancel(const UUID& id) { cancel(std::vector<UUID>{id}); }
+  /// Followers are told of all at once.
+  void cancel(const std::vector<UUID>& ids);
   void cancelAll();
   bool isAnalyzing(const UUID& id) const { return jobs_.contains(id); }
 
@@ -77,8 +79,7 @@ class AnalysisPipeline {
   void apply(const UUID& id, const DescribeOutcome& outcome);
   void setUnavailability(const std::optional<AnalysisError>& error);
   double waitSeconds(const AnalysisError& busy) const;
-  void tellAnalyzing();
-  void dropAll();
+  std::vector<UUID> dropAll();
 
   ScreenshotAnalyzing& analyzer_;
   Executor& executor_;

@@ -1,6 +1,7 @@
 #include "model/AppModel.h"
 
 #include <algorithm>
+#include <array>
 
 #include "foundation/FileStatus.h"
 
@@ -24,13 +25,14 @@ AppModel::AppModel(AppModelDependencies dependencies)
   items_ = ScreenshotList(std::move(loaded.items));
   recordsReadOnly_ = loaded.isReadOnly;
   if (recordsReadOnly_) backgroundIssue.set(BackgroundIssue{BackgroundIssue::Kind::recordsReadOnly});
+  saver_.onEnd = [this](bool isSaved, ListSaver::Cause cause) { saveEnded(isSaved, cause); };
+  saver_.onPendingChanged = [this] { followSaving(); };
   refreshLoginItemStatus();
   dependencies_.monitor->setIncludesNonCaptureImages(*settings_.includesNonCaptureImages);
   wireMonitor();
 }
 
 AppModel::~AppModel() {
-  saveTask_.cancel();
   locationCheckTask_.cancel();
   itemAccessTask_.cancel();
   // The monitor outlives the model and must not call it any more.
@@ -55,7 +57,7 @@ void AppModel::start() {
   didStart_ = true;
   popupAutoSaveScheduler_.configure([this](const UUID& id) { return isPopupPaused(id); },
                                     [this](const UUID& id) { popupTimedOut(id); });
-  expirationScheduler_.start([this](const UUID& id) { expireOne(id); }, [this] { saveAfterExpiry(); });
+  expirationScheduler_.start([this](const UUID& id) { expireOne(id); }, [this] { expireDue(); });
   transfers_.removeLeftCopies();
   restoreWatchFolder();
   replacement_.finishBegun(*watchFolderURL);
@@ -190,55 +192,59 @@ void AppModel::announce(const QString& text, AnnouncementPriority priority) cons
 
 // --- Saving ---
 
+ListSaver::Services AppModel::saverServices() const {
+  Executor* disk = dependencies_.disk ? dependencies_.disk : dependencies_.executor;
+  return {dependencies_.executor, disk, [files = dependencies_.fileOperations] { files->flush(); },
+          dependencies_.recordStore.fileURL};
+}
+
+bool AppModel::canSave() {
+  if (recordsReadOnly_) backgroundIssue.set(BackgroundIssue{BackgroundIssue::Kind::recordsReadOnly});
+  return !recordsReadOnly_;
+}
+
 void AppModel::saveNow() {
-  saveTask_.cancel();
-  setSaveTask({});
-  if (recordsReadOnly_) {
-    backgroundIssue.set(BackgroundIssue{BackgroundIssue::Kind::recordsReadOnly});
-    return;
-  }
-  if (!trySaving()) backgroundIssue.set(BackgroundIssue{BackgroundIssue::Kind::recordsNotSaved});
+  if (canSave()) saver_.save();
 }
 
-/// Without a word of a failure, which has been told: a banner that was dismissed stays away.
-bool AppModel::trySaving() {
-  constexpr int kMostDoublings = 5;
-  // After a power cut the list may be older than the files, never newer: a file that the list tells gone would come
-  // back.
-  dependencies_.fileOperations->flush();
-  if (!listWriter_.save(items_, dependencies_.recordStore.fileURL)) {
-    const Duration pause = std::chrono::seconds(1 << std::min(failedSaves_++, kMostDoublings));
-    setSaveTask(saveAgain(lifetime_.weak(this), pause));
-    return false;
-  }
-  failedSaves_ = 0;
-  if (*backgroundIssue == BackgroundIssue{BackgroundIssue::Kind::recordsNotSaved}) backgroundIssue.set(std::nullopt);
-  return true;
-}
-
-Task<> AppModel::saveAgain(Weak<AppModel> self, Duration pause) {
-  auto waiting = self->dependencies_.executor->sleep(pause);
-  const bool elapsed = co_await waiting;
-  if (!elapsed || !self) co_return;
-  self->setSaveTask({});
-  self->trySaving();
+void AppModel::saveInStream() {
+  constexpr Duration kPause = std::chrono::seconds(1);
+  if (canSave()) saver_.saveInStream(kPause);
 }
 
 void AppModel::scheduleSave() {
-  if (!saveTask_) setSaveTask(saveLater(lifetime_.weak(this)));
+  if (canSave()) saver_.saveWithin(dependencies_.saveCoalescingDelay);
 }
 
-void AppModel::setSaveTask(Task<> task) {
-  const bool wasPending = hasPendingSave();
-  saveTask_ = std::move(task);
-  if (hasPendingSave() != wasPending) changed(ModelChange{ModelField::unsavedWork});
+Task<bool> AppModel::whenSaved() {
+  return runWhenSaved(lifetime_.weak(this));
 }
 
-/// Counted from the first change, so that a steady stream is saved too.
-Task<> AppModel::saveLater(Weak<AppModel> self) {
-  auto pause = self->dependencies_.executor->sleep(self->dependencies_.saveCoalescingDelay);
-  const bool elapsed = co_await pause;
-  if (elapsed && self) self->saveNow();
+Task<bool> AppModel::runWhenSaved(Weak<AppModel> self) {
+  if (self->recordsReadOnly_) co_return false;
+  auto saving = self->saver_.whenSaved();
+  const SaveOutcome outcome = co_await saving;
+  co_return outcome == SaveOutcome::saved;
+}
+
+void AppModel::saveEnded(bool isSaved, ListSaver::Cause cause) {
+  using Kind = BackgroundIssue::Kind;
+  if (isSaved) {
+    if (*backgroundIssue == BackgroundIssue{Kind::recordsNotSaved}) backgroundIssue.set(std::nullopt);
+  } else if (cause == ListSaver::Cause::asked) {
+    // A failure that has been told is not told again: a banner that was dismissed stays away.
+    backgroundIssue.set(BackgroundIssue{Kind::recordsNotSaved});
+  }
+}
+
+void AppModel::followSaving() {
+  const BackgroundIssue waiting{BackgroundIssue::Kind::recordsWaiting};
+  if (isDiskSlow()) {
+    if (!*backgroundIssue) backgroundIssue.set(waiting);
+  } else if (*backgroundIssue == waiting) {
+    backgroundIssue.set(std::nullopt);
+  }
+  changed(ModelChange{ModelField::unsavedWork});
 }
 
 // --- Records ---
@@ -281,14 +287,26 @@ void AppModel::insertNewest(ScreenshotItem item) {
 }
 
 void AppModel::setMember(Field<UUIDSet>& set, const UUID& id, bool isMember) {
-  if (set->contains(id) == isMember) return;
-  UUIDSet next = *set;
-  if (isMember) {
-    next.insert(id);
-  } else {
-    next.erase(id);
-  }
-  set.set(std::move(next));
+  setMembers(set, std::array{id}, isMember);
 }
+
+/// In its place: thousands that come and go one by one would else copy the rest each time.
+template <typename IDs>
+void AppModel::setMembers(Field<UUIDSet>& set, const IDs& ids, bool isMember) {
+  set.modify([&](UUIDSet& members) {
+    const size_t before = members.size();
+    for (const UUID& id : ids) {
+      if (isMember) {
+        members.insert(id);
+      } else {
+        members.erase(id);
+      }
+    }
+    return members.size() != before;
+  });
+}
+
+template void AppModel::setMembers(Field<UUIDSet>& set, const std::vector<UUID>& ids, bool isMember);
+template void AppModel::setMembers(Field<UUIDSet>& set, const UUIDSet& ids, bool isMember);
 
 }  // namespace quillmere

@@ -14,9 +14,14 @@
 #include "model/CloudDownloads.h"
 #include "model/ExpirationScheduler.h"
 #include "model/ExpiryRetries.h"
+#include "model/FileDisposal.h"
+#include "model/FileExpiry.h"
+#include "model/FileRenaming.h"
 #include "model/FileReplacement.h"
 #include "model/FileStamp.h"
+#include "model/FileWorker.h"
 #include "model/FolderAccess.h"
+#include "model/ListSaver.h"
 #include "model/Messages.h"
 #include "model/PictureTransfers.h"
 #include "model/PopupAutoSaveScheduler.h"
@@ -29,7 +34,6 @@
 #include "model/WindowExtractionRun.h"
 #include "records/MoveJournal.h"
 #include "records/ScreenshotList.h"
-#include "records/ScreenshotListWriter.h"
 #include "records/ScreenshotNaming.h"
 
 namespace quillmere {
@@ -56,13 +60,20 @@ class AppModel : private AnalysisRecords,
 
   // --- Frame, messages, saving: AppModel.cpp ---
   void start();
-  /// Writes the list now. A failure is the banner, and is tried again with growing pauses.
+  /// Has the list written in the background, as it is now or later. A failure is the banner, and is tried again with
+  /// growing pauses.
   void saveNow();
+  /// The same for what may come in thousands; all of it together about once a second.
+  void saveInStream();
   /// Writes the list soon; for streams of small changes.
   void scheduleSave();
-  bool hasPendingSave() const { return static_cast<bool>(saveTask_); }
+  /// Awaited by whoever must not go on before the list of now is on the disk: false when that failed.
+  Task<bool> whenSaved();
+  bool hasPendingSave() const { return saver_.isPending(); }
   /// False after a save that failed, until one succeeds.
-  bool isSaved() const { return failedSaves_ == 0; }
+  bool isSaved() const { return saver_.isSaved(); }
+  /// The disk has not answered for seconds. Followed by `ModelField::unsavedWork`.
+  bool isDiskSlow() const { return saver_.isSlow(); }
   bool isRecordsReadOnly() const { return recordsReadOnly_; }
 
   const ScreenshotList& items() const { return items_; }
@@ -81,6 +92,7 @@ class AppModel : private AnalysisRecords,
   Field<UUIDSet> iCloudItemIDs{changed, ModelField::iCloudItemIDs};
   Field<UUIDMap<DownloadState>> downloadStates{changed, ModelField::downloadStates};
   Field<UUIDSet> analyzingIDs{changed, ModelField::analyzingIDs};
+  Field<UUIDSet> leavingPrompts{changed, ModelField::leavingPrompts};
   Field<std::optional<AnalysisError>> intelligenceUnavailability{changed, ModelField::intelligenceUnavailability};
   /// Another person's model server that is used, or that could be if it were allowed.
   Field<std::optional<ForeignModelServer>> foreignModelServer{changed, ModelField::foreignModelServer};
@@ -148,6 +160,8 @@ class AppModel : private AnalysisRecords,
   void resolvePrompts(const UUIDSet& ids);
   /// The popup's close button: the record stays pending, and the next screenshot comes up.
   void dismissPrompt();
+  /// Decided, and in the popup only until that is saved, or for a moment. Followed by `ModelField::leavingPrompts`.
+  bool isLeavingPrompt(const UUID& id) const { return leavingPrompts->contains(id); }
   /// Gives the popup the keyboard, filling the queue first if it is empty.
   void reviewPending(FocusNews news);
 
@@ -156,8 +170,8 @@ class AppModel : private AnalysisRecords,
   bool isReconciling() const { return reconciliations_.isRunning(); }
 
   // --- Decisions: AppModelDecisions.cpp ---
-  /// Both decide at once, unless an extracted window must take the screenshot's place first; where that fails nothing
-  /// is decided.
+  /// Both decide at once, unless an extracted window must take the screenshot's place first, where nothing is decided
+  /// if that fails, or the file must get its name.
   Task<> markTemporary(UUID id, TemporaryDuration duration, std::optional<QString> name = {});
   Task<> keepPrompt(UUID id, std::optional<QString> name = {});
   void markTemporaryBatch(const std::vector<UUID>& ids, TemporaryDuration duration);
@@ -179,21 +193,18 @@ class AppModel : private AnalysisRecords,
 
   // --- Disposal: AppModelDisposal.cpp ---
   enum class DisposalReason { chosen, expired, deleteImmediately };
-  enum class TrashOutcome { removed, notTracked, inUse, replaced, failed, unreachable };
   enum class ChosenDisposal { done, declined, refused };
   /// What the person chose on any surface. Where that deletes, it asks first; until the answer the record can neither
   /// expire nor be disposed of from elsewhere. A refusal is shown in `scope`.
-  ChosenDisposal disposeChosen(const UUID& id, ErrorScope scope);
-  /// A file that is not any more what it was when it was `asked` about, by its stamp where there is one, stays, and
-  /// that is shown.
-  void disposeItem(const ScreenshotItem& item, ErrorScope scope, DisposalReason reason,
-                   const UUIDMap<FileStamp>& asked = {});
-  void disposeBatch(const std::vector<ScreenshotItem>& items, ErrorScope scope, DisposalReason reason,
-                    const UUIDMap<FileStamp>& asked = {});
+  Task<ChosenDisposal> disposeChosen(UUID id, ErrorScope scope);
+  /// Done when the files are thrown away and that is saved. A file that is not any more what it was when it was `asked`
+  /// about, by its stamp where there is one, stays, and that is shown.
+  Task<> disposeItem(ScreenshotItem item, ErrorScope scope, DisposalReason reason, UUIDMap<FileStamp> asked = {});
+  Task<> disposeBatch(std::vector<ScreenshotItem> items, ErrorScope scope, DisposalReason reason,
+                      UUIDMap<FileStamp> asked = {});
   /// What the person confirmed in the Inbox.
-  void disposeConfirmed(const std::vector<ScreenshotItem>& items, const UUIDMap<FileStamp>& asked,
-                        DisposalReason reason) {
-    disposeBatch(items, ErrorScope::inbox, reason, asked);
+  Task<> disposeConfirmed(std::vector<ScreenshotItem> items, UUIDMap<FileStamp> asked, DisposalReason reason) {
+    return disposeBatch(std::move(items), ErrorScope::inbox, reason, std::move(asked));
   }
   /// While a record's file is open in the program it cannot be disposed of, and its time does not run out: until it was
   /// unprotected as often as it was protected.
@@ -205,16 +216,16 @@ class AppModel : private AnalysisRecords,
   void clearRecords();
 
   // --- Renaming: AppModelRenaming.cpp ---
-  enum class RenameOutcome { renamed, unchanged, unavailable, failed };
+  enum class RenameOutcome { renamed, unchanged, unavailable, failed, unknown };
   /// Answers false when there is no such record and when the file system refused, which is shown in `scope`.
-  bool rename(const UUID& id, const QString& name, ErrorScope scope);
+  Task<bool> rename(UUID id, QString name, ErrorScope scope);
   /// Gives each the name suggested from its image, where it has one. Failures are told together.
-  void applySuggestedNames(const std::vector<UUID>& ids, ErrorScope scope);
+  Task<> applySuggestedNames(std::vector<UUID> ids, ErrorScope scope);
 
   // --- Moving: AppModelMoving.cpp ---
   /// Asks where to, and moves the file there. Moving keeps it.
   void moveAndRename(UUID id);
-  void move(const UUID& id, const FileURL& destination);
+  Task<> move(UUID id, FileURL destination);
 
   // --- Crops: AppModelCrops.cpp ---
   FileStamp stampOf(const FileURL& url) const { return fileStamp(url, dependencies_.fileIdentity); }
@@ -240,12 +251,12 @@ class AppModel : private AnalysisRecords,
   /// Writes that part as a new file into the watched folder, with a record of its own, also when the record of its
   /// `source` is gone. Gives why it failed, in words.
   Task<Result<UUID, QString>> saveAsNew(ScreenshotItem source, QImage image, QRectF rect);
-  /// A crop is being written that would be lost with the program.
-  bool isWritingCrops() const { return cropsBeingWritten_ > 0; }
+  /// A crop is being written that would be lost with the program, or files are being thrown away, renamed or moved.
+  bool isWritingFiles() const { return cropsBeingWritten_ > 0 || fileWorker_.isBusy(); }
   /// Something would be lost with the program. Followed by `ModelField::unsavedWork`.
-  bool hasUnsavedWork() const { return hasPendingSave() || isWritingCrops(); }
-  /// None is being written any more.
-  std::function<void()> onCropsWritten;
+  bool hasUnsavedWork() const { return hasPendingSave() || isWritingFiles(); }
+  /// Nothing of that is under way any more.
+  std::function<void()> onFilesWritten;
   /// Puts that part on the clipboard as a PNG; answers whether it could.
   Task<bool> copyCrop(QImage image, QRectF rect) { return transfers_.copyCrop(std::move(image), rect); }
 
@@ -309,14 +320,15 @@ class AppModel : private AnalysisRecords,
 
  private:
   // AppModel.cpp
+  ListSaver::Services saverServices() const;
   void wireMonitor();
   void observeSystem();
   void finishStart();
   void updateSystemPause();
-  void setSaveTask(Task<> task);
-  static Task<> saveLater(Weak<AppModel> self);
-  static Task<> saveAgain(Weak<AppModel> self, Duration pause);
-  bool trySaving();
+  bool canSave();
+  static Task<bool> runWhenSaved(Weak<AppModel> self);
+  void saveEnded(bool isSaved, ListSaver::Cause cause);
+  void followSaving();
   /// The only way to change a record; answers whether it became another.
   bool updateItem(size_t index, const std::function<void(ScreenshotItem&)>& change);
   /// `changes` only changes records; followers are told of all of them at once, so that nobody follows ten thousand
@@ -325,6 +337,8 @@ class AppModel : private AnalysisRecords,
   void insertNewest(ScreenshotItem item);
   void forgetInIndex(const ScreenshotItem& item);
   static void setMember(Field<UUIDSet>& set, const UUID& id, bool isMember);
+  template <typename IDs>
+  static void setMembers(Field<UUIDSet>& set, const IDs& ids, bool isMember);
 
   // AppModelPrompts.cpp
   std::vector<UUID> pendingPrompts() const;
@@ -353,7 +367,12 @@ class AppModel : private AnalysisRecords,
   static Task<> runMarkTemporary(Weak<AppModel> self, UUID id, TemporaryDuration duration, std::optional<QString> name);
   static Task<> runKeepPrompt(Weak<AppModel> self, UUID id, std::optional<QString> name);
   bool isUndecided(const UUID& id) const;
-  void renameBeforeDecision(const UUID& id, const QString& name);
+  static Task<> leavePrompt(Weak<AppModel> self, UUID id);
+  /// A decision about it is being carried out that takes time.
+  bool isBeingDecided(const UUID& id) const;
+  void beginDeciding(const UUID& id);
+  void endDeciding(const UUID& id);
+  static Task<> leavePopupSoon(Weak<AppModel> self, UUID id);
   void makeTemporary(size_t index, TemporaryDuration duration, Date moment);
   void keepItem(size_t index);
 
@@ -365,21 +384,47 @@ class AppModel : private AnalysisRecords,
   std::optional<QString> timeoutName(const ScreenshotItem& item) const;
 
   // AppModelDisposal.cpp
-  TrashOutcome dispose(const UUID& id, bool deletes, const UUIDMap<FileStamp>& asked = {});
   bool deletes(DisposalReason reason) const;
-  bool isReplaced(const ScreenshotItem& item) const;
-  bool hasChanged(const ScreenshotItem& item, const UUIDMap<FileStamp>& asked) const;
+  static Task<ChosenDisposal> runChosenDisposal(Weak<AppModel> self, UUID id, ErrorScope scope);
+  static Task<> runItemDisposal(Weak<AppModel> self, ScreenshotItem item, ErrorScope scope, DisposalReason reason,
+                                UUIDMap<FileStamp> asked);
+  static Task<TrashOutcome> runDisposal(Weak<AppModel> self, ScreenshotItem item, ErrorScope scope,
+                                        DisposalReason reason, UUIDMap<FileStamp> asked);
+  static Task<> runBatchDisposal(Weak<AppModel> self, std::vector<ScreenshotItem> items, ErrorScope scope,
+                                 DisposalReason reason, UUIDMap<FileStamp> asked);
+  static Task<std::vector<TrashOutcome>> runDisposals(Weak<AppModel> self, std::vector<UUID> ids, bool deletes,
+                                                      UUIDMap<FileStamp> asked);
+  TrashOutcome prepareDisposal(const UUID& id, bool deletes, const UUIDMap<FileStamp>& asked,
+                               std::vector<DisposalJob>& jobs);
+  void adoptDisposals(const std::vector<DisposalJob>& jobs, const std::vector<TrashOutcome>& done,
+                      const std::vector<UUID>& ids, std::vector<TrashOutcome>& outcomes);
+  void tellOf(TrashOutcome outcome, const ScreenshotItem& item, ErrorScope scope, bool isDeleting);
+  void tellOfAll(const std::vector<TrashOutcome>& outcomes, ErrorScope scope, bool isDeleting);
   void adoptReplacement(const UUID& id);
   void showReplaced(ErrorScope scope, const FileURL& url);
 
   // AppModelRenaming.cpp
-  RenameOutcome renameItem(size_t index, const QString& name);
+  struct Renamed {
+    RenameOutcome outcome = RenameOutcome::unknown;
+    FileURL before;
+    bool hasMoved = false;  ///< its file has another place
+  };
+  static Task<Renamed> renameItem(Weak<AppModel> self, UUID id, QString name);
+  static Task<bool> runRename(Weak<AppModel> self, UUID id, QString name, ErrorScope scope);
+  static Task<> renameBeforeDecision(Weak<AppModel> self, UUID id, QString name);
+  static Task<> runSuggestedNames(Weak<AppModel> self, std::vector<UUID> ids, ErrorScope scope);
+  std::optional<QString> suggestedStem(const UUID& id) const;
   bool isOfARecord(const FileIdentity& identity);
-  NumberedSearchResult moveToStem(const FileURL& url, const QString& stem);
+  void adoptName(size_t index, const RenameReport& report, bool isAnother);
+  void adoptMovedPlace(size_t index, const ResolvedBookmark& place);
 
   // AppModelMoving.cpp
-  bool adoptMove(size_t index, const FileURL& url);
+  static Task<> runMove(Weak<AppModel> self, UUID id, FileURL destination);
+  void adoptMove(size_t index, const FileURL& url, const std::optional<FileIdentity>& identity,
+                 const std::optional<QByteArray>& bookmark);
   void finishMoves();
+  static Task<> forgetFinishedMoves(Weak<AppModel> self, std::vector<BegunMove> moves);
+  static Task<> forgetMoves(Weak<AppModel> self, std::vector<BegunMove> moves);
   static bool isMovedFile(const ScreenshotItem& item, const FileURL& url);
 
   // AppModelCrops.cpp
@@ -396,6 +441,11 @@ class AppModel : private AnalysisRecords,
   void endWritingCrop();
   void fileWasReplaced(const UUID& id) override;
   void fileWasPutAt(const UUID& id, const FileURL& url) override;
+  Task<bool> whenReplacedIsSaved() override { return whenSaved(); }
+  Task<FileWorker::Hold> claimFile(const UUID& id) override {
+    const std::vector<UUID> only(1, id);
+    return claimFiles(lifetime_.weak(this), only);
+  }
   UUID addDerived(const FileURL& url, const UUID& source);
 
   // AppModelExtraction.cpp
@@ -415,9 +465,10 @@ class AppModel : private AnalysisRecords,
   void startMissingAnalysis();
   const ScreenshotItem* find(const UUID& id) const override { return items_.find(id); }
   void change(const UUID& id, const std::function<void(ScreenshotItem&)>& change) override;
-  void saveRecords() override { saveNow(); }
   void saveRecordsSoon() override { scheduleSave(); }
-  void analyzingChanged(const UUIDSet& ids) override { analyzingIDs.set(ids); }
+  void analyzingChanged(const std::vector<UUID>& ids, bool isAnalyzing) override {
+    setMembers(analyzingIDs, ids, isAnalyzing);
+  }
   void foreignServerChanged(const std::optional<ForeignModelServer>& server) override {
     foreignModelServer.set(server);
   }
@@ -438,10 +489,18 @@ class AppModel : private AnalysisRecords,
   static Task<> refreshEveryItemAccess(Weak<AppModel> self);
   void openItemAccess(size_t index, const std::optional<ResolvedBookmark>& bookmarked);
 
+  // Work on files in the background: AppModelFileWork.cpp
+  static Task<FileWorker::Hold> claimFiles(Weak<AppModel> self, std::vector<UUID> ids, std::set<FileURL> places = {},
+                                           std::optional<QString> stem = {});
+  FileClaim claimOf(const std::vector<UUID>& ids, const std::set<FileURL>& places,
+                    const std::optional<QString>& stem) const;
+  bool isInWork(const FileURL& url, const std::optional<FileIdentity>& identity);
+  void fileWorkEnded();
+  void noteWriting();
+
   // Files that are elsewhere now: AppModelFollowing.cpp
   bool followRename(const FileURL& url, const FileIdentity& identity);
   void updateLocation(size_t index, const FileURL& url, const std::optional<FileURL>& scopedURL);
-  std::optional<FileURL> relocateByBookmark(size_t index);
   void moveRecords(const FileURL& from, const FileURL& to);
 
   // AppModelScreenshotLocation.cpp
@@ -456,13 +515,16 @@ class AppModel : private AnalysisRecords,
 
   // AppModelExpiry.cpp
   void expireOne(const UUID& id);
-  void saveAfterExpiry();
-  void expireMissing(size_t index);
-  void expirePresent(size_t index);
+  void expireDue();
+  static Task<> runExpiries(Weak<AppModel> self, std::vector<UUID> ids);
+  bool canExpireNow(const UUID& id);
+  void prepareExpiry(const UUID& id, std::vector<ExpiryJob>& jobs);
+  void adoptExpiry(const ExpiryJob& job, const ExpiryReport& report, UUIDSet& forgotten);
+  void adoptMissing(size_t index, bool isAbsent, UUIDSet& forgotten);
   void retryUnreachable(const UUID& id);
   void recordExpirationFailure(const UUID& id);
   void tellOfKept();
-  void forget(const UUID& id);
+  void forget(const UUIDSet& ids);
   void refreshExpirationBanner();
 
   AppModelDependencies dependencies_;
@@ -471,7 +533,7 @@ class AppModel : private AnalysisRecords,
   std::vector<size_t>* gathered_ = nullptr;  ///< the records that are being changed together
   PromptQueue prompts_;
   WindowExtractionRun extraction_;
-  ScreenshotListWriter listWriter_;
+  ListSaver saver_{saverServices(), items_};
   FileReplacement replacement_{dependencies_, items_, *this};
   int cropsBeingWritten_ = 0;
   MoveJournal moveJournal_{dependencies_.recordStore.fileURL.parent().appending("moving.json")};
@@ -479,8 +541,6 @@ class AppModel : private AnalysisRecords,
   bool recordsReadOnly_ = false;
   bool didStart_ = false;
   bool isRecovering_ = false;  ///< arrivals wait, so that the lost run's screenshots come back oldest first
-  Task<> saveTask_;
-  int failedSaves_ = 0;  ///< since one succeeded
   std::optional<HotKeyRegistering::Token> hotKeyToken_;
   bool hotKeysSuspended_ = false;
   std::vector<Connection> observers_;
@@ -504,6 +564,33 @@ class AppModel : private AnalysisRecords,
   PictureTransfers transfers_{dependencies_, items_, *this};
 
   UUIDMap<int> protectedItems_;
+  /// What is being carried out about a record, and what is to follow.
+  struct Deciding {
+    int count = 0;
+    Task<> leaving = {};  ///< until its popup has waited long enough
+    bool hasLeftPopup = false;
+    bool isKept = false;  ///< the person wants to keep it, if it still is there
+  };
+  struct DecisionGuard {
+    DecisionGuard(Weak<AppModel> model, const UUID& id) : model_(std::move(model)), id_(id) {
+      model_->beginDeciding(id_);
+    }
+    DecisionGuard(const DecisionGuard&) = delete;
+    DecisionGuard& operator=(const DecisionGuard&) = delete;
+    ~DecisionGuard() {
+      if (model_) model_->endDeciding(id_);
+    }
+
+   private:
+    Weak<AppModel> model_;
+    UUID id_;
+  };
+  UUIDMap<Deciding> deciding_;
+  FileWorker fileWorker_{*dependencies_.executor, [this] { fileWorkEnded(); }};
+  std::vector<std::pair<FileURL, Origin>> laterArrivals_;  ///< of files that are being worked on
+  UUIDSet laterLooks_;                                     ///< were looked at while they were being worked on
+  bool isToldWriting_ = false;
+  std::vector<UUID> due_;  ///< their time is up, all at once
   ExpiryRetries expiryRetries_{dependencies_.unavailableRetryDelay};
   bool expiryChangedRecords_ = false;
 

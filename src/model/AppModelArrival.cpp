@@ -11,6 +11,10 @@ void AppModel::record(const FileURL& url, Origin origin) {
     dependencies_.monitor->noteUnknown(url);
     return;
   }
+  if (isInWork(url, identity)) {
+    laterArrivals_.emplace_back(url, origin);
+    return;
+  }
   const auto known = recordIndex().atPath(pathKeyOf(url));
   if (known && !hasLeft(*known, identity)) {
     // A run that found the old file gone before this one came must not take the record away.
@@ -40,7 +44,7 @@ void AppModel::record(const FileURL& url, Origin origin) {
   if (arrivedFromElsewhere) refreshCloudMembership(id, url);
   refreshBookmark(0, std::nullopt);
   refreshItemAccess(0, std::nullopt);
-  saveNow();
+  saveInStream();
   if (arrivedFromElsewhere) return;
   if (!isRecovering_) enqueuePrompt(id);
   if (*settings_.analyzeScreenshots) startAnalysis(id);

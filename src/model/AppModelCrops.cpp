@@ -51,9 +51,9 @@ Task<Result<AppModel::OpenedPicture, OperationError>> AppModel::runOpening(Weak<
                                                                 isDataless = self->dependencies_.isDataless] {
     // Reading it would download it.
     if (isDataless(url)) return Result<QImage, OperationError>(OperationError::unreadable);
-    QImage image = pictures->picture(url, *isStopped);
-    if (image.isNull()) return Result<QImage, OperationError>(OperationError::unreadable);
-    return Result<QImage, OperationError>(std::move(image));
+    auto picture = pictures->picture(url, *isStopped);
+    if (!picture) return Result<QImage, OperationError>(ImageOperations::operationError(picture.reason()));
+    return Result<QImage, OperationError>(*std::move(picture));
   };
   auto reading = self->dependencies_.executor->background(work);
   const auto image = co_await reading;
@@ -99,13 +99,13 @@ Task<std::optional<QString>> AppModel::runReplacing(Weak<AppModel> self, UUID id
 }
 
 void AppModel::beginWritingCrop() {
-  if (cropsBeingWritten_++ == 0) changed(ModelChange{ModelField::unsavedWork});
+  ++cropsBeingWritten_;
+  noteWriting();
 }
 
 void AppModel::endWritingCrop() {
-  if (--cropsBeingWritten_ > 0) return;
-  changed(ModelChange{ModelField::unsavedWork});
-  if (onCropsWritten) onCropsWritten();
+  --cropsBeingWritten_;
+  noteWriting();
 }
 
 void AppModel::fileWasPutAt(const UUID& id, const FileURL& url) {

@@ -1,15 +1,65 @@
+#include <algorithm>
+
 #include "model/AppModel.h"
 
 namespace quillmere {
+
+bool AppModel::isBeingDecided(const UUID& id) const {
+  return deciding_.contains(id) || extraction_.isSaving(id);
+}
 
 bool AppModel::isUndecided(const UUID& id) const {
   const ScreenshotItem* item = items_.find(id);
   return item && item->state == ScreenshotItem::State::pending;
 }
 
-/// The popup goes on to the next screenshot at once, and takes with it what it says: the Inbox says it, too.
-void AppModel::renameBeforeDecision(const UUID& id, const QString& name) {
-  if (!rename(id, name, ErrorScope::popup)) inboxError.set(*promptError);
+// --- While a decision is carried out ---
+
+/// Nothing else is decided about the record until `endDeciding`, and its popup waits for it only so long.
+void AppModel::beginDeciding(const UUID& id) {
+  Deciding& decision = deciding_[id];
+  const auto& queue = *prompts_.queue;
+  const bool isInPopup = std::find(queue.begin(), queue.end(), id) != queue.end();
+  if (decision.count++ == 0 && isInPopup) decision.leaving = leavePopupSoon(lifetime_.weak(this), id);
+}
+
+Task<> AppModel::leavePopupSoon(Weak<AppModel> self, UUID id) {
+  constexpr Duration kLongestWait = std::chrono::milliseconds(250);
+  auto pause = self->dependencies_.executor->sleep(kLongestWait);
+  const bool elapsed = co_await pause;
+  if (!elapsed || !self) co_return;
+  self->deciding_.at(id).hasLeftPopup = true;
+  self->resolvePrompts({id});
+}
+
+void AppModel::endDeciding(const UUID& id) {
+  const auto found = deciding_.find(id);
+  if (found == deciding_.end() || --found->second.count > 0) return;
+  const Deciding decision = std::move(found->second);
+  deciding_.erase(found);
+  decision.leaving.cancel();
+  if (!items_.find(id)) return;
+  if (decision.isKept) keepBatch({id});
+  // Nothing came of it: the person is asked again.
+  if (decision.hasLeftPopup && isUndecided(id) && !unavailableItemIDs->contains(id)) enqueuePrompt(id);
+}
+
+/// What leaves the screen at once is on the disk: a disk that takes longer than a moment is not waited for, and what it
+/// has not got yet comes back as a popup when the program is killed.
+Task<> AppModel::leavePrompt(Weak<AppModel> self, UUID id) {
+  constexpr Duration kLongest = std::chrono::milliseconds(250);
+  self->popupAutoSaveScheduler_.drop(id);
+  self->saveNow();
+  if (!self->recordsReadOnly_ && self->prompts_.front() == id) {
+    auto saving = self->saver_.whenSaved(kLongest);
+    if (!saving.await_ready()) {
+      setMember(self->leavingPrompts, id, true);
+      co_await saving;
+      if (!self) co_return;
+      setMember(self->leavingPrompts, id, false);
+    }
+  }
+  self->resolvePrompts({id});
 }
 
 Task<> AppModel::markTemporary(UUID id, TemporaryDuration duration, std::optional<QString> name) {
@@ -18,17 +68,21 @@ Task<> AppModel::markTemporary(UUID id, TemporaryDuration duration, std::optiona
 
 Task<> AppModel::runMarkTemporary(Weak<AppModel> self, UUID id, TemporaryDuration duration,
                                   std::optional<QString> name) {
-  if (!self->isUndecided(id)) co_return;
+  if (!self->isUndecided(id) || self->isBeingDecided(id)) co_return;
   const auto committing = self->commitPromptExtraction(id);
   const bool isCommitted = co_await committing;
   if (!isCommitted || !self || !self->isUndecided(id)) co_return;
-  if (name) self->renameBeforeDecision(id, *name);
+  const DecisionGuard guard(self, id);
+  if (name) {
+    const auto renaming = renameBeforeDecision(self, id, *name);
+    co_await renaming;
+    if (!self) co_return;
+  }
   // Its file turned out to have been moved away by the person, which keeps it.
   if (!self->isUndecided(id)) co_return;
   self->settings_.lastTemporaryDuration.choose(duration);
   self->makeTemporary(*self->items_.indexOf(id), duration, self->now());
-  self->resolvePrompts({id});
-  self->saveNow();
+  leavePrompt(self, id).detach();
 }
 
 void AppModel::markTemporaryBatch(const std::vector<UUID>& ids, TemporaryDuration duration) {
@@ -36,7 +90,7 @@ void AppModel::markTemporaryBatch(const std::vector<UUID>& ids, TemporaryDuratio
   for (const UUID& id : ids) {
     const ScreenshotItem* item = items_.find(id);
     // The decision that is being carried out in the popup came first.
-    if (!item || extraction_.isSaving(id) || unavailableItemIDs->contains(id)) continue;
+    if (!item || isBeingDecided(id) || unavailableItemIDs->contains(id)) continue;
     if (item->state == ScreenshotItem::State::pending) decided.insert(id);
   }
   if (decided.empty()) return;
@@ -73,16 +127,20 @@ Task<> AppModel::keepPrompt(UUID id, std::optional<QString> name) {
 }
 
 Task<> AppModel::runKeepPrompt(Weak<AppModel> self, UUID id, std::optional<QString> name) {
-  if (!self->isUndecided(id)) co_return;
+  if (!self->isUndecided(id) || self->isBeingDecided(id)) co_return;
   const auto committing = self->commitPromptExtraction(id);
   const bool isCommitted = co_await committing;
   if (!isCommitted || !self || !self->isUndecided(id)) co_return;
-  if (name) self->renameBeforeDecision(id, *name);
+  const DecisionGuard guard(self, id);
+  if (name) {
+    const auto renaming = renameBeforeDecision(self, id, *name);
+    co_await renaming;
+    if (!self) co_return;
+  }
   const auto index = self->items_.indexOf(id);
   if (!index) co_return;
   self->keepItem(*index);
-  self->resolvePrompts({id});
-  self->saveNow();
+  leavePrompt(self, id).detach();
 }
 
 void AppModel::keepBatch(const std::vector<UUID>& ids) {
@@ -90,7 +148,9 @@ void AppModel::keepBatch(const std::vector<UUID>& ids) {
   changeTogether([&] {
     for (const UUID& id : ids) {
       const auto index = items_.indexOf(id);
-      if (!index || extraction_.isSaving(id) || unavailableItemIDs->contains(id)) continue;
+      // It counts if nothing comes of what is being done.
+      if (const auto decision = deciding_.find(id); decision != deciding_.end()) decision->second.isKept = true;
+      if (!index || isBeingDecided(id) || unavailableItemIDs->contains(id)) continue;
       if (items_[*index].state == ScreenshotItem::State::permanent) continue;
       keepItem(*index);
       kept.insert(id);

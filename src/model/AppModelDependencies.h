@@ -33,6 +33,7 @@ struct TrashReport {
   std::optional<FileURL> place;  ///< where the file lies now, if that is known
   QString reason;                ///< the system's own words for a failure
 };
+/// Any thread.
 class FileOperations {
  public:
   virtual ~FileOperations() = default;
@@ -53,7 +54,8 @@ class FileOperations {
   /// may be under way.
   virtual void finishMove(const FileURL& /*from*/, const FileURL& /*to*/) {}
   virtual FileOutcome remove(const FileURL& url) = 0;
-  /// Makes all of the above survive a power cut. Called before anything is written that tells of it.
+  /// Makes all of the above survive a power cut. Called before anything is written that tells of it. Any thread, also
+  /// during the above.
   virtual void flush() {}
 };
 
@@ -128,6 +130,7 @@ class Announcing {
 struct AppModelDependencies {
   ScreenshotRecordStore recordStore;
   Executor* executor = nullptr;
+  Executor* disk = nullptr;  ///< saves the list, so that nothing else waits for it; `executor` where there is none
   UserDefaults* defaults = nullptr;
   FileOperations* fileOperations = nullptr;
   SecurityScopeAccess* securityScope = nullptr;

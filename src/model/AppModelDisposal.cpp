@@ -19,53 +19,6 @@ bool AppModel::deletes(DisposalReason reason) const {
   return false;
 }
 
-AppModel::TrashOutcome AppModel::dispose(const UUID& id, bool deletes, const UUIDMap<FileStamp>& asked) {
-  if (protectedItems_.contains(id)) return TrashOutcome::inUse;
-  const ScreenshotItem* item = items_.find(id);
-  if (!item) return TrashOutcome::notTracked;
-  const FileURL url = item->url;
-  // What another disk has under this name is not ours.
-  if (!dependencies_.isVolumeMounted(url)) {
-    setMember(unavailableItemIDs, id, true);
-    return TrashOutcome::unreachable;
-  }
-  if (isReplaced(*item) || hasChanged(*item, asked)) return TrashOutcome::replaced;
-  FileOperations& files = *dependencies_.fileOperations;
-  switch (deletes ? files.remove(url) : files.trash(url)) {
-    case FileOutcome::done:
-      return TrashOutcome::removed;
-    case FileOutcome::missing:
-      break;
-    case FileOutcome::destinationExists:
-    case FileOutcome::failed:
-      return TrashOutcome::failed;
-  }
-  // A sync client has put a placeholder in its stead: the screenshot still is.
-  if (dependencies_.isDataless(url)) return TrashOutcome::failed;
-  // Gone by hand, if its folder can be seen; otherwise it may come back with its disk.
-  if (dependencies_.isFolderReachable(url.parent())) return TrashOutcome::removed;
-  setMember(unavailableItemIDs, id, true);
-  return TrashOutcome::unreachable;
-}
-
-/// Whether something else than the record's file stands in its place.
-bool AppModel::isReplaced(const ScreenshotItem& item) const {
-  const auto status = fileStatus(item.url);
-  if (!status) return false;
-  if (!status->isRegular()) return true;
-  const auto present = dependencies_.fileIdentity(item.url);
-  return item.fileIdentity && present && item.fileIdentity->isComplete() && present->isComplete() &&
-         !present->isSameInode(*item.fileIdentity);
-}
-
-/// Whether the file is not any more what it was when the person was asked about it.
-bool AppModel::hasChanged(const ScreenshotItem& item, const UUIDMap<FileStamp>& asked) const {
-  const auto stamp = asked.find(item.id);
-  if (stamp == asked.end()) return false;
-  const FileStamp present = stampOf(item.url);
-  return present != stamp->second && present.identity;
-}
-
 /// The person is asked again, now about the file that is there. That its predecessor was Temporary says nothing of it.
 void AppModel::adoptReplacement(const UUID& id) {
   const auto index = items_.indexOf(id);
@@ -88,33 +41,36 @@ void AppModel::adoptReplacement(const UUID& id) {
   saveNow();
 }
 
-AppModel::ChosenDisposal AppModel::disposeChosen(const UUID& id, ErrorScope scope) {
-  const ScreenshotItem* item = items_.find(id);
-  if (!item) return ChosenDisposal::declined;
+Task<AppModel::ChosenDisposal> AppModel::disposeChosen(UUID id, ErrorScope scope) {
+  return runChosenDisposal(lifetime_.weak(this), id, scope);
+}
+
+Task<AppModel::ChosenDisposal> AppModel::runChosenDisposal(Weak<AppModel> self, UUID id, ErrorScope scope) {
+  const ScreenshotItem* item = self->items_.find(id);
+  // The decision that is being carried out came first.
+  if (!item || self->isBeingDecided(id)) co_return ChosenDisposal::declined;
   const ScreenshotItem chosen = *item;
-  const auto stampNow = [&] { return fileStamp(chosen.url, dependencies_.fileIdentity); };
-  const bool isInPopup = scope == ErrorScope::popup && shownFile_ && shownFile_->first == id;
-  const bool isAsked = deletes(DisposalReason::chosen);
-  const FileStamp shown = isInPopup ? shownFile_->second : isAsked ? stampNow() : FileStamp();
-  if (isAsked) {
-    // The window that did not ask is still there to be clicked.
-    if (!inQuestion_.insert(chosen.id).second) return ChosenDisposal::declined;
-    protect(chosen.id);
-    const bool isConfirmed = dependencies_.confirmDeletion(chosen.url.displayName());
-    unprotect(chosen.id);
-    inQuestion_.erase(chosen.id);
-    if (!isConfirmed) return ChosenDisposal::declined;
-  }
+  const bool isInPopup = scope == ErrorScope::popup && self->shownFile_ && self->shownFile_->first == id;
   // What was written or put there since the person looked is not what was decided about.
-  const FileStamp present = isInPopup || isAsked ? stampNow() : shown;
-  if (present != shown && present.identity && items_.find(id)) {
-    if (isInPopup) shownFile_->second = present;
-    adoptReplacement(id);
-    showReplaced(scope, chosen.url);
-    return ChosenDisposal::refused;
+  UUIDMap<FileStamp> asked;
+  if (isInPopup) asked[id] = self->shownFile_->second;
+  if (self->deletes(DisposalReason::chosen)) {
+    if (!isInPopup) asked[id] = self->stampOf(chosen.url);
+    // The window that did not ask is still there to be clicked.
+    if (!self->inQuestion_.insert(id).second) co_return ChosenDisposal::declined;
+    self->protect(id);
+    const bool isConfirmed = self->dependencies_.confirmDeletion(chosen.url.displayName());
+    if (!self) co_return ChosenDisposal::declined;
+    self->unprotect(id);
+    self->inQuestion_.erase(id);
+    if (!isConfirmed) co_return ChosenDisposal::declined;
   }
-  disposeItem(chosen, scope, DisposalReason::chosen);
-  return items_.find(chosen.id) ? ChosenDisposal::refused : ChosenDisposal::done;
+  const auto disposing = runDisposal(self, chosen, scope, DisposalReason::chosen, asked);
+  const TrashOutcome outcome = co_await disposing;
+  if (!self) co_return ChosenDisposal::done;
+  const bool isShown = isInPopup && self->shownFile_ && self->shownFile_->first == id;
+  if (outcome == TrashOutcome::replaced && isShown) self->shownFile_->second = self->stampOf(chosen.url);
+  co_return self->items_.find(id) ? ChosenDisposal::refused : ChosenDisposal::done;
 }
 
 void AppModel::showReplaced(ErrorScope scope, const FileURL& url) {
@@ -122,23 +78,42 @@ void AppModel::showReplaced(ErrorScope scope, const FileURL& url) {
        localized("“%@” has changed since it was shown. Look at it again, then decide.", {url.displayName()}));
 }
 
-void AppModel::disposeItem(const ScreenshotItem& item, ErrorScope scope, DisposalReason reason,
-                           const UUIDMap<FileStamp>& asked) {
+// --- One ---
+
+Task<> AppModel::disposeItem(ScreenshotItem item, ErrorScope scope, DisposalReason reason, UUIDMap<FileStamp> asked) {
+  return runItemDisposal(lifetime_.weak(this), std::move(item), scope, reason, std::move(asked));
+}
+
+Task<> AppModel::runItemDisposal(Weak<AppModel> self, ScreenshotItem item, ErrorScope scope, DisposalReason reason,
+                                 UUIDMap<FileStamp> asked) {
+  const auto disposing = runDisposal(self, std::move(item), scope, reason, std::move(asked));
+  co_await disposing;
+}
+
+Task<TrashOutcome> AppModel::runDisposal(Weak<AppModel> self, ScreenshotItem item, ErrorScope scope,
+                                         DisposalReason reason, UUIDMap<FileStamp> asked) {
+  const bool isDeleting = self->deletes(reason);
+  const bool isInPopup = self->prompts_.front() == item.id;
+  const std::vector<UUID> only(1, item.id);
+  const auto disposing = runDisposals(self, only, isDeleting, std::move(asked));
+  const auto outcomes = co_await disposing;
+  if (!self) co_return TrashOutcome::notTracked;
+  self->tellOf(outcomes.front(), item, isInPopup ? self->scopeNow(scope, item.id) : scope, isDeleting);
+  co_return outcomes.front();
+}
+
+void AppModel::tellOf(TrashOutcome outcome, const ScreenshotItem& item, ErrorScope scope, bool isDeleting) {
   const ScreenshotItem* present = items_.find(item.id);
-  const QString name = (present ? *present : item).url.displayName();
-  const UUID id = item.id;
-  const bool isDeleting = deletes(reason);
+  const FileURL url = (present ? *present : item).url;
+  const QString name = url.displayName();
   const QString title = isDeleting ? localized("Couldn’t Delete") : localized("Couldn’t Move to Trash");
-  switch (dispose(id, isDeleting, asked)) {
+  switch (outcome) {
     case TrashOutcome::removed:
-      removeRecords({id});
-      saveNow();
-      return;
+    case TrashOutcome::gone:
     case TrashOutcome::notTracked:
       return;
     case TrashOutcome::replaced:
-      adoptReplacement(id);
-      showReplaced(scope, (present ? *present : item).url);
+      showReplaced(scope, url);
       return;
     case TrashOutcome::inUse:
       show(scope, localized("Screenshot Is in Use"),
@@ -162,44 +137,33 @@ void AppModel::disposeItem(const ScreenshotItem& item, ErrorScope scope, Disposa
   }
 }
 
-void AppModel::disposeBatch(const std::vector<ScreenshotItem>& items, ErrorScope scope, DisposalReason reason,
-                            const UUIDMap<FileStamp>& asked) {
-  if (items.size() == 1) {
-    disposeItem(items.front(), scope, reason, asked);
-    return;
-  }
-  const bool isDeleting = deletes(reason);
-  UUIDSet removed;
-  int inUse = 0;
-  int replaced = 0;
-  int failed = 0;
-  int unreachable = 0;
-  for (const ScreenshotItem& item : items) {
-    switch (dispose(item.id, isDeleting, asked)) {
-      case TrashOutcome::removed:
-        removed.insert(item.id);
-        break;
-      case TrashOutcome::notTracked:
-        break;
-      case TrashOutcome::replaced:
-        ++replaced;
-        adoptReplacement(item.id);
-        break;
-      case TrashOutcome::inUse:
-        ++inUse;
-        break;
-      case TrashOutcome::failed:
-        ++failed;
-        break;
-      case TrashOutcome::unreachable:
-        ++unreachable;
-        break;
-    }
-  }
-  if (!removed.empty()) {
-    removeRecords(removed);
-    saveNow();
-  }
+// --- Several ---
+
+Task<> AppModel::disposeBatch(std::vector<ScreenshotItem> items, ErrorScope scope, DisposalReason reason,
+                              UUIDMap<FileStamp> asked) {
+  if (items.size() == 1) return disposeItem(std::move(items.front()), scope, reason, std::move(asked));
+  return runBatchDisposal(lifetime_.weak(this), std::move(items), scope, reason, std::move(asked));
+}
+
+Task<> AppModel::runBatchDisposal(Weak<AppModel> self, std::vector<ScreenshotItem> items, ErrorScope scope,
+                                  DisposalReason reason, UUIDMap<FileStamp> asked) {
+  const bool isDeleting = self->deletes(reason);
+  std::vector<UUID> ids;
+  ids.reserve(items.size());
+  for (const ScreenshotItem& item : items) ids.push_back(item.id);
+  const auto disposing = runDisposals(self, ids, isDeleting, std::move(asked));
+  const auto outcomes = co_await disposing;
+  if (self) self->tellOfAll(outcomes, scope, isDeleting);
+}
+
+void AppModel::tellOfAll(const std::vector<TrashOutcome>& outcomes, ErrorScope scope, bool isDeleting) {
+  const auto count = [&](TrashOutcome outcome) {
+    return static_cast<int>(std::count(outcomes.begin(), outcomes.end(), outcome));
+  };
+  const int inUse = count(TrashOutcome::inUse);
+  const int failed = count(TrashOutcome::failed);
+  const int unreachable = count(TrashOutcome::unreachable);
+  const int replaced = count(TrashOutcome::replaced);
   QStringList sentences;
   if (inUse > 0) sentences << localized("%lld screenshots are open in the crop editor or a save dialog.", {inUse});
   if (failed > 0) {
@@ -221,6 +185,74 @@ void AppModel::disposeBatch(const std::vector<ScreenshotItem>& items, ErrorScope
       sentences.join(QLatin1Char(' ')));
 }
 
+// --- The files ---
+
+/// Gives what became of each, in their order. The records of files that went are forgotten by then, and that is saved.
+Task<std::vector<TrashOutcome>> AppModel::runDisposals(Weak<AppModel> self, std::vector<UUID> ids, bool deletes,
+                                                       UUIDMap<FileStamp> asked) {
+  std::vector<TrashOutcome> outcomes(ids.size(), TrashOutcome::notTracked);
+  const auto claiming = claimFiles(self, ids);
+  const auto hold = co_await claiming;
+  if (!self) co_return outcomes;
+  const auto jobs = std::make_shared<std::vector<DisposalJob>>();
+  for (size_t i = 0; i < ids.size(); ++i) outcomes[i] = self->prepareDisposal(ids[i], deletes, asked, *jobs);
+  if (!jobs->empty()) {
+    for (const DisposalJob& job : *jobs) self->beginDeciding(job.id);
+    const std::function<std::vector<TrashOutcome>()> work = [jobs, services = FileServices::of(self->dependencies_)] {
+      std::vector<TrashOutcome> done;
+      for (const DisposalJob& job : *jobs) done.push_back(disposeFile(job, services));
+      // Here, where nobody waits for the disk.
+      services.operations->flush();
+      return done;
+    };
+    const auto working = self->fileWorker_.run(work);
+    const auto done = co_await working;
+    if (!self) co_return outcomes;
+    self->adoptDisposals(*jobs, done, ids, outcomes);
+  }
+  co_return outcomes;
+}
+
+/// Adds what is to be done about the record's file; what came of it already is the answer.
+TrashOutcome AppModel::prepareDisposal(const UUID& id, bool deletes, const UUIDMap<FileStamp>& asked,
+                                       std::vector<DisposalJob>& jobs) {
+  if (protectedItems_.contains(id)) return TrashOutcome::inUse;
+  const ScreenshotItem* item = items_.find(id);
+  if (!item) return TrashOutcome::notTracked;
+  const auto stamp = asked.find(id);
+  const auto stamped = stamp == asked.end() ? std::nullopt : std::optional(stamp->second);
+  jobs.push_back({id, item->url, item->fileIdentity, stamped, deletes});
+  return TrashOutcome::notTracked;
+}
+
+/// Whatever happened to the records meanwhile, a file that is in Trash is no record's any more.
+void AppModel::adoptDisposals(const std::vector<DisposalJob>& jobs, const std::vector<TrashOutcome>& done,
+                              const std::vector<UUID>& ids, std::vector<TrashOutcome>& outcomes) {
+  UUIDMap<TrashOutcome> present;
+  UUIDSet removed;
+  for (size_t i = 0; i < jobs.size(); ++i) {
+    const UUID& id = jobs[i].id;
+    const ScreenshotItem* item = items_.find(id);
+    TrashOutcome outcome = item ? done[i] : TrashOutcome::notTracked;
+    // The person gave it another name in that moment, which keeps it.
+    if (outcome == TrashOutcome::gone && item->url != jobs[i].url) outcome = TrashOutcome::replaced;
+    if (outcome == TrashOutcome::removed || outcome == TrashOutcome::gone) removed.insert(id);
+    present[id] = outcome;
+  }
+  for (size_t i = 0; i < ids.size(); ++i) {
+    if (const auto found = present.find(ids[i]); found != present.end()) outcomes[i] = found->second;
+  }
+  if (!removed.empty()) {
+    removeRecords(removed);
+    saveNow();
+  }
+  for (const auto& [id, outcome] : present) {
+    if (outcome == TrashOutcome::replaced) adoptReplacement(id);
+    if (outcome == TrashOutcome::unreachable) setMember(unavailableItemIDs, id, true);
+  }
+  for (const DisposalJob& job : jobs) endDeciding(job.id);
+}
+
 void AppModel::clearRecords() {
   UUIDSet all;
   items_.forEach([&](const ScreenshotItem& item) { all.insert(item.id); });
@@ -231,25 +263,20 @@ void AppModel::clearRecords() {
 void AppModel::removeRecords(const UUIDSet& ids) {
   resolvePrompts(ids);
   transfers_.forget(ids);
-  const auto without = [&](const UUIDSet& set) {
-    UUIDSet rest = set;
-    for (const UUID& id : ids) rest.erase(id);
-    return rest;
-  };
-  selectedItemIDs.set(without(*selectedItemIDs));
+  setMembers(selectedItemIDs, ids, false);
   bool failureWent = false;
+  analysis_.cancel(std::vector<UUID>(ids.begin(), ids.end()));
   for (const UUID& id : ids) {
     expirationScheduler_.cancel(id);
-    cancelAnalysis(id);
     access_.closeItem(id);
     endDownload(id);
     failureWent = expiryRetries_.forget(id) || failureWent;
     protectedItems_.erase(id);
     if (const ScreenshotItem* item = items_.find(id)) forgetInIndex(*item);
   }
-  unavailableItemIDs.set(without(*unavailableItemIDs));
-  evictedItemIDs.set(without(*evictedItemIDs));
-  iCloudItemIDs.set(without(*iCloudItemIDs));
+  setMembers(unavailableItemIDs, ids, false);
+  setMembers(evictedItemIDs, ids, false);
+  setMembers(iCloudItemIDs, ids, false);
 
   auto indices = items_.remove(ids);
   if (!indices.empty()) changed(ModelChange{ModelField::items, ModelChange::Rows::removed, std::move(indices)});

@@ -1,134 +1,149 @@
+#include <algorithm>
 #include <utility>
 
-#include "foundation/FileStatus.h"
 #include "model/AppModel.h"
 
 namespace quillmere {
 namespace {
 
-constexpr double kProtectedRetry = 10.0;
-
-/// Whether the file could be looked at closely enough to tell it from another one. What is no regular file has no
-/// identity.
-bool isKnown(const std::optional<FileIdentity>& present, const FileURL& url) {
-  if (present) return present->volume.has_value();
-  const auto status = fileStatus(url);
-  return status && !status->isRegular();
-}
+constexpr double kLaterRetry = 10.0;
 
 }  // namespace
 
 void AppModel::expire(const UUID& id) {
   expireOne(id);
-  saveAfterExpiry();
+  expireDue();
+}
+
+void AppModel::expireOne(const UUID& id) {
+  due_.push_back(id);
 }
 
 /// What fell due together is saved together: a record whose file has gone to the Trash is found out at the next start
 /// even if the program ends before.
-void AppModel::saveAfterExpiry() {
-  if (std::exchange(expiryChangedRecords_, false)) saveNow();
+void AppModel::expireDue() {
+  runExpiries(lifetime_.weak(this), std::exchange(due_, {})).detach();
 }
 
-void AppModel::expireOne(const UUID& id) {
-  if (protectedItems_.contains(id)) {
-    expirationScheduler_.schedule(id, now() + kProtectedRetry);
-    return;
-  }
-  const auto index = items_.indexOf(id);
-  if (!index) return;
-  const ScreenshotItem& item = items_[*index];
-  if (item.state != ScreenshotItem::State::temporary || !item.expiresAt || *item.expiresAt > now()) return;
-  // What another disk in the place of the folder's has under this name is not ours.
-  if (!dependencies_.isVolumeMounted(item.url)) {
-    retryUnreachable(id);
-    return;
-  }
-  if (fileExists(item.url)) {
-    expirePresent(*index);
-  } else {
-    expireMissing(*index);
-  }
-}
-
-void AppModel::expireMissing(size_t index) {
-  const ScreenshotItem item = items_[index];
-  const auto bookmarked = resolveBookmark(*dependencies_.securityScope, item.fileBookmark);
-  if (bookmarked && dependencies_.isInTrash(bookmarked->url)) {
-    forget(item.id);
-    return;
-  }
-  // A screenshot that was moved was wanted.
-  if (const auto moved = relocateByBookmark(index)) {
-    updateLocation(index, *moved, std::nullopt);
-    expiryChangedRecords_ = true;
-    return;
-  }
-  if (dependencies_.monitor->hasMovedOut(item.url)) {
-    noteMovedAway(index);
-    setMember(unavailableItemIDs, item.id, true);
-    expiryChangedRecords_ = true;
-    return;
-  }
-  const bool hasAccess = access_.folder() || access_.item(item.id);
-  // A placeholder stands in its stead: the sync client has the file.
-  const bool isDataless = dependencies_.isDataless(item.url);
-  // Looked at again: a look that was refused does not make it missing, nor one while the disk was away.
-  const FileURL folder = item.url.parent();
-  const bool isMissing =
-      dependencies_.isFolderReachable(folder) && isAbsent(item.url) && dependencies_.isFolderReachable(folder);
-  if (!hasAccess || isDataless || !isMissing) {
-    retryUnreachable(item.id);
-  } else {
-    forget(item.id);
-  }
-}
-
-void AppModel::expirePresent(size_t index) {
-  const ScreenshotItem item = items_[index];
-  // Only what lies in the watched folder is thrown away; a file elsewhere is the person's own.
-  const bool isWatched = access_.folder() && watchFolderPaths_ && watchFolderPaths_->contains(pathKeyOf(item.url));
-  if (!isWatched) {
-    keepItem(index);
-    expiryChangedRecords_ = true;
-    return;
-  }
-  const auto present = dependencies_.fileIdentity(item.url);
-  if (!isKnown(present, item.url)) {
-    retryUnreachable(item.id);
-    return;
-  }
-  using Match = FileIdentity::Match;
-  const Match match = !present             ? Match::different
-                      : !item.fileIdentity ? Match::unknown
-                                           : item.fileIdentity->match(*present);
-  if (match == Match::different) {
-    // Another file has taken this name.
-    if (const auto moved = relocateByBookmark(index)) {
-      updateLocation(index, *moved, std::nullopt);
-      expiryChangedRecords_ = true;
-    } else {
-      forget(item.id);
+Task<> AppModel::runExpiries(Weak<AppModel> self, std::vector<UUID> ids) {
+  constexpr size_t kMostTogether = 100;
+  for (size_t done = 0; done < ids.size(); done += kMostTogether) {
+    const size_t end = std::min(ids.size(), done + kMostTogether);
+    std::vector<UUID> claimed;
+    for (size_t i = done; i < end; ++i) {
+      if (self->canExpireNow(ids[i])) claimed.push_back(ids[i]);
     }
+    if (claimed.empty()) continue;
+    const auto claiming = claimFiles(self, claimed);
+    const auto hold = co_await claiming;
+    if (!self) co_return;
+    const auto jobs = std::make_shared<std::vector<ExpiryJob>>();
+    for (const UUID& id : claimed) self->prepareExpiry(id, *jobs);
+    if (jobs->empty()) continue;
+    for (const ExpiryJob& job : *jobs) self->beginDeciding(job.id);
+    const std::function<std::vector<ExpiryReport>()> work = [jobs, services = FileServices::of(self->dependencies_)] {
+      std::vector<ExpiryReport> reports;
+      for (const ExpiryJob& job : *jobs) reports.push_back(expireFile(job, services));
+      // Here, where nobody waits for the disk.
+      services.operations->flush();
+      return reports;
+    };
+    const auto working = self->fileWorker_.run(work);
+    const auto reports = co_await working;
+    if (!self) co_return;
+    UUIDSet forgotten;
+    for (size_t i = 0; i < jobs->size(); ++i) self->adoptExpiry((*jobs)[i], reports[i], forgotten);
+    if (!forgotten.empty()) self->forget(forgotten);
+    for (const ExpiryJob& job : *jobs) self->endDeciding(job.id);
+  }
+  if (std::exchange(self->expiryChangedRecords_, false)) self->saveNow();
+}
+
+/// What is being done to the file comes first; the record's time is looked at again after it.
+bool AppModel::canExpireNow(const UUID& id) {
+  if (!fileWorker_.isBusy(id)) return true;
+  expirationScheduler_.schedule(id, now() + kLaterRetry);
+  return false;
+}
+
+/// Adds what is to be done about the record's file, unless the program has it open.
+void AppModel::prepareExpiry(const UUID& id, std::vector<ExpiryJob>& jobs) {
+  if (protectedItems_.contains(id)) {
+    expirationScheduler_.schedule(id, now() + kLaterRetry);
     return;
   }
-  // By its name alone nothing is thrown away.
-  if (match == Match::unknown) {
-    keepItem(index);
-    tellOfKept();
+  const ScreenshotItem* item = items_.find(id);
+  if (!item || item->state != ScreenshotItem::State::temporary || !item->expiresAt || *item->expiresAt > now()) return;
+  ExpiryJob job;
+  job.id = id;
+  job.url = item->url;
+  job.identity = item->fileIdentity;
+  job.bookmark = item->fileBookmark;
+  if (access_.folder()) job.watchFolder = watchFolderPaths_;
+  job.deletes = deletes(DisposalReason::expired);
+  jobs.push_back(std::move(job));
+}
+
+/// Whatever happened to the record meanwhile, a file that is in Trash is none's any more. Everything else is true of
+/// the record only as it was.
+void AppModel::adoptExpiry(const ExpiryJob& job, const ExpiryReport& report, UUIDSet& forgotten) {
+  const auto index = items_.indexOf(job.id);
+  if (!index) return;
+  using Outcome = ExpiryReport::Outcome;
+  if (report.outcome == Outcome::removed) {
+    forgotten.insert(job.id);
     return;
   }
-  FileOperations& files = *dependencies_.fileOperations;
-  switch (deletes(DisposalReason::expired) ? files.remove(item.url) : files.trash(item.url)) {
-    case FileOutcome::done:
-      forget(item.id);
+  const ScreenshotItem& item = items_[*index];
+  if (item.state != ScreenshotItem::State::temporary) return;
+  if (item.url != job.url) {
+    expirationScheduler_.schedule(job.id, now() + kLaterRetry);
+    return;
+  }
+  switch (report.outcome) {
+    case Outcome::removed:
       return;
-    case FileOutcome::missing:
-      expireMissing(index);
+    case Outcome::refused:
+      recordExpirationFailure(job.id);
       return;
-    case FileOutcome::destinationExists:
-    case FileOutcome::failed:
-      recordExpirationFailure(item.id);
+    case Outcome::inTrash:
+    case Outcome::replaced:
+      forgotten.insert(job.id);
       return;
+    case Outcome::moved:
+      // A screenshot that was moved was wanted.
+      adoptMovedPlace(*index, *report.place);
+      expiryChangedRecords_ = true;
+      return;
+    case Outcome::absent:
+    case Outcome::unseen:
+      adoptMissing(*index, report.outcome == Outcome::absent, forgotten);
+      return;
+    case Outcome::unreachable:
+      retryUnreachable(job.id);
+      return;
+    case Outcome::elsewhere:
+      keepItem(*index);
+      expiryChangedRecords_ = true;
+      return;
+    case Outcome::untold:
+      keepItem(*index);
+      tellOfKept();
+      return;
+  }
+}
+
+void AppModel::adoptMissing(size_t index, bool isAbsent, UUIDSet& forgotten) {
+  const UUID id = items_[index].id;
+  const bool hasAccess = access_.folder() || access_.item(id);
+  if (dependencies_.monitor->hasMovedOut(items_[index].url)) {
+    noteMovedAway(index);
+    setMember(unavailableItemIDs, id, true);
+    expiryChangedRecords_ = true;
+  } else if (isAbsent && hasAccess) {
+    forgotten.insert(id);
+  } else {
+    retryUnreachable(id);
   }
 }
 
@@ -140,8 +155,8 @@ void AppModel::tellOfKept() {
   expiryChangedRecords_ = true;
 }
 
-void AppModel::forget(const UUID& id) {
-  removeRecords({id});
+void AppModel::forget(const UUIDSet& ids) {
+  removeRecords(ids);
   expiryChangedRecords_ = true;
 }
 

@@ -31,7 +31,7 @@ bool AppModel::followRename(const FileURL& url, const FileIdentity& identity) {
     updateLocation(*index, url, std::nullopt);
     refreshBookmark(*index, oldBookmark);
     refreshItemAccess(*index, std::nullopt);
-    saveNow();
+    saveInStream();
     return true;
   }
   return false;
@@ -59,19 +59,6 @@ void AppModel::updateLocation(size_t index, const FileURL& url, const std::optio
     resolvePrompts({id});
   }
   refreshItemAccess(index, scopedURL);
-}
-
-std::optional<FileURL> AppModel::relocateByBookmark(size_t index) {
-  const ScreenshotItem& item = items_[index];
-  const auto resolved = resolveBookmark(*dependencies_.securityScope, item.fileBookmark);
-  if (!resolved || dependencies_.isInTrash(resolved->url) || pathKeyOf(resolved->url) == pathKeyOf(item.url) ||
-      !fileExists(resolved->url)) {
-    return std::nullopt;
-  }
-  if (resolved->refreshed) {
-    updateItem(index, [&](ScreenshotItem& record) { record.fileBookmark = resolved->refreshed; });
-  }
-  return resolved->url;
 }
 
 void AppModel::moveRecords(const FileURL& from, const FileURL& to) {

@@ -12,6 +12,7 @@ const ScreenshotItem* AppModel::promptedItem() const {
 std::vector<UUID> AppModel::pendingPrompts() const {
   std::vector<const ScreenshotItem*> pending;
   items_.forEach([&](const ScreenshotItem& item) {
+    if (isBeingDecided(item.id)) return;
     if (item.state == ScreenshotItem::State::pending && !unavailableItemIDs->contains(item.id)) {
       pending.push_back(&item);
     }
@@ -35,7 +36,7 @@ void AppModel::resolvePrompts(const UUIDSet& ids) {
 void AppModel::dismissPrompt() {
   const auto front = prompts_.front();
   // A decision that is being carried out can't be waved away any more.
-  if (front && !extraction_.isSaving(*front)) resolvePrompts({*front});
+  if (front && !isBeingDecided(*front)) resolvePrompts({*front});
 }
 
 void AppModel::reviewPending(FocusNews news) {

@@ -67,6 +67,10 @@ void AppModel::applyRun(const ReconcileRun& run, const ReconcileRequest& request
     const auto index = items_.indexOf(input.id);
     // A record that changed during the run knows better.
     if (outcome == run.outcomes.end() || !index || items_[*index].url != input.url) continue;
+    if (fileWorker_.isBusy(input.id)) {
+      laterLooks_.insert(input.id);
+      continue;
+    }
     const bool isGone = std::holds_alternative<FileGone>(outcome->second);
     // A new file has taken the name during the run, and its arrival was taken for the known one.
     if (isGone && reconciliations_.hasArrived(input.id)) continue;

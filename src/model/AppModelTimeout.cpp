@@ -14,11 +14,11 @@ void AppModel::restartCountdown() {
 }
 
 bool AppModel::isPopupPaused(const UUID& id) const {
-  if (protectedItems_.contains(id)) return true;
+  if (protectedItems_.contains(id) || fileWorker_.isBusy(id)) return true;
   if (promptNameEdit_ && promptNameEdit_->id == id && (promptNameEdit_->isEdited || promptNameEdit_->isFocused)) {
     return true;
   }
-  if (extraction_.isSeeking(id) || extraction_.isSaving(id)) return true;
+  if (extraction_.isSeeking(id) || isBeingDecided(id)) return true;
   if (prompts_.front() != id) return false;
   return dependencies_.promptPresenter->isPointerEngaged() || promptError->has_value();
 }
@@ -41,8 +41,17 @@ Task<> AppModel::keepAfterTimeout(Weak<AppModel> self, UUID id) {
   if (extractionFailure && extraction && extraction->itemID == id) self->extraction_.clear();
 
   using Kind = BackgroundIssue::Kind;
-  const size_t index = *self->items_.indexOf(id);
-  const RenameOutcome renamed = name ? self->renameItem(index, *name) : RenameOutcome::unchanged;
+  const DecisionGuard guard(self, id);
+  RenameOutcome renamed = RenameOutcome::unchanged;
+  if (name) {
+    const auto renaming = renameItem(self, id, *name);
+    const Renamed outcome = co_await renaming;
+    if (!self) co_return;
+    renamed = outcome.outcome;
+  }
+  const auto found = self->items_.indexOf(id);
+  if (!found) co_return;
+  const size_t index = *found;
   const bool hasFailed = renamed == RenameOutcome::failed || renamed == RenameOutcome::unavailable;
   self->updateItem(index, [](ScreenshotItem& item) {
     item.state = ScreenshotItem::State::permanent;
@@ -54,8 +63,7 @@ Task<> AppModel::keepAfterTimeout(Weak<AppModel> self, UUID id) {
     self->backgroundIssue.set(BackgroundIssue{Kind::automaticRenameFailed});
   }
   self->expirationScheduler_.cancel(id);
-  self->resolvePrompts({id});
-  self->saveNow();
+  leavePrompt(self, id).detach();
 }
 
 /// A typed name, else the suggested one where the settings ask for it; none keeps the file's own.

@@ -65,6 +65,11 @@ Task<std::optional<QString>> FileReplacement::run(Weak<FileReplacement> self, UU
   };
   auto writing = self->dependencies_.executor->background(work);
   const auto temporary = co_await writing;
+  FileWorker::Hold hold;
+  if (self) {
+    const auto claiming = self->records_.claimFile(id);
+    hold = co_await claiming;
+  }
   if (!self) {
     std::error_code ignored;  // the next start removes it
     if (temporary) std::filesystem::remove(temporary->path(), ignored);
@@ -90,10 +95,10 @@ std::optional<QString> FileReplacement::putInPlace(const UUID& id, const FileURL
   const auto status = fileStatus(temporary);
   if (!status) return description(OperationError::encoding);
 
+  const Replacement note{id, original, temporary, status->inode};
   std::vector<Replacement> begun = journal_.load();
-  begun.push_back({id, original, temporary, status->inode});
+  begun.push_back(note);
   if (!journal_.save(begun)) return description(OperationError::encoding);
-  begun.pop_back();
 
   FileOperations& files = *dependencies_.fileOperations;
   TrashReport trashed;
@@ -111,8 +116,9 @@ std::optional<QString> FileReplacement::putInPlace(const UUID& id, const FileURL
     reason = refusal;
   }
   if (!reason) records_.fileWasReplaced(id);
-  files.flush();
-  journal_.save(begun);
+  // Otherwise the save of the list that tells of it has it flushed first.
+  if (reason) files.flush();
+  forget(lifetime_.weak(this), {note}).detach();
   return reason;
 }
 
@@ -139,16 +145,25 @@ void FileReplacement::takeBack(const UUID& id, const FileURL& original, const Fi
 
 void FileReplacement::finishBegun(const std::optional<FileURL>& watchFolder) {
   std::vector<Replacement> left;
-  for (const Replacement& one : journal_.load()) {
-    if (!finish(one)) left.push_back(one);
-  }
+  std::vector<Replacement> over;
+  for (const Replacement& one : journal_.load()) (finish(one) ? over : left).push_back(one);
   dependencies_.fileOperations->flush();
-  journal_.save(left);
+  forget(lifetime_.weak(this), std::move(over)).detach();
   // Records have their files in other folders, too.
   std::set<FileURL> folders;
   if (watchFolder) folders.insert(*watchFolder);
   items_.forEach([&](const ScreenshotItem& item) { folders.insert(item.url.parent()); });
   sweep_ = sweep(*dependencies_.executor, std::move(folders), left);
+}
+
+/// Not before the list tells what has come of them: a start that finds a note tells it again.
+Task<> FileReplacement::forget(Weak<FileReplacement> self, std::vector<Replacement> over) {
+  const auto saving = self->records_.whenReplacedIsSaved();
+  const bool isSaved = co_await saving;
+  if (!isSaved || !self) co_return;
+  std::vector<Replacement> left = self->journal_.load();
+  std::erase_if(left, [&](const Replacement& one) { return std::find(over.begin(), over.end(), one) != over.end(); });
+  self->journal_.save(left);
 }
 
 /// False where that cannot be done yet.

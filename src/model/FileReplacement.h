@@ -9,6 +9,7 @@
 #include "foundation/Weak.h"
 #include "model/AppModelDependencies.h"
 #include "model/FileStamp.h"
+#include "model/FileWorker.h"
 #include "records/ReplacementJournal.h"
 #include "records/ScreenshotList.h"
 
@@ -21,10 +22,14 @@ class ReplacedRecords {
   /// The record's file stays where it is until as many calls of `unprotect`.
   virtual void protect(const UUID& id) = 0;
   virtual void unprotect(const UUID& id) = 0;
+  /// Nothing else is done to the record's file as long as the hold is held.
+  virtual Task<FileWorker::Hold> claimFile(const UUID& id) = 0;
   /// Another picture stands in the place of the record's file, of which nothing is known yet.
   virtual void fileWasReplaced(const UUID& id) = 0;
   /// The record's file has another name now.
   virtual void fileWasPutAt(const UUID& id, const FileURL& url) = 0;
+  /// Whether what was told above is on the disk; awaited by whoever forgets a note of it.
+  virtual Task<bool> whenReplacedIsSaved() = 0;
 };
 
 /// Puts a crop in the place of its original, which goes to Trash. Between the original's leaving and the crop's coming
@@ -51,6 +56,7 @@ class FileReplacement {
   bool isAnother(const FileURL& placeInTrash, const FileStamp& readFrom) const;
   void takeBack(const UUID& id, const FileURL& original, const FileURL& placeInTrash);
   bool finish(const Replacement& one);
+  static Task<> forget(Weak<FileReplacement> self, std::vector<Replacement> over);
 
   const AppModelDependencies& dependencies_;
   const ScreenshotList& items_;

@@ -18,6 +18,8 @@ QString message(const BackgroundIssue& issue) {
       return localized("A screenshot was kept whole because the window extracted from it couldn’t be saved.");
     case BackgroundIssue::Kind::recordsNotSaved:
       return localized("Quillmere couldn’t save its screenshot list. Recent changes may be lost when Quillmere quits.");
+    case BackgroundIssue::Kind::recordsWaiting:
+      return localized("Quillmere is waiting for the disk to save its screenshot list.");
     case BackgroundIssue::Kind::recordsReadOnly:
       return localized(
           "Quillmere couldn’t back up its screenshot list, so it isn’t saving changes. Free up disk space, then "

@@ -26,6 +26,7 @@ struct BackgroundIssue {
     automaticRenameFailed,
     automaticExtractionFailed,
     recordsNotSaved,
+    recordsWaiting,  ///< the disk does not answer
     recordsReadOnly,
   };
   Kind kind;

@@ -49,6 +49,7 @@ enum class ModelField {
   intelligenceUnavailability,
   foreignModelServer,
   promptQueue,
+  leavingPrompts,
   promptFocusRequest,
   promptContentGeneration,
   promptWindowExtraction,
@@ -81,6 +82,14 @@ class Published {
   bool set(T value) {
     if (value == value_) return false;
     value_ = std::move(value);
+    changed_(Change{field_});
+    return true;
+  }
+
+  /// Changes a large value in its place; `change` answers whether it did.
+  template <typename Apply>
+  bool modify(Apply change) {
+    if (!change(value_)) return false;
     changed_(Change{field_});
     return true;
   }

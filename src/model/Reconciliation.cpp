@@ -1,8 +1,10 @@
 #include "model/Reconciliation.h"
 
+#include <atomic>
 #include <unordered_map>
 
 #include "foundation/FileStatus.h"
+#include "model/ReconciliationWork.h"
 
 namespace quillmere {
 namespace {
@@ -30,11 +32,11 @@ class Resolver {
 
  private:
   ReconcileOutcome find(const ReconcileInput& input) {
-    if (environment_.isInTrash(input.url)) return FileGone{};
+    if (isInTrash(input.url)) return FileGone{};
     // Another disk in the place of the folder's has files of its own, perhaps under the same names.
     if (isInWatchFolder(input.url) && !isDiskThere()) return FileUnavailable{};
     const auto bookmarked = resolveBookmark(*environment_.scope, input.bookmark);
-    if (bookmarked && environment_.isInTrash(bookmarked->url)) return FileGone{};
+    if (bookmarked && isInTrash(bookmarked->url)) return FileGone{};
     const bool isTaken = isAnothers(input);
     if (bookmarked && !(isTaken && bookmarked->url == input.url)) {
       if (auto found = lookAtScoped(*bookmarked)) return *found;
@@ -56,6 +58,15 @@ class Resolver {
       return FileGone{};
     }
     return FileUnavailable{};
+  }
+
+  /// Asked once for neighbours: it follows every link on the way.
+  bool isInTrash(const FileURL& url) {
+    FileURL folder = url.parent();
+    if (!trashAnswer_ || trashAnswer_->first != folder) {
+      trashAnswer_.emplace(std::move(folder), environment_.isInTrash(url));
+    }
+    return trashAnswer_->second;
   }
 
   /// Several records have the place, and the file there is not this one's.
@@ -146,6 +157,7 @@ class Resolver {
   std::optional<std::unordered_multimap<uint64_t, std::string>> names_;
   std::optional<bool> canSeeFolder_;
   std::optional<bool> isDiskThere_;
+  std::optional<std::pair<FileURL, bool>> trashAnswer_;
   std::vector<UUID> goneFromFolder_;
 };
 
@@ -153,12 +165,20 @@ class Resolver {
 
 UUIDMap<ReconcileOutcome> resolveOutcomes(const std::vector<ReconcileInput>& inputs,
                                           const ReconcileEnvironment& environment) {
+  return resolveOutcomes(inputs, environment, false);
+}
+
+UUIDMap<ReconcileOutcome> resolveOutcomes(const std::vector<ReconcileInput>& inputs,
+                                          const ReconcileEnvironment& environment, const std::atomic<bool>& isStopped) {
   // The newest last: of many folders those of the newest are remembered.
   for (auto input = inputs.rbegin(); input != inputs.rend(); ++input) environment.scope->rememberPlace(input->url);
   Resolver resolver(environment);
   UUIDMap<ReconcileOutcome> outcomes;
   outcomes.reserve(inputs.size());
-  for (const ReconcileInput& input : inputs) outcomes.insert_or_assign(input.id, resolver.resolve(input));
+  for (const ReconcileInput& input : inputs) {
+    if (isStopped) return outcomes;
+    outcomes.insert_or_assign(input.id, resolver.resolve(input));
+  }
   for (const UUID& id : resolver.doubtful()) outcomes.insert_or_assign(id, FileUnavailable{});
   return outcomes;
 }

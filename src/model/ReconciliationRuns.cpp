@@ -1,7 +1,11 @@
 #include "model/ReconciliationRuns.h"
 
+#include <atomic>
 #include <memory>
 #include <utility>
+
+#include "foundation/OnCancel.h"
+#include "model/ReconciliationWork.h"
 
 namespace quillmere {
 
@@ -38,10 +42,14 @@ Task<> ReconciliationRuns::run(Weak<ReconciliationRuns> self, ReconcileRequest r
   self->arrived_.clear();
   Executor& executor = self->executor_;
   auto run = std::make_shared<ReconcileRun>(self->records_.prepareRun(request.ids));
-  std::function<bool()> work = [run] {
-    run->outcomes = resolveOutcomes(run->inputs, run->environment);
+  const auto isStopped = std::make_shared<std::atomic<bool>>(false);
+  std::function<bool()> work = [run, isStopped] {
+    run->outcomes = resolveOutcomes(run->inputs, run->environment, *isStopped);
     return true;
   };
+  // The end of the program does not wait for ten thousand files.
+  OnCancel stopping([isStopped] { *isStopped = true; });
+  co_await stopping;
   auto resolving = executor.background(work);
   co_await resolving;
   work = nullptr;

@@ -1,6 +1,15 @@
 #include "model/RecordIndex.h"
 
 namespace quillmere {
+namespace {
+
+bool isDirectlyIn(const std::string& folder, const std::string& path) {
+  if (path.size() <= folder.size() + 1 || path[folder.size()] != '/' || !path.starts_with(folder)) return false;
+  const std::string_view name = std::string_view(path).substr(folder.size() + 1);
+  return name.find('/') == std::string_view::npos && name != "." && name != "..";
+}
+
+}  // namespace
 
 WatchFolderPaths watchFolderPaths(const FileURL& folder) {
   const FileURL standardized = folder.standardized();
@@ -8,6 +17,10 @@ WatchFolderPaths watchFolderPaths(const FileURL& folder) {
 }
 
 std::string pathKey(const FileURL& url, const std::optional<WatchFolderPaths>& watchFolder) {
+  // Nearly all of them, and so without taking the path apart.
+  if (watchFolder && isDirectlyIn(watchFolder->standardized, url.path())) {
+    return watchFolder->canonical + url.path().substr(watchFolder->standardized.size());
+  }
   const FileURL standardized = url.standardized();
   const FileURL parent = standardized.parent();
   if (watchFolder && parent.path() == watchFolder->standardized) {
@@ -25,6 +38,8 @@ std::string pathKey(const FileURL& url, const std::optional<WatchFolderPaths>& w
 
 RecordIndex::RecordIndex(const ScreenshotList& items, const std::optional<WatchFolderPaths>& watchFolder) {
   paths_.reserve(items.size());
+  keys_.reserve(items.size());
+  inodes_.reserve(items.size());
   items.forEach([&](const ScreenshotItem& item) { add(item, watchFolder); });
 }
 

@@ -76,6 +76,9 @@ class Examination {
     if (seen.fingerprint->size < 1) return false;
     if (!snapshot_.services.isDataless(seen.url)) {
       evidence.datalessLooks = 0;
+      // What is no capture is never decoded, whatever it would take.
+      readTag(seen);
+      if (seen.isScreenCapture == false) return false;
       seen.decodesCompletely = snapshot_.services.decodesCompletely(seen.url);
       return *seen.decodesCompletely;
     }
@@ -91,7 +94,7 @@ class Examination {
   }
 
   void classify(Observation& seen, ArrivalEvidence& evidence) {
-    readTag(seen);
+    if (!seen.isScreenCapture) readTag(seen);
     const FileDates dates = snapshot_.services.fileDates(seen.url);
     // A copy gets a birth time of its own, but may keep the date of writing, or say itself how old it is.
     if (evidence.firstSeen - seen.fingerprint->modified > snapshot_.recentCaptureInterval) {

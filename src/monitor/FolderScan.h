@@ -52,6 +52,9 @@ struct Snapshot {
   struct PendingLook {
     Fingerprint fingerprint;
     bool complete = false;  ///< it decoded at an earlier look and need not be decoded again
+    int attempts = 1;       ///< looks at this unchanged fingerprint
+    Date completeSince = {};
+    std::optional<Date> unmarkedSince = std::nullopt;  ///< without a mark of a capture, and so never decoded
   };
   FileURL directory;
   bool full = false;                  ///< list the folder, instead of looking again at the pending files alone
@@ -71,7 +74,7 @@ struct Snapshot {
 struct Observation {
   FileURL url;
   std::optional<Fingerprint> fingerprint;  ///< none when it cannot be read
-  std::optional<bool> decodesCompletely;   ///< none: not tested
+  std::optional<bool> decodesCompletely;   ///< none: not tested, as what has no mark of a capture
   std::optional<bool> isScreenCapture;     ///< none: not tested
   bool isPlaceholder = false;              ///< of a synced folder, and dataless
   std::optional<ArrivalEvidence> evidence;

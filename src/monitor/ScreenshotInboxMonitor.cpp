@@ -53,9 +53,14 @@ void ScreenshotInboxMonitor::watch(std::optional<FileURL> directory) {
 
 void ScreenshotInboxMonitor::follow(const FileURL& directory) {
   const auto known = knownURLs_;
-  const auto evidence = arrivalEvidence_;
+  const auto evidence = looking_ ? looking_->evidence : arrivalEvidence_;
+  const auto notes = std::exchange(notes_, {});
   startOver(directory);
-  for (const FileURL& url : *known) knownURLs().insert(directory.appending(url.lastPathComponent()));
+  for (const FileURL& url : *known) knownURLs_->insert(directory.appending(url.lastPathComponent()));
+  for (const Note& note : notes) {
+    const FileURL url = directory.appending(note.url.lastPathComponent());
+    note.isKnown ? knownURLs_->insert(url) : knownURLs_->erase(url);
+  }
   for (const auto& [url, one] : evidence) arrivalEvidence_[directory.appending(url.lastPathComponent())] = one;
   // A first look that is still owed counts from when the folder was given, or what came before its move would be old.
   if (needsBaseline_ && !arrivalsSince_) arrivalsSince_ = watchedSince_;
@@ -69,6 +74,8 @@ void ScreenshotInboxMonitor::startOver(std::optional<FileURL> directory) {
   ignoredFiles_.clear();
   arrivalEvidence_.clear();
   knownURLs_ = std::make_shared<URLSet>();
+  looking_.reset();
+  notes_.clear();
   ++generation_;
   lastStatus_.reset();
   directory_ = std::move(directory);
@@ -206,33 +213,47 @@ Task<> ScreenshotInboxMonitor::runScan(Weak<ScreenshotInboxMonitor> self, std::s
   auto scanning = self->executor_.background([snapshot] { return performScan(*snapshot); });
   ScanResult result = co_await scanning;
   if (!self) co_return;
-  self->isScanning_ = false;
   // The result of a folder that has been replaced meanwhile says nothing of the new one.
-  if (generation == self->generation_) self->apply(std::move(result), *snapshot);
-  if (!self || !self->queuedScan_) co_return;
+  if (generation == self->generation_) {
+    self->takeBack(*snapshot);
+    const auto applying = apply(self, std::move(result), std::move(snapshot));
+    co_await applying;
+    if (!self) co_return;
+  }
+  self->isScanning_ = false;
+  if (!self->queuedScan_) co_return;
   const ScanScope scope = *self->queuedScan_;
   self->queuedScan_.reset();
   self->scan(scope);
 }
 
-std::shared_ptr<Snapshot> ScreenshotInboxMonitor::takeSnapshot(ScanScope scope) const {
+std::shared_ptr<Snapshot> ScreenshotInboxMonitor::takeSnapshot(ScanScope scope) {
   auto snapshot = std::make_shared<Snapshot>();
   snapshot->directory = *directory_;
   snapshot->full = scope == ScanScope::full;
   if (needsBaseline_) snapshot->baselineStart = arrivalsSince_.value_or(now_());
   snapshot->known = knownURLs_;
-  for (const auto& [url, pending] : pendingFiles_) {
-    snapshot->pending[url] = {pending.fingerprint, pending.completeSince.has_value()};
-  }
-  snapshot->ignored = ignoredFiles_;
-  snapshot->evidence = arrivalEvidence_;
+  snapshot->pending = std::exchange(pendingFiles_, {});
+  snapshot->ignored = std::exchange(ignoredFiles_, {});
+  snapshot->evidence = std::exchange(arrivalEvidence_, {});
   snapshot->includesNonCaptureImages = includesNonCaptureImages_;
   snapshot->localArrivalTolerance = localArrivalTolerance;
   snapshot->recentCaptureInterval = recentCaptureInterval;
   const auto sinceJump = std::chrono::duration<double>(executor_.instant() - clockJumpedAt_).count();
   if (sinceJump < recentCaptureInterval) snapshot->recentCaptureInterval += clockJump_;
   snapshot->services = services_;
+  looking_ = snapshot;
   return snapshot;
+}
+
+/// Once the scan is over nobody else reads it.
+void ScreenshotInboxMonitor::takeBack(Snapshot& snapshot) {
+  looking_.reset();
+  snapshot.known.reset();
+  pendingFiles_.swap(snapshot.pending);
+  ignoredFiles_.swap(snapshot.ignored);
+  arrivalEvidence_.swap(snapshot.evidence);
+  for (const Note& note : std::exchange(notes_, {})) note.isKnown ? noteKnown(note.url) : noteUnknown(note.url);
 }
 
 }  // namespace quillmere

@@ -69,11 +69,11 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
   double oldCaptureInterval = 86400.0;
 
  private:
-  struct Pending {
-    Fingerprint fingerprint;
-    Date firstSeen;
-    int attempts = 1;  ///< looks at this unchanged fingerprint
-    std::optional<Date> completeSince;
+  using Pending = Snapshot::PendingLook;
+  /// A file that became known, or unknown again, while a scan looked.
+  struct Note {
+    FileURL url;
+    bool isKnown = false;
   };
 
   // When to look.
@@ -86,18 +86,20 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
   void lookAtFolder();
   void cancelScheduledScan();
   void scan(ScanScope scope);
-  std::shared_ptr<Snapshot> takeSnapshot(ScanScope scope) const;
+  std::shared_ptr<Snapshot> takeSnapshot(ScanScope scope);
+  void takeBack(Snapshot& snapshot);
   WatcherStatus absenceStatus() const;
   void report(WatcherStatus status);
   void noteClock();
 
   // What a look means.
-  void apply(ScanResult result, Snapshot& snapshot);
+  static Task<> apply(Weak<ScreenshotInboxMonitor> self, ScanResult result, std::shared_ptr<Snapshot> snapshot);
+  void applyFolder(ScanResult& result, const Snapshot& snapshot);
+  void lookAgain();
   void forgetAbsent(const ScanResult& result);
   void applyObservation(const Observation& seen, bool isFullScan, Date now);
   void applyRepeatedLook(const Observation& seen, Pending& pending, Date now);
   void accept(const FileURL& url);
-  URLSet& knownURLs();
 
   Executor& executor_;
   SystemEvents& systemEvents_;
@@ -126,7 +128,10 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
   std::optional<ScanScope> queuedScan_;
 
   bool includesNonCaptureImages_ = false;
-  // Shared with the running scan; copied when changed under one.
+  // What is known of fifty thousand files takes too long to copy. While a scan looks it has all of it, the known ones
+  // shared; what is noted meanwhile waits for its end.
+  std::shared_ptr<const Snapshot> looking_;
+  std::vector<Note> notes_;
   std::shared_ptr<URLSet> knownURLs_ = std::make_shared<URLSet>();
   URLMap<Pending> pendingFiles_;
   URLMap<Fingerprint> ignoredFiles_;

@@ -1,3 +1,4 @@
+#include "foundation/TurnLimit.h"
 #include "monitor/ScreenshotInboxMonitor.h"
 
 namespace quillmere {
@@ -6,40 +7,56 @@ namespace {
 constexpr Duration kQuickLookInterval = std::chrono::milliseconds(100);
 /// Looks at a file that does not decode; after them only full scans look again.
 constexpr int kMaxQuickLooks = 20;
+constexpr size_t kManyFiles = 1000;
 
 }  // namespace
 
-/// The table, made this monitor's own again if a scan still holds it.
-URLSet& ScreenshotInboxMonitor::knownURLs() {
-  if (knownURLs_.use_count() > 1) knownURLs_ = std::make_shared<URLSet>(*knownURLs_);
-  return *knownURLs_;
+/// Tens of thousands of files come in many turns of the loop.
+Task<> ScreenshotInboxMonitor::apply(Weak<ScreenshotInboxMonitor> self, ScanResult result,
+                                     std::shared_ptr<Snapshot> snapshot) {
+  if (!result.observations) {
+    self->report(result.unavailable.value_or(WatcherStatus::notFound));
+    co_return;
+  }
+  const int generation = self->generation_;
+  Executor& executor = self->executor_;
+  const Date now = self->now_();
+  self->applyFolder(result, *snapshot);
+  TurnLimit limit(executor);
+  for (const Observation& seen : *result.observations) {
+    if (limit.isReached()) {
+      auto pause = executor.sleep(Duration::zero());
+      co_await pause;
+      limit.begin();
+    }
+    // A callback, or somebody between two turns, may have put another folder in this one's place.
+    if (!self || generation != self->generation_) co_return;
+    self->applyObservation(seen, snapshot->full, now);
+  }
+  if (!self) co_return;
+  if (generation == self->generation_) self->lookAgain();
+  // Freeing so many texts takes as long as applying them.
+  if (result.observations->size() < kManyFiles) co_return;
+  auto garbage = std::make_shared<ScanResult>(std::move(result));
+  executor.runInBackground([garbage = std::move(garbage)]() mutable { garbage.reset(); }, [] {});
 }
 
-void ScreenshotInboxMonitor::apply(ScanResult result, Snapshot& snapshot) {
-  if (!result.observations) {
-    report(result.unavailable.value_or(WatcherStatus::notFound));
-    return;
-  }
-  snapshot.known.reset();
+/// What the scan says of the folder, and of what has left it.
+void ScreenshotInboxMonitor::applyFolder(ScanResult& result, const Snapshot& snapshot) {
   if (snapshot.baselineStart) {
     needsBaseline_ = false;
     arrivalsSince_.reset();
     knownURLs_ = std::make_shared<URLSet>(std::move(result.baseline));
   }
-  const int generation = generation_;
-  if (snapshot.full) {
-    if (directorySource_) report(WatcherStatus::watching);
-    forgetAbsent(result);
-    if (!result.removed.empty() && onRemoval) onRemoval(result.removed);
-  }
-  const Date now = now_();
-  for (const Observation& seen : *result.observations) {
-    // A callback may have put another folder in this one's place.
-    if (generation != generation_) return;
-    applyObservation(seen, snapshot.full, now);
-  }
+  if (!snapshot.full) return;
+  if (directorySource_) report(WatcherStatus::watching);
+  forgetAbsent(result);
+  if (!result.removed.empty() && onRemoval) onRemoval(result.removed);
+}
+
+void ScreenshotInboxMonitor::lookAgain() {
   for (const auto& [url, pending] : pendingFiles_) {
-    if (pending.attempts >= kMaxQuickLooks && !pending.completeSince) continue;
+    if (pending.attempts >= kMaxQuickLooks && !pending.complete && !pending.unmarkedSince) continue;
     scheduleScan(kQuickLookInterval, ScanScope::partial);
     break;
   }
@@ -47,8 +64,7 @@ void ScreenshotInboxMonitor::apply(ScanResult result, Snapshot& snapshot) {
 
 void ScreenshotInboxMonitor::forgetAbsent(const ScanResult& result) {
   if (!result.removed.empty()) {
-    URLSet& known = knownURLs();
-    for (const FileURL& url : result.removed) known.erase(url);
+    for (const FileURL& url : result.removed) knownURLs_->erase(url);
   }
   for (const FileURL& url : result.absentPending) pendingFiles_.erase(url);
   for (const FileURL& url : result.absentIgnored) ignoredFiles_.erase(url);
@@ -76,38 +92,52 @@ void ScreenshotInboxMonitor::applyObservation(const Observation& seen, bool isFu
     return;
   }
   const Date firstSeen = now_();
-  pendingFiles_[seen.url] = {*seen.fingerprint, firstSeen, 1, std::nullopt};
+  pendingFiles_[seen.url] = Pending{.fingerprint = *seen.fingerprint};
   // A file that keeps growing keeps its first sighting.
   arrivalEvidence_.try_emplace(seen.url, ArrivalEvidence{firstSeen, 0, false});
 }
 
 void ScreenshotInboxMonitor::applyRepeatedLook(const Observation& seen, Pending& pending, Date now) {
   pending.attempts += 1;
-  if (!pending.completeSince && seen.fingerprint->size > 0 && seen.decodesCompletely == true) {
+  if (!pending.complete && seen.fingerprint->size > 0 && seen.decodesCompletely == true) {
+    pending.complete = true;
     pending.completeSince = now;
   }
-  if (!pending.completeSince && !seen.isPlaceholder) return;
-  if (includesNonCaptureImages_ || seen.isScreenCapture == true) {
+  const bool isUnmarked = seen.isScreenCapture == false && !seen.decodesCompletely && !seen.isPlaceholder;
+  if (!isUnmarked) pending.unmarkedSince.reset();
+  if (isUnmarked && !pending.unmarkedSince) pending.unmarkedSince = now;
+  const bool isReady = pending.complete || seen.isPlaceholder;
+  if (isReady && (includesNonCaptureImages_ || seen.isScreenCapture == true)) {
     accept(seen.url);
     return;
   }
   // The tag may be written a moment after the file.
-  if (!pending.completeSince || now - *pending.completeSince < screenCaptureTagGracePeriod) return;
+  const auto since = pending.complete ? std::optional(pending.completeSince) : pending.unmarkedSince;
+  if (!since || now - *since < screenCaptureTagGracePeriod) return;
   ignoredFiles_[seen.url] = *seen.fingerprint;
   pendingFiles_.erase(seen.url);
 }
 
 void ScreenshotInboxMonitor::noteKnown(const FileURL& url) {
   if (!directory_ || url.parent() != *directory_) return;
+  if (looking_) {
+    notes_.push_back({url, true});
+    return;
+  }
   pendingFiles_.erase(url);
   ignoredFiles_.erase(url);
   arrivalEvidence_.erase(url);
-  knownURLs().insert(url);
+  knownURLs_->insert(url);
 }
 
 void ScreenshotInboxMonitor::noteUnknown(const FileURL& url) {
-  if (!directory_ || !knownURLs_->contains(url)) return;
-  knownURLs().erase(url);
+  if (!directory_) return;
+  if (looking_) {
+    notes_.push_back({url, false});
+    return;
+  }
+  if (!knownURLs_->contains(url)) return;
+  knownURLs_->erase(url);
   // Something may stand there already.
   scheduleScan(Duration::zero(), ScanScope::full);
 }
@@ -123,7 +153,7 @@ void ScreenshotInboxMonitor::accept(const FileURL& url) {
   const bool isFromElsewhere = (evidence && evidence.mapped().isFromElsewhere) ||
                                (directorySource_ && directorySource_->wasSynced(url.lastPathComponent()));
   pendingFiles_.erase(url);
-  knownURLs().insert(url);
+  knownURLs_->insert(url);
   const auto& callback = isFromElsewhere ? onArrivedScreenshot : onScreenshot;
   if (callback) callback(url);
 }

@@ -9,6 +9,8 @@ namespace quillmere {
 namespace {
 
 constexpr size_t kMostBytes = size_t{1} << 30;  // decoded
+/// Encoders write some kilobytes at a time; a file may have nothing but the frames of chunks.
+constexpr size_t kMostParts = 1 << 17;
 
 std::optional<PngHeader> headerOf(PngChunks& chunks) {
   constexpr size_t kBytes = 13;
@@ -50,6 +52,21 @@ int PngHeader::channels() const {
   return colourType < kChannels.size() ? kChannels[colourType] : 0;
 }
 
+bool PngHeader::isValid() const {
+  constexpr uint32_t kMostPixelsOnASide = 0x7FFFFFFF;
+  // By the kind of colour, a bit for each depth that it may have.
+  constexpr std::array<uint32_t, 7> kDepths{1 << 1 | 1 << 2 | 1 << 4 | 1 << 8 | 1 << 16,
+                                            0,
+                                            1 << 8 | 1 << 16,
+                                            1 << 1 | 1 << 2 | 1 << 4 | 1 << 8,
+                                            1 << 8 | 1 << 16,
+                                            0,
+                                            1 << 8 | 1 << 16};
+  constexpr uint8_t kDeepest = 16;
+  return width >= 1 && height >= 1 && width <= kMostPixelsOnASide && height <= kMostPixelsOnASide &&
+         colourType < kDepths.size() && depth <= kDeepest && (kDepths[colourType] >> depth & 1) != 0;
+}
+
 bool PngHeader::isTooLarge() const {
   constexpr uint32_t kMostPixelsOnASide = 1'000'000;
   return width > kMostPixelsOnASide || height > kMostPixelsOnASide;
@@ -68,7 +85,7 @@ std::optional<PlainPng> PlainPng::of(std::string_view file) {
       return png;
     }
     if (chunk->type == "IDAT") {
-      if (isDataOver) return std::nullopt;
+      if (isDataOver || png.compressed.size() == kMostParts) return std::nullopt;
       png.compressed.push_back(chunk->data);
       continue;
     }

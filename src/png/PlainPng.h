@@ -24,6 +24,8 @@ struct PngHeader {
   size_t rowBytes() const { return (size_t{width} * channels() * depth + 7) / 8; }
   /// Every row has the number of its filter before it.
   size_t filteredBytes() const { return height * (1 + rowBytes()); }
+  /// Whether the size and the form are ones that there are.
+  bool isValid() const;
   /// Beyond what the library behind the general reader takes.
   bool isTooLarge() const;
 };

@@ -28,6 +28,8 @@ class PngChunks {
   explicit PngChunks(std::string_view file);
   /// None at the end, and where what follows is no whole chunk.
   std::optional<PngChunk> next();
+  /// What stands behind the last whole one.
+  std::string_view rest() const { return rest_; }
 
  private:
   std::string_view rest_;

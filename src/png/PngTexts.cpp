@@ -1,6 +1,8 @@
 #include "png/PngTexts.h"
 
 #include <libdeflate.h>
+#include <algorithm>
+#include <array>
 #include <memory>
 #include <optional>
 
@@ -49,6 +51,32 @@ PngTexts readPngTexts(std::string_view file) {
     }
   }
   return texts;
+}
+
+std::string withoutPngTexts(std::string_view file) {
+  constexpr std::array<std::string_view, 9> kOfThePicture{"cHRM", "gAMA", "iCCP", "pHYs", "sRGB",
+                                                          "tRNS", "sBIT", "bKGD", "oFFs"};
+  constexpr char kLowerCase = 0x20;
+  // In the place of others, for their order matters.
+  static const std::string kOther = encodedPngChunk("qmOt", {});
+  std::string result(file.substr(0, kPngSignature.size()));
+  result.reserve(file.size() + kOther.size());
+  PngChunks chunks(file);
+  bool isOtherLast = false;
+  while (const auto chunk = chunks.next()) {
+    const bool isCritical = (chunk->type.front() & kLowerCase) == 0;
+    const bool isOther =
+        !isCritical && std::find(kOfThePicture.begin(), kOfThePicture.end(), chunk->type) == kOfThePicture.end();
+    if (!isOther) result += chunk->whole;
+    if (isOther && !isOtherLast) result += kOther;
+    isOtherLast = isOther;
+    if (chunk->type == "IEND") return result;
+  }
+  // What isn't whole, but for a text: a reader takes memory for as much as it says.
+  constexpr size_t kType = 4;
+  const std::string_view rest = chunks.rest();
+  if (rest.size() > kType && (rest[kType] & kLowerCase) == 0) result += rest;
+  return result;
 }
 
 std::string withPngTexts(std::string_view file, const PngTexts& texts) {

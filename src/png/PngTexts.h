@@ -14,6 +14,9 @@ using PngTexts = std::map<std::string, std::string, std::less<>>;
 /// of very many, or long ones, not all.
 PngTexts readPngTexts(std::string_view file);
 
+/// The PNG with nothing but what makes its picture: readers keep all else, unpacked, however much it is.
+std::string withoutPngTexts(std::string_view file);
+
 /// The PNG with these texts behind its header, where readers that stop at the picture still see them.
 std::string withPngTexts(std::string_view file, const PngTexts& texts);
 

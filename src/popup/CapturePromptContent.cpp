@@ -36,6 +36,8 @@ std::optional<CapturePromptContent> CapturePromptContent::make(
   content.isEvicted = model.evictedItemIDs->contains(head->id);
   content.canReadImage = !content.isEvicted && !model.unavailableItemIDs->contains(head->id);
   content.isAnalyzing = model.analyzingIDs->contains(head->id);
+  content.isDecided = model.isLeavingPrompt(head->id);
+  content.isDiskSlow = model.isDiskSlow();
   content.availability = model.analysisAvailability();
   return content;
 }
@@ -45,7 +47,7 @@ std::optional<QRectF> CapturePromptContent::shownPart() const {
 }
 
 bool CapturePromptContent::isSaving() const {
-  return windowExtraction && std::holds_alternative<PromptWindowExtraction::Saving>(*windowExtraction);
+  return isDecided || (windowExtraction && std::holds_alternative<PromptWindowExtraction::Saving>(*windowExtraction));
 }
 
 int CapturePromptContent::heightOfThumbnail(const std::optional<QSizeF>& pixels) {

@@ -31,6 +31,8 @@ struct CapturePromptContent {
   std::optional<QSizeF> screenshotPixelSize;
   std::optional<QSizeF> previewPixelSize;  ///< of what the preview shows
   std::optional<PromptWindowExtraction::Phase> windowExtraction;
+  bool isDecided = false;    ///< and leaves as soon as that is saved, or in a moment
+  bool isDiskSlow = false;   ///< what was decided before waits for it
   bool scrolls = false;      ///< the card does not fit
   bool reportsEdits = true;  ///< shown to a person, not only measured
   bool operator==(const CapturePromptContent&) const = default;
@@ -38,7 +40,9 @@ struct CapturePromptContent {
   /// What the preview shows of the picture, in its pixels; none for all of it.
   std::optional<QRectF> shownPart() const;
   /// Not while a window is being sought, nor while a decision is being carried out.
-  bool canDecide() const { return !windowExtraction || !PromptWindowExtraction::isBusy(*windowExtraction); }
+  bool canDecide() const {
+    return !isDecided && (!windowExtraction || !PromptWindowExtraction::isBusy(*windowExtraction));
+  }
   /// A decision is being carried out.
   bool isSaving() const;
 

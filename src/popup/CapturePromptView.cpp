@@ -107,7 +107,7 @@ void CapturePromptView::show(const CapturePromptContent& content) {
     gate_.observe(content.contentGeneration, services_.executor->instant());
     tellAnalysis(before->item, followStartingName());
   }
-  header_->show(content.queuedCount);
+  header_->show(content.queuedCount, content.isDiskSlow);
   preview_->setVisible(content.showThumbnail);
   if (content.showThumbnail) preview_->show(content);
   details_->show(content);
@@ -214,7 +214,7 @@ int CapturePromptView::extraHeight() const {
 
 bool CapturePromptView::gateAllows() const {
   // The model may have gone on while the card still shows the last screenshot.
-  return content_ && (!pressedOn_ || *pressedOn_ == content_->item.id) &&
+  return content_ && !model_.isLeavingPrompt(content_->item.id) && (!pressedOn_ || *pressedOn_ == content_->item.id) &&
          content_->contentGeneration == *model_.prompts().contentGeneration &&
          gate_.allows(services_.executor->instant());
 }
@@ -301,12 +301,17 @@ Task<> CapturePromptView::showCopied(Weak<CapturePromptView> self) {
 }
 
 void CapturePromptView::chooseTrash() {
-  if (!gateAllows()) return;
-  const bool isDeleting = *model_.settings().deletesChosenImmediately;
-  // Where it is refused the banner says why.
-  const UUID id = content_->item.id;  // what is on show may be another when the question is answered
-  if (model_.disposeChosen(id, ErrorScope::popup) != AppModel::ChosenDisposal::done) return;
-  model_.announce(isDeleting ? localized("Screenshot deleted.") : localized("Screenshot moved to Trash."),
+  if (gateAllows()) dispose(model_.weak(), content_->item.id).detach();
+}
+
+/// What is on show may be another by the time that it is done, and even the popup be gone. Where it is refused the
+/// banner says why.
+Task<> CapturePromptView::dispose(Weak<AppModel> model, UUID id) {
+  const bool isDeleting = *model->settings().deletesChosenImmediately;
+  const auto disposing = model->disposeChosen(id, ErrorScope::popup);
+  const auto disposal = co_await disposing;
+  if (!model || disposal != AppModel::ChosenDisposal::done) co_return;
+  model->announce(isDeleting ? localized("Screenshot deleted.") : localized("Screenshot moved to Trash."),
                   AnnouncementPriority::low);
 }
 

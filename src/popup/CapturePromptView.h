@@ -86,6 +86,7 @@ class CapturePromptView final : public QWidget {
 
   static Task<> decideTemporary(Weak<CapturePromptView> self, UUID id);
   static Task<> decideKeep(Weak<CapturePromptView> self, UUID id);
+  static Task<> dispose(Weak<AppModel> model, UUID id);
   static Task<> copy(Weak<CapturePromptView> self);
   static Task<> showCopied(Weak<CapturePromptView> self);
   static Task<> extract(Weak<CapturePromptView> self, bool isOn);

@@ -50,8 +50,15 @@ PromptHeader::PromptHeader(QWidget* parent)
   row->addWidget(closeButton_);
 }
 
-void PromptHeader::show(int queuedCount) {
-  queueCount_->setVisible(queuedCount > 0);
+void PromptHeader::show(int queuedCount, bool isDiskSlow) {
+  queueCount_->setVisible(queuedCount > 0 || isDiskSlow);
+  if (isDiskSlow) {
+    const QString text = localized("Waiting for the disk…");
+    queueCount_->setText(text);
+    queueCount_->setMinimumWidth(0);
+    queueCount_->setAccessibleName(text);
+    return;
+  }
   const QString text = localized("%lld more", {queuedCount});
   queueCount_->setText(text);
   queueCount_->setMinimumWidth(widthWithEvenDigits(text, queueCount_->fontMetrics()));

@@ -13,7 +13,8 @@ class PromptHeader final : public QWidget {
  public:
   explicit PromptHeader(QWidget* parent);
 
-  void show(int queuedCount);
+  /// `isDiskSlow`: what was decided before is still on its way to the disk.
+  void show(int queuedCount, bool isDiskSlow);
   std::function<void()> onClose;
   QWidget* closeButton() const;
 

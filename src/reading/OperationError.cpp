@@ -12,6 +12,8 @@ QString ImageOperations::description(OperationError error) {
     case OperationError::unreadable:
       return localized(
           "The screenshot couldn’t be opened. It may have moved or expired. Choose it again from the Inbox.");
+    case OperationError::tooCostly:
+      return quillmere::description(PictureError::tooCostly);
     case OperationError::invalidCrop:
       return localized("Choose a crop with a positive width and height inside the image.");
     case OperationError::encoding:
@@ -33,6 +35,10 @@ QString ImageOperations::description(const Failure& failure) {
 bool ImageOperations::isFileMissing(const Failure& failure) {
   const auto* code = std::get_if<std::error_code>(&failure);
   return code && *code == std::errc::no_such_file_or_directory;
+}
+
+OperationError ImageOperations::operationError(PictureError error) {
+  return error == PictureError::tooCostly ? OperationError::tooCostly : OperationError::unreadable;
 }
 
 }  // namespace quillmere

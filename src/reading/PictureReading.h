@@ -10,6 +10,7 @@
 #include "foundation/FileURL.h"
 #include "foundation/Result.h"
 #include "reading/OperationError.h"
+#include "reading/PictureError.h"
 #include "reading/WindowScan.h"
 #include "records/PictureFormat.h"
 
@@ -27,18 +28,20 @@ struct PictureHead {
 class PictureReading {
  public:
   using Stop = std::atomic<bool>;
+  /// An image that is not null, or why there is none.
+  using Picture = Result<QImage, PictureError>;
   virtual ~PictureReading() = default;
 
   virtual std::optional<PictureHead> head(const FileURL& url) = 0;
-  /// Whether the file is a whole picture: its format's end is there and it decodes without error.
-  virtual bool decodesCompletely(const FileURL& url) = 0;
-  /// The upright picture at full size. Null when the file cannot be read.
-  virtual QImage picture(const FileURL& url, const Stop& isStopped) = 0;
+  /// Why the file is no whole picture, with its format's end and decoded without error; none where it is.
+  virtual std::optional<PictureError> failureOf(const FileURL& url) = 0;
+  /// The upright picture at full size.
+  virtual Picture picture(const FileURL& url, const Stop& isStopped) = 0;
   /// The upright picture in the screen's colours, made small enough that neither side is above `maxPixels`; never
-  /// enlarged. Null when the file cannot be read.
-  virtual QImage thumbnail(const FileURL& url, int maxPixels, const Stop& isStopped) = 0;
+  /// enlarged.
+  virtual Picture thumbnail(const FileURL& url, int maxPixels, const Stop& isStopped) = 0;
   /// The same of a file that was read already.
-  virtual QImage thumbnail(std::string_view bytes, int maxPixels) = 0;
+  virtual Picture thumbnail(std::string_view bytes, int maxPixels) = 0;
   /// The picture with the windows in it.
   virtual Result<ImageOperations::WindowScan, ImageOperations::OperationError> windows(const FileURL& url,
                                                                                        const Stop& isStopped) = 0;

@@ -8,6 +8,7 @@
 #include "foundation/FileStatus.h"
 #include "foundation/OnCancel.h"
 #include "pixels/Downscaler.h"
+#include "reading/FailedPictures.h"
 #include "reading/ScreenPicture.h"
 #include "reading/ThumbnailCache.h"
 
@@ -76,11 +77,11 @@ class ThumbnailLoader::Source {
     const std::string key = cacheKey(url, pixels);
     if (const auto image = cache.find(key)) return *image;
     if (isStopped) return Cancelled{};
-    const QImage image = pictureForScreen(pictures_->thumbnail(url, pixels, isStopped));
-    if (isStopped) return Cancelled{};
-    if (image.isNull()) return Unreadable{};
-    cache.keep(key, image);
-    return image;
+    const Outcome outcome = readSmall(url, pixels, isStopped);
+    const auto* image = std::get_if<QImage>(&outcome);
+    if (!image) return outcome;
+    cache.keep(key, *image);
+    return outcome;
   }
 
   Outcome load(const FileURL& url, int pixels, const QRectF& crop, const std::atomic<bool>& isStopped) {
@@ -113,23 +114,19 @@ class ThumbnailLoader::Source {
       return {image};
     }
     // Made as large as others want it, then smaller still for us.
-    const QImage made =
-        pictureForScreen(pictures_->thumbnail(url, sharing == Sharing::takenAndKept ? *side : pixels, isStopped));
-    if (isStopped) return {Cancelled{}};
-    if (made.isNull()) return {Unreadable{}};
-    const QImage image = Downscaler::scaled(made, Downscaler::fitting(made.size(), pixels));
+    const Outcome outcome = readSmall(url, sharing == Sharing::takenAndKept ? *side : pixels, isStopped);
+    const auto* made = std::get_if<QImage>(&outcome);
+    if (!made) return {outcome};
+    const QImage image = Downscaler::scaled(*made, Downscaler::fitting(made->size(), pixels));
     cache.keep(key, image);
-    return toKeep(url, seen, made, image, sharing);
+    return toKeep(url, seen, *made, image, sharing);
   }
 
-  Outcome loadFull(const FileURL& url, const std::atomic<bool>& isStopped) const {
+  Outcome loadFull(const FileURL& url, const std::atomic<bool>& isStopped) {
     if (isEvicted_(url)) return NotDownloaded{};
     if (isStopped) return Cancelled{};
     // As the screen wants it, which a picture at its own size need not be.
-    QImage image = pictureForScreen(pictures_->thumbnail(url, std::numeric_limits<int>::max(), isStopped));
-    if (isStopped) return Cancelled{};
-    if (image.isNull()) return Unreadable{};
-    return image;
+    return readSmall(url, std::numeric_limits<int>::max(), isStopped);
   }
 
   std::optional<QSize> pixelSize(const FileURL& url) const {
@@ -146,8 +143,29 @@ class ThumbnailLoader::Source {
     return {image, Loaded::ToKeep{url, *seen, thumbnail}};
   }
 
+  /// For the screen. Never the same file twice that has none.
+  Outcome readSmall(const FileURL& url, int pixels, const std::atomic<bool>& isStopped) {
+    auto error = failed_.find(url);
+    if (!error) {
+      const auto seen = fileStatus(url);
+      auto picture = pictures_->thumbnail(url, pixels, isStopped);
+      // Whatever it gives then, it tells nothing of the file.
+      if (isStopped) return Cancelled{};
+      if (picture) {
+        QImage image = pictureForScreen(*std::move(picture));
+        if (image.isNull()) return Unreadable{};
+        return image;
+      }
+      error = picture.reason();
+      failed_.keep(url, seen, *error);
+    }
+    if (*error == PictureError::tooCostly) return TooCostly{};
+    return Unreadable{};
+  }
+
   const std::shared_ptr<PictureReading> pictures_;
   std::function<bool(const FileURL&)> isEvicted_;
+  FailedPictures failed_;
 };
 
 ThumbnailLoader::ThumbnailLoader(Executor& executor, std::shared_ptr<PictureReading> pictures,

@@ -16,7 +16,8 @@
 namespace quillmere {
 
 /// Small pictures of screenshots, made off the main thread and kept in a memory cache bounded by decoded bytes. An
-/// evicted file is never read, for that would bring its data here.
+/// evicted file is never read, for that would bring its data here. One that gave no picture is not read again before it
+/// changes.
 class ThumbnailLoader {
  public:
   struct NotDownloaded {
@@ -25,11 +26,15 @@ class ThumbnailLoader {
   struct Unreadable {
     bool operator==(const Unreadable&) const = default;
   };
+  /// It would take more memory or time than any screenshot does.
+  struct TooCostly {
+    bool operator==(const TooCostly&) const = default;
+  };
   /// The task was cancelled before the picture was made.
   struct Cancelled {
     bool operator==(const Cancelled&) const = default;
   };
-  using Outcome = std::variant<QImage, NotDownloaded, Unreadable, Cancelled>;
+  using Outcome = std::variant<QImage, NotDownloaded, Unreadable, TooCostly, Cancelled>;
 
   static constexpr int64_t kDefaultLimit = 256 * 1024 * 1024;
 

@@ -11,6 +11,7 @@ namespace quillmere {
 class JournalFile {
  public:
   explicit JournalFile(FileURL file) : file_(std::move(file)) {}
+  const FileURL& file() const { return file_; }
 
   /// None where there is no file or it cannot be read.
   QJsonArray load() const;

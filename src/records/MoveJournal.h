@@ -21,6 +21,7 @@ struct BegunMove {
 class MoveJournal {
  public:
   explicit MoveJournal(FileURL file) : file_(std::move(file)) {}
+  const FileURL& file() const { return file_.file(); }
 
   /// None where there is no journal or it cannot be read.
   std::vector<BegunMove> load() const;

@@ -48,7 +48,7 @@ ScreenshotListWriter::~ScreenshotListWriter() {
   if (last_ >= 0) ::close(last_);
 }
 
-bool ScreenshotListWriter::save(ScreenshotList& list, const FileURL& file) {
+bool ScreenshotListWriter::save(const ScreenshotList::Snapshot& snapshot, const FileURL& file) {
   const FileURL target = file.resolvingSymlinks().value_or(file);
   std::error_code ignored;  // a folder that cannot be made shows when the file is opened
   std::filesystem::create_directories(target.parent().path(), ignored);
@@ -59,11 +59,21 @@ bool ScreenshotListWriter::save(ScreenshotList& list, const FileURL& file) {
   const auto descriptor = static_cast<int>(TEMP_FAILURE_RETRY(::open(temporary.c_str(), kFlags, 0600)));
   if (descriptor < 0) return false;
 
-  std::vector<ScreenshotList::Range> ranges;
+  Records records = snapshot.newestFirst();
+  std::vector<Range> ranges;
+  const auto writeFromLast = [&] {
+    ranges = rangesInLast(records);
+    return write(records, descriptor, ranges);
+  };
+  const auto writeFromMemory = [&] {
+    ranges.assign(records.size(), {});
+    return TEMP_FAILURE_RETRY(::ftruncate(descriptor, 0)) == 0 && ::lseek(descriptor, 0, SEEK_SET) == 0 &&
+           write(records, descriptor, ranges);
+  };
   // The last save's file may have become unreadable; the records themselves are still here.
-  const bool isEncoded = (canCopyFromLast() && write(list, descriptor, Source::lastFile, ranges)) ||
-                         (TEMP_FAILURE_RETRY(::ftruncate(descriptor, 0)) == 0 &&
-                          ::lseek(descriptor, 0, SEEK_SET) == 0 && write(list, descriptor, Source::memory, ranges));
+  const bool isEncoded = (canCopyFromLast() && writeFromLast()) || writeFromMemory();
+  const timespec dates[2] = {snapshot.taken(), snapshot.taken()};
+  ::futimens(descriptor, dates);  // a list with the date of its writing is better than none
   const bool isWritten = isEncoded && TEMP_FAILURE_RETRY(::fsync(descriptor)) == 0 &&
                          TEMP_FAILURE_RETRY(::rename(temporary.c_str(), target.c_str())) == 0;
   if (!isWritten) {
@@ -74,7 +84,9 @@ bool ScreenshotListWriter::save(ScreenshotList& list, const FileURL& file) {
   if (last_ >= 0) ::close(last_);
   last_ = descriptor;
   lastSignature_ = signatureOf(descriptor);
-  for (size_t i = 0; i < ranges.size(); ++i) list.setRange(i, ranges[i]);
+  previous_ = std::exchange(lastSaved_, snapshot);
+  lastRecords_ = std::move(records);
+  lastRanges_ = std::move(ranges);
   return flushFolder(target.parent());
 }
 
@@ -91,18 +103,31 @@ bool ScreenshotListWriter::canCopyFromLast() const {
   return last_ >= 0 && signatureOf(last_) == lastSignature_;
 }
 
-bool ScreenshotListWriter::write(const ScreenshotList& list, int descriptor, Source unchanged,
-                                 std::vector<ScreenshotList::Range>& ranges) {
+/// A record that did not change is still the same object, and the order of those that stay never changes: newcomers
+/// stand in front. So one walk from the oldest on finds them all.
+std::vector<ScreenshotListWriter::Range> ScreenshotListWriter::rangesInLast(const Records& records) const {
+  std::vector<Range> ranges(records.size());
+  size_t last = lastRecords_.size();
+  for (size_t i = records.size(); i > 0 && last > 0; --i) {
+    const ScreenshotItem* record = records[i - 1];
+    while (last > 0 && lastRecords_[last - 1] != record && lastRecords_[last - 1]->id != record->id) --last;
+    if (last == 0) break;
+    --last;
+    if (lastRecords_[last] == record) ranges[i - 1] = lastRanges_[last];
+  }
+  return ranges;
+}
+
+bool ScreenshotListWriter::write(const Records& records, int descriptor, std::vector<Range>& ranges) {
   encodedCount_ = 0;
-  ranges.resize(list.size());
   BufferedWriter out(descriptor);
   out.buffer() += kListHead;
-  for (size_t i = 0; i < list.size();) {
+  for (size_t i = 0; i < records.size();) {
     if (i > 0) out.buffer().push_back(',');
-    const auto first = list.range(i);
-    if (unchanged == Source::memory || first.length == 0) {
+    const Range first = ranges[i];
+    if (first.length == 0) {
       const int64_t start = out.position();
-      appendEncoded(out.buffer(), list[i]);
+      appendEncoded(out.buffer(), *records[i]);
       ranges[i] = {start, out.position() - start};
       ++encodedCount_;
       ++i;
@@ -112,8 +137,8 @@ bool ScreenshotListWriter::write(const ScreenshotList& list, int descriptor, Sou
     // Neighbours that stood side by side go in one copy, the commas between them included.
     int64_t end = first.offset;
     const int64_t shift = out.position() - first.offset;
-    while (i < list.size()) {
-      const auto next = list.range(i);
+    while (i < records.size()) {
+      const Range next = ranges[i];
       if (next.length == 0 || (end != first.offset && next.offset != end + 1)) break;
       ranges[i] = {next.offset + shift, next.length};
       end = next.offset + next.length;

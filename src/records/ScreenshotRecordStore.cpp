@@ -4,6 +4,7 @@
 
 #include "foundation/FileCopy.h"
 #include "foundation/FileStatus.h"
+#include "records/ListParts.h"
 #include "records/ScreenshotCoding.h"
 
 namespace quillmere {
@@ -16,6 +17,7 @@ std::string reasonText(ScreenshotRecordStore::BackupReason reason) {
 }  // namespace
 
 ScreenshotRecordStore::LoadResult ScreenshotRecordStore::load(Date now) const {
+  if (auto list = readInParts(fileURL.resolvingSymlinks().value_or(fileURL))) return {std::move(*list)};
   auto bytes = readFile(fileURL.resolvingSymlinks().value_or(fileURL));
   // What could not be read must not be written over.
   if (!bytes && isAbsent(fileURL)) return {};

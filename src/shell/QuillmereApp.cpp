@@ -1,6 +1,7 @@
 #include "shell/QuillmereApp.h"
 
 #include <QtCore/QEventLoop>
+#include <QtCore/QScopeGuard>
 #include <QtCore/QThread>
 #include <QtCore/QTimer>
 #include <QtGui/QSessionManager>
@@ -25,6 +26,11 @@ const std::map<QString, AppWindow>& windowNames() {
 /// A menu, a drag or a question runs the events itself, and returns into the window that it was opened from.
 bool isInsideOfAWindow() {
   return QThread::currentThread()->loopLevel() > 1 || QApplication::activeModalWidget();
+}
+
+Task<> endWhenSaved(Task<bool> saving, std::shared_ptr<QEventLoop> loop) {
+  co_await saving;
+  loop->quit();
 }
 
 /// The session's word to end, by which Qt would close window after window and give up where one stays.
@@ -184,36 +190,48 @@ std::unique_ptr<QWidget> QuillmereApp::makeSettings() {
 
 // --- The end ---
 
-Confirmations::QuitConcerns QuillmereApp::quitConcerns() const {
+int QuillmereApp::waitingScreenshots() const {
   // The program comes back at once after an update, and so do the screenshots that wait.
   const bool comesBack = services_.updates.isInstallingUpdate();
-  return {comesBack ? 0 : static_cast<int>(model_.prompts().queue->size()), !model_.isSaved()};
+  return comesBack ? 0 : static_cast<int>(model_.prompts().queue->size());
 }
 
 bool QuillmereApp::quit() {
-  if (isAskingToQuit_) return false;
-  if (!model_.isSaved()) model_.saveNow();
-  const Confirmations::QuitConcerns concerns = quitConcerns();
+  if (std::exchange(isAskingToQuit_, true)) return false;
+  const auto isOver = qScopeGuard([this] { isAskingToQuit_ = false; });
+  const bool isSaved = finishSaving(longestSave);
+  const Confirmations::QuitConcerns concerns{waitingScreenshots(), !isSaved};
   if (concerns.waitingScreenshots > 0 || concerns.isNotSaved) {
     ActivationPolicyLoan place(table_);
     place.borrow();
-    isAskingToQuit_ = true;
-    const bool confirmed = confirmQuit(concerns);
-    isAskingToQuit_ = false;
-    if (!confirmed) return false;
+    if (!confirmQuit(concerns)) return false;
   }
   quitWithoutAsking();
   return true;
 }
 
-/// A crop that is being written comes first, as far as somebody who asks twice can wait.
+/// Files that are being written, thrown away, renamed or moved come first, as far as somebody who asks twice can wait.
 void QuillmereApp::quitWithoutAsking() {
-  if (!model_.isWritingCrops() || std::exchange(isQuitting_, true)) return QApplication::exit(0);
-  model_.onCropsWritten = [] { QApplication::exit(0); };
+  if (!model_.isWritingFiles() || std::exchange(isQuitting_, true)) return QApplication::exit(0);
+  model_.onFilesWritten = [] { QApplication::exit(0); };
 }
 
 void QuillmereApp::save() {
   if (model_.hasPendingSave()) model_.saveNow();
+}
+
+/// Whether all is on the disk. The windows are painted meanwhile.
+bool QuillmereApp::finishSaving(std::chrono::milliseconds longest) {
+  save();
+  const Task<bool> saving = model_.whenSaved();
+  if (!saving.isDone()) {
+    const auto loop = std::make_shared<QEventLoop>();
+    endWhenSaved(saving, loop).detach();
+    QTimer::singleShot(longest, loop.get(), &QEventLoop::quit);
+    loop->exec(QEventLoop::ExcludeUserInputEvents);
+  }
+  // A list that may not be written is no news at the end.
+  return model_.isRecordsReadOnly() || (saving.isDone() && saving.await_resume());
 }
 
 // --- The session ---
@@ -227,17 +245,17 @@ void QuillmereApp::followSession() {
       [this](QSessionManager& session) { tellHowToRestart(session); }, Qt::DirectConnection);
 }
 
-/// The session waits for this, so a crop that is being written is waited for.
+/// The session waits for this, so files that are being worked on are waited for.
 void QuillmereApp::commitToSession() {
-  save();
-  if (!model_.isWritingCrops()) return;
+  finishSaving(longestCommit);
+  if (!model_.isWritingFiles()) return;
   QEventLoop writing;
   const Connection changes = model_.changed.connect([&](const ModelChange& change) {
-    if (change.field == ModelField::unsavedWork && !model_.isWritingCrops()) writing.quit();
+    if (change.field == ModelField::unsavedWork && !model_.isWritingFiles()) writing.quit();
   });
   QTimer::singleShot(longestCommit, &writing, &QEventLoop::quit);
   writing.exec(QEventLoop::ExcludeUserInputEvents);
-  save();
+  finishSaving(longestCommit);
 }
 
 /// A session manager that starts again what ran would start it a second time beside its login item, and not silently.

@@ -54,22 +54,26 @@ class QuillmereApp {
   /// Whether the tray can show the icon at all.
   bool hasTray() const { return menuBarExtra_.hasTray(); }
 
-  /// Asks first while screenshots wait, or when the list cannot be saved. False when the program goes on after all.
+  /// Saves, and asks first while screenshots wait, or when the list cannot be saved. False when the program goes on
+  /// after all.
   bool quit();
   /// The session ends: nothing is asked.
   void quitWithoutAsking();
-  /// The machine may end at any moment: what is not yet saved is saved now.
+  /// The machine may end at any moment: what is not yet saved is on its way to the disk from now on. Whoever can hold
+  /// the end up follows `AppModel::hasUnsavedWork`.
   void save();
-  /// The session is about to end, and waits: a crop that is being written is waited for too, within `longestCommit`.
-  /// Nobody is asked.
+  /// The session is about to end, and waits: the list is waited for, and a crop that is being written, each within
+  /// `longestCommit`. Nobody is asked.
   void commitToSession();
   /// The last thing.
-  void willTerminate() { save(); }
+  void willTerminate() { finishSaving(longestCommit); }
 
   std::map<AppWindow, Maker> makers;
   std::function<bool(const Confirmations::QuitConcerns&)> confirmQuit;
   /// A disk that doesn't answer must not keep the person in the session, and a picture takes a moment.
   std::chrono::milliseconds longestCommit = std::chrono::seconds(10);
+  /// Before the person who quits is asked whether to wait no longer.
+  std::chrono::milliseconds longestSave = std::chrono::seconds(4);
 
  private:
   std::unique_ptr<QWidget> makeInbox();
@@ -78,7 +82,8 @@ class QuillmereApp {
   void letGoOfClosed();
   void followSession();
   void tellHowToRestart(QSessionManager& session);
-  Confirmations::QuitConcerns quitConcerns() const;
+  bool finishSaving(std::chrono::milliseconds longest);
+  int waitingScreenshots() const;
 
   AppModel& model_;
   Services services_;

@@ -328,6 +328,17 @@ TEST_F(ScreenshotThumbnailTest, AnUnreadableFileHasAPlainSymbol) {
   EXPECT_NE(view.grab().toImage(), plain);
 }
 
+TEST_F(ScreenshotThumbnailTest, WhatWouldCostTooMuchSaysSo) {
+  // A small picture, and twenty megabytes that are nothing of it.
+  write("a.png", Qt::red);
+  testing::appendToFile(folder.file("a.png"), std::string(20'000'000, 'x'));
+  show(content(folder.file("a.png")));
+  EXPECT_EQ(view.toolTip(), localized("The picture would take too much memory or time to open."));
+  write("b.png", Qt::red);
+  show(content(folder.file("b.png")));
+  EXPECT_EQ(view.toolTip(), QString());
+}
+
 TEST_F(ScreenshotThumbnailTest, ToolTipsOfItsOwnerStay) {
   view.setToolTip(QStringLiteral("Mine"));
   show(content(write("a.png", Qt::red)));

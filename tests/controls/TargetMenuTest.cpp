@@ -1,5 +1,7 @@
 #include "controls/TargetMenu.h"
 
+#include <gtest/gtest.h>
+
 #include <QtGui/QAction>
 #include <QtGui/QIcon>
 #include <QtWidgets/QMenu>

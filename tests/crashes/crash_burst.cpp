@@ -166,7 +166,7 @@ class Burst {
     if (!item) return;
     promises_.begin("trash", {item->id});
     const bool isInPopup = program_.presenter.visible == item->id;
-    program_.model->disposeChosen(item->id, isInPopup ? ErrorScope::popup : ErrorScope::inbox);
+    program_.model->disposeChosen(item->id, isInPopup ? ErrorScope::popup : ErrorScope::inbox).detach();
   }
   void trashSome() {
     auto items = records([](const ScreenshotItem& item) { return item.state != State::temporary; });
@@ -174,14 +174,14 @@ class Burst {
     items.resize(std::min<size_t>(items.size(), 3));
     if (items.size() < 2) return;
     promises_.begin("trash", idsOf(items));
-    program_.model->disposeBatch(items, ErrorScope::inbox, AppModel::DisposalReason::chosen);
+    program_.model->disposeBatch(items, ErrorScope::inbox, AppModel::DisposalReason::chosen).detach();
   }
   void rename() {
     const auto item = anyAtAll();
     if (!item) return;
     const QString name = someName();
     promises_.begin("rename", {item->id}, {{"name", name}});
-    program_.model->rename(item->id, name, ErrorScope::inbox);
+    program_.model->rename(item->id, name, ErrorScope::inbox).detach();
   }
   void move(const FileURL& folder) {
     const auto item = anyAtAll();
@@ -190,7 +190,7 @@ class Burst {
     if (!flushFolder(folder.parent())) std::abort();
     const FileURL place = folder.appending(freshName().toStdString() + ".png");
     promises_.begin("move", {item->id}, {{"to", Promises::path(place)}});
-    program_.model->move(item->id, place);
+    program_.model->move(item->id, place).detach();
   }
   void replace() {
     const auto item = anyAtAll();
@@ -254,6 +254,7 @@ int main(int argc, char** argv) {
     CrashedProgram program;
     program.start();
     program.model->saveNow();
+    program.executor.drain();
     return *program.model->watcherStatus == WatcherStatus::watching && program.model->isSaved() ? 0 : 1;
   }
   if (mode == "burst" && argc == 8) {

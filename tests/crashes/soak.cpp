@@ -106,7 +106,7 @@ class Soak {
         break;
       case 5:
       case 6:
-        program_.model->disposeChosen(*id, ErrorScope::popup);
+        program_.model->disposeChosen(*id, ErrorScope::popup).detach();
         break;
       default:
         break;  // stays in the queue until the next tidying up

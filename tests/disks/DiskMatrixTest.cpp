@@ -127,7 +127,7 @@ class Cell {
     live_->advance(1);
     if (meanwhile_ == Meanwhile::expiryDue) live_->advance(LiveModel::kLifetime);
     if (meanwhile_ == Meanwhile::rename) {
-      live_->model->rename(live_->id, QStringLiteral("Invoice"), ErrorScope::inbox);
+      live_->finish(live_->model->rename(live_->id, QStringLiteral("Invoice"), ErrorScope::inbox));
     }
     live_->executor.drain();
   }

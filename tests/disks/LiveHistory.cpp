@@ -245,8 +245,7 @@ void LiveHistory::throwAway() {
     if (isSame && !files_[number].mayBeTrashed) followed.push_back(number);
   }
   for (const int number : followed) files_[number].mayBeTrashed = true;
-  live_.model->disposeItem(*item, ErrorScope::inbox, AppModel::DisposalReason::chosen);
-  live_.executor.drain();
+  live_.finish(live_.model->disposeItem(*item, ErrorScope::inbox, AppModel::DisposalReason::chosen));
   const auto after = places();
   const auto unlessTrashed = [&](int number) {
     const auto found = after.find(number);
@@ -263,8 +262,7 @@ void LiveHistory::renameInProgram() {
   const QString name = QStringLiteral("named %1").arg(++names_);
   say("the person renames " + quoted(item->url) + " to " + name.toStdString());
   if (const auto number = numberAt(item->url)) files_[*number].isWrittenTo = false;
-  live_.model->rename(item->id, name, ErrorScope::inbox);
-  live_.executor.drain();
+  live_.finish(live_.model->rename(item->id, name, ErrorScope::inbox));
 }
 
 void LiveHistory::moveInProgram() {
@@ -274,8 +272,7 @@ void LiveHistory::moveInProgram() {
   const FileURL to = below(2) == 0 ? elsewhere_.appending(name) : otherDisk_.file(name);
   say("the person moves " + quoted(item->url) + " to " + quoted(to) + " in the program");
   if (const auto number = numberAt(item->url)) files_[*number].isWrittenTo = false;
-  live_.model->move(item->id, to);
-  live_.executor.drain();
+  live_.finish(live_.model->move(item->id, to));
 }
 
 // --- The machine ---

@@ -45,7 +45,7 @@ class EditorFixture : public PictureFixture {
   }
   FileURL newFile() const { return shots.appending("Shot Crop.png"); }
   bool isProtected() {
-    const auto disposal = model->disposeChosen(id, ErrorScope::inbox);
+    const auto disposal = finish(model->disposeChosen(id, ErrorScope::inbox));
     return disposal == AppModel::ChosenDisposal::refused;
   }
 

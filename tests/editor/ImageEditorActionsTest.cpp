@@ -117,7 +117,7 @@ TEST_F(ImageEditorActionsTest, AQuestionWhoseFileChangesIsTakenBack) {
     executor.drain();
     ASSERT_TRUE(editor->isConfirmingReplace());
     if (isRename) {
-      model->rename(id, QStringLiteral("Other"), ErrorScope::inbox);
+      finish(model->rename(id, QStringLiteral("Other"), ErrorScope::inbox));
     } else {
       file = item(id).url;
       rewrite();

@@ -24,10 +24,10 @@ TEST_F(ReplaceabilityWatchTest, AFileThatStaysAsItIsIsNothingToTell) {
 }
 
 TEST_F(ReplaceabilityWatchTest, WhatTheModelHearsCountsAtOnce) {
-  model->rename(id, QStringLiteral("Other"), ErrorScope::inbox);
+  finish(model->rename(id, QStringLiteral("Other"), ErrorScope::inbox));
   EXPECT_FALSE(watch->isReplaceable());
   EXPECT_EQ(told, 1);
-  model->rename(id, QStringLiteral("Shot"), ErrorScope::inbox);
+  finish(model->rename(id, QStringLiteral("Shot"), ErrorScope::inbox));
   executor.drain();
   EXPECT_TRUE(watch->isReplaceable()) << "it has come back under its name";
   EXPECT_EQ(told, 2);

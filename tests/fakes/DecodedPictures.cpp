@@ -11,20 +11,25 @@ std::optional<PictureHead> DecodedPictures::head(const FileURL& url) {
   return ImageFile::head(url);
 }
 
-bool DecodedPictures::decodesCompletely(const FileURL& url) {
-  return ImageFile::decodesCompletely(url);
+std::optional<PictureError> DecodedPictures::failureOf(const FileURL& url) {
+  return ImageFile::failureOf(url);
 }
 
-QImage DecodedPictures::picture(const FileURL& url, const Stop&) {
-  return ImageFile::picture(url);
+PictureReading::Picture DecodedPictures::picture(const FileURL& url, const Stop&) {
+  return ImageFile::read(url);
 }
 
-QImage DecodedPictures::thumbnail(const FileURL& url, int maxPixels, const Stop&) {
-  return pictureForScreen(ImageFile::thumbnail(url, maxPixels));
+PictureReading::Picture DecodedPictures::thumbnail(const FileURL& url, int maxPixels, const Stop&) {
+  return forScreen(ImageFile::readSmall(url, maxPixels));
 }
 
-QImage DecodedPictures::thumbnail(std::string_view bytes, int maxPixels) {
-  return pictureForScreen(ImageFile::thumbnail(bytes, maxPixels));
+PictureReading::Picture DecodedPictures::thumbnail(std::string_view bytes, int maxPixels) {
+  return forScreen(ImageFile::readSmall(bytes, maxPixels));
+}
+
+PictureReading::Picture DecodedPictures::forScreen(Picture picture) {
+  if (!picture) return picture;
+  return pictureForScreen(*std::move(picture));
 }
 
 Result<ImageOperations::WindowScan, ImageOperations::OperationError> DecodedPictures::windows(const FileURL& url,

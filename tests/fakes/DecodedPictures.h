@@ -12,16 +12,19 @@ namespace quillmere::testing {
 class DecodedPictures final : public PictureReading {
  public:
   std::optional<PictureHead> head(const FileURL& url) override;
-  bool decodesCompletely(const FileURL& url) override;
-  QImage picture(const FileURL& url, const Stop& isStopped) override;
-  QImage thumbnail(const FileURL& url, int maxPixels, const Stop& isStopped) override;
-  QImage thumbnail(std::string_view bytes, int maxPixels) override;
+  std::optional<PictureError> failureOf(const FileURL& url) override;
+  Picture picture(const FileURL& url, const Stop& isStopped) override;
+  Picture thumbnail(const FileURL& url, int maxPixels, const Stop& isStopped) override;
+  Picture thumbnail(std::string_view bytes, int maxPixels) override;
   Result<ImageOperations::WindowScan, ImageOperations::OperationError> windows(const FileURL& url,
                                                                                const Stop& isStopped) override;
   std::optional<QString> text(const FileURL& url, const Stop& isStopped) override;
   Result<QByteArray, ImageOperations::OperationError> encoded(const QImage& image, PictureFormat format) override;
 
  private:
+  /// As the screen wants it.
+  static Picture forScreen(Picture picture);
+
   std::mutex recognizing_;
   TextRecognizer recognizer_;
 };

@@ -35,6 +35,7 @@ class FakeFileOperations final : public FileOperations {
   using FileOperations::move;
   FileOutcome move(const FileURL& from, const FileURL& to, QString& reason) override;
   FileOutcome remove(const FileURL& url) override;
+  void flush() override { ++flushes; }
   int calls() const;
 
   void refuse(const FileURL& url);
@@ -49,6 +50,7 @@ class FakeFileOperations final : public FileOperations {
   int trashCalls = 0;
   int moveCalls = 0;
   int removeCalls = 0;
+  int flushes = 0;
   std::vector<FileURL> trashed;
 
  private:

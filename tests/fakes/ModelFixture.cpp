@@ -13,6 +13,7 @@ ModelFixture::ModelFixture() {
   std::filesystem::create_directories(shots.path());
   std::filesystem::create_directories(elsewhere.path());
   clockOffset_ = std::make_shared<double>(0);
+  disk.answerAtOnce();
 }
 
 ModelFixture::~ModelFixture() {
@@ -77,6 +78,7 @@ AppModelDependencies ModelFixture::dependencies() {
   AppModelDependencies world;
   world.recordStore.fileURL = listFile;
   world.executor = &executor;
+  world.disk = &disk;
   world.defaults = defaults.get();
   world.fileOperations = &files;
   world.securityScope = &scope;

@@ -52,6 +52,14 @@ class ModelFixture : public ::testing::Test {
 
   AppModelDependencies dependencies();
 
+  /// Runs what is under way in the background to its end, and with it the task.
+  template <typename T>
+  T finish(const Task<T>& task) {
+    executor.drain();
+    EXPECT_TRUE(task.isDone());
+    if constexpr (!std::is_void_v<T>) return task.isDone() ? task.await_resume() : T();
+  }
+
   // --- The world ---
 
   Date now() const;
@@ -116,6 +124,8 @@ class ModelFixture : public ::testing::Test {
   CallLog log;
   SystemEvents systemEvents;
   ManualExecutor executor;
+  /// Saves the list. It answers at once unless it is held, so that what was decided is on the disk.
+  ManualExecutor disk;
   std::unique_ptr<UserDefaults> defaults;
   FakeFileOperations files{trash};
   FakeSecurityScope scope{log};

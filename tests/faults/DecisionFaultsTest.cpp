@@ -61,10 +61,10 @@ void PrintTo(const Decision& decision, std::ostream* out) {
 }
 
 void renameTo(LiveModel& live, ErrorScope scope) {
-  live.model->rename(live.id, QStringLiteral("Invoice"), scope);
+  live.finish(live.model->rename(live.id, QStringLiteral("Invoice"), scope));
 }
 void dispose(LiveModel& live, ErrorScope scope, AppModel::DisposalReason reason) {
-  if (const ScreenshotItem* item = live.record()) live.model->disposeItem(*item, scope, reason);
+  if (const ScreenshotItem* item = live.record()) live.finish(live.model->disposeItem(*item, scope, reason));
 }
 /// Past the expiry, and before the first retry.
 void letExpire(LiveModel& live) {

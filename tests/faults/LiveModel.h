@@ -71,6 +71,12 @@ class LiveModel {
     model->start();
     executor.drain();
   }
+  /// Runs what is under way in the background to its end, and with it the task.
+  template <typename T>
+  void finish(const Task<T>& task) {
+    executor.drain();
+    EXPECT_TRUE(task.isDone());
+  }
   /// What the kernel has told of the folder until now is heard.
   void hearEvents() {
     QCoreApplication::processEvents();
@@ -121,6 +127,7 @@ class LiveModel {
  private:
   LiveModel(State state, const std::optional<FileURL>& folder)
       : shots(folder.value_or(home.file("shots"))), isWatching_(folder) {
+    disk_.answerAtOnce();
     std::filesystem::remove_all(homeTrash().path());
     std::filesystem::create_directory(shots.path());
     std::filesystem::create_directory(listFile.parent().path());
@@ -155,6 +162,7 @@ class LiveModel {
     AppModelDependencies world;
     world.recordStore.fileURL = listFile;
     world.executor = &executor;
+    world.disk = &disk_;
     world.defaults = &defaults_;
     world.fileOperations = &files_;
     world.securityScope = scope_.get();
@@ -175,6 +183,7 @@ class LiveModel {
     return world;
   }
 
+  ManualExecutor disk_;
   SystemEvents systemEvents_;
   UserDefaults defaults_{home.file("settings.json").displayPath()};
   std::unique_ptr<MountTable> mounts_ = std::make_unique<MountTable>(nullptr);

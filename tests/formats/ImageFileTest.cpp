@@ -3,6 +3,7 @@
 #include <libheif/heif.h>
 #include <sys/stat.h>
 
+#include "formats/PictureFile.h"
 #include "formats/Pictures.h"
 #include "pixels/Downscaler.h"
 #include "support/Files.h"
@@ -113,6 +114,27 @@ TEST_P(FormatTest, ItsSizeComesFromItsHeader) {
   ASSERT_TRUE(head);
   EXPECT_EQ(head->format, GetParam());
   EXPECT_EQ(head->size, QSize(320, 200));
+}
+
+TEST_P(FormatTest, AnOpenFileTellsTheSame) {
+  const std::string whole = bytes();
+  const FileURL url = write(whole);
+  const PictureFile file(url);
+  EXPECT_EQ(ImageFile::head(file.descriptor()), ImageFile::head(url));
+  EXPECT_EQ(ImageFile::bytesToDecode(file.descriptor()).value(), whole);
+  EXPECT_EQ(ImageFile::head(-1), std::nullopt);
+  EXPECT_EQ(ImageFile::bytesToDecode(-1).reason(), PictureError::unreadable);
+}
+
+TEST_F(ImageFileTest, NoMoreIsReadOfWhatIsNotWorthIt) {
+  const auto reason = [this](std::string_view bytes, const PictureBudget& budget = {}) {
+    const FileURL url = write(bytes);
+    return ImageFile::bytesToDecode(PictureFile(url).descriptor(), budget).reason();
+  };
+  const std::string rest(100'000, 'x');
+  EXPECT_EQ(reason("no picture" + rest), PictureError::noPicture);
+  EXPECT_EQ(reason(encoded(redAndBlue(40, 20), "PNG") + rest, {.besidesPixels = 1000}), PictureError::tooCostly);
+  EXPECT_EQ(reason(encoded(redAndBlue(40, 20), "JPEG") + rest, {.fileBytes = 1000}), PictureError::tooCostly);
 }
 
 TEST_P(FormatTest, AThumbnailFitsAndKeepsTheShape) {

@@ -260,6 +260,17 @@ TEST_F(UserDefaultsTest, WhatCouldNotBeWrittenIsWrittenWithTheNext) {
   EXPECT_EQ(json(), (QJsonObject{{key, 7}, {other, 8}}));
 }
 
+TEST_F(UserDefaultsTest, WhatStandsThereAlreadyIsNotWrittenAgain) {
+  UserDefaults defaults = open();
+  defaults.set(key, 5);
+  const FileURL other = folder.file("another name of the same file");
+  std::filesystem::create_hard_link(file.path(), other.path());
+  EXPECT_TRUE(defaults.set(key, 5));
+  EXPECT_TRUE(std::filesystem::equivalent(file.path(), other.path()));
+  EXPECT_TRUE(defaults.set(key, 6));
+  EXPECT_FALSE(std::filesystem::equivalent(file.path(), other.path()));
+}
+
 TEST_F(UserDefaultsTest, WhatAnotherProgramHasWrittenIsKept) {
   UserDefaults defaults = open();
   defaults.set(key, 5);

@@ -243,9 +243,9 @@ TEST_F(InboxListModelTest, InASearchArrivalsAndRenamesComeAndGoByTheirNames) {
   arrive("invoice 2.png");
   arrive("different.png");
   EXPECT_EQ(names(), list({"invoice 2.png", "invoice 1.png"}));
-  model->rename(first, QStringLiteral("bill"), ErrorScope::inbox);
+  finish(model->rename(first, QStringLiteral("bill"), ErrorScope::inbox));
   EXPECT_EQ(names(), list({"invoice 2.png"}));
-  model->rename(first, QStringLiteral("INVOICE 3"), ErrorScope::inbox);
+  finish(model->rename(first, QStringLiteral("INVOICE 3"), ErrorScope::inbox));
   EXPECT_EQ(names(), list({"invoice 2.png", "INVOICE 3.png"})) << "where it was taken";
 }
 

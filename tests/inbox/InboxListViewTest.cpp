@@ -231,7 +231,7 @@ TEST_F(InboxListViewTest, TheTwoSelectionsNeverDisagree) {
         model->markTemporaryBatch({id}, TemporaryDuration::oneHour);
         break;
       case 4:
-        model->rename(id, QStringLiteral("name ") + QString::number(step), ErrorScope::inbox);
+        finish(model->rename(id, QStringLiteral("name ") + QString::number(step), ErrorScope::inbox));
         break;
       case 5:
         presentation->setFilter({{}, static_cast<InboxFilter::Scope>(upTo(5))});
@@ -317,7 +317,8 @@ TEST_F(InboxListViewTest, AThousandChangesOfOneTurnArePaintedOnce) {
   settle();
   PaintWatch watch(*view->viewport());
   for (int i = 0; i < 1000; ++i) {
-    model->rename(ids[static_cast<size_t>(i) % 5], QStringLiteral("name ") + QString::number(i), ErrorScope::inbox);
+    finish(model->rename(ids[static_cast<size_t>(i) % 5], QStringLiteral("name ") + QString::number(i),
+                         ErrorScope::inbox));
   }
   ASSERT_TRUE(testing::runLoopUntil([&] { return !watch.areas.empty(); }));
   EXPECT_EQ(watch.areas.size(), 1u);

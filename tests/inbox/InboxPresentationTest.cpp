@@ -116,7 +116,7 @@ TEST_F(InboxPresentationTest, OneSheetIsUpAtATime) {
   EXPECT_FALSE(*presentation->recognizedText);
   EXPECT_EQ(*presentation->deletionReason, Reason::chosen);
   presentation->closeEditor();
-  model->disposeItem(item(second), ErrorScope::inbox, Reason::chosen);
+  finish(model->disposeItem(item(second), ErrorScope::inbox, Reason::chosen));
   EXPECT_FALSE(hasRecord(second)) << "what was not asked is not protected";
 }
 
@@ -157,7 +157,7 @@ class InboxRename : public PresentationFixture {
   /// What the field does at Return.
   bool enter(const QString& text) {
     presentation->setRenameText(text);
-    return presentation->commitRename(Session(**presentation->renameSession));
+    return finish(presentation->commitRename(Session(**presentation->renameSession)));
   }
 };
 
@@ -230,7 +230,7 @@ TEST_F(InboxRename, EscapeKeepsTheName) {
   presentation->setRenameText(QStringLiteral("Invoice"));
   const Session session = **presentation->renameSession;
   presentation->cancelRename();
-  EXPECT_FALSE(presentation->commitRename(session)) << "a field that goes loses the keyboard, too";
+  EXPECT_FALSE(finish(presentation->commitRename(session))) << "a field that goes loses the keyboard, too";
   EXPECT_EQ(files.calls(), 0);
 }
 
@@ -239,7 +239,7 @@ TEST_F(InboxRename, OnlyTheSessionThatIsOpenCounts) {
   Session old = begin(id);
   old.text = QStringLiteral("Old");
   const Session open = begin(id);
-  EXPECT_FALSE(presentation->commitRename(old));
+  EXPECT_FALSE(finish(presentation->commitRename(old)));
   EXPECT_EQ(**presentation->renameSession, open) << "it goes on";
   EXPECT_EQ(files.calls(), 0);
 }
@@ -250,9 +250,9 @@ TEST_F(InboxRename, AFileThatIsRenamedFromElsewhereEndsIt) {
   const UUID id = arrive("shot.png");
   Session session = begin(id);
   session.text = QStringLiteral("Typed");
-  ASSERT_TRUE(model->rename(id, QStringLiteral("Renamed"), ErrorScope::popup));
+  ASSERT_TRUE(finish(model->rename(id, QStringLiteral("Renamed"), ErrorScope::popup)));
   EXPECT_FALSE(*presentation->renameSession);
-  EXPECT_FALSE(presentation->commitRename(session));
+  EXPECT_FALSE(finish(presentation->commitRename(session)));
   EXPECT_EQ(item(id).url, shots.appending("Renamed.png"));
 }
 
@@ -261,7 +261,7 @@ TEST_F(InboxRename, AFileThatIsMovedEndsIt) {
   RenameSessionGuard guard(*presentation, window);
   const UUID id = arrive("shot.png");
   begin(id);
-  model->move(id, elsewhere.appending("shot.png"));
+  finish(model->move(id, elsewhere.appending("shot.png")));
   ASSERT_EQ(item(id).url, elsewhere.appending("shot.png"));
   EXPECT_FALSE(*presentation->renameSession);
 }
@@ -291,7 +291,7 @@ TEST_F(InboxRename, ADecisionAndOtherRecordsLeaveItOpen) {
   const UUID other = arrive("other.png");
   const Session session = begin(id);
   model->keepBatch({id});
-  model->rename(other, QStringLiteral("Renamed"), ErrorScope::inbox);
+  finish(model->rename(other, QStringLiteral("Renamed"), ErrorScope::inbox));
   model->removeRecords({other});
   arrive("third.png");
   EXPECT_EQ(*presentation->renameSession, session);
@@ -326,9 +326,9 @@ TEST_F(InboxRename, AnotherWindowHasASessionOfItsOwn) {
   const Session mine = begin(first);
   other.beginRename(item(second));
   Session others = **other.renameSession;
-  EXPECT_FALSE(presentation->commitRename(others));
+  EXPECT_FALSE(finish(presentation->commitRename(others)));
   others.text = QStringLiteral("Invoice");
-  EXPECT_TRUE(other.commitRename(others));
+  EXPECT_TRUE(finish(other.commitRename(others)));
   EXPECT_EQ(*presentation->renameSession, mine);
 }
 
@@ -341,7 +341,7 @@ class InboxDeletion : public PresentationFixture {
   }
   /// Whether a disposal from elsewhere is refused because the record is in use.
   bool isProtected(const UUID& id) {
-    model->disposeItem(item(id), ErrorScope::popup, Reason::chosen);
+    finish(model->disposeItem(item(id), ErrorScope::popup, Reason::chosen));
     return *model->promptError && (*model->promptError)->title == QStringLiteral("Screenshot Is in Use") &&
            hasRecord(id);
   }
@@ -376,6 +376,7 @@ TEST_F(InboxDeletion, OfNothingNothingIsAsked) {
   EXPECT_FALSE(presentation->isShowingModal());
   EXPECT_EQ(*presentation->deletionReason, Reason::chosen);
   presentation->confirmDeletion();
+  executor.drain();
   presentation->cancelDeletion();
   EXPECT_THAT(told, IsEmpty());
 }
@@ -396,6 +397,7 @@ TEST_F(InboxDeletion, ConfirmingDisposesOfAllForTheReason) {
   const std::vector<UUID> one{arrive("1.png")};
   ask(one);
   presentation->confirmDeletion();
+  executor.drain();
   expectGone(one);
   EXPECT_TRUE(isInTrashFolder("1.png"));
   EXPECT_FALSE(presentation->isShowingModal());
@@ -403,6 +405,7 @@ TEST_F(InboxDeletion, ConfirmingDisposesOfAllForTheReason) {
   const std::vector<UUID> several{arrive("2.png"), arrive("3.png"), arrive("4.png")};
   ask(several);
   presentation->confirmDeletion();
+  executor.drain();
   expectGone(several);
   EXPECT_EQ(files.trashCalls, 4);
   EXPECT_EQ(files.removeCalls, 0);
@@ -410,6 +413,7 @@ TEST_F(InboxDeletion, ConfirmingDisposesOfAllForTheReason) {
   const std::vector<UUID> forGood{arrive("5.png"), arrive("6.png")};
   ask(forGood, Reason::deleteImmediately);
   presentation->confirmDeletion();
+  executor.drain();
   expectGone(forGood);
   EXPECT_EQ(files.trashCalls, 4);
   EXPECT_EQ(files.removeCalls, 2);
@@ -423,6 +427,7 @@ TEST_F(InboxDeletion, CancellingTouchesNothing) {
   presentation->cancelDeletion();
   EXPECT_FALSE(presentation->isShowingModal());
   presentation->confirmDeletion();
+  executor.drain();
   EXPECT_EQ(files.calls(), 0);
   EXPECT_EQ(model->items().size(), 2u);
 }
@@ -445,7 +450,7 @@ TEST_F(InboxDeletion, UntilTheAnswerNothingDisposesOfThem) {
   EXPECT_FALSE(isProtected(third)) << "it was not asked about";
   EXPECT_FALSE(hasRecord(third));
   presentation->cancelDeletion();
-  model->disposeItem(item(second), ErrorScope::inbox, Reason::chosen);
+  finish(model->disposeItem(item(second), ErrorScope::inbox, Reason::chosen));
   EXPECT_FALSE(hasRecord(second));
 }
 
@@ -481,7 +486,7 @@ TEST_F(InboxDeletion, EachAnswerTakesBackOneProtectionAndNoOthers) {
       EXPECT_TRUE(isProtected(id)) << "still by the other";
       model->unprotect(id);
       EXPECT_FALSE(isProtected(id)) << "and by nothing else";
-      if (hasRecord(other)) model->disposeItem(item(other), ErrorScope::inbox, Reason::chosen);
+      if (hasRecord(other)) finish(model->disposeItem(item(other), ErrorScope::inbox, Reason::chosen));
       expectGone({id, other});
       std::filesystem::remove_all(trash.path());
     }
@@ -502,6 +507,7 @@ TEST_F(InboxDeletion, AFileThatWasRewrittenUnderTheQuestionStays) {
     ask({id}, reason);
     writeFile(shots.appending("shot.png"), "another picture in the same file");
     presentation->confirmDeletion();
+    executor.drain();
     EXPECT_EQ(files.calls(), 0);
     EXPECT_TRUE(hasRecord(id));
     EXPECT_EQ(errorTitle(), QStringLiteral("Screenshot Has Changed"));
@@ -515,8 +521,10 @@ TEST_F(InboxDeletion, AfterThatTheNextAnswerCounts) {
   ask({id});
   writeFile(shots.appending("shot.png"), "another picture in the same file");
   presentation->confirmDeletion();
+  executor.drain();
   ask({id});
   presentation->confirmDeletion();
+  executor.drain();
   EXPECT_FALSE(hasRecord(id));
 }
 
@@ -526,6 +534,7 @@ TEST_F(InboxDeletion, WhenDeletingForGoodEachOfSeveralIsLookedAt) {
   writeFile(shots.appending("1.png"), "another picture in the same file");
   writeFile(shots.appending("3.png"), "another picture in the same file, too");
   presentation->confirmDeletion();
+  executor.drain();
   EXPECT_TRUE(fileExists(shots.appending("1.png")));
   EXPECT_TRUE(fileExists(shots.appending("3.png")));
   EXPECT_EQ(files.removeCalls, 1);
@@ -539,6 +548,7 @@ TEST_F(InboxDeletion, OutOfTrashARewrittenOneOfSeveralCanBeHadBack) {
   ask({first, second});
   writeFile(shots.appending("1.png"), "another picture in the same file");
   presentation->confirmDeletion();
+  executor.drain();
   expectGone({first, second});
   EXPECT_TRUE(isInTrashFolder("1.png"));
 }
@@ -548,6 +558,7 @@ TEST_F(InboxDeletion, AReplacedOneOfSeveralStays) {
   ask({first, second});
   identities[shots.appending("1.png").path()] = FileIdentity{"volume", 4711, Date{kStart + 50}, 7};
   presentation->confirmDeletion();
+  executor.drain();
   EXPECT_TRUE(hasRecord(first));
   expectGone({second});
 }
@@ -555,8 +566,9 @@ TEST_F(InboxDeletion, AReplacedOneOfSeveralStays) {
 TEST_F(InboxDeletion, ARenameUnderTheQuestionIsNoChangeOfTheFile) {
   const UUID id = arrive("shot.png");
   ask({id}, Reason::deleteImmediately);
-  ASSERT_TRUE(model->rename(id, QStringLiteral("Renamed"), ErrorScope::popup));
+  ASSERT_TRUE(finish(model->rename(id, QStringLiteral("Renamed"), ErrorScope::popup)));
   presentation->confirmDeletion();
+  executor.drain();
   expectGone({id});
   EXPECT_FALSE(fileExists(shots.appending("Renamed.png")));
 }
@@ -566,11 +578,13 @@ TEST_F(InboxDeletion, RecordsThatWentMeanwhileAreNotTouched) {
   ask({first}, Reason::deleteImmediately);
   model->removeRecords({first});
   presentation->confirmDeletion();
+  executor.drain();
   EXPECT_EQ(files.calls(), 0);
   const UUID third = arrive("3.png");
   ask({second, third}, Reason::deleteImmediately);
   model->removeRecords({second});
   presentation->confirmDeletion();
+  executor.drain();
   expectGone({third});
   EXPECT_TRUE(fileExists(shots.appending("1.png")));
   EXPECT_TRUE(fileExists(shots.appending("2.png")));
@@ -583,11 +597,13 @@ TEST_F(InboxDeletion, WhatSettingsMadeOfTheQuestionIsAskedAnew) {
   const UUID asked = (*presentation->batchDeletion)->id;
   model->setDeletesChosenImmediately(true);
   presentation->confirmDeletion();
+  executor.drain();
   EXPECT_EQ(files.calls(), 0) << "a move to Trash was agreed to";
   ASSERT_TRUE(*presentation->batchDeletion);
   EXPECT_NE((*presentation->batchDeletion)->id, asked);
   EXPECT_TRUE(isProtected(ids[0]));
   presentation->confirmDeletion();
+  executor.drain();
   expectGone(ids);
   EXPECT_EQ(files.removeCalls, 2);
 }

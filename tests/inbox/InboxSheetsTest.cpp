@@ -67,6 +67,7 @@ TEST_F(InboxSheetsTest, ReturnAndEscapeCancel) {
 TEST_F(InboxSheetsTest, TheActionIsDoneByClickOrSpace) {
   ask();
   QTest::mouseClick(sheets->question()->actionButton(), Qt::LeftButton);
+  executor.drain();
   EXPECT_FALSE(hasRecord(id));
   EXPECT_TRUE(isInTrashFolder("Shot.png"));
   EXPECT_FALSE(sheets->question());
@@ -74,6 +75,7 @@ TEST_F(InboxSheetsTest, TheActionIsDoneByClickOrSpace) {
   ask();
   sheets->question()->actionButton()->setFocus(Qt::TabFocusReason);
   QTest::keyClick(sheets->question()->actionButton(), Qt::Key_Space);
+  executor.drain();
   EXPECT_FALSE(hasRecord(id));
 }
 
@@ -90,6 +92,7 @@ TEST_F(InboxSheetsTest, ARecordThatWentMeanwhileDoesNoHarm) {
   model->removeRecords({id});
   ASSERT_TRUE(sheets->question());
   QTest::mouseClick(sheets->question()->actionButton(), Qt::LeftButton);
+  executor.drain();
   EXPECT_FALSE(sheets->question());
   EXPECT_FALSE(presentation->isShowingModal());
 }
@@ -162,13 +165,13 @@ TEST_F(InboxSheetsTest, WhatIsSavedAsNewIsSelected) {
 TEST_F(InboxSheetsTest, ARecordWhoseEditorIsOpenCantBeDeleted) {
   openEditor();
   executor.drain();
-  model->disposeConfirmed({item(id)}, {}, Reason::chosen);
+  finish(model->disposeConfirmed({item(id)}, {}, Reason::chosen));
   EXPECT_TRUE(hasRecord(id));
   ASSERT_TRUE(*model->inboxError);
   EXPECT_EQ((*model->inboxError)->message,
             QString::fromUtf8("Close the crop editor or save dialog before deleting this screenshot."));
   presentation->closeEditor();
-  model->disposeConfirmed({item(id)}, {}, Reason::chosen);
+  finish(model->disposeConfirmed({item(id)}, {}, Reason::chosen));
   EXPECT_FALSE(hasRecord(id));
 }
 

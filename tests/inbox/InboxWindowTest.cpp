@@ -428,7 +428,7 @@ TEST_F(InboxWindowTest, QuickLookFollowsTheArrowsAndEndsWithItsRecord) {
   settle();
   EXPECT_EQ(**window->presentation().quickLookURL, item(first).url);
   EXPECT_EQ(*model->selectedItemIDs, UUIDSet{first});
-  model->rename(first, QStringLiteral("renamed"), ErrorScope::inbox);
+  finish(model->rename(first, QStringLiteral("renamed"), ErrorScope::inbox));
   settle();
   EXPECT_EQ(**window->presentation().quickLookURL, item(first).url);
   EXPECT_TRUE(look->isVisible());
@@ -491,7 +491,7 @@ TEST_F(InboxWindowTest, NamesThatCannotBeAreNotTaken) {
     window->presentation().beginRename(before);
     auto session = **window->presentation().renameSession;
     session.text = name;
-    window->presentation().commitRename(session);
+    finish(window->presentation().commitRename(session));
     settle();
     if (auto* alert = question()) alert->reject();
     EXPECT_EQ(item(id).url.parent(), shots) << name.toStdString();

@@ -49,6 +49,7 @@ TEST_F(NameFieldTest, ReturnRenames) {
   QTest::keyClicks(field, QStringLiteral("Report"));
   EXPECT_EQ((*presentation->renameSession)->text, QStringLiteral("Report"));
   QTest::keyClick(field, Qt::Key_Return);
+  executor.drain();
   EXPECT_EQ(stem(), QStringLiteral("Report"));
   EXPECT_FALSE(isOpen());
   EXPECT_TRUE(announcer.hasSaid(QStringLiteral("Renamed to Report.")));
@@ -56,6 +57,7 @@ TEST_F(NameFieldTest, ReturnRenames) {
 
 TEST_F(NameFieldTest, ReturnOnTheNameAsItWasOrOnNoneRenamesNothing) {
   QTest::keyClick(field, Qt::Key_Enter);
+  executor.drain();
   EXPECT_FALSE(isOpen());
   EXPECT_EQ(stem(), QStringLiteral("Shot"));
   presentation->beginRename(item(id));
@@ -105,6 +107,7 @@ TEST_F(NameFieldTest, NoShortcutOfTheWindowFires) {
   EXPECT_EQ(fired, 0);
   EXPECT_EQ(field->text(), QString()) << "they were the field's";
   QTest::keyClick(field, Qt::Key_Return);
+  executor.drain();
   EXPECT_EQ(fired, 0);
   other->setFocus();
   QTest::keyClick(other, Qt::Key_F2);

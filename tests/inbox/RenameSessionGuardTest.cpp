@@ -46,7 +46,7 @@ TEST_F(RenameSessionGuardTest, TypingAndOtherRecordsLeaveItOpen) {
 
 TEST_F(RenameSessionGuardTest, ARenameFromElsewhereDropsWhatWasTyped) {
   begin();
-  ASSERT_TRUE(model->rename(id, QStringLiteral("Elsewhere"), ErrorScope::inbox));
+  ASSERT_TRUE(finish(model->rename(id, QStringLiteral("Elsewhere"), ErrorScope::inbox)));
   EXPECT_FALSE(isOpen());
   EXPECT_EQ(item(id).url.displayStem(), QStringLiteral("Elsewhere"));
 }
@@ -80,7 +80,7 @@ TEST_F(RenameSessionGuardTest, ASecondSessionHasASubjectOfItsOwn) {
   const UUID second = arrive("2.png");
   begin();
   presentation->beginRename(item(second));
-  ASSERT_TRUE(model->rename(id, QStringLiteral("Elsewhere"), ErrorScope::inbox));
+  ASSERT_TRUE(finish(model->rename(id, QStringLiteral("Elsewhere"), ErrorScope::inbox)));
   EXPECT_TRUE(isOpen());
   model->removeRecords({second});
   EXPECT_FALSE(isOpen());

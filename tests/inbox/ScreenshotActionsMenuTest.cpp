@@ -30,7 +30,10 @@ class ScreenshotActionsMenuTest : public PresentationFixture {
     EXPECT_EQ(menu(ids).action(command).isEnabled, menu(ids).isEnabled(command));
     return menu(ids).isEnabled(command);
   }
-  void perform(Command command, const std::vector<UUID>& ids) const { menu(ids).perform(command); }
+  void perform(Command command, const std::vector<UUID>& ids) {
+    menu(ids).perform(command);
+    executor.drain();
+  }
   std::vector<Command> enabled(const std::vector<UUID>& ids) const {
     std::vector<Command> commands;
     for (const ScreenshotAction& action : menu(ids).actions()) {

@@ -56,7 +56,7 @@ class SearchIndexTest : public ModelFixture {
   }
   UUID idOf(int number) const { return uuid(number); }
   void rename(int number, const char* name) {
-    ASSERT_TRUE(model->rename(uuid(number), QString::fromUtf8(name), ErrorScope::inbox));
+    ASSERT_TRUE(finish(model->rename(uuid(number), QString::fromUtf8(name), ErrorScope::inbox)));
   }
 
   std::unique_ptr<SearchIndex> index;

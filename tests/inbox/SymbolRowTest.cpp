@@ -32,7 +32,7 @@ TEST(SymbolRow, TheSymbolStandsInTheMiddleOfTheFirstLine) {
   row.show(QStringLiteral("clock"), QStringLiteral("Several words in lines"));
   const auto* symbol = dynamic_cast<SymbolLabel*>(row.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)[0]);
   ASSERT_TRUE(symbol);
-  EXPECT_NEAR(symbol->contentsRect().center().y(), QFontMetrics(large).height() / 2, 2);
+  EXPECT_NEAR(symbol->contentsRect().center().y(), QFontMetrics(large).height() / 2.0, 2);
 }
 
 }  // namespace

@@ -76,7 +76,8 @@ class Program:
         self._tree = None
         desktop.errors.write(f"--- started with {arguments}\n")
         desktop.errors.flush()
-        self._process = desktop.start([desktop.binary, *arguments], stderr=desktop.errors, stdout=desktop.errors)
+        self._process = desktop.start([desktop.binary, *arguments], environment=desktop.program_environment,
+                                      stderr=desktop.errors, stdout=desktop.errors)
 
     @property
     def pid(self):
@@ -90,6 +91,11 @@ class Program:
         """As a power cut would: no handler runs."""
         self._process.kill()
         self._process.wait()
+
+    def terminate(self):
+        """As the session ends it."""
+        self._process.terminate()
+        expect("it ends with 0", self.wait(60) == 0)
 
     def wait(self, timeout=10.0):
         """The exit code."""
@@ -112,6 +118,7 @@ class Desktop:
         self.window_manager, self._monitors, self.scale = WINDOW_MANAGERS[window_manager], monitors or {}, scale
         self.binary = os.environ.get("QUILLMERE_PROGRAM") or os.path.join(ROOT, "build", "quillmere")
         self.pictures = os.environ.get("QUILLMERE_PICTURES") or os.path.join(ROOT, "run")
+        self.program_environment = {}  # what the program alone is given beside the desktop's
 
     def __enter__(self):
         try:

@@ -31,9 +31,17 @@ class FakeRecords final : public AnalysisRecords {
     change(items.at(id));
     ++changes;
   }
-  void saveRecords() override { ++saves; }
   void saveRecordsSoon() override { ++laterSaves; }
-  void analyzingChanged(const UUIDSet& ids) override { analyzing = ids; }
+  void analyzingChanged(const std::vector<UUID>& ids, bool isAnalyzing) override {
+    toldIDs += ids.size();
+    for (const UUID& id : ids) {
+      if (isAnalyzing) {
+        EXPECT_TRUE(analyzing.insert(id).second);
+      } else {
+        EXPECT_EQ(analyzing.erase(id), 1u);
+      }
+    }
+  }
   void foreignServerChanged(const std::optional<ForeignModelServer>& server) override {
     foreignServers.push_back(server);
   }
@@ -41,10 +49,10 @@ class FakeRecords final : public AnalysisRecords {
 
   UUIDMap<ScreenshotItem> items;
   UUIDSet analyzing;
+  size_t toldIDs = 0;
   std::vector<std::optional<AnalysisError>> unavailability;
   std::vector<std::optional<ForeignModelServer>> foreignServers;
   int changes = 0;
-  int saves = 0;
   int laterSaves = 0;
 };
 
@@ -106,8 +114,7 @@ TEST_F(AnalysisPipelineTest, ARecordGetsItsTextItsDescriptionAndAName) {
   EXPECT_EQ(item(id).imageDescription, "An invoice.");
   EXPECT_EQ(item(id).suggestedName, "Invoice");
   EXPECT_EQ(analyzer.described[0].text, QStringLiteral("Total 12"));
-  EXPECT_EQ(records.saves, 1) << "the text at once";
-  EXPECT_EQ(records.laterSaves, 1);
+  EXPECT_EQ(records.laterSaves, 2) << "of the text and of what the model said";
 }
 
 TEST_F(AnalysisPipelineTest, KnownTextIsNotReadAgain) {
@@ -115,6 +122,19 @@ TEST_F(AnalysisPipelineTest, KnownTextIsNotReadAgain) {
   pipeline->start({addWithText(1)});
   EXPECT_THAT(analyzer.read, IsEmpty());
   EXPECT_EQ(analyzer.described[0].text, QStringLiteral("known text"));
+}
+
+TEST_F(AnalysisPipelineTest, OfThousandsEachIsToldTwice) {
+  constexpr int kJobs = 4000;
+  std::vector<UUID> ids;
+  for (int i = 1; i <= kJobs; ++i) ids.push_back(addWithText(i));
+  analyzer.holdsDescriptions = true;
+  pipeline->start(ids);
+  for (int i = 0; i < kJobs / 2; ++i) pipeline->cancel(ids[static_cast<size_t>(i)]);
+  pipeline->cancel(std::vector<UUID>(ids.begin() + kJobs / 2, ids.begin() + kJobs / 4 * 3));
+  pipeline->cancelAll();
+  EXPECT_THAT(records.analyzing, IsEmpty());
+  EXPECT_EQ(records.toldIDs, 2u * kJobs);
 }
 
 TEST_F(AnalysisPipelineTest, TwoQuickRequestsRunOneJob) {
@@ -356,7 +376,7 @@ TEST_F(RecognizedText, ConcurrentRequestsShareOneRecognition) {
   EXPECT_EQ(valueOf(first), QStringLiteral("text"));
   EXPECT_EQ(valueOf(second), QStringLiteral("text"));
   EXPECT_EQ(item(id).recognizedText, "text");
-  EXPECT_EQ(records.saves, 1);
+  EXPECT_EQ(records.laterSaves, 1);
 }
 
 TEST_F(RecognizedText, AnEmptyTextIsStoredToo) {

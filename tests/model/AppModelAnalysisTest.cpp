@@ -157,7 +157,7 @@ TEST_F(AppModelAnalysis, WithTheSettingOffNobodyLooksForAModel) {
 
 TEST_F(AppModelAnalysis, ARemovedRecordEndsItsJob) {
   const UUID id = arrive("shot.png");
-  model->disposeItem(item(id), ErrorScope::inbox, AppModel::DisposalReason::chosen);
+  finish(model->disposeItem(item(id), ErrorScope::inbox, AppModel::DisposalReason::chosen));
   EXPECT_THAT(*model->analyzingIDs, IsEmpty());
   EXPECT_TRUE(analyzer.descriptions[0]->isCancelled);
 }

@@ -163,7 +163,7 @@ TEST_F(AppModelCloud, AFileThatBecomesUnreachableEndsItsDownload) {
 TEST_F(AppModelCloud, AfterARenameInTheProgramTheDownloadGoesOnWithTheOldPlace) {
   const UUID id = evicted("shot.png");
   download(id);
-  model->rename(id, "renamed", ErrorScope::inbox);
+  finish(model->rename(id, "renamed", ErrorScope::inbox));
   dataless.insert(item(id).url.path());
   ASSERT_EQ(downloadState(id), DownloadState::downloading);
   dataless.clear();

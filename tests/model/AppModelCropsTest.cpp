@@ -200,7 +200,7 @@ TEST_F(AppModelReplacing, NothingIsThrownAwayWhileItIsBeingWritten) {
   executor.holdBackground();
   const auto task = model->replaceOriginal(id, picture(), kCrop);
   executor.drain();
-  model->disposeItem(item(id), ErrorScope::inbox, AppModel::DisposalReason::chosen);
+  finish(model->disposeItem(item(id), ErrorScope::inbox, AppModel::DisposalReason::chosen));
   advance(301);
   EXPECT_TRUE(hasRecord(id));
   executor.runHeldBackground();
@@ -214,7 +214,7 @@ TEST_F(AppModelReplacing, AScreenshotThatWasRenamedMeanwhileIsNotReplaced) {
   executor.holdBackground();
   const auto task = model->replaceOriginal(id, picture(), kCrop);
   executor.drain();
-  model->rename(id, QStringLiteral("A window"), ErrorScope::inbox);
+  model->rename(id, QStringLiteral("A window"), ErrorScope::inbox).detach();
   executor.runHeldBackground();
   executor.drain();
   EXPECT_EQ(reasonOf(task), kUnreadable);
@@ -354,17 +354,17 @@ TEST_F(AppModelSavingAsNew, TheCropIsAKeptScreenshotOfItsOwn) {
 
 TEST_F(AppModelSavingAsNew, WhoeverWantsToQuitKnowsUntilItIsInTheList) {
   const UUID source = arrivePicture("Screenshot 1.png");
-  EXPECT_FALSE(model->isWritingCrops());
+  EXPECT_FALSE(model->isWritingFiles());
   size_t listed = 0;
-  model->onCropsWritten = [&] { listed = model->items().size(); };
+  model->onFilesWritten = [&] { listed = model->items().size(); };
   executor.holdBackground();
   const auto saving = model->saveAsNew(item(source), picture(), kCrop);
   const auto replacing = model->replaceOriginal(source, picture(), kCrop);
-  EXPECT_TRUE(model->isWritingCrops());
+  EXPECT_TRUE(model->isWritingFiles());
   executor.runHeldBackground();
   EXPECT_TRUE(saving.isDone());
   EXPECT_TRUE(replacing.isDone());
-  EXPECT_FALSE(model->isWritingCrops());
+  EXPECT_FALSE(model->isWritingFiles());
   EXPECT_EQ(listed, 2u) << "told once the last of them is done";
   listed = 0;
   EXPECT_FALSE(save(source, QRectF()));
@@ -426,7 +426,7 @@ TEST_F(AppModelSavingAsNew, ASourceThatHasLeftTheInboxIsCroppedAllTheSame) {
 TEST_F(AppModelSavingAsNew, ItsNameIsTheSourcesOfNow) {
   const UUID source = arrivePicture("Screenshot 1.png");
   const ScreenshotItem before = item(source);
-  ASSERT_TRUE(model->rename(source, QStringLiteral("Invoice"), ErrorScope::inbox));
+  ASSERT_TRUE(finish(model->rename(source, QStringLiteral("Invoice"), ErrorScope::inbox)));
   const auto task = model->saveAsNew(before, picture(), kCrop);
   executor.drain();
   ASSERT_TRUE(task.await_resume());

@@ -81,11 +81,11 @@ TEST_F(AppModelDecisions, KeepInThePopupIsForPendingRecordsAlone) {
 
 TEST_F(AppModelDecisions, ANameRenamesTheFileFirst) {
   const UUID kept = arrive("one.png");
-  model->keepPrompt(kept, "A kept one").detach();
+  finish(model->keepPrompt(kept, "A kept one"));
   EXPECT_EQ(item(kept).url, shots.appending("A kept one.png"));
   EXPECT_TRUE(fileExists(shots.appending("A kept one.png")));
   const UUID temporary = arrive("two.png");
-  model->markTemporary(temporary, TemporaryDuration::oneMinute, "A passing one").detach();
+  finish(model->markTemporary(temporary, TemporaryDuration::oneMinute, "A passing one"));
   EXPECT_EQ(item(temporary).url, shots.appending("A passing one.png"));
   EXPECT_EQ(stateOf(temporary), State::temporary);
   EXPECT_EQ(savedRecord(temporary), item(temporary));
@@ -94,14 +94,14 @@ TEST_F(AppModelDecisions, ANameRenamesTheFileFirst) {
 TEST_F(AppModelDecisions, AFailedRenameDoesNotStopTheDecision) {
   const UUID kept = arrive("one.png");
   files.refuse(shots.appending("one.png"));
-  model->keepPrompt(kept, "A kept one").detach();
+  finish(model->keepPrompt(kept, "A kept one"));
   EXPECT_EQ(stateOf(kept), State::permanent);
   EXPECT_EQ((*model->promptError)->title, "Couldn’t Rename Screenshot");
   EXPECT_EQ(*model->inboxError, *model->promptError) << "the next popup takes it away";
 
   const UUID temporary = arrive("two.png");
   files.refuse(shots.appending("two.png"));
-  model->markTemporary(temporary, TemporaryDuration::oneMinute, "A passing one").detach();
+  finish(model->markTemporary(temporary, TemporaryDuration::oneMinute, "A passing one"));
   EXPECT_EQ(stateOf(temporary), State::temporary);
   EXPECT_EQ(item(temporary).url, shots.appending("two.png"));
   EXPECT_THAT(queue(), IsEmpty());

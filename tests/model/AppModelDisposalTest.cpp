@@ -12,12 +12,12 @@ class AppModelDisposal : public ModelFixture {
   void SetUp() override { launchWatching(); }
 
   void dispose(const UUID& id, Reason reason = Reason::chosen) {
-    model->disposeItem(item(id), ErrorScope::inbox, reason);
+    finish(model->disposeItem(item(id), ErrorScope::inbox, reason));
   }
   void disposeAll(const std::vector<UUID>& ids, Reason reason = Reason::chosen) {
     std::vector<ScreenshotItem> batch;
     for (const UUID& id : ids) batch.push_back(item(id));
-    model->disposeBatch(batch, ErrorScope::inbox, reason);
+    finish(model->disposeBatch(batch, ErrorScope::inbox, reason));
   }
   QString title() const { return *model->inboxError ? (*model->inboxError)->title : QString(); }
   QString text() const { return *model->inboxError ? (*model->inboxError)->message : QString(); }
@@ -133,9 +133,9 @@ TEST_F(AppModelDisposal, RefusedDeletionHasItsOwnWords) {
 TEST_F(AppModelDisposal, TheErrorNamesTheFileAsItIsCalledNow) {
   const UUID id = arrivePermanent("shot.png");
   const ScreenshotItem stale = item(id);
-  model->rename(id, "renamed", ErrorScope::inbox);
+  finish(model->rename(id, "renamed", ErrorScope::inbox));
   files.refuse(shots.appending("renamed.png"));
-  model->disposeItem(stale, ErrorScope::inbox, Reason::chosen);
+  finish(model->disposeItem(stale, ErrorScope::inbox, Reason::chosen));
   EXPECT_TRUE(text().startsWith("“renamed.png” couldn’t be moved to Trash."));
 }
 
@@ -155,7 +155,7 @@ TEST_F(AppModelDisposal, RecordInTheEditorIsInUseEvenWhenDeletedImmediately) {
 
 TEST_F(AppModelDisposal, AnUnknownRecordIsNoError) {
   ScreenshotItem unknown = bareItem(404);
-  model->disposeItem(unknown, ErrorScope::inbox, Reason::chosen);
+  finish(model->disposeItem(unknown, ErrorScope::inbox, Reason::chosen));
   EXPECT_EQ(*model->inboxError, std::nullopt);
   EXPECT_EQ(files.calls(), 0);
 }
@@ -163,7 +163,7 @@ TEST_F(AppModelDisposal, AnUnknownRecordIsNoError) {
 TEST_F(AppModelDisposal, TheErrorShowsWhereThePersonActed) {
   const UUID id = arrivePermanent("shot.png");
   files.refuse(item(id).url);
-  model->disposeItem(item(id), ErrorScope::settings, Reason::chosen);
+  finish(model->disposeItem(item(id), ErrorScope::settings, Reason::chosen));
   EXPECT_TRUE(model->settingsError->has_value());
   EXPECT_EQ(*model->inboxError, std::nullopt);
 }
@@ -171,7 +171,7 @@ TEST_F(AppModelDisposal, TheErrorShowsWhereThePersonActed) {
 TEST_F(AppModelDisposal, AScreenshotWhoseDisposalFailedStaysInThePopupWithTheError) {
   const UUID id = arrive("shot.png");
   files.refuse(item(id).url);
-  model->disposeItem(*model->promptedItem(), ErrorScope::popup, Reason::chosen);
+  finish(model->disposeItem(*model->promptedItem(), ErrorScope::popup, Reason::chosen));
   EXPECT_THAT(queue(), ElementsAre(id));
   EXPECT_EQ(presenter.visible, id);
   EXPECT_EQ(stateOf(id), State::pending);
@@ -181,7 +181,7 @@ TEST_F(AppModelDisposal, AScreenshotWhoseDisposalFailedStaysInThePopupWithTheErr
 TEST_F(AppModelDisposal, DisposingOfTheVisibleScreenshotShowsTheNext) {
   arrive("first.png");
   const UUID second = arrive("second.png");
-  model->disposeItem(*model->promptedItem(), ErrorScope::popup, Reason::chosen);
+  finish(model->disposeItem(*model->promptedItem(), ErrorScope::popup, Reason::chosen));
   EXPECT_EQ(presenter.visible, second);
   EXPECT_EQ(model->items().size(), 1u);
 }
@@ -232,12 +232,12 @@ TEST_F(AppModelDisposal, AFileThatWasReplacedIsAskedAboutAgain) {
   const UUID id = arrivePermanent("shot.png");
   const FileURL shot = shots.appending("shot.png");
   identities[shot.path()] = FileIdentity{"volume", 4711, Date{kStart + 50}, 7};
-  model->disposeItem(item(id), ErrorScope::inbox, Reason::chosen);
+  finish(model->disposeItem(item(id), ErrorScope::inbox, Reason::chosen));
   EXPECT_EQ(files.calls(), 0);
   EXPECT_EQ(title(), "Screenshot Has Changed");
   EXPECT_EQ(text(), "“shot.png” has changed since it was shown. Look at it again, then decide.");
   EXPECT_EQ(savedRecord(id)->fileIdentity->file, 4711u);
-  model->disposeItem(item(id), ErrorScope::inbox, Reason::chosen);
+  finish(model->disposeItem(item(id), ErrorScope::inbox, Reason::chosen));
   EXPECT_TRUE(isInTrashFolder("shot.png"));
   EXPECT_FALSE(hasRecord(id));
 }
@@ -251,7 +251,7 @@ TEST_F(AppModelDisposal, AReplacementThatHasItsOwnRecordIsNotAdopted) {
   const UUID other = arrivePermanent("shot.png");
   ASSERT_NE(other, old);
   const auto identity = item(old).fileIdentity;
-  model->disposeItem(item(old), ErrorScope::inbox, Reason::chosen);
+  finish(model->disposeItem(item(old), ErrorScope::inbox, Reason::chosen));
   executor.drain();
   EXPECT_TRUE(fileExists(shot));
   EXPECT_TRUE(hasRecord(other));
@@ -262,7 +262,7 @@ TEST_F(AppModelDisposal, AReplacementThatHasItsOwnRecordIsNotAdopted) {
 TEST_F(AppModelDisposal, AReplacementOfATemporaryFileIsNotTemporary) {
   const UUID id = arriveTemporary("shot.png");
   identities[shots.appending("shot.png").path()] = FileIdentity{"volume", 4711, Date{kStart + 50}, 7};
-  model->disposeItem(item(id), ErrorScope::inbox, Reason::chosen);
+  finish(model->disposeItem(item(id), ErrorScope::inbox, Reason::chosen));
   EXPECT_EQ(stateOf(id), State::permanent);
   advance(100'000);
   EXPECT_EQ(files.calls(), 0);
@@ -274,7 +274,7 @@ TEST_F(AppModelDisposal, ALinkInThePlaceOfAFileIsLeftAlone) {
   deleteFile(shot);
   std::filesystem::create_symlink("/etc/hostname", shot.path());
   for (const Reason reason : {Reason::chosen, Reason::deleteImmediately}) {
-    model->disposeItem(item(id), ErrorScope::inbox, reason);
+    finish(model->disposeItem(item(id), ErrorScope::inbox, reason));
     EXPECT_EQ(title(), "Screenshot Has Changed");
   }
   EXPECT_EQ(files.calls(), 0);
@@ -284,11 +284,11 @@ TEST_F(AppModelDisposal, ALinkInThePlaceOfAFileIsLeftAlone) {
 TEST_F(AppModelDisposal, AFileThatWasWrittenUnderThePopupIsAskedAboutAgain) {
   const UUID id = arrive("shot.png");
   writeFile(shots.appending("shot.png"), "another picture in the same file");
-  EXPECT_EQ(model->disposeChosen(id, ErrorScope::popup), AppModel::ChosenDisposal::refused);
+  EXPECT_EQ(finish(model->disposeChosen(id, ErrorScope::popup)), AppModel::ChosenDisposal::refused);
   EXPECT_EQ(files.calls(), 0);
   ASSERT_TRUE(*model->promptError);
   EXPECT_EQ((*model->promptError)->title, QStringLiteral("Screenshot Has Changed"));
-  EXPECT_EQ(model->disposeChosen(id, ErrorScope::popup), AppModel::ChosenDisposal::done);
+  EXPECT_EQ(finish(model->disposeChosen(id, ErrorScope::popup)), AppModel::ChosenDisposal::done);
 }
 
 TEST_F(AppModelDisposal, AFileThatWasReplacedUnderTheQuestionIsAskedAboutAgain) {
@@ -298,10 +298,10 @@ TEST_F(AppModelDisposal, AFileThatWasReplacedUnderTheQuestionIsAskedAboutAgain) 
   const FileURL shot = shots.appending("shot.png");
   onDeletionQuestion = [&] { identities[shot.path()] = FileIdentity{"volume", 4711, Date{kStart + 50}, 7}; };
   confirmsDeletion = true;
-  EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), AppModel::ChosenDisposal::refused);
+  EXPECT_EQ(finish(model->disposeChosen(id, ErrorScope::inbox)), AppModel::ChosenDisposal::refused);
   EXPECT_TRUE(fileExists(shot));
   onDeletionQuestion = {};
-  EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), AppModel::ChosenDisposal::done);
+  EXPECT_EQ(finish(model->disposeChosen(id, ErrorScope::inbox)), AppModel::ChosenDisposal::done);
   EXPECT_FALSE(fileExists(shot));
 }
 
@@ -320,7 +320,7 @@ TEST_F(AppModelDisposal, ReplacedFilesOfABatchAreCounted) {
 TEST_F(AppModelDisposal, WhatAnotherDiskHasUnderTheNameIsLeftAlone) {
   const UUID id = arrivePermanent("shot.png");
   isVolumeMounted = false;
-  model->disposeItem(item(id), ErrorScope::inbox, Reason::deleteImmediately);
+  finish(model->disposeItem(item(id), ErrorScope::inbox, Reason::deleteImmediately));
   EXPECT_EQ(files.calls(), 0);
   EXPECT_TRUE(model->unavailableItemIDs->contains(id));
 }
@@ -340,13 +340,13 @@ TEST_F(AppModelDisposal, BatchThatWentWellShowsNothingAndSavesOnce) {
 
 TEST_F(AppModelDisposal, BatchOfUnknownRecordsShowsNoError) {
   wasSaved();
-  model->disposeBatch({bareItem(404), bareItem(405)}, ErrorScope::inbox, Reason::chosen);
+  finish(model->disposeBatch({bareItem(404), bareItem(405)}, ErrorScope::inbox, Reason::chosen));
   EXPECT_EQ(*model->inboxError, std::nullopt);
   EXPECT_FALSE(wasSaved());
 }
 
 TEST_F(AppModelDisposal, BatchOfNoneDoesNothing) {
-  model->disposeBatch({}, ErrorScope::inbox, Reason::chosen);
+  finish(model->disposeBatch({}, ErrorScope::inbox, Reason::chosen));
   EXPECT_EQ(*model->inboxError, std::nullopt);
 }
 
@@ -413,7 +413,7 @@ class AppModelChosenDisposal : public ModelFixture {
 
 TEST_F(AppModelChosenDisposal, MovingToTrashAsksNothing) {
   const UUID id = arrive("shot.png");
-  EXPECT_EQ(model->disposeChosen(id, ErrorScope::popup), Chosen::done);
+  EXPECT_EQ(finish(model->disposeChosen(id, ErrorScope::popup)), Chosen::done);
   EXPECT_THAT(deletionQuestions, IsEmpty());
   EXPECT_TRUE(isInTrashFolder("shot.png"));
 }
@@ -422,11 +422,11 @@ TEST_F(AppModelChosenDisposal, DeletingAsksFirst) {
   const UUID id = arrive("shot.png");
   model->setDeletesChosenImmediately(true);
   confirmsDeletion = false;
-  EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), Chosen::declined);
+  EXPECT_EQ(finish(model->disposeChosen(id, ErrorScope::inbox)), Chosen::declined);
   EXPECT_TRUE(hasRecord(id));
   EXPECT_EQ(files.calls(), 0);
   confirmsDeletion = true;
-  EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), Chosen::done);
+  EXPECT_EQ(finish(model->disposeChosen(id, ErrorScope::inbox)), Chosen::done);
   EXPECT_EQ(deletionQuestions, (std::vector<QString>{"shot.png", "shot.png"}));
   EXPECT_EQ(files.removeCalls, 1);
 }
@@ -437,11 +437,11 @@ TEST_F(AppModelChosenDisposal, UnderTheQuestionARecordNeitherExpiresNorGoesFromE
   confirmsDeletion = false;
   onDeletionQuestion = [&] {
     advance(65);
-    model->disposeItem(item(id), ErrorScope::popup, AppModel::DisposalReason::deleteImmediately);
+    finish(model->disposeItem(item(id), ErrorScope::popup, AppModel::DisposalReason::deleteImmediately));
     EXPECT_TRUE(hasRecord(id));
     EXPECT_EQ((*model->promptError)->title, "Screenshot Is in Use");
   };
-  EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), Chosen::declined);
+  EXPECT_EQ(finish(model->disposeChosen(id, ErrorScope::inbox)), Chosen::declined);
   EXPECT_EQ(files.calls(), 0);
   advance(10);
   EXPECT_FALSE(hasRecord(id)) << "its time goes on after the answer";
@@ -451,16 +451,16 @@ TEST_F(AppModelChosenDisposal, NothingIsAskedTwiceAtATime) {
   const UUID id = arrive("shot.png");
   model->setDeletesChosenImmediately(true);
   confirmsDeletion = false;
-  onDeletionQuestion = [&] { EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), Chosen::declined); };
-  EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), Chosen::declined);
+  onDeletionQuestion = [&] { EXPECT_EQ(finish(model->disposeChosen(id, ErrorScope::inbox)), Chosen::declined); };
+  EXPECT_EQ(finish(model->disposeChosen(id, ErrorScope::inbox)), Chosen::declined);
   EXPECT_EQ(deletionQuestions.size(), 1u);
 }
 
 TEST_F(AppModelChosenDisposal, TheAnswerCountsForTheRecordAsItIsThen) {
   const UUID id = arrive("shot.png");
   model->setDeletesChosenImmediately(true);
-  onDeletionQuestion = [&] { ASSERT_TRUE(model->rename(id, "renamed", ErrorScope::inbox)); };
-  EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), Chosen::done);
+  onDeletionQuestion = [&] { ASSERT_TRUE(finish(model->rename(id, "renamed", ErrorScope::inbox))); };
+  EXPECT_EQ(finish(model->disposeChosen(id, ErrorScope::inbox)), Chosen::done);
   EXPECT_FALSE(fileExists(shots.appending("renamed.png")));
 }
 
@@ -468,9 +468,9 @@ TEST_F(AppModelChosenDisposal, ARecordThatIsGoneByTheAnswerIsNotTouched) {
   const UUID id = arrive("shot.png");
   model->setDeletesChosenImmediately(true);
   onDeletionQuestion = [&] { model->removeRecords({id}); };
-  EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), Chosen::done);
+  EXPECT_EQ(finish(model->disposeChosen(id, ErrorScope::inbox)), Chosen::done);
   EXPECT_EQ(files.calls(), 0);
-  EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), Chosen::declined) << "nobody is asked about it";
+  EXPECT_EQ(finish(model->disposeChosen(id, ErrorScope::inbox)), Chosen::declined) << "nobody is asked about it";
   EXPECT_EQ(deletionQuestions.size(), 1u);
 }
 
@@ -478,7 +478,7 @@ TEST_F(AppModelChosenDisposal, ARefusalIsShownWhereThePersonActed) {
   const UUID id = arrive("shot.png");
   model->setDeletesChosenImmediately(true);
   files.refuse(item(id).url);
-  EXPECT_EQ(model->disposeChosen(id, ErrorScope::inbox), Chosen::refused);
+  EXPECT_EQ(finish(model->disposeChosen(id, ErrorScope::inbox)), Chosen::refused);
   EXPECT_EQ((*model->inboxError)->title, "Couldn’t Delete");
 }
 
@@ -496,7 +496,7 @@ class AppModelConfirmedDisposal : public ModelFixture {
   void confirm(const std::vector<UUID>& ids, const UUIDMap<FileStamp>& stamps, Reason reason = Reason::chosen) {
     std::vector<ScreenshotItem> items;
     for (const UUID& id : ids) items.push_back(item(id));
-    model->disposeConfirmed(items, stamps, reason);
+    finish(model->disposeConfirmed(items, stamps, reason));
   }
   QString title() const { return *model->inboxError ? (*model->inboxError)->title : QString(); }
   QString text() const { return *model->inboxError ? (*model->inboxError)->message : QString(); }
@@ -618,9 +618,9 @@ TEST_F(AppModelConfirmedDisposal, RecordsThatAreGoneAreNoError) {
   const std::vector<ScreenshotItem> items{item(first), item(second)};
   const auto stamps = stampsOf({first, second});
   model->removeRecords({first, second});
-  model->disposeConfirmed(items, stamps, Reason::deleteImmediately);
-  model->disposeConfirmed({items[0]}, stamps, Reason::deleteImmediately);
-  model->disposeConfirmed({}, {}, Reason::chosen);
+  finish(model->disposeConfirmed(items, stamps, Reason::deleteImmediately));
+  finish(model->disposeConfirmed({items[0]}, stamps, Reason::deleteImmediately));
+  finish(model->disposeConfirmed({}, {}, Reason::chosen));
   EXPECT_EQ(files.calls(), 0);
   EXPECT_FALSE(*model->inboxError);
 }

@@ -41,6 +41,7 @@ TEST_F(AppModelExpiry, OnlyATemporaryRecordWhoseTimeHasComeExpires) {
   const UUID kept = arrivePermanent("kept.png");
   const UUID early = arriveTemporary("early.png");
   for (const UUID& id : {pending, kept, early, uuid(404)}) model->expire(id);
+  executor.drain();
   EXPECT_EQ(model->items().size(), 3u);
   EXPECT_EQ(files.calls(), 0);
 }

@@ -305,7 +305,7 @@ TEST_F(AppModelExtraction, ThePopupStaysWhileItsDecisionIsCarriedOut) {
   EXPECT_THAT(queue(), ElementsAre(id));
   model->setPromptWindowExtraction(item(id), false).detach();
   EXPECT_EQ(phase(), Extraction::Phase(Extraction::Saving{kWindow}));
-  model->disposeItem(item(id), ErrorScope::popup, AppModel::DisposalReason::chosen);
+  finish(model->disposeItem(item(id), ErrorScope::popup, AppModel::DisposalReason::chosen));
   EXPECT_TRUE(hasRecord(id)) << "the file is in use";
   executor.drain();
   EXPECT_EQ(stateOf(id), State::permanent);

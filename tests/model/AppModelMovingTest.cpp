@@ -27,7 +27,7 @@ class AppModelMoving : public ModelFixture {
 
 TEST_F(AppModelMoving, AMovedScreenshotIsKeptAtItsNewPlace) {
   const UUID id = arrive("shot.png");
-  model->move(id, destination());
+  finish(model->move(id, destination()));
   EXPECT_TRUE(fileExists(destination()));
   EXPECT_FALSE(fileExists(shots.appending("shot.png")));
   EXPECT_EQ(item(id).url, destination());
@@ -40,7 +40,7 @@ TEST_F(AppModelMoving, AMovedScreenshotIsKeptAtItsNewPlace) {
 
 TEST_F(AppModelMoving, ATemporaryScreenshotThatWasMovedHasNoExpiryAnyMore) {
   const UUID id = arriveTemporary("shot.png");
-  model->move(id, destination());
+  finish(model->move(id, destination()));
   EXPECT_EQ(stateOf(id), State::permanent);
   EXPECT_FALSE(item(id).expiresAt);
   EXPECT_FALSE(scheduledAt(id));
@@ -50,14 +50,14 @@ TEST_F(AppModelMoving, ATemporaryScreenshotThatWasMovedHasNoExpiryAnyMore) {
 
 TEST_F(AppModelMoving, AFileOutsideTheFolderGetsAccessOfItsOwn) {
   const UUID id = arrive("shot.png");
-  model->move(id, destination());
+  finish(model->move(id, destination()));
   EXPECT_TRUE(scope.isOpen(destination()));
 }
 
 TEST_F(AppModelMoving, AMoveWithinTheFolderMakesNoSecondRecord) {
   const UUID id = arrive("shot.png");
   const FileURL renamed = shots.appending("other.png");
-  model->move(id, renamed);
+  finish(model->move(id, renamed));
   monitor.onScreenshot(renamed);
   reportRemoval({shots.appending("shot.png")});
   EXPECT_EQ(model->items().size(), 1u);
@@ -69,7 +69,7 @@ TEST_F(AppModelMoving, OnAnotherDiskTheFileHasAnotherIdentity) {
   const UUID id = arrive("shot.png");
   const FileIdentity there{"other volume", 7, Date{1}, 8};
   identities[destination().path()] = there;
-  model->move(id, destination());
+  finish(model->move(id, destination()));
   EXPECT_EQ(item(id).fileIdentity, there);
 }
 
@@ -77,7 +77,7 @@ TEST_F(AppModelMoving, ATakenNameIsToldWithoutAnythingElse) {
   const UUID id = arriveTemporary("shot.png");
   const ScreenshotItem before = item(id);
   writeFile(destination(), "another file");
-  model->move(id, destination());
+  finish(model->move(id, destination()));
   ASSERT_TRUE(*model->inboxError);
   EXPECT_EQ((*model->inboxError)->title, "Couldn’t Move Screenshot");
   EXPECT_EQ((*model->inboxError)->message,
@@ -91,7 +91,7 @@ TEST_F(AppModelMoving, ARefusedMoveIsToldInTheSystemsWords) {
   const UUID id = arrive("shot.png");
   const ScreenshotItem before = item(id);
   files.refuse(before.url);
-  model->move(id, destination());
+  finish(model->move(id, destination()));
   ASSERT_TRUE(*model->inboxError);
   EXPECT_EQ((*model->inboxError)->title, "Couldn’t Move Screenshot");
   EXPECT_EQ((*model->inboxError)->message,
@@ -104,7 +104,7 @@ TEST_F(AppModelMoving, AccessThatCannotBeSavedIsToldAndTheMoveStands) {
   const UUID id = arrive("shot.png");
   const auto oldBookmark = item(id).fileBookmark;
   scope.refusedBookmarks.insert(destination().path());
-  model->move(id, destination());
+  finish(model->move(id, destination()));
   ASSERT_TRUE(*model->inboxError);
   EXPECT_EQ((*model->inboxError)->title, "Access Not Saved");
   EXPECT_EQ((*model->inboxError)->message,
@@ -123,7 +123,7 @@ TEST_F(AppModelMoving, AMovedScreenshotIsAvailableAndItsDataIsLookedForAtTheNewP
   connectDisk();
   dataless.insert(destination().path());
   ubiquitous.insert(destination().path());
-  model->move(id, destination());
+  finish(model->move(id, destination()));
   EXPECT_FALSE(model->unavailableItemIDs->contains(id));
   EXPECT_TRUE(model->evictedItemIDs->contains(id));
   EXPECT_TRUE(model->iCloudItemIDs->contains(id));
@@ -132,7 +132,7 @@ TEST_F(AppModelMoving, AMovedScreenshotIsAvailableAndItsDataIsLookedForAtTheNewP
 TEST_F(AppModelMoving, ARecordThatIsGoneIsNotMoved) {
   const UUID id = arrive("shot.png");
   model->removeRecords({id});
-  model->move(id, destination());
+  finish(model->move(id, destination()));
   EXPECT_TRUE(fileExists(shots.appending("shot.png")));
   EXPECT_FALSE(*model->inboxError);
 }
@@ -145,10 +145,10 @@ TEST_F(AppModelMoving, AMoveIsNotedUntilItIsSaved) {
   const std::vector<BegunMove> noted{{id, before, destination()}};
   files.onMove = [&](const FileURL&, const FileURL&) { EXPECT_TRUE(journal().load() == noted); };
   files.refuse(before);
-  model->move(id, destination());
+  finish(model->move(id, destination()));
   EXPECT_TRUE(journal().load().empty()) << "it did not take place";
   files.allow(before);
-  model->move(id, destination());
+  finish(model->move(id, destination()));
   EXPECT_EQ(savedRecord(id)->url, destination());
   EXPECT_TRUE(journal().load().empty());
 }
@@ -157,7 +157,7 @@ TEST_F(AppModelMoving, AMoveStaysNotedUntilTheListCanBeSaved) {
   const UUID id = arrive("shot.png");
   const FileURL inItsWay = listFile.parent().appending("screenshots.json.saving");
   std::filesystem::create_directory(inItsWay.path());
-  model->move(id, destination());
+  finish(model->move(id, destination()));
   EXPECT_FALSE(model->isSaved());
   EXPECT_EQ(journal().load().size(), 1u);
   model.reset();
@@ -231,6 +231,7 @@ TEST_F(AppModelMoving, ThePanelOpensWithTheFilesNameInItsFolder) {
   const UUID id = arrive("My shot.png");
   chooser.destination = destination();
   model->moveAndRename(id);
+  executor.drain();
   ASSERT_EQ(chooser.saveStarts.size(), 1u);
   EXPECT_EQ(chooser.saveStarts[0].directory, shots);
   EXPECT_EQ(chooser.saveStarts[0].name, "My shot.png");
@@ -242,6 +243,7 @@ TEST_F(AppModelMoving, ACancelledPanelChangesNothing) {
   const UUID id = arriveTemporary("shot.png");
   const ScreenshotItem before = item(id);
   model->moveAndRename(id);
+  executor.drain();
   EXPECT_EQ(item(id), before);
   EXPECT_EQ(files.calls(), 0);
 }
@@ -254,6 +256,7 @@ TEST_F(AppModelMoving, NothingRunsOutOfTimeUnderTheOpenPanel) {
     EXPECT_EQ(files.trashCalls, 0);
   };
   model->moveAndRename(id);
+  executor.drain();
   // The panel is closed, and the time is up.
   advance(10);
   EXPECT_EQ(files.trashCalls, 1);
@@ -261,9 +264,12 @@ TEST_F(AppModelMoving, NothingRunsOutOfTimeUnderTheOpenPanel) {
 
 TEST_F(AppModelMoving, ARecordCannotBeDisposedOfUnderTheOpenPanel) {
   const UUID id = arrive("shot.png");
-  chooser.whileOpen = [&] { model->disposeItem(item(id), ErrorScope::inbox, AppModel::DisposalReason::chosen); };
+  chooser.whileOpen = [&] {
+    finish(model->disposeItem(item(id), ErrorScope::inbox, AppModel::DisposalReason::chosen));
+  };
   chooser.destination = destination();
   model->moveAndRename(id);
+  executor.drain();
   EXPECT_EQ(files.trashCalls, 0);
   EXPECT_EQ(item(id).url, destination());
 }
@@ -273,6 +279,7 @@ TEST_F(AppModelMoving, AFileThatVanishedUnderTheOpenPanelIsAFailedMove) {
   chooser.whileOpen = [&] { deleteFile(shots.appending("shot.png")); };
   chooser.destination = destination();
   model->moveAndRename(id);
+  executor.drain();
   ASSERT_TRUE(*model->inboxError);
   EXPECT_EQ((*model->inboxError)->title, "Couldn’t Move Screenshot");
 }
@@ -282,7 +289,7 @@ TEST_F(AppModelMoving, AFileThatVanishedUnderTheOpenPanelIsAFailedMove) {
 TEST_F(AppModelMoving, OneSuggestedNameIsUsedAsInOneRename) {
   storeRecords({analyzed(1, "shot.png", "Budget: 2026")});
   launchWatching();
-  model->applySuggestedNames({uuid(1)}, ErrorScope::inbox);
+  finish(model->applySuggestedNames({uuid(1)}, ErrorScope::inbox));
   EXPECT_EQ(item(uuid(1)).url, shots.appending("Budget 2026.png"));
   EXPECT_EQ(savedRecord(uuid(1)), item(uuid(1)));
 }
@@ -291,7 +298,7 @@ TEST_F(AppModelMoving, AFailureOfOneSuggestedNameIsToldAsOneRenames) {
   storeRecords({analyzed(1, "shot.png", "Budget")});
   launchWatching();
   files.refuse(shots.appending("shot.png"));
-  model->applySuggestedNames({uuid(1)}, ErrorScope::inbox);
+  finish(model->applySuggestedNames({uuid(1)}, ErrorScope::inbox));
   ASSERT_TRUE(*model->inboxError);
   EXPECT_EQ((*model->inboxError)->title, "Couldn’t Rename Screenshot");
 }
@@ -302,19 +309,19 @@ TEST_F(AppModelMoving, RecordsWithoutAUsableSuggestionAreSkipped) {
   storeRecords({analyzed(1, "a.png", "Table"), analyzed(2, "b.png", "..."), undescribed,
                 storedItem(4, "d.png", State::permanent)});
   launchWatching();
-  model->applySuggestedNames(everyID(), ErrorScope::inbox);
+  finish(model->applySuggestedNames(everyID(), ErrorScope::inbox));
   EXPECT_EQ(files.moveCalls, 1);
   EXPECT_EQ(item(uuid(1)).url, shots.appending("Table.png"));
   EXPECT_FALSE(*model->inboxError);
-  model->applySuggestedNames({uuid(2)}, ErrorScope::inbox);
-  model->applySuggestedNames({uuid(4)}, ErrorScope::inbox);
+  finish(model->applySuggestedNames({uuid(2)}, ErrorScope::inbox));
+  finish(model->applySuggestedNames({uuid(4)}, ErrorScope::inbox));
   EXPECT_EQ(files.moveCalls, 1);
 }
 
 TEST_F(AppModelMoving, ABatchIsSavedOnceAndNumbersEqualNames) {
   storeRecords({analyzed(1, "a.png", "Table"), analyzed(2, "b.png", "Table")});
   launchWatching();
-  model->applySuggestedNames({uuid(1), uuid(2)}, ErrorScope::inbox);
+  finish(model->applySuggestedNames({uuid(1), uuid(2)}, ErrorScope::inbox));
   EXPECT_EQ(item(uuid(1)).url, shots.appending("Table.png"));
   EXPECT_EQ(item(uuid(2)).url, shots.appending("Table (1).png"));
   EXPECT_EQ(savedRecord(uuid(2)), item(uuid(2)));
@@ -324,7 +331,7 @@ TEST_F(AppModelMoving, ABatchInWhichNothingIsRenamedIsNotSaved) {
   storeRecords({analyzed(1, "Table.png", "Table"), analyzed(2, "b.png", "b")});
   launchWatching();
   wasSaved();
-  model->applySuggestedNames({uuid(1), uuid(2)}, ErrorScope::inbox);
+  finish(model->applySuggestedNames({uuid(1), uuid(2)}, ErrorScope::inbox));
   EXPECT_FALSE(wasSaved());
   EXPECT_FALSE(*model->inboxError);
 }
@@ -341,7 +348,7 @@ TEST_F(AppModelMoving, ABatchTellsFailuresFirstThenTheUnavailable) {
   model->reconcile({.ids = UUIDSet{uuid(3)}, .polite = false, .dropsUnavailableFromQueue = false, .completions = {}});
   executor.drain();
   ASSERT_TRUE(model->unavailableItemIDs->contains(uuid(3)));
-  model->applySuggestedNames({uuid(3), uuid(1), uuid(2), uuid(4)}, ErrorScope::inbox);
+  finish(model->applySuggestedNames({uuid(3), uuid(1), uuid(2), uuid(4)}, ErrorScope::inbox));
   ASSERT_TRUE(*model->inboxError);
   EXPECT_EQ((*model->inboxError)->title, "Couldn’t Rename Every Screenshot");
   EXPECT_EQ((*model->inboxError)->message,

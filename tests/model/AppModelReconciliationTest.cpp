@@ -262,10 +262,10 @@ TEST_F(AppModelReconciliation, ACompletionMayAskForAnotherRun) {
 TEST_F(AppModelReconciliation, ARenameByThePersonDuringARunIsNotUndone) {
   const UUID id = arrivePermanent("shot.png");
   executor.holdBackground();
+  model->rename(id, "By hand", ErrorScope::inbox).detach();
+  // The run goes by the old place, where by then another file stands.
+  executor.runInBackground([&] { writeFile(shots.appending("shot.png"), "another picture"); }, [] {});
   model->reconcile(request(std::nullopt));
-  model->rename(id, "By hand", ErrorScope::inbox);
-  // The run goes by the old place, where by now another file stands.
-  writeFile(shots.appending("shot.png"), "another picture");
   executor.runHeldBackground();
   EXPECT_EQ(item(id).url, shots.appending("By hand.png"));
   EXPECT_FALSE(model->unavailableItemIDs->contains(id));

@@ -8,7 +8,7 @@ using ::testing::ElementsAre;
 class AppModelRenaming : public ModelFixture {
  protected:
   void SetUp() override { launchWatching(); }
-  bool rename(const UUID& id, const QString& name) { return model->rename(id, name, ErrorScope::inbox); }
+  bool rename(const UUID& id, const QString& name) { return finish(model->rename(id, name, ErrorScope::inbox)); }
 };
 
 TEST_F(AppModelRenaming, RenamedFileIsFollowedByItsRecord) {
@@ -97,7 +97,7 @@ TEST_F(AppModelRenaming, AScreenshotThatWasMovedAwayIsRenamedWhereItIs) {
   moveFile(url, own);
   scope.follow(url, own);
   writeFile(url, "another picture");
-  model->markTemporary(id, TemporaryDuration::fiveMinutes, QStringLiteral("A window")).detach();
+  finish(model->markTemporary(id, TemporaryDuration::fiveMinutes, QStringLiteral("A window")));
   EXPECT_EQ(item(id).url, elsewhere.appending("A window.png"));
   EXPECT_EQ(readBytes(url), "another picture");
   // Moving it was the person's decision to keep it.
@@ -218,7 +218,7 @@ TEST_F(AppModelRenaming, AnUnknownRecordIsNotRenamed) {
 TEST_F(AppModelRenaming, TheErrorShowsWhereThePersonActed) {
   const UUID id = arrive("shot.png");
   files.refuse(item(id).url);
-  EXPECT_FALSE(model->rename(id, "A window", ErrorScope::popup));
+  EXPECT_FALSE(finish(model->rename(id, "A window", ErrorScope::popup)));
   EXPECT_EQ((*model->promptError)->title, "Couldn’t Rename Screenshot");
   EXPECT_EQ(*model->inboxError, std::nullopt);
 }

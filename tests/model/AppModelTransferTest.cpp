@@ -120,8 +120,8 @@ TEST_F(AppModelTransfer, AFileWhoseEvictionIsNotKnownYetIsNotRead) {
 
 TEST_F(AppModelTransfer, AFileThatADecisionNamedMeanwhileIsCopiedAllTheSame) {
   const UUID id = arrive("shot.png");
-  model->copy(item(id), ErrorScope::popup).detach();
   model->keepPrompt(id, QStringLiteral("Invoice")).detach();
+  model->copy(item(id), ErrorScope::popup).detach();
   executor.drain();
   ASSERT_THAT(pasteboard.items, SizeIs(1));
   EXPECT_EQ(pasteboard.items[0].url, shots.appending("Invoice.png"));

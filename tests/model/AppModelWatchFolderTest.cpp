@@ -404,7 +404,7 @@ TEST_F(AppModelWatchFolder, AccessFollowsARenamedFileOutside) {
   writeFile(outside, "outside");
   monitor.onArrivedScreenshot(outside);
   const UUID id = model->items()[0].id;
-  EXPECT_TRUE(model->rename(id, "renamed", ErrorScope::inbox));
+  EXPECT_TRUE(finish(model->rename(id, "renamed", ErrorScope::inbox)));
   EXPECT_FALSE(scope.isOpen(outside));
   EXPECT_TRUE(scope.isOpen(elsewhere.appending("renamed.png")));
   EXPECT_EQ(scope.openCount(), 2);

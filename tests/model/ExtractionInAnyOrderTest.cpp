@@ -102,7 +102,7 @@ class ExtractionInAnyOrder : public ModelFixture {
       case 6:
         return model->copy(item(*head), ErrorScope::popup).detach();
       case 7:
-        return model->disposeItem(item(*head), ErrorScope::popup, AppModel::DisposalReason::chosen);
+        return model->disposeItem(item(*head), ErrorScope::popup, AppModel::DisposalReason::chosen).detach();
       case 8:
         return interfere(*head);
       default: {

@@ -22,13 +22,24 @@ using ::testing::SizeIs;
 
 class FakeReplacedRecords final : public ReplacedRecords {
  public:
+  FakeReplacedRecords() { disk.answerAtOnce(); }
   void protect(const UUID& id) override { protectedIDs.insert(id); }
   void unprotect(const UUID& id) override { protectedIDs.erase(id); }
+  /// There is nobody else.
+  Task<FileWorker::Hold> claimFile(const UUID&) override { co_return nullptr; }
   void fileWasReplaced(const UUID& id) override {
     replaced.push_back(id);
     if (onReplaced) onReplaced();
   }
   void fileWasPutAt(const UUID&, const FileURL& url) override { putAt.push_back(url); }
+  Task<bool> whenReplacedIsSaved() override {
+    auto saving = disk.background([this] { return isSaved; });
+    const bool result = co_await saving;
+    co_return result;
+  }
+
+  ManualExecutor disk;  ///< with the list
+  bool isSaved = true;
 
   UUIDSet protectedIDs;
   std::vector<UUID> replaced;
@@ -92,6 +103,38 @@ TEST_F(FileReplacementTest, TheJournalIsThereUntilTheRecordKnowsItsNewFile) {
   EXPECT_FALSE(fileExists(journal()));
   EXPECT_TRUE(fileExists(trash.appending("shot.png")));
   EXPECT_EQ(QImage(original.displayPath()).size(), QSize(5, 4));
+}
+
+TEST_F(FileReplacementTest, TheJournalIsThereUntilTheListThatTellsOfItIsSaved) {
+  records.disk.holdBackground();
+  EXPECT_EQ(replace(), std::nullopt) << "the crop stands in its place; nobody waits for the list";
+  EXPECT_THAT(ReplacementJournal(journal()).load(), SizeIs(1));
+  records.disk.runHeldBackground();
+  EXPECT_FALSE(fileExists(journal()));
+}
+
+TEST_F(FileReplacementTest, AListThatCannotBeSavedLeavesTheNoteToTheNextStart) {
+  records.isSaved = false;
+  EXPECT_EQ(replace(), std::nullopt);
+  ASSERT_THAT(ReplacementJournal(journal()).load(), SizeIs(1));
+  records.isSaved = true;
+  make();
+  replacement->finishBegun(shots);
+  executor.drain();
+  EXPECT_THAT(records.replaced, ElementsAre(uuid(1), uuid(1)));
+  EXPECT_EQ(QImage(original.displayPath()).size(), QSize(5, 4));
+  EXPECT_FALSE(fileExists(journal()));
+}
+
+TEST_F(FileReplacementTest, ANoteIsForgottenAlone) {
+  records.disk.holdBackground();
+  EXPECT_EQ(replace(), std::nullopt);
+  const Replacement other{uuid(9), shots.appending("other.png"), shots.appending("crop.png"), 9};
+  auto both = ReplacementJournal(journal()).load();
+  both.push_back(other);
+  ReplacementJournal(journal()).save(both);
+  records.disk.runHeldBackground();
+  EXPECT_THAT(ReplacementJournal(journal()).load(), ElementsAre(other));
 }
 
 TEST_F(FileReplacementTest, TheRecordIsProtectedWhileTheCropIsWritten) {

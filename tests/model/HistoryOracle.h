@@ -37,13 +37,18 @@ class HistoryOracle {
   void choseToKeep(const ScreenshotItem& item) {
     if (const auto* file = fileOf(item)) temporary_.erase(file->number);
   }
-  /// For the length of one operation. What stands under a record's name is what the person sees of it.
-  void choosesForTrash(const std::vector<ScreenshotItem>& items) {
-    chosenForTrash_.clear();
+  /// Until `hasChosenForTrash` with what this gives. What stands under a record's name is what the person sees of it.
+  std::vector<int> choosesForTrash(const std::vector<ScreenshotItem>& items) {
+    std::vector<int> chosen;
     for (const ScreenshotItem& item : items) {
       if (const auto* file = fileOf(item)) left(*file);
-      if (const auto* file = world_.at(item.url)) chosenForTrash_.insert(file->number);
+      if (const auto* file = world_.at(item.url)) chosen.push_back(file->number);
     }
+    chosenForTrash_.insert(chosen.begin(), chosen.end());
+    return chosen;
+  }
+  void hasChosenForTrash(const std::vector<int>& chosen) {
+    for (const int number : chosen) chosenForTrash_.erase(chosenForTrash_.find(number));
   }
   void movedFolder(const FileURL& from, const FileURL& to) {
     for (auto& [number, choice] : temporary_) {
@@ -242,7 +247,7 @@ class HistoryOracle {
   std::optional<HistoryFailure> failure_;
   std::map<int, Choice> temporary_;                 ///< by the number of the file
   std::map<std::string, Date> namesMadeTemporary_;  ///< of records that knew no file
-  std::set<int> chosenForTrash_;
+  std::multiset<int> chosenForTrash_;
   Date listensSince_;       ///< older files are known, which a clock that was set back makes of new ones
   std::set<int> arrivals_;  ///< came while the program ran, to a name that it knew to be free
   std::set<int> recorded_;  ///< had a record once, and have stayed in the folder

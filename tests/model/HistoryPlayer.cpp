@@ -118,6 +118,10 @@ void HistoryPlayer::interrupt() {
 
 void HistoryPlayer::finishStep() {
   world_.executor.drain();
+  std::erase_if(disposals_, [&](const Disposal& disposal) {
+    if (disposal.task.isDone()) oracle_.hasChosenForTrash(disposal.files);
+    return disposal.task.isDone();
+  });
   const auto list = fileStatus(world_.listFile);
   const bool wasSaved = list && (!list_ || list->inode != list_->inode || list->modified != list_->modified);
   if (wasSaved) lastSave_ = world_.now();
@@ -166,10 +170,16 @@ void HistoryPlayer::startProgram() {
 }
 
 void HistoryPlayer::endProgram(bool isKilled) {
+  // Whoever quits waits for what is being done to files.
+  if (!isKilled && program_.model->isWritingFiles()) {
+    world_.executor.release();
+    finishStep();
+  }
   if (!isKilled && program_.model->hasPendingSave()) program_.model->saveNow();
   aliveUntil_ = isKilled ? std::optional(std::max(program_.startedAt, lastSave_)) : std::nullopt;
   killsDuringFileOperation_ = false;
   program_.end();
+  for (const Disposal& disposal : std::exchange(disposals_, {})) oracle_.hasChosenForTrash(disposal.files);
   oracle_.judgeEnd();
 }
 

@@ -113,7 +113,7 @@ class HistoryPlayer {
   File* pickWatched(const HistoryStep& step);
   void moveByPerson(File& file, const FileURL& to, const HistoryStep& step, const std::string& verb);
   void noteTemporary(const ScreenshotItem& item, TemporaryDuration duration);
-  void disposing(const std::vector<ScreenshotItem>& items, const std::function<void()>& work);
+  void disposing(const std::vector<ScreenshotItem>& items, const std::function<Task<>()>& work);
 
   HistoryWorld world_;
   HistoryProgram program_{world_};
@@ -122,6 +122,12 @@ class HistoryPlayer {
   int captures_ = 0;
   int renames_ = 0;
   UUIDSet openEditors_;
+  /// Under way, with the numbers of the files.
+  struct Disposal {
+    Task<> task;
+    std::vector<int> files;
+  };
+  std::vector<Disposal> disposals_;
   std::optional<HistoryStep> waiting_;  ///< for a question of background work
   uint32_t questionsLeft_ = 0;
 

@@ -143,6 +143,7 @@ class HistoryProgram {
  public:
   explicit HistoryProgram(HistoryWorld& world) : world_(world) {
     folderStore.stored = scope.makeBookmark(world.folder);
+    disk_.answerAtOnce();
   }
 
   void start(std::optional<Date> interruptedSince) {
@@ -194,6 +195,7 @@ class HistoryProgram {
     AppModelDependencies all;
     all.recordStore.fileURL = world_.listFile;
     all.executor = &world_.executor;
+    all.disk = &disk_;
     all.defaults = defaults_.get();
     all.fileOperations = &files;
     all.securityScope = &scope;
@@ -224,6 +226,7 @@ class HistoryProgram {
     return all;
   }
 
+  ManualExecutor disk_;
   std::unique_ptr<UserDefaults> defaults_;
 };
 

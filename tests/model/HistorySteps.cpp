@@ -271,31 +271,32 @@ void HistoryPlayer::keepBatch(const HistoryStep& step) {
   if (program_.isRunning()) program_.model->keepBatch(ids);
 }
 
-void HistoryPlayer::disposing(const std::vector<ScreenshotItem>& items, const std::function<void()>& work) {
+void HistoryPlayer::disposing(const std::vector<ScreenshotItem>& items, const std::function<Task<>()>& work) {
   for (const ScreenshotItem& item : items) say("the person throws away " + quoted(item));
-  oracle_.choosesForTrash(items);
-  work();
-  oracle_.choosesForTrash({});
+  auto chosen = oracle_.choosesForTrash(items);
+  disposals_.push_back({work(), std::move(chosen)});
 }
 
 void HistoryPlayer::moveToTrash(const HistoryStep& step) {
   const auto item = pickRecord(step);
   if (!item) return;
-  disposing({*item}, [&] { program_.model->disposeItem(*item, ErrorScope::inbox, AppModel::DisposalReason::chosen); });
+  disposing({*item},
+            [&] { return program_.model->disposeItem(*item, ErrorScope::inbox, AppModel::DisposalReason::chosen); });
 }
 
 void HistoryPlayer::deleteImmediately(const HistoryStep& step) {
   const auto item = pickRecord(step);
   if (!item) return;
   disposing({*item}, [&] {
-    program_.model->disposeItem(*item, ErrorScope::inbox, AppModel::DisposalReason::deleteImmediately);
+    return program_.model->disposeItem(*item, ErrorScope::inbox, AppModel::DisposalReason::deleteImmediately);
   });
 }
 
 void HistoryPlayer::trashBatch(const HistoryStep& step) {
   const auto items = pickRecords(step);
   if (items.empty()) return;
-  disposing(items, [&] { program_.model->disposeBatch(items, ErrorScope::inbox, AppModel::DisposalReason::chosen); });
+  disposing(items,
+            [&] { return program_.model->disposeBatch(items, ErrorScope::inbox, AppModel::DisposalReason::chosen); });
 }
 
 void HistoryPlayer::closePopup(const HistoryStep&) {
@@ -317,7 +318,7 @@ void HistoryPlayer::renameInProgram(const HistoryStep& step) {
   const QString name = takesOldName ? QStringLiteral("shot %1").arg(step.how % captures_ + 1)
                                     : QStringLiteral("named %1").arg(++renames_);
   say("the person renames " + quoted(*item) + " in the program to " + name.toStdString());
-  program_.model->rename(item->id, name, ErrorScope::inbox);
+  program_.model->rename(item->id, name, ErrorScope::inbox).detach();
 }
 
 void HistoryPlayer::openEditor(const HistoryStep& step) {

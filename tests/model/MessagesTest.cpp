@@ -29,6 +29,7 @@ TEST(Messages, EachBannerHasItsWords) {
        "A screenshot was kept whole because the window extracted from it couldn’t be saved."},
       {{Kind::recordsNotSaved},
        "Quillmere couldn’t save its screenshot list. Recent changes may be lost when Quillmere quits."},
+      {{Kind::recordsWaiting}, "Quillmere is waiting for the disk to save its screenshot list."},
       {{Kind::recordsReadOnly},
        "Quillmere couldn’t back up its screenshot list, so it isn’t saving changes. Free up disk space, then dismiss "
        "this message to try again."},

@@ -167,7 +167,7 @@ class ReplaceablePicture : public OpenedPicture {
 };
 
 TEST_F(ReplaceablePicture, OfAnotherNameIsNone) {
-  ASSERT_TRUE(model->rename(id, QStringLiteral("Invoice"), ErrorScope::inbox));
+  ASSERT_TRUE(finish(model->rename(id, QStringLiteral("Invoice"), ErrorScope::inbox)));
   EXPECT_FALSE(isKnownReplaceable());
   EXPECT_FALSE(isReplaceable());
 }

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "fakes/ModelFakes.h"
 #include "foundation/ManualExecutor.h"
 #include "support/Records.h"
 
@@ -17,13 +18,14 @@ class FakeReconciledRecords final : public ReconciledRecords {
  public:
   ReconcileRun prepareRun(const std::optional<UUIDSet>& ids) override {
     prepared.push_back(ids);
-    return {};
+    return run;
   }
   void applyRun(const ReconcileRun&, const ReconcileRequest& request) override {
     applied.push_back(request);
     if (onApply) onApply();
   }
 
+  ReconcileRun run;
   std::vector<std::optional<UUIDSet>> prepared;
   std::vector<ReconcileRequest> applied;
   std::function<void()> onApply;
@@ -37,6 +39,7 @@ class ReconciliationRunsTest : public ::testing::Test {
     return request;
   }
 
+  CallLog log;
   ManualExecutor executor;
   FakeReconciledRecords records;
   std::vector<std::string> completed;
@@ -113,6 +116,23 @@ TEST_F(ReconciliationRunsTest, ARunWhoseOwnerIsGoneIsDropped) {
   executor.drain();
   EXPECT_THAT(records.applied, IsEmpty());
   EXPECT_THAT(completed, IsEmpty());
+}
+
+TEST_F(ReconciliationRunsTest, ARunWhoseOwnerIsGoneLooksAtNothingAnyMore) {
+  int looks = 0;
+  FakeSecurityScope scope{log};
+  records.run.inputs = {{uuid(1), FileURL::fromPath("/shots/1.png"), std::nullopt, std::nullopt}};
+  records.run.environment.scope = &scope;
+  records.run.environment.isInTrash = [&](const FileURL&) { return ++looks > 0; };
+  runs->request({});
+  runs.reset();
+  executor.drain();
+  EXPECT_EQ(looks, 0);
+
+  runs = std::make_unique<ReconciliationRuns>(executor, records);
+  runs->request({});
+  executor.drain();
+  EXPECT_EQ(looks, 1);
 }
 
 TEST_F(ReconciliationRunsTest, ACompletionMayEndItAll) {

@@ -1,6 +1,9 @@
 #include "model/Reconciliation.h"
 
+#include <atomic>
+
 #include "fakes/ModelFakes.h"
+#include "model/ReconciliationWork.h"
 #include "support/Files.h"
 #include "support/Printing.h"
 #include "support/Records.h"
@@ -161,6 +164,37 @@ TEST_F(ReconciliationTest, TrackedPathIsSkippedForAnotherLinkToTheFile) {
   EXPECT_EQ(present(outcome)->url.lastPathComponent(), "free.png");
   world.trackedPaths.insert(world.watchFolderPaths->canonical + "/free.png");
   EXPECT_EQ(resolve(before), ReconcileOutcome(FileGone{}));
+}
+
+TEST_F(ReconciliationTest, WhetherAFolderIsATrashIsAskedOnceForNeighbours) {
+  int questions = 0;
+  world.isInTrash = [&](const FileURL& url) {
+    ++questions;
+    return url.path().find("/trash/") != std::string::npos;
+  };
+  std::vector<ReconcileInput> inputs;
+  for (const char* name : {"a.png", "b.png", "c.png"}) inputs.push_back(input(write(shots, name)));
+  inputs.push_back(input(FileURL::fromPath("/trash/d.png")));
+  for (size_t place = 0; place < inputs.size(); ++place) inputs[place].id = uuid(static_cast<int>(place));
+  const auto outcomes = resolveOutcomes(inputs, world);
+  EXPECT_EQ(questions, 2);
+  EXPECT_TRUE(present(outcomes.at(uuid(2))));
+  EXPECT_EQ(outcomes.at(uuid(3)), ReconcileOutcome(FileGone{}));
+}
+
+TEST_F(ReconciliationTest, NothingIsLookedAtAnyMoreAfterItWasStopped) {
+  std::atomic<bool> isStopped = false;
+  std::vector<ReconcileInput> inputs;
+  for (const char* name : {"a.png", "b.png", "c.png"}) inputs.push_back(input(write(shots, name)));
+  for (size_t place = 0; place < inputs.size(); ++place) inputs[place].id = uuid(static_cast<int>(place));
+  world.isDataless = [&](const FileURL& url) {
+    if (url == inputs[1].url) isStopped = true;
+    return false;
+  };
+  const auto outcomes = resolveOutcomes(inputs, world, isStopped);
+  EXPECT_TRUE(outcomes.contains(uuid(0)));
+  EXPECT_TRUE(outcomes.contains(uuid(1)));
+  EXPECT_FALSE(outcomes.contains(uuid(2)));
 }
 
 TEST_F(ReconciliationTest, AFileThatDiffersInOnePartIsAnother) {

@@ -58,6 +58,23 @@ TEST_F(PathKey, WhatCannotBeResolvedIsKeyedByItsStandardizedPath) {
   EXPECT_EQ(pathKey(FileURL::fromPath("/nothing-here.png"), std::nullopt), "/nothing-here.png");
 }
 
+TEST_F(PathKey, OnlyANameOfTheFolderIsTakenAsItStands) {
+  const WatchFolderPaths folder{"/given", "/canonical"};
+  const auto key = [&](const char* path) { return pathKey(FileURL::fromPath(std::string_view(path)), folder); };
+  EXPECT_EQ(key("/given/a.png"), "/canonical/a.png");
+  EXPECT_EQ(key("/given/..a"), "/canonical/..a");
+  EXPECT_EQ(key("/given/./a.png"), "/canonical/a.png");
+  EXPECT_EQ(key("/given//a.png"), "/canonical/a.png");
+  EXPECT_EQ(key("/given/a.png/"), "/canonical/a.png");
+  EXPECT_EQ(key("/given/../tmp"), "/tmp");
+  EXPECT_EQ(key("/given/.."), "/");
+  EXPECT_EQ(key("/given/."), "/given");
+  EXPECT_EQ(key("/given/"), "/given");
+  EXPECT_EQ(key("/given"), "/given");
+  EXPECT_EQ(key("/givenother/a.png"), "/givenother/a.png");
+  EXPECT_EQ(key("/given/deeper/a.png"), "/given/deeper/a.png");
+}
+
 TEST_F(PathKey, AFolderContainsWhatLiesBelowItAndNotItsNeighbours) {
   const WatchFolderPaths folder{"/shots", "/shots"};
   EXPECT_TRUE(folder.contains("/shots/a.png"));

@@ -336,9 +336,18 @@ TEST_F(FolderScanTest, FileThatDoesNotDecodeIsNotClassified) {
   services->anyFile.dates.created = kNow + -1000;
   const auto seen = onlyObservation();
   EXPECT_EQ(seen.decodesCompletely, false);
-  EXPECT_EQ(seen.isScreenCapture, std::nullopt);
   EXPECT_EQ(seen.evidence, (ArrivalEvidence{kNow, 0, false}));
-  EXPECT_TRUE(services->tagCalls.empty());
+}
+
+TEST_F(FolderScanTest, FileWithoutAMarkIsNeverDecoded) {
+  havePending(make("a.png"));
+  services->anyFile.isTagged = false;
+  const auto seen = onlyObservation();
+  EXPECT_EQ(seen.isScreenCapture, false);
+  EXPECT_EQ(seen.decodesCompletely, std::nullopt);
+  EXPECT_TRUE(services->decodeCalls.empty());
+  snapshot.includesNonCaptureImages = true;
+  EXPECT_EQ(onlyObservation().decodesCompletely, true);
 }
 
 TEST_F(FolderScanTest, FileThatDecodedOnceIsNotDecodedAgain) {

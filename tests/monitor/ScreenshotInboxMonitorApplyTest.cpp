@@ -79,6 +79,116 @@ TEST_F(ApplyTest, FileThatTheProgramRenamedIsNotAnnouncedButItsLeavingIs) {
   EXPECT_EQ(told(), Names{"removed Invoice.png"});
 }
 
+TEST_F(ApplyTest, WhatIsNotedWhileAScanLooksCountsAfterIt) {
+  begin();
+  const auto known = make("known.png");
+  const auto both = make("both.png");
+  executor.holdBackground();
+  tellChange();
+  monitor->noteKnown(known);
+  monitor->noteKnown(both);
+  monitor->noteUnknown(both);
+  executor.runHeldBackground();
+  advance(0.2);
+  EXPECT_EQ(told(), Names{"captured both.png"});
+}
+
+// --- Many at once ---
+
+/// Time also passes while something runs.
+class PassingTime final : public Executor {
+ public:
+  explicit PassingTime(ManualExecutor& executor) : executor_(executor) {}
+  void pass(Duration time) { passed_ += time; }
+
+  void post(std::function<void()> work) override { executor_.post(std::move(work)); }
+  DelayID startDelay(Duration delay, DelayEnd end) override { return executor_.startDelay(delay, std::move(end)); }
+  void cancelDelay(DelayID delay) override { executor_.cancelDelay(delay); }
+  void runInBackground(std::function<void()> work, std::function<void()> done) override {
+    executor_.runInBackground(std::move(work), std::move(done));
+  }
+  Instant instant() const override { return executor_.instant() + passed_; }
+
+ private:
+  ManualExecutor& executor_;
+  Duration passed_{};
+};
+
+class ManyFilesTest : public testing::MonitorTest {
+ protected:
+  ManyFilesTest() {
+    monitor = std::make_unique<ScreenshotInboxMonitor>(time, systemEvents, events, services.services(),
+                                                       [this] { return now(); });
+  }
+  ~ManyFilesTest() override { monitor.reset(); }
+
+  /// Each file takes the model its time, and asks for a turn of somebody else.
+  void takeLong() {
+    monitor->onScreenshot = [this](const FileURL& url) {
+      note(url.lastPathComponent());
+      time.pass(seconds(0.003));
+      executor.post([this] {
+        note("turn");
+        if (onTurn) onTurn();
+      });
+    };
+    for (const char* name : {"a.png", "b.png", "c.png", "d.png"}) make(name);
+  }
+
+  PassingTime time{executor};
+  std::function<void()> onTurn;
+};
+
+TEST_F(ManyFilesTest, OthersHaveATurnInBetween) {
+  begin();
+  takeLong();
+  tellChange();
+  advance(1);
+  EXPECT_EQ(told(), (Names{"a.png", "b.png", "turn", "turn", "c.png", "d.png", "turn", "turn"}));
+}
+
+TEST_F(ManyFilesTest, ThereIsOneScanAtATimeUntilAllAreTold) {
+  begin();
+  takeLong();
+  std::vector<bool> scans;
+  onTurn = [&] {
+    scans.push_back(monitor->isScanning());
+    monitor->scheduleScan(Duration::zero(), ScanScope::full);
+  };
+  tellChange();
+  advance(1);
+  EXPECT_EQ(told(), (Names{"a.png", "b.png", "turn", "turn", "c.png", "d.png", "turn", "turn"}));
+  EXPECT_EQ(scans, (std::vector{true, true, false, false}));
+  EXPECT_FALSE(monitor->isScanning());
+}
+
+TEST_F(ManyFilesTest, AnotherFolderInBetweenEndsTheRest) {
+  const testing::TemporaryFolder other;
+  begin();
+  takeLong();
+  onTurn = [&] { monitor->watch(other.url()); };
+  tellChange();
+  advance(1);
+  EXPECT_EQ(told(), (Names{"a.png", "b.png", "turn", "turn"}));
+  EXPECT_FALSE(monitor->isScanning());
+  onTurn = nullptr;
+  testing::writeFile(other.file("new.png"), "bytes");
+  testing::setModified(other.file("new.png"), now());
+  services->file("new.png").dates.created = now();
+  tellChange();
+  advance(1);
+  EXPECT_EQ(told(), (Names{"new.png", "turn"}));
+}
+
+TEST_F(ManyFilesTest, TheMonitorMayGoInBetween) {
+  begin();
+  takeLong();
+  onTurn = [&] { monitor.reset(); };
+  tellChange();
+  advance(1);
+  EXPECT_EQ(told(), (Names{"a.png", "b.png", "turn", "turn"}));
+}
+
 TEST_F(ApplyTest, FileOfAnotherFolderIsNotNotedAsKnown) {
   begin();
   monitor->noteKnown(FileURL::fromPath("/elsewhere/a.png"));

@@ -89,7 +89,7 @@ class Scene final : public testing::ModelFixture {
   void includeShadow() {
     sheet->editor().change([](CropSelection& selection) { selection.setIncludesShadow(true); });
   }
-  void rename() { model->rename(id, QStringLiteral("Another name"), ErrorScope::inbox); }
+  void rename() { finish(model->rename(id, QStringLiteral("Another name"), ErrorScope::inbox)); }
   void type(const QString& number) {
     auto* field = sheet->findChild<QLineEdit*>();
     field->setFocus();

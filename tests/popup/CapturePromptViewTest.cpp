@@ -56,7 +56,10 @@ class CapturePromptViewTest : public testing::ModelFixture {
     field()->selectAll();
     QTest::keyClicks(field(), text);
   }
-  void press(Qt::Key key) { QTest::keyClick(QApplication::focusWidget(), key); }
+  void press(Qt::Key key) {
+    QTest::keyClick(QApplication::focusWidget(), key);
+    executor.drain();
+  }
 
   QLineEdit* field() const { return view->findChild<QLineEdit*>(); }
   DurationPicker* picker() const { return view->findChild<DurationPicker*>(); }
@@ -117,6 +120,42 @@ TEST_F(CapturePromptViewTest, StartsWithTheFilesNameTheLastDurationAndTheMainBut
   EXPECT_FALSE(isErrorShown());
 }
 
+TEST_F(CapturePromptViewTest, WhatIsDecidedTakesNothingMoreWhileTheDiskIsWaitedFor) {
+  const UUID next = arrive("Screenshot 2.png");
+  disk.holdBackground();
+  click("Keep");
+  refresh();
+  for (const char* name : {"Temporary", "Keep", "Copy", "Move to Trash"})
+    EXPECT_FALSE(button(name)->isEnabled()) << name;
+  press(Qt::Key_Return);
+  press(Qt::Key_Escape);
+  EXPECT_EQ(stateOf(id), State::permanent);
+  EXPECT_TRUE(fileExists(item(id).url));
+  EXPECT_EQ(model->promptedItem()->id, id);
+  disk.runHeldBackground();
+  refresh();
+  EXPECT_EQ(model->promptedItem()->id, next);
+  EXPECT_TRUE(button("Temporary")->isEnabled());
+  EXPECT_EQ(QApplication::focusWidget(), button("Temporary"));
+}
+
+TEST_F(CapturePromptViewTest, OnAFrozenDiskTheNextIsDecidedAndTheDiskTold) {
+  const UUID next = arrive("Screenshot 2.png");
+  disk.holdBackground();
+  click("Keep");
+  executor.advance(seconds(2));
+  refresh();
+  EXPECT_EQ(model->promptedItem()->id, next);
+  EXPECT_TRUE(showsText(QStringLiteral("Waiting for the disk…")));
+  pastGate();
+  click("Keep");
+  EXPECT_EQ(stateOf(next), State::permanent);
+  disk.runHeldBackground();
+  refresh();
+  EXPECT_EQ(model->promptedItem(), nullptr);
+  EXPECT_EQ(savedRecord(next)->state, State::permanent);
+}
+
 TEST_F(CapturePromptViewTest, TheQueueIsCountedOnlyWhileOthersWait) {
   EXPECT_FALSE(showsText(QStringLiteral("1 more")));
   arrive("2.png");
@@ -146,6 +185,7 @@ TEST_F(CapturePromptViewTest, KeepTakesTheName) {
 
 TEST_F(CapturePromptViewTest, MoveToTrashAsksNothing) {
   QTest::mouseClick(button("Move to Trash"), Qt::LeftButton);
+  executor.drain();
   EXPECT_FALSE(hasRecord(id));
   EXPECT_TRUE(isInTrashFolder("Screenshot 1.png"));
   EXPECT_TRUE(deletionQuestions.empty());
@@ -170,6 +210,7 @@ TEST_F(CapturePromptViewTest, DeletingAsksFirst) {
 TEST_F(CapturePromptViewTest, ARefusedTrashAnnouncesNoSuccessAndShowsWhy) {
   files.refuse(item(id).url);
   QTest::mouseClick(button("Move to Trash"), Qt::LeftButton);
+  executor.drain();
   EXPECT_TRUE(hasRecord(id));
   EXPECT_FALSE(announcer.hasSaid(QStringLiteral("Screenshot moved to Trash.")));
   refresh();

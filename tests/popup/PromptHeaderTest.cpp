@@ -25,24 +25,34 @@ TEST_F(PromptHeaderTest, ItsTitleIsAHeadingAndIsReadFirst) {
 }
 
 TEST_F(PromptHeaderTest, HowManyWaitIsShownShortAndSpokenInFull) {
-  header.show(0);
+  header.show(0, false);
   EXPECT_FALSE(count().isVisibleTo(&header));
-  header.show(1);
+  header.show(1, false);
   EXPECT_TRUE(count().isVisibleTo(&header));
   EXPECT_EQ(count().text(), QStringLiteral("1 more"));
   EXPECT_EQ(count().accessibleName(), QStringLiteral("1 more screenshot waiting"));
-  header.show(12);
+  header.show(12, false);
   EXPECT_EQ(count().text(), QStringLiteral("12 more"));
   EXPECT_EQ(count().accessibleName(), QStringLiteral("12 more screenshots waiting"));
+}
+
+TEST_F(PromptHeaderTest, ADiskThatIsWaitedForIsToldInTheCountsPlace) {
+  header.show(0, true);
+  EXPECT_TRUE(count().isVisibleTo(&header));
+  EXPECT_EQ(count().text(), QStringLiteral("Waiting for the disk…"));
+  header.show(2, true);
+  EXPECT_EQ(count().accessibleName(), QStringLiteral("Waiting for the disk…"));
+  header.show(2, false);
+  EXPECT_EQ(count().text(), QStringLiteral("2 more"));
 }
 
 TEST_F(PromptHeaderTest, ACountOfAsManyDigitsIsAsWide) {
   // Of a font whose digits are not alike.
   header.setFont(QFont(QStringLiteral("DejaVu Serif")));
-  header.show(88);
+  header.show(88, false);
   const int width = count().minimumWidth();
   for (const int waiting : {11, 17, 74, 99}) {
-    header.show(waiting);
+    header.show(waiting, false);
     EXPECT_EQ(count().minimumWidth(), width) << waiting;
     EXPECT_GE(width, count().sizeHint().width()) << waiting;
   }

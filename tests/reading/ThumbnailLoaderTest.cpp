@@ -146,6 +146,13 @@ TEST_F(ThumbnailLoaderTest, AHeaderThatPromisesTooMuchIsUnreadable) {
   EXPECT_EQ(load(url, 100), Outcome(ThumbnailLoader::Unreadable{}));
 }
 
+TEST_F(ThumbnailLoaderTest, WhatWouldCostTooMuchIsToldApart) {
+  const FileURL url = folder.file("a.png");
+  writeFile(url, testing::encoded(testing::redAndBlue(16, 16), "PNG") + std::string(20'000'000, 'x'));
+  EXPECT_EQ(load(url, 100), Outcome(ThumbnailLoader::TooCostly{}));
+  EXPECT_EQ(load(url, 50), Outcome(ThumbnailLoader::TooCostly{}));
+}
+
 TEST_F(ThumbnailLoaderTest, TheSameFileIsReadOnce) {
   const FileURL url = writePicture("a.png", 100, 100);
   const Date date{700000000};

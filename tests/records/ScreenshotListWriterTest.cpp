@@ -90,6 +90,19 @@ TEST_F(ScreenshotListWriterTest, FileMayBeReadByItsOwnerAlone) {
   EXPECT_EQ(status.st_mode & 0777, 0600u);
 }
 
+TEST_F(ScreenshotListWriterTest, ItIsDatedByWhenItsRecordsWereTaken) {
+  const ScreenshotList list({bareItem()});
+  const auto snapshot = list.snapshot();
+  ::usleep(20'000);  // the kernel's own clock dates the file
+  const auto later = list.snapshot();
+  ASSERT_TRUE(writer.save(snapshot, file));
+  struct stat status {};
+  ASSERT_EQ(::stat(file.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mtim.tv_sec, snapshot.taken().tv_sec);
+  EXPECT_EQ(status.st_mtim.tv_nsec, snapshot.taken().tv_nsec);
+  EXPECT_NE(status.st_mtim.tv_nsec, later.taken().tv_nsec);
+}
+
 // --- Only what changed is encoded ---
 
 TEST_F(ScreenshotListWriterTest, FirstSaveEncodesEveryRecordAndTheNextNone) {

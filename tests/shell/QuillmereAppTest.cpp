@@ -438,7 +438,7 @@ TEST_F(QuillmereAppTest, TheSessionDoesNotWaitForeverForACrop) {
   model->scheduleSave();
   app->longestCommit = {};
   EXPECT_FALSE(quits([this] { app->commitToSession(); }));
-  EXPECT_TRUE(model->isWritingCrops());
+  EXPECT_TRUE(model->isWritingFiles());
   EXPECT_FALSE(model->hasPendingSave()) << "what can be saved is";
 }
 
@@ -484,6 +484,63 @@ TEST_F(QuillmereAppTest, WhatIsNotSavedYetIsSavedLast) {
   app->willTerminate();
   EXPECT_TRUE(wasSaved());
   EXPECT_FALSE(model->hasPendingSave());
+}
+
+// --- A disk that takes its time ---
+
+TEST_F(QuillmereAppTest, QuittingWaitsForTheDiskWhileTheProgramGoesOn) {
+  start(true);
+  disk.holdBackground();
+  model->saveNow();
+  int turns = 0;
+  QTimer painting;
+  QObject::connect(&painting, &QTimer::timeout, [&] {
+    if (++turns == 3) disk.runHeldBackground();
+  });
+  painting.start(0);
+  EXPECT_TRUE(quits([this] { EXPECT_TRUE(app->quit()); }));
+  EXPECT_GE(turns, 3);
+  EXPECT_FALSE(model->hasPendingSave());
+  EXPECT_THAT(questions, IsEmpty()) << "all is saved, and no screenshot waits";
+}
+
+TEST_F(QuillmereAppTest, WhatTheRunningSaveDoesNotHaveIsSavedToo) {
+  start(true);
+  disk.holdBackground();
+  model->saveNow();
+  const UUID id = arriveFromElsewhere("1.png");
+  QTimer::singleShot(0, qApp, [this] { disk.runHeldBackground(); });
+  app->willTerminate();
+  EXPECT_TRUE(savedRecord(id));
+}
+
+TEST_F(QuillmereAppTest, WhoQuitsWithAFrozenDiskIsAskedWhetherToWaitNoLonger) {
+  start(true);
+  disk.holdBackground();
+  model->saveNow();
+  app->longestSave = std::chrono::milliseconds(1);
+  EXPECT_FALSE(quits([this] { EXPECT_FALSE(app->quit()); }));
+  EXPECT_THAT(questions, ElementsAre(0));
+  EXPECT_TRUE(isToldOfSaving);
+}
+
+TEST_F(QuillmereAppTest, TheSessionWaitsForTheDisk) {
+  start(true);
+  disk.holdBackground();
+  const UUID id = arriveFromElsewhere("1.png");
+  QTimer::singleShot(0, qApp, [this] { disk.runHeldBackground(); });
+  EXPECT_FALSE(quits([this] { app->commitToSession(); })) << "it may be called off";
+  EXPECT_TRUE(savedRecord(id));
+}
+
+TEST_F(QuillmereAppTest, ATerminatedProgramSavesItsLastChanges) {
+  start(true);
+  disk.holdBackground();
+  const UUID id = arriveFromElsewhere("1.png");
+  EXPECT_TRUE(quits([this] { app->quitWithoutAsking(); }));
+  QTimer::singleShot(0, qApp, [this] { disk.runHeldBackground(); });
+  app->willTerminate();
+  EXPECT_TRUE(savedRecord(id));
 }
 
 TEST_F(QuillmereAppTest, AWindowThatComesToTheFrontIsToldToEveryone) {

@@ -531,4 +531,40 @@ dirent64* readdir64(DIR* stream) {
   return carryOut(judge(Call::readFolder, ::dirfd(stream)), real, stream);
 }
 
+// What the program calls instead where the compiler knows the size of its memory, and some libraries.
+// NOLINTBEGIN(bugprone-reserved-identifier,clang-diagnostic-reserved-identifier)
+int __open_2(const char* path, int flags) {
+  return open(path, flags);
+}
+int __open64_2(const char* path, int flags) {
+  return open64(path, flags);
+}
+int __openat_2(int folder, const char* path, int flags) {
+  return openat(folder, path, flags);
+}
+int __openat64_2(int folder, const char* path, int flags) {
+  return openat64(folder, path, flags);
+}
+ssize_t __read_chk(int descriptor, void* bytes, size_t count, size_t room) {
+  if (count > room) std::abort();
+  return read(descriptor, bytes, count);
+}
+ssize_t __pread_chk(int descriptor, void* bytes, size_t count, off_t offset, size_t room) {
+  if (count > room) std::abort();
+  return pread(descriptor, bytes, count, offset);
+}
+ssize_t __pread64_chk(int descriptor, void* bytes, size_t count, off64_t offset, size_t room) {
+  if (count > room) std::abort();
+  return pread64(descriptor, bytes, count, offset);
+}
+ssize_t __readlink_chk(const char* path, char* target, size_t size, size_t room) noexcept {
+  if (size > room) std::abort();
+  return readlink(path, target, size);
+}
+char* __realpath_chk(const char* path, char* resolved, size_t room) noexcept {
+  if (room < PATH_MAX) std::abort();
+  return realpath(path, resolved);
+}
+// NOLINTEND(bugprone-reserved-identifier,clang-diagnostic-reserved-identifier)
+
 }  // extern "C"

@@ -20,6 +20,10 @@ TESTED_ELSEWHERE = {
                                 "model/AppModelWatchFolderTest and model/AppModelMovingTest.",
     "model/AppModelFollowing": "Records follow files that come under new names, and their folder: "
                                "model/AppModelArrivalTest and model/AppModelWatchFolderTest.",
+    "model/FileDisposal": "What is done to a file that is thrown away: model/AppModelDisposalTest.",
+    "model/FileExpiry": "What is done to a file whose time is up: model/AppModelExpiryTest.",
+    "model/FileRenaming": "What is done to a file that gets another name: model/AppModelRenamingTest.",
+    "model/FileServices": "Hands the world to work on files: model/AppModelDisposalTest and model/AppModelExpiryTest.",
     "model/CloudDownloads": "Asks a sync client over D-Bus: platform/linux/files/CloudDownloadsTest, with a fake one.",
     "update/entry/UpdateEntry": "The library's one function: update/UpdateLibraryTest loads the library, and "
                                 "journey.update has all that it does.",

@@ -15,6 +15,7 @@
 #include "platform/linux/files/CloudFiles.h"
 #include "platform/linux/files/LiveFileIdentity.h"
 #include "platform/linux/login/LiveLoginItem.h"
+#include "reading/FailedPictures.h"
 
 namespace quillmere {
 namespace {
@@ -91,6 +92,9 @@ LiveServices::LiveServices(const ApplicationPaths& paths)
 
 LiveServices::~LiveServices() {
   pictures->end();
+  // What touches files may leave the other something to do.
+  disk.finishBackground();
+  executor.finishBackground();
 }
 
 ScanServices LiveServices::scanServices() {
@@ -99,7 +103,14 @@ ScanServices LiveServices::scanServices() {
   services.isSynced = &CloudFiles::isSynced;
   services.isVolumeMounted = [this](const FileURL& url) { return mounts.isVolumeMounted(url); };
   services.hasScreenCaptureTag = &hasScreenCaptureTag;
-  services.decodesCompletely = [reading = pictures](const FileURL& url) { return reading->decodesCompletely(url); };
+  // It is asked at every look. What failed is not decoded again before it changes.
+  services.decodesCompletely = [reading = pictures, failed = std::make_shared<FailedPictures>()](const FileURL& url) {
+    if (failed->find(url)) return false;
+    const auto seen = fileStatus(url);
+    const auto failure = reading->failureOf(url);
+    if (failure) failed->keep(url, seen, *failure);
+    return !failure;
+  };
   services.fileDates = &fileDates;
   return services;
 }
@@ -129,6 +140,7 @@ AppModelDependencies LiveServices::dependencies(const ApplicationPaths& paths) {
   AppModelDependencies dependencies;
   dependencies.recordStore.fileURL = paths.recordList;
   dependencies.executor = &executor;
+  dependencies.disk = &disk;
   dependencies.defaults = &defaults;
   dependencies.fileOperations = &fileOperations;
   dependencies.securityScope = &securityScope;

@@ -43,8 +43,10 @@ struct ApplicationPaths {
 class LiveServices {
  public:
   explicit LiveServices(const ApplicationPaths& paths);
-  /// No picture that is still being read holds up the end.
+  /// No picture that is still being read holds up the end, and nothing goes while another thread still uses it.
   ~LiveServices();
+  LiveServices(const LiveServices&) = delete;
+  LiveServices& operator=(const LiveServices&) = delete;
 
   /// What the model needs, less what the windows bring.
   AppModelDependencies dependencies(const ApplicationPaths& paths);
@@ -75,6 +77,7 @@ class LiveServices {
   ScreenshotInboxMonitor monitor;
   std::unique_ptr<HotKeyRegistering> hotKeys = sessionHotKeys(executor);
   std::unique_ptr<LoginItemService> loginItems;
+  QtExecutor disk{1};  ///< last, as what it does uses the above
 
  private:
   ScanServices scanServices();

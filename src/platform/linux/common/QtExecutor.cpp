@@ -10,8 +10,6 @@
 namespace quillmere {
 namespace {
 
-constexpr int kThreads = 2;
-
 timespec toTimespec(Duration time) {
   const auto whole = std::chrono::duration_cast<std::chrono::seconds>(time);
   return {static_cast<time_t>(whole.count()), static_cast<long>((time - whole).count())};
@@ -37,14 +35,14 @@ bool QtExecutor::MainThread::event(QEvent* event) {
   return true;
 }
 
-QtExecutor::QtExecutor() : timer_(::timerfd_create(CLOCK_BOOTTIME, TFD_CLOEXEC | TFD_NONBLOCK)) {
-  pool_.setMaxThreadCount(kThreads);
+QtExecutor::QtExecutor(int threads) : timer_(::timerfd_create(CLOCK_BOOTTIME, TFD_CLOEXEC | TFD_NONBLOCK)) {
+  pool_.setMaxThreadCount(threads);
   notifier_ = std::make_unique<QSocketNotifier>(timer_, QSocketNotifier::Read);
   QObject::connect(notifier_.get(), &QSocketNotifier::activated, &mainThread_, [this] { endDueDelays(); });
 }
 
 QtExecutor::~QtExecutor() {
-  pool_.waitForDone();
+  finishBackground();
   while (!delays_.empty()) {
     auto node = delays_.extract(delays_.begin());
     deadlines_.erase(node.mapped().id);

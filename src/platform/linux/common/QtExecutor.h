@@ -17,7 +17,8 @@ namespace quillmere {
 /// counting while the machine sleeps.
 class QtExecutor final : public Executor {
  public:
-  QtExecutor();
+  /// Two threads may wait for a disk, and there is still room for the rest.
+  explicit QtExecutor(int threads = 4);
   ~QtExecutor() override;
 
   void post(std::function<void()> work) override;
@@ -25,6 +26,8 @@ class QtExecutor final : public Executor {
   void cancelDelay(DelayID delay) override;
   void runInBackground(std::function<void()> work, std::function<void()> done) override;
   Instant instant() const override;
+  /// Waits for what runs in the background, which uses what others own. Nothing is to begin any more.
+  void finishBackground() { pool_.waitForDone(); }
 
  private:
   void arm();

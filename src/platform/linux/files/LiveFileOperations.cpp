@@ -110,8 +110,8 @@ FileOutcome LiveFileOperations::trash(const FileURL& url, TrashReport& report) {
   // back.
   const FileURL trashed = place.now();
   const bool isInFiles = trashed.parent().lastPathComponent() == "files";
-  touched_.insert(url.parent());
-  if (isInFiles) touched_.insert({trashed.parent(), trashInfo(trashed).parent()});
+  touch({url.parent()});
+  if (isInFiles) touch({trashed.parent(), trashInfo(trashed).parent()});
   if (isInFiles && !isRestorable(trashed) && restore(trashed, url) == FileOutcome::done) return refused(ENOSPC);
   if (isInFiles) report.place = trashed;
   left_(url);
@@ -122,7 +122,7 @@ FileOutcome LiveFileOperations::restore(const FileURL& place, const FileURL& url
   const FileOutcome outcome = move(place, url);
   if (outcome == FileOutcome::done) {
     ::unlink(trashInfo(place).c_str());
-    touched_.insert(trashInfo(place).parent());
+    touch({trashInfo(place).parent()});
   }
   return outcome;
 }
@@ -132,7 +132,7 @@ FileOutcome LiveFileOperations::move(const FileURL& from, const FileURL& to, QSt
   int error = renameWithoutReplacing(from, to);
   if (error == EXDEV && from.parent() != to.parent()) error = moveAcrossDisks(from, to);
   if (error == 0) {
-    touched_.insert({from.parent(), to.parent()});
+    touch({from.parent(), to.parent()});
     left_(from);
     return FileOutcome::done;
   }
@@ -142,19 +142,31 @@ FileOutcome LiveFileOperations::move(const FileURL& from, const FileURL& to, QSt
 
 void LiveFileOperations::finishMove(const FileURL& from, const FileURL& to) {
   quillmere::finishMove(from, to);
-  touched_.insert({from.parent(), to.parent()});
+  touch({from.parent(), to.parent()});
   left_(from);
 }
 
 FileOutcome LiveFileOperations::remove(const FileURL& url) {
   if (TEMP_FAILURE_RETRY(::unlink(url.c_str())) != 0) return outcomeOf(errno, url);
-  touched_.insert(url.parent());
+  touch({url.parent()});
   left_(url);
   return FileOutcome::done;
 }
 
+void LiveFileOperations::touch(std::initializer_list<FileURL> folders) {
+  const std::lock_guard lock(touching_);
+  touched_.insert(folders);
+}
+
+/// Whoever finds nothing to flush has waited for those who are flushing it.
 void LiveFileOperations::flush() {
-  for (const FileURL& folder : std::exchange(touched_, {})) flushFolder(folder);
+  const std::lock_guard flushing(flushing_);
+  std::set<FileURL> folders;
+  {
+    const std::lock_guard lock(touching_);
+    folders = std::exchange(touched_, {});
+  }
+  for (const FileURL& folder : folders) flushFolder(folder);
 }
 
 std::vector<FileURL> trashFolders(const FileURL& file, const MountTable& mounts) {

@@ -3,11 +3,11 @@
 #include <sys/inotify.h>
 #include <unistd.h>
 #include <QtCore/QSocketNotifier>
-#include <algorithm>
 #include <array>
-#include <map>
 #include <set>
 #include <string>
+#include <thread>
+#include <unordered_map>
 
 #include "platform/linux/files/SyncClientNames.h"
 
@@ -27,7 +27,8 @@ class InotifyWatch final : public FolderEventWatch {
   }
   ~InotifyWatch() override {
     notifier_.setEnabled(false);
-    ::close(descriptor_);
+    // The kernel first waits until nobody looks at the marks any more, on a busy machine for half a second.
+    std::thread([descriptor = descriptor_] { ::close(descriptor); }).detach();
   }
   bool hasMovedOut(const std::string& name) const override { return movedOut_.contains(name); }
   bool wasSynced(const std::string& name) const override { return synced_.contains(name); }
@@ -57,24 +58,27 @@ class InotifyWatch final : public FolderEventWatch {
     // Attributes and dates are set afterwards, too.
     if ((event.mask & (IN_MOVED_FROM | IN_MOVED_TO | IN_CREATE | IN_DELETE)) != 0) synced_.erase(name);
     if ((event.mask & IN_MOVED_FROM) != 0) {
-      if (movedOut_.size() >= kMost) movedOut_.clear();
-      movedOut_[name] = event.cookie;
+      if (namesByCookie_.size() >= kMost) {
+        movedOut_.clear();
+        namesByCookie_.clear();
+      }
+      movedOut_.insert(name);
+      namesByCookie_[event.cookie] = name;
       return;
     }
     if ((event.mask & IN_MOVED_TO) != 0) {
-      const auto from =
-          std::find_if(movedOut_.begin(), movedOut_.end(), [&](const auto& one) { return one.second == event.cookie; });
-      if (from != movedOut_.end()) {
+      if (const auto from = namesByCookie_.extract(event.cookie)) {
         if (synced_.size() >= kMost) synced_.clear();
-        if (isNameWhileReceived(from->first, name)) synced_.insert(name);
-        movedOut_.erase(from);
+        if (isNameWhileReceived(from.mapped(), name)) synced_.insert(name);
+        movedOut_.erase(from.mapped());
       }
     }
     if ((event.mask & (IN_MOVED_TO | IN_CREATE | IN_DELETE)) != 0) movedOut_.erase(name);
   }
 
   int descriptor_;
-  std::map<std::string, uint32_t> movedOut_;  // names with the cookies of their moves
+  std::set<std::string> movedOut_;
+  std::unordered_map<uint32_t, std::string> namesByCookie_;  // by the cookies of their moves
   std::set<std::string> synced_;
   QSocketNotifier notifier_;
   std::function<void(FolderEvent)> onEvent_;

@@ -11,7 +11,7 @@ namespace ReaderMessages {
 
 inline constexpr uint32_t kMagic = 0x516D5244;
 /// Another one is another language.
-inline constexpr uint32_t kVersion = 1;
+inline constexpr uint32_t kVersion = 2;
 
 /// The descriptors that a reader starts with.
 inline constexpr int kSocket = 3;
@@ -62,6 +62,7 @@ enum class Step : uint32_t {
 struct Answer {
   uint32_t step = 0;
   uint32_t isDone = 0;  ///< 0 where the work failed
+  uint32_t reason = 0;  ///< why it failed, a `PictureError`
   uint32_t format = 0;  ///< of a head
   int32_t width = 0;    ///< of a head
   int32_t height = 0;

@@ -1,9 +1,6 @@
 #include "platform/linux/reader/Reader.h"
 
-#include <sys/stat.h>
-#include <QtCore/QBuffer>
 #include <QtGui/QImage>
-#include <cerrno>
 #include <new>
 #include <string>
 #include <vector>
@@ -25,36 +22,37 @@ using ReaderMessages::Request;
 using ReaderMessages::Step;
 using ReaderMessages::Work;
 
-constexpr int64_t kMostFileBytes = int64_t{1} << 30;
 /// Of computing, on all threads together. Whoever waits has given up long before; this ends what nobody waits for.
 constexpr unsigned kMostSeconds = 300;
-
-std::optional<std::string> bytesOf(const Descriptor& file) {
-  struct stat status {};
-  if (::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > kMostFileBytes)
-    return std::nullopt;
-  std::string bytes(static_cast<size_t>(status.st_size), '\0');
-  for (size_t filled = 0; filled < bytes.size();) {
-    const ssize_t count =
-        ::pread(file.number(), bytes.data() + filled, bytes.size() - filled, static_cast<off_t>(filled));
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return std::nullopt;
-    filled += static_cast<size_t>(count);
-  }
-  return bytes;
-}
 
 /// What goes back: numbers, and what stands in the memory beside them.
 struct Outcome {
   bool isDone = false;
+  PictureError reason = PictureError::unreadable;
   std::optional<ImageFile::Head> head = std::nullopt;
   QImage image = {};
   std::string extra = {};
 };
 
-Outcome pictured(QImage image) {
-  const bool isDone = !image.isNull();
-  return {.isDone = isDone, .image = std::move(image)};
+Outcome failed(PictureError reason) {
+  return {.reason = reason};
+}
+
+Outcome pictured(ImageFile::Picture picture) {
+  if (!picture) return failed(picture.reason());
+  return {.isDone = true, .image = *std::move(picture)};
+}
+
+Outcome forScreen(ImageFile::Picture picture) {
+  if (!picture) return failed(picture.reason());
+  QImage image = pictureForScreen(*std::move(picture));
+  if (image.isNull()) return failed(PictureError::tooCostly);
+  return {.isDone = true, .image = std::move(image)};
+}
+
+Outcome judged(std::string_view bytes) {
+  const auto failure = ImageFile::failureOf(bytes);
+  return failure ? failed(*failure) : Outcome{.isDone = true};
 }
 
 std::string written(const std::vector<ImageOperations::DetectedWindow>& windows) {
@@ -79,16 +77,18 @@ std::string written(const std::vector<ImageOperations::DetectedWindow>& windows)
 
 Outcome scanned(std::string bytes, const std::atomic<bool>& isStopped) {
   auto scan = ImageOperations::scanWindowsNow(std::move(bytes), [&] { return isStopped.load(); });
-  if (!scan) return {};
+  const bool isCostly = !scan && scan.reason() == ImageOperations::OperationError::tooCostly;
+  if (!scan) return failed(isCostly ? PictureError::tooCostly : PictureError::unreadable);
   std::string windows = written(scan->windows);
   return {.isDone = true, .image = (*std::move(scan)).image, .extra = std::move(windows)};
 }
 
 Outcome recognized(TextRecognizer* recognizer, std::string bytes, const std::atomic<bool>& isStopped) {
-  const QImage image = recognizer ? ImageFile::picture(std::string_view(bytes)) : QImage();
+  if (!recognizer) return {};
+  const auto picture = ImageFile::read(std::string_view(bytes));
   std::string().swap(bytes);
-  if (image.isNull()) return {};
-  const auto text = recognizer->recognizeText(image, isStopped);
+  if (!picture) return failed(picture.reason());
+  const auto text = recognizer->recognizeText(*picture, isStopped);
   return text ? Outcome{.isDone = true, .extra = text->toStdString()} : Outcome();
 }
 
@@ -102,11 +102,11 @@ Outcome encoded(const QImage& image, int32_t format) {
 Outcome worked(const Request& request, std::string bytes, const std::atomic<bool>& isStopped, TextRecognizer* texts) {
   switch (static_cast<Work>(request.work)) {
     case Work::wholeness:
-      return {.isDone = ImageFile::isWhole(bytes)};
+      return judged(bytes);
     case Work::picture:
-      return pictured(ImageFile::picture(std::string_view(bytes)));
+      return pictured(ImageFile::read(std::string_view(bytes)));
     case Work::thumbnail:
-      return pictured(pictureForScreen(ImageFile::thumbnail(std::string_view(bytes), request.number)));
+      return forScreen(ImageFile::readSmall(std::string_view(bytes), request.number));
     case Work::windows:
       return scanned(std::move(bytes), isStopped);
     case Work::text:
@@ -157,15 +157,18 @@ void Reader::answer(const Request& request, Descriptor file) {
     } else if (static_cast<Work>(request.work) == Work::encoding) {
       socket_.send(Answer{.step = static_cast<uint32_t>(Step::begun)});
       outcome = encoded(pictureIn(request, file), request.number);
-    } else if (auto bytes = bytesOf(file)) {
+    } else if (auto bytes = ImageFile::bytesToDecode(file.number())) {
       file = Descriptor();
       socket_.send(Answer{.step = static_cast<uint32_t>(Step::begun)});
       outcome = worked(request, *std::move(bytes), signals_.isStopped, recognizer_);
+    } else {
+      outcome = failed(bytes.reason());
     }
   } catch (const std::bad_alloc&) {
-    outcome = {};
+    outcome = failed(PictureError::tooCostly);
   }
   Answer answer{.step = static_cast<uint32_t>(Step::done), .isDone = outcome.isDone};
+  answer.reason = static_cast<uint32_t>(outcome.reason);
   if (outcome.head) {
     answer.format = static_cast<uint32_t>(outcome.head->format);
     answer.width = outcome.head->size.width();

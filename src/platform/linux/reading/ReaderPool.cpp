@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <QtCore/QtGlobal>
 #include <cstring>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -106,34 +107,41 @@ std::optional<PictureHead> ReaderPool::head(const FileURL& url) {
   return PictureHead{static_cast<PictureFormat>(answer.format), QSize(answer.width, answer.height)};
 }
 
-bool ReaderPool::decodesCompletely(const FileURL& url) {
-  return ask(request(Work::wholeness), url, kNever).has_value();
+std::optional<PictureError> ReaderPool::failureOf(const FileURL& url) {
+  const auto reply = ask(request(Work::wholeness), url, kNever);
+  return reply ? std::nullopt : std::optional(reply.reason());
 }
 
-QImage ReaderPool::picture(const FileURL& url, const Stop& isStopped) {
-  auto reply = ask(request(Work::picture), url, isStopped);
-  return reply ? std::move(reply->image) : QImage();
+PictureReading::Picture ReaderPool::picture(const FileURL& url, const Stop& isStopped) {
+  return pictureIn(ask(request(Work::picture), url, isStopped), std::numeric_limits<int>::max());
 }
 
-QImage ReaderPool::thumbnail(const FileURL& url, int maxPixels, const Stop& isStopped) {
-  if (maxPixels <= 0) return {};
-  auto reply = ask(request(Work::thumbnail, maxPixels), url, isStopped);
-  const bool isFit = reply && reply->image.width() <= maxPixels && reply->image.height() <= maxPixels;
-  return isFit ? std::move(reply->image) : QImage();
+PictureReading::Picture ReaderPool::thumbnail(const FileURL& url, int maxPixels, const Stop& isStopped) {
+  if (maxPixels <= 0) return PictureError::damaged;
+  return pictureIn(ask(request(Work::thumbnail, maxPixels), url, isStopped), maxPixels);
 }
 
-QImage ReaderPool::thumbnail(std::string_view bytes, int maxPixels) {
-  const auto memory = maxPixels > 0 && !bytes.empty() ? SealedMemory::of({bytes}) : std::nullopt;
-  auto reply = memory ? ask(request(Work::thumbnail, maxPixels), *memory, kNever) : std::nullopt;
-  const bool isFit = reply && reply->image.width() <= maxPixels && reply->image.height() <= maxPixels;
-  return isFit ? std::move(reply->image) : QImage();
+PictureReading::Picture ReaderPool::thumbnail(std::string_view bytes, int maxPixels) {
+  if (maxPixels <= 0 || bytes.empty()) return PictureError::damaged;
+  const auto memory = SealedMemory::of({bytes});
+  if (!memory) return PictureError::unreadable;
+  return pictureIn(ask(request(Work::thumbnail, maxPixels), *memory, kNever), maxPixels);
+}
+
+PictureReading::Picture ReaderPool::pictureIn(Asked reply, int maxPixels) {
+  if (!reply) return reply.reason();
+  QImage image = std::move(reply.value().image);
+  const bool isFit = !image.isNull() && image.width() <= maxPixels && image.height() <= maxPixels;
+  return isFit ? Picture(std::move(image)) : Picture(PictureError::damaged);
 }
 
 Result<WindowScan, OperationError> ReaderPool::windows(const FileURL& url, const Stop& isStopped) {
   auto reply = ask(request(Work::windows), url, isStopped);
-  const auto windows = reply && !reply->image.isNull() ? windowsIn(reply->extra, reply->image.size()) : std::nullopt;
+  if (!reply) return ImageOperations::operationError(reply.reason());
+  QImage image = std::move(reply.value().image);
+  const auto windows = image.isNull() ? std::nullopt : windowsIn(reply->extra, image.size());
   if (!windows) return OperationError::unreadable;
-  return WindowScan{std::move(reply->image), *windows};
+  return WindowScan{std::move(image), *windows};
 }
 
 std::optional<QString> ReaderPool::text(const FileURL& url, const Stop& isStopped) {
@@ -146,22 +154,20 @@ Result<QByteArray, OperationError> ReaderPool::encoded(const QImage& image, Pict
   if (image.isNull()) return OperationError::encoding;
   const PassedPicture passed(image);
   const auto memory = SealedMemory::of(passed.parts());
-  const auto reply = memory
-                         ? ask(request(Work::encoding, static_cast<int32_t>(format), passed.shape()), *memory, kNever)
-                         : std::nullopt;
+  if (!memory) return OperationError::encoding;
+  const auto reply = ask(request(Work::encoding, static_cast<int32_t>(format), passed.shape()), *memory, kNever);
   if (!reply || reply->extra.empty()) return OperationError::encoding;
   return QByteArray(reply->extra.data(), static_cast<qsizetype>(reply->extra.size()));
 }
 
-std::optional<ReaderPool::Reply> ReaderPool::ask(const Request& request, const FileURL& url, const Stop& isStopped) {
+ReaderPool::Asked ReaderPool::ask(const Request& request, const FileURL& url, const Stop& isStopped) {
   const Descriptor file = openPicture(url);
-  return file ? ask(request, file, isStopped) : std::nullopt;
+  return file ? ask(request, file, isStopped) : Asked(PictureError::unreadable);
 }
 
-std::optional<ReaderPool::Reply> ReaderPool::ask(const Request& request, const Descriptor& file,
-                                                 const Stop& isStopped) {
+ReaderPool::Asked ReaderPool::ask(const Request& request, const Descriptor& file, const Stop& isStopped) {
   struct stat status {};
-  if (::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+  if (::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) return PictureError::unreadable;
   const auto identity = BadPictures::fileOf(status);
   ReaderLane& lane = request.work == static_cast<uint32_t>(Work::text) ? texts_ : pictures_;
   // One that dies may have been ended by something else than this picture.
@@ -169,7 +175,7 @@ std::optional<ReaderPool::Reply> ReaderPool::ask(const Request& request, const D
     const auto process = lane.take();
     if (!process) {
       if (!isEnded_) tellOnce("No picture can be read: the reader does not start");
-      return std::nullopt;
+      return PictureError::unreadable;
     }
     if (const uint32_t missing = process->missingProtections(); missing != 0) {
       tellOnce("Pictures are read without " + Protections::names(missing) + ", which this system has not");
@@ -179,21 +185,23 @@ std::optional<ReaderPool::Reply> ReaderPool::ask(const Request& request, const D
     if (reply) {
       lane.giveBack(process);
       wasUsed();
-      return reply->answer.isDone ? std::move(reply) : std::nullopt;
+      if (!reply->answer.isDone) return static_cast<PictureError>(reply->answer.reason);
+      return *std::move(reply);
     }
     lane.drop(process);
-    if (outcome.end == End::stopped || isEnded_) return std::nullopt;
+    if (outcome.end == End::stopped || isEnded_) return PictureError::unreadable;
     if (outcome.end == End::gone) continue;
     bad_.note(identity);
-    if (outcome.end != End::died) return std::nullopt;
+    if (outcome.end != End::died) break;
   }
-  return std::nullopt;
+  return bad_.isBad(identity) ? PictureError::tooCostly : PictureError::unreadable;
 }
 
 /// The memory has to be what the numbers say, to the byte.
 std::optional<ReaderPool::Reply> ReaderPool::checked(const Answer& answer, const Descriptor& memory) {
   const auto pictureBytes = PassedPicture::bytesOf(answer.shape);
-  if (!pictureBytes || answer.extraBytes > kMostExtraBytes || answer.isDone > 1) return std::nullopt;
+  const bool isKnown = answer.isDone <= 1 && answer.reason <= static_cast<uint32_t>(PictureError::tooCostly);
+  if (!pictureBytes || answer.extraBytes > kMostExtraBytes || !isKnown) return std::nullopt;
   const uint64_t bytes = *pictureBytes + answer.extraBytes;
   Reply reply{.answer = answer, .memory = nullptr, .image = {}, .extra = {}};
   if (bytes == 0) return memory ? std::nullopt : std::optional(reply);

@@ -16,6 +16,10 @@ namespace quillmere {
 /// Has pictures read by processes that can do nothing else: a few for pictures, and others, which give way, for the
 /// text in them. Each is started on first need and ends when none of them has had anything to do for a while. It hands
 /// over open files and believes nothing that comes back.
+///
+/// Each reader decodes one picture at a time, within the budget of one; so all together take at most as many budgets as
+/// there are readers. A picture that ended its reader twice, or kept it busy too long twice, is too costly until it
+/// changes; before that it is only unreadable, for another time it may be read.
 class ReaderPool final : public PictureReading, public std::enable_shared_from_this<ReaderPool> {
  public:
   struct Size {
@@ -32,10 +36,10 @@ class ReaderPool final : public PictureReading, public std::enable_shared_from_t
   static std::string programBesides(const FileURL& folder);
 
   std::optional<PictureHead> head(const FileURL& url) override;
-  bool decodesCompletely(const FileURL& url) override;
-  QImage picture(const FileURL& url, const Stop& isStopped) override;
-  QImage thumbnail(const FileURL& url, int maxPixels, const Stop& isStopped) override;
-  QImage thumbnail(std::string_view bytes, int maxPixels) override;
+  std::optional<PictureError> failureOf(const FileURL& url) override;
+  Picture picture(const FileURL& url, const Stop& isStopped) override;
+  Picture thumbnail(const FileURL& url, int maxPixels, const Stop& isStopped) override;
+  Picture thumbnail(std::string_view bytes, int maxPixels) override;
   Result<ImageOperations::WindowScan, ImageOperations::OperationError> windows(const FileURL& url,
                                                                                const Stop& isStopped) override;
   std::optional<QString> text(const FileURL& url, const Stop& isStopped) override;
@@ -55,8 +59,10 @@ class ReaderPool final : public PictureReading, public std::enable_shared_from_t
     std::string_view extra;  ///< in the memory
   };
   using Request = ReaderMessages::Request;
-  std::optional<Reply> ask(const Request& request, const FileURL& url, const Stop& isStopped);
-  std::optional<Reply> ask(const Request& request, const Descriptor& file, const Stop& isStopped);
+  using Asked = Result<Reply, PictureError>;
+  Asked ask(const Request& request, const FileURL& url, const Stop& isStopped);
+  Asked ask(const Request& request, const Descriptor& file, const Stop& isStopped);
+  static Picture pictureIn(Asked reply, int maxPixels);
   static std::optional<Reply> checked(const ReaderMessages::Answer& answer, const Descriptor& memory);
   void wasUsed();
   void armEnd();

@@ -118,8 +118,8 @@ std::optional<QImage> LiveSharedThumbnails::find(const FileURL& url, int pixels)
                          textOf(texts, kHeight) == std::to_string(header->height);
     const bool isLargeEnough = std::max(header->width, header->height) >= static_cast<uint32_t>(pixels) || isWhole;
     if (!isLargeEnough || !original->isIn(texts)) continue;
-    QImage thumbnail = pictures_->thumbnail(*file, pixels);
-    if (!thumbnail.isNull()) return thumbnail;
+    auto thumbnail = pictures_->thumbnail(*file, pixels);
+    if (thumbnail) return *std::move(thumbnail);
   }
   return std::nullopt;
 }

@@ -35,6 +35,23 @@ TEST_F(QtExecutorTest, DelaysEndInTheOrderOfTheirDeadlines) {
   EXPECT_EQ(ended, (std::vector<int>{1, 2, 3}));
 }
 
+TEST_F(QtExecutorTest, WhoWaitsForTheBackgroundFindsAllOfItDoneAndNothingTold) {
+  std::atomic<int> ran = 0;
+  int told = 0;
+  for (int i = 0; i < 6; ++i) {
+    executor->runInBackground(
+        [&] {
+          std::this_thread::sleep_for(milliseconds(5));
+          ++ran;
+        },
+        [&] { ++told; });
+  }
+  executor->finishBackground();
+  EXPECT_EQ(ran, 6);
+  EXPECT_EQ(told, 0);
+  EXPECT_TRUE(runLoopUntil([&] { return told == 6; }));
+}
+
 TEST_F(QtExecutorTest, ADelayIsOverOnlyAfterItsTime) {
   const Instant start = executor->instant();
   Instant stop;

@@ -48,7 +48,13 @@ class ReaderPoolTest : public ::testing::Test {
     EXPECT_TRUE(image.save(url.displayPath()));
     return url;
   }
-  QImage read(ReaderPool& pool, const FileURL& url) { return pool.picture(url, never); }
+  static QImage imageIn(PictureReading::Picture picture) { return picture ? *std::move(picture) : QImage(); }
+  QImage read(ReaderPool& pool, const FileURL& url) { return imageIn(pool.picture(url, never)); }
+  /// Why it wasn't.
+  std::optional<PictureError> reason(ReaderPool& pool, const FileURL& url) {
+    const auto picture = pool.picture(url, never);
+    return picture ? std::nullopt : std::optional(picture.reason());
+  }
 
   TemporaryFolder home;
   ManualExecutor executor;
@@ -61,12 +67,14 @@ TEST_F(ReaderPoolTest, ReadsWhatTheDecodersRead) {
   for (const char* name : {"a.png", "b.jpg"}) {
     const FileURL url = drawn(name);
     EXPECT_EQ(pool->head(url), decoded.head(url));
-    EXPECT_TRUE(pool->decodesCompletely(url));
-    const QImage picture = pool->picture(url, never);
-    EXPECT_EQ(picture, decoded.picture(url, never));
-    EXPECT_EQ(picture.colorSpace(), decoded.picture(url, never).colorSpace());
-    EXPECT_EQ(pool->thumbnail(url, 100, never), decoded.thumbnail(url, 100, never));
-    EXPECT_EQ(pool->thumbnail(readBytes(url), 100), decoded.thumbnail(url, 100, never));
+    EXPECT_EQ(pool->failureOf(url), std::nullopt);
+    const QImage picture = read(*pool, url);
+    const QImage expected = imageIn(decoded.picture(url, never));
+    EXPECT_EQ(picture, expected);
+    EXPECT_EQ(picture.colorSpace(), expected.colorSpace());
+    const QImage thumbnail = imageIn(decoded.thumbnail(url, 100, never));
+    EXPECT_EQ(imageIn(pool->thumbnail(url, 100, never)), thumbnail);
+    EXPECT_EQ(imageIn(pool->thumbnail(readBytes(url), 100)), thumbnail);
   }
 }
 
@@ -87,7 +95,7 @@ TEST_F(ReaderPoolTest, ReadsTheText) {
 
 TEST_F(ReaderPoolTest, EncodesInEachFormatThatIsWritten) {
   const auto pool = readers();
-  const QImage image = decoded.picture(drawn(), never);
+  const QImage image = imageIn(decoded.picture(drawn(), never));
   for (const PictureFormat format : kPictureFormats) {
     if (!traits(format).isWritable) continue;
     const auto bytes = pool->encoded(image, format);
@@ -96,7 +104,7 @@ TEST_F(ReaderPoolTest, EncodesInEachFormatThatIsWritten) {
     if (format != PictureFormat::heif) {
       EXPECT_EQ(*bytes, *decoded.encoded(image, format)) << static_cast<int>(format);
     }
-    EXPECT_EQ(pool->thumbnail(bytes->toStdString(), 1000).size(), image.size()) << static_cast<int>(format);
+    EXPECT_EQ(imageIn(pool->thumbnail(bytes->toStdString(), 1000)).size(), image.size()) << static_cast<int>(format);
   }
   EXPECT_EQ(pool->encoded(QImage(), PictureFormat::png).reason(), OperationError::encoding);
 }
@@ -106,12 +114,31 @@ TEST_F(ReaderPoolTest, SaysWhatCannotBeRead) {
   const FileURL text = home.file("text.png");
   writeFile(text, "no picture");
   EXPECT_EQ(pool->head(text), std::nullopt);
-  EXPECT_FALSE(pool->decodesCompletely(text));
-  EXPECT_TRUE(read(*pool, text).isNull());
+  EXPECT_EQ(pool->failureOf(text), PictureError::noPicture);
+  EXPECT_EQ(reason(*pool, text), PictureError::noPicture);
   EXPECT_EQ(pool->windows(text, never).reason(), OperationError::unreadable);
   EXPECT_EQ(pool->text(text, never), std::nullopt);
-  EXPECT_TRUE(pool->thumbnail(std::string_view("no picture"), 10).isNull());
+  EXPECT_EQ(pool->thumbnail(std::string_view("no picture"), 10).reason(), PictureError::noPicture);
   EXPECT_EQ(pool->running(), 2u) << "which harms no reader";
+}
+
+TEST_F(ReaderPoolTest, SaysWhyAPictureIsNotRead) {
+  const auto pool = readers();
+  for (const char* name : {"a.png", "b.jpg"}) {
+    const FileURL url = drawn(name);
+    const std::string whole = readBytes(url);
+    writeFile(url, whole.substr(0, 60));
+    EXPECT_EQ(reason(*pool, url), PictureError::damaged) << name;
+    EXPECT_EQ(pool->failureOf(url), PictureError::damaged) << name;
+    EXPECT_EQ(pool->windows(url, never).reason(), OperationError::unreadable) << name;
+    writeFile(url, whole + std::string(20'000'000, 'x'));
+    EXPECT_EQ(reason(*pool, url), PictureError::tooCostly) << name;
+    EXPECT_EQ(pool->failureOf(url), PictureError::tooCostly) << name;
+    EXPECT_EQ(pool->thumbnail(url, 100, never).reason(), PictureError::tooCostly) << name;
+    EXPECT_EQ(pool->windows(url, never).reason(), OperationError::tooCostly) << name;
+    EXPECT_EQ(pool->text(url, never), std::nullopt) << name;
+  }
+  EXPECT_EQ(reason(*pool, home.file("missing.png")), PictureError::unreadable);
 }
 
 TEST_F(ReaderPoolTest, OpensNothingButFiles) {
@@ -158,10 +185,10 @@ TEST_F(ReaderPoolTest, BlamesNoPictureForAReaderThatEndedOtherwise) {
 TEST_F(ReaderPoolTest, GivesUpAPictureThatKillsTwiceUntilItChanges) {
   const auto killing = hostile("dies");
   const FileURL url = drawn();
-  EXPECT_TRUE(read(*killing, url).isNull());
+  EXPECT_EQ(reason(*killing, url), PictureError::tooCostly);
   EXPECT_EQ(killing->running(), 0u);
   ::setenv("QUILLMERE_HOSTILE", "well", 1);
-  EXPECT_TRUE(read(*killing, url).isNull()) << "nobody is asked about it";
+  EXPECT_EQ(reason(*killing, url), PictureError::tooCostly) << "nobody is asked about it";
   EXPECT_EQ(killing->running(), 0u);
   EXPECT_FALSE(read(*killing, drawn("other.png")).isNull());
   writeFile(url, readBytes(url) + "changed");
@@ -173,11 +200,11 @@ TEST_F(ReaderPoolTest, EndsAReaderThatTakesTooLong) {
   patience.work = milliseconds(1);
   const auto pool = hostile("hangs", patience);
   const FileURL url = drawn();
-  EXPECT_TRUE(read(*pool, url).isNull());
+  EXPECT_EQ(reason(*pool, url), PictureError::unreadable) << "another time it may be quicker";
   EXPECT_EQ(pool->running(), 0u);
-  EXPECT_TRUE(read(*pool, url).isNull());
+  EXPECT_EQ(reason(*pool, url), PictureError::tooCostly);
   ::setenv("QUILLMERE_HOSTILE", "well", 1);
-  EXPECT_TRUE(read(*pool, url).isNull()) << "it has been too much for two";
+  EXPECT_EQ(reason(*pool, url), PictureError::tooCostly) << "it has been too much for two";
 }
 
 TEST_F(ReaderPoolTest, DoesNotWaitForEverForAFile) {
@@ -190,7 +217,7 @@ TEST_F(ReaderPoolTest, TellsAReaderToStopAndKeepsIt) {
   const auto pool = hostile("stops-when-told");
   std::atomic<bool> isStopped = false;
   std::thread stopping([&] { isStopped = true; });
-  EXPECT_TRUE(pool->picture(drawn(), isStopped).isNull());
+  EXPECT_FALSE(pool->picture(drawn(), isStopped));
   stopping.join();
   EXPECT_LE(pool->running(), 1u);
 }
@@ -202,7 +229,7 @@ TEST_F(ReaderPoolTest, EndsAReaderThatDoesNotStop) {
   std::atomic<bool> isStopped = false;
   std::thread stopping([&] { isStopped = true; });
   const FileURL url = drawn();
-  EXPECT_TRUE(pool->picture(url, isStopped).isNull());
+  EXPECT_EQ(pool->picture(url, isStopped).reason(), PictureError::unreadable);
   stopping.join();
   EXPECT_EQ(pool->running(), 0u);
   ::setenv("QUILLMERE_HOSTILE", "well", 1);
@@ -210,15 +237,15 @@ TEST_F(ReaderPoolTest, EndsAReaderThatDoesNotStop) {
 }
 
 TEST_F(ReaderPoolTest, BelievesNothing) {
-  for (const char* kind :
-       {"garbage", "begins-twice", "unsealed", "short", "long", "without-memory", "too-large", "too-much-beside"}) {
+  for (const char* kind : {"garbage", "begins-twice", "unsealed", "short", "long", "without-memory", "too-large",
+                           "too-much-beside", "unknown-reason"}) {
     const auto pool = hostile(kind);
     EXPECT_TRUE(read(*pool, drawn()).isNull()) << kind;
     EXPECT_EQ(pool->running(), 0u) << kind << ": it is not asked again";
   }
   EXPECT_FALSE(hostile("wrong-windows")->windows(drawn(), never));
   EXPECT_FALSE(hostile("wrong-head")->head(drawn()));
-  EXPECT_TRUE(hostile("well")->thumbnail(drawn(), 20, never).isNull()) << "larger than it was to be";
+  EXPECT_FALSE(hostile("well")->thumbnail(drawn(), 20, never)) << "larger than it was to be";
 }
 
 TEST_F(ReaderPoolTest, WithoutAReaderNothingCanBeRead) {
@@ -238,7 +265,7 @@ TEST_F(ReaderPoolTest, ReadsSeveralAtATime) {
   std::vector<std::thread> threads;
   std::atomic<int> read = 0;
   for (int i = 0; i < 6; ++i) {
-    threads.emplace_back([&] { read += !pool->thumbnail(url, 64, never).isNull(); });
+    threads.emplace_back([&] { read += pool->thumbnail(url, 64, never).isDone(); });
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(read, 6);

@@ -116,6 +116,11 @@ void answerAs(const std::string& kind, PacketSocket& socket) {
     answer.extraBytes = bytes.size();
     const auto memory = SealedMemory::of({rows, bytes});
     socket.send(answer, memory->number());
+  } else if (kind == "unknown-reason") {
+    Answer failed = done();
+    failed.isDone = 0;
+    failed.reason = 77;
+    socket.send(failed);
   } else if (kind == "wrong-head") {
     answer.shape = {};
     answer.format = 77;
