@@ -13,6 +13,7 @@
 #include "controls/ApplicationAppearance.h"
 #include "controls/Symbol.h"
 #include "controls/Theme.h"
+#include "fakes/DecodedPictures.h"
 #include "fakes/ModelFixture.h"
 #include "inbox/DeletionQuestion.h"
 #include "inbox/InboxDetail.h"
@@ -96,7 +97,7 @@ class Scene final : public testing::ModelFixture {
     return window_->grab().toImage();
   }
   QSize size_;
-  ThumbnailLoader thumbnails_{executor, [](const FileURL&) { return false; }};
+  ThumbnailLoader thumbnails_{executor, testing::decodedPictures(), [](const FileURL&) { return false; }};
   std::unique_ptr<QWidget> window_;
 };
 

@@ -16,6 +16,8 @@
 #include "PaintedDesktop.h"
 #include "PictureAppearance.h"
 #include "controls/ApplicationAppearance.h"
+#include "detection/DetectedWindows.h"
+#include "fakes/DecodedPictures.h"
 #include "fakes/ModelFixture.h"
 #include "foundation/Localized.h"
 #include "popup/CapturePromptPanelController.h"
@@ -133,7 +135,7 @@ class Scene final : public testing::ModelFixture {
  private:
   FakeSharing sharing_;
   QWidget elsewhere_;
-  ThumbnailLoader thumbnails_{executor, [](const FileURL&) { return false; }};
+  ThumbnailLoader thumbnails_{executor, testing::decodedPictures(), [](const FileURL&) { return false; }};
   StillScreens screens_;
   StillWindowSystem windowSystem_;
   std::unique_ptr<CapturePromptPanelController> popup_;

@@ -10,6 +10,7 @@
 #include "PictureAppearance.h"
 #include "controls/ApplicationAppearance.h"
 #include "controls/PictureCanvas.h"
+#include "fakes/DecodedPictures.h"
 #include "foundation/ManualExecutor.h"
 #include "inbox/QuickLookWindow.h"
 #include "support/Files.h"
@@ -86,7 +87,7 @@ class Album {
   QString folder_;
   QString screen_;
   ManualExecutor executor_;
-  ThumbnailLoader thumbnails_{executor_, [](const FileURL&) { return false; }};
+  ThumbnailLoader thumbnails_{executor_, testing::decodedPictures(), [](const FileURL&) { return false; }};
   bool isWhole_ = true;
 };
 

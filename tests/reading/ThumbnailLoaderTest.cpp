@@ -153,6 +153,69 @@ TEST_F(ThumbnailLoaderTest, WhatWouldCostTooMuchIsToldApart) {
   EXPECT_EQ(load(url, 50), Outcome(ThumbnailLoader::TooCostly{}));
 }
 
+/// Gives one answer to all, and counts how often it is asked.
+class AnsweringPictures final : public PictureReading {
+ public:
+  std::optional<PictureHead> head(const FileURL&) override { return std::nullopt; }
+  std::optional<PictureError> failureOf(const FileURL&) override { return answer; }
+  Picture picture(const FileURL&, const Stop&) override { return answer; }
+  Picture thumbnail(const FileURL&, int, const Stop&) override {
+    ++asked;
+    if (asking) asking();
+    return answer;
+  }
+  Picture thumbnail(std::string_view, int) override { return answer; }
+  Result<ImageOperations::WindowScan, ImageOperations::OperationError> windows(const FileURL&, const Stop&) override {
+    return ImageOperations::operationError(answer);
+  }
+  std::optional<QString> text(const FileURL&, const Stop&) override { return std::nullopt; }
+  Result<QByteArray, ImageOperations::OperationError> encoded(const QImage&, PictureFormat) override {
+    return ImageOperations::OperationError::encoding;
+  }
+
+  PictureError answer = PictureError::damaged;
+  std::function<void()> asking;
+  int asked = 0;
+};
+
+TEST_F(ThumbnailLoaderTest, NobodyIsAskedAgainAboutWhatFailedUntilItChanges) {
+  const auto pictures = std::make_shared<AnsweringPictures>();
+  ThumbnailLoader failing(executor, pictures, [](const FileURL&) { return false; });
+  const FileURL url = writePicture("a.png", 100, 100);
+  const auto loadFailing = [&] {
+    std::optional<Outcome> outcome;
+    keep(failing.load(url, 100), outcome).detach();
+    executor.drain();
+    return outcome;
+  };
+  pictures->answer = PictureError::unreadable;
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(loadFailing(), Outcome(ThumbnailLoader::Unreadable{}));
+  EXPECT_EQ(pictures->asked, 2) << "another time it may be read";
+  pictures->answer = PictureError::tooCostly;
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(loadFailing(), Outcome(ThumbnailLoader::TooCostly{}));
+  EXPECT_EQ(pictures->asked, 3);
+  pictures->answer = PictureError::damaged;
+  writePicture("a.png", 200, 200);
+  EXPECT_EQ(loadFailing(), Outcome(ThumbnailLoader::Unreadable{}));
+  EXPECT_EQ(pictures->asked, 4);
+}
+
+TEST_F(ThumbnailLoaderTest, WhatIsSaidOfALoadThatWasCancelledIsForgotten) {
+  const auto pictures = std::make_shared<AnsweringPictures>();
+  ThumbnailLoader failing(executor, pictures, [](const FileURL&) { return false; });
+  const FileURL url = writePicture("a.png", 100, 100);
+  std::optional<Outcome> outcome;
+  const auto task = failing.load(url, 100);
+  pictures->asking = [&] { task.cancel(); };
+  keep(task, outcome).detach();
+  executor.drain();
+  pictures->asking = nullptr;
+  EXPECT_EQ(outcome, Outcome(ThumbnailLoader::Cancelled{}));
+  keep(failing.load(url, 100), outcome).detach();
+  executor.drain();
+  EXPECT_EQ(pictures->asked, 2);
+}
+
 TEST_F(ThumbnailLoaderTest, TheSameFileIsReadOnce) {
   const FileURL url = writePicture("a.png", 100, 100);
   const Date date{700000000};
