@@ -131,7 +131,7 @@ TEST_F(ReaderPoolTest, SaysWhyAPictureIsNotRead) {
     EXPECT_EQ(reason(*pool, url), PictureError::damaged) << name;
     EXPECT_EQ(pool->failureOf(url), PictureError::damaged) << name;
     EXPECT_EQ(pool->windows(url, never).reason(), OperationError::unreadable) << name;
-    writeFile(url, whole + std::string(20'000'000, 'x'));
+    writeFile(url, whole + std::string(40'000'000, 'x'));
     EXPECT_EQ(reason(*pool, url), PictureError::tooCostly) << name;
     EXPECT_EQ(pool->failureOf(url), PictureError::tooCostly) << name;
     EXPECT_EQ(pool->thumbnail(url, 100, never).reason(), PictureError::tooCostly) << name;
