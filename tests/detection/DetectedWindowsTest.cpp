@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "detection/WindowShadow.h"
 #include "support/DrawnPictures.h"
 
 namespace quillmere::ImageOperations {
