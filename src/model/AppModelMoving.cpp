@@ -89,7 +89,11 @@ void AppModel::finishMoves() {
     if (isOpen && isMovedFile(items_[*index], move.to)) adoptMove(*index, move.to);
     over.push_back(move);
   }
-  if (begun.empty()) return;
+  if (begun.empty()) {
+    // What a run that was cut off had not even finished noting goes all the same.
+    moveJournal_.save(waitingMoves_);
+    return;
+  }
   saveNow();
   forgetMoves(lifetime_.weak(this), std::move(over)).detach();
 }
