@@ -191,13 +191,25 @@ void AppModel::tellOfAll(const std::vector<TrashOutcome>& outcomes, ErrorScope s
 Task<std::vector<TrashOutcome>> AppModel::runDisposals(Weak<AppModel> self, std::vector<UUID> ids, bool deletes,
                                                        UUIDMap<FileStamp> asked) {
   std::vector<TrashOutcome> outcomes(ids.size(), TrashOutcome::notTracked);
+  // As the person knows them: what takes their place while this waits is not decided about, nor where they are moved.
+  UUIDMap<ScreenshotItem> known;
+  for (const UUID& id : ids) {
+    if (const ScreenshotItem* item = self->items_.find(id)) known[id] = *item;
+  }
   const auto claiming = claimFiles(self, ids);
   const auto hold = co_await claiming;
   if (!self) co_return outcomes;
   const auto jobs = std::make_shared<std::vector<DisposalJob>>();
-  for (size_t i = 0; i < ids.size(); ++i) outcomes[i] = self->prepareDisposal(ids[i], deletes, asked, *jobs);
+  for (size_t i = 0; i < ids.size(); ++i) {
+    const ScreenshotItem* item = self->items_.find(ids[i]);
+    const bool hasMoved = item && item->url.parent() != known[ids[i]].url.parent();
+    outcomes[i] = hasMoved ? TrashOutcome::replaced : self->prepareDisposal(ids[i], deletes, asked, *jobs);
+  }
   if (!jobs->empty()) {
-    for (const DisposalJob& job : *jobs) self->beginDeciding(job.id);
+    for (DisposalJob& job : *jobs) {
+      if (const auto& before = known[job.id].fileIdentity) job.identity = before;
+      self->beginDeciding(job.id);
+    }
     const std::function<std::vector<TrashOutcome>()> work = [jobs, services = FileServices::of(self->dependencies_)] {
       std::vector<TrashOutcome> done;
       for (const DisposalJob& job : *jobs) done.push_back(disposeFile(job, services));

@@ -128,7 +128,11 @@ void AppModel::finishMoves() {
     }
     over.push_back(move);
   }
-  if (begun.empty()) return;
+  if (begun.empty()) {
+    // What a run that was cut off had not even finished noting goes all the same.
+    moveJournal_.save(waitingMoves_);
+    return;
+  }
   saveNow();
   forgetFinishedMoves(lifetime_.weak(this), std::move(over)).detach();
 }

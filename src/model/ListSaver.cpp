@@ -122,17 +122,18 @@ void ListSaver::tell() {
 // --- Waiting ---
 
 void ListSaver::Wait::await_suspend(std::coroutine_handle<> task) {
-  const auto waiter = std::make_shared<Waiter>(
-      Waiter{request_, std::make_shared<Continuation>(task), &outcome_, std::nullopt});
+  const auto waiter =
+      std::make_shared<Waiter>(Waiter{request_, std::make_shared<Continuation>(task), &outcome_, std::nullopt});
   saver_.waiters_.push_back(waiter);
   if (!longest_) return;
-  waiter->limit = saver_.services_.executor->startDelay(*longest_, [&saver = saver_, weak = std::weak_ptr(waiter)](bool) {
-    const auto late = weak.lock();
-    if (!late) return;
-    late->limit.reset();
-    std::erase(saver.waiters_, late);
-    late->continuation->resume();
-  });
+  waiter->limit =
+      saver_.services_.executor->startDelay(*longest_, [&saver = saver_, weak = std::weak_ptr(waiter)](bool) {
+        const auto late = weak.lock();
+        if (!late) return;
+        late->limit.reset();
+        std::erase(saver.waiters_, late);
+        late->continuation->resume();
+      });
 }
 
 void ListSaver::resumeWaiters() {

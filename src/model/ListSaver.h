@@ -25,9 +25,9 @@ enum class SaveOutcome {
 class ListSaver {
  public:
   struct Services {
-    Executor* executor = nullptr;    ///< for time
-    Executor* disk = nullptr;        ///< waits for the disk
-    std::function<void()> prepare;   ///< called by the disk's thread before each save
+    Executor* executor = nullptr;   ///< for time
+    Executor* disk = nullptr;       ///< waits for the disk
+    std::function<void()> prepare;  ///< called by the disk's thread before each save
     FileURL file;
   };
   /// All of them outlive this, and the services its last save.

@@ -9,8 +9,8 @@
 namespace quillmere {
 
 /// Writes the list in one piece: into a temporary file beside it, flushed, renamed over it, the folder flushed. After a
-/// crash or a power cut the old or the new list stands there whole. A list that is a symbolic link stays one. It is dated
-/// by when its records were taken: what has come since is not in it, however long the disk was waited for.
+/// crash or a power cut the old or the new list stands there whole. A list that is a symbolic link stays one. It is
+/// dated by when its records were taken: what has come since is not in it, however long the disk was waited for.
 ///
 /// Records that did not change since the last save are copied, by the kernel where it can, out of that save's own file,
 /// which the writer keeps open with the records that it was made of; a list that another process has touched since is
@@ -52,7 +52,7 @@ class ScreenshotListWriter {
 
   int last_ = -1;  ///< the file of the last save, open for reading
   Signature lastSignature_;
-  ScreenshotList::Snapshot lastSaved_;    ///< so that what is at an address of `lastRecords_` is what was saved
+  ScreenshotList::Snapshot lastSaved_;  ///< so that what is at an address of `lastRecords_` is what was saved
   ScreenshotList::Snapshot previous_;
   Records lastRecords_;
   std::vector<Range> lastRanges_;

@@ -97,7 +97,7 @@ const Decision kRenameInPopup{.name = "RenameInPopup",
 const Decision kKeepWithName{
     .name = "KeepWithName",
     .before = State::pending,
-    .act = [](LiveModel& live) { live.model->keepPrompt(live.id, QStringLiteral("Invoice")).detach(); },
+    .act = [](LiveModel& live) { live.finish(live.model->keepPrompt(live.id, QStringLiteral("Invoice"))); },
     .retry = [](LiveModel& live) { renameTo(live, ErrorScope::popup); },
     .goal = Place::newName,
     .stateAfter = State::permanent,
@@ -112,7 +112,7 @@ const Decision kTemporaryWithName{
     .before = State::pending,
     .act =
         [](LiveModel& live) {
-          live.model->markTemporary(live.id, TemporaryDuration::oneHour, QStringLiteral("Invoice")).detach();
+          live.finish(live.model->markTemporary(live.id, TemporaryDuration::oneHour, QStringLiteral("Invoice")));
         },
     .retry = [](LiveModel& live) { renameTo(live, ErrorScope::popup); },
     .goal = Place::newName,

@@ -405,6 +405,7 @@ TEST_F(InboxListViewTest, TheFieldStandsInTheRowAndTakesTheKeyboard) {
   EXPECT_EQ(field->text(), QStringLiteral("2"));
   QTest::keyClicks(field, QStringLiteral("Invoice"));
   QTest::keyClick(field, Qt::Key_Return);
+  executor.drain();
   EXPECT_EQ(item(ids[1]).url.displayName(), QStringLiteral("Invoice.png"));
   EXPECT_FALSE(*presentation->renameSession);
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -421,6 +422,7 @@ TEST_F(InboxListViewTest, ASecondRenameOfTheSameRowHasAFieldOfItsOwn) {
   ASSERT_TRUE(field);
   QTest::keyClicks(field, QStringLiteral("Invoice"));
   QTest::keyClick(field, Qt::Key_Return);
+  executor.drain();
   EXPECT_EQ(item(ids[0]).url.displayName(), QStringLiteral("Invoice.png"));
 }
 

@@ -26,7 +26,7 @@ class SearchIndexTest : public ModelFixture {
     }
     storeRecords(std::move(items));
     launchWatching();
-    index = std::make_unique<SearchIndex>(*model, executor);
+    index = std::make_unique<SearchIndex>(*model, indexExecutor);
   }
   Finding begin(const char* text) { return index->find(QString::fromUtf8(text)); }
   static std::string describe(const Finding& finding) {
@@ -43,15 +43,15 @@ class SearchIndexTest : public ModelFixture {
   }
   Names finding(const char* text) {
     const auto running = begin(text);
-    executor.drain();
+    indexExecutor.drain();
     return result(running);
   }
   /// Begins a search and stops before its work is done.
   Finding beginHeld(const char* text) {
-    executor.drain();
-    executor.holdBackground();
+    indexExecutor.drain();
+    indexExecutor.holdBackground();
     auto running = begin(text);
-    EXPECT_EQ(executor.heldBackground(), 1u);
+    EXPECT_EQ(indexExecutor.heldBackground(), 1u);
     return running;
   }
   UUID idOf(int number) const { return uuid(number); }
@@ -59,6 +59,8 @@ class SearchIndexTest : public ModelFixture {
     ASSERT_TRUE(finish(model->rename(uuid(number), QString::fromUtf8(name), ErrorScope::inbox)));
   }
 
+  /// The index's own, so that the model goes on while a search is held.
+  ManualExecutor indexExecutor;
   std::unique_ptr<SearchIndex> index;
 };
 
@@ -112,7 +114,7 @@ TEST_F(SearchIndexTest, ManyRecordsAreFoundAsOneByOne) {
   for (int i = 0; i < 60; ++i) {
     const QString sought = QString::fromStdString(text(3));
     const auto found = index->find(sought);
-    executor.drain();
+    indexExecutor.drain();
     std::vector<const ScreenshotItem*> items;
     model->items().forEach([&](const ScreenshotItem& item) { items.push_back(&item); });
     std::vector<UUID> expected;
@@ -141,7 +143,7 @@ TEST_F(SearchIndexTest, FollowsArrivalsWithTheTextReadFromThem) {
   EXPECT_THAT(finding("one"), ElementsAre("1"));
   analyzer.text = QStringLiteral("ones");
   arrive("a.png");
-  executor.drain();
+  indexExecutor.drain();
   EXPECT_THAT(finding("one"), ElementsAre("a", "1"));
   EXPECT_THAT(finding("ones"), ElementsAre("a"));
 }
@@ -178,12 +180,12 @@ TEST_F(SearchIndexTest, FollowsRemovals) {
 TEST_F(SearchIndexTest, OnlyTextsThatChangedAreFoldedAnew) {
   launchWith({"one", "two"});
   EXPECT_THAT(finding("one"), ElementsAre("1"));
-  executor.holdBackground();
+  indexExecutor.holdBackground();
   model->markTemporary(idOf(1), TemporaryDuration::oneHour).detach();
-  const size_t before = executor.heldBackground();
+  const size_t before = indexExecutor.heldBackground();
   rename(2, "Two");
-  EXPECT_EQ(executor.heldBackground(), before + 1) << "of the second alone, and nothing of the first before";
-  executor.runHeldBackground();
+  EXPECT_EQ(indexExecutor.heldBackground(), before + 1) << "of the second alone, and nothing of the first before";
+  indexExecutor.runHeldBackground();
   EXPECT_THAT(finding("one"), ElementsAre("1"));
 }
 
@@ -194,10 +196,10 @@ TEST_F(SearchIndexTest, WhatChangedOftenTakesNoMoreMemory) {
   for (int round = 0; round < 3; ++round) {
     for (int number = 1; number <= 40; ++number) {
       rename(number, ("Name " + std::to_string(round) + " " + std::to_string(number)).c_str());
-      if (number % 8 == 0) executor.drain();
+      if (number % 8 == 0) indexExecutor.drain();
     }
   }
-  executor.drain();
+  indexExecutor.drain();
   EXPECT_LT(index->memory(), 3 * before) << "at most half of what is kept is dead";
   EXPECT_EQ(finding("Name 2").size(), 40u);
   EXPECT_THAT(finding("Name 1 "), IsEmpty());
@@ -227,7 +229,7 @@ TEST_F(SearchIndexTest, WhatCameMeanwhileIsJudged) {
   arrive("one more.png");
   arrive("other.png");
   EXPECT_EQ(describe(running), "runs");
-  executor.runHeldBackground();
+  indexExecutor.runHeldBackground();
   EXPECT_THAT(result(running), ElementsAre("one more", "1"));
 }
 
@@ -238,12 +240,12 @@ TEST_F(SearchIndexTest, WhatChangedMeanwhileIsJudgedAsItIsThen) {
   rename(1, "One");
   rename(3, "one three");
   rename(3, "three");
-  executor.runHeldBackground();
+  indexExecutor.runHeldBackground();
   EXPECT_THAT(result(running), ElementsAre("2", "One"));
   const auto next = beginHeld("one");
   rename(1, "Two");
   rename(3, "one again");
-  executor.runHeldBackground();
+  indexExecutor.runHeldBackground();
   EXPECT_THAT(result(next), ElementsAre("one again", "2"));
 }
 
@@ -252,7 +254,7 @@ TEST_F(SearchIndexTest, WhatWentMeanwhileIsNotFound) {
   index->prepare();
   const auto running = beginHeld("one");
   model->removeRecords({idOf(2)});
-  executor.runHeldBackground();
+  indexExecutor.runHeldBackground();
   EXPECT_THAT(result(running), ElementsAre("3", "1"));
 }
 
@@ -282,7 +284,7 @@ TEST_F(SearchIndexTest, AtAnyPointOfASearchAChangeCounts) {
     SCOPED_TRACE(moment);
     index.reset();
     launchWith({"one", "two", "one", "one"});
-    OneByOne executorOfIndex(executor);
+    OneByOne executorOfIndex(indexExecutor);
     index = std::make_unique<SearchIndex>(*model, executorOfIndex);
     std::optional<Finding> running;
     bool hasChanged = false;
@@ -300,7 +302,7 @@ TEST_F(SearchIndexTest, AtAnyPointOfASearchAChangeCounts) {
       if (left-- == 0) changeAll();
     };
     running = begin("one");
-    executor.drain();
+    indexExecutor.drain();
     changeAll();
     const Names now{"one at last", "4", "one two", "Uno"};
     EXPECT_EQ(describe(*running), "found");
@@ -308,7 +310,7 @@ TEST_F(SearchIndexTest, AtAnyPointOfASearchAChangeCounts) {
       EXPECT_EQ(result(*running), now);
     }
     runningAtAll += wasRunning ? 1 : 0;
-    executor.drain();
+    indexExecutor.drain();
     EXPECT_EQ(finding("one"), now);
     index.reset();
     for (const char* name : {"Uno.png", "one two.png", "one at last.png"})
@@ -319,11 +321,11 @@ TEST_F(SearchIndexTest, AtAnyPointOfASearchAChangeCounts) {
 
 TEST_F(SearchIndexTest, ASearchThatWasBegunEarlyWaitsForTheFolding) {
   launchWith({"one", "two"});
-  executor.holdBackground();
+  indexExecutor.holdBackground();
   const auto running = begin("one");
   rename(2, "one");
   EXPECT_EQ(describe(running), "runs");
-  executor.runHeldBackground();
+  indexExecutor.runHeldBackground();
   EXPECT_THAT(result(running), ElementsAre("one", "1"));
 }
 
@@ -333,7 +335,7 @@ TEST_F(SearchIndexTest, ACancelledSearchFindsNothingAndTheNextIsWhole) {
   const auto first = beginHeld("o");
   const auto second = begin("on");
   first.cancel();
-  executor.runHeldBackground();
+  indexExecutor.runHeldBackground();
   EXPECT_EQ(describe(first), "nothing");
   EXPECT_THAT(result(second), ElementsAre("1"));
   EXPECT_THAT(finding("one"), ElementsAre("1"));
@@ -341,10 +343,10 @@ TEST_F(SearchIndexTest, ACancelledSearchFindsNothingAndTheNextIsWhole) {
 
 TEST_F(SearchIndexTest, ASearchIsCancelledWhileItWaitsForTheFolding) {
   launchWith({"one"});
-  executor.holdBackground();
+  indexExecutor.holdBackground();
   const auto running = begin("one");
   running.cancel();
-  executor.runHeldBackground();
+  indexExecutor.runHeldBackground();
   EXPECT_EQ(describe(running), "nothing");
 }
 
@@ -353,7 +355,7 @@ TEST_F(SearchIndexTest, TwoSearchesAtOnceEachAnswerForThemselves) {
   index->prepare();
   const auto one = beginHeld("one");
   const auto two = begin("two");
-  executor.runHeldBackground();
+  indexExecutor.runHeldBackground();
   EXPECT_THAT(result(one), ElementsAre("3", "1"));
   EXPECT_THAT(result(two), ElementsAre("3", "2"));
 }
@@ -363,24 +365,24 @@ TEST_F(SearchIndexTest, TwoSearchesAtOnceEachAnswerForThemselves) {
 TEST_F(SearchIndexTest, NothingIsKeptBeforeItIsNeededAndAfterItIsReleased) {
   launchWith({"one"});
   arrive("a.png");
-  executor.drain();
-  executor.holdBackground();
+  indexExecutor.drain();
+  indexExecutor.holdBackground();
   EXPECT_EQ(index->memory(), 0u);
   rename(1, "Uno");
-  EXPECT_EQ(executor.heldBackground(), 0u);
-  executor.runHeldBackground();
+  EXPECT_EQ(indexExecutor.heldBackground(), 0u);
+  indexExecutor.runHeldBackground();
   index->prepare();
   index->prepare();
-  executor.drain();
+  indexExecutor.drain();
   EXPECT_GT(index->memory(), 0u);
   index->release();
   index->release();
   EXPECT_EQ(index->memory(), 0u);
-  executor.drain();
-  executor.holdBackground();
+  indexExecutor.drain();
+  indexExecutor.holdBackground();
   rename(1, "Eins");
-  EXPECT_EQ(executor.heldBackground(), 0u) << "the model is not followed any more";
-  executor.runHeldBackground();
+  EXPECT_EQ(indexExecutor.heldBackground(), 0u) << "the model is not followed any more";
+  indexExecutor.runHeldBackground();
   EXPECT_THAT(finding("one"), ElementsAre("Eins"));
 }
 
@@ -389,29 +391,29 @@ TEST_F(SearchIndexTest, ARunningSearchEndsWithNothingWhenAllIsReleased) {
   index->prepare();
   const auto running = beginHeld("one");
   index->release();
-  executor.runHeldBackground();
+  indexExecutor.runHeldBackground();
   EXPECT_EQ(describe(running), "nothing");
-  executor.holdBackground();
+  indexExecutor.holdBackground();
   const auto waiting = begin("one");
   index->release();
   index->prepare();
-  executor.runHeldBackground();
+  indexExecutor.runHeldBackground();
   EXPECT_EQ(describe(waiting), "nothing");
   EXPECT_THAT(finding("one"), ElementsAre("1"));
 }
 
 TEST_F(SearchIndexTest, TheIndexMayGoWhileASearchRuns) {
   launchWith({"one"});
-  executor.holdBackground();
+  indexExecutor.holdBackground();
   const auto folding = begin("one");
   index.reset();
-  executor.runHeldBackground();
+  indexExecutor.runHeldBackground();
   EXPECT_EQ(describe(folding), "nothing");
-  index = std::make_unique<SearchIndex>(*model, executor);
+  index = std::make_unique<SearchIndex>(*model, indexExecutor);
   index->prepare();
   const auto searching = beginHeld("one");
   index.reset();
-  executor.runHeldBackground();
+  indexExecutor.runHeldBackground();
   EXPECT_EQ(describe(searching), "nothing");
 }
 
@@ -423,7 +425,7 @@ TEST_F(SearchIndexTest, ARecordIsJudgedAloneByTheSameRule) {
   EXPECT_TRUE(index->contains(one, QString()));
   EXPECT_FALSE(index->contains(one, QStringLiteral("cafes")));
   index->prepare();
-  executor.drain();
+  indexExecutor.drain();
   EXPECT_TRUE(index->contains(one, QStringLiteral("cafe")));
   EXPECT_FALSE(index->contains(one, QStringLiteral("tea")));
 }

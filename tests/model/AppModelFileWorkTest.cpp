@@ -228,6 +228,16 @@ TEST_F(AppModelFileWork, AnotherFileInThePlaceIsSeenByTheWorkItself) {
   EXPECT_EQ((*model->inboxError)->title, "Screenshot Has Changed");
 }
 
+TEST_F(AppModelFileWork, WhatWasAskedTwiceThrowsAwayNoFileThatCameMeanwhile) {
+  const UUID id = arrivePermanent("shot.png");
+  beginDisposal(id).detach();
+  beginDisposal(id).detach();
+  identities[shot.path()] = FileIdentity{"volume", 4711, Date{kStart + 50}, 7};
+  end();
+  EXPECT_EQ(files.calls(), 0);
+  EXPECT_TRUE(hasRecord(id));
+}
+
 TEST_F(AppModelFileWork, ALookDuringTheWorkDecidesNothing) {
   const UUID id = arrivePermanent("shot.png");
   files.refuse(shot);
@@ -379,7 +389,7 @@ TEST_F(BetweenWorkAndResult, AFileThatThePersonRenamedInThatMomentIsNotForgotten
   deliver();
   ASSERT_EQ(model->items().size(), 1u);
   EXPECT_EQ(model->items()[0].url, shots.appending("by hand.png"));
-  EXPECT_EQ(files.trashed.size(), 0u);
+  EXPECT_FALSE(isInTrashFolder("shot.png"));
 }
 
 TEST_F(BetweenWorkAndResult, AWatchedFolderThatGetsAnotherNameTakesTheRecordAlong) {

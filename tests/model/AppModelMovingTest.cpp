@@ -167,6 +167,15 @@ TEST_F(AppModelMoving, AMoveStaysNotedUntilTheListCanBeSaved) {
   EXPECT_TRUE(journal().load().empty());
 }
 
+TEST_F(AppModelMoving, ANoteThatWasCutOffIsGoneAfterAStart) {
+  model.reset();
+  const FileURL unfinished = listFile.parent().appending("moving.json.saving");
+  std::filesystem::create_directories(unfinished.parent().path());
+  writeFile(unfinished, "half a note");
+  launch();
+  EXPECT_FALSE(fileExists(unfinished));
+}
+
 TEST_F(AppModelMoving, AFileThatHasMovedWhenTheRunEndsIsFollowed) {
   const UUID id = arriveTemporary("shot.png");
   const FileURL before = item(id).url;

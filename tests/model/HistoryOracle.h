@@ -35,14 +35,20 @@ class HistoryOracle {
     if (!item.fileIdentity) namesMadeTemporary_[item.url.lastPathComponent()] = expiresAt;
   }
   void choseToKeep(const ScreenshotItem& item) {
-    if (const auto* file = fileOf(item)) temporary_.erase(file->number);
+    const auto* file = fileOf(item);
+    const auto choice = file ? temporary_.find(file->number) : temporary_.end();
+    // Once it is due, it may be on its way to Trash.
+    if (choice != temporary_.end() && choice->second.expiresAt > world_.now()) temporary_.erase(choice);
   }
   /// Until `hasChosenForTrash` with what this gives. What stands under a record's name is what the person sees of it.
   std::vector<int> choosesForTrash(const std::vector<ScreenshotItem>& items) {
     std::vector<int> chosen;
     for (const ScreenshotItem& item : items) {
       if (const auto* file = fileOf(item)) left(*file);
-      if (const auto* file = world_.at(item.url)) chosen.push_back(file->number);
+      // A disk that is away may be back before the work has its turn.
+      const bool isAway = !world_.isMounted && !world_.at(item.url);
+      const FileURL place = isAway ? world_.folder.appending(item.url.lastPathComponent()) : item.url;
+      if (const auto* file = world_.at(place)) chosen.push_back(file->number);
     }
     chosenForTrash_.insert(chosen.begin(), chosen.end());
     return chosen;

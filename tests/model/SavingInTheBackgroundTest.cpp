@@ -209,8 +209,8 @@ TEST_F(SavingInTheBackground, AMoveStaysNotedUntilTheListThatTellsOfItIsOnTheDis
   const MoveJournal journal(listFile.parent().appending("moving.json"));
   stepwise.drain();
   stepwise.hold();
-  model->move(id, elsewhere.appending("moved.png"));
-  model->move(other, elsewhere.appending("other.png"));
+  model->move(id, elsewhere.appending("moved.png")).detach();
+  model->move(other, elsewhere.appending("other.png")).detach();
   EXPECT_EQ(journal.load().size(), 2u);
   saveOnce();
   EXPECT_EQ(savedRecord(id)->url, elsewhere.appending("moved.png"));
@@ -226,7 +226,7 @@ TEST_F(SavingInTheBackground, AKillAfterAMoveFindsTheFile) {
   launchWatching();
   const UUID id = arrive("shot.png");
   disk.holdBackground();
-  model->move(id, elsewhere.appending("moved.png"));
+  model->move(id, elsewhere.appending("moved.png")).detach();
   killAndLaunch();
   EXPECT_EQ(item(id).url, elsewhere.appending("moved.png"));
 }
@@ -250,7 +250,7 @@ TEST_F(SavingInTheBackground, FilesAreFlushedBeforeTheListThatTellsThemGone) {
   const UUID id = arrive("1.png");
   disk.holdBackground();
   const int before = files.flushes;
-  model->disposeChosen(id, ErrorScope::inbox);
+  model->disposeChosen(id, ErrorScope::inbox).detach();
   EXPECT_EQ(files.flushes, before) << "not where it was decided";
   letDiskAnswer();
   EXPECT_EQ(files.flushes, before + 1);

@@ -169,6 +169,7 @@ TEST_F(CapturePromptViewTest, TemporaryTakesTheDurationAndTheName) {
   type(QStringLiteral("Receipt"));
   picker()->setDuration(TemporaryDuration::oneHour);
   QTest::mouseClick(button("Temporary"), Qt::LeftButton);
+  executor.drain();
   EXPECT_EQ(stateOf(id), State::temporary);
   EXPECT_EQ(item(id).url.lastPathComponent(), "Receipt.png");
   EXPECT_NEAR(*item(id).expiresAt - now(), 3600, 0.001);
@@ -178,6 +179,7 @@ TEST_F(CapturePromptViewTest, TemporaryTakesTheDurationAndTheName) {
 TEST_F(CapturePromptViewTest, KeepTakesTheName) {
   type(QStringLiteral("Receipt"));
   QTest::mouseClick(button("Keep"), Qt::LeftButton);
+  executor.drain();
   EXPECT_EQ(stateOf(id), State::permanent);
   EXPECT_EQ(item(id).url.lastPathComponent(), "Receipt.png");
   EXPECT_TRUE(announcer.hasSaid(QStringLiteral("Screenshot kept.")));
@@ -197,11 +199,13 @@ TEST_F(CapturePromptViewTest, DeletingAsksFirst) {
   refresh();
   confirmsDeletion = false;
   QTest::mouseClick(button("Delete"), Qt::LeftButton);
+  executor.drain();
   EXPECT_EQ(deletionQuestions, std::vector<QString>{QStringLiteral("Screenshot 1.png")});
   EXPECT_TRUE(hasRecord(id));
   EXPECT_EQ(files.calls(), 0);
   confirmsDeletion = true;
   QTest::mouseClick(button("Delete"), Qt::LeftButton);
+  executor.drain();
   EXPECT_FALSE(hasRecord(id));
   EXPECT_EQ(files.removeCalls, 1);
   EXPECT_TRUE(announcer.hasSaid(QStringLiteral("Screenshot deleted.")));
@@ -520,6 +524,7 @@ TEST_F(CapturePromptViewTest, TheNextScreenshotStartsAnew) {
   type(QStringLiteral("Mine"));
   picker()->setDuration(TemporaryDuration::oneMinute);
   QTest::mouseClick(button("Keep"), Qt::LeftButton);
+  executor.drain();
   refresh();
   EXPECT_EQ(field()->text(), QStringLiteral("2"));
   EXPECT_EQ(picker()->duration(), *model->settings().lastTemporaryDuration);
