@@ -50,7 +50,11 @@ void AnalysisPipeline::start(const std::vector<UUID>& ids) {
     begun.emplace_back(id, token);
   }
   if (begun.empty()) return;
-  tellAnalyzing();
+  if (begun.size() == 1) {
+    records_.analyzingChanged(begun.front().first, true);
+  } else {
+    tellAnalyzing();
+  }
   for (const auto& [id, token] : begun) {
     if (!isCurrent(id, token)) continue;
     const Task<> task = run(lifetime_.weak(this), id, token);
@@ -66,7 +70,7 @@ void AnalysisPipeline::cancel(const UUID& id) {
   if (job) {
     job.mapped().task.cancel();
     job.mapped().attempt.cancel();
-    tellAnalyzing();
+    if (!jobs_.contains(id)) records_.analyzingChanged(id, false);
   }
   if (recognition) {
     recognition.mapped().task.cancel();
@@ -101,7 +105,7 @@ bool AnalysisPipeline::isCurrent(const UUID& id, const UUID& token) const {
 void AnalysisPipeline::finish(const UUID& id, const UUID& token) {
   if (!isCurrent(id, token)) return;
   jobs_.erase(id);
-  tellAnalyzing();
+  records_.analyzingChanged(id, false);
 }
 
 void AnalysisPipeline::tellAnalyzing() {

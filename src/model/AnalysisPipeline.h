@@ -21,6 +21,8 @@ class AnalysisRecords {
   virtual void saveRecords() = 0;
   virtual void saveRecordsSoon() = 0;
   virtual void analyzingChanged(const UUIDSet& ids) = 0;
+  /// Of one: thousands arrive and are read one by one.
+  virtual void analyzingChanged(const UUID& id, bool isAnalyzing) = 0;
   virtual void unavailabilityChanged(const std::optional<AnalysisError>& error) = 0;
   virtual void foreignServerChanged(const std::optional<ForeignModelServer>& server) = 0;
 };

@@ -282,13 +282,13 @@ void AppModel::insertNewest(ScreenshotItem item) {
 
 void AppModel::setMember(Field<UUIDSet>& set, const UUID& id, bool isMember) {
   if (set->contains(id) == isMember) return;
-  UUIDSet next = *set;
-  if (isMember) {
-    next.insert(id);
-  } else {
-    next.erase(id);
-  }
-  set.set(std::move(next));
+  set.change([&](UUIDSet& ids) {
+    if (isMember) {
+      ids.insert(id);
+    } else {
+      ids.erase(id);
+    }
+  });
 }
 
 }  // namespace quillmere

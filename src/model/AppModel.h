@@ -418,6 +418,7 @@ class AppModel : private AnalysisRecords,
   void saveRecords() override { saveNow(); }
   void saveRecordsSoon() override { scheduleSave(); }
   void analyzingChanged(const UUIDSet& ids) override { analyzingIDs.set(ids); }
+  void analyzingChanged(const UUID& id, bool isAnalyzing) override { setMember(analyzingIDs, id, isAnalyzing); }
   void foreignServerChanged(const std::optional<ForeignModelServer>& server) override {
     foreignModelServer.set(server);
   }

@@ -84,6 +84,12 @@ class Published {
     changed_(Change{field_});
     return true;
   }
+  /// For what is too large to be copied for each change; `edit` does change it.
+  template <typename Edit>
+  void change(Edit edit) {
+    edit(value_);
+    changed_(Change{field_});
+  }
 
   Signal<const Change&>& changed_;
   decltype(Change::field) field_;

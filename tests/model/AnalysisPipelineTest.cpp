@@ -34,6 +34,13 @@ class FakeRecords final : public AnalysisRecords {
   void saveRecords() override { ++saves; }
   void saveRecordsSoon() override { ++laterSaves; }
   void analyzingChanged(const UUIDSet& ids) override { analyzing = ids; }
+  void analyzingChanged(const UUID& id, bool isAnalyzing) override {
+    if (isAnalyzing) {
+      analyzing.insert(id);
+    } else {
+      analyzing.erase(id);
+    }
+  }
   void foreignServerChanged(const std::optional<ForeignModelServer>& server) override {
     foreignServers.push_back(server);
   }
