@@ -20,10 +20,11 @@ std::optional<UUID> PromptQueue::front() const {
 }
 
 void PromptQueue::enqueue(const UUID& id) {
-  if (std::find(queue->begin(), queue->end(), id) != queue->end()) return;
-  auto longer = *queue;
-  longer.push_back(id);
-  queue.set(std::move(longer));
+  if (!waiting_.insert(id).second) return;
+  queue.modify([&](std::vector<UUID>& ids) {
+    ids.push_back(id);
+    return true;
+  });
   if (queue->size() == 1) showNext();
 }
 
@@ -31,7 +32,9 @@ void PromptQueue::showNext() {
   auto undecided = *queue;
   std::erase_if(undecided, [&](const UUID& id) {
     const ScreenshotItem* item = items_.find(id);
-    return !item || item->state != ScreenshotItem::State::pending;
+    const bool isDecided = !item || item->state != ScreenshotItem::State::pending;
+    if (isDecided) waiting_.erase(id);
+    return isDecided;
   });
   queue.set(std::move(undecided));
   const auto next = front();
@@ -57,9 +60,11 @@ void PromptQueue::setVisible(const std::optional<UUID>& id) {
 void PromptQueue::resolve(const UUIDSet& ids) {
   const auto before = front();
   const bool frontLeaves = before && ids.contains(*before);
-  auto rest = *queue;
-  std::erase_if(rest, [&](const UUID& id) { return ids.contains(id); });
-  queue.set(std::move(rest));
+  size_t leaving = 0;
+  for (const UUID& id : ids) leaving += waiting_.erase(id);
+  queue.modify([&](std::vector<UUID>& waiting) {
+    return leaving > 0 && std::erase_if(waiting, [&](const UUID& id) { return ids.contains(id); }) > 0;
+  });
   if (frontLeaves) showNext();
 }
 

@@ -59,6 +59,7 @@ class PromptQueue {
   const AppModelDependencies& dependencies_;
   const ScreenshotList& items_;
   PromptStage& stage_;
+  UUIDSet waiting_;  ///< what stands in the queue
   std::optional<UUID> visible_;
   AnnouncementPriority priority_ = AnnouncementPriority::high;
   bool hintsAtShortcut_ = true;

@@ -85,7 +85,6 @@ class Published {
     changed_(Change{field_});
     return true;
   }
-
   /// Changes a large value in its place; `change` answers whether it did.
   template <typename Apply>
   bool modify(Apply change) {

@@ -68,6 +68,21 @@ TEST_F(PromptQueueTest, LaterOnesWaitBehindItWithoutAWord) {
   EXPECT_THAT(log.calls(), IsEmpty());
 }
 
+TEST_F(PromptQueueTest, WhatHasLeftCanWaitAgain) {
+  for (const int number : {1, 404, 2}) prompts.enqueue(uuid(number));
+  prompts.resolve({uuid(1)});
+  items.insertNewest(bareItem(404));
+  for (const int number : {404, 1, 2}) prompts.enqueue(uuid(number));
+  EXPECT_THAT(*prompts.queue, ElementsAre(uuid(2), uuid(404), uuid(1)));
+}
+
+TEST_F(PromptQueueTest, WhatIsNotInItLeavesItAlone) {
+  prompts.enqueue(uuid(1));
+  told.clear();
+  prompts.resolve({uuid(2)});
+  EXPECT_THAT(told, IsEmpty());
+}
+
 TEST_F(PromptQueueTest, WhatIsDecidedOrGoneIsPassedOver) {
   for (const int number : {1, 2, 404, 3}) prompts.enqueue(uuid(number));
   decide(2);
