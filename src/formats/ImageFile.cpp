@@ -9,7 +9,6 @@
 #include "formats/HeifFile.h"
 #include "formats/JpegOutline.h"
 #include "formats/PictureFile.h"
-#include "formats/PictureMemory.h"
 #include "formats/PictureOutline.h"
 #include "formats/PngOrientation.h"
 #include "formats/PngReader.h"
@@ -19,12 +18,6 @@
 
 namespace quillmere {
 namespace {
-
-/// Of whatever is decoded anywhere in the program.
-PictureMemory& memoryOfAll() {
-  static PictureMemory memory(PictureBudget().memory);
-  return memory;
-}
 
 /// What Qt calls the formats.
 const char* nameInQt(PictureFormat format) {
@@ -199,7 +192,7 @@ Result<PictureOutline, PictureError> outlineOf(const PictureFile& file, std::str
   return PictureOutline::ofBeginning(beginning, file.size(), budget);
 }
 
-/// Calls `decode` with the bytes of the file, if it is worth it, and while there is memory for it.
+/// Calls `decode` with the bytes of the file, if it is worth it.
 template <typename Decode>
 std::optional<PictureError> withBytes(const FileURL& url, const PictureBudget& budget, const Decode& decode) {
   const PictureFile file(url);
@@ -207,7 +200,6 @@ std::optional<PictureError> withBytes(const FileURL& url, const PictureBudget& b
   std::string bytes = beginningOf(file, budget);
   const auto outline = outlineOf(file, bytes, budget);
   if (!outline) return outline.reason();
-  const PictureMemory::Share share(memoryOfAll(), file.size() + outline->memory);
   if (static_cast<int64_t>(bytes.size()) < file.size()) {
     bytes = {};
     auto all = file.all();
@@ -223,7 +215,6 @@ template <typename Decode>
 std::optional<PictureError> withBytes(std::string_view bytes, const PictureBudget& budget, const Decode& decode) {
   const auto outline = PictureOutline::of(bytes, budget);
   if (!outline) return outline.reason();
-  const PictureMemory::Share share(memoryOfAll(), outline->memory);
   return decode(bytes);
 }
 
@@ -307,6 +298,12 @@ std::optional<std::string> ImageFile::firstBytesOf(const FileURL& url, int64_t c
   const auto format = formatOf(file.bytes(0, 16));
   if (!format) return std::nullopt;
   return format == PictureFormat::heif ? bytesOf(url) : std::optional(file.bytes(0, count));
+}
+
+Result<int64_t, PictureError> ImageFile::memoryFor(std::string_view bytes, const PictureBudget& budget) {
+  const auto outline = PictureOutline::of(bytes, budget);
+  if (!outline) return outline.reason();
+  return static_cast<int64_t>(bytes.size()) + outline->memory;
 }
 
 bool ImageFile::decodesCompletely(const FileURL& url) {

@@ -18,8 +18,7 @@ namespace quillmere {
 /// Reading picture files of the formats in `PictureFormat`, whatever their names say. Any thread.
 ///
 /// A file is read into memory once before it is decoded, so what becomes of it meanwhile changes nothing. What it will
-/// take is told from its beginning first, and is refused beyond a budget; what all pictures together take at the same
-/// time is bounded as well, and who comes last waits.
+/// take is told from its beginning first, and is refused beyond a budget.
 namespace ImageFile {
 
 /// Whether the file is a whole picture: its format's end is there and it decodes without error.
@@ -68,6 +67,8 @@ std::optional<std::string> bytesOf(const FileURL& url);
 /// The bytes of an open file, which stays open, as far as they are worth being decoded: of one whose beginning tells
 /// that it is no picture, or beyond the budget, no more is read.
 Result<std::string, PictureError> bytesToDecode(int descriptor, const PictureBudget& budget = {});
+/// In bytes, while the picture of those is decoded, they themselves among it.
+Result<int64_t, PictureError> memoryFor(std::string_view bytes, const PictureBudget& budget = {});
 /// So many of its first bytes; all of a HEIF, whose head may lie anywhere.
 std::optional<std::string> firstBytesOf(const FileURL& url, int64_t count);
 

@@ -11,7 +11,7 @@ namespace ReaderMessages {
 
 inline constexpr uint32_t kMagic = 0x516D5244;
 /// Another one is another language.
-inline constexpr uint32_t kVersion = 2;
+inline constexpr uint32_t kVersion = 3;
 
 /// The descriptors that a reader starts with.
 inline constexpr int kSocket = 3;
@@ -55,7 +55,7 @@ struct Request {
 };
 
 enum class Step : uint32_t {
-  begun = 1,  ///< the file is read; from now on the time counts
+  begun = 1,  ///< the file is read; once there is the memory that it takes, the time counts
   done,
 };
 
@@ -68,6 +68,12 @@ struct Answer {
   int32_t height = 0;
   PictureShape shape{};
   uint64_t extraBytes = 0;  ///< of windows, text or an encoded picture, behind the picture
+  int64_t memory = 0;       ///< of a beginning: the bytes that decoding takes; above 0 the reader waits for its `Turn`
+};
+
+/// There is memory for it.
+struct Turn {
+  uint32_t magic = kMagic;
 };
 
 /// A window of a scan, as it stands in the memory.

@@ -159,8 +159,13 @@ void Reader::answer(const Request& request, Descriptor file) {
       outcome = encoded(pictureIn(request, file), request.number);
     } else if (auto bytes = ImageFile::bytesToDecode(file.number())) {
       file = Descriptor();
-      socket_.send(Answer{.step = static_cast<uint32_t>(Step::begun)});
-      outcome = worked(request, *std::move(bytes), signals_.isStopped, recognizer_);
+      if (const auto memory = ImageFile::memoryFor(*bytes)) {
+        socket_.send(Answer{.step = static_cast<uint32_t>(Step::begun), .memory = *memory});
+        if (!socket_.receive<ReaderMessages::Turn>()) return;
+        outcome = worked(request, *std::move(bytes), signals_.isStopped, recognizer_);
+      } else {
+        outcome = failed(memory.reason());
+      }
     } else {
       outcome = failed(bytes.reason());
     }

@@ -35,6 +35,10 @@ Request request(Work work, int32_t number = 0, const PictureShape& shape = {}) {
   return {.work = static_cast<uint32_t>(work), .number = number, .shape = shape};
 }
 
+bool decodes(const Request& request) {
+  return request.work != static_cast<uint32_t>(Work::head) && request.work != static_cast<uint32_t>(Work::encoding);
+}
+
 /// A link put in a picture's place would have another file read; a pipe in it would hold the reader.
 Descriptor openPicture(const FileURL& url) {
   return Descriptor(::open(url.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
@@ -180,7 +184,10 @@ ReaderPool::Asked ReaderPool::ask(const Request& request, const Descriptor& file
     if (const uint32_t missing = process->missingProtections(); missing != 0) {
       tellOnce("Pictures are read without " + Protections::names(missing) + ", which this system has not");
     }
-    ReaderProcess::Outcome outcome = process->ask(request, file.number(), isStopped);
+    // Of head and encoding no more is in memory than the program has anyhow.
+    std::optional<PictureMemory::Share> all;
+    if (status.st_size > kLargeFile && decodes(request)) all.emplace(memory_, kMemory);
+    ReaderProcess::Outcome outcome = process->ask(request, file.number(), all ? nullptr : &memory_, isStopped);
     auto reply = outcome.end == End::answered ? checked(outcome.answer, outcome.memory) : std::nullopt;
     if (reply) {
       lane.giveBack(process);

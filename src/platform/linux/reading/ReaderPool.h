@@ -17,9 +17,10 @@ namespace quillmere {
 /// text in them. Each is started on first need and ends when none of them has had anything to do for a while. It hands
 /// over open files and believes nothing that comes back.
 ///
-/// Each reader decodes one picture at a time, within the budget of one; so all together take at most as many budgets as
-/// there are readers. A picture that ended its reader twice, or kept it busy too long twice, is too costly until it
-/// changes; before that it is only unreadable, for another time it may be read.
+/// Each reader decodes one picture at a time, and only when there is memory for it: all together take at most
+/// `kMemory`, and what waits for its turn is a small file's bytes. A picture that ended its reader twice, or kept it
+/// busy too long twice, is too costly until it changes; before that it is only unreadable, for another time it may be
+/// read.
 class ReaderPool final : public PictureReading, public std::enable_shared_from_this<ReaderPool> {
  public:
   struct Size {
@@ -27,6 +28,9 @@ class ReaderPool final : public PictureReading, public std::enable_shared_from_t
     int texts = 2;
   };
   static constexpr Duration kWarm = std::chrono::minutes(2);
+  static constexpr int64_t kMemory = int64_t{3} << 29;
+  /// The bytes of a file that is larger than a capture; such ones are read alone.
+  static constexpr int64_t kLargeFile = int64_t{64} << 20;
 
   /// `program` is the reader. The executor may go first.
   ReaderPool(Executor& executor, std::string program, Size size, ReaderProcess::Patience patience);
@@ -70,6 +74,7 @@ class ReaderPool final : public PictureReading, public std::enable_shared_from_t
 
   Executor& executor_;
   BadPictures bad_;
+  PictureMemory memory_{kMemory};
   ReaderLane pictures_;
   ReaderLane texts_;
   std::atomic<bool> isUsePosted_ = false;

@@ -178,12 +178,14 @@ pid_t ReaderProcess::process() const {
   return child_ ? child_->process() : -1;
 }
 
-ReaderProcess::Outcome ReaderProcess::ask(const Request& request, int file, const std::atomic<bool>& isStopped) {
+ReaderProcess::Outcome ReaderProcess::ask(const Request& request, int file, PictureMemory* memory,
+                                          const std::atomic<bool>& isStopped) {
   signals_->isStopped = false;
   if (!socket_.send(request, file)) return {End::gone};
   const auto& patience = request.work == static_cast<uint32_t>(Work::text) ? patience_.texts : patience_.work;
   milliseconds atMost = patience_.file;
   bool hasBegun = false;
+  std::optional<PictureMemory::Share> share;
   while (true) {
     switch (wait(atMost, &isStopped)) {
       case Wait::ready:
@@ -193,16 +195,20 @@ ReaderProcess::Outcome ReaderProcess::ask(const Request& request, int file, cons
       case Wait::stopped:
         return {End::stopped};
     }
-    Descriptor memory;
+    Descriptor passed;
     // A reader that ends has nothing more to say; one that says anything else than what it should, lies.
     std::array<char, 1> peeked{};
     if (::recv(socket_.number(), peeked.data(), peeked.size(), MSG_PEEK | MSG_DONTWAIT) <= 0)
       return {hasBegun ? End::died : End::gone};
-    const auto answer = socket_.receive<Answer>(&memory);
+    const auto answer = socket_.receive<Answer>(&passed);
     if (!answer) return {End::lied};
-    if (isStep(*answer, Step::done)) return {End::answered, *answer, std::move(memory)};
-    if (!isStep(*answer, Step::begun) || hasBegun || memory) return {End::lied};
+    if (isStep(*answer, Step::done)) return {End::answered, *answer, std::move(passed)};
+    if (!isStep(*answer, Step::begun) || hasBegun || passed) return {End::lied};
     hasBegun = true;
+    if (answer->memory > 0) {
+      if (memory) share.emplace(*memory, answer->memory);
+      if (!socket_.send(ReaderMessages::Turn())) return {End::gone};
+    }
     atMost = patience;
   }
 }

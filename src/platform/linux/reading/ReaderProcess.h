@@ -8,6 +8,7 @@
 
 #include "platform/linux/passing/PacketSocket.h"
 #include "platform/linux/passing/ReaderMessages.h"
+#include "reading/PictureMemory.h"
 
 namespace quillmere {
 
@@ -41,8 +42,10 @@ class ReaderProcess {
     ReaderMessages::Answer answer{};
     Descriptor memory{};
   };
-  /// A reader that did not answer is of no more use.
-  Outcome ask(const ReaderMessages::Request& request, int file, const std::atomic<bool>& isStopped);
+  /// Of `memory` it takes what the picture needs, and waits for it; none is needed where that is null. A reader that
+  /// did not answer is of no more use.
+  Outcome ask(const ReaderMessages::Request& request, int file, PictureMemory* memory,
+              const std::atomic<bool>& isStopped);
 
   uint32_t missingProtections() const { return missing_; }
   pid_t process() const;

@@ -3,8 +3,10 @@
 #include <sys/stat.h>
 #include <QtGui/QColorSpace>
 #include <QtGui/QPainter>
+#include <array>
 #include <cstdlib>
 #include <thread>
+#include <vector>
 
 #include "fakes/DecodedPictures.h"
 #include "foundation/ManualExecutor.h"
@@ -270,6 +272,18 @@ TEST_F(ReaderPoolTest, ReadsSeveralAtATime) {
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(read, 6);
   EXPECT_LE(pool->running(), static_cast<size_t>(ReaderPool::Size().pictures));
+}
+
+TEST_F(ReaderPoolTest, WhatTakesAllMemoryIsReadAlone) {
+  const auto pool = hostile("takes-all-memory");
+  ::setenv("QUILLMERE_HOSTILE_MARK", home.file("busy").c_str(), 1);
+  const std::array urls{drawn("a.png"), drawn("b.png"), drawn("c.png")};
+  std::vector<std::thread> threads;
+  threads.reserve(urls.size());
+  for (const FileURL& url : urls) {
+    threads.emplace_back([&] { EXPECT_FALSE(read(*pool, url).isNull()) << "two were at it at the same time"; });
+  }
+  for (std::thread& thread : threads) thread.join();
 }
 
 TEST_F(ReaderPoolTest, AtTheEndNobodyWaits) {

@@ -70,6 +70,20 @@ void answerAs(const std::string& kind, PacketSocket& socket) {
       ::_exit(1);
     }
     answerWell(socket);
+  } else if (kind == "takes-all-memory") {
+    Answer first = begun();
+    first.memory = int64_t{1} << 40;
+    socket.send(first);
+    if (!socket.receive<ReaderMessages::Turn>()) ::_exit(0);
+    const std::string mark = setting("QUILLMERE_HOSTILE_MARK");
+    const Descriptor busy(::open(mark.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0600));
+    ::usleep(20'000);
+    if (!busy) ::_exit(1);
+    ::unlink(mark.c_str());
+    Answer answered = done();
+    answered.shape = passed.shape();
+    const auto memory = SealedMemory::of(passed.parts());
+    socket.send(answered, memory->number());
   } else if (kind == "hangs") {
     socket.send(begun());
     ::pause();

@@ -1,4 +1,4 @@
-#include "formats/PictureMemory.h"
+#include "reading/PictureMemory.h"
 
 #include <gtest/gtest.h>
 #include <atomic>
