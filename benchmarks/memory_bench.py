@@ -3,22 +3,18 @@
 empty list, and with one of many records; before its readers of pictures have been needed."""
 
 import argparse
-import datetime
-import json
 import os
 import sys
-import uuid
+import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 sys.path.insert(0, os.path.join(ROOT, "tests", "journeys"))
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 
-import captures  # noqa: E402
 from harness import Desktop, wait_until  # noqa: E402
-from login_bench import end, is_resting  # noqa: E402
+from login_bench import end, fill, precise_seconds  # noqa: E402
 
 LIMITS = {0: 36, 10000: 60}  # megabytes resident
-TEXT = "The quick brown fox jumps over the lazy dog.\n" * 42
 
 
 def memory(pid):
@@ -28,26 +24,11 @@ def memory(pid):
     return sizes["Rss"] / 1024, sizes["Pss"] / 1024
 
 
-def fill(desktop, count):
-    """One real record, and as many like it as are wanted; their files are there."""
-    desktop.launch("--autostart")
-    moment = datetime.datetime.now() - datetime.timedelta(days=365)
-    first = captures.save(desktop.folder, moment.strftime("Screenshot from %Y-%m-%d %H-%M-%S.png"))
-    wait_until("it is listed", lambda: len(desktop.records()) == 1, 60)
-    wait_until("it is looked through", lambda: is_resting(desktop.program.pid), 120)
-    end(desktop)
-    with open(desktop.list_file, encoding="utf-8") as file:
-        stored = json.load(file)
-    one = stored["items"][0]
-    stored["items"] = []
-    for number in range(count):
-        path = os.path.join(desktop.folder, f"Screenshot {number}.png")
-        os.link(first, path)
-        stored["items"].append({**one, "id": str(uuid.uuid4()).upper(), "recognizedText": TEXT,
-                                "url": one["url"].rpartition("/")[0] + f"/Screenshot%20{number}.png"})
-    os.remove(first)
-    with open(desktop.list_file, "w", encoding="utf-8") as file:
-        json.dump(stored, file)
+def is_resting(pid):
+    """It has not computed for as long as it keeps what it may need again."""
+    before = precise_seconds(pid)
+    time.sleep(12)
+    return precise_seconds(pid) - before < 0.02
 
 
 def main():

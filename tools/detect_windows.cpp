@@ -23,6 +23,7 @@
 #include "detection/ShadowFallOff.h"
 #include "detection/VisionRectangles.h"
 #include "detection/WindowScan.h"
+#include "detection/WindowShadow.h"
 #include "formats/ImageOperations.h"
 #include "formats/ImageScale.h"
 #include "foundation/FileStatus.h"

@@ -54,7 +54,8 @@ std::optional<Listing> listUnknown(const FileURL& directory, const URLSet& known
 /// The tests of one file that has held still.
 class Examination {
  public:
-  explicit Examination(const Snapshot& snapshot) : snapshot_(snapshot) {}
+  /// A part of all grows with their number, so that looking at the rest once more costs less than decoding it.
+  Examination(const Snapshot& snapshot, size_t files) : snapshot_(snapshot), left_(std::max(kLeastPortion, files / 8)) {}
 
   void examine(Observation& seen) {
     if (!seen.fingerprint) return;
@@ -65,6 +66,13 @@ class Examination {
     const auto known = snapshot_.evidence.find(seen.url);
     if (known == snapshot_.evidence.end()) return;
 
+    // What has had its turn is asked again without one, or many that fail would keep the others from theirs.
+    const bool isFirst = pending->second.attempts == 1 && !pending->second.complete;
+    if (isFirst && left_ == 0) {
+      seen.isPutOff = true;
+      return;
+    }
+    if (isFirst) --left_;
     ArrivalEvidence evidence = known->second;
     if (pending->second.complete || decodes(seen, evidence)) classify(seen, evidence);
     seen.evidence = evidence;
@@ -128,13 +136,14 @@ class Examination {
   }
 
   const Snapshot& snapshot_;
+  size_t left_;  ///< turns
   bool wasAsked_ = false;
   bool isSynced_ = false;
 };
 
 std::vector<Observation> observe(const Snapshot& snapshot, std::vector<Entry> entries, const URLSet& skipped) {
   std::vector<Observation> observations;
-  Examination examination(snapshot);
+  Examination examination(snapshot, entries.size());
   // Neither a directory nor the table of pending files has an order; what comes in one burst is met in the order it was
   // taken, so that the popups come oldest first.
   std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {

@@ -77,6 +77,7 @@ struct Observation {
   std::optional<bool> decodesCompletely;   ///< none: not tested, as what has no mark of a capture
   std::optional<bool> isScreenCapture;     ///< none: not tested
   bool isPlaceholder = false;              ///< of a synced folder, and dataless
+  bool isPutOff = false;                   ///< its turn is in the next scan: others were decoded in this one
   std::optional<ArrivalEvidence> evidence;
 };
 
@@ -97,7 +98,10 @@ bool isWatchedName(std::string_view name);
 /// Looks at one file. None for anything but a readable regular file.
 std::optional<Fingerprint> readFingerprint(const FileURL& url);
 
-/// Changes nothing but reads the file system. A name that is already known costs no look at its file.
+/// Changes nothing but reads the file system. A name that is already known costs no look at its file. Of many files the
+/// oldest are decoded, at least `kLeastPortion` of them, and the others put off: what comes first is told while the rest
+/// is still read.
+inline constexpr size_t kLeastPortion = 64;
 ScanResult performScan(const Snapshot& snapshot);
 
 }  // namespace quillmere

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "foundation/TurnLimit.h"
 #include "monitor/ScreenshotInboxMonitor.h"
 
@@ -34,7 +36,7 @@ Task<> ScreenshotInboxMonitor::apply(Weak<ScreenshotInboxMonitor> self, ScanResu
     self->applyObservation(seen, snapshot->full, now);
   }
   if (!self) co_return;
-  if (generation == self->generation_) self->lookAgain();
+  if (generation == self->generation_) self->lookAgain(*result.observations);
   // Freeing so many texts takes as long as applying them.
   if (result.observations->size() < kManyFiles) co_return;
   auto garbage = std::make_shared<ScanResult>(std::move(result));
@@ -54,7 +56,11 @@ void ScreenshotInboxMonitor::applyFolder(ScanResult& result, const Snapshot& sna
   if (!result.removed.empty() && onRemoval) onRemoval(result.removed);
 }
 
-void ScreenshotInboxMonitor::lookAgain() {
+void ScreenshotInboxMonitor::lookAgain(const std::vector<Observation>& seen) {
+  if (std::any_of(seen.begin(), seen.end(), [](const Observation& one) { return one.isPutOff; })) {
+    scheduleScan(Duration::zero(), ScanScope::partial);
+    return;
+  }
   for (const auto& [url, pending] : pendingFiles_) {
     if (pending.attempts >= kMaxQuickLooks && !pending.complete && !pending.unmarkedSince) continue;
     scheduleScan(kQuickLookInterval, ScanScope::partial);
@@ -98,6 +104,7 @@ void ScreenshotInboxMonitor::applyObservation(const Observation& seen, bool isFu
 }
 
 void ScreenshotInboxMonitor::applyRepeatedLook(const Observation& seen, Pending& pending, Date now) {
+  if (seen.isPutOff) return;
   pending.attempts += 1;
   if (!pending.complete && seen.fingerprint->size > 0 && seen.decodesCompletely == true) {
     pending.complete = true;

@@ -29,7 +29,6 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
     PanelScreenProviding* screens = nullptr;
     PanelWindowSystem* windowSystem = nullptr;
     std::vector<CaptureSigns*> captureSigns;
-    std::function<bool(const FileURL&)> isDataless;  ///< any thread
     /// Where the capture was taken, in global top-left points, if the file says so.
     std::function<std::optional<QRectF>(const FileURL&)> captureRect;
   };

@@ -4,6 +4,7 @@
 #include <QtGui/QImage>
 #include <QtTest/QAbstractItemModelTester>
 
+#include "fakes/DecodedPictures.h"
 #include "fakes/FakeSharedThumbnails.h"
 #include "foundation/Localized.h"
 #include "inbox/InboxFixture.h"
@@ -333,7 +334,7 @@ TEST_F(InboxListModelTest, OnlyOfScreenshotsThatWereKeptAThumbnailIsLeftToOtherP
   model->markTemporary(temporary, TemporaryDuration::oneHour).detach();
   const auto shared = std::make_shared<testing::FakeSharedThumbnails>();
   ThumbnailLoader sharer(
-      executor, [](const FileURL&) { return false; }, shared);
+      executor, testing::decodedPictures(), [](const FileURL&) { return false; }, shared);
   close();
   services.thumbnails = &sharer;
   open();

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "fakes/DecodedPictures.h"
 #include "fakes/ModelFakes.h"
 #include "formats/ImageEncoding.h"
 #include "formats/ImageOperations.h"
@@ -54,6 +55,7 @@ class FileReplacementTest : public ::testing::Test {
     world.recordStore.fileURL = home.file("list.json");
     world.executor = &executor;
     world.fileOperations = &files;
+    world.pictures = decodedPictures();
     world.fileIdentity = [](const FileURL& url) -> std::optional<FileIdentity> {
       const auto status = fileStatus(url);
       return status ? std::optional(FileIdentity{"volume", status->inode, {}, status->size}) : std::nullopt;

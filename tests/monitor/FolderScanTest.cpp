@@ -500,5 +500,35 @@ TEST_F(FolderScanTest, WhetherTheFolderIsSyncedIsNotAskedInVain) {
   EXPECT_EQ(services->syncedCalls, 0);
 }
 
+// --- Many at once ---
+
+TEST_F(FolderScanTest, OfManyTheOldestHaveTheirTurnAndTheOthersInTheNextScan) {
+  const size_t count = kLeastPortion + 10;
+  for (size_t i = 0; i < count; ++i) havePending(make(std::to_string(i) + ".png", kNow + static_cast<double>(i)));
+  const ScanResult first = performScan(snapshot);
+  ASSERT_EQ(first.observations->size(), count);
+  for (size_t i = 0; i < count; ++i) {
+    const Observation& seen = (*first.observations)[i];
+    EXPECT_EQ(seen.url.lastPathComponent(), std::to_string(i) + ".png");
+    EXPECT_EQ(seen.isPutOff, i >= kLeastPortion) << i;
+    EXPECT_EQ(seen.decodesCompletely.has_value(), i < kLeastPortion) << i;
+    EXPECT_EQ(seen.evidence.has_value(), i < kLeastPortion) << i;
+  }
+  EXPECT_EQ(services->decodeCalls.size(), kLeastPortion);
+}
+
+TEST_F(FolderScanTest, WhatHasHadItsTurnKeepsNobodyFromTheirs) {
+  for (size_t i = 0; i < 2 * kLeastPortion; ++i) {
+    const FileURL url = make(std::to_string(i) + ".png", kNow + static_cast<double>(i));
+    havePending(url);
+    snapshot.pending[url].attempts = 2;
+  }
+  const FileURL newest = make("newest.png", kNow + 1000.0);
+  havePending(newest);
+  const ScanResult result = performScan(snapshot);
+  for (const Observation& seen : *result.observations) EXPECT_FALSE(seen.isPutOff) << seen.url.path();
+  EXPECT_EQ(result.observations->back().decodesCompletely, true);
+}
+
 }  // namespace
 }  // namespace quillmere

@@ -24,6 +24,21 @@ TEST_F(ApplyTest, FileThatDecodesAtItsSecondLookWithItsTagIsAcceptedAtThatLook) 
   EXPECT_EQ(told(), Names{"captured a.png"});
 }
 
+TEST_F(ApplyTest, OfManyEachIsAcceptedAtItsSecondLookWithoutAPause) {
+  begin();
+  Names expected;
+  for (size_t i = 0; i < 3 * kLeastPortion; ++i) {
+    const std::string name = std::to_string(1000 + i) + ".png";
+    make(name);
+    expected.push_back("captured " + name);
+  }
+  tellChange();
+  EXPECT_TRUE(told().empty());
+  advance(0.1);
+  EXPECT_EQ(told(), expected);
+  EXPECT_EQ(executor.nextDelay(), seconds(60) - seconds(0.1)) << "nothing is left to look at";
+}
+
 TEST_F(ApplyTest, AcceptedFileIsNotLookedAtAgain) {
   begin();
   make("a.png");

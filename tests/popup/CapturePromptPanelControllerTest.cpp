@@ -87,7 +87,6 @@ class CapturePromptPanelControllerTest : public testing::ModelFixture {
     services.screens = &screens;
     services.windowSystem = &windowSystem;
     services.captureSigns = {&signs};
-    services.isDataless = [this](const FileURL& url) { return dataless.contains(url.path()); };
     services.captureRect = [this](const FileURL&) { return captureRect; };
     popup = std::make_unique<CapturePromptPanelController>(std::move(services));
     chooseFolderBefore(shots);
@@ -135,7 +134,8 @@ class CapturePromptPanelControllerTest : public testing::ModelFixture {
   FakeCaptureSigns signs;
   std::optional<QRectF> captureRect;
   FakeSharing sharing;
-  ThumbnailLoader thumbnails{executor, testing::decodedPictures(), [](const FileURL&) { return false; }};
+  ThumbnailLoader thumbnails{executor, testing::decodedPictures(),
+                             [this](const FileURL& url) { return dataless.contains(url.path()); }};
   std::unique_ptr<CapturePromptPanelController> popup;
 };
 

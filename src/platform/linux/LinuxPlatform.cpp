@@ -92,7 +92,6 @@ CapturePromptPanelController::Services LinuxPlatform::popupServices() {
   services.sharing = &services_.sharing;
   services.windowSystem = &windowSystem_;
   services.captureSigns = {&displaySigns_, &busSigns_};
-  services.isDataless = &CloudFiles::isDataless;
   services.captureRect = &ScreenCaptureAttributes::globalRect;
   return services;
 }

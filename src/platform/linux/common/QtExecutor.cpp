@@ -1,14 +1,19 @@
 #include "platform/linux/common/QtExecutor.h"
 
+#include <malloc.h>
 #include <sys/timerfd.h>
 #include <unistd.h>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QSocketNotifier>
 #include <algorithm>
 #include <ctime>
+#include <utility>
 
 namespace quillmere {
 namespace {
+
+/// After the last background work.
+constexpr Duration kUntilRest = std::chrono::seconds(5);
 
 timespec toTimespec(Duration time) {
   const auto whole = std::chrono::duration_cast<std::chrono::seconds>(time);
@@ -80,9 +85,32 @@ void QtExecutor::cancelDelay(DelayID delay) {
 void QtExecutor::runInBackground(std::function<void()> work, std::function<void()> done) {
   background_.push([this, work = std::move(work), done = std::move(done)]() mutable {
     work();
-    post(std::move(done));
+    post([this, done = std::move(done)] {
+      done();
+      workEnded();
+    });
   });
   pool_.start([this] { background_.pop()(); });
+}
+
+void QtExecutor::workEnded() {
+  hasWorked_ = true;
+  if (!std::exchange(isRestDue_, true)) rest();
+}
+
+/// The list of a start, thousands of arrivals and pictures leave as much behind as they needed, in pieces too small for
+/// the allocator to give back by itself.
+void QtExecutor::rest() {
+  startDelay(kUntilRest, [this](bool isOver) {
+    if (!isOver) return;
+    if (std::exchange(hasWorked_, false)) {
+      rest();
+      return;
+    }
+    isRestDue_ = false;
+    background_.push([] { ::malloc_trim(0); });
+    pool_.start([this] { background_.pop()(); });
+  });
 }
 
 Instant QtExecutor::instant() const {

@@ -14,7 +14,7 @@ class QSocketNotifier;
 namespace quillmere {
 
 /// The running executor: Qt's event loop, a small thread pool, and one timerfd on CLOCK_BOOTTIME, which goes on
-/// counting while the machine sleeps.
+/// counting while the machine sleeps. What background work leaves unused goes back to the system when it is over.
 class QtExecutor final : public Executor {
  public:
   /// Two threads may wait for a disk, and there is still room for the rest.
@@ -32,6 +32,8 @@ class QtExecutor final : public Executor {
  private:
   void arm();
   void endDueDelays();
+  void workEnded();
+  void rest();
 
   struct Delay {
     DelayID id;
@@ -67,6 +69,8 @@ class QtExecutor final : public Executor {
   std::multimap<Instant, Delay> delays_;
   std::map<DelayID, Instant> deadlines_;
   DelayID nextID_ = 1;
+  bool hasWorked_ = false;  ///< since the last look
+  bool isRestDue_ = false;
 };
 
 }  // namespace quillmere
