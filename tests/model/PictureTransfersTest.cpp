@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "fakes/DecodedPictures.h"
 #include "fakes/ModelFakes.h"
 #include "foundation/ManualExecutor.h"
 #include "support/Files.h"
@@ -39,6 +40,7 @@ class PictureTransfersTest : public ::testing::Test {
  protected:
   PictureTransfersTest() {
     world.executor = &executor;
+    world.pictures = decodedPictures();
     world.pasteboard = &pasteboard;
     world.announcer = &announcer;
     world.transferFiles = TransferFiles(home.file("transfers"));

@@ -211,13 +211,17 @@ TEST_F(SavingInTheBackground, AMoveStaysNotedUntilTheListThatTellsOfItIsOnTheDis
   stepwise.hold();
   model->move(id, elsewhere.appending("moved.png")).detach();
   model->move(other, elsewhere.appending("other.png")).detach();
-  EXPECT_EQ(journal.load().size(), 2u);
+  executor.drain();
+  EXPECT_THAT(journal.load(),
+              ElementsAre(BegunMove{id, shots.appending("shot.png"), elsewhere.appending("moved.png")}));
   saveOnce();
+  executor.drain();
   EXPECT_EQ(savedRecord(id)->url, elsewhere.appending("moved.png"));
   EXPECT_THAT(journal.load(),
               ElementsAre(BegunMove{other, shots.appending("other.png"), elsewhere.appending("other.png")}))
-      << "the save had begun before the second";
+      << "one after the other";
   saveOnce();
+  executor.drain();
   EXPECT_THAT(journal.load(), IsEmpty());
   model.reset();
 }
@@ -227,6 +231,7 @@ TEST_F(SavingInTheBackground, AKillAfterAMoveFindsTheFile) {
   const UUID id = arrive("shot.png");
   disk.holdBackground();
   model->move(id, elsewhere.appending("moved.png")).detach();
+  executor.drain();
   killAndLaunch();
   EXPECT_EQ(item(id).url, elsewhere.appending("moved.png"));
 }
@@ -252,8 +257,12 @@ TEST_F(SavingInTheBackground, FilesAreFlushedBeforeTheListThatTellsThemGone) {
   const int before = files.flushes;
   model->disposeChosen(id, ErrorScope::inbox).detach();
   EXPECT_EQ(files.flushes, before) << "not where it was decided";
+  executor.drain();
+  const int done = files.flushes;
+  EXPECT_EQ(savedRecords().size(), 1u);
   letDiskAnswer();
-  EXPECT_EQ(files.flushes, before + 1);
+  EXPECT_EQ(files.flushes, done + 1);
+  EXPECT_THAT(savedRecords(), IsEmpty());
 }
 
 }  // namespace
