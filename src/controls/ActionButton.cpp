@@ -37,6 +37,12 @@ void ActionButton::setNote(const QString& note) {
   update();
 }
 
+void ActionButton::setDimmed(bool isDimmed) {
+  if (isDimmed == isDimmed_) return;
+  isDimmed_ = isDimmed;
+  update();
+}
+
 QSize ActionButton::sizeHint() const {
   if (role_ == Role::icon) return {kIconSide, kIconSide};
   const int textWidth = QFontMetrics(scaled(font(), 1, QFont::DemiBold)).horizontalAdvance(text());
@@ -51,7 +57,7 @@ void ActionButton::paintEvent(QPaintEvent*) {
                                      isDown()       ? Touch::pressed
                                      : underMouse() ? Touch::hovered
                                                     : Touch::none,
-                                     isEnabled());
+                                     isEnabled() && !isDimmed_);
   const QColor ink = look.ink;
 
   QPainter painter(this);

@@ -20,6 +20,9 @@ class ActionButton final : public QPushButton {
   /// Something is under way that it began.
   void setWorking(bool isWorking) { ring_.setWorking(isWorking); }
   bool isWorking() const { return ring_.isWorking(); }
+  /// Looks as if it could not be used, and keeps the keyboard: for a moment in which nothing is to be done.
+  void setDimmed(bool isDimmed);
+  bool isDimmed() const { return isDimmed_; }
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override { return sizeHint(); }
 
@@ -30,6 +33,7 @@ class ActionButton final : public QPushButton {
   Role role_;
   QString symbol_;
   QString note_;
+  bool isDimmed_ = false;
   WorkRing ring_{*this};
 };
 

@@ -72,17 +72,20 @@ Task<> AppModel::runMarkTemporary(Weak<AppModel> self, UUID id, TemporaryDuratio
   const auto committing = self->commitPromptExtraction(id);
   const bool isCommitted = co_await committing;
   if (!isCommitted || !self || !self->isUndecided(id)) co_return;
-  const DecisionGuard guard(self, id);
-  if (name) {
-    const auto renaming = renameBeforeDecision(self, id, *name);
-    co_await renaming;
-    if (!self) co_return;
+  {
+    const DecisionGuard guard(self, id);
+    if (name) {
+      const auto renaming = renameBeforeDecision(self, id, *name);
+      co_await renaming;
+      if (!self) co_return;
+    }
+    // Its file turned out to have been moved away by the person, which keeps it.
+    if (!self->isUndecided(id)) co_return;
+    self->settings_.lastTemporaryDuration.choose(duration);
+    self->makeTemporary(*self->items_.indexOf(id), duration, self->now());
   }
-  // Its file turned out to have been moved away by the person, which keeps it.
-  if (!self->isUndecided(id)) co_return;
-  self->settings_.lastTemporaryDuration.choose(duration);
-  self->makeTemporary(*self->items_.indexOf(id), duration, self->now());
-  leavePrompt(self, id).detach();
+  const auto leaving = leavePrompt(self, id);
+  co_await leaving;
 }
 
 void AppModel::markTemporaryBatch(const std::vector<UUID>& ids, TemporaryDuration duration) {
@@ -131,16 +134,19 @@ Task<> AppModel::runKeepPrompt(Weak<AppModel> self, UUID id, std::optional<QStri
   const auto committing = self->commitPromptExtraction(id);
   const bool isCommitted = co_await committing;
   if (!isCommitted || !self || !self->isUndecided(id)) co_return;
-  const DecisionGuard guard(self, id);
-  if (name) {
-    const auto renaming = renameBeforeDecision(self, id, *name);
-    co_await renaming;
-    if (!self) co_return;
+  {
+    const DecisionGuard guard(self, id);
+    if (name) {
+      const auto renaming = renameBeforeDecision(self, id, *name);
+      co_await renaming;
+      if (!self) co_return;
+    }
+    const auto index = self->items_.indexOf(id);
+    if (!index) co_return;
+    self->keepItem(*index);
   }
-  const auto index = self->items_.indexOf(id);
-  if (!index) co_return;
-  self->keepItem(*index);
-  leavePrompt(self, id).detach();
+  const auto leaving = leavePrompt(self, id);
+  co_await leaving;
 }
 
 void AppModel::keepBatch(const std::vector<UUID>& ids) {

@@ -47,7 +47,7 @@ std::optional<QRectF> CapturePromptContent::shownPart() const {
 }
 
 bool CapturePromptContent::isSaving() const {
-  return isDecided || (windowExtraction && std::holds_alternative<PromptWindowExtraction::Saving>(*windowExtraction));
+  return windowExtraction && std::holds_alternative<PromptWindowExtraction::Saving>(*windowExtraction);
 }
 
 int CapturePromptContent::heightOfThumbnail(const std::optional<QSizeF>& pixels) {

@@ -40,9 +40,7 @@ struct CapturePromptContent {
   /// What the preview shows of the picture, in its pixels; none for all of it.
   std::optional<QRectF> shownPart() const;
   /// Not while a window is being sought, nor while a decision is being carried out.
-  bool canDecide() const {
-    return !isDecided && (!windowExtraction || !PromptWindowExtraction::isBusy(*windowExtraction));
-  }
+  bool canDecide() const { return !windowExtraction || !PromptWindowExtraction::isBusy(*windowExtraction); }
   /// A decision is being carried out.
   bool isSaving() const;
 

@@ -51,6 +51,8 @@ PromptActions::PromptActions(QWidget* parent) : QWidget(parent) {
 void PromptActions::show(const CapturePromptContent& content) {
   for (ActionButton* button : {temporary_, keep_, copy_}) button->setEnabled(content.canDecide());
   trash_->setEnabled(!content.isSaving());
+  // The next screenshot's buttons come in a moment; the keyboard is to stand where it stood.
+  for (ActionButton* button : {temporary_, keep_, copy_, trash_}) button->setDimmed(content.isDecided);
   trash_->setText(content.deletesChosen ? localized("Delete") : localized("Move to Trash"));
   trash_->setToolTip(content.deletesChosen ? localized("Delete this screenshot’s file")
                                            : localized("Move this screenshot to Trash"));

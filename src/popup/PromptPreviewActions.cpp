@@ -40,7 +40,7 @@ PromptPreviewActions::PromptPreviewActions(QWidget* parent)
 void PromptPreviewActions::show(const CapturePromptContent& content) {
   setVisible(content.canReadImage);
   extract_->setOn(content.windowExtraction.has_value());
-  extract_->setWorking(!content.isDecided && !content.canDecide());
+  extract_->setWorking(!content.canDecide());
   extract_->setEnabled(!content.isSaving());
 }
 

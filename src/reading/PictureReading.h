@@ -33,7 +33,8 @@ class PictureReading {
   virtual ~PictureReading() = default;
 
   virtual std::optional<PictureHead> head(const FileURL& url) = 0;
-  /// Why the file is no whole picture, with its format's end and decoded without error; none where it is.
+  /// Why the file is no whole picture, with its format’s end and decoded without error; none where it is, or where
+  /// nobody can tell.
   virtual std::optional<PictureError> failureOf(const FileURL& url) = 0;
   /// The upright picture at full size.
   virtual Picture picture(const FileURL& url, const Stop& isStopped) = 0;

@@ -78,6 +78,19 @@ TEST_F(ActionButtonTest, OneThatCannotBePressedIsFaint) {
   EXPECT_FALSE(shows(button, theme().accent));
 }
 
+TEST_F(ActionButtonTest, WhenDimmedItLooksUnavailableAndKeepsTheKeyboard) {
+  ActionButton button(Role::primary, {}, QStringLiteral("Temporary"));
+  button.show();
+  button.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&button));
+  button.setFocus();
+  button.setDimmed(true);
+  EXPECT_FALSE(shows(button, theme().accent));
+  EXPECT_TRUE(button.hasFocus());
+  button.setDimmed(false);
+  EXPECT_TRUE(shows(button, theme().accent));
+}
+
 TEST_F(ActionButtonTest, AClickTakesNoKeyboardAndTabDoes) {
   QWidget window;
   ActionButton first(Role::secondary, {}, QStringLiteral("First"), &window);

@@ -64,6 +64,16 @@ _PR_SET_PDEATHSIG = 1
 _libc = ctypes.CDLL(None)
 
 
+def copy_program(program, folder):
+    """With the reader of pictures, where the program looks for it; gives the copy."""
+    os.makedirs(folder, exist_ok=True)
+    beside = os.path.join("libexec", "quillmere", "reader")
+    reader = os.path.join(folder, beside)
+    os.makedirs(os.path.dirname(reader), exist_ok=True)
+    shutil.copy(os.path.join(os.path.dirname(program), beside), reader)
+    return shutil.copy(program, folder)
+
+
 def _die_with_parent():
     _libc.prctl(_PR_SET_PDEATHSIG, signal.SIGKILL)
 

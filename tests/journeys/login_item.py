@@ -8,7 +8,7 @@ import shutil
 import stat
 
 from fake_background_portal import FakeBackgroundPortal
-from harness import Desktop, expect, hold_for, run_journey, wait_until
+from harness import Desktop, copy_program, expect, hold_for, run_journey, wait_until
 from steps import open_settings, quit_program
 
 TEMPLATE = os.path.join(os.path.dirname(__file__), "..", "..", "packaging", "com.quillmere.app.desktop.in")
@@ -42,9 +42,7 @@ def turn(desktop, by_keyboard=False):
 def install(desktop):
     """As an installation below the home does."""
     prefix = os.path.join(desktop.home, ".local")
-    program = os.path.join(prefix, "bin", "quillmere")
-    os.makedirs(os.path.dirname(program), exist_ok=True)
-    shutil.copy(desktop.binary, program)
+    program = copy_program(desktop.binary, os.path.join(prefix, "bin"))
     applications = os.path.join(desktop.data_home, "applications")
     os.makedirs(applications, exist_ok=True)
     with open(TEMPLATE, encoding="utf-8") as file:

@@ -19,7 +19,8 @@ def open_dialog(desktop, shot):
 
 def check_untouched(desktop, shot, before):
     expect("the file is where it was", os.path.exists(shot))
-    expect("the record is as it was", desktop.record_of(shot) == before)
+    now = desktop.record_of(shot)
+    expect(f"the record is as it was: {now}, {before}", now == before)
 
 
 def journey(desktop):

@@ -46,8 +46,9 @@ def journey(desktop):
     running = readers(desktop)
     expect("a reader has come", running)
     for process in running:
+        # One that still starts has no picture yet.
+        wait_until("it has a filter of system calls", lambda: status(process)["Seccomp"].strip() == "2")
         told = status(process)
-        expect("it has a filter of system calls", told["Seccomp"].strip() == "2")
         expect("it can have no more rights", told["NoNewPrivs"].strip() == "1")
         expect("it has no rights over anything", int(told["CapEff"], 16) == 0)
     keep(desktop)

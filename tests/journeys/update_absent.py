@@ -5,7 +5,7 @@ beside it."""
 import os
 import shutil
 
-from harness import Desktop, expect, hold_for
+from harness import Desktop, copy_program, expect, hold_for
 
 LIBRARY = os.environ["QUILLMERE_UPDATE_LIBRARY"]
 LOOPBACK = {"0100007F", "00000000000000000000000001000000", "0000000000000000FFFF00000100007F"}
@@ -38,11 +38,9 @@ def sockets_to_others(pid):
 
 with Desktop("update_absent") as desktop:
     installed = os.path.join(desktop.scratch, "installed")
-    for part in "bin", "lib/quillmere":
-        os.makedirs(os.path.join(installed, part))
-    shutil.copy(desktop.binary, os.path.join(installed, "bin", "quillmere"))
+    os.makedirs(os.path.join(installed, "lib", "quillmere"))
     shutil.copy(LIBRARY, os.path.join(installed, "lib", "quillmere", "libquillmere-update.so"))
-    desktop.binary = os.path.join(installed, "bin", "quillmere")
+    desktop.binary = copy_program(desktop.binary, os.path.join(installed, "bin"))
     desktop.environment["QUILLMERE_UPDATE_FEED"] = "https://localhost/feed"
     desktop.choose_folder()
     program = desktop.launch("--show", "inbox")

@@ -14,7 +14,7 @@ gi.require_version("GdkPixbuf", "2.0")
 from gi.repository import GdkPixbuf, Gio, GLib  # noqa: E402
 
 import wayland_input
-from harness import Desktop, run_on, wait_until
+from harness import Desktop, copy_program, run_on, wait_until
 
 _SIZE = (1280, 800)
 # sway's bar, in pixels: so high that the popup has to know of it.
@@ -217,7 +217,7 @@ def run_wayland_journey(name, journey, compositor):
             os.mkdir(sockets)
             os.chmod(sockets, 0o1777)
         folder = tempfile.mkdtemp(prefix="quillmere-wayland-")
-        copy = shutil.copy(program, folder)
+        copy = copy_program(program, folder)
         os.chmod(folder, 0o755)
         os.environ["QUILLMERE_PROGRAM"] = copy
         wanted, pictures = os.environ["QUILLMERE_PICTURES"], os.path.join(folder, "pictures")

@@ -21,6 +21,7 @@ std::shared_ptr<ReaderProcess> ReaderLane::take() {
   std::shared_ptr<ReaderProcess> process = ReaderProcess::start(program_, task_, patience_);
   lock.lock();
   --starting_;
+  hasFailedToStart_ = !process;
   if (!process || isEnded_) {
     free_.notify_one();
     return nullptr;
@@ -56,6 +57,11 @@ void ReaderLane::end() {
   isEnded_ = true;
   for (const auto& process : busy_) process->kill();
   free_.notify_all();
+}
+
+bool ReaderLane::isWithoutReader() const {
+  const std::lock_guard lock(mutex_);
+  return hasFailedToStart_ && !isEnded_ && idle_.empty() && busy_.empty();
 }
 
 size_t ReaderLane::running() const {

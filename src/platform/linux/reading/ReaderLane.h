@@ -31,6 +31,8 @@ class ReaderLane {
   size_t running() const;
   /// What the kernel cannot give them, as far as any has been started.
   uint32_t missingProtections() const;
+  /// Whether the last one that was to be started did not come, and none runs.
+  bool isWithoutReader() const;
 
  private:
   const std::string program_;
@@ -43,6 +45,7 @@ class ReaderLane {
   std::vector<std::shared_ptr<ReaderProcess>> busy_;
   size_t starting_ = 0;
   uint32_t missing_ = 0;
+  bool hasFailedToStart_ = false;
   bool isEnded_ = false;
 };
 

@@ -113,7 +113,9 @@ std::optional<PictureHead> ReaderPool::head(const FileURL& url) {
 
 std::optional<PictureError> ReaderPool::failureOf(const FileURL& url) {
   const auto reply = ask(request(Work::wholeness), url, kNever);
-  return reply ? std::nullopt : std::optional(reply.reason());
+  // Where nobody can read, a person is still asked about each screenshot, without its picture.
+  if (reply || pictures_.isWithoutReader()) return std::nullopt;
+  return reply.reason();
 }
 
 PictureReading::Picture ReaderPool::picture(const FileURL& url, const Stop& isStopped) {

@@ -259,6 +259,9 @@ TEST_F(ReaderPoolTest, WithoutAReaderNothingCanBeRead) {
   EXPECT_TRUE(read(*hostile("silent", patience), drawn()).isNull());
   const auto missing = std::make_shared<ReaderPool>(executor, home.file("missing").path());
   EXPECT_TRUE(read(*missing, drawn()).isNull());
+  EXPECT_EQ(missing->failureOf(drawn()), std::nullopt) << "its person is asked about it all the same";
+  missing->end();
+  EXPECT_EQ(missing->failureOf(drawn()), PictureError::unreadable);
 }
 
 TEST_F(ReaderPoolTest, ReadsSeveralAtATime) {
