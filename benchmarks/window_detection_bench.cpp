@@ -14,6 +14,7 @@
 #include "detection/WindowDetector.h"
 #include "detection/WindowScan.h"
 #include "detection/WindowShadow.h"
+#include "formats/ImageOperations.h"
 
 using namespace quillmere;
 
