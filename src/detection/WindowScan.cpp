@@ -32,10 +32,12 @@ Result<WindowScan, OperationError> scanWindowsNow(const FileURL& url, const std:
   return found(std::move(picture), scale, isStopped);
 }
 
-Result<WindowScan, OperationError> scanWindowsNow(std::string bytes, const std::function<bool()>& isStopped) {
+Result<WindowScan, OperationError> scanWindowsNow(std::string bytes, const std::function<bool()>& isStopped,
+                                                  PixelMemory* memory) {
   if (!isWanted(isStopped)) return OperationError::unreadable;
   std::optional<double> scale;
-  auto picture = ImageFile::read(std::string_view(bytes), [&scale](std::string_view all) { scale = imageScale(all); });
+  auto picture = ImageFile::read(
+      std::string_view(bytes), [&scale](std::string_view all) { scale = imageScale(all); }, {}, memory);
   std::string().swap(bytes);
   return found(std::move(picture), scale, isStopped);
 }

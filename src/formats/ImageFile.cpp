@@ -98,17 +98,17 @@ QImage readPngGenerally(std::string_view bytes) {
 }
 
 /// As the file has it.
-QImage storedPng(std::string_view bytes) {
-  auto picture = PngReader::read(bytes);
+QImage storedPng(std::string_view bytes, PixelMemory* memory = nullptr) {
+  auto picture = PngReader::read(bytes, memory);
   return picture ? *std::move(picture) : readPngGenerally(bytes);
 }
 
-QImage decoded(std::string_view bytes) {
+QImage decoded(std::string_view bytes, PixelMemory* memory = nullptr) {
   const auto format = ImageFile::formatOf(bytes);
   if (!format) return {};
   switch (*format) {
     case PictureFormat::png:
-      return uprightPng(storedPng(bytes), bytes);
+      return uprightPng(storedPng(bytes, memory), bytes);
     case PictureFormat::jpeg:
       return readGenerally(bytes, *format);
     case PictureFormat::heif:
@@ -332,7 +332,7 @@ std::optional<QSize> ImageFile::pixelSize(const FileURL& url) {
 }
 
 ImageFile::Picture ImageFile::read(const FileURL& url, const PictureBudget& budget) {
-  return pictureOf(url, budget, &decoded);
+  return pictureOf(url, budget, [](std::string_view bytes) { return decoded(bytes); });
 }
 
 ImageFile::Picture ImageFile::read(const FileURL& url, const std::function<void(std::string_view)>& tell,
@@ -344,15 +344,15 @@ ImageFile::Picture ImageFile::read(const FileURL& url, const std::function<void(
 }
 
 ImageFile::Picture ImageFile::read(std::string_view bytes, const std::function<void(std::string_view)>& tell,
-                                   const PictureBudget& budget) {
-  return pictureOf(bytes, budget, [&tell](std::string_view all) {
+                                   const PictureBudget& budget, PixelMemory* memory) {
+  return pictureOf(bytes, budget, [&tell, memory](std::string_view all) {
     tell(all);
-    return decoded(all);
+    return decoded(all, memory);
   });
 }
 
-ImageFile::Picture ImageFile::read(std::string_view bytes, const PictureBudget& budget) {
-  return pictureOf(bytes, budget, &decoded);
+ImageFile::Picture ImageFile::read(std::string_view bytes, const PictureBudget& budget, PixelMemory* memory) {
+  return pictureOf(bytes, budget, [memory](std::string_view all) { return decoded(all, memory); });
 }
 
 ImageFile::Picture ImageFile::readSmall(const FileURL& url, int maxPixels, const PictureBudget& budget) {

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "formats/PictureBudget.h"
+#include "formats/PixelMemory.h"
 #include "foundation/FileURL.h"
 #include "foundation/Result.h"
 #include "reading/PictureReading.h"
@@ -38,12 +39,13 @@ std::optional<QSize> pixelSize(const FileURL& url);
 /// The upright picture at full size, or why there is none.
 using Picture = Result<QImage, PictureError>;
 Picture read(const FileURL& url, const PictureBudget& budget = {});
-Picture read(std::string_view bytes, const PictureBudget& budget = {});
+/// Of a plain PNG it is made in `memory`, where that is given and gives some: only as long as that is there.
+Picture read(std::string_view bytes, const PictureBudget& budget = {}, PixelMemory* memory = nullptr);
 /// Calls `tell` with the file's bytes, too, while they are there.
 Picture read(const FileURL& url, const std::function<void(std::string_view bytes)>& tell,
              const PictureBudget& budget = {});
 Picture read(std::string_view bytes, const std::function<void(std::string_view bytes)>& tell,
-             const PictureBudget& budget = {});
+             const PictureBudget& budget = {}, PixelMemory* memory = nullptr);
 /// The same as `thumbnail` gives it.
 Picture readSmall(const FileURL& url, int maxPixels, const PictureBudget& budget = {});
 Picture readSmall(std::string_view bytes, int maxPixels, const PictureBudget& budget = {});

@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "formats/LargeBuffer.h"
@@ -104,22 +105,25 @@ std::optional<PlainPng> plainPng(std::string_view file) {
   return PngReader::isBomb(file) ? std::nullopt : PlainPng::of(file);
 }
 
-QImage pictureOf(const PlainPng& png, const QImage& pixel) {
+QImage pictureOf(const PlainPng& png, const QImage& pixel, PixelMemory* memory = nullptr) {
   // The data stands so far behind the picture that no finished row reaches the next filtered one: one block of memory
   // instead of two, and the caches stay warm.
   const PngHeader& header = png.header;
   const size_t finishedRow = size_t{4} * header.width;
   const size_t gain = std::max(finishedRow, 1 + header.rowBytes()) - (1 + header.rowBytes());
   const size_t distance = finishedRow + (header.height - 1) * gain + PngFilters::kSlack;
-  LargeBuffer buffer(distance + header.filteredBytes() + PngFilters::kSlack);
-  if (!buffer) return {};
-  uint8_t* filtered = buffer.data() + distance;
+  const size_t room = distance + header.filteredBytes() + PngFilters::kSlack;
+  uint8_t* bytes = memory ? memory->take(room) : nullptr;
+  std::optional<LargeBuffer> own;
+  if (!bytes) bytes = own.emplace(room).data();
+  if (!bytes) return {};
+  uint8_t* filtered = bytes + distance;
   if (!inflate(png, filtered) || !areFiltersKnown(header, filtered)) return {};
-  undoFilters(header, filtered, reinterpret_cast<uint32_t*>(buffer.data()));
+  undoFilters(header, filtered, reinterpret_cast<uint32_t*>(bytes));
 
-  uint8_t* bytes = buffer.release();
+  uint8_t* released = own ? own->release() : nullptr;
   QImage image(bytes, static_cast<int>(header.width), static_cast<int>(header.height),
-               static_cast<qsizetype>(finishedRow), pixel.format(), &std::free, bytes);
+               static_cast<qsizetype>(finishedRow), pixel.format(), &std::free, released);
   image.setColorSpace(pixel.colorSpace());
   image.setDotsPerMeterX(pixel.dotsPerMeterX());
   image.setDotsPerMeterY(pixel.dotsPerMeterY());
@@ -141,10 +145,10 @@ std::optional<QImage> unlessNull(QImage image) {
 
 }  // namespace
 
-std::optional<QImage> PngReader::read(std::string_view file) {
+std::optional<QImage> PngReader::read(std::string_view file, PixelMemory* memory) {
   const auto png = plainPng(file);
   const QImage pixel = png ? describedPixel(*png) : QImage();
-  return pixel.isNull() ? std::nullopt : unlessNull(pictureOf(*png, pixel));
+  return pixel.isNull() ? std::nullopt : unlessNull(pictureOf(*png, pixel, memory));
 }
 
 std::optional<QImage> PngReader::readSmall(std::string_view file, int maxPixels) {

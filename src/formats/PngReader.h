@@ -4,6 +4,8 @@
 #include <optional>
 #include <string_view>
 
+#include "formats/PixelMemory.h"
+
 namespace quillmere {
 
 /// Reads the forms of PNG that capture tools write, several times as fast as the general reader: 8 bits a channel, RGB
@@ -17,7 +19,8 @@ namespace PngReader {
 /// Deflate's best: a back reference of 258 bytes in two bits.
 inline constexpr int kBestCompression = 1032;
 
-std::optional<QImage> read(std::string_view file);
+/// The picture is made in `memory` where that gives some; it must then not be used any longer than that.
+std::optional<QImage> read(std::string_view file, PixelMemory* memory = nullptr);
 
 /// The same picture made smaller, as `Downscaler` does, where it has a side above `maxPixels`; without memory for the
 /// large one.

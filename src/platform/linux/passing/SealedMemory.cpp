@@ -24,10 +24,15 @@ bool writeWhole(int descriptor, std::string_view bytes) {
 }  // namespace
 
 std::optional<Descriptor> SealedMemory::of(const std::vector<std::string_view>& parts) {
-  Descriptor memory(::memfd_create("picture", MFD_CLOEXEC | MFD_ALLOW_SEALING));
-  const bool isWritten = memory && std::all_of(parts.begin(), parts.end(), [&](std::string_view part) {
-                           return writeWhole(memory.number(), part);
-                         });
+  return sealed(Descriptor(::memfd_create("picture", MFD_CLOEXEC | MFD_ALLOW_SEALING)), 0, parts);
+}
+
+std::optional<Descriptor> SealedMemory::sealed(Descriptor memory, uint64_t bytes,
+                                               const std::vector<std::string_view>& parts) {
+  const auto end = static_cast<off_t>(bytes);
+  const bool isCut = memory && ::ftruncate(memory.number(), end) == 0 && ::lseek(memory.number(), end, SEEK_SET) == end;
+  const bool isWritten = isCut && std::all_of(parts.begin(), parts.end(),
+                                              [&](std::string_view part) { return writeWhole(memory.number(), part); });
   if (!isWritten || ::fcntl(memory.number(), F_ADD_SEALS, kSeals) != 0) return std::nullopt;
   return memory;
 }

@@ -15,6 +15,10 @@ class SealedMemory {
  public:
   /// One after the other. None where there is not so much memory.
   static std::optional<Descriptor> of(const std::vector<std::string_view>& parts);
+  /// The first bytes of what was made in `memory`, which must not be mapped to be written to any more, and `parts`
+  /// behind them.
+  static std::optional<Descriptor> sealed(Descriptor memory, uint64_t bytes,
+                                          const std::vector<std::string_view>& parts);
 
   /// What another process made. None unless it is sealed in every way and has exactly `bytes`, one at least.
   static std::shared_ptr<const SealedMemory> mapped(const Descriptor& memory, uint64_t bytes);

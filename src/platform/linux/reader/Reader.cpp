@@ -10,6 +10,7 @@
 #include "formats/ImageFile.h"
 #include "platform/linux/passing/PassedPicture.h"
 #include "platform/linux/passing/SealedMemory.h"
+#include "platform/linux/passing/SharedPixels.h"
 #include "platform/linux/reader/Confinement.h"
 #include "reading/ScreenPicture.h"
 #include "recognition/TextRecognizer.h"
@@ -24,6 +25,22 @@ using ReaderMessages::Work;
 
 /// Of computing, on all threads together. Whoever waits has given up long before; this ends what nobody waits for.
 constexpr unsigned kMostSeconds = 300;
+
+/// For the picture of an answer.
+class PixelsToPass final : public PixelMemory {
+ public:
+  uint8_t* take(size_t bytes) override { return shared_.take(bytes); }
+  /// `parts` begin with the picture, if there is one; only a picture that was made elsewhere is copied.
+  std::optional<Descriptor> sealed(const QImage& picture, std::vector<std::string_view> parts) {
+    if (!shared_.hold(picture)) return SealedMemory::of(parts);
+    const size_t bytes = parts.front().size();
+    parts.erase(parts.begin());
+    return shared_.sealed(bytes, parts);
+  }
+
+ private:
+  SharedPixels shared_;
+};
 
 /// What goes back: numbers, and what stands in the memory beside them.
 struct Outcome {
@@ -75,8 +92,9 @@ std::string written(const std::vector<ImageOperations::DetectedWindow>& windows)
   return bytes;
 }
 
-Outcome scanned(std::string bytes, const std::atomic<bool>& isStopped) {
-  auto scan = ImageOperations::scanWindowsNow(std::move(bytes), [&] { return isStopped.load(); });
+Outcome scanned(std::string bytes, const std::atomic<bool>& isStopped, PixelMemory& memory) {
+  auto scan = ImageOperations::scanWindowsNow(
+      std::move(bytes), [&] { return isStopped.load(); }, &memory);
   const bool isCostly = !scan && scan.reason() == ImageOperations::OperationError::tooCostly;
   if (!scan) return failed(isCostly ? PictureError::tooCostly : PictureError::unreadable);
   std::string windows = written(scan->windows);
@@ -99,16 +117,17 @@ Outcome encoded(const QImage& image, int32_t format) {
   return bytes ? Outcome{.isDone = true, .extra = bytes->toStdString()} : Outcome();
 }
 
-Outcome worked(const Request& request, std::string bytes, const std::atomic<bool>& isStopped, TextRecognizer* texts) {
+Outcome worked(const Request& request, std::string bytes, const std::atomic<bool>& isStopped, TextRecognizer* texts,
+               PixelMemory& memory) {
   switch (static_cast<Work>(request.work)) {
     case Work::wholeness:
       return judged(bytes);
     case Work::picture:
-      return pictured(ImageFile::read(std::string_view(bytes)));
+      return pictured(ImageFile::read(std::string_view(bytes), {}, &memory));
     case Work::thumbnail:
       return forScreen(ImageFile::readSmall(std::string_view(bytes), request.number));
     case Work::windows:
-      return scanned(std::move(bytes), isStopped);
+      return scanned(std::move(bytes), isStopped, memory);
     case Work::text:
       return recognized(texts, std::move(bytes), isStopped);
     case Work::head:
@@ -148,6 +167,7 @@ void Reader::run() {
 }
 
 void Reader::answer(const Request& request, Descriptor file) {
+  PixelsToPass pixels;
   Outcome outcome;
   try {
     if (static_cast<Work>(request.work) == Work::head) {
@@ -162,7 +182,7 @@ void Reader::answer(const Request& request, Descriptor file) {
       if (const auto memory = ImageFile::memoryFor(*bytes)) {
         socket_.send(Answer{.step = static_cast<uint32_t>(Step::begun), .memory = *memory});
         if (!socket_.receive<ReaderMessages::Turn>()) return;
-        outcome = worked(request, *std::move(bytes), signals_.isStopped, recognizer_);
+        outcome = worked(request, *std::move(bytes), signals_.isStopped, recognizer_, pixels);
       } else {
         outcome = failed(memory.reason());
       }
@@ -182,7 +202,7 @@ void Reader::answer(const Request& request, Descriptor file) {
   const PassedPicture picture(outcome.image);
   auto parts = picture.parts();
   if (!outcome.extra.empty()) parts.push_back(outcome.extra);
-  const auto memory = parts.empty() ? std::nullopt : SealedMemory::of(parts);
+  const auto memory = parts.empty() ? std::nullopt : pixels.sealed(outcome.image, parts);
   if (memory) {
     answer.shape = picture.shape();
     answer.extraBytes = outcome.extra.size();

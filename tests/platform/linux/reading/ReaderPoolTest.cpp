@@ -80,6 +80,33 @@ TEST_F(ReaderPoolTest, ReadsWhatTheDecodersRead) {
   }
 }
 
+/// Large enough that it is made where it is passed on, whatever becomes of it there.
+TEST_F(ReaderPoolTest, ReadsLargePicturesOfEachKindAsTheyAre) {
+  const auto pool = readers();
+  for (const QImage::Format format : {QImage::Format_RGB32, QImage::Format_ARGB32, QImage::Format_Grayscale8}) {
+    QImage image(1500, 1200, QImage::Format_ARGB32);
+    for (int y = 0; y < image.height(); ++y) {
+      auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
+      for (int x = 0; x < image.width(); ++x) row[x] = qRgba(x % 256, y % 256, (x * y) % 256, 255 - x % 3);
+    }
+    image = image.convertToFormat(format);
+    image.setColorSpace(QColorSpace(QColorSpace::DisplayP3));
+    const FileURL url = home.file("large.png");
+    ASSERT_TRUE(image.save(url.displayPath()));
+    const QImage picture = read(*pool, url);
+    const QImage expected = imageIn(decoded.picture(url, never));
+    EXPECT_EQ(picture, expected) << format;
+    EXPECT_EQ(picture.colorSpace(), expected.colorSpace()) << format;
+    const auto scan = pool->windows(url, never);
+    ASSERT_TRUE(scan) << format;
+    EXPECT_EQ(scan->image, expected) << format;
+    std::string bytes = readBytes(url);
+    bytes[bytes.size() / 2] ^= 1;
+    writeFile(url, bytes);
+    EXPECT_EQ(reason(*pool, url), PictureError::damaged) << format;
+  }
+}
+
 TEST_F(ReaderPoolTest, FindsTheSameWindows) {
   const auto pool = readers();
   const FileURL url = drawn();
