@@ -7,8 +7,8 @@
 
 #include "controls/MissingPicture.h"
 #include "controls/Theme.h"
-#include "reading/PictureError.h"
 #include "foundation/Interruptible.h"
+#include "reading/PictureError.h"
 
 namespace quillmere {
 namespace {

@@ -55,7 +55,8 @@ std::optional<Listing> listUnknown(const FileURL& directory, const URLSet& known
 class Examination {
  public:
   /// A part of all grows with their number, so that looking at the rest once more costs less than decoding it.
-  Examination(const Snapshot& snapshot, size_t files) : snapshot_(snapshot), left_(std::max(kLeastPortion, files / 8)) {}
+  Examination(const Snapshot& snapshot, size_t files)
+      : snapshot_(snapshot), left_(std::max(kLeastPortion, files / 8)) {}
 
   void examine(Observation& seen) {
     if (!seen.fingerprint) return;
