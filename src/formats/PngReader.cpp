@@ -11,7 +11,7 @@
 #include <optional>
 #include <vector>
 
-#include "formats/LargeBuffer.h"
+#include "foundation/LargeBuffer.h"
 #include "formats/PngFilters.h"
 #include "pixels/Downscaler.h"
 #include "png/PlainPng.h"

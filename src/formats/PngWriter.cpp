@@ -9,7 +9,7 @@
 #include <memory>
 #include <string>
 
-#include "formats/LargeBuffer.h"
+#include "foundation/LargeBuffer.h"
 #include "formats/PngRowFilter.h"
 #include "png/PngChunks.h"
 

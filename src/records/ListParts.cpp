@@ -4,10 +4,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 #include <cerrno>
+#include <cstring>
 #include <future>
 #include <iterator>
 #include <string>
 
+#include "foundation/LargeBuffer.h"
 #include "records/ScreenshotCoding.h"
 
 namespace quillmere {
@@ -52,8 +54,11 @@ class OpenFile {
 
 using Records = std::optional<std::vector<ScreenshotItem>>;
 
-Records decoded(std::string part, int64_t version) {
-  auto list = decodeList(part);
+/// Far more than any record.
+constexpr size_t kMostRemainder = size_t{4} << 20;
+
+Records decoded(char* part, size_t size, int64_t version) {
+  auto list = decodeList(part, size);
   if (!list || list->dropped > 0 || list->version != version) return std::nullopt;
   return std::move(list->items);
 }
@@ -70,30 +75,32 @@ Records readInParts(const FileURL& url) {
   std::promise<std::optional<std::string>> remainder;
   auto rest = remainder.get_future();
   auto second = std::async(std::launch::async, [&file, &remainder, middle, end = *size]() -> Records {
-    std::string part(end - middle, '\0');
-    const size_t between = file.read(middle, part.data(), part.size()) ? part.find(kBetweenRecords) : std::string::npos;
-    if (between == std::string::npos || !part.ends_with(kListTail)) {
+    const size_t length = end - middle;
+    const LargeBuffer buffer(length + kRoomBehindList);
+    char* bytes = reinterpret_cast<char*>(buffer.data());
+    const std::string_view part(bytes, bytes ? length : 0);
+    const bool isRead = bytes && file.read(middle, bytes, length);
+    const size_t between = isRead ? part.find(kBetweenRecords) : std::string_view::npos;
+    if (between == std::string_view::npos || !part.ends_with(kListTail)) {
       remainder.set_value(std::nullopt);
       return std::nullopt;
     }
     const size_t comma = between + kComma;
-    remainder.set_value(part.substr(0, comma));
-    part.pop_back();  // the envelope's brace; what is left is a list of the oldest form
-    part.erase(0, comma);
-    part.front() = '[';
-    return decoded(std::move(part), 0);
+    remainder.set_value(std::string(part.substr(0, comma)));
+    // Without the envelope's brace what is left is a list of the oldest form.
+    bytes[comma] = '[';
+    return decoded(bytes + comma, length - comma - 1, 0);
   });
 
-  std::string part;
-  part.reserve(middle + middle / 64);
-  part.resize(middle);
-  const bool isRead = file.read(0, part.data(), part.size());
+  const LargeBuffer buffer(middle + kMostRemainder + kListTail.size() + kRoomBehindList);
+  char* bytes = reinterpret_cast<char*>(buffer.data());
+  const bool isRead = bytes && file.read(0, bytes, middle);
   const auto end = rest.get();
   Records records;
-  if (isRead && end && part.starts_with(kListHead)) {
-    part += *end;
-    part += kListTail;
-    records = decoded(std::move(part), kListVersion);
+  if (isRead && end && end->size() <= kMostRemainder && std::string_view(bytes, middle).starts_with(kListHead)) {
+    const std::string last = *end + std::string(kListTail);
+    std::memcpy(bytes + middle, last.data(), last.size());
+    records = decoded(bytes, middle + last.size(), kListVersion);
   }
   auto others = second.get();
   if (!records || !others) return std::nullopt;

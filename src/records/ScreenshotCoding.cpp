@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstring>
 
 // Every machine that runs this has it; it finds the ends of long texts 16 bytes at a time.
 #ifdef __SSE2__
@@ -168,16 +169,16 @@ class DocumentBuilder {
 };
 
 /// The document's texts point into `bytes`.
-bool parseInPlace(std::string& bytes, rapidjson::Document& document) {
+bool parseInPlace(char* bytes, size_t size, rapidjson::Document& document) {
   // The parser reads whole blocks of 16 bytes, the last one past the text's end.
-  bytes.append(16, '\0');
+  std::memset(bytes + size, 0, kRoomBehindList);
   // Iterative: deeply nested input must not exhaust the stack.
   constexpr unsigned kFlags =
       rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag;
   bool isParsed = false;
   auto generator = [&](rapidjson::Document& target) {
     DocumentBuilder builder(target);
-    rapidjson::InsituStringStream stream(bytes.data());
+    rapidjson::InsituStringStream stream(bytes);
     rapidjson::Reader reader;
     isParsed = !reader.Parse<kFlags>(stream, builder).IsError();
     return isParsed;
@@ -354,12 +355,18 @@ void appendEncoded(std::string& out, const ScreenshotItem& item) {
 }
 
 std::optional<DecodedList> decodeList(std::string& bytes) {
+  const size_t size = bytes.size();
+  bytes.append(kRoomBehindList, '\0');
+  return decodeList(bytes.data(), size);
+}
+
+std::optional<DecodedList> decodeList(char* bytes, size_t size) {
   // A NUL would end the text early and hide what stands behind it.
-  if (bytes.find('\0') != std::string::npos) return std::nullopt;
+  if (std::memchr(bytes, 0, size)) return std::nullopt;
   // At once and vectorised, where the parser would look at each byte.
-  if (!QUtf8StringView(bytes.data(), static_cast<qsizetype>(bytes.size())).isValidUtf8()) return std::nullopt;
+  if (!QUtf8StringView(bytes, static_cast<qsizetype>(size)).isValidUtf8()) return std::nullopt;
   rapidjson::Document document;
-  if (!parseInPlace(bytes, document)) return std::nullopt;
+  if (!parseInPlace(bytes, size, document)) return std::nullopt;
 
   DecodedList list;
   const Value* items = &document;

@@ -25,5 +25,8 @@ struct DecodedList {
 };
 /// Reads either form of the list, changing `bytes` on the way. None when it is neither.
 std::optional<DecodedList> decodeList(std::string& bytes);
+/// The same of bytes with `kRoomBehindList` more behind them, which are changed, too.
+inline constexpr size_t kRoomBehindList = 16;
+std::optional<DecodedList> decodeList(char* bytes, size_t size);
 
 }  // namespace quillmere
