@@ -79,7 +79,7 @@ std::optional<std::vector<DetectedWindow>> windowsIn(std::string_view bytes, con
 
 }  // namespace
 
-ReaderPool::ReaderPool(Executor& executor, std::string program, Size size, ReaderProcess::Patience patience)
+ReaderPool::ReaderPool(Executor& executor, const std::string& program, Size size, ReaderProcess::Patience patience)
     : executor_(executor),
       pictures_(program, ReaderMessages::kPictures, size.pictures, patience),
       texts_(program, ReaderMessages::kTexts, size.texts, patience) {}

@@ -33,8 +33,8 @@ class ReaderPool final : public PictureReading, public std::enable_shared_from_t
   static constexpr int64_t kLargeFile = int64_t{64} << 20;
 
   /// `program` is the reader. The executor may go first.
-  ReaderPool(Executor& executor, std::string program, Size size, ReaderProcess::Patience patience);
-  ReaderPool(Executor& executor, std::string program) : ReaderPool(executor, std::move(program), Size(), {}) {}
+  ReaderPool(Executor& executor, const std::string& program, Size size, ReaderProcess::Patience patience);
+  ReaderPool(Executor& executor, const std::string& program) : ReaderPool(executor, program, Size(), {}) {}
   ~ReaderPool() override;
   /// Of the program in that folder, installed or built.
   static std::string programBesides(const FileURL& folder);
