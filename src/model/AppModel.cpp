@@ -195,7 +195,13 @@ void AppModel::announce(const QString& text, AnnouncementPriority priority) cons
 ListSaver::Services AppModel::saverServices() const {
   Executor* disk = dependencies_.disk ? dependencies_.disk : dependencies_.executor;
   return {dependencies_.executor, disk, [files = dependencies_.fileOperations] { files->flush(); },
-          dependencies_.recordStore.fileURL};
+          dependencies_.recordStore.fileURL, [this] { return awaitedSince(); }};
+}
+
+std::optional<Date> AppModel::awaitedSince() const {
+  const auto seen = dependencies_.monitor->awaitedSince();
+  if (laterArrivals_.empty()) return seen;
+  return std::min(laterArrivalsSince_, seen.value_or(laterArrivalsSince_));
 }
 
 bool AppModel::canSave() {

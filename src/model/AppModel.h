@@ -2,6 +2,7 @@
 
 #include <QtCore/QRectF>
 #include <QtGui/QImage>
+#include <atomic>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -118,7 +119,7 @@ class AppModel : private AnalysisRecords,
   void refreshModelAvailability();
   void setShowsDeleteImmediately(bool isOn) { settings_.showsDeleteImmediately.change(isOn); }
   void setDeletesChosenImmediately(bool isOn) { settings_.deletesChosenImmediately.change(isOn); }
-  void setDeletesExpiredImmediately(bool isOn) { settings_.deletesExpiredImmediately.change(isOn); }
+  void setDeletesExpiredImmediately(bool isOn);
   void setPopupAutoSaveEnabled(bool isOn);
   void setPopupAutoSaveSeconds(int seconds);
   void setPopupWaitsForPause(bool isOn);
@@ -208,7 +209,7 @@ class AppModel : private AnalysisRecords,
   }
   /// While a record's file is open in the program it cannot be disposed of, and its time does not run out: until it was
   /// unprotected as often as it was protected.
-  void protect(const UUID& id) override { ++protectedItems_[id]; }
+  void protect(const UUID& id) override;
   void unprotect(const UUID& id) override;
   /// Forgets records; their files stay. The caller saves.
   void removeRecords(const UUIDSet& ids);
@@ -321,6 +322,7 @@ class AppModel : private AnalysisRecords,
  private:
   // AppModel.cpp
   ListSaver::Services saverServices() const;
+  std::optional<Date> awaitedSince() const;
   void wireMonitor();
   void observeSystem();
   void finishStart();
@@ -519,6 +521,7 @@ class AppModel : private AnalysisRecords,
   static Task<> runExpiries(Weak<AppModel> self, std::vector<UUID> ids);
   bool canExpireNow(const UUID& id);
   void prepareExpiry(const UUID& id, std::vector<ExpiryJob>& jobs);
+  void putOffExpiry(const UUID& id);
   void adoptExpiry(const ExpiryJob& job, const ExpiryReport& report, UUIDSet& forgotten);
   void adoptMissing(size_t index, bool isAbsent, UUIDSet& forgotten);
   void retryUnreachable(const UUID& id);
@@ -586,8 +589,10 @@ class AppModel : private AnalysisRecords,
     UUID id_;
   };
   UUIDMap<Deciding> deciding_;
+  UUIDMap<std::shared_ptr<std::atomic<bool>>> expiring_;  ///< whether each is to stay after all
   FileWorker fileWorker_{*dependencies_.executor, [this] { fileWorkEnded(); }};
   std::vector<std::pair<FileURL, Origin>> laterArrivals_;  ///< of files that are being worked on
+  Date laterArrivalsSince_;                                ///< of the first of them
   UUIDSet laterLooks_;                                     ///< were looked at while they were being worked on
   bool isToldWriting_ = false;
   std::vector<UUID> due_;  ///< their time is up, all at once

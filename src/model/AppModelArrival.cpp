@@ -12,6 +12,7 @@ void AppModel::record(const FileURL& url, Origin origin) {
     return;
   }
   if (isInWork(url, identity)) {
+    if (laterArrivals_.empty()) laterArrivalsSince_ = now();
     laterArrivals_.emplace_back(url, origin);
     return;
   }

@@ -156,6 +156,7 @@ void AppModel::keepBatch(const std::vector<UUID>& ids) {
       const auto index = items_.indexOf(id);
       // It counts if nothing comes of what is being done.
       if (const auto decision = deciding_.find(id); decision != deciding_.end()) decision->second.isKept = true;
+      putOffExpiry(id);
       if (!index || isBeingDecided(id) || unavailableItemIDs->contains(id)) continue;
       if (items_[*index].state == ScreenshotItem::State::permanent) continue;
       keepItem(*index);

@@ -295,6 +295,11 @@ void AppModel::removeRecords(const UUIDSet& ids) {
   if (failureWent) refreshExpirationBanner();
 }
 
+void AppModel::protect(const UUID& id) {
+  ++protectedItems_[id];
+  putOffExpiry(id);
+}
+
 void AppModel::unprotect(const UUID& id) {
   const auto found = protectedItems_.find(id);
   if (found != protectedItems_.end() && --found->second == 0) protectedItems_.erase(found);

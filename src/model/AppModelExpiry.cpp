@@ -40,7 +40,10 @@ Task<> AppModel::runExpiries(Weak<AppModel> self, std::vector<UUID> ids) {
     const auto jobs = std::make_shared<std::vector<ExpiryJob>>();
     for (const UUID& id : claimed) self->prepareExpiry(id, *jobs);
     if (jobs->empty()) continue;
-    for (const ExpiryJob& job : *jobs) self->beginDeciding(job.id);
+    for (const ExpiryJob& job : *jobs) {
+      self->beginDeciding(job.id);
+      self->expiring_[job.id] = job.isPutOff;
+    }
     const std::function<std::vector<ExpiryReport>()> work = [jobs, services = FileServices::of(self->dependencies_)] {
       std::vector<ExpiryReport> reports;
       for (const ExpiryJob& job : *jobs) reports.push_back(expireFile(job, services));
@@ -51,12 +54,25 @@ Task<> AppModel::runExpiries(Weak<AppModel> self, std::vector<UUID> ids) {
     const auto working = self->fileWorker_.run(work);
     const auto reports = co_await working;
     if (!self) co_return;
+    for (const ExpiryJob& job : *jobs) self->expiring_.erase(job.id);
     UUIDSet forgotten;
     for (size_t i = 0; i < jobs->size(); ++i) self->adoptExpiry((*jobs)[i], reports[i], forgotten);
     if (!forgotten.empty()) self->forget(forgotten);
     for (const ExpiryJob& job : *jobs) self->endDeciding(job.id);
   }
   if (std::exchange(self->expiryChangedRecords_, false)) self->saveNow();
+}
+
+/// A file whose turn has not come yet stays.
+void AppModel::putOffExpiry(const UUID& id) {
+  const auto found = expiring_.find(id);
+  if (found != expiring_.end()) *found->second = true;
+}
+
+void AppModel::setDeletesExpiredImmediately(bool isOn) {
+  settings_.deletesExpiredImmediately.change(isOn);
+  // What was to be deleted for good goes to Trash then, or the other way round.
+  for (const auto& [id, isPutOff] : expiring_) *isPutOff = true;
 }
 
 /// What is being done to the file comes first; the record's time is looked at again after it.
@@ -96,12 +112,13 @@ void AppModel::adoptExpiry(const ExpiryJob& job, const ExpiryReport& report, UUI
   }
   const ScreenshotItem& item = items_[*index];
   if (item.state != ScreenshotItem::State::temporary) return;
-  if (item.url != job.url) {
+  if (item.url != job.url || report.outcome == Outcome::putOff) {
     expirationScheduler_.schedule(job.id, now() + kLaterRetry);
     return;
   }
   switch (report.outcome) {
     case Outcome::removed:
+    case Outcome::putOff:
       return;
     case Outcome::refused:
       recordExpirationFailure(job.id);

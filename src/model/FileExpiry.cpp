@@ -47,6 +47,7 @@ ExpiryReport expireFile(const ExpiryJob& job, const FileServices& services) {
   }
   // By its name alone nothing is thrown away.
   if (match == Match::unknown) return {Outcome::untold};
+  if (*job.isPutOff) return {Outcome::putOff};
   FileOperations& files = *services.operations;
   switch (job.deletes ? files.remove(job.url) : files.trash(job.url)) {
     case FileOutcome::done:

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+#include <memory>
 #include <optional>
 
 #include "model/FileServices.h"
@@ -15,6 +17,8 @@ struct ExpiryJob {
   std::optional<QByteArray> bookmark;
   std::optional<WatchFolderPaths> watchFolder;  ///< none: no access to one
   bool deletes = false;                         ///< for good, instead of moving it to Trash
+  /// Set on the main thread, until the last moment: the person keeps it, or has it open.
+  std::shared_ptr<std::atomic<bool>> isPutOff = std::make_shared<std::atomic<bool>>(false);
 };
 
 /// What became of its file.
@@ -30,6 +34,7 @@ struct ExpiryReport {
     unreachable,  ///< nothing can be told
     elsewhere,    ///< it lies outside the watched folder
     untold,       ///< whether it is the file cannot be told
+    putOff,       ///< nothing was done
   };
   Outcome outcome = Outcome::unreachable;
   std::optional<ResolvedBookmark> place = std::nullopt;  ///< where it is, when it has moved

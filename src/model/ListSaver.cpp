@@ -68,6 +68,7 @@ void ListSaver::begin() {
     tell();
   });
   const auto job = std::make_shared<Job>(Job{items_.snapshot()});
+  if (const auto since = services_.awaitedSince()) job->records.dateBack(*since);
   services_.disk->runInBackground(
       [job, writer = writer_, prepare = services_.prepare, file = services_.file] {
         // After a power cut the list may be older than the files, never newer: a file that the list tells gone would

@@ -29,6 +29,9 @@ class ListSaver {
     Executor* disk = nullptr;       ///< waits for the disk
     std::function<void()> prepare;  ///< called by the disk's thread before each save
     FileURL file;
+    /// Since when something has been on its way into the list; its file bears that date then, by which a start after a
+    /// kill hears what is not in it.
+    std::function<std::optional<Date>()> awaitedSince = [] { return std::nullopt; };
   };
   /// All of them outlive this, and the services its last save.
   ListSaver(Services services, const ScreenshotList& items);

@@ -54,6 +54,7 @@ struct Snapshot {
     bool complete = false;  ///< it decoded at an earlier look and need not be decoded again
     int attempts = 1;       ///< looks at this unchanged fingerprint
     Date completeSince = {};
+    Date firstSeen = {};                               ///< the file, whatever it was then
     std::optional<Date> unmarkedSince = std::nullopt;  ///< without a mark of a capture, and so never decoded
   };
   FileURL directory;
@@ -99,8 +100,8 @@ bool isWatchedName(std::string_view name);
 std::optional<Fingerprint> readFingerprint(const FileURL& url);
 
 /// Changes nothing but reads the file system. A name that is already known costs no look at its file. Of many files the
-/// oldest are decoded, at least `kLeastPortion` of them, and the others put off: what comes first is told while the rest
-/// is still read.
+/// oldest are decoded, at least `kLeastPortion` of them, and the others put off: what comes first is told while the
+/// rest is still read.
 inline constexpr size_t kLeastPortion = 64;
 ScanResult performScan(const Snapshot& snapshot);
 

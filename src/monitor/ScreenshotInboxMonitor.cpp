@@ -76,6 +76,7 @@ void ScreenshotInboxMonitor::startOver(std::optional<FileURL> directory) {
   knownURLs_ = std::make_shared<URLSet>();
   looking_.reset();
   notes_.clear();
+  awaitedSince_.reset();
   ++generation_;
   lastStatus_.reset();
   directory_ = std::move(directory);

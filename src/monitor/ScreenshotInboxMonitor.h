@@ -52,6 +52,7 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
   void noteKnown(const FileURL& url) override;
   void noteUnknown(const FileURL& url) override;
   bool hasMovedOut(const FileURL& url) const override;
+  std::optional<Date> awaitedSince() const override { return awaitedSince_; }
   void refresh() override;
 
   bool isScanning() const { return isScanning_; }
@@ -96,6 +97,7 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
   static Task<> apply(Weak<ScreenshotInboxMonitor> self, ScanResult result, std::shared_ptr<Snapshot> snapshot);
   void applyFolder(ScanResult& result, const Snapshot& snapshot);
   void lookAgain(const std::vector<Observation>& seen);
+  static bool isAwaited(const Pending& pending);
   void forgetAbsent(const ScanResult& result);
   void applyObservation(const Observation& seen, bool isFullScan, Date now);
   void applyRepeatedLook(const Observation& seen, Pending& pending, Date now);
@@ -136,6 +138,7 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
   URLMap<Pending> pendingFiles_;
   URLMap<Fingerprint> ignoredFiles_;
   URLMap<ArrivalEvidence> arrivalEvidence_;
+  std::optional<Date> awaitedSince_;
 
   Lifetime lifetime_;
 };

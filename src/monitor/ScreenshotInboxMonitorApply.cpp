@@ -57,15 +57,17 @@ void ScreenshotInboxMonitor::applyFolder(ScanResult& result, const Snapshot& sna
 }
 
 void ScreenshotInboxMonitor::lookAgain(const std::vector<Observation>& seen) {
-  if (std::any_of(seen.begin(), seen.end(), [](const Observation& one) { return one.isPutOff; })) {
-    scheduleScan(Duration::zero(), ScanScope::partial);
-    return;
-  }
+  awaitedSince_.reset();
   for (const auto& [url, pending] : pendingFiles_) {
-    if (pending.attempts >= kMaxQuickLooks && !pending.complete && !pending.unmarkedSince) continue;
-    scheduleScan(kQuickLookInterval, ScanScope::partial);
-    break;
+    if (isAwaited(pending)) awaitedSince_ = std::min(awaitedSince_.value_or(pending.firstSeen), pending.firstSeen);
   }
+  const bool isAnyPutOff = std::any_of(seen.begin(), seen.end(), [](const Observation& one) { return one.isPutOff; });
+  if (awaitedSince_) scheduleScan(isAnyPutOff ? Duration::zero() : kQuickLookInterval, ScanScope::partial);
+}
+
+/// Not one that was looked at in vain for long.
+bool ScreenshotInboxMonitor::isAwaited(const Pending& pending) {
+  return pending.attempts < kMaxQuickLooks || pending.complete || pending.unmarkedSince;
 }
 
 void ScreenshotInboxMonitor::forgetAbsent(const ScanResult& result) {
@@ -97,10 +99,9 @@ void ScreenshotInboxMonitor::applyObservation(const Observation& seen, bool isFu
     applyRepeatedLook(seen, pending->second, now);
     return;
   }
-  const Date firstSeen = now_();
-  pendingFiles_[seen.url] = Pending{.fingerprint = *seen.fingerprint};
   // A file that keeps growing keeps its first sighting.
-  arrivalEvidence_.try_emplace(seen.url, ArrivalEvidence{firstSeen, 0, false});
+  const auto evidence = arrivalEvidence_.try_emplace(seen.url, ArrivalEvidence{now_(), 0, false}).first;
+  pendingFiles_[seen.url] = Pending{.fingerprint = *seen.fingerprint, .firstSeen = evidence->second.firstSeen};
 }
 
 void ScreenshotInboxMonitor::applyRepeatedLook(const Observation& seen, Pending& pending, Date now) {

@@ -51,6 +51,8 @@ class ScreenshotMonitoring {
   virtual void noteUnknown(const FileURL&) {}
   /// Whether the file under this name was moved out of the folder while it was watched, and not deleted.
   virtual bool hasMovedOut(const FileURL&) const { return false; }
+  /// When the oldest file was first seen that may still become a screenshot; none while there is none.
+  virtual std::optional<Date> awaitedSince() const { return std::nullopt; }
   /// Opens a lost folder again, if it is there, and looks at all of it.
   virtual void refresh() = 0;
 };

@@ -1,6 +1,7 @@
 #include "records/ScreenshotList.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace quillmere {
 namespace {
@@ -57,6 +58,12 @@ std::optional<size_t> ScreenshotList::indexOf(const UUID& id) const {
 const ScreenshotItem* ScreenshotList::find(const UUID& id) const {
   const auto index = indexOf(id);
   return index ? &(*this)[*index] : nullptr;
+}
+
+void ScreenshotList::Snapshot::dateBack(Date moment) {
+  const double seconds = moment.seconds + Date::kReferenceUnixSeconds;
+  const timespec earlier{static_cast<time_t>(std::floor(seconds)), 0};
+  if (earlier.tv_sec < taken_.tv_sec) taken_ = earlier;
 }
 
 ScreenshotList::Snapshot ScreenshotList::snapshot() const {

@@ -26,6 +26,8 @@ class ScreenshotList {
     std::vector<const ScreenshotItem*> newestFirst() const;
     /// When it was taken, by the clock that dates files.
     timespec taken() const { return taken_; }
+    /// Dates it earlier: what came since then may not be in it yet.
+    void dateBack(Date moment);
 
    private:
     friend ScreenshotList;

@@ -205,15 +205,44 @@ TEST_F(AppModelFileWork, AnExpiryThatIsRefusedLetsThePersonKeepIt) {
   EXPECT_EQ(banner(), std::nullopt);
 }
 
-TEST_F(AppModelFileWork, AnExpiredFileThatWentHasNoRecordWhateverBecameOfIt) {
+TEST_F(AppModelFileWork, WhatIsKeptBeforeItsTurnComesStays) {
   const UUID id = arriveTemporary("shot.png", TemporaryDuration::oneMinute);
   executor.holdBackground();
   advance(61);
   model->keepBatch({id});
   end();
+  EXPECT_TRUE(fileExists(shot));
+  EXPECT_EQ(files.calls(), 0);
+  EXPECT_EQ(stateOf(id), State::permanent);
+}
+
+TEST_F(AppModelFileWork, WhatIsOpenedBeforeItsTurnComesExpiresLater) {
+  const UUID id = arriveTemporary("shot.png", TemporaryDuration::oneMinute);
+  executor.holdBackground();
+  advance(61);
+  model->protect(id);
+  end();
+  EXPECT_TRUE(fileExists(shot));
+  EXPECT_EQ(stateOf(id), State::temporary);
+  advance(30);
+  EXPECT_TRUE(fileExists(shot));
+  model->unprotect(id);
+  advance(11);
   EXPECT_TRUE(isInTrashFolder("shot.png"));
   EXPECT_FALSE(hasRecord(id));
-  EXPECT_THAT(savedRecords(), IsEmpty());
+}
+
+TEST_F(AppModelFileWork, WhatWasToBeDeletedGoesToTrashWhenThatIsSaidBeforeItsTurnComes) {
+  model->setDeletesExpiredImmediately(true);
+  const UUID id = arriveTemporary("shot.png", TemporaryDuration::oneMinute);
+  executor.holdBackground();
+  advance(61);
+  model->setDeletesExpiredImmediately(false);
+  end();
+  EXPECT_TRUE(fileExists(shot));
+  advance(11);
+  EXPECT_TRUE(isInTrashFolder("shot.png"));
+  EXPECT_FALSE(hasRecord(id));
 }
 
 // --- What is heard of the file meanwhile ---
@@ -298,6 +327,17 @@ class BetweenWorkAndResult : public ModelFixture {
 
   HistoryExecutor background{[] { return std::nullopt; }, [](int) {}};
 };
+
+TEST_F(BetweenWorkAndResult, AnExpiredFileThatWentHasNoRecordWhateverBecameOfIt) {
+  const UUID id = arriveTemporary("shot.png", TemporaryDuration::oneMinute);
+  for (Duration left = seconds(61); left > Duration::zero();) left = background.advanceOnce(left);
+  background.runWork();
+  model->keepBatch({id});
+  deliver();
+  EXPECT_TRUE(isInTrashFolder("shot.png"));
+  EXPECT_FALSE(hasRecord(id));
+  EXPECT_THAT(savedRecords(), IsEmpty());
+}
 
 TEST_F(BetweenWorkAndResult, NewsOfTheNewNameKeepsNothingAndMakesNoSecondRecord) {
   const UUID id = arriveTemporary("shot.png");

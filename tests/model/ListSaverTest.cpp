@@ -2,7 +2,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <cmath>
 
+#include "foundation/FileStatus.h"
 #include "foundation/ManualExecutor.h"
 #include "records/ScreenshotRecordStore.h"
 #include "support/Files.h"
@@ -22,7 +24,9 @@ class ListSaverTest : public ::testing::Test {
   ListSaverTest() { make(); }
   void make() {
     saver = std::make_unique<ListSaver>(
-        ListSaver::Services{&executor, &disk, [this] { flushedWith.push_back(savedCount()); }, file}, list);
+        ListSaver::Services{&executor, &disk, [this] { flushedWith.push_back(savedCount()); }, file,
+                            [this] { return awaitedSince; }},
+        list);
     saver->onEnd = [this](bool isSaved, Cause cause) { ends.emplace_back(isSaved, cause); };
     saver->onPendingChanged = [this] { pendings.push_back(saver->isPending()); };
   }
@@ -53,6 +57,7 @@ class ListSaverTest : public ::testing::Test {
   ManualExecutor executor;
   ManualExecutor disk;
   ScreenshotList list;
+  std::optional<Date> awaitedSince;
   int next = 1;
   std::vector<size_t> flushedWith;  ///< how many records were on the disk when the files were flushed
   std::vector<std::pair<bool, Cause>> ends;
@@ -60,6 +65,23 @@ class ListSaverTest : public ::testing::Test {
   std::vector<SaveOutcome> outcomes;
   std::unique_ptr<ListSaver> saver;
 };
+
+TEST_F(ListSaverTest, AListThatMayLackSomethingIsDatedBeforeItCame) {
+  const auto dated = [&] { return fileStatus(file)->modified; };
+  add();
+  saver->save();
+  disk.drain();
+  const Date usual = dated();
+  awaitedSince = usual + -20.5;
+  saver->save();
+  disk.drain();
+  EXPECT_EQ(dated().seconds, std::floor(usual.seconds - 20.5));
+  awaitedSince = usual + 1000.0;
+  saver->save();
+  disk.drain();
+  EXPECT_GE(dated(), usual);
+  EXPECT_LT(dated(), usual + 900.0);
+}
 
 TEST_F(ListSaverTest, NothingIsWrittenWhereItWasAskedFor) {
   add();

@@ -39,6 +39,36 @@ TEST_F(ApplyTest, OfManyEachIsAcceptedAtItsSecondLookWithoutAPause) {
   EXPECT_EQ(executor.nextDelay(), seconds(59.85)) << "nothing is left to look at";
 }
 
+TEST_F(ApplyTest, TellsSinceWhenAFileIsOnItsWay) {
+  begin();
+  EXPECT_EQ(monitor->awaitedSince(), std::nullopt);
+  services->file("broken.png").decodes = false;
+  make("broken.png");
+  tellChange();
+  const Date first = now();
+  advance(0.05);
+  make("good.png");
+  tellChange();
+  EXPECT_EQ(monitor->awaitedSince(), first);
+  advance(0.1);
+  EXPECT_EQ(told(), Names{"captured good.png"});
+  EXPECT_EQ(monitor->awaitedSince(), first);
+  advance(5);
+  EXPECT_EQ(monitor->awaitedSince(), std::nullopt) << "what was looked at in vain for long is not awaited";
+}
+
+TEST_F(ApplyTest, WhatIsPutOffIsAwaitedSinceItWasSeen) {
+  begin();
+  for (size_t i = 0; i < 2 * kLeastPortion; ++i) make(std::to_string(1000 + i) + ".png");
+  tellChange();
+  const Date first = now();
+  std::vector<std::optional<Date>> since;
+  monitor->onScreenshot = [&](const FileURL&) { since.push_back(monitor->awaitedSince()); };
+  advance(0.1);
+  EXPECT_EQ(since, std::vector<std::optional<Date>>(2 * kLeastPortion, first)) << "until all are told";
+  EXPECT_EQ(monitor->awaitedSince(), std::nullopt);
+}
+
 TEST_F(ApplyTest, AcceptedFileIsNotLookedAtAgain) {
   begin();
   make("a.png");

@@ -1,5 +1,6 @@
 #include "platform/linux/passing/PacketSocket.h"
 
+#include <fcntl.h>
 #include <sys/socket.h>
 #include <array>
 #include <cerrno>
@@ -17,6 +18,7 @@ using ControlSpace = std::array<char, CMSG_SPACE(kMostDescriptors * sizeof(int))
 std::optional<PacketSocket::Pair> PacketSocket::pair() {
   std::array<int, 2> ends{};
   if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) return std::nullopt;
+  ::fcntl(ends[0], F_SETFL, O_NONBLOCK);
   return Pair{PacketSocket(Descriptor(ends[0])), PacketSocket(Descriptor(ends[1]))};
 }
 

@@ -13,7 +13,7 @@ class PacketSocket {
   PacketSocket() = default;
   explicit PacketSocket(Descriptor end) : end_(std::move(end)) {}
   struct Pair;
-  /// Neither is inherited by other programs.
+  /// Neither is inherited by other programs. `one` never waits: a message for which there is no room is not sent.
   static std::optional<Pair> pair();
 
   int number() const { return end_.number(); }

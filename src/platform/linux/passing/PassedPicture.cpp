@@ -75,7 +75,7 @@ std::optional<uint64_t> PassedPicture::bytesOf(const PictureShape& shape) {
   return rows + shape.colours * sizeof(QRgb) + shape.profileBytes;
 }
 
-QImage PassedPicture::in(std::shared_ptr<const SealedMemory> memory, const PictureShape& shape) {
+QImage PassedPicture::in(const std::shared_ptr<const SealedMemory>& memory, const PictureShape& shape) {
   const auto wanted = bytesOf(shape);
   if (!memory || !wanted || *wanted == 0 || memory->bytes().size() < *wanted) return {};
   const auto* rows = reinterpret_cast<const uchar*>(memory->bytes().data());

@@ -25,7 +25,7 @@ class PassedPicture {
   static std::optional<uint64_t> bytesOf(const ReaderMessages::PictureShape& shape);
   /// The picture at the beginning of the memory, not copied: the memory stays as long as it does. Null where the shape
   /// does not fit the memory.
-  static QImage in(std::shared_ptr<const SealedMemory> memory, const ReaderMessages::PictureShape& shape);
+  static QImage in(const std::shared_ptr<const SealedMemory>& memory, const ReaderMessages::PictureShape& shape);
 
  private:
   QImage image_;

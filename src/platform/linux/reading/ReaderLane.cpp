@@ -18,7 +18,7 @@ std::shared_ptr<ReaderProcess> ReaderLane::take() {
   }
   ++starting_;
   lock.unlock();
-  std::shared_ptr<ReaderProcess> process = ReaderProcess::start(program_, task_, patience_);
+  std::shared_ptr<ReaderProcess> process = ReaderProcess::start(program_, task_, patience_, isEnded_);
   lock.lock();
   --starting_;
   hasFailedToStart_ = !process;

@@ -46,7 +46,7 @@ class ReaderLane {
   size_t starting_ = 0;
   uint32_t missing_ = 0;
   bool hasFailedToStart_ = false;
-  bool isEnded_ = false;
+  std::atomic<bool> isEnded_ = false;
 };
 
 }  // namespace quillmere

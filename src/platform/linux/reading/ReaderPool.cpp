@@ -29,14 +29,42 @@ using End = ReaderProcess::End;
 const std::atomic<bool> kNever = false;
 /// Readers that end before they look at a picture are not its fault, but not all of them can.
 constexpr int kMostAttempts = 8;
-constexpr uint64_t kMostExtraBytes = uint64_t{2} << 30;
+constexpr uint64_t kMostWindowBytes = uint64_t{100'000} * sizeof(Window);
+constexpr uint64_t kMostTextBytes = uint64_t{16} << 20;
+constexpr uint64_t kMostEncodedBytes = uint64_t{2} << 30;
 
 Request request(Work work, int32_t number = 0, const PictureShape& shape = {}) {
   return {.work = static_cast<uint32_t>(work), .number = number, .shape = shape};
 }
 
+/// What may come back beside a picture.
+uint64_t mostExtraBytes(const Request& request) {
+  switch (static_cast<Work>(request.work)) {
+    case Work::windows:
+      return kMostWindowBytes;
+    case Work::text:
+      return kMostTextBytes;
+    case Work::encoding:
+      return kMostEncodedBytes;
+    case Work::head:
+    case Work::wholeness:
+    case Work::picture:
+    case Work::thumbnail:
+      break;
+  }
+  return 0;
+}
+
+bool brings(const Request& request, Work work) {
+  return request.work == static_cast<uint32_t>(work);
+}
+
+bool bringsPicture(const Request& request) {
+  return brings(request, Work::picture) || brings(request, Work::thumbnail) || brings(request, Work::windows);
+}
+
 bool decodes(const Request& request) {
-  return request.work != static_cast<uint32_t>(Work::head) && request.work != static_cast<uint32_t>(Work::encoding);
+  return !brings(request, Work::head) && !brings(request, Work::encoding);
 }
 
 /// A link put in a picture's place would have another file read; a pipe in it would hold the reader.
@@ -190,7 +218,7 @@ ReaderPool::Asked ReaderPool::ask(const Request& request, const Descriptor& file
     std::optional<PictureMemory::Share> all;
     if (status.st_size > kLargeFile && decodes(request)) all.emplace(memory_, kMemory);
     ReaderProcess::Outcome outcome = process->ask(request, file.number(), all ? nullptr : &memory_, isStopped);
-    auto reply = outcome.end == End::answered ? checked(outcome.answer, outcome.memory) : std::nullopt;
+    auto reply = outcome.end == End::answered ? checked(request, outcome.answer, outcome.memory) : std::nullopt;
     if (reply) {
       lane.giveBack(process);
       wasUsed();
@@ -207,10 +235,12 @@ ReaderPool::Asked ReaderPool::ask(const Request& request, const Descriptor& file
 }
 
 /// The memory has to be what the numbers say, to the byte.
-std::optional<ReaderPool::Reply> ReaderPool::checked(const Answer& answer, const Descriptor& memory) {
+std::optional<ReaderPool::Reply> ReaderPool::checked(const Request& request, const Answer& answer,
+                                                     const Descriptor& memory) {
   const auto pictureBytes = PassedPicture::bytesOf(answer.shape);
   const bool isKnown = answer.isDone <= 1 && answer.reason <= static_cast<uint32_t>(PictureError::tooCostly);
-  if (!pictureBytes || answer.extraBytes > kMostExtraBytes || !isKnown) return std::nullopt;
+  if (!pictureBytes || answer.extraBytes > mostExtraBytes(request) || !isKnown) return std::nullopt;
+  if (*pictureBytes > 0 && !bringsPicture(request)) return std::nullopt;
   const uint64_t bytes = *pictureBytes + answer.extraBytes;
   Reply reply{.answer = answer, .memory = nullptr, .image = {}, .extra = {}};
   if (bytes == 0) return memory ? std::nullopt : std::optional(reply);

@@ -67,7 +67,8 @@ class ReaderPool final : public PictureReading, public std::enable_shared_from_t
   Asked ask(const Request& request, const FileURL& url, const Stop& isStopped);
   Asked ask(const Request& request, const Descriptor& file, const Stop& isStopped);
   static Picture pictureIn(Asked reply, int maxPixels);
-  static std::optional<Reply> checked(const ReaderMessages::Answer& answer, const Descriptor& memory);
+  static std::optional<Reply> checked(const Request& request, const ReaderMessages::Answer& answer,
+                                      const Descriptor& memory);
   void wasUsed();
   void armEnd();
   void tellOnce(const std::string& line);

@@ -144,7 +144,7 @@ class ReaderProcess::Child {
 };
 
 std::unique_ptr<ReaderProcess> ReaderProcess::start(const std::string& program, const char* task,
-                                                    const Patience& patience) {
+                                                    const Patience& patience, const std::atomic<bool>& isStopped) {
   auto sockets = PacketSocket::pair();
   Descriptor page(::memfd_create("signals", MFD_CLOEXEC));
   Signals* signals = newSignals(page);
@@ -153,7 +153,7 @@ std::unique_ptr<ReaderProcess> ReaderProcess::start(const std::string& program, 
   sockets->other = PacketSocket();
   std::unique_ptr<ReaderProcess> process(
       new ReaderProcess(std::move(sockets->one), signals, std::move(child), patience));
-  if (!process->child_ || process->wait(patience.start, nullptr) != Wait::ready) return nullptr;
+  if (!process->child_ || process->wait(patience.start, &isStopped) != Wait::ready) return nullptr;
   const auto greeting = process->socket_.receive<Greeting>();
   const bool isOurs =
       greeting && greeting->magic == ReaderMessages::kMagic && greeting->version == ReaderMessages::kVersion;
@@ -181,6 +181,9 @@ pid_t ReaderProcess::process() const {
 ReaderProcess::Outcome ReaderProcess::ask(const Request& request, int file, PictureMemory* memory,
                                           const std::atomic<bool>& isStopped) {
   signals_->isStopped = false;
+  // What comes before it was asked is no answer.
+  std::array<char, 1> early{};
+  if (::recv(socket_.number(), early.data(), early.size(), MSG_PEEK | MSG_DONTWAIT) > 0) return {End::lied};
   if (!socket_.send(request, file)) return {End::gone};
   const auto& patience = request.work == static_cast<uint32_t>(Work::text) ? patience_.texts : patience_.work;
   milliseconds atMost = patience_.file;

@@ -24,8 +24,9 @@ class ReaderProcess {
     std::chrono::milliseconds stop = std::chrono::seconds(1);     ///< with one that was told to stop
   };
 
-  /// Null where it cannot be started, or is no reader of this build. Waits until it is ready.
-  static std::unique_ptr<ReaderProcess> start(const std::string& program, const char* task, const Patience& patience);
+  /// Null where it cannot be started, or is no reader of this build. Waits until it is ready, or nobody wants it.
+  static std::unique_ptr<ReaderProcess> start(const std::string& program, const char* task, const Patience& patience,
+                                              const std::atomic<bool>& isStopped);
   /// Ends it.
   ~ReaderProcess();
 

@@ -275,6 +275,8 @@ TEST_F(ReaderPoolTest, BelievesNothing) {
   EXPECT_FALSE(hostile("wrong-windows")->windows(drawn(), never));
   EXPECT_FALSE(hostile("wrong-head")->head(drawn()));
   EXPECT_FALSE(hostile("well")->thumbnail(drawn(), 20, never)) << "larger than it was to be";
+  EXPECT_EQ(hostile("well")->text(drawn(), never), std::nullopt) << "a picture was not asked for";
+  EXPECT_NE(hostile("well")->failureOf(drawn()), std::nullopt) << "nor was it here";
 }
 
 TEST_F(ReaderPoolTest, WithoutAReaderNothingCanBeRead) {
@@ -324,6 +326,16 @@ TEST_F(ReaderPoolTest, AtTheEndNobodyWaits) {
   pool->end();
   waiting.join();
   EXPECT_TRUE(read(*pool, url).isNull());
+  EXPECT_EQ(pool->running(), 0u);
+}
+
+TEST_F(ReaderPoolTest, AtTheEndNobodyWaitsForAReaderThatStarts) {
+  const auto pool = hostile("silent");
+  const FileURL url = drawn();
+  std::thread waiting([&] { EXPECT_TRUE(read(*pool, url).isNull()); });
+  std::this_thread::sleep_for(milliseconds(50));
+  pool->end();
+  waiting.join();
   EXPECT_EQ(pool->running(), 0u);
 }
 
