@@ -1,10 +1,14 @@
 #include "foundation/UserDefaults.h"
 
 #include <QtCore/QJsonDocument>
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <limits>
+#include <map>
+#include <mutex>
+#include <utility>
 
 #include "foundation/FileCopy.h"
 #include "foundation/FileStatus.h"
@@ -56,15 +60,81 @@ void repair(const FileURL& asked) {
   writeObject(file, settingsIn(text));
 }
 
+constexpr int kMostDoublings = 5;
+
 }  // namespace
 
-UserDefaults::UserDefaults(const QString& filePath) : file_(FileURL::fromPath(filePath)) {
-  removeUnfinished(file_);
-  repair(file_);
-  // One that an earlier version or a person made may be open to others.
-  std::error_code ignored;
-  std::filesystem::permissions(filePath.toStdString(), ownerAlone(), ignored);
-  values_ = readObject(file_).value_or(QJsonObject());
+/// The file, and what is to be changed in it. Any thread.
+class UserDefaults::File {
+ public:
+  explicit File(const QString& path) : url_(FileURL::fromPath(path)) {}
+
+  QJsonObject open() const {
+    removeUnfinished(url_);
+    repair(url_);
+    // One that an earlier version or a person made may be open to others.
+    std::error_code ignored;
+    std::filesystem::permissions(url_.path(), ownerAlone(), ignored);
+    return readObject(url_).value_or(QJsonObject());
+  }
+
+  /// An undefined value removes its key. `all` is what stands in the file then where it cannot be read.
+  void change(const QString& key, const QJsonValue& value, const QJsonObject& all) {
+    const std::lock_guard lock(mutex_);
+    unwritten_[key] = value;
+    all_ = all;
+  }
+  bool isWritten() const {
+    const std::lock_guard lock(mutex_);
+    return unwritten_.empty();
+  }
+  /// As it was written or read last, with what is still to be written.
+  QJsonObject values() const {
+    const std::lock_guard lock(mutex_);
+    return all_;
+  }
+
+  /// All changes of this moment; one write at a time.
+  bool write() {
+    const std::lock_guard order(writing_);
+    std::unique_lock lock(mutex_);
+    const Changes changes = unwritten_;
+    if (changes.empty()) return true;
+    QJsonObject known = all_;
+    lock.unlock();
+    const auto present = readObject(url_);
+    const QJsonObject wanted = with(changes, present.value_or(std::move(known)));
+    // What stands there already needs no disk to be waited for.
+    const bool isWritten = present == wanted || writeObject(url_, wanted);
+    lock.lock();
+    if (isWritten) std::erase_if(unwritten_, [&](const auto& change) { return isSame(changes, change); });
+    all_ = with(unwritten_, wanted);
+    return isWritten;
+  }
+
+ private:
+  using Changes = std::map<QString, QJsonValue>;
+  static QJsonObject with(const Changes& changes, QJsonObject values) {
+    for (const auto& [key, value] : changes) values[key] = value;
+    return values;
+  }
+  static bool isSame(const Changes& written, const Changes::value_type& change) {
+    const auto one = written.find(change.first);
+    return one != written.end() && one->second == change.second;
+  }
+
+  const FileURL url_;
+  std::mutex writing_;
+  mutable std::mutex mutex_;
+  Changes unwritten_;
+  QJsonObject all_;
+};
+
+UserDefaults::UserDefaults(const QString& filePath) : file_(std::make_shared<File>(filePath)), values_(file_->open()) {}
+
+UserDefaults::~UserDefaults() {
+  if (retry_) executor_->cancelDelay(*retry_);
+  if (disk_) file_->write();
 }
 
 std::optional<bool> UserDefaults::boolean(const QString& key) const {
@@ -94,34 +164,69 @@ std::optional<QByteArray> UserDefaults::data(const QString& key) const {
   return *decoded;
 }
 
-bool UserDefaults::set(const QString& key, bool value) {
-  return write(key, value);
+void UserDefaults::set(const QString& key, bool value) {
+  change(key, value);
 }
-bool UserDefaults::set(const QString& key, int value) {
-  return write(key, value);
+void UserDefaults::set(const QString& key, int value) {
+  change(key, value);
 }
-bool UserDefaults::set(const QString& key, const QString& value) {
-  return write(key, value);
+void UserDefaults::set(const QString& key, const QString& value) {
+  change(key, value);
 }
-bool UserDefaults::set(const QString& key, const QByteArray& value) {
-  return write(key, QString::fromLatin1(value.toBase64()));
+void UserDefaults::set(const QString& key, const QByteArray& value) {
+  change(key, QString::fromLatin1(value.toBase64()));
 }
-
 void UserDefaults::remove(const QString& key) {
-  write(key, QJsonValue::Undefined);
+  change(key, QJsonValue::Undefined);
 }
 
-/// What another program has changed in the file meanwhile is kept.
-bool UserDefaults::write(const QString& key, const QJsonValue& value) {
-  unwritten_[key] = value;
-  const auto present = readObject(file_);
-  if (present) values_ = *present;
-  // An undefined value removes its key.
-  for (const auto& [name, change] : unwritten_) values_[name] = change;
-  // What stands there already needs no disk to be waited for.
-  if (present != values_ && !writeObject(file_, values_)) return false;
-  unwritten_ = {};
-  return true;
+void UserDefaults::change(const QString& key, const QJsonValue& value) {
+  values_[key] = value;
+  file_->change(key, value, values_);
+  if (disk_) {
+    writeSoon();
+  } else {
+    write();
+  }
+}
+
+bool UserDefaults::write() {
+  const bool isWritten = file_->write();
+  values_ = file_->values();
+  return isWritten;
+}
+
+// --- In the background ---
+
+void UserDefaults::writeInBackground(Executor& executor, Executor& disk) {
+  executor_ = &executor;
+  disk_ = &disk;
+}
+
+/// What is set while one is being written is written after it.
+void UserDefaults::writeSoon() {
+  if (retry_) executor_->cancelDelay(*std::exchange(retry_, std::nullopt));
+  if (std::exchange(isWriting_, true)) return;
+  const auto isWritten = std::make_shared<bool>(false);
+  disk_->runInBackground([file = file_, isWritten] { *isWritten = file->write(); },
+                         [self = lifetime_.weak(this), isWritten] {
+                           if (self) self->writeEnded(*isWritten);
+                         });
+}
+
+void UserDefaults::writeEnded(bool isWritten) {
+  isWriting_ = false;
+  values_ = file_->values();
+  if (isWritten) {
+    failures_ = 0;
+    if (!file_->isWritten()) writeSoon();
+    return;
+  }
+  const Duration pause = std::chrono::seconds(1 << std::min(failures_++, kMostDoublings));
+  retry_ = executor_->startDelay(pause, [this](bool isOver) {
+    retry_.reset();
+    if (isOver) writeSoon();
+  });
 }
 
 }  // namespace quillmere

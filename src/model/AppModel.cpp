@@ -33,6 +33,7 @@ AppModel::AppModel(AppModelDependencies dependencies)
 }
 
 AppModel::~AppModel() {
+  saver_.saveLast();
   locationCheckTask_.cancel();
   itemAccessTask_.cancel();
   // The monitor outlives the model and must not call it any more.

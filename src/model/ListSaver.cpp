@@ -67,8 +67,21 @@ void ListSaver::begin() {
     isSlow_ = true;
     tell();
   });
+  const auto job = newJob();
+  write(job, [job, writer = writer_, self = lifetime_.weak(this)] {
+    job->records = {};
+    writer->forgetPrevious();
+    if (self) self->end(job->isSaved);
+  });
+}
+
+std::shared_ptr<ListSaver::Job> ListSaver::newJob() const {
   const auto job = std::make_shared<Job>(Job{items_.snapshot()});
   if (const auto since = services_.awaitedSince()) job->records.dateBack(*since);
+  return job;
+}
+
+void ListSaver::write(const std::shared_ptr<Job>& job, std::function<void()> done) {
   services_.disk->runInBackground(
       [job, writer = writer_, prepare = services_.prepare, file = services_.file] {
         // After a power cut the list may be older than the files, never newer: a file that the list tells gone would
@@ -76,11 +89,13 @@ void ListSaver::begin() {
         prepare();
         job->isSaved = writer->save(job->records, file);
       },
-      [job, writer = writer_, self = lifetime_.weak(this)] {
-        job->records = {};
-        writer->forgetPrevious();
-        if (self) self->end(job->isSaved);
-      });
+      std::move(done));
+}
+
+void ListSaver::saveLast() {
+  if (isWanted_ || pause_) write(newJob(), [] {});
+  cancelPause();
+  isWanted_ = false;
 }
 
 void ListSaver::end(bool isSaved) {

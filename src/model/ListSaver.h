@@ -36,6 +36,9 @@ class ListSaver {
   /// All of them outlive this, and the services its last save.
   ListSaver(Services services, const ScreenshotList& items);
   ~ListSaver();
+  /// What was asked for and has not begun is saved all the same, and nobody hears of it: the end of the program waits
+  /// for the disk.
+  void saveLast();
 
   /// At once, or right after the save that runs.
   void save();
@@ -72,6 +75,8 @@ class ListSaver {
     SaveOutcome* outcome;
     std::optional<Executor::DelayID> limit;
   };
+  std::shared_ptr<Job> newJob() const;
+  void write(const std::shared_ptr<Job>& job, std::function<void()> done);
   void begin();
   void end(bool isSaved);
   void pauseFor(Duration pause, Cause cause);

@@ -6,7 +6,9 @@
 #include <QtCore/QJsonObject>
 #include <filesystem>
 #include <limits>
+#include <memory>
 
+#include "foundation/ManualExecutor.h"
 #include "support/Files.h"
 #include "support/Printing.h"
 #include "support/TemporaryFolder.h"
@@ -206,20 +208,25 @@ TEST_F(UserDefaultsTest, APipeInThePlaceOfTheFileDoesNotHoldTheStart) {
   ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
   UserDefaults defaults = open();
   EXPECT_EQ(defaults.boolean(key), std::nullopt);
-  EXPECT_TRUE(defaults.set(key, true));
+  defaults.set(key, true);
+  EXPECT_TRUE(defaults.write());
   EXPECT_EQ(json()[key], true);
 }
 
 TEST_F(UserDefaultsTest, AWriteAnswersWhetherItIsOnTheDisk) {
   UserDefaults defaults = open();
-  EXPECT_TRUE(defaults.set(key, true));
-  EXPECT_TRUE(defaults.set(key, QByteArray("data")));
+  defaults.set(key, true);
+  EXPECT_TRUE(defaults.write());
+  defaults.set(key, QByteArray("data"));
+  EXPECT_TRUE(defaults.write());
   std::filesystem::remove(file.path());
   // A folder stands where the file should be written: refused to everyone.
   std::filesystem::create_directory(file.path());
-  EXPECT_FALSE(defaults.set(key, 7));
+  defaults.set(key, 7);
+  EXPECT_FALSE(defaults.write());
   std::filesystem::remove(file.path());
-  EXPECT_TRUE(defaults.set(key, 8)) << "it can be written again";
+  defaults.set(key, 8);
+  EXPECT_TRUE(defaults.write()) << "it can be written again";
   EXPECT_EQ(json()[key], 8);
 }
 
@@ -251,12 +258,14 @@ TEST_F(UserDefaultsTest, WhatCouldNotBeWrittenIsWrittenWithTheNext) {
   const std::string before = testing::readBytes(file);
   std::filesystem::remove(file.path());
   std::filesystem::create_directory(file.path());
-  EXPECT_FALSE(defaults.set(key, 7));
+  defaults.set(key, 7);
+  EXPECT_FALSE(defaults.write());
   defaults.remove(removed);
   EXPECT_EQ(defaults.integer(key), 7);
   std::filesystem::remove(file.path());
   write(before);
-  EXPECT_TRUE(defaults.set(other, 8));
+  defaults.set(other, 8);
+  EXPECT_TRUE(defaults.write());
   EXPECT_EQ(json(), (QJsonObject{{key, 7}, {other, 8}}));
 }
 
@@ -265,9 +274,11 @@ TEST_F(UserDefaultsTest, WhatStandsThereAlreadyIsNotWrittenAgain) {
   defaults.set(key, 5);
   const FileURL other = folder.file("another name of the same file");
   std::filesystem::create_hard_link(file.path(), other.path());
-  EXPECT_TRUE(defaults.set(key, 5));
+  defaults.set(key, 5);
+  EXPECT_TRUE(defaults.write());
   EXPECT_TRUE(std::filesystem::equivalent(file.path(), other.path()));
-  EXPECT_TRUE(defaults.set(key, 6));
+  defaults.set(key, 6);
+  EXPECT_TRUE(defaults.write());
   EXPECT_FALSE(std::filesystem::equivalent(file.path(), other.path()));
 }
 
@@ -277,6 +288,100 @@ TEST_F(UserDefaultsTest, WhatAnotherProgramHasWrittenIsKept) {
   write(R"({"quillmere.theirs":6})");
   defaults.set(QStringLiteral("quillmere.ours"), 7);
   EXPECT_EQ(json(), (QJsonObject{{QStringLiteral("quillmere.theirs"), 6}, {QStringLiteral("quillmere.ours"), 7}}));
+}
+
+// --- In the background ---
+
+class WritingSettings : public UserDefaultsTest {
+ protected:
+  WritingSettings() {
+    disk.holdBackground();
+    defaults->writeInBackground(time, disk);
+  }
+  void refuseWrites() const {
+    std::filesystem::remove(file.path());
+    std::filesystem::create_directory(file.path());
+  }
+
+  ManualExecutor time;
+  ManualExecutor disk;
+  std::unique_ptr<UserDefaults> defaults = std::make_unique<UserDefaults>(file.displayPath());
+  const QString other = QStringLiteral("quillmere.other");
+};
+
+TEST_F(WritingSettings, NobodyWaitsForTheDisk) {
+  defaults->set(key, 5);
+  EXPECT_EQ(defaults->integer(key), 5);
+  EXPECT_FALSE(std::filesystem::exists(file.path()));
+  disk.runHeldBackground();
+  EXPECT_EQ(json()[key], 5);
+}
+
+TEST_F(WritingSettings, WhatIsSetMeanwhileIsWrittenTogetherAfterIt) {
+  defaults->set(key, 5);
+  defaults->set(key, 6);
+  defaults->set(other, 7);
+  EXPECT_EQ(disk.heldBackground(), 1u);
+  disk.runHeldBackground();
+  EXPECT_EQ(json(), (QJsonObject{{key, 6}, {other, 7}}));
+  defaults->set(key, 8);
+  disk.runHeldBackground();
+  EXPECT_EQ(json()[key], 8);
+  EXPECT_EQ(defaults->integer(other), 7);
+}
+
+TEST_F(WritingSettings, WhatFailsIsTriedAgainWithGrowingPauses) {
+  refuseWrites();
+  defaults->set(key, 5);
+  disk.runHeldBackground();
+  for (const int seconds : {1, 2, 4, 8, 16, 32, 32}) {
+    EXPECT_EQ(time.nextDelay(), std::chrono::seconds(seconds));
+    time.advance(std::chrono::seconds(seconds));
+    disk.runHeldBackground();
+  }
+  EXPECT_EQ(defaults->integer(key), 5);
+  std::filesystem::remove(file.path());
+  time.advance(std::chrono::seconds(32));
+  disk.runHeldBackground();
+  EXPECT_EQ(json()[key], 5);
+  EXPECT_EQ(time.pendingDelays(), 0u);
+}
+
+TEST_F(WritingSettings, AnotherSettingDoesNotWaitForThePause) {
+  refuseWrites();
+  defaults->set(key, 5);
+  disk.runHeldBackground();
+  std::filesystem::remove(file.path());
+  defaults->set(other, 6);
+  disk.runHeldBackground();
+  EXPECT_EQ(json(), (QJsonObject{{key, 5}, {other, 6}}));
+  EXPECT_EQ(time.pendingDelays(), 0u);
+}
+
+TEST_F(WritingSettings, WhoeverMustKnowWaits) {
+  defaults->set(key, 5);
+  EXPECT_TRUE(defaults->write());
+  EXPECT_EQ(json()[key], 5);
+  defaults->remove(key);
+  EXPECT_TRUE(defaults->write());
+  disk.runHeldBackground();
+  EXPECT_TRUE(json().isEmpty()) << "a write that was asked for earlier brings nothing back";
+}
+
+TEST_F(WritingSettings, TheEndWritesTheRest) {
+  defaults->set(key, 5);
+  defaults.reset();
+  EXPECT_EQ(json()[key], 5);
+  disk.runHeldBackground();
+  EXPECT_EQ(json()[key], 5);
+}
+
+TEST_F(WritingSettings, WhatAnotherProgramWroteMeanwhileIsKeptAndRead) {
+  defaults->set(key, 5);
+  write(R"({"quillmere.theirs":6})");
+  disk.runHeldBackground();
+  EXPECT_EQ(json(), (QJsonObject{{QStringLiteral("quillmere.theirs"), 6}, {key, 5}}));
+  EXPECT_EQ(defaults->integer(QStringLiteral("quillmere.theirs")), 6);
 }
 
 }  // namespace

@@ -300,5 +300,36 @@ TEST_F(ListSaverTest, WhatRunsIsBroughtToItsEndWithoutTheSaver) {
   EXPECT_THAT(outcomes, IsEmpty());
 }
 
+TEST_F(ListSaverTest, WhatHasNotBegunIsSavedAtTheEndAllTheSame) {
+  add();
+  saver->save();
+  add();
+  saver->save();
+  saver->saveLast();
+  saver.reset();
+  EXPECT_EQ(executor.pendingDelays(), 0u);
+  disk.drain();
+  EXPECT_EQ(savedCount(), 2u);
+  EXPECT_THAT(ends, IsEmpty());
+}
+
+TEST_F(ListSaverTest, WhatWaitsForAPauseIsSavedAtTheEndAtOnce) {
+  add();
+  saver->saveWithin(seconds(5));
+  saver->saveLast();
+  saver.reset();
+  disk.drain();
+  EXPECT_EQ(savedCount(), 1u);
+}
+
+TEST_F(ListSaverTest, NothingIsSavedAtTheEndThatIsOnItsWay) {
+  add();
+  saver->save();
+  saver->saveLast();
+  saver.reset();
+  disk.drain();
+  EXPECT_EQ(flushedWith.size(), 1u);
+}
+
 }  // namespace
 }  // namespace quillmere::testing

@@ -1,9 +1,11 @@
 #include "platform/linux/LiveServices.h"
 
+#include <unistd.h>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QStandardPaths>
+#include <cstdlib>
 #include <utility>
 
 #include "foundation/FileStatus.h"
@@ -88,13 +90,19 @@ LiveServices::LiveServices(const ApplicationPaths& paths)
                     &systemNow),
       analyzer(executor, languageModel, pictures, &CloudFiles::isDataless),
       monitor(executor, systemEvents, folderEvents, scanServices(), &systemNow),
-      loginItems(liveLoginItem(QDBusConnection::sessionBus(), defaults)) {}
+      loginItems(liveLoginItem(QDBusConnection::sessionBus(), defaults)) {
+  defaults.writeInBackground(executor, disk);
+}
 
+/// What a disk holds for longer goes with the process, as in a crash: the next start finds the run interrupted.
 LiveServices::~LiveServices() {
+  constexpr auto kLongestEnd = std::chrono::seconds(30);
   pictures->end();
   // What touches files may leave the other something to do.
-  disk.finishBackground();
-  executor.finishBackground();
+  const QDeadlineTimer end(kLongestEnd);
+  if (disk.finishBackground(end) && executor.finishBackground(end)) return;
+  qWarning("A disk does not answer; Quillmere ends without it");
+  ::_exit(EXIT_FAILURE);
 }
 
 ScanServices LiveServices::scanServices() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtCore/QDeadlineTimer>
 #include <QtCore/QObject>
 #include <QtCore/QThreadPool>
 #include <deque>
@@ -26,8 +27,11 @@ class QtExecutor final : public Executor {
   void cancelDelay(DelayID delay) override;
   void runInBackground(std::function<void()> work, std::function<void()> done) override;
   Instant instant() const override;
-  /// Waits for what runs in the background, which uses what others own. Nothing is to begin any more.
-  void finishBackground() { pool_.waitForDone(); }
+  /// Waits for what runs in the background, which uses what others own, and answers whether it is over. Nothing is to
+  /// begin any more.
+  bool finishBackground(QDeadlineTimer longest = QDeadlineTimer::Forever) {
+    return pool_.waitForDone(static_cast<int>(longest.remainingTime()));
+  }
 
  private:
   void arm();

@@ -178,7 +178,8 @@ std::optional<QByteArray> LiveWatchFolderStore::bookmark() {
 
 bool LiveWatchFolderStore::setBookmark(const QByteArray& bookmark) {
   const auto before = defaults_.data(kBookmarkKey);
-  if (defaults_.set(kBookmarkKey, bookmark)) {
+  defaults_.set(kBookmarkKey, bookmark);
+  if (defaults_.write()) {
     expectMount(bookmark);
     return true;
   }

@@ -16,7 +16,7 @@ class ReaderLane {
   /// `task` is what its readers are told to be.
   ReaderLane(std::string program, const char* task, int most, ReaderProcess::Patience patience);
 
-  /// A reader for one request, waited for. Null where none can be started, and once it has ended.
+  /// A reader for one request, waited for. Null where none runs nor can be started, and once it has ended.
   std::shared_ptr<ReaderProcess> take();
   /// One that answered; another takes it.
   void giveBack(const std::shared_ptr<ReaderProcess>& process);
@@ -35,6 +35,9 @@ class ReaderLane {
   bool isWithoutReader() const;
 
  private:
+  /// Waited for without the lock.
+  std::shared_ptr<ReaderProcess> start(std::unique_lock<std::mutex>& lock);
+
   const std::string program_;
   const char* task_;
   const size_t most_;

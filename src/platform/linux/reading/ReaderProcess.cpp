@@ -11,6 +11,7 @@
 #include <array>
 #include <cerrno>
 #include <condition_variable>
+#include <fstream>
 #include <new>
 #include <thread>
 #include <utility>
@@ -29,6 +30,8 @@ using std::chrono::milliseconds;
 
 /// How often a wish to stop is looked for.
 constexpr milliseconds kLook(20);
+/// How often a silent reader is looked at.
+constexpr milliseconds kSilence(500);
 
 Signals* newSignals(const Descriptor& memory) {
   if (!memory || ::ftruncate(memory.number(), sizeof(Signals)) != 0) return nullptr;
@@ -117,6 +120,17 @@ class ReaderProcess::Child {
     const std::lock_guard lock(mutex_);
     return process_;
   }
+  /// Somebody has halted it, and may never let it go on.
+  bool isHalted() const {
+    const std::lock_guard lock(mutex_);
+    if (process_ <= 0) return false;
+    std::ifstream file("/proc/" + std::to_string(process_) + "/stat");
+    std::string line;
+    std::getline(file, line);
+    // Behind the program's name, which may have any letter in it.
+    const size_t name = line.rfind(')');
+    return name != std::string::npos && name + 2 < line.size() && (line[name + 2] == 'T' || line[name + 2] == 't');
+  }
 
  private:
   void setStarted(pid_t process) {
@@ -197,6 +211,8 @@ ReaderProcess::Outcome ReaderProcess::ask(const Request& request, int file, Pict
         return {End::outlived};
       case Wait::stopped:
         return {End::stopped};
+      case Wait::halted:
+        return {End::gone};
     }
     Descriptor passed;
     // A reader that ends has nothing more to say; one that says anything else than what it should, lies.
@@ -216,9 +232,11 @@ ReaderProcess::Outcome ReaderProcess::ask(const Request& request, int file, Pict
   }
 }
 
-/// Looks now and then whether anybody still waits. One that is told to stop has a while to do so, and stays of use.
+/// Looks now and then whether anybody still waits. One that is told to stop has a while to do so, and stays of use. One
+/// that was halted is of none.
 ReaderProcess::Wait ReaderProcess::wait(milliseconds atMost, const std::atomic<bool>* isStopped) {
   auto end = Clock::now() + atMost;
+  auto look = Clock::now() + kSilence;
   bool isTold = false;
   while (true) {
     if (isStopped && !isTold && *isStopped) {
@@ -230,7 +248,11 @@ ReaderProcess::Wait ReaderProcess::wait(milliseconds atMost, const std::atomic<b
     const int count = ::poll(&socket, 1, static_cast<int>(std::min(left(end), isTold ? atMost : kLook).count()));
     if (count > 0) return Wait::ready;
     if (count < 0 && errno != EINTR) return Wait::late;
-    if (Clock::now() >= end) return isTold ? Wait::stopped : Wait::late;
+    const auto now = Clock::now();
+    if (now >= end) return isTold ? Wait::stopped : Wait::late;
+    if (now < look) continue;
+    if (child_->isHalted()) return Wait::halted;
+    look = now + kSilence;
   }
 }
 

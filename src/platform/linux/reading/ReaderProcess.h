@@ -32,7 +32,7 @@ class ReaderProcess {
 
   enum class End {
     answered,
-    gone,  ///< it ended before it looked at the picture
+    gone,  ///< it ended before it looked at the picture, or somebody halted it
     died,
     outlived,  ///< it took longer than anybody waits
     lied,      ///< what came back was no answer
@@ -56,7 +56,7 @@ class ReaderProcess {
  private:
   class Child;
   ReaderProcess(PacketSocket socket, ReaderMessages::Signals* signals, std::shared_ptr<Child> child, Patience patience);
-  enum class Wait { ready, late, stopped };
+  enum class Wait { ready, late, stopped, halted };
   Wait wait(std::chrono::milliseconds atMost, const std::atomic<bool>* isStopped);
 
   PacketSocket socket_;

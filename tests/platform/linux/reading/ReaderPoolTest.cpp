@@ -5,6 +5,7 @@
 #include <QtGui/QPainter>
 #include <array>
 #include <cstdlib>
+#include <filesystem>
 #include <thread>
 #include <vector>
 
@@ -240,6 +241,32 @@ TEST_F(ReaderPoolTest, DoesNotWaitForEverForAFile) {
   ReaderProcess::Patience patience;
   patience.file = milliseconds(1);
   EXPECT_TRUE(read(*hostile("hangs-before", patience), drawn()).isNull());
+}
+
+TEST_F(ReaderPoolTest, AsksAnotherWhenAReaderIsHalted) {
+  for (const char* kind : {"is-halted-once", "is-halted-at-work-once"}) {
+    const auto pool = hostile(kind);
+    ::setenv("QUILLMERE_HOSTILE_MARK", home.file(kind).c_str(), 1);
+    EXPECT_EQ(read(*pool, drawn()).size(), QSize(40, 30)) << kind;
+    EXPECT_EQ(pool->running(), 1u) << kind;
+  }
+}
+
+TEST_F(ReaderPoolTest, WhereNoMoreCanBeStartedThoseThatRunHaveToDo) {
+  const FileURL program = home.file("reader");
+  std::filesystem::copy_file(QUILLMERE_READER, program.path());
+  const auto pool = std::make_shared<ReaderPool>(executor, program.path());
+  const FileURL url = drawn();
+  EXPECT_FALSE(read(*pool, url).isNull());
+  std::filesystem::remove(program.path());
+  std::vector<std::thread> threads;
+  std::atomic<int> whole = 0;
+  for (int i = 0; i < 6; ++i) {
+    threads.emplace_back([&] { whole += pool->failureOf(url) == std::nullopt && !read(*pool, url).isNull(); });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(whole, 6);
+  EXPECT_EQ(pool->running(), 1u);
 }
 
 TEST_F(ReaderPoolTest, TellsAReaderToStopAndKeepsIt) {

@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/mman.h>
 #include <unistd.h>
 #include <QtGui/QImage>
@@ -87,6 +88,14 @@ void answerAs(const std::string& kind, PacketSocket& socket) {
   } else if (kind == "hangs") {
     socket.send(begun());
     ::pause();
+  } else if (kind == "is-halted-once" || kind == "is-halted-at-work-once") {
+    const std::string mark = setting("QUILLMERE_HOSTILE_MARK");
+    if (::access(mark.c_str(), F_OK) != 0) {
+      ::close(::open(mark.c_str(), O_WRONLY | O_CREAT, 0600));
+      if (kind == "is-halted-at-work-once") socket.send(begun());
+      ::raise(SIGSTOP);
+    }
+    answerWell(socket);
   } else if (kind == "hangs-before") {
     ::pause();
   } else if (kind == "stops-when-told") {
