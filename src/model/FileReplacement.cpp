@@ -43,13 +43,15 @@ FileReplacement::FileReplacement(const AppModelDependencies& dependencies, const
     : dependencies_(dependencies),
       items_(items),
       records_(records),
-      journal_(dependencies.recordStore.fileURL.parent().appending("replacing.json")) {}
+      journal_(
+          std::make_shared<ReplacementJournal>(dependencies.recordStore.fileURL.parent().appending("replacing.json"))) {
+}
 
 Task<std::optional<QString>> FileReplacement::replace(UUID id, QImage image, QRectF rect, FileStamp readFrom) {
   return run(lifetime_.weak(this), id, std::move(image), rect, std::move(readFrom));
 }
 
-/// Encoding and writing take long and come first, in the background; the two renames that matter follow in one go.
+/// Encoding and writing take long and come first; nobody else has the file while the other takes its place.
 Task<std::optional<QString>> FileReplacement::run(Weak<FileReplacement> self, UUID id, QImage image, QRectF rect,
                                                   FileStamp readFrom) {
   const ScreenshotItem* item = self->items_.find(id);
@@ -77,76 +79,36 @@ Task<std::optional<QString>> FileReplacement::run(Weak<FileReplacement> self, UU
   }
   self->records_.unprotect(id);
   if (!temporary) co_return description(temporary.reason());
-  const auto reason = self->putInPlace(id, original, *temporary, readFrom);
-  if (reason) self->dependencies_.fileOperations->remove(*temporary);
+  const ExchangeJob job{id, original, *temporary, std::move(readFrom)};
+  const auto exchanging = exchange(self, job);
+  const auto reason = co_await exchanging;
   co_return reason;
 }
 
-/// Gives why it failed; the original is then where it was, unless it could not be taken back out of Trash.
-std::optional<QString> FileReplacement::putInPlace(const UUID& id, const FileURL& original, const FileURL& temporary,
-                                                   const FileStamp& readFrom) {
-  const ScreenshotItem* item = items_.find(id);
-  if (!item || item->url != original) return description(OperationError::unreadable);
-  // What was written meanwhile is not to be thrown away for a part of what stood there before; nor is a placeholder,
-  // with which the picture itself would go from the cloud.
-  if (fileStamp(original, dependencies_.fileIdentity) != readFrom || dependencies_.isDataless(original)) {
-    return description(OperationError::unreadable);
-  }
-  const auto status = fileStatus(temporary);
-  if (!status) return description(OperationError::encoding);
-
-  const Replacement note{id, original, temporary, status->inode};
-  std::vector<Replacement> begun = journal_.load();
-  begun.push_back(note);
-  if (!journal_.save(begun)) return description(OperationError::encoding);
-
-  FileOperations& files = *dependencies_.fileOperations;
-  TrashReport trashed;
-  std::optional<QString> reason;
-  const FileOutcome outcome = files.trash(original, trashed);
-  if (outcome == FileOutcome::missing) {
-    reason = description(OperationError::unreadable);
-  } else if (outcome != FileOutcome::done) {
-    reason = trashed.reason;
-  } else if (trashed.place && isAnother(*trashed.place, readFrom)) {
-    takeBack(id, original, *trashed.place);
-    reason = description(OperationError::unreadable);
-  } else if (QString refusal; files.move(temporary, original, refusal) != FileOutcome::done) {
-    if (trashed.place) takeBack(id, original, *trashed.place);
-    reason = refusal;
-  }
-  if (!reason) records_.fileWasReplaced(id);
-  // Otherwise the save of the list that tells of it has it flushed first.
-  if (reason) files.flush();
-  forget(lifetime_.weak(this), {note}).detach();
-  return reason;
-}
-
-/// Another program may have put a file of its own there after the last look at it. Where a disk tells no file from
-/// another, that look has to do.
-bool FileReplacement::isAnother(const FileURL& placeInTrash, const FileStamp& readFrom) const {
-  const FileStamp trashed = fileStamp(placeInTrash, dependencies_.fileIdentity);
-  return trashed.identity && readFrom.identity && trashed != readFrom;
-}
-
-/// Under a numbered name where another file has taken its own in that moment; the record goes with it.
-void FileReplacement::takeBack(const UUID& id, const FileURL& original, const FileURL& placeInTrash) {
-  constexpr int kMostNumber = 999;
-  const std::string extension = original.pathExtension();
-  FileURL target = original;
-  for (int number = 1; number <= kMostNumber; ++number) {
-    const FileOutcome outcome = dependencies_.fileOperations->restore(placeInTrash, target);
-    if (outcome == FileOutcome::done && target != original) records_.fileWasPutAt(id, target);
-    if (outcome != FileOutcome::destinationExists) return;
-    target = original.parent().appending(original.stem() + " (" + std::to_string(number) + ")" +
-                                         (extension.empty() ? "" : "." + extension));
-  }
+Task<std::optional<QString>> FileReplacement::exchange(Weak<FileReplacement> self, ExchangeJob job) {
+  const ScreenshotItem* item = self->items_.find(job.id);
+  const bool isStillThere = item && item->url == job.original;
+  const std::function<ExchangeReport()> work = [job, isStillThere, journal = self->journal_,
+                                                services = FileServices::of(self->dependencies_)] {
+    if (isStillThere) return exchangeFile(job, services, *journal);
+    services.operations->remove(job.temporary);
+    return ExchangeReport{.reason = description(OperationError::unreadable)};
+  };
+  auto working = self->dependencies_.executor->background(work);
+  const ExchangeReport report = co_await working;
+  // Otherwise the next start finds the note.
+  if (!self) co_return report.reason;
+  const bool isKnown = self->items_.find(job.id) != nullptr;
+  if (isKnown && !report.reason) self->records_.fileWasReplaced(job.id);
+  if (isKnown && report.putAt) self->records_.fileWasPutAt(job.id, *report.putAt);
+  if (report.noted) forget(self, {*report.noted}).detach();
+  co_return report.reason;
 }
 
 void FileReplacement::finishBegun(const std::optional<FileURL>& watchFolder) {
   std::vector<Replacement> left;
   std::vector<Replacement> over;
-  for (const Replacement& one : journal_.load()) (finish(one) ? over : left).push_back(one);
+  for (const Replacement& one : journal_->load()) (finish(one) ? over : left).push_back(one);
   dependencies_.fileOperations->flush();
   forget(lifetime_.weak(this), std::move(over)).detach();
   // Records have their files in other folders, too.
@@ -161,9 +123,7 @@ Task<> FileReplacement::forget(Weak<FileReplacement> self, std::vector<Replaceme
   const auto saving = self->records_.whenReplacedIsSaved();
   const bool isSaved = co_await saving;
   if (!isSaved || !self) co_return;
-  std::vector<Replacement> left = self->journal_.load();
-  std::erase_if(left, [&](const Replacement& one) { return std::find(over.begin(), over.end(), one) != over.end(); });
-  self->journal_.save(left);
+  self->dependencies_.executor->runInBackground([journal = self->journal_, over] { journal->remove(over); }, [] {});
 }
 
 /// False where that cannot be done yet.

@@ -2,12 +2,14 @@
 
 #include <QtCore/QRectF>
 #include <QtGui/QImage>
+#include <memory>
 #include <optional>
 #include <set>
 #include <vector>
 
 #include "foundation/Weak.h"
 #include "model/AppModelDependencies.h"
+#include "model/FileExchange.h"
 #include "model/FileStamp.h"
 #include "model/FileWorker.h"
 #include "records/ReplacementJournal.h"
@@ -51,17 +53,14 @@ class FileReplacement {
   static Task<std::optional<QString>> run(Weak<FileReplacement> self, UUID id, QImage image, QRectF rect,
                                           FileStamp readFrom);
   static Task<> sweep(Executor& executor, std::set<FileURL> folders, std::vector<Replacement> awaited);
-  std::optional<QString> putInPlace(const UUID& id, const FileURL& original, const FileURL& temporary,
-                                    const FileStamp& readFrom);
-  bool isAnother(const FileURL& placeInTrash, const FileStamp& readFrom) const;
-  void takeBack(const UUID& id, const FileURL& original, const FileURL& placeInTrash);
+  static Task<std::optional<QString>> exchange(Weak<FileReplacement> self, ExchangeJob job);
   bool finish(const Replacement& one);
   static Task<> forget(Weak<FileReplacement> self, std::vector<Replacement> over);
 
   const AppModelDependencies& dependencies_;
   const ScreenshotList& items_;
   ReplacedRecords& records_;
-  ReplacementJournal journal_;
+  const std::shared_ptr<ReplacementJournal> journal_;
   Task<> sweep_;
   Lifetime lifetime_;
 };

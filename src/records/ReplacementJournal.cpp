@@ -1,6 +1,7 @@
 #include "records/ReplacementJournal.h"
 
 #include <QtCore/QJsonObject>
+#include <algorithm>
 
 namespace quillmere {
 
@@ -17,6 +18,22 @@ std::vector<Replacement> ReplacementJournal::load() const {
     if (id && original && temporary) result.push_back({*id, *original, *temporary, file});
   }
   return result;
+}
+
+bool ReplacementJournal::add(const Replacement& replacement) {
+  const std::lock_guard lock(changing_);
+  std::vector<Replacement> all = load();
+  all.push_back(replacement);
+  return save(all);
+}
+
+bool ReplacementJournal::remove(const std::vector<Replacement>& replacements) {
+  const std::lock_guard lock(changing_);
+  std::vector<Replacement> left = load();
+  std::erase_if(left, [&](const Replacement& one) {
+    return std::find(replacements.begin(), replacements.end(), one) != replacements.end();
+  });
+  return save(left);
 }
 
 bool ReplacementJournal::save(const std::vector<Replacement>& replacements) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mutex>
 #include <vector>
 
 #include "foundation/FileURL.h"
@@ -18,18 +19,21 @@ struct Replacement {
 };
 
 /// Replacements that have begun, kept on disk: between the original's leaving and the new file's coming nothing stands
-/// in the place, and a run that ends there leaves it to the next to bring the new file.
+/// in the place, and a run that ends there leaves it to the next to bring the new file. Any thread.
 class ReplacementJournal {
  public:
   explicit ReplacementJournal(FileURL file) : file_(std::move(file)) {}
 
   /// None where there is no journal or it cannot be read.
   std::vector<Replacement> load() const;
-  /// Flushed before it returns. Answers whether it is certain to be there after a power cut.
+  /// Flushed before they return. Answer whether that is certain to be there after a power cut.
   bool save(const std::vector<Replacement>& replacements) const;
+  bool add(const Replacement& replacement);
+  bool remove(const std::vector<Replacement>& replacements);
 
  private:
   JournalFile file_;
+  std::mutex changing_;
 };
 
 }  // namespace quillmere

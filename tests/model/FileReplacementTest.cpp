@@ -112,6 +112,7 @@ TEST_F(FileReplacementTest, TheJournalIsThereUntilTheListThatTellsOfItIsSaved) {
   EXPECT_EQ(replace(), std::nullopt) << "the crop stands in its place; nobody waits for the list";
   EXPECT_THAT(ReplacementJournal(journal()).load(), SizeIs(1));
   records.disk.runHeldBackground();
+  executor.drain();
   EXPECT_FALSE(fileExists(journal()));
 }
 
@@ -132,10 +133,9 @@ TEST_F(FileReplacementTest, ANoteIsForgottenAlone) {
   records.disk.holdBackground();
   EXPECT_EQ(replace(), std::nullopt);
   const Replacement other{uuid(9), shots.appending("other.png"), shots.appending("crop.png"), 9};
-  auto both = ReplacementJournal(journal()).load();
-  both.push_back(other);
-  ReplacementJournal(journal()).save(both);
+  ReplacementJournal(journal()).add(other);
   records.disk.runHeldBackground();
+  executor.drain();
   EXPECT_THAT(ReplacementJournal(journal()).load(), ElementsAre(other));
 }
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <filesystem>
+#include <thread>
 
 #include "foundation/FileStatus.h"
 #include "support/Files.h"
@@ -39,6 +40,27 @@ TEST_F(ReplacementJournalTest, WithoutStandardInputItIsSavedAsEver) {
   const std::vector<Replacement> saved{replacement(1, "a.png")};
   EXPECT_TRUE(journal.save(saved));
   EXPECT_EQ(journal.load(), saved);
+}
+
+TEST_F(ReplacementJournalTest, OneComesAndGoesBesideTheOthers) {
+  ReplacementJournal changing{file};
+  const Replacement one = replacement(1, "a.png");
+  const Replacement other = replacement(2, "b.png");
+  EXPECT_TRUE(changing.add(one));
+  EXPECT_TRUE(changing.add(other));
+  EXPECT_EQ(journal.load(), (std::vector{one, other}));
+  EXPECT_TRUE(changing.remove({one}));
+  EXPECT_EQ(journal.load(), std::vector{other});
+}
+
+TEST_F(ReplacementJournalTest, NothingIsLostWhereSeveralThreadsChangeIt) {
+  ReplacementJournal changing{file};
+  std::vector<std::thread> threads;
+  for (int number = 0; number < 8; ++number) {
+    threads.emplace_back([&, number] { EXPECT_TRUE(changing.add(replacement(number, "a.png"))); });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(journal.load().size(), threads.size());
 }
 
 TEST_F(ReplacementJournalTest, NoneLeavesNoFile) {
