@@ -39,6 +39,7 @@ AppModel::~AppModel() {
   // The monitor outlives the model and must not call it any more.
   dependencies_.monitor->onScreenshot = nullptr;
   dependencies_.monitor->onArrivedScreenshot = nullptr;
+  dependencies_.monitor->onNewcomer = nullptr;
   dependencies_.monitor->onRemoval = nullptr;
   dependencies_.monitor->onStatusChange = nullptr;
   if (hotKeyToken_) dependencies_.hotKeys->unregister(*hotKeyToken_);
@@ -49,6 +50,9 @@ void AppModel::wireMonitor() {
   ScreenshotMonitoring& monitor = *dependencies_.monitor;
   monitor.onScreenshot = [this](const FileURL& url) { record(url, Origin::capturedHere); };
   monitor.onArrivedScreenshot = [this](const FileURL& url) { record(url, Origin::elsewhere); };
+  monitor.onNewcomer = [this](const FileURL& url) {
+    if (!isRecovering_ && prompts_.queue->empty()) dependencies_.promptPresenter->expect(url, *this);
+  };
   monitor.onRemoval = [this](const std::vector<FileURL>& urls) { handleRemoval(urls); };
   monitor.onStatusChange = [this](WatcherStatus status) { handleStatus(status); };
 }

@@ -93,6 +93,8 @@ class CapturePromptPresenting {
   virtual ~CapturePromptPresenting() = default;
   virtual void present(const ScreenshotItem& item, AppModel& model) = 0;
   virtual void hide() = 0;
+  /// This file may be presented in a moment: what its popup takes can be made ready.
+  virtual void expect(const FileURL& url, AppModel& model) = 0;
   /// Gives the popup the keyboard.
   virtual void focusForReview() = 0;
   /// The pointer is on the popup, or it has the keyboard.

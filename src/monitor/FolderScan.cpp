@@ -178,6 +178,19 @@ std::vector<FileURL> absent(const Table& table, const URLSet& current) {
   return result;
 }
 
+/// Of many nobody knows which comes first.
+std::optional<FileURL> loneNewcomer(const Snapshot& snapshot, const std::vector<Observation>& observations) {
+  const FileURL* newcomer = nullptr;
+  for (const Observation& seen : observations) {
+    const bool isNew = seen.fingerprint && !snapshot.pending.contains(seen.url) && !snapshot.ignored.contains(seen.url);
+    if (isNew && newcomer) return std::nullopt;
+    if (isNew) newcomer = &seen.url;
+  }
+  const bool isCapture =
+      newcomer && !snapshot.services.isDataless(*newcomer) && snapshot.services.hasScreenCaptureTag(*newcomer);
+  return isCapture ? std::optional(*newcomer) : std::nullopt;
+}
+
 }  // namespace
 
 bool isWatchedName(std::string_view name) {
@@ -224,6 +237,7 @@ ScanResult performScan(const Snapshot& snapshot) {
   result.absentIgnored = absent(snapshot.ignored, current);
   result.absentEvidence = absent(snapshot.evidence, current);
   result.observations = observe(snapshot, std::move(listing->entries), result.baseline);
+  if (snapshot.seeksNewcomer && !isBaseline) result.newcomer = loneNewcomer(snapshot, *result.observations);
   return result;
 }
 

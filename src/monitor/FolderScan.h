@@ -65,6 +65,7 @@ struct Snapshot {
   URLMap<Fingerprint> ignored;
   URLMap<ArrivalEvidence> evidence;
   bool includesNonCaptureImages = false;
+  bool seeksNewcomer = false;  ///< somebody wants to hear of it
   double localArrivalTolerance = 2.0;    ///< seconds
   double recentCaptureInterval = 120.0;  ///< seconds
   double oldCaptureInterval = 86400.0;   ///< seconds
@@ -87,7 +88,8 @@ struct ScanResult {
   std::optional<std::vector<Observation>> observations;  ///< none: the folder could not be listed
   std::optional<WatcherStatus> unavailable;              ///< why not
   URLSet baseline;
-  std::vector<FileURL> removed;  ///< known files that are gone, by path
+  std::vector<FileURL> removed;     ///< known files that are gone, by path
+  std::optional<FileURL> newcomer;  ///< the one file that is new in this look, if it is marked as a capture
   std::vector<FileURL> absentPending;
   std::vector<FileURL> absentIgnored;
   std::vector<FileURL> absentEvidence;

@@ -238,6 +238,7 @@ std::shared_ptr<Snapshot> ScreenshotInboxMonitor::takeSnapshot(ScanScope scope) 
   snapshot->ignored = std::exchange(ignoredFiles_, {});
   snapshot->evidence = std::exchange(arrivalEvidence_, {});
   snapshot->includesNonCaptureImages = includesNonCaptureImages_;
+  snapshot->seeksNewcomer = onNewcomer && !includesNonCaptureImages_;
   snapshot->localArrivalTolerance = localArrivalTolerance;
   snapshot->recentCaptureInterval = recentCaptureInterval;
   const auto sinceJump = std::chrono::duration<double>(executor_.instant() - clockJumpedAt_).count();

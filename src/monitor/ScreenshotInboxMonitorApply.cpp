@@ -54,6 +54,7 @@ void ScreenshotInboxMonitor::applyFolder(ScanResult& result, const Snapshot& sna
   if (directorySource_) report(WatcherStatus::watching);
   forgetAbsent(result);
   if (!result.removed.empty() && onRemoval) onRemoval(result.removed);
+  if (result.newcomer && onNewcomer) onNewcomer(*result.newcomer);
 }
 
 void ScreenshotInboxMonitor::lookAgain(const std::vector<Observation>& seen) {

@@ -27,8 +27,10 @@ class ScreenshotMonitoring {
  public:
   virtual ~ScreenshotMonitoring() = default;
 
-  std::function<void(const FileURL&)> onScreenshot;            ///< captured here, just now
-  std::function<void(const FileURL&)> onArrivedScreenshot;     ///< came from elsewhere
+  std::function<void(const FileURL&)> onScreenshot;         ///< captured here, just now
+  std::function<void(const FileURL&)> onArrivedScreenshot;  ///< came from elsewhere
+  /// A single file with the mark of a capture was seen, and is a screenshot if it holds still.
+  std::function<void(const FileURL&)> onNewcomer;
   std::function<void(const std::vector<FileURL>&)> onRemoval;  ///< known files left the folder, by path
   std::function<void(WatcherStatus)> onStatusChange;
 

@@ -85,6 +85,15 @@ void CapturePromptPanelController::present(const ScreenshotItem& item, AppModel&
   openUnlessSizeIsSought();
 }
 
+/// The first card of a run takes as long to make as the file has to hold still, and a reader as long to start. If the
+/// file is no screenshot after all, its thumbnail ages out of the cache.
+void CapturePromptPanelController::expect(const FileURL& url, AppModel& model) {
+  if (!panel_) makePanel(model);
+  if (panel_->isVisible() || !*model.settings().showPopupThumbnail) return;
+  const int pixels = qRound(kPreviewWidth * panel_->devicePixelRatioF());
+  services_.thumbnails->load(url, pixels).detach();
+}
+
 void CapturePromptPanelController::openUnlessSizeIsSought() {
   const ScreenshotItem* head = model_->promptedItem();
   if (!head || !previewSizes_.isSought(*head)) open();

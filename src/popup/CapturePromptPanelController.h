@@ -37,6 +37,7 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
 
   void present(const ScreenshotItem& item, AppModel& model) override;
   void hide() override;
+  void expect(const FileURL& url, AppModel& model) override;
   void focusForReview() override;
   /// Also while the popup keeps away from someone who takes screenshots, and while it is a note: nobody sees then what
   /// would be decided.

@@ -111,9 +111,11 @@ class FakePresenter final : public CapturePromptPresenting {
   explicit FakePresenter(CallLog& log) : log_(log) {}
   void present(const ScreenshotItem& item, AppModel&) override;
   void hide() override;
+  void expect(const FileURL& url, AppModel&) override { expected.push_back(url); }
   void focusForReview() override;
   bool isPointerEngaged() const override;
 
+  std::vector<FileURL> expected;
   std::vector<UUID> presented;
   std::optional<UUID> visible;
   int hides = 0;

@@ -26,6 +26,15 @@ TEST_F(AppModelQueue, ArrivalsWaitBehindTheVisibleScreenshot) {
   EXPECT_EQ(announcer.said.size(), 1u);
 }
 
+TEST_F(AppModelQueue, ThePopupIsMadeReadyForANewcomerWhileNothingIsInIt) {
+  const FileURL newcomer = shots.appending("newcomer.png");
+  monitor.onNewcomer(newcomer);
+  EXPECT_THAT(presenter.expected, ElementsAre(newcomer));
+  arrive("first.png");
+  monitor.onNewcomer(shots.appending("second.png"));
+  EXPECT_THAT(presenter.expected, ElementsAre(newcomer));
+}
+
 TEST_F(AppModelQueue, TheNextAnnouncementCountsThoseThatWait) {
   const UUID first = arrive("first.png");
   arrive("second.png");

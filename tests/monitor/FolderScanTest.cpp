@@ -502,6 +502,41 @@ TEST_F(FolderScanTest, WhetherTheFolderIsSyncedIsNotAskedInVain) {
 
 // --- Many at once ---
 
+TEST_F(FolderScanTest, AMarkedFileThatIsNewAloneIsTheNewcomer) {
+  snapshot.seeksNewcomer = true;
+  const FileURL known = make("known.png");
+  know({known});
+  const FileURL seen = make("seen.png");
+  havePending(seen);
+  EXPECT_EQ(performScan(snapshot).newcomer, std::nullopt);
+  const FileURL url = make("new.png");
+  EXPECT_EQ(performScan(snapshot).newcomer, url);
+  EXPECT_TRUE(services->decodeCalls.find("new.png") == services->decodeCalls.end());
+  snapshot.full = false;
+  EXPECT_EQ(performScan(snapshot).newcomer, std::nullopt);
+}
+
+TEST_F(FolderScanTest, OfSeveralNewFilesNoneIsTheNewcomer) {
+  snapshot.seeksNewcomer = true;
+  make("a.png");
+  make("b.png");
+  EXPECT_EQ(performScan(snapshot).newcomer, std::nullopt);
+}
+
+TEST_F(FolderScanTest, AFileOfABaselineOrWithoutMarkOrDataIsNoNewcomer) {
+  snapshot.seeksNewcomer = true;
+  make("a.png");
+  services->anyFile.isTagged = false;
+  EXPECT_EQ(performScan(snapshot).newcomer, std::nullopt);
+  services->anyFile.isTagged = true;
+  EXPECT_NE(performScan(snapshot).newcomer, std::nullopt);
+  services->anyFile.isDataless = true;
+  EXPECT_EQ(performScan(snapshot).newcomer, std::nullopt);
+  services->anyFile.isDataless = false;
+  snapshot.baselineStart = kNow + -100;
+  EXPECT_EQ(performScan(snapshot).newcomer, std::nullopt);
+}
+
 TEST_F(FolderScanTest, OfManyTheOldestHaveTheirTurnAndTheOthersInTheNextScan) {
   const size_t count = kLeastPortion + 10;
   for (size_t i = 0; i < count; ++i) havePending(make(std::to_string(i) + ".png", kNow + static_cast<double>(i)));

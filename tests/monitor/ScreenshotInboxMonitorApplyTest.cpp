@@ -757,6 +757,19 @@ TEST_F(ApplyTest, RemovalThatChangesTheFolderEndsTheNewsOfTheOldOne) {
   EXPECT_TRUE(told().empty());
 }
 
+TEST_F(ApplyTest, ANewcomerIsToldBeforeItHasHeldStill) {
+  begin();
+  std::vector<FileURL> newcomers;
+  monitor->onNewcomer = [&](const FileURL& url) { newcomers.push_back(url); };
+  const FileURL url = make("a.png");
+  tellChange();
+  EXPECT_EQ(newcomers, std::vector{url});
+  EXPECT_TRUE(told().empty());
+  advance(0.1);
+  EXPECT_EQ(newcomers.size(), 1u);
+  EXPECT_EQ(told().size(), 1u);
+}
+
 TEST_F(ApplyTest, CallbacksNeedNotBeSet) {
   const auto old = makeDated("old.png", kStart + -10);
   begin();

@@ -141,6 +141,29 @@ class CapturePromptPanelControllerTest : public testing::ModelFixture {
 
 // --- Present and hide ---
 
+TEST_F(CapturePromptPanelControllerTest, CardAndPictureAreMadeAheadForOneThatIsExpected) {
+  savePicture("1.png", QSize(800, 400));
+  popup->expect(shots.appending("1.png"), *model);
+  executor.drain();
+  EXPECT_FALSE(isVisible());
+  ASSERT_TRUE(popup->panel());
+  const int64_t cached = thumbnails.cachedBytes();
+  EXPECT_GT(cached, 0);
+  show();
+  EXPECT_TRUE(isVisible());
+  EXPECT_EQ(thumbnails.cachedBytes(), cached) << "it is the picture that the card shows";
+  popup->expect(shots.appending("2.png"), *model);
+  EXPECT_TRUE(isVisible());
+}
+
+TEST_F(CapturePromptPanelControllerTest, NoPictureIsMadeAheadThatIsNotShown) {
+  model->setShowPopupThumbnail(false);
+  savePicture("1.png", QSize(800, 400));
+  popup->expect(shots.appending("1.png"), *model);
+  executor.drain();
+  EXPECT_EQ(thumbnails.cachedBytes(), 0);
+}
+
 TEST_F(CapturePromptPanelControllerTest, NothingIsMadeBeforeTheFirstScreenshot) {
   EXPECT_FALSE(popup->panel());
   EXPECT_FALSE(popup->isPointerEngaged());
