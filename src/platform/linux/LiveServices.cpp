@@ -116,16 +116,26 @@ ScanServices LiveServices::scanServices() {
 }
 
 void LiveServices::holdUndecided(const AppModel& model) {
-  if (std::exchange(isHoldDue_, true)) return;
-  executor.post([this, &model] {
-    isHoldDue_ = false;
-    std::vector<FileURL> files;
-    model.items().forEach([&](const ScreenshotItem& item) {
-      const bool isUndecided = item.state != ScreenshotItem::State::permanent;
-      if (isUndecided && files.size() < HeldFiles::kMost) files.push_back(item.url);
-    });
-    securityScope.hold(files);
+  isHoldDue_ = true;
+  if (std::exchange(isHolding_, true)) return;
+  executor.post([this, &model] { holdNow(model); });
+}
+
+/// In the background, and with a pause after it: in a burst there are others at each turn of the loop.
+void LiveServices::holdNow(const AppModel& model) {
+  constexpr Duration kPause = std::chrono::milliseconds(250);
+  isHoldDue_ = false;
+  std::vector<FileURL> files;
+  model.items().forEach([&](const ScreenshotItem& item) {
+    const bool isUndecided = item.state != ScreenshotItem::State::permanent;
+    if (isUndecided && files.size() < HeldFiles::kMost) files.push_back(item.url);
   });
+  const auto paused = [this, &model](bool isOver) {
+    isHolding_ = false;
+    if (isOver && isHoldDue_) holdUndecided(model);
+  };
+  executor.runInBackground([this, files = std::move(files)] { securityScope.hold(files); },
+                           [this, paused] { executor.startDelay(kPause, paused); });
 }
 
 void LiveServices::forgetThumbnails(const FileURL& place) {
