@@ -51,50 +51,70 @@ std::optional<Listing> listUnknown(const FileURL& directory, const URLSet& known
   return listing;
 }
 
-/// The tests of one file that has held still.
+/// A part of all grows with their number, so that looking at the rest once more costs less than decoding it.
+size_t portionOf(size_t files) {
+  return std::max(kLeastPortion, files / 8);
+}
+
+bool isFirstExamination(const Snapshot::PendingLook& pending) {
+  return pending.attempts == 1 && !pending.complete;
+}
+
+/// The tests of files that have held still.
 class Examination {
  public:
-  /// A part of all grows with their number, so that looking at the rest once more costs less than decoding it.
-  Examination(const Snapshot& snapshot, size_t files)
-      : snapshot_(snapshot), left_(std::max(kLeastPortion, files / 8)) {}
+  Examination(const Snapshot& snapshot, size_t portion) : snapshot_(snapshot), left_(portion) {}
 
-  void examine(Observation& seen) {
-    if (!seen.fingerprint) return;
+  /// False for one whose turn is in the next scan.
+  bool begin(Observation& seen, size_t place) {
+    if (!seen.fingerprint) return true;
     const auto ignored = snapshot_.ignored.find(seen.url);
-    if (ignored != snapshot_.ignored.end() && ignored->second == *seen.fingerprint) return;
+    if (ignored != snapshot_.ignored.end() && ignored->second == *seen.fingerprint) return true;
     const auto pending = snapshot_.pending.find(seen.url);
-    if (pending == snapshot_.pending.end() || pending->second.fingerprint != *seen.fingerprint) return;
+    if (pending == snapshot_.pending.end() || pending->second.fingerprint != *seen.fingerprint) return true;
     const auto known = snapshot_.evidence.find(seen.url);
-    if (known == snapshot_.evidence.end()) return;
+    if (known == snapshot_.evidence.end()) return true;
 
     // What has had its turn is asked again without one, or many that fail would keep the others from theirs.
-    const bool isFirst = pending->second.attempts == 1 && !pending->second.complete;
-    if (isFirst && left_ == 0) {
-      seen.isPutOff = true;
-      return;
-    }
+    const bool isFirst = isFirstExamination(pending->second);
+    if (isFirst && left_ == 0) return false;
     if (isFirst) --left_;
-    ArrivalEvidence evidence = known->second;
-    if (pending->second.complete || decodes(seen, evidence)) classify(seen, evidence);
-    seen.evidence = evidence;
+    seen.evidence = known->second;
+    if (pending->second.complete) {
+      whole_.push_back(place);
+    } else if (isWorthDecoding(seen)) {
+      undecoded_.push_back(place);
+    }
+    return true;
+  }
+
+  /// All that are to be decoded together, which takes less time than one by one.
+  void end(std::vector<Observation>& observations) {
+    std::vector<FileURL> urls;
+    urls.reserve(undecoded_.size());
+    for (const size_t place : undecoded_) urls.push_back(observations[place].url);
+    const std::vector<bool> decoded = urls.empty() ? std::vector<bool>() : snapshot_.services.decodeCompletely(urls);
+    for (size_t i = 0; i < undecoded_.size(); ++i) {
+      observations[undecoded_[i]].decodesCompletely = decoded[i];
+      if (decoded[i]) whole_.push_back(undecoded_[i]);
+    }
+    for (const size_t place : whole_) classify(observations[place]);
   }
 
  private:
-  /// Whether the file is here and whole, so that it can be classified.
-  bool decodes(Observation& seen, ArrivalEvidence& evidence) {
+  /// Whether the file is here, and may be a capture.
+  bool isWorthDecoding(Observation& seen) {
     if (seen.fingerprint->size < 1) return false;
     if (!snapshot_.services.isDataless(seen.url)) {
-      evidence.datalessLooks = 0;
+      seen.evidence->datalessLooks = 0;
       // What is no capture is never decoded, whatever it would take.
       readTag(seen);
-      if (seen.isScreenCapture == false) return false;
-      seen.decodesCompletely = snapshot_.services.decodesCompletely(seen.url);
-      return *seen.decodesCompletely;
+      return seen.isScreenCapture != false;
     }
-    evidence.datalessLooks += 1;
+    seen.evidence->datalessLooks += 1;
     seen.decodesCompletely = false;
-    if (evidence.datalessLooks == 1) return false;
-    evidence.isFromElsewhere = true;
+    if (seen.evidence->datalessLooks == 1) return false;
+    seen.evidence->isFromElsewhere = true;
     if (isSynced()) {
       seen.isPlaceholder = true;
       readTag(seen);
@@ -102,7 +122,8 @@ class Examination {
     return false;
   }
 
-  void classify(Observation& seen, ArrivalEvidence& evidence) {
+  void classify(Observation& seen) {
+    ArrivalEvidence& evidence = *seen.evidence;
     if (!seen.isScreenCapture) readTag(seen);
     const FileDates dates = snapshot_.services.fileDates(seen.url);
     // A copy gets a birth time of its own, but may keep the date of writing, or say itself how old it is.
@@ -137,14 +158,16 @@ class Examination {
   }
 
   const Snapshot& snapshot_;
-  size_t left_;  ///< turns
+  size_t left_;                    ///< turns
+  std::vector<size_t> undecoded_;  ///< places of observations
+  std::vector<size_t> whole_;
   bool wasAsked_ = false;
   bool isSynced_ = false;
 };
 
-std::vector<Observation> observe(const Snapshot& snapshot, std::vector<Entry> entries, const URLSet& skipped) {
-  std::vector<Observation> observations;
-  Examination examination(snapshot, entries.size());
+void observe(const Snapshot& snapshot, std::vector<Entry> entries, size_t portion, const URLSet& skipped,
+             ScanResult& result) {
+  Examination examination(snapshot, portion);
   // Neither a directory nor the table of pending files has an order; what comes in one burst is met in the order it was
   // taken, so that the popups come oldest first.
   std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
@@ -153,19 +176,41 @@ std::vector<Observation> observe(const Snapshot& snapshot, std::vector<Entry> en
     };
     return key(a) < key(b);
   });
+  std::vector<Observation>& observations = result.observations.emplace();
   for (Entry& entry : entries) {
     if (skipped.contains(entry.url)) continue;
     Observation& seen = observations.emplace_back();
     seen.url = std::move(entry.url);
     seen.fingerprint = entry.fingerprint;
-    examination.examine(seen);
+    if (examination.begin(seen, observations.size() - 1)) continue;
+    observations.pop_back();
+    result.isAnyPutOff = true;
   }
-  return observations;
+  examination.end(observations);
 }
 
-std::vector<Entry> lookAtPending(const Snapshot& snapshot) {
+/// Of those that still wait for their first turn only the oldest `portion`: the others are not even looked at.
+std::vector<Entry> lookAtPending(const Snapshot& snapshot, size_t portion, bool& isAnyPutOff) {
+  using Pending = decltype(snapshot.pending)::value_type;
   std::vector<Entry> entries;
-  for (const auto& [url, look] : snapshot.pending) entries.push_back({url, readFingerprint(url)});
+  std::vector<const Pending*> waiting;
+  for (const Pending& pending : snapshot.pending) {
+    if (isFirstExamination(pending.second)) {
+      waiting.push_back(&pending);
+    } else {
+      entries.push_back({pending.first, readFingerprint(pending.first)});
+    }
+  }
+  isAnyPutOff = waiting.size() > portion;
+  if (isAnyPutOff) {
+    const auto key = [](const Pending* one) {
+      return std::pair(one->second.fingerprint.modified.seconds, std::string_view(one->first.path()));
+    };
+    std::nth_element(waiting.begin(), waiting.begin() + static_cast<std::ptrdiff_t>(portion), waiting.end(),
+                     [&](const Pending* a, const Pending* b) { return key(a) < key(b); });
+    waiting.resize(portion);
+  }
+  for (const Pending* one : waiting) entries.push_back({one->first, readFingerprint(one->first)});
   return entries;
 }
 
@@ -206,7 +251,8 @@ std::optional<Fingerprint> readFingerprint(const FileURL& url) {
 ScanResult performScan(const Snapshot& snapshot) {
   ScanResult result;
   if (!snapshot.full) {
-    result.observations = observe(snapshot, lookAtPending(snapshot), *snapshot.known);
+    const size_t portion = portionOf(snapshot.pending.size());
+    observe(snapshot, lookAtPending(snapshot, portion, result.isAnyPutOff), portion, *snapshot.known, result);
     return result;
   }
 
@@ -236,7 +282,8 @@ ScanResult performScan(const Snapshot& snapshot) {
   result.absentPending = absent(snapshot.pending, current);
   result.absentIgnored = absent(snapshot.ignored, current);
   result.absentEvidence = absent(snapshot.evidence, current);
-  result.observations = observe(snapshot, std::move(listing->entries), result.baseline);
+  const size_t portion = portionOf(listing->entries.size());
+  observe(snapshot, std::move(listing->entries), portion, result.baseline, result);
   if (snapshot.seeksNewcomer && !isBaseline) result.newcomer = loneNewcomer(snapshot, *result.observations);
   return result;
 }

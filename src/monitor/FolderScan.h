@@ -43,7 +43,7 @@ struct ScanServices {
   std::function<bool(const FileURL&)> isSynced;
   std::function<bool(const FileURL&)> isVolumeMounted;
   std::function<bool(const FileURL&)> hasScreenCaptureTag;
-  std::function<bool(const FileURL&)> decodesCompletely;
+  std::function<std::vector<bool>(const std::vector<FileURL>&)> decodeCompletely;  ///< as many answers, in their order
   std::function<FileDates(const FileURL&)> fileDates;
 };
 
@@ -79,7 +79,6 @@ struct Observation {
   std::optional<bool> decodesCompletely;   ///< none: not tested, as what has no mark of a capture
   std::optional<bool> isScreenCapture;     ///< none: not tested
   bool isPlaceholder = false;              ///< of a synced folder, and dataless
-  bool isPutOff = false;                   ///< its turn is in the next scan: others were decoded in this one
   std::optional<ArrivalEvidence> evidence;
 };
 
@@ -87,6 +86,7 @@ struct Observation {
 struct ScanResult {
   std::optional<std::vector<Observation>> observations;  ///< none: the folder could not be listed
   std::optional<WatcherStatus> unavailable;              ///< why not
+  bool isAnyPutOff = false;                              ///< to the next scan, others being decoded in this one
   URLSet baseline;
   std::vector<FileURL> removed;     ///< known files that are gone, by path
   std::optional<FileURL> newcomer;  ///< the one file that is new in this look, if it is marked as a capture
@@ -102,8 +102,8 @@ bool isWatchedName(std::string_view name);
 std::optional<Fingerprint> readFingerprint(const FileURL& url);
 
 /// Changes nothing but reads the file system. A name that is already known costs no look at its file. Of many files the
-/// oldest are decoded, at least `kLeastPortion` of them, and the others put off: what comes first is told while the
-/// rest is still read.
+/// oldest are decoded, at least `kLeastPortion` of them, and the others put off, of which it tells nothing: what comes
+/// first is told while the rest is still read.
 inline constexpr size_t kLeastPortion = 64;
 ScanResult performScan(const Snapshot& snapshot);
 

@@ -96,7 +96,7 @@ class ScreenshotInboxMonitor final : public ScreenshotMonitoring {
   // What a look means.
   static Task<> apply(Weak<ScreenshotInboxMonitor> self, ScanResult result, std::shared_ptr<Snapshot> snapshot);
   void applyFolder(ScanResult& result, const Snapshot& snapshot);
-  void lookAgain(const std::vector<Observation>& seen);
+  void lookAgain(bool isAnyPutOff);
   static bool isAwaited(const Pending& pending);
   void forgetAbsent(const ScanResult& result);
   void applyObservation(const Observation& seen, bool isFullScan, Date now);

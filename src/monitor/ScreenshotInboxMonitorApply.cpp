@@ -36,7 +36,7 @@ Task<> ScreenshotInboxMonitor::apply(Weak<ScreenshotInboxMonitor> self, ScanResu
     self->applyObservation(seen, snapshot->full, now);
   }
   if (!self) co_return;
-  if (generation == self->generation_) self->lookAgain(*result.observations);
+  if (generation == self->generation_) self->lookAgain(result.isAnyPutOff);
   // Freeing so many texts takes as long as applying them.
   if (result.observations->size() < kManyFiles) co_return;
   auto garbage = std::make_shared<ScanResult>(std::move(result));
@@ -57,12 +57,11 @@ void ScreenshotInboxMonitor::applyFolder(ScanResult& result, const Snapshot& sna
   if (result.newcomer && onNewcomer) onNewcomer(*result.newcomer);
 }
 
-void ScreenshotInboxMonitor::lookAgain(const std::vector<Observation>& seen) {
+void ScreenshotInboxMonitor::lookAgain(bool isAnyPutOff) {
   awaitedSince_.reset();
   for (const auto& [url, pending] : pendingFiles_) {
     if (isAwaited(pending)) awaitedSince_ = std::min(awaitedSince_.value_or(pending.firstSeen), pending.firstSeen);
   }
-  const bool isAnyPutOff = std::any_of(seen.begin(), seen.end(), [](const Observation& one) { return one.isPutOff; });
   if (awaitedSince_) scheduleScan(isAnyPutOff ? Duration::zero() : kQuickLookInterval, ScanScope::partial);
 }
 
@@ -106,7 +105,6 @@ void ScreenshotInboxMonitor::applyObservation(const Observation& seen, bool isFu
 }
 
 void ScreenshotInboxMonitor::applyRepeatedLook(const Observation& seen, Pending& pending, Date now) {
-  if (seen.isPutOff) return;
   pending.attempts += 1;
   if (!pending.complete && seen.fingerprint->size > 0 && seen.decodesCompletely == true) {
     pending.complete = true;

@@ -186,9 +186,13 @@ class HistoryWorld {
       const File* file = at(url);
       return file && file->isCapture;
     };
-    services.decodesCompletely = [this](const FileURL& url) {
-      const File* file = at(url);
-      return file && file->isWhole;
+    services.decodeCompletely = [this](const std::vector<FileURL>& urls) {
+      std::vector<bool> answers;
+      for (const FileURL& url : urls) {
+        const File* file = at(url);
+        answers.push_back(file && file->isWhole);
+      }
+      return answers;
     };
     services.fileDates = [this](const FileURL& url) {
       const File* file = at(url);

@@ -540,16 +540,47 @@ TEST_F(FolderScanTest, AFileOfABaselineOrWithoutMarkOrDataIsNoNewcomer) {
 TEST_F(FolderScanTest, OfManyTheOldestHaveTheirTurnAndTheOthersInTheNextScan) {
   const size_t count = kLeastPortion + 10;
   for (size_t i = 0; i < count; ++i) havePending(make(std::to_string(i) + ".png", kNow + static_cast<double>(i)));
-  const ScanResult first = performScan(snapshot);
-  ASSERT_EQ(first.observations->size(), count);
-  for (size_t i = 0; i < count; ++i) {
-    const Observation& seen = (*first.observations)[i];
-    EXPECT_EQ(seen.url.lastPathComponent(), std::to_string(i) + ".png");
-    EXPECT_EQ(seen.isPutOff, i >= kLeastPortion) << i;
-    EXPECT_EQ(seen.decodesCompletely.has_value(), i < kLeastPortion) << i;
-    EXPECT_EQ(seen.evidence.has_value(), i < kLeastPortion) << i;
+  for (const bool isFull : {true, false}) {
+    services->decodeCalls.clear();
+    snapshot.full = isFull;
+    const ScanResult first = performScan(snapshot);
+    EXPECT_TRUE(first.isAnyPutOff);
+    ASSERT_EQ(first.observations->size(), kLeastPortion) << "of the others nothing is told";
+    for (size_t i = 0; i < kLeastPortion; ++i) {
+      const Observation& seen = (*first.observations)[i];
+      EXPECT_EQ(seen.url.lastPathComponent(), std::to_string(i) + ".png");
+      EXPECT_EQ(seen.decodesCompletely, true) << i;
+      EXPECT_TRUE(seen.evidence.has_value()) << i;
+    }
+    EXPECT_EQ(services->decodeCalls.size(), kLeastPortion);
   }
-  EXPECT_EQ(services->decodeCalls.size(), kLeastPortion);
+}
+
+TEST_F(FolderScanTest, AnEighthOfManyHasItsTurn) {
+  const size_t portion = kLeastPortion + 5;
+  for (size_t i = 0; i < 8 * portion; ++i) havePending(make(std::to_string(i) + ".png"));
+  for (const bool isFull : {true, false}) {
+    snapshot.full = isFull;
+    EXPECT_EQ(performScan(snapshot).observations->size(), portion);
+  }
+}
+
+TEST_F(FolderScanTest, NobodyIsPutOffWhenAllHaveTheirTurn) {
+  for (size_t i = 0; i < kLeastPortion; ++i) havePending(make(std::to_string(i) + ".png"));
+  for (const bool isFull : {true, false}) {
+    snapshot.full = isFull;
+    const ScanResult result = performScan(snapshot);
+    EXPECT_FALSE(result.isAnyPutOff);
+    EXPECT_EQ(result.observations->size(), kLeastPortion);
+  }
+}
+
+TEST_F(FolderScanTest, AFullScanTellsOfAnyThatHasChanged) {
+  for (size_t i = 0; i < kLeastPortion; ++i) havePending(make(std::to_string(i) + ".png"));
+  const FileURL last = make("last.png", kNow + 1.0);
+  havePending(last);
+  writeFile(last, "more bytes than it had");
+  EXPECT_EQ(performScan(snapshot).observations->back().url, last);
 }
 
 TEST_F(FolderScanTest, WhatHasHadItsTurnKeepsNobodyFromTheirs) {
@@ -560,9 +591,13 @@ TEST_F(FolderScanTest, WhatHasHadItsTurnKeepsNobodyFromTheirs) {
   }
   const FileURL newest = make("newest.png", kNow + 1000.0);
   havePending(newest);
-  const ScanResult result = performScan(snapshot);
-  for (const Observation& seen : *result.observations) EXPECT_FALSE(seen.isPutOff) << seen.url.path();
-  EXPECT_EQ(result.observations->back().decodesCompletely, true);
+  for (const bool isFull : {true, false}) {
+    snapshot.full = isFull;
+    const ScanResult result = performScan(snapshot);
+    EXPECT_FALSE(result.isAnyPutOff);
+    EXPECT_EQ(result.observations->size(), 2 * kLeastPortion + 1);
+    EXPECT_EQ(result.observations->back().decodesCompletely, true);
+  }
 }
 
 }  // namespace

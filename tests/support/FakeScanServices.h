@@ -60,9 +60,13 @@ class FakeScanServices {
       ++state->tagCalls[url.lastPathComponent()];
       return state->of(url).isTagged;
     };
-    services.decodesCompletely = [state = state_](const FileURL& url) {
-      ++state->decodeCalls[url.lastPathComponent()];
-      return state->of(url).decodes;
+    services.decodeCompletely = [state = state_](const std::vector<FileURL>& urls) {
+      std::vector<bool> answers;
+      for (const FileURL& url : urls) {
+        ++state->decodeCalls[url.lastPathComponent()];
+        answers.push_back(state->of(url).decodes);
+      }
+      return answers;
     };
     services.fileDates = [state = state_](const FileURL& url) { return state->of(url).dates; };
     return services;

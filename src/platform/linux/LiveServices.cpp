@@ -28,6 +28,26 @@ FileDates fileDates(const FileURL& url) {
   return {status ? status->created : std::nullopt, std::nullopt, CaptureMarks::captureDate(url)};
 }
 
+/// Which are whole pictures. It is asked at every look; what failed is not decoded again before it changes.
+std::vector<bool> wholeOnes(const std::vector<FileURL>& urls, ReaderPool& readers, FailedPictures& failed) {
+  std::vector<bool> areWhole(urls.size());
+  std::vector<size_t> places;
+  std::vector<FileURL> asked;
+  std::vector<std::optional<FileStatus>> seen;
+  for (size_t i = 0; i < urls.size(); ++i) {
+    if (failed.find(urls[i])) continue;
+    places.push_back(i);
+    asked.push_back(urls[i]);
+    seen.push_back(fileStatus(urls[i]));
+  }
+  const auto failures = readers.failuresOf(asked);
+  for (size_t i = 0; i < asked.size(); ++i) {
+    areWhole[places[i]] = !failures[i];
+    if (failures[i]) failed.keep(asked[i], seen[i], *failures[i]);
+  }
+  return areWhole;
+}
+
 std::optional<FileURL> defaultScreenshotFolder() {
   const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
   for (const QString& folder : {pictures + QStringLiteral("/Screenshots"), pictures, QDir::homePath()}) {
@@ -111,29 +131,34 @@ ScanServices LiveServices::scanServices() {
   services.isSynced = &CloudFiles::isSynced;
   services.isVolumeMounted = [this](const FileURL& url) { return mounts.isVolumeMounted(url); };
   services.hasScreenCaptureTag = &hasScreenCaptureTag;
-  // It is asked at every look. What failed is not decoded again before it changes.
-  services.decodesCompletely = [reading = pictures, failed = std::make_shared<FailedPictures>()](const FileURL& url) {
-    if (failed->find(url)) return false;
-    const auto seen = fileStatus(url);
-    const auto failure = reading->failureOf(url);
-    if (failure) failed->keep(url, seen, *failure);
-    return !failure;
+  services.decodeCompletely = [readers = pictures, failed = std::make_shared<FailedPictures>()](const auto& urls) {
+    return wholeOnes(urls, *readers, *failed);
   };
   services.fileDates = &fileDates;
   return services;
 }
 
 void LiveServices::holdUndecided(const AppModel& model) {
-  if (std::exchange(isHoldDue_, true)) return;
-  executor.post([this, &model] {
-    isHoldDue_ = false;
-    std::vector<FileURL> files;
-    model.items().forEach([&](const ScreenshotItem& item) {
-      const bool isUndecided = item.state != ScreenshotItem::State::permanent;
-      if (isUndecided && files.size() < HeldFiles::kMost) files.push_back(item.url);
-    });
-    securityScope.hold(files);
+  isHoldDue_ = true;
+  if (std::exchange(isHolding_, true)) return;
+  executor.post([this, &model] { holdNow(model); });
+}
+
+/// In the background, and with a pause after it: in a burst there are others at each turn of the loop.
+void LiveServices::holdNow(const AppModel& model) {
+  constexpr Duration kPause = std::chrono::milliseconds(250);
+  isHoldDue_ = false;
+  std::vector<FileURL> files;
+  model.items().forEach([&](const ScreenshotItem& item) {
+    const bool isUndecided = item.state != ScreenshotItem::State::permanent;
+    if (isUndecided && files.size() < HeldFiles::kMost) files.push_back(item.url);
   });
+  const auto paused = [this, &model](bool isOver) {
+    isHolding_ = false;
+    if (isOver && isHoldDue_) holdUndecided(model);
+  };
+  executor.runInBackground([this, files = std::move(files)] { securityScope.hold(files); },
+                           [this, paused] { executor.startDelay(kPause, paused); });
 }
 
 void LiveServices::forgetThumbnails(const FileURL& place) {

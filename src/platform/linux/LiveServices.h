@@ -51,8 +51,8 @@ class LiveServices {
   /// What the model needs, less what the windows bring.
   AppModelDependencies dependencies(const ApplicationPaths& paths);
 
-  /// Soon, once for many calls: has the files followed whose move would decide about them. The model outlives the event
-  /// loop.
+  /// Soon, once for many calls, and a few times a second at most: has the files followed whose move would decide about
+  /// them. The model outlives the event loop.
   void holdUndecided(const AppModel& model);
 
   QtExecutor executor;
@@ -83,6 +83,8 @@ class LiveServices {
   ScanServices scanServices();
   void forgetThumbnails(const FileURL& place);
   bool isFolderReachable(const FileURL& url) const;
+  void holdNow(const AppModel& model);
+  bool isHolding_ = false;
   bool isHoldDue_ = false;
 };
 

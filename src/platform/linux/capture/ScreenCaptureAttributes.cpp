@@ -53,7 +53,14 @@ PropertyList parse(const std::string& value) {
   return PropertyList(list, &plist_free);
 }
 
+/// Certain: a file system that cannot list them says so instead.
+bool hasNoAttributes(const FileURL& url) {
+  return ::llistxattr(url.c_str(), nullptr, 0) == 0;
+}
+
 std::optional<std::string> readAttribute(const FileURL& url, const char* key) {
+  // Nearly all of them.
+  if (hasNoAttributes(url)) return std::nullopt;
   const std::string name = std::string("com.apple.metadata:") + key;
   auto value = readValue(url, "user." + name);
   if (!value) value = readValue(url, name);

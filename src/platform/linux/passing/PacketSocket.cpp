@@ -9,9 +9,7 @@
 namespace quillmere {
 namespace {
 
-/// More than one may come from a reader that lies; all that come are closed.
-constexpr size_t kMostDescriptors = 4;
-using ControlSpace = std::array<char, CMSG_SPACE(kMostDescriptors * sizeof(int))>;
+using ControlSpace = std::array<char, CMSG_SPACE(PacketSocket::kMostDescriptors * sizeof(int))>;
 
 }  // namespace
 
@@ -22,20 +20,21 @@ std::optional<PacketSocket::Pair> PacketSocket::pair() {
   return Pair{PacketSocket(Descriptor(ends[0])), PacketSocket(Descriptor(ends[1]))};
 }
 
-bool PacketSocket::sendBytes(const void* bytes, size_t size, int descriptor) {
+bool PacketSocket::sendBytes(const void* bytes, size_t size, const int* descriptors, size_t count) {
+  if (count > kMostDescriptors) return false;
   iovec part{const_cast<void*>(bytes), size};
-  alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int))> control{};
+  alignas(cmsghdr) ControlSpace control{};
   msghdr message{};
   message.msg_iov = &part;
   message.msg_iovlen = 1;
-  if (descriptor >= 0) {
+  if (count > 0) {
     message.msg_control = control.data();
-    message.msg_controllen = control.size();
+    message.msg_controllen = CMSG_SPACE(count * sizeof(int));
     cmsghdr* header = CMSG_FIRSTHDR(&message);
     header->cmsg_level = SOL_SOCKET;
     header->cmsg_type = SCM_RIGHTS;
-    header->cmsg_len = CMSG_LEN(sizeof descriptor);
-    std::memcpy(CMSG_DATA(header), &descriptor, sizeof descriptor);
+    header->cmsg_len = CMSG_LEN(count * sizeof(int));
+    std::memcpy(CMSG_DATA(header), descriptors, count * sizeof(int));
   }
   ssize_t sent = 0;
   do {
@@ -44,7 +43,9 @@ bool PacketSocket::sendBytes(const void* bytes, size_t size, int descriptor) {
   return sent == static_cast<ssize_t>(size);
 }
 
-bool PacketSocket::receiveBytes(void* bytes, size_t size, Descriptor* descriptor) {
+/// All descriptors that come are kept, and so closed by whoever refuses them.
+bool PacketSocket::receiveBytes(void* bytes, size_t size, std::vector<Descriptor>& descriptors) {
+  descriptors.clear();
   iovec part{bytes, size};
   alignas(cmsghdr) ControlSpace control{};
   msghdr message{};
@@ -57,19 +58,16 @@ bool PacketSocket::receiveBytes(void* bytes, size_t size, Descriptor* descriptor
     received = ::recvmsg(end_.number(), &message, MSG_CMSG_CLOEXEC);
   } while (received < 0 && errno == EINTR);
   if (received < 0) return false;
-  size_t count = 0;
   for (cmsghdr* header = CMSG_FIRSTHDR(&message); header; header = CMSG_NXTHDR(&message, header)) {
     if (header->cmsg_level != SOL_SOCKET || header->cmsg_type != SCM_RIGHTS) continue;
     for (size_t at = 0; CMSG_LEN(at + sizeof(int)) <= header->cmsg_len; at += sizeof(int)) {
       int number = -1;
       std::memcpy(&number, CMSG_DATA(header) + at, sizeof number);
-      Descriptor came(number);
-      if (descriptor) *descriptor = std::move(came);
-      ++count;
+      descriptors.emplace_back(number);
     }
   }
   const bool isCut = (message.msg_flags & (MSG_TRUNC | MSG_CTRUNC)) != 0;
-  return received == static_cast<ssize_t>(size) && !isCut && count <= (descriptor ? 1u : 0u);
+  return received == static_cast<ssize_t>(size) && !isCut;
 }
 
 }  // namespace quillmere

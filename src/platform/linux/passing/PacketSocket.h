@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <vector>
 
 #include "platform/linux/passing/Descriptor.h"
 
@@ -10,6 +11,8 @@ namespace quillmere {
 /// One end of a pair of sockets that keep packets apart.
 class PacketSocket {
  public:
+  static constexpr size_t kMostDescriptors = 32;
+
   PacketSocket() = default;
   explicit PacketSocket(Descriptor end) : end_(std::move(end)) {}
   struct Pair;
@@ -21,19 +24,32 @@ class PacketSocket {
   /// False when the other end is gone.
   template <typename Message>
   bool send(const Message& message, int descriptor = -1) {
-    return sendBytes(&message, sizeof message, descriptor);
+    return sendBytes(&message, sizeof message, &descriptor, descriptor >= 0 ? 1 : 0);
+  }
+  /// With at most `kMostDescriptors`.
+  template <typename Message>
+  bool sendWith(const Message& message, const std::vector<int>& descriptors) {
+    return sendBytes(&message, sizeof message, descriptors.data(), descriptors.size());
   }
   /// None when the other end is gone, or sent anything but one such message with at most one descriptor. Waits.
   template <typename Message>
   std::optional<Message> receive(Descriptor* descriptor = nullptr) {
+    std::vector<Descriptor> came;
+    auto message = receiveWith<Message>(came, descriptor ? 1 : 0);
+    if (message && !came.empty()) *descriptor = std::move(came.front());
+    return message;
+  }
+  /// The same with at most `most` descriptors.
+  template <typename Message>
+  std::optional<Message> receiveWith(std::vector<Descriptor>& descriptors, size_t most) {
     Message message;
-    if (!receiveBytes(&message, sizeof message, descriptor)) return std::nullopt;
+    if (!receiveBytes(&message, sizeof message, descriptors) || descriptors.size() > most) return std::nullopt;
     return message;
   }
 
  private:
-  bool sendBytes(const void* bytes, size_t size, int descriptor);
-  bool receiveBytes(void* bytes, size_t size, Descriptor* descriptor);
+  bool sendBytes(const void* bytes, size_t size, const int* descriptors, size_t count);
+  bool receiveBytes(void* bytes, size_t size, std::vector<Descriptor>& descriptors);
 
   Descriptor end_;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 
@@ -11,7 +12,7 @@ namespace ReaderMessages {
 
 inline constexpr uint32_t kMagic = 0x516D5244;
 /// Another one is another language.
-inline constexpr uint32_t kVersion = 3;
+inline constexpr uint32_t kVersion = 4;
 
 /// The descriptors that a reader starts with.
 inline constexpr int kSocket = 3;
@@ -33,7 +34,7 @@ struct Signals {
   std::atomic<bool> isStopped;
 };
 
-enum class Work : uint32_t { head = 1, wholeness, picture, thumbnail, windows, text, encoding };
+enum class Work : uint32_t { head = 1, wholeness, picture, thumbnail, windows, text, encoding, wholenesses };
 
 /// A picture as numbers. Its rows stand at the beginning of the memory, then its colour table, then its colour profile.
 struct PictureShape {
@@ -46,6 +47,11 @@ struct PictureShape {
   uint32_t profileBytes = 0;
   uint64_t bytesPerLine = 0;
 };
+
+/// How many files may come with the request to tell which of them are whole pictures, and the bytes that each may take
+/// while that is found out.
+inline constexpr size_t kMostFiles = 32;
+inline constexpr int64_t kMemoryOfEach = int64_t{64} << 20;
 
 /// With a file of the program's choice, or the memory of the picture that is to be encoded.
 struct Request {
@@ -69,6 +75,18 @@ struct Answer {
   PictureShape shape{};
   uint64_t extraBytes = 0;  ///< of windows, text or an encoded picture, behind the picture
   int64_t memory = 0;       ///< of a beginning: the bytes that decoding takes; above 0 the reader waits for its `Turn`
+};
+
+/// The only answer where many files came. One that was not judged is to be asked about alone: it takes more memory, or
+/// the others took too long.
+struct Verdict {
+  uint32_t isJudged = 0;
+  uint32_t isWhole = 0;
+  uint32_t reason = 0;  ///< why it is not, a `PictureError`
+};
+struct Verdicts {
+  uint32_t magic = kMagic;
+  std::array<Verdict, kMostFiles> of{};  ///< in the order of the files
 };
 
 /// There is memory for it.

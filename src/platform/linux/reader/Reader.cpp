@@ -1,6 +1,7 @@
 #include "platform/linux/reader/Reader.h"
 
 #include <QtGui/QImage>
+#include <chrono>
 #include <new>
 #include <string>
 #include <vector>
@@ -21,6 +22,7 @@ namespace {
 using ReaderMessages::Answer;
 using ReaderMessages::Request;
 using ReaderMessages::Step;
+using ReaderMessages::Verdict;
 using ReaderMessages::Work;
 
 /// Of computing, on all threads together. Whoever waits has given up long before; this ends what nobody waits for.
@@ -132,9 +134,19 @@ Outcome worked(const Request& request, std::string bytes, const std::atomic<bool
       return recognized(texts, std::move(bytes), isStopped);
     case Work::head:
     case Work::encoding:
+    case Work::wholenesses:
       break;
   }
   return {};
+}
+
+/// None for one that needs a turn of its own.
+std::optional<Verdict> verdictOn(int file) {
+  const auto bytes = ImageFile::bytesToDecode(file);
+  const auto memory = bytes ? ImageFile::memoryFor(*bytes) : Result<int64_t, PictureError>(bytes.reason());
+  if (memory && *memory > ReaderMessages::kMemoryOfEach) return std::nullopt;
+  const auto failure = memory ? ImageFile::failureOf(std::string_view(*bytes)) : std::optional(memory.reason());
+  return Verdict{.isJudged = 1, .isWhole = !failure, .reason = failure ? static_cast<uint32_t>(*failure) : 0};
 }
 
 /// The program's own picture, which it has no reason to lie about.
@@ -158,12 +170,31 @@ void Reader::warmUp() {
 }
 
 void Reader::run() {
-  Descriptor file;
-  while (const auto request = socket_.receive<Request>(&file)) {
+  std::vector<Descriptor> files;
+  while (const auto request = socket_.receiveWith<Request>(files, ReaderMessages::kMostFiles)) {
     Confinement::allowSeconds(kMostSeconds);
-    answer(*request, std::move(file));
-    file = Descriptor();
+    if (static_cast<Work>(request->work) == Work::wholenesses) {
+      judge(std::move(files));
+    } else {
+      answer(*request, files.empty() ? Descriptor() : std::move(files.front()));
+    }
   }
+}
+
+/// Whoever asked waits no longer than pictures take that are soon judged.
+void Reader::judge(std::vector<Descriptor> files) {
+  using Clock = std::chrono::steady_clock;
+  constexpr auto kLongest = std::chrono::seconds(1);
+  ReaderMessages::Verdicts verdicts;
+  const auto end = Clock::now() + kLongest;
+  for (size_t i = 0; i < files.size() && Clock::now() < end; ++i) {
+    try {
+      verdicts.of[i] = verdictOn(files[i].number()).value_or(Verdict());
+    } catch (const std::bad_alloc&) {
+      verdicts.of[i] = Verdict();
+    }
+  }
+  socket_.send(verdicts);
 }
 
 void Reader::answer(const Request& request, Descriptor file) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "platform/linux/passing/PacketSocket.h"
 #include "platform/linux/passing/ReaderMessages.h"
@@ -22,6 +23,7 @@ class Reader {
 
  private:
   void answer(const ReaderMessages::Request& request, Descriptor file);
+  void judge(std::vector<Descriptor> files);
 
   PacketSocket& socket_;
   const ReaderMessages::Signals& signals_;

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <QtCore/QtGlobal>
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <utility>
@@ -50,6 +51,7 @@ uint64_t mostExtraBytes(const Request& request) {
     case Work::wholeness:
     case Work::picture:
     case Work::thumbnail:
+    case Work::wholenesses:
       break;
   }
   return 0;
@@ -146,6 +148,51 @@ std::optional<PictureError> ReaderPool::failureOf(const FileURL& url) {
   return reply.reason();
 }
 
+std::vector<std::optional<PictureError>> ReaderPool::failuresOf(const std::vector<FileURL>& urls) {
+  std::vector<Failure> failures;
+  failures.reserve(urls.size());
+  while (failures.size() < urls.size()) {
+    const FileURL* first = &urls[failures.size()];
+    const auto answers = judged(first, std::min(ReaderMessages::kMostFiles, urls.size() - failures.size()));
+    for (size_t i = 0; i < answers.size(); ++i) failures.push_back(answers[i] ? *answers[i] : failureOf(first[i]));
+  }
+  return failures;
+}
+
+std::vector<std::optional<ReaderPool::Failure>> ReaderPool::judged(const FileURL* urls, size_t count) {
+  std::vector<std::optional<Failure>> answers(count);
+  std::vector<Descriptor> files;
+  std::vector<int> numbers;
+  std::vector<size_t> places;
+  for (size_t i = 0; i < count; ++i) {
+    Descriptor file = openPicture(urls[i]);
+    struct stat status {};
+    const bool isFile = file && ::fstat(file.number(), &status) == 0 && S_ISREG(status.st_mode);
+    if (!isFile || status.st_size > ReaderMessages::kMemoryOfEach || bad_.isBad(BadPictures::fileOf(status))) continue;
+    numbers.push_back(file.number());
+    files.push_back(std::move(file));
+    places.push_back(i);
+  }
+  if (files.size() < 2) return answers;
+  const auto process = taken(pictures_);
+  if (!process) return answers;
+  const PictureMemory::Share share(memory_, ReaderMessages::kMemoryOfEach);
+  const auto verdicts = process->judge(numbers);
+  if (!verdicts) {
+    pictures_.drop(process);
+    return answers;
+  }
+  pictures_.giveBack(process);
+  wasUsed();
+  for (size_t i = 0; i < places.size(); ++i) {
+    const ReaderMessages::Verdict& verdict = verdicts->of[i];
+    const bool isKnown = verdict.isWhole <= 1 && verdict.reason <= static_cast<uint32_t>(PictureError::tooCostly);
+    if (verdict.isJudged != 1 || !isKnown) continue;
+    answers[places[i]] = verdict.isWhole ? Failure() : Failure(static_cast<PictureError>(verdict.reason));
+  }
+  return answers;
+}
+
 PictureReading::Picture ReaderPool::picture(const FileURL& url, const Stop& isStopped) {
   return pictureIn(ask(request(Work::picture), url, isStopped), std::numeric_limits<int>::max());
 }
@@ -206,14 +253,8 @@ ReaderPool::Asked ReaderPool::ask(const Request& request, const Descriptor& file
   ReaderLane& lane = request.work == static_cast<uint32_t>(Work::text) ? texts_ : pictures_;
   // One that dies may have been ended by something else than this picture.
   for (int attempt = 0; attempt < kMostAttempts && !bad_.isBad(identity) && !isStopped; ++attempt) {
-    const auto process = lane.take();
-    if (!process) {
-      if (!isEnded_) tellOnce("No picture can be read: the reader does not start");
-      return PictureError::unreadable;
-    }
-    if (const uint32_t missing = process->missingProtections(); missing != 0) {
-      tellOnce("Pictures are read without " + Protections::names(missing) + ", which this system has not");
-    }
+    const auto process = taken(lane);
+    if (!process) return PictureError::unreadable;
     // Of head and encoding no more is in memory than the program has anyhow.
     std::optional<PictureMemory::Share> all;
     if (status.st_size > kLargeFile && decodes(request)) all.emplace(memory_, kMemory);
@@ -232,6 +273,15 @@ ReaderPool::Asked ReaderPool::ask(const Request& request, const Descriptor& file
     if (outcome.end != End::died) break;
   }
   return bad_.isBad(identity) ? PictureError::tooCostly : PictureError::unreadable;
+}
+
+std::shared_ptr<ReaderProcess> ReaderPool::taken(ReaderLane& lane) {
+  auto process = lane.take();
+  if (!process && !isEnded_) tellOnce("No picture can be read: the reader does not start");
+  if (const uint32_t missing = process ? process->missingProtections() : 0; missing != 0) {
+    tellOnce("Pictures are read without " + Protections::names(missing) + ", which this system has not");
+  }
+  return process;
 }
 
 /// The memory has to be what the numbers say, to the byte.

@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "foundation/Executor.h"
 #include "platform/linux/passing/SealedMemory.h"
@@ -41,6 +42,9 @@ class ReaderPool final : public PictureReading, public std::enable_shared_from_t
 
   std::optional<PictureHead> head(const FileURL& url) override;
   std::optional<PictureError> failureOf(const FileURL& url) override;
+  /// The same of many, in their order. Small files go to a reader many at a time; where that gives no answer, each is
+  /// asked about alone, so that the one that is to blame is found.
+  std::vector<std::optional<PictureError>> failuresOf(const std::vector<FileURL>& urls);
   Picture picture(const FileURL& url, const Stop& isStopped) override;
   Picture thumbnail(const FileURL& url, int maxPixels, const Stop& isStopped) override;
   Picture thumbnail(std::string_view bytes, int maxPixels) override;
@@ -64,6 +68,10 @@ class ReaderPool final : public PictureReading, public std::enable_shared_from_t
   };
   using Request = ReaderMessages::Request;
   using Asked = Result<Reply, PictureError>;
+  using Failure = std::optional<PictureError>;
+  /// A file's failure, or none where it was not judged.
+  std::vector<std::optional<Failure>> judged(const FileURL* urls, size_t count);
+  std::shared_ptr<ReaderProcess> taken(ReaderLane& lane);
   Asked ask(const Request& request, const FileURL& url, const Stop& isStopped);
   Asked ask(const Request& request, const Descriptor& file, const Stop& isStopped);
   static Picture pictureIn(Asked reply, int maxPixels);

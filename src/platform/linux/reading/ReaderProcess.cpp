@@ -195,9 +195,7 @@ pid_t ReaderProcess::process() const {
 ReaderProcess::Outcome ReaderProcess::ask(const Request& request, int file, PictureMemory* memory,
                                           const std::atomic<bool>& isStopped) {
   signals_->isStopped = false;
-  // What comes before it was asked is no answer.
-  std::array<char, 1> early{};
-  if (::recv(socket_.number(), early.data(), early.size(), MSG_PEEK | MSG_DONTWAIT) > 0) return {End::lied};
+  if (!hasSaidNothing()) return {End::lied};
   if (!socket_.send(request, file)) return {End::gone};
   const auto& patience = request.work == static_cast<uint32_t>(Work::text) ? patience_.texts : patience_.work;
   milliseconds atMost = patience_.file;
@@ -230,6 +228,20 @@ ReaderProcess::Outcome ReaderProcess::ask(const Request& request, int file, Pict
     }
     atMost = patience;
   }
+}
+
+std::optional<ReaderMessages::Verdicts> ReaderProcess::judge(const std::vector<int>& files) {
+  const Request request{.work = static_cast<uint32_t>(Work::wholenesses)};
+  if (!hasSaidNothing() || !socket_.sendWith(request, files)) return std::nullopt;
+  if (wait(patience_.many, nullptr) != Wait::ready) return std::nullopt;
+  const auto verdicts = socket_.receive<ReaderMessages::Verdicts>();
+  return verdicts && verdicts->magic == ReaderMessages::kMagic ? verdicts : std::nullopt;
+}
+
+/// What comes before it was asked is no answer.
+bool ReaderProcess::hasSaidNothing() const {
+  std::array<char, 1> early{};
+  return ::recv(socket_.number(), early.data(), early.size(), MSG_PEEK | MSG_DONTWAIT) <= 0;
 }
 
 /// Looks now and then whether anybody still waits. One that is told to stop has a while to do so, and stays of use. One

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/linux/passing/PacketSocket.h"
 #include "platform/linux/passing/ReaderMessages.h"
@@ -22,6 +23,7 @@ class ReaderProcess {
     std::chrono::milliseconds work = std::chrono::seconds(60);    ///< on a picture
     std::chrono::milliseconds texts = std::chrono::seconds(180);  ///< on the text in one
     std::chrono::milliseconds stop = std::chrono::seconds(1);     ///< with one that was told to stop
+    std::chrono::milliseconds many = std::chrono::seconds(5);     ///< on many files, of which each can be asked alone
   };
 
   /// Null where it cannot be started, or is no reader of this build. Waits until it is ready, or nobody wants it.
@@ -48,6 +50,10 @@ class ReaderProcess {
   Outcome ask(const ReaderMessages::Request& request, int file, PictureMemory* memory,
               const std::atomic<bool>& isStopped);
 
+  /// Of many files, `kMostFiles` at most. None where it did not answer; then it is of no more use, and no file is to
+  /// blame.
+  std::optional<ReaderMessages::Verdicts> judge(const std::vector<int>& files);
+
   uint32_t missingProtections() const { return missing_; }
   pid_t process() const;
   /// From any thread, also while it is asked.
@@ -56,6 +62,7 @@ class ReaderProcess {
  private:
   class Child;
   ReaderProcess(PacketSocket socket, ReaderMessages::Signals* signals, std::shared_ptr<Child> child, Patience patience);
+  bool hasSaidNothing() const;
   enum class Wait { ready, late, stopped, halted };
   Wait wait(std::chrono::milliseconds atMost, const std::atomic<bool>* isStopped);
 

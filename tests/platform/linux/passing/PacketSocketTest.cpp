@@ -2,9 +2,12 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <sys/socket.h>
+#include <unistd.h>
 #include <array>
 #include <cstdint>
+#include <vector>
 
 namespace quillmere {
 namespace {
@@ -34,6 +37,28 @@ TEST_F(PacketSocketTest, HandsOverADescriptorThatIsNotInherited) {
   ASSERT_TRUE(came);
   EXPECT_NE(came.number(), file.number());
   EXPECT_TRUE(::fcntl(came.number(), F_GETFD) & FD_CLOEXEC);
+}
+
+TEST_F(PacketSocketTest, HandsOverManyDescriptorsInTheirOrder) {
+  std::vector<Descriptor> files;
+  std::vector<int> numbers;
+  for (size_t i = 0; i < PacketSocket::kMostDescriptors; ++i) {
+    files.emplace_back(::memfd_create("one", MFD_CLOEXEC));
+    ASSERT_EQ(::ftruncate(files.back().number(), static_cast<off_t>(i)), 0);
+    numbers.push_back(files.back().number());
+  }
+  std::vector<Descriptor> came;
+  EXPECT_TRUE(ends.one.sendWith(Word{1, 2}, numbers));
+  ASSERT_TRUE(ends.other.receiveWith<Word>(came, PacketSocket::kMostDescriptors));
+  ASSERT_EQ(came.size(), files.size());
+  for (size_t i = 0; i < came.size(); ++i) {
+    EXPECT_EQ(::lseek(came[i].number(), 0, SEEK_END), static_cast<off_t>(i));
+    EXPECT_TRUE(::fcntl(came[i].number(), F_GETFD) & FD_CLOEXEC);
+  }
+  EXPECT_TRUE(ends.one.sendWith(Word{1, 2}, numbers));
+  EXPECT_FALSE(ends.other.receiveWith<Word>(came, PacketSocket::kMostDescriptors - 1));
+  numbers.push_back(0);
+  EXPECT_FALSE(ends.one.sendWith(Word{1, 2}, numbers));
 }
 
 TEST_F(PacketSocketTest, TakesNothingOfAnotherLength) {

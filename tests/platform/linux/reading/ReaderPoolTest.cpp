@@ -171,6 +171,56 @@ TEST_F(ReaderPoolTest, SaysWhyAPictureIsNotRead) {
   EXPECT_EQ(reason(*pool, home.file("missing.png")), PictureError::unreadable);
 }
 
+TEST_F(ReaderPoolTest, JudgesManyAsItJudgesEach) {
+  const auto pool = readers();
+  const std::string whole = readBytes(drawn());
+  const std::array contents{whole, whole.substr(0, 60), std::string("no picture"), std::string()};
+  std::vector<FileURL> urls{home.file("missing.png"), home.url()};
+  for (size_t i = 0; i < 2 * ReaderMessages::kMostFiles; ++i) {
+    urls.push_back(home.file(std::to_string(i) + ".png"));
+    writeFile(urls.back(), contents[i % contents.size()]);
+  }
+  urls.push_back(home.file("costly.png"));
+  writeFile(urls.back(), whole + std::string(40'000'000, 'x'));
+  QImage large(4200, 4200, QImage::Format_RGB32);
+  large.fill(Qt::red);
+  urls.push_back(home.file("large.png"));
+  ASSERT_TRUE(large.save(urls.back().displayPath()));
+  const auto failures = pool->failuresOf(urls);
+  EXPECT_EQ(pool->running(), 1u);
+  ASSERT_EQ(failures.size(), urls.size());
+  for (size_t i = 0; i < urls.size(); ++i) EXPECT_EQ(failures[i], pool->failureOf(urls[i])) << urls[i].path();
+  EXPECT_EQ(failures[2], std::nullopt);
+  EXPECT_EQ(failures[3], PictureError::damaged);
+  EXPECT_EQ(failures.back(), std::nullopt);
+}
+
+TEST_F(ReaderPoolTest, AsksAloneWhereManyGetNoAnswer) {
+  const std::vector<FileURL> urls{drawn("a.png"), drawn("b.png"), drawn("c.png")};
+  ReaderProcess::Patience impatience;
+  impatience.work = milliseconds(1);
+  impatience.many = milliseconds(1);
+  for (const auto& [kind, patience] : {std::pair("hangs", impatience), {"dies", ReaderProcess::Patience()}}) {
+    const auto pool = hostile(kind, patience);
+    const auto alone = hostile(kind, patience);
+    const auto failures = pool->failuresOf(urls);
+    for (size_t i = 0; i < urls.size(); ++i) EXPECT_EQ(failures[i], alone->failureOf(urls[i])) << kind;
+    EXPECT_EQ(pool->running(), 0u) << kind;
+  }
+  for (const char* kind : {"garbage", "well", "wrong-verdicts"}) {
+    const auto pool = hostile(kind);
+    for (const auto& failure : pool->failuresOf(urls)) EXPECT_NE(failure, std::nullopt) << kind;
+  }
+}
+
+TEST_F(ReaderPoolTest, BlamesNoPictureForAReaderThatEndedOverMany) {
+  const auto pool = hostile("dies-once");
+  ::setenv("QUILLMERE_HOSTILE_MARK", home.file("mark").c_str(), 1);
+  const std::vector<FileURL> urls{drawn("a.png"), drawn("b.png")};
+  pool->failuresOf(urls);
+  for (const FileURL& url : urls) EXPECT_FALSE(read(*pool, url).isNull()) << "it was to blame for nothing";
+}
+
 TEST_F(ReaderPoolTest, OpensNothingButFiles) {
   const auto pool = readers();
   const FileURL link = home.file("link.png");

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "platform/linux/passing/PacketSocket.h"
 #include "platform/linux/passing/PassedPicture.h"
@@ -144,6 +145,10 @@ void answerAs(const std::string& kind, PacketSocket& socket) {
     failed.isDone = 0;
     failed.reason = 77;
     socket.send(failed);
+  } else if (kind == "wrong-verdicts") {
+    ReaderMessages::Verdicts verdicts;
+    for (auto& verdict : verdicts.of) verdict = {.isJudged = 7, .isWhole = 1, .reason = 77};
+    socket.send(verdicts);
   } else if (kind == "wrong-head") {
     answer.shape = {};
     answer.format = 77;
@@ -162,9 +167,9 @@ int main() {
   PacketSocket socket{Descriptor(ReaderMessages::kSocket)};
   const uint32_t version = kind == "other-version" ? ReaderMessages::kVersion + 1 : ReaderMessages::kVersion;
   socket.send(ReaderMessages::Greeting{ReaderMessages::kMagic, version, 0});
-  Descriptor file;
-  while (socket.receive<Request>(&file)) {
-    file = Descriptor();
+  std::vector<Descriptor> files;
+  while (socket.receiveWith<Request>(files, ReaderMessages::kMostFiles)) {
+    files.clear();
     answerAs(kind, socket);
   }
   return 0;
