@@ -149,7 +149,8 @@ TEST_F(CapturePromptPanelControllerTest, CardAndPictureAreMadeAheadForOneThatIsE
   ASSERT_TRUE(popup->panel());
   const int64_t cached = thumbnails.cachedBytes();
   EXPECT_GT(cached, 0);
-  show();
+  monitor.onScreenshot(shots.appending("1.png"));
+  settle();
   EXPECT_TRUE(isVisible());
   EXPECT_EQ(thumbnails.cachedBytes(), cached) << "it is the picture that the card shows";
   popup->expect(shots.appending("2.png"), *model);
