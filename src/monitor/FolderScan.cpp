@@ -18,7 +18,14 @@ std::optional<Fingerprint> fingerprintOf(const std::optional<FileStatus>& status
 struct Entry {
   FileURL url;
   std::optional<Fingerprint> fingerprint;
+  bool waitsForTurn = false;  ///< it was not looked at, and the fingerprint is that of the last look
 };
+
+/// For its first examination. What has had its turn is asked again without one, or many that fail would keep the others
+/// from theirs.
+bool waitsForTurn(const Snapshot::PendingLook& pending) {
+  return pending.attempts == 1 && !pending.complete;
+}
 
 struct Listing {
   std::vector<Entry> entries;  // names that are not known
@@ -26,7 +33,8 @@ struct Listing {
 };
 
 /// None when the folder cannot be listed.
-std::optional<Listing> listUnknown(const FileURL& directory, const URLSet& known) {
+std::optional<Listing> listUnknown(const Snapshot& snapshot, const URLSet& known) {
+  const FileURL& directory = snapshot.directory;
   Listing listing;
   listing.found.resize(known.size());
   size_t guess = 0;
@@ -41,6 +49,11 @@ std::optional<Listing> listUnknown(const FileURL& directory, const URLSet& known
       guess = *place + 1;
       return;
     }
+    const auto pending = snapshot.pending.find(std::string_view(path));
+    if (pending != snapshot.pending.end() && waitsForTurn(pending->second)) {
+      listing.entries.push_back({pending->first, pending->second.fingerprint, true});
+      return;
+    }
     const auto status = fileStatus(folder, name);
     // Listed as a file but closed to a look, as in a folder that may only be listed: there, and nothing known of it.
     const bool isUnreadable = !status && kind == EntryKind::regular && errno != ENOENT;
@@ -51,41 +64,26 @@ std::optional<Listing> listUnknown(const FileURL& directory, const URLSet& known
   return listing;
 }
 
-/// A part of all grows with their number, so that looking at the rest once more costs less than decoding it.
-size_t portionOf(size_t files) {
-  return std::max(kLeastPortion, files / 8);
-}
-
-bool isFirstExamination(const Snapshot::PendingLook& pending) {
-  return pending.attempts == 1 && !pending.complete;
-}
-
 /// The tests of files that have held still.
 class Examination {
  public:
-  Examination(const Snapshot& snapshot, size_t portion) : snapshot_(snapshot), left_(portion) {}
+  explicit Examination(const Snapshot& snapshot) : snapshot_(snapshot) {}
 
-  /// False for one whose turn is in the next scan.
-  bool begin(Observation& seen, size_t place) {
-    if (!seen.fingerprint) return true;
+  void begin(Observation& seen, size_t place) {
+    if (!seen.fingerprint) return;
     const auto ignored = snapshot_.ignored.find(seen.url);
-    if (ignored != snapshot_.ignored.end() && ignored->second == *seen.fingerprint) return true;
+    if (ignored != snapshot_.ignored.end() && ignored->second == *seen.fingerprint) return;
     const auto pending = snapshot_.pending.find(seen.url);
-    if (pending == snapshot_.pending.end() || pending->second.fingerprint != *seen.fingerprint) return true;
+    if (pending == snapshot_.pending.end() || pending->second.fingerprint != *seen.fingerprint) return;
     const auto known = snapshot_.evidence.find(seen.url);
-    if (known == snapshot_.evidence.end()) return true;
+    if (known == snapshot_.evidence.end()) return;
 
-    // What has had its turn is asked again without one, or many that fail would keep the others from theirs.
-    const bool isFirst = isFirstExamination(pending->second);
-    if (isFirst && left_ == 0) return false;
-    if (isFirst) --left_;
     seen.evidence = known->second;
     if (pending->second.complete) {
       whole_.push_back(place);
     } else if (isWorthDecoding(seen)) {
       undecoded_.push_back(place);
     }
-    return true;
   }
 
   /// All that are to be decoded together, which takes less time than one by one.
@@ -158,59 +156,59 @@ class Examination {
   }
 
   const Snapshot& snapshot_;
-  size_t left_;                    ///< turns
   std::vector<size_t> undecoded_;  ///< places of observations
   std::vector<size_t> whole_;
   bool wasAsked_ = false;
   bool isSynced_ = false;
 };
 
-void observe(const Snapshot& snapshot, std::vector<Entry> entries, size_t portion, const URLSet& skipped,
-             ScanResult& result) {
-  Examination examination(snapshot, portion);
-  // Neither a directory nor the table of pending files has an order; what comes in one burst is met in the order it was
-  // taken, so that the popups come oldest first.
-  std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
-    const auto key = [](const Entry& entry) {
-      return std::pair(entry.fingerprint ? entry.fingerprint->modified.seconds : 0, std::string_view(entry.url.path()));
-    };
-    return key(a) < key(b);
-  });
+/// Entries come oldest first: neither a directory nor the table of pending files has an order, and what comes in one
+/// burst is met in the order it was taken, so that the popups come oldest first.
+bool isOlder(const Entry& a, const Entry& b) {
+  const auto key = [](const Entry& entry) {
+    return std::pair(entry.fingerprint ? entry.fingerprint->modified.seconds : 0, std::string_view(entry.url.path()));
+  };
+  return key(a) < key(b);
+}
+
+/// Looks at the oldest `portion` of those that wait for their turn, and leaves out the others. Answers whether there
+/// are any.
+bool takeTurns(std::vector<Entry>& entries, size_t portion) {
+  const auto waiting =
+      std::partition(entries.begin(), entries.end(), [](const Entry& entry) { return !entry.waitsForTurn; });
+  const bool isAnyPutOff = static_cast<size_t>(entries.end() - waiting) > portion;
+  if (isAnyPutOff) {
+    const auto last = waiting + static_cast<std::ptrdiff_t>(portion);
+    std::nth_element(waiting, last, entries.end(), &isOlder);
+    entries.erase(last, entries.end());
+  }
+  for (auto entry = waiting; entry != entries.end(); ++entry) entry->fingerprint = readFingerprint(entry->url);
+  return isAnyPutOff;
+}
+
+void observe(const Snapshot& snapshot, std::vector<Entry> entries, const URLSet& skipped, ScanResult& result) {
+  // A part of all grows with their number, so that looking at the rest once more costs less than decoding it.
+  result.isAnyPutOff = takeTurns(entries, std::max(kLeastPortion, entries.size() / 8));
+  std::sort(entries.begin(), entries.end(), &isOlder);
+  Examination examination(snapshot);
   std::vector<Observation>& observations = result.observations.emplace();
   for (Entry& entry : entries) {
     if (skipped.contains(entry.url)) continue;
     Observation& seen = observations.emplace_back();
     seen.url = std::move(entry.url);
     seen.fingerprint = entry.fingerprint;
-    if (examination.begin(seen, observations.size() - 1)) continue;
-    observations.pop_back();
-    result.isAnyPutOff = true;
+    examination.begin(seen, observations.size() - 1);
   }
   examination.end(observations);
 }
 
-/// Of those that still wait for their first turn only the oldest `portion`: the others are not even looked at.
-std::vector<Entry> lookAtPending(const Snapshot& snapshot, size_t portion, bool& isAnyPutOff) {
-  using Pending = decltype(snapshot.pending)::value_type;
+std::vector<Entry> pendingEntries(const Snapshot& snapshot) {
   std::vector<Entry> entries;
-  std::vector<const Pending*> waiting;
-  for (const Pending& pending : snapshot.pending) {
-    if (isFirstExamination(pending.second)) {
-      waiting.push_back(&pending);
-    } else {
-      entries.push_back({pending.first, readFingerprint(pending.first)});
-    }
+  entries.reserve(snapshot.pending.size());
+  for (const auto& [url, pending] : snapshot.pending) {
+    const bool waits = waitsForTurn(pending);
+    entries.push_back({url, waits ? pending.fingerprint : readFingerprint(url), waits});
   }
-  isAnyPutOff = waiting.size() > portion;
-  if (isAnyPutOff) {
-    const auto key = [](const Pending* one) {
-      return std::pair(one->second.fingerprint.modified.seconds, std::string_view(one->first.path()));
-    };
-    std::nth_element(waiting.begin(), waiting.begin() + static_cast<std::ptrdiff_t>(portion), waiting.end(),
-                     [&](const Pending* a, const Pending* b) { return key(a) < key(b); });
-    waiting.resize(portion);
-  }
-  for (const Pending* one : waiting) entries.push_back({one->first, readFingerprint(one->first)});
   return entries;
 }
 
@@ -251,8 +249,7 @@ std::optional<Fingerprint> readFingerprint(const FileURL& url) {
 ScanResult performScan(const Snapshot& snapshot) {
   ScanResult result;
   if (!snapshot.full) {
-    const size_t portion = portionOf(snapshot.pending.size());
-    observe(snapshot, lookAtPending(snapshot, portion, result.isAnyPutOff), portion, *snapshot.known, result);
+    observe(snapshot, pendingEntries(snapshot), *snapshot.known, result);
     return result;
   }
 
@@ -262,7 +259,7 @@ ScanResult performScan(const Snapshot& snapshot) {
   // A mount point whose file system is away may still be a folder, an empty one: listing it would lose every record.
   std::optional<Listing> listing;
   const bool isMounted = snapshot.services.isVolumeMounted(snapshot.directory);
-  if (isMounted) listing = listUnknown(snapshot.directory, known);
+  if (isMounted) listing = listUnknown(snapshot, known);
   if (!listing) {
     result.unavailable = isMounted ? WatcherStatus::notFound : WatcherStatus::volumeNotConnected;
     return result;
@@ -282,8 +279,7 @@ ScanResult performScan(const Snapshot& snapshot) {
   result.absentPending = absent(snapshot.pending, current);
   result.absentIgnored = absent(snapshot.ignored, current);
   result.absentEvidence = absent(snapshot.evidence, current);
-  const size_t portion = portionOf(listing->entries.size());
-  observe(snapshot, std::move(listing->entries), portion, result.baseline, result);
+  observe(snapshot, std::move(listing->entries), result.baseline, result);
   if (snapshot.seeksNewcomer && !isBaseline) result.newcomer = loneNewcomer(snapshot, *result.observations);
   return result;
 }

@@ -56,6 +56,7 @@ CapturePromptPanelController::CapturePromptPanelController(Services services)
 CapturePromptPanelController::~CapturePromptPanelController() {
   cancelOpening();
   if (recessEnd_) services_.executor->cancelDelay(*recessEnd_);
+  if (tellingMore_) services_.executor->cancelDelay(*tellingMore_);
 }
 
 void CapturePromptPanelController::present(const ScreenshotItem& item, AppModel& model) {
@@ -166,7 +167,7 @@ void CapturePromptPanelController::scheduleUpdate() {
 void CapturePromptPanelController::applyUpdate() {
   if (isApplyingUpdate_ || !panel_ || !model_) return;
   auto next = makeContent();
-  if (!next) return;
+  if (!next || (onlyMoreWait(*next) && isTellingLater())) return;
   isApplyingUpdate_ = true;
   ++updateCount_;
   const int height =
@@ -196,6 +197,34 @@ void CapturePromptPanelController::applyUpdate() {
   if (!isFixed) setFrame(LivePanelScreens::toQt(placement.window));
   followCountdown();
   isApplyingUpdate_ = false;
+}
+
+/// Whether nothing else is new.
+bool CapturePromptPanelController::onlyMoreWait(CapturePromptContent next) const {
+  if (!content_ || isNote_ || next.queuedCount <= content_->queuedCount) return false;
+  next.queuedCount = content_->queuedCount;
+  next.scrolls = content_->scrolls;
+  return next == *content_;
+}
+
+/// Of a few that come behind the card it tells at once, of many ten times a second: each number is a layout of the
+/// card.
+bool CapturePromptPanelController::isTellingLater() {
+  static constexpr Duration kPause = std::chrono::milliseconds(100);
+  constexpr int kMostAtOnce = 8;
+  if (tellingMore_) return true;
+  const Instant now = services_.executor->instant();
+  const Duration wait = tellingTime_ - now - (kMostAtOnce - 1) * kPause;
+  tellingTime_ = std::max(tellingTime_, now) + kPause;
+  if (wait <= Duration::zero()) return false;
+  tellingMore_ = services_.executor->startDelay(wait, [this](bool elapsed) {
+    tellingMore_.reset();
+    if (!elapsed) return;
+    // It has had its wait.
+    tellingTime_ -= kPause;
+    scheduleUpdate();
+  });
+  return true;
 }
 
 void CapturePromptPanelController::followCountdown() {

@@ -74,6 +74,8 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
   static bool belongsTo(const QWidget* widget, const QWidget& window);
   void scheduleUpdate();
   void applyUpdate();
+  bool onlyMoreWait(CapturePromptContent next) const;
+  bool isTellingLater();
   std::optional<CapturePromptContent> makeContent();
   int measuredHeight(CapturePromptContent content);
   void setFrame(const QRect& frame);
@@ -111,6 +113,8 @@ class CapturePromptPanelController final : public CapturePromptPresenting {
   std::optional<Executor::DelayID> recessEnd_;
   size_t queueLength_ = 0;
   bool isUpdateScheduled_ = false;
+  std::optional<Executor::DelayID> tellingMore_;
+  Instant tellingTime_;  ///< until when numbers that grew have used up their updates
   bool isApplyingUpdate_ = false;
   int updateCount_ = 0;
   int viewChangeCount_ = 0;

@@ -10,7 +10,7 @@ import uuid
 import captures
 
 _REFERENCE = 978307200  # 2001-01-01, from which dates are counted
-_TEXT = "The quick brown fox jumps over the lazy dog and asks what a list says of it.\n" * 25
+_TEXT = "The quick brown fox jumps over the lazy dog and asks what a list says of it.\n" * 22  # with the rest of a record 2.4 kB
 
 
 def write_files(folder, count, first=datetime.datetime(2025, 11, 1), seconds=61):

@@ -575,12 +575,39 @@ TEST_F(FolderScanTest, NobodyIsPutOffWhenAllHaveTheirTurn) {
   }
 }
 
-TEST_F(FolderScanTest, AFullScanTellsOfAnyThatHasChanged) {
-  for (size_t i = 0; i < kLeastPortion; ++i) havePending(make(std::to_string(i) + ".png"));
+TEST_F(FolderScanTest, WhatChangesWhileItWaitsIsSeenAtItsTurn) {
+  std::vector<FileURL> first;
+  for (size_t i = 0; i < kLeastPortion; ++i) {
+    first.push_back(make(std::to_string(i) + ".png"));
+    havePending(first.back());
+  }
   const FileURL last = make("last.png", kNow + 1.0);
   havePending(last);
   writeFile(last, "more bytes than it had");
-  EXPECT_EQ(performScan(snapshot).observations->back().url, last);
+  for (const bool isFull : {true, false}) {
+    snapshot.full = isFull;
+    EXPECT_EQ(performScan(snapshot).observations->size(), kLeastPortion);
+  }
+  know(first);
+  for (const FileURL& url : first) snapshot.pending.erase(url);
+  for (const bool isFull : {true, false}) {
+    snapshot.full = isFull;
+    const Observation seen = onlyObservation();
+    EXPECT_EQ(seen.fingerprint, readFingerprint(last));
+    EXPECT_EQ(seen.decodesCompletely, std::nullopt) << "it has not held still";
+  }
+}
+
+TEST_F(FolderScanTest, WhatLeavesWhileItWaitsIsForgotten) {
+  std::vector<FileURL> urls;
+  for (size_t i = 0; i < kLeastPortion + 1; ++i) {
+    urls.push_back(make(std::to_string(i) + ".png", kNow + static_cast<double>(i)));
+    havePending(urls.back());
+  }
+  ASSERT_EQ(::unlink(urls.back().c_str()), 0);
+  const ScanResult result = performScan(snapshot);
+  EXPECT_FALSE(result.isAnyPutOff);
+  EXPECT_EQ(result.absentPending, std::vector{urls.back()});
 }
 
 TEST_F(FolderScanTest, WhatHasHadItsTurnKeepsNobodyFromTheirs) {

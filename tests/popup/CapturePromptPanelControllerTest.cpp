@@ -260,6 +260,33 @@ TEST_F(CapturePromptPanelControllerTest, AThousandChangesInOneTurnCostOneUpdate)
   EXPECT_EQ(popup->content()->error->title, QStringLiteral("1000"));
 }
 
+TEST_F(CapturePromptPanelControllerTest, OfAFewThatComeBehindItTellsAtOnceAndOfManyTenTimesASecond) {
+  show();
+  auto arrive = [this, number = 0]() mutable {
+    const QByteArray name = "more" + QByteArray::number(++number) + ".png";
+    savePicture(name.constData(), QSize(8, 8));
+    monitor.onScreenshot(shots.appending(name.toStdString()));
+    executor.drain();
+  };
+  for (int i = 1; i <= 5; ++i) {
+    arrive();
+    EXPECT_EQ(popup->content()->queuedCount, i);
+  }
+  const int shown = popup->viewChangeCount();
+  for (int i = 0; i < 100; ++i) arrive();
+  EXPECT_LE(popup->viewChangeCount(), shown + 5);
+  EXPECT_LT(popup->content()->queuedCount, 105);
+  executor.advance(std::chrono::milliseconds(100));
+  EXPECT_EQ(popup->content()->queuedCount, 105);
+  executor.advance(std::chrono::seconds(1));
+  arrive();
+  EXPECT_EQ(popup->content()->queuedCount, 106);
+  for (int i = 0; i < 20; ++i) arrive();
+  model->dismissPrompt();
+  settle();
+  EXPECT_EQ(popup->content()->queuedCount, 125) << "a decision shows at once";
+}
+
 TEST_F(CapturePromptPanelControllerTest, AChangeThatShowsNowhereCostsNothing) {
   show();
   const int shown = popup->viewChangeCount();

@@ -146,7 +146,7 @@ void LiveServices::holdUndecided(const AppModel& model) {
 
 /// In the background, and with a pause after it: in a burst there are others at each turn of the loop.
 void LiveServices::holdNow(const AppModel& model) {
-  constexpr Duration kPause = std::chrono::milliseconds(250);
+  static constexpr Duration kPause = std::chrono::milliseconds(250);
   isHoldDue_ = false;
   std::vector<FileURL> files;
   model.items().forEach([&](const ScreenshotItem& item) {
