@@ -1,6 +1,7 @@
 #include "formats/HeifReferences.h"
 
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <optional>
 #include <vector>
@@ -8,9 +9,10 @@
 namespace quillmere {
 namespace {
 
-/// As many parts as the largest grid has.
-constexpr size_t kMostDecodings = 65'536 + 1;
+/// 200 megapixels in parts of 512 by 512 are 768. Each part takes some milliseconds, however small it is.
+constexpr size_t kMostDecodings = 2'048 + 1;
 constexpr size_t kDeepest = 16;
+constexpr size_t kEndless = std::numeric_limits<size_t>::max();
 
 /// Takes numbers, most significant byte first, and ranges from the front.
 class Bytes {
@@ -80,11 +82,14 @@ class Needs {
     return true;
   }
 
-  bool areSound() {
+  HeifReferences judged() {
+    bool isCostly = false;
     for (const auto& [item, parts] : parts_) {
-      if (decodings(item, 0) > kMostDecodings) return false;
+      const size_t needed = decodings(item, 0);
+      if (needed == kEndless) return HeifReferences::endless;
+      isCostly = isCostly || needed > kMostDecodings;
     }
-    return true;
+    return isCostly ? HeifReferences::costly : HeifReferences::sound;
   }
 
  private:
@@ -105,12 +110,13 @@ class Needs {
 
   /// Of the item and all it needs, counted as often as they are needed. A circle is deeper than anything.
   size_t decodings(Item item, size_t depth) {
-    if (depth > kDeepest) return kMostDecodings + 1;
+    if (depth > kDeepest) return kEndless;
     if (const auto known = known_.find(item); known != known_.end()) return known->second;
     size_t sum = 1;
     if (const auto parts = parts_.find(item); parts != parts_.end()) {
       for (const Item part : parts->second) {
-        sum += decodings(part, depth + 1);
+        const size_t needed = decodings(part, depth + 1);
+        sum = needed == kEndless ? kEndless : sum + needed;
         if (sum > kMostDecodings) break;
       }
     }
@@ -124,19 +130,19 @@ class Needs {
 
 }  // namespace
 
-bool areHeifReferencesSound(std::string_view file) {
+HeifReferences heifReferences(std::string_view file) {
   Needs needs;
   Bytes bytes(file);
   while (const auto box = nextBox(bytes)) {
     if (box->type != "meta") continue;
     Bytes inside(box->content);
-    if (!inside.range(4)) return false;  // version and flags
+    if (!inside.range(4)) return HeifReferences::endless;  // version and flags
     while (!inside.isAtEnd()) {
       const auto child = nextBox(inside);
-      if (!child || (child->type == "iref" && !needs.add(child->content))) return false;
+      if (!child || (child->type == "iref" && !needs.add(child->content))) return HeifReferences::endless;
     }
   }
-  return needs.areSound();
+  return needs.judged();
 }
 
 }  // namespace quillmere

@@ -26,34 +26,37 @@ std::string file(const std::string& references) {
          box("mdat", "data");
 }
 
-TEST(HeifReferences, OfOrdinaryPicturesAreSound) {
-  EXPECT_TRUE(areHeifReferencesSound({}));
-  EXPECT_TRUE(areHeifReferencesSound(file({})));
+TEST(HeifReferencesTest, OfOrdinaryPicturesAreSound) {
+  EXPECT_EQ(heifReferences({}), HeifReferences::sound);
+  EXPECT_EQ(heifReferences(file({})), HeifReferences::sound);
   const std::string tiles = reference("dimg", 9, {1, 2, 3, 4});
-  EXPECT_TRUE(areHeifReferencesSound(file(tiles)));
-  EXPECT_TRUE(areHeifReferencesSound(file(tiles + reference("thmb", 10, {9}) + reference("cdsc", 11, {9}))));
-  EXPECT_TRUE(areHeifReferencesSound(file(tiles + reference("auxl", 12, {9}) + reference("prem", 9, {12}))));
-  EXPECT_TRUE(areHeifReferencesSound(file(reference("dimg", 9, std::vector<uint32_t>(65'000, 1)))));
+  EXPECT_EQ(heifReferences(file(tiles)), HeifReferences::sound);
+  EXPECT_EQ(heifReferences(file(tiles + reference("thmb", 10, {9}) + reference("cdsc", 11, {9}))),
+            HeifReferences::sound);
+  EXPECT_EQ(heifReferences(file(tiles + reference("auxl", 12, {9}) + reference("prem", 9, {12}))),
+            HeifReferences::sound);
+  EXPECT_EQ(heifReferences(file(reference("dimg", 9, std::vector<uint32_t>(2'048, 1)))), HeifReferences::sound);
 }
 
-TEST(HeifReferences, InACircleAreNot) {
-  EXPECT_FALSE(areHeifReferencesSound(file(reference("dimg", 1, {1}))));
-  EXPECT_FALSE(
-      areHeifReferencesSound(file(reference("dimg", 1, {2}) + reference("dimg", 2, {3}) + reference("dimg", 3, {1}))));
-  EXPECT_FALSE(areHeifReferencesSound(file(reference("auxl", 1, {1}))));
-  EXPECT_FALSE(areHeifReferencesSound(file(reference("auxl", 1, {2}) + reference("dimg", 1, {2}))));
+TEST(HeifReferencesTest, InACircleAreEndless) {
+  EXPECT_EQ(heifReferences(file(reference("dimg", 1, {1}))), HeifReferences::endless);
+  const std::string three = reference("dimg", 1, {2}) + reference("dimg", 2, {3}) + reference("dimg", 3, {1});
+  EXPECT_EQ(heifReferences(file(three)), HeifReferences::endless);
+  EXPECT_EQ(heifReferences(file(reference("auxl", 1, {1}))), HeifReferences::endless);
+  EXPECT_EQ(heifReferences(file(reference("auxl", 1, {2}) + reference("dimg", 1, {2}))), HeifReferences::endless);
 }
 
-TEST(HeifReferences, ThatMultiplyAreNot) {
+TEST(HeifReferencesTest, ToTooManyPartsAreCostly) {
+  EXPECT_EQ(heifReferences(file(reference("dimg", 9, std::vector<uint32_t>(2'049, 1)))), HeifReferences::costly);
   std::string levels;
   for (uint32_t i = 1; i < 8; ++i) levels += reference("dimg", i, std::vector<uint32_t>(100, i + 1));
-  EXPECT_FALSE(areHeifReferencesSound(file(levels)));
+  EXPECT_EQ(heifReferences(file(levels)), HeifReferences::costly);
 }
 
-TEST(HeifReferences, ThatAreCutOffAreNot) {
+TEST(HeifReferencesTest, ThatAreCutOffAreNotSound) {
   const std::string whole = reference("dimg", 9, {1, 2});
   for (size_t length = 1; length < whole.size(); ++length) {
-    EXPECT_FALSE(areHeifReferencesSound(file(whole.substr(0, length)))) << length;
+    EXPECT_EQ(heifReferences(file(whole.substr(0, length))), HeifReferences::endless) << length;
   }
 }
 

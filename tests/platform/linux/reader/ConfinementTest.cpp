@@ -56,6 +56,13 @@ TEST_F(ConfinementTest, TakesFilesConnectionsProgramsAndOtherProcesses) {
   EXPECT_FALSE(fileExists(home.file("other")));
 }
 
+TEST_F(ConfinementTest, AllowsMemoryForAWhile) {
+  const std::string text = told("all");
+  EXPECT_THAT(text, HasSubstr("memory that is allowed succeeds\n"));
+  EXPECT_THAT(text, HasSubstr("more memory than is allowed fails\n"));
+  EXPECT_THAT(text, HasSubstr("memory afterwards succeeds\n"));
+}
+
 TEST_F(ConfinementTest, TakesThemByTheFilterAloneToo) {
   const std::string text = told("filter");
   for (const char* what : kPossible) EXPECT_THAT(text, HasSubstr(std::string(what) + " succeeds\n"));
