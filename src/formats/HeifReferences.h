@@ -8,7 +8,7 @@ namespace quillmere {
 enum class HeifReferences {
   sound,
   costly,  ///< more parts than any camera makes, each of which takes a decoder of its own
-  endless  ///< one is made of itself; or they cannot be read
+  endless  ///< one is made of itself, or of what is no picture; or they cannot be read
 };
 HeifReferences heifReferences(std::string_view file);
 

@@ -42,6 +42,16 @@ std::string beside(const Item& item, const std::string& references) {
                  .properties = {one.settings, said(64, 64)},
                  .references = references});
 }
+/// Made of something that is no picture: an item that is of another kind, or that there is not.
+std::string madeOf(const std::string& type, const std::string& data, size_t part) {
+  return fileOf({.items = {{.type = type, .properties = {1}, .data = data}, {.type = "Exif", .data = "x"}},
+                 .properties = {said(64, 64)},
+                 .references = reference("dimg", 1, part, 1)});
+}
+/// Of 64 by 64, with one part in its corner.
+std::string overlay() {
+  return std::string(10, '\0') + short16(64) + short16(64) + short16(0) + short16(0);
+}
 std::string profile(std::string_view type, const std::string& bytes) {
   return box("colr", std::string(type) + bytes);
 }
@@ -78,7 +88,7 @@ std::vector<HostilePicture> hostileHeifItems() {
       row(
           "tiles-all-the-same", kTooCostly, [] { return tiled(65'535, 1'024, 1'024, grid(256, 256, 1'024, 1'024), 0); },
           400),
-      row("tile-that-is-missing", "128x64, damaged, damaged",
+      row("tile-that-is-missing", kNone,
           [] {
             const Coded one = usual();
             return fileOf({.items = {{.type = "grid", .properties = {3}, .data = grid(1, 2, 128, 64)},
@@ -97,6 +107,11 @@ std::vector<HostilePicture> hostileHeifItems() {
             parts.items.push_back({.properties = {1, 2}, .data = one.data});
             return fileOf(parts);
           }),
+      row("same-as-what-is-no-picture", kNone, [] { return madeOf("iden", "", 2); }),
+      row("same-as-nothing", kNone, [] { return madeOf("iden", "", 9); }),
+      row("overlay-of-what-is-no-picture", kNone, [] { return madeOf("iovl", overlay(), 2); }),
+      row("overlay-of-nothing", kNone, [] { return madeOf("iovl", overlay(), 9); }),
+      row("grid-of-what-is-no-picture", kNone, [] { return madeOf("grid", grid(1, 1, 64, 64), 2); }),
       row("same-as-itself", kNone,
           [] {
             return fileOf({.items = {{.type = "iden", .properties = {1}}},

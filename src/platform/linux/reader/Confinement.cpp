@@ -73,6 +73,15 @@ void dropCapabilities() {
   ::syscall(SYS_capset, &header, none);
 }
 
+/// Sanitizers lay claim to terabytes that they never use.
+constexpr bool isWatched() {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  return true;
+#else
+  return false;
+#endif
+}
+
 /// The kernel's table of this process's memory, which cannot be opened any more when it is needed.
 int memoryTable = -1;
 
@@ -95,10 +104,9 @@ void limitMemory(rlim_t bytes) {
 
 }  // namespace
 
-Confinement::MemoryAllowance::MemoryAllowance([[maybe_unused]] int64_t bytes) {
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-  if (const auto now = memoryNow()) limitMemory(static_cast<rlim_t>(*now + bytes));
-#endif
+Confinement::MemoryAllowance::MemoryAllowance(int64_t bytes) {
+  const auto now = memoryNow();
+  if (!isWatched() && now) limitMemory(static_cast<rlim_t>(*now + bytes));
 }
 
 Confinement::MemoryAllowance::~MemoryAllowance() {
@@ -111,10 +119,7 @@ uint32_t Confinement::begin() {
   ::prctl(PR_SET_DUMPABLE, 0);
   limit(RLIMIT_CORE, 0);
   limit(RLIMIT_NOFILE, kMostFiles);
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-  // Sanitizers lay claim to terabytes that they never use.
-  limit(RLIMIT_AS, kMostMemory);
-#endif
+  if (!isWatched()) limit(RLIMIT_AS, kMostMemory);
   return ::unshare(CLONE_NEWUSER | CLONE_NEWNET | CLONE_NEWNS | CLONE_NEWIPC | CLONE_NEWUTS) == 0
              ? 0
              : Protections::namespaces | Protections::emptyRoot;
