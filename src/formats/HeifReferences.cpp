@@ -175,6 +175,15 @@ std::optional<Needs> needsIn(std::string_view file) {
 
 }  // namespace
 
+int64_t heifDescriptionBytes(std::string_view file) {
+  size_t sum = 0;
+  Bytes bytes(file);
+  while (const auto box = nextBox(bytes)) {
+    if (box->type == "meta") sum += box->content.size();
+  }
+  return static_cast<int64_t>(sum);
+}
+
 HeifReferences heifReferences(std::string_view file) {
   auto needs = needsIn(file);
   return needs ? needs->judged() : HeifReferences::endless;

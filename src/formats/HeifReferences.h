@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 namespace quillmere {
@@ -11,5 +12,8 @@ enum class HeifReferences {
   endless  ///< one is made of itself, or of what is no picture; or they cannot be read
 };
 HeifReferences heifReferences(std::string_view file);
+
+/// How many bytes describe the pictures, their colour profiles among them: the library takes them one by one.
+int64_t heifDescriptionBytes(std::string_view file);
 
 }  // namespace quillmere

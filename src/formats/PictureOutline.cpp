@@ -65,7 +65,8 @@ Outcome outlineOfJpeg(std::string_view beginning, int64_t fileBytes, const Pictu
 
 Outcome outlineOfHeif(std::string_view file, int64_t fileBytes, const PictureBudget& budget) {
   if (fileBytes > PictureOutline::kMostHeifBytes) return PictureError::tooCostly;
-  if (heifReferences(file) == HeifReferences::costly) return PictureError::tooCostly;
+  const bool isDescribedAtLength = heifDescriptionBytes(file) > budget.besidesPixels;
+  if (isDescribedAtLength || heifReferences(file) == HeifReferences::costly) return PictureError::tooCostly;
   const auto size = HeifFile(file).size();
   if (!size) return PictureError::damaged;
   PictureOutline outline{PictureFormat::heif, *size};

@@ -85,6 +85,14 @@ TEST(HeifReferencesTest, AreReadWithLongNumbersToo) {
   EXPECT_EQ(heifReferences(with(4'464)), HeifReferences::endless) << "the lower half alone";
 }
 
+TEST(HeifReferencesTest, StandInADescriptionOfSoManyBytes) {
+  EXPECT_EQ(heifDescriptionBytes({}), 0);
+  const std::string described = box("ftyp", "heic") + box("meta", std::string(1000, 'm')) + box("mdat", "data");
+  EXPECT_EQ(heifDescriptionBytes(described), 1000);
+  EXPECT_EQ(heifDescriptionBytes(described + box("meta", "m")), 1001);
+  EXPECT_EQ(heifDescriptionBytes(described.substr(0, 500)), 0) << "which is cut off";
+}
+
 TEST(HeifReferencesTest, ThatAreCutOffAreNotSound) {
   const std::string whole = reference("dimg", 9, {1, 2});
   for (size_t length = 1; length < whole.size(); ++length) {
