@@ -8,9 +8,9 @@
 #include <fstream>
 #include <string>
 
+#include "PictureFuzzing.h"
 #include "formats/PngReader.h"
 #include "hostile/PictureEntryPoints.h"
-#include "png/PngChunks.h"
 #include "png/PngTexts.h"
 
 using namespace quillmere;
@@ -29,26 +29,7 @@ void compareReaders(std::string_view bytes) {
     std::abort();
 }
 
-/// The chunks with their checksums made right, which hardly any random change leaves right.
-std::string repaired(std::string_view bytes) {
-  std::string result(kPngSignature);
-  PngChunks chunks(bytes);
-  while (const auto chunk = chunks.next()) result += encodedPngChunk(chunk->type, chunk->data);
-  return result;
-}
-
 }  // namespace
-
-extern "C" size_t LLVMFuzzerMutate(uint8_t* data, size_t size, size_t capacity);
-
-extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t capacity, unsigned seed) {
-  size = LLVMFuzzerMutate(data, size, capacity);
-  const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-  if (seed % 8 == 0 || !bytes.starts_with(kPngSignature)) return size;
-  const std::string whole = repaired(bytes);
-  std::copy(whole.begin(), whole.end(), data);
-  return whole.size();
-}
 
 /// The input is a picture file. In memory, but under a name of its own: what is behind a link isn't read.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {

@@ -68,7 +68,7 @@ HeifFile::HeifFile(std::string_view bytes)
     return heif_context_read_from_memory_without_copy(context_.get(), bytes.data(), bytes.size(), nullptr);
   };
   const auto find = [&] { return heif_context_get_primary_image_handle(context_.get(), &handle); };
-  if (areHeifReferencesSound(bytes) && succeeds(read) && succeeds(find)) handle_.reset(handle);
+  if (heifReferences(bytes) == HeifReferences::sound && succeeds(read) && succeeds(find)) handle_.reset(handle);
 }
 
 std::optional<QSize> HeifFile::size() const {
@@ -82,6 +82,10 @@ QImage HeifFile::decoded() const {
   if (!announced || int64_t{4} * announced->width() * announced->height() > kMostBytes) return {};
   const Owned<heif_decoding_options> options(heif_decoding_options_alloc(), &heif_decoding_options_free);
   options->convert_hdr_to_8bit = 1;
+  // What it is put together on may be of any size, too.
+  const int longest =
+      std::max(heif_image_handle_get_ispe_width(handle_.get()), heif_image_handle_get_ispe_height(handle_.get()));
+  heif_context_set_maximum_image_size_limit(context_.get(), longest + 1);
   heif_image* decoded = nullptr;
   const auto decode = [&] {
     return heif_decode_image(handle_.get(), &decoded, heif_colorspace_RGB, heif_chroma_interleaved_RGBA, options.get());
@@ -96,6 +100,8 @@ QImage HeifFile::decoded() const {
   const QImage view(pixels, heif_image_get_width(decoded, heif_channel_interleaved),
                     heif_image_get_height(decoded, heif_channel_interleaved), stride,
                     isPremultiplied ? QImage::Format_RGBA8888_Premultiplied : QImage::Format_RGBA8888);
+  // What is coded may be of any size, whatever the header says.
+  if (view.size() != *announced) return {};
   QImage image = view.convertToFormat(hasAlpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
   image.setColorSpace(colorSpaceOf(handle_.get()));
   return image;

@@ -1,16 +1,21 @@
 #include "formats/HeifReferences.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace quillmere {
 namespace {
 
-/// As many parts as the largest grid has.
-constexpr size_t kMostDecodings = 65'536 + 1;
+/// 200 megapixels in parts of 512 by 512 are 768. Each part takes some milliseconds, however small it is.
+constexpr size_t kMostDecodings = 2'048 + 1;
 constexpr size_t kDeepest = 16;
+constexpr size_t kEndless = std::numeric_limits<size_t>::max();
 
 /// Takes numbers, most significant byte first, and ranges from the front.
 class Bytes {
@@ -80,11 +85,25 @@ class Needs {
     return true;
   }
 
-  bool areSound() {
+  /// Reads what kinds the items are of (8.11.6); what cannot be read is of none.
+  void addKinds(std::string_view content) {
+    Bytes bytes(content);
+    const auto version = bytes.number(1);
+    if (!version || !bytes.range(3) || !bytes.range(*version == 0 ? 2 : 4)) return;
+    while (const auto box = nextBox(bytes)) addKind(*box);
+  }
+
+  HeifReferences judged() {
+    const auto isPicture = [this](Item item) { return pictures_.contains(item); };
+    // One that is put together of something else would end the process.
+    if (!std::all_of(derivedFrom_.begin(), derivedFrom_.end(), isPicture)) return HeifReferences::endless;
+    bool isCostly = false;
     for (const auto& [item, parts] : parts_) {
-      if (decodings(item, 0) > kMostDecodings) return false;
+      const size_t needed = decodings(item, 0);
+      if (needed == kEndless) return HeifReferences::endless;
+      isCostly = isCostly || needed > kMostDecodings;
     }
-    return true;
+    return isCostly ? HeifReferences::costly : HeifReferences::sound;
   }
 
  private:
@@ -97,20 +116,33 @@ class Needs {
       const auto to = bytes.number(idBytes);
       if (!to) return false;
       // A derived picture names its parts; of alpha it is the other way round.
-      if (box.type == "dimg") parts_[*from].push_back(*to);
+      if (box.type == "dimg") parts_[*from].push_back(*to), derivedFrom_.push_back(*to);
       if (box.type == "auxl") parts_[*to].push_back(*from);
     }
     return bytes.isAtEnd();
   }
 
+  void addKind(const Box& box) {
+    constexpr std::array<std::string_view, 5> kPictures{"hvc1", "av01", "grid", "iden", "iovl"};
+    Bytes bytes(box.content);
+    const auto version = bytes.number(1);
+    if (box.type != "infe" || !version || !bytes.range(3)) return;
+    const auto item = bytes.number(*version < 3 ? 2 : 4);
+    bytes.range(2);  // how it is protected
+    const auto kind = bytes.range(4);
+    if (item && kind && std::find(kPictures.begin(), kPictures.end(), *kind) != kPictures.end())
+      pictures_.insert(*item);
+  }
+
   /// Of the item and all it needs, counted as often as they are needed. A circle is deeper than anything.
   size_t decodings(Item item, size_t depth) {
-    if (depth > kDeepest) return kMostDecodings + 1;
+    if (depth > kDeepest) return kEndless;
     if (const auto known = known_.find(item); known != known_.end()) return known->second;
     size_t sum = 1;
     if (const auto parts = parts_.find(item); parts != parts_.end()) {
       for (const Item part : parts->second) {
-        sum += decodings(part, depth + 1);
+        const size_t needed = decodings(part, depth + 1);
+        sum = needed == kEndless ? kEndless : sum + needed;
         if (sum > kMostDecodings) break;
       }
     }
@@ -118,25 +150,43 @@ class Needs {
     return sum;
   }
 
+  std::set<Item> pictures_;
+  std::vector<Item> derivedFrom_;
   std::map<Item, std::vector<Item>> parts_;
   std::map<Item, size_t> known_;
 };
 
-}  // namespace
-
-bool areHeifReferencesSound(std::string_view file) {
+/// None where the boxes are no whole ones.
+std::optional<Needs> needsIn(std::string_view file) {
   Needs needs;
   Bytes bytes(file);
   while (const auto box = nextBox(bytes)) {
     if (box->type != "meta") continue;
     Bytes inside(box->content);
-    if (!inside.range(4)) return false;  // version and flags
+    if (!inside.range(4)) return std::nullopt;  // version and flags
     while (!inside.isAtEnd()) {
       const auto child = nextBox(inside);
-      if (!child || (child->type == "iref" && !needs.add(child->content))) return false;
+      if (!child || (child->type == "iref" && !needs.add(child->content))) return std::nullopt;
+      if (child->type == "iinf") needs.addKinds(child->content);
     }
   }
-  return needs.areSound();
+  return needs;
+}
+
+}  // namespace
+
+int64_t heifDescriptionBytes(std::string_view file) {
+  size_t sum = 0;
+  Bytes bytes(file);
+  while (const auto box = nextBox(bytes)) {
+    if (box->type == "meta") sum += box->content.size();
+  }
+  return static_cast<int64_t>(sum);
+}
+
+HeifReferences heifReferences(std::string_view file) {
+  auto needs = needsIn(file);
+  return needs ? needs->judged() : HeifReferences::endless;
 }
 
 }  // namespace quillmere

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "formats/HeifFile.h"
+#include "formats/HeifReferences.h"
 #include "formats/ImageFile.h"
 #include "formats/JpegOutline.h"
 #include "formats/PngReader.h"
@@ -64,6 +65,8 @@ Outcome outlineOfJpeg(std::string_view beginning, int64_t fileBytes, const Pictu
 
 Outcome outlineOfHeif(std::string_view file, int64_t fileBytes, const PictureBudget& budget) {
   if (fileBytes > PictureOutline::kMostHeifBytes) return PictureError::tooCostly;
+  const bool isDescribedAtLength = heifDescriptionBytes(file) > budget.besidesPixels;
+  if (isDescribedAtLength || heifReferences(file) == HeifReferences::costly) return PictureError::tooCostly;
   const auto size = HeifFile(file).size();
   if (!size) return PictureError::damaged;
   PictureOutline outline{PictureFormat::heif, *size};

@@ -195,6 +195,19 @@ TEST(WindowMergeTest, OneThatTookAPlaceIsComparedFromThenOn) {
   EXPECT_EQ(merge({drawn(inner), drawn(kA), drawn(most)}), std::vector<QRectF>{kA});
 }
 
+TEST(WindowMergeTest, NoMoreThan512AreKept) {
+  std::vector<Candidate> candidates;
+  for (int i = 0; i < 600; ++i) candidates.push_back(drawn(QRectF(200 * (i % 30), 200 * (i / 30), 150, 150)));
+  const auto kept = merge(candidates);
+  ASSERT_EQ(kept.size(), 512u);
+  for (size_t i = 0; i < kept.size(); ++i) EXPECT_EQ(kept[i], candidates[i].frame) << "the first ones";
+  // One that holds another takes its place also then.
+  const QRectF around(0, 0, 180, 180);
+  candidates.push_back(drawn(around));
+  EXPECT_EQ(merge(candidates).size(), 512u);
+  EXPECT_EQ(merge(candidates).front(), around);
+}
+
 TEST(WindowMergeTest, EmptyFramesAreNeverOne) {
   EXPECT_EQ(merge({drawn({5, 5, 0, 0}), drawn({5, 5, 0, 0})}).size(), 2u);
 }

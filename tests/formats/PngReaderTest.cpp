@@ -414,6 +414,34 @@ TEST_F(PngReaderTest, WhatCompressesBestIsNoBomb) {
   expectFast(file(form, compressed(std::string(2000 * (1 + 4 * 4000), '\0'), 12)));
 }
 
+TEST_F(PngReaderTest, DataOfFarMoreThanThePictureAreEndless) {
+  // Not compressed, so that they are as many in the file.
+  const auto with = [](const Form& form, size_t bytes) { return file(form, compressed(std::string(bytes, '\0'), 0)); };
+  const Form large{kRgb, 8, 1300, 1300};
+  constexpr size_t kRows = 1300 * (1 + 3 * 1300);
+  // An eighth more is what interlacing may take, and a megabyte nobody minds.
+  constexpr size_t kRoom = kRows + kRows / 8 + (1 << 20);
+  EXPECT_FALSE(PngReader::hasEndlessData(with(large, kRows)));
+  EXPECT_FALSE(PngReader::hasEndlessData(with(large, kRoom)));
+  EXPECT_TRUE(PngReader::hasEndlessData(with(large, kRoom + 1)));
+  // What is soon read to its end is not looked at.
+  const Form small{kRgb, 8, 30, 30};
+  EXPECT_FALSE(PngReader::hasEndlessData(with(small, 4'000'000)));
+  EXPECT_TRUE(PngReader::hasEndlessData(with(small, 4'200'000)));
+  EXPECT_FALSE(PngReader::hasEndlessData(std::string(5'000'000, 'x')));
+  // Those that cannot be unpacked are damaged, which the general reader finds soon.
+  EXPECT_FALSE(PngReader::hasEndlessData(file(small, std::string(5'000'000, 'x'))));
+}
+
+TEST_F(PngReaderTest, EndlessDataAreNotReadToTheirEnd) {
+  const Form small{kGray, 8, 30, 30};
+  const std::string rows = compressed(std::string(30 * 31, '\0') + std::string(5'000'000, '\0'), 0);
+  // A reader that takes the rows and leaves the rest would find nothing wrong.
+  EXPECT_TRUE(ImageFile::picture(std::string_view(file(small, rows))).isNull());
+  EXPECT_FALSE(
+      ImageFile::picture(std::string_view(file(small, compressed(std::string(30 * 31 + 99, '\0'), 0)))).isNull());
+}
+
 TEST_F(PngReaderTest, AHundredMegapixelsAreRead) {
   const Form form{kRgb, 8, 10000, 10000};
   std::string rows(10000 * (1 + 3 * 10000), '\0');

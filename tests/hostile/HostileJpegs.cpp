@@ -51,6 +51,11 @@ std::string flat(const Frame& form, size_t bytes = 400, const std::string& befor
   return kStart + before + kSteps + frame(form) + kCodes + scan(1, form.components) + std::string(bytes, '\0') + kEnd;
 }
 
+/// What says that four components are inks.
+std::string inks(char transform) {
+  return segment('\xEE', std::string("Adobe\0d\0\0\0\0", 11) + transform);
+}
+
 /// Goes over its picture so many times.
 std::string scanned(const Frame& form, int scans, size_t bytes = 30) {
   const bool isProgressive = form.marker == '\xC2';
@@ -149,6 +154,25 @@ std::vector<HostilePicture> hostileJpegs() {
       row("frame-behind-its-scan", kNone, [] { return kStart + kSteps + kCodes + scan(1, 3) + frame({}) + kEnd; }),
       row("without-loss", kNone, [] { return flat({.marker = '\xC3'}); }),
       row("arithmetic", kFine, [] { return flat({.marker = '\xC9'}); }),
+      row("arithmetic-and-progressive", kHeaderOnly, [] { return scanned({.marker = '\xCA'}, 12); }),
+      row("two-components", kHeaderOnly, [] { return flat({.components = 2}); }),
+      row("one-component", kFine, [] { return flat({.components = 1}); }),
+      row("inks", kFine, [] { return flat({.components = 4}, 400, inks(0)); }),
+      row("inks-of-light-and-colour", kFine, [] { return flat({.components = 4}, 400, inks(2)); }),
+      row("inks-of-no-kind", kFine, [] { return flat({.components = 4}, 400, inks('\xFF')); }),
+      row("height-that-comes-later", kNone,
+          [] {
+            return flat({.height = 0}).substr(0, flat({.height = 0}).size() - 2) + segment('\xDC', short16(64)) + kEnd;
+          }),
+      row("steps-of-nothing", kFine,
+          [] { return kStart + segment('\xDB', '\0' + std::string(64, '\0')) + flat({}).substr(2); }),
+      row("steps-of-16-bits", kFine,
+          [] { return kStart + segment('\xDB', '\x10' + std::string(128, '\xFF')) + flat({}).substr(2); }),
+      row("steps-of-a-table-that-is-none", kNone,
+          [] { return kStart + segment('\xDB', '\x07' + std::string(64, '\1')) + flat({}).substr(2); }),
+      row("wide-as-no-screen", kTooCostly, [] { return flat({.width = 65'500, .height = 8}, 100'000'000); }),
+      row("name-with-a-picture-of-255", kFine,
+          [] { return kStart + segment('\xE0', std::string("JFIF\0\1\1\0\0\1\0\1\xFF\xFF", 14)) + usual().substr(2); }),
       row("hierarchical", kNone, [] { return flat({.marker = '\xC5'}); }),
       row("scan-of-no-component", kNone, [] { return kStart + kSteps + frame({}) + kCodes + scan(1, 0) + kEnd; }),
       row("scan-of-other-components", kNone, [] { return kStart + kSteps + frame({}) + kCodes + scan(9, 3) + kEnd; }),
@@ -192,6 +216,17 @@ std::vector<HostilePicture> hostileJpegs() {
             return kStart + segment('\xE2', std::string("ICC_PROFILE\0\0\0", 14) + "profile") + usual().substr(2);
           }),
 
+      row("profile-of-which-parts-are-missing", kFine,
+          [] {
+            return kStart + segment('\xE2', std::string("ICC_PROFILE\0\2\3", 14) + std::string(3000, 'p')) +
+                   usual().substr(2);
+          }),
+      row("restarts-in-another-order", kFine,
+          [] {
+            return flat({}, 20, segment('\xDD', short16(8)))
+                       .substr(0, flat({}, 20, segment('\xDD', short16(8))).size() - 2) +
+                   "\xFF\xD5" + std::string(20, '\0') + "\xFF\xD1" + std::string(20, '\0') + kEnd;
+          }),
       row("orientation-0", kFine, [] { return oriented(usual(), 0); }),
       row("orientation-9", kFine, [] { return oriented(usual(), 9); }),
       row("orientation-6", kFine, [] { return oriented(usual(), 6); }),
@@ -209,6 +244,10 @@ std::vector<HostilePicture> hostileJpegs() {
       sparse("sparse-data", kNone, [] { return flat({.width = 20'000, .height = 13'000}); }),
       sparse("sparse-behind-its-start", kNone, [] { return kStart + "\xFF\xE0" + short16(40'000); }),
   };
+}
+
+std::string longJpeg() {
+  return scanned({.marker = '\xC2', .width = 8'000, .height = 8'000}, 60, 1600);
 }
 
 }  // namespace quillmere::testing

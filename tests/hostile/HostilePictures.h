@@ -30,12 +30,16 @@ std::vector<HostilePicture> hostilePngs();
 std::vector<HostilePicture> hostilePngData();
 std::vector<HostilePicture> hostileJpegs();
 std::vector<HostilePicture> hostileHeifs();
+std::vector<HostilePicture> hostileHeifItems();
 std::vector<HostilePicture> otherFiles();
+/// One that is within its budget, and takes whom it may for a long time.
+std::string longJpeg();
 
 /// All of them, each with a name of its own.
 inline std::vector<HostilePicture> hostilePictures() {
   std::vector<HostilePicture> all;
-  for (const auto& some : {hostilePngs(), hostilePngData(), hostileJpegs(), hostileHeifs(), otherFiles()}) {
+  for (const auto& some :
+       {hostilePngs(), hostilePngData(), hostileJpegs(), hostileHeifs(), hostileHeifItems(), otherFiles()}) {
     all.insert(all.end(), some.begin(), some.end());
   }
   return all;

@@ -1,3 +1,5 @@
+#include <array>
+
 #include "hostile/HostilePictures.h"
 #include "hostile/PngParts.h"
 
@@ -27,6 +29,31 @@ HostilePicture form(const std::string& name, const Form& form, const std::string
 std::string lying(std::string_view type, uint32_t length, const std::string& content) {
   std::string chunk = pngChunk(type, content);
   return chunk.replace(0, 4, bigEndian32(length));
+}
+
+/// The rows of the seven passes.
+std::string interlacedRows(size_t width, size_t height, size_t bits) {
+  constexpr std::array<std::array<size_t, 4>, 7> kPasses{
+      {{0, 0, 8, 8}, {4, 0, 8, 8}, {0, 4, 4, 8}, {2, 0, 4, 4}, {0, 2, 2, 4}, {1, 0, 2, 2}, {0, 1, 1, 2}}};
+  std::string result;
+  for (const auto& [x, y, stepX, stepY] : kPasses) {
+    if (width <= x || height <= y) continue;
+    const size_t columns = (width - x + stepX - 1) / stepX;
+    result += rows(static_cast<uint32_t>((height - y + stepY - 1) / stepY), (columns * bits + 7) / 8);
+  }
+  return result;
+}
+
+/// 56 lines each way, from side to side: each four of them may be a window.
+std::string linedPicture() {
+  constexpr uint32_t kSide = 1800;
+  constexpr uint32_t kStep = 32;
+  std::string result;
+  for (uint32_t y = 0; y < kSide; ++y) {
+    result += '\0';
+    for (uint32_t x = 0; x < kSide; ++x) result += x % kStep == kStep / 2 || y % kStep == kStep / 2 ? '\0' : '\xFF';
+  }
+  return header({.width = kSide, .height = kSide, .colour = kGray}) + pixelData(result) + kEnd;
 }
 
 std::string palette(size_t colours) {
@@ -126,6 +153,55 @@ std::vector<HostilePicture> hostilePngs() {
           [] {
             return header({.colour = kRgba}) + pngChunk("tRNS", std::string(6, '\0')) + pixelData(rows(64, 256)) + kEnd;
           }),
+      row("deep", kFine, [] { return header({.depth = 16}) + pixelData(rows(64, 384)) + kEnd; }),
+      row("deep-and-transparent", kFine,
+          [] { return header({.depth = 16, .colour = kRgba}) + pixelData(rows(64, 512)) + kEnd; }),
+      row("deep-and-gray", kFine,
+          [] { return header({.depth = 16, .colour = kGray}) + pixelData(rows(64, 128)) + kEnd; }),
+      row("deep-and-cut", kHeaderOnly, [] { return header({.depth = 16}) + pixelData(rows(64, 192)) + kEnd; }),
+      row("interlaced", kFine,
+          [] { return header({.interlacing = 1}) + pixelData(interlacedRows(64, 64, 24)) + kEnd; }),
+      row("interlaced-and-deep", kFine,
+          [] {
+            return header({.depth = 16, .colour = kRgba, .interlacing = 1}) + pixelData(interlacedRows(64, 64, 64)) +
+                   kEnd;
+          }),
+      row("interlaced-of-one-bit", "63x1, 63x1, whole",
+          [] {
+            return header({.width = 63, .height = 1, .depth = 1, .colour = kGray, .interlacing = 1}) +
+                   pixelData(interlacedRows(63, 1, 1)) + kEnd;
+          }),
+      row("interlaced-of-one-pixel", "1x1, 1x1, whole",
+          [] {
+            return header({.width = 1, .height = 1, .interlacing = 1}) + pixelData(interlacedRows(1, 1, 24)) + kEnd;
+          }),
+      row("interlaced-and-cut", kHeaderOnly,
+          [] { return header({.interlacing = 1}) + pixelData(interlacedRows(64, 64, 24).substr(0, 9000)) + kEnd; }),
+      row("palette-of-one-bit-out-of-range", kFine,
+          [] { return header({.depth = 1, .colour = kPalette}) + palette(1) + pixelData(rows(64, 8)) + kEnd; }),
+      row("transparency-of-a-deep-colour", kFine,
+          [] {
+            return header({.depth = 16}) + pngChunk("tRNS", std::string(6, '\xFF')) + pixelData(rows(64, 384)) + kEnd;
+          }),
+      row("background-beyond-the-palette", kFine,
+          [] {
+            return header({.colour = kPalette}) + palette(80) + pngChunk("bKGD", "\xFF") + pixelData(rows(64, 64)) +
+                   kEnd;
+          }),
+      row("hundred-thousand-chunks-that-nobody-knows", kFine,
+          [] {
+            std::string chunks;
+            for (int i = 0; i < 100'000; ++i) chunks += pngChunk("zzZz", "x");
+            return usual(chunks);
+          }),
+      row("profile-of-twenty-megabytes", "none, tooCostly, tooCostly",
+          [] { return usual(pngChunk("iCCP", std::string("k\0\0", 3) + std::string(20'000'000, 'p'))); }),
+      row("frames-beyond-its-sides", kFine,
+          [] {
+            return usual(pngChunk("acTL", bigEndian32(2) + bigEndian32(0)) +
+                         pngChunk("fcTL", bigEndian32(0) + std::string(16, '\xFF') + std::string(6, '\0')));
+          }),
+      row("windows-everywhere", "1800x1800, 1800x1800, whole", [] { return linedPicture(); }),
       row("transparency-cut", kFine, [] { return usual(pngChunk("tRNS", "\1")); }),
   };
 }

@@ -357,6 +357,55 @@ TEST_F(ApplyTest, FileThatNeverGetsItsTagIsIgnoredTwoSecondsAfterItDecoded) {
   EXPECT_TRUE(told().empty());
 }
 
+TEST_F(ApplyTest, FileWithoutItsTagIsAwaitedForTwoSecondsFromItsSecondLookAndNeverDecoded) {
+  begin();
+  make("a.png");
+  services->file("a.png").isTagged = false;
+  tellChange();
+  // Two seconds after its first look, but not after the one that found no tag.
+  advance(0.1 + 1.95);
+  EXPECT_TRUE(monitor->awaitedSince());
+  advance(0.1);
+  EXPECT_FALSE(monitor->awaitedSince());
+  advance(70);
+  EXPECT_EQ(services->tagCalls["a.png"], 21) << "it is ignored";
+  EXPECT_TRUE(services->decodeCalls.empty());
+}
+
+TEST_F(ApplyTest, FileThatHadItsTagMeanwhileIsAwaitedAnew) {
+  begin();
+  make("a.png");
+  auto& file = services->file("a.png");
+  file.isTagged = false;
+  tellChange();
+  advance(1);
+  file.isTagged = true;
+  file.decodes = false;
+  advance(0.8);
+  file.isTagged = false;
+  advance(0.3);
+  // More than two seconds after the first look without a tag, less after the last with one.
+  file.isTagged = true;
+  file.decodes = true;
+  tellChange();
+  advance(0.1);
+  EXPECT_EQ(told(), Names{"captured a.png"});
+}
+
+TEST_F(ApplyTest, LooksAtAFileWithoutItsTagGoOnBeyondTheTwentieth) {
+  begin();
+  make("a.png");
+  monitor->screenCaptureTagGracePeriod = 10;
+  services->file("a.png").isTagged = false;
+  tellChange();
+  advance(8);
+  EXPECT_GT(services->tagCalls["a.png"], 60);
+  EXPECT_TRUE(services->decodeCalls.empty());
+  services->file("a.png").isTagged = true;
+  advance(0.1);
+  EXPECT_EQ(told(), Names{"captured a.png"});
+}
+
 TEST_F(ApplyTest, LooksAtACompleteFileGoOnBeyondTheTwentieth) {
   begin();
   make("a.png");

@@ -2,6 +2,7 @@
 
 #include <sys/mman.h>
 #include <algorithm>
+#include <system_error>
 
 #include "platform/linux/passing/SealedMemory.h"
 
@@ -33,7 +34,11 @@ uint8_t* SharedPixels::take(size_t bytes) {
   if (data == MAP_FAILED) return nullptr;
   data_ = static_cast<uint8_t*>(data);
   size_ = bytes;
-  fetching_ = std::thread(&fetch, data_, size_);
+  try {
+    fetching_ = std::thread(&fetch, data_, size_);
+  } catch (const std::system_error&) {
+    // No thread is to be had; each page is fetched when it is filled.
+  }
   return data_;
 }
 

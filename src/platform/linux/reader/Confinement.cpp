@@ -1,5 +1,6 @@
 #include "platform/linux/reader/Confinement.h"
 
+#include <fcntl.h>
 #include <linux/capability.h>
 #include <linux/landlock.h>
 #include <sched.h>
@@ -9,6 +10,9 @@
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <array>
+#include <cstdio>
+#include <optional>
 
 #include "platform/linux/reader/SystemCallFilter.h"
 
@@ -69,7 +73,45 @@ void dropCapabilities() {
   ::syscall(SYS_capset, &header, none);
 }
 
+/// Sanitizers lay claim to terabytes that they never use.
+constexpr bool isWatched() {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  return true;
+#else
+  return false;
+#endif
+}
+
+/// The kernel's table of this process's memory, which cannot be opened any more when it is needed.
+int memoryTable = -1;
+
+/// Of its own, that can be written to: what its limit counts.
+std::optional<int64_t> memoryNow() {
+  std::array<char, 256> line{};
+  if (::pread(memoryTable, line.data(), line.size() - 1, 0) <= 0) return std::nullopt;
+  long long pages = 0;
+  // The sixth of its numbers.
+  if (std::sscanf(line.data(), "%*s %*s %*s %*s %*s %lld", &pages) != 1) return std::nullopt;
+  return pages * ::sysconf(_SC_PAGESIZE);
+}
+
+void limitMemory(rlim_t bytes) {
+  rlimit present{};
+  if (::getrlimit(RLIMIT_DATA, &present) != 0) return;
+  present.rlim_cur = bytes < present.rlim_max ? bytes : present.rlim_max;
+  ::setrlimit(RLIMIT_DATA, &present);
+}
+
 }  // namespace
+
+Confinement::MemoryAllowance::MemoryAllowance(int64_t bytes) {
+  const auto now = memoryNow();
+  if (!isWatched() && now) limitMemory(static_cast<rlim_t>(*now + bytes));
+}
+
+Confinement::MemoryAllowance::~MemoryAllowance() {
+  limitMemory(RLIM_INFINITY);
+}
 
 uint32_t Confinement::begin() {
   ::prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -77,16 +119,14 @@ uint32_t Confinement::begin() {
   ::prctl(PR_SET_DUMPABLE, 0);
   limit(RLIMIT_CORE, 0);
   limit(RLIMIT_NOFILE, kMostFiles);
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-  // Sanitizers lay claim to terabytes that they never use.
-  limit(RLIMIT_AS, kMostMemory);
-#endif
+  if (!isWatched()) limit(RLIMIT_AS, kMostMemory);
   return ::unshare(CLONE_NEWUSER | CLONE_NEWNET | CLONE_NEWNS | CLONE_NEWIPC | CLONE_NEWUTS) == 0
              ? 0
              : Protections::namespaces | Protections::emptyRoot;
 }
 
 bool Confinement::close(uint32_t& missing) {
+  memoryTable = ::open("/proc/self/statm", O_RDONLY | O_CLOEXEC);
   if ((missing & Protections::namespaces) == 0 && !enterEmptyRoot()) missing |= Protections::emptyRoot;
   dropCapabilities();
   if (!forbidFiles()) missing |= Protections::landlock;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "platform/linux/passing/Protections.h"
 
 namespace quillmere {
@@ -19,6 +21,16 @@ bool close(uint32_t& missing);
 
 /// From now on as many seconds of computing; who takes more is ended by the kernel.
 void allowSeconds(unsigned seconds);
+
+/// As long as it is there, so many bytes of memory of its own beside what the process has now; who wants more gets
+/// none. What a picture says that it takes is one thing, and what a decoder takes for it another.
+class MemoryAllowance {
+ public:
+  explicit MemoryAllowance(int64_t bytes);
+  ~MemoryAllowance();
+  MemoryAllowance(const MemoryAllowance&) = delete;
+  MemoryAllowance& operator=(const MemoryAllowance&) = delete;
+};
 
 }  // namespace Confinement
 }  // namespace quillmere

@@ -27,6 +27,13 @@ using ReaderMessages::Work;
 
 /// Of computing, on all threads together. Whoever waits has given up long before; this ends what nobody waits for.
 constexpr unsigned kMostSeconds = 300;
+/// Beside twice what decoding takes by the picture's own word: stacks, copies on the way, windows; and for text.
+constexpr int64_t kMemoryBeside = int64_t{512} << 20;
+constexpr int64_t kMemoryForText = int64_t{3} << 30;
+
+int64_t allowedMemory(const Request& request, int64_t said) {
+  return 2 * said + (static_cast<Work>(request.work) == Work::text ? kMemoryForText : kMemoryBeside);
+}
 
 /// For the picture of an answer.
 class PixelsToPass final : public PixelMemory {
@@ -213,6 +220,7 @@ void Reader::answer(const Request& request, Descriptor file) {
       if (const auto memory = ImageFile::memoryFor(*bytes)) {
         socket_.send(Answer{.step = static_cast<uint32_t>(Step::begun), .memory = *memory});
         if (!socket_.receive<ReaderMessages::Turn>()) return;
+        const Confinement::MemoryAllowance allowance(allowedMemory(request, *memory));
         outcome = worked(request, *std::move(bytes), signals_.isStopped, recognizer_, pixels);
       } else {
         outcome = failed(memory.reason());

@@ -3,9 +3,11 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <cstring>
 
 #include "platform/linux/passing/SealedMemory.h"
+#include "support/ChildProcess.h"
 
 namespace quillmere {
 namespace {
@@ -31,6 +33,19 @@ TEST(SharedPixels, PassAPictureOnWithoutACopy) {
   EXPECT_EQ(mapped->bytes().substr(0, kPicture), std::string(kPicture, 7));
   EXPECT_EQ(mapped->bytes().substr(kPicture), "one two");
   EXPECT_EQ(::mmap(nullptr, 4, PROT_WRITE, MAP_SHARED, memory->number(), 0), MAP_FAILED);
+}
+
+TEST(SharedPixels, NeedNoThread) {
+  const auto take = [] {
+    const rlimit none{0, 0};
+    if (!testing::becomeOrdinaryUser() || ::setrlimit(RLIMIT_NPROC, &none) != 0) return testing::kCannotSetUp;
+    SharedPixels pixels;
+    uint8_t* bytes = pixels.take(kPicture);
+    if (!bytes) return 1;
+    std::memset(bytes, 7, kPicture);
+    return pixels.sealed(kPicture, {}) ? 0 : 2;
+  };
+  EXPECT_EQ(testing::exitCodeOfChild(take), 0);
 }
 
 TEST(SharedPixels, HoldNoOtherPicture) {

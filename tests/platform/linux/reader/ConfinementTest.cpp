@@ -56,6 +56,16 @@ TEST_F(ConfinementTest, TakesFilesConnectionsProgramsAndOtherProcesses) {
   EXPECT_FALSE(fileExists(home.file("other")));
 }
 
+TEST_F(ConfinementTest, AllowsMemoryForAWhile) {
+  const std::string text = told("all");
+  EXPECT_THAT(text, HasSubstr("memory that is allowed succeeds\n"));
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+  // Sanitizers end whoever gets none, so those are given what they want.
+  EXPECT_THAT(text, HasSubstr("more memory than is allowed fails\n"));
+#endif
+  EXPECT_THAT(text, HasSubstr("memory afterwards succeeds\n"));
+}
+
 TEST_F(ConfinementTest, TakesThemByTheFilterAloneToo) {
   const std::string text = told("filter");
   for (const char* what : kPossible) EXPECT_THAT(text, HasSubstr(std::string(what) + " succeeds\n"));

@@ -58,6 +58,17 @@ int main(int argc, char** argv) {
   std::array<char, 4> bytes{};
   tell("reading what was given", ::read(given, bytes.data(), bytes.size()) == 4);
   tell("memory", ::mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0) != MAP_FAILED);
+  const auto takes = [](size_t size) {
+    void* memory = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return memory != MAP_FAILED && ::munmap(memory, size) == 0;
+  };
+  {
+    constexpr int64_t kAllowed = 64 << 20;
+    const Confinement::MemoryAllowance allowance(kAllowed);
+    tell("memory that is allowed", takes(kAllowed / 2));
+    tell("more memory than is allowed", takes(2 * kAllowed));
+  }
+  tell("memory afterwards", takes(size_t{256} << 20));
   bool hasRun = false;
   std::thread([&] { hasRun = true; }).join();
   tell("a thread", hasRun);
