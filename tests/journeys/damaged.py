@@ -4,6 +4,8 @@ no picture any more is left where it is."""
 
 import os
 import random
+import struct
+import zlib
 
 import captures
 from harness import ROOT, expect, path_of, run_journey, wait_until
@@ -30,6 +32,14 @@ def leave(desktop, number, chance):
     return place
 
 
+def gigantic():
+    """A picture whose head is true, and which nobody can decode."""
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
+    head = struct.pack(">IIBBBBB", 200000, 200000, 8, 2, 0, 0, 0)
+    return b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", head) + chunk(b"IDAT", zlib.compress(bytes(100))) + chunk(b"IEND", b"")
+
+
 def journey(desktop):
     chance = random.Random(20260102)
     desktop.choose_folder()
@@ -42,6 +52,11 @@ def journey(desktop):
     wait_until("the first is kept", lambda: desktop.state_of(first) == "permanent")
     wait_until("the last is asked about", lambda: desktop.state_of(last) == "pending", 60)
     expect("some are pictures all the same", {path_of(record) for record in desktop.records()} & set(files))
+    costly = os.path.join(desktop.folder, captures.capture_name())
+    with open(costly, "xb") as file:
+        file.write(gigantic())
+    wait_until("one that is too costly is asked about without its picture",
+               lambda: desktop.state_of(costly) == "pending")
     expect("none is gone", all(os.path.exists(place) for place in files))
     program.terminate()
 

@@ -28,6 +28,11 @@ FileDates fileDates(const FileURL& url) {
   return {status ? status->created : std::nullopt, std::nullopt, CaptureMarks::captureDate(url)};
 }
 
+/// What would cost too much to decode is a capture as far as its head tells: its person is asked, without its picture.
+bool isWhole(const std::optional<PictureError>& failure) {
+  return !failure || failure == PictureError::tooCostly;
+}
+
 /// Which are whole pictures. It is asked at every look; what failed is not decoded again before it changes.
 std::vector<bool> wholeOnes(const std::vector<FileURL>& urls, ReaderPool& readers, FailedPictures& failed) {
   std::vector<bool> areWhole(urls.size());
@@ -35,14 +40,17 @@ std::vector<bool> wholeOnes(const std::vector<FileURL>& urls, ReaderPool& reader
   std::vector<FileURL> asked;
   std::vector<std::optional<FileStatus>> seen;
   for (size_t i = 0; i < urls.size(); ++i) {
-    if (failed.find(urls[i])) continue;
+    if (const auto failure = failed.find(urls[i])) {
+      areWhole[i] = isWhole(failure);
+      continue;
+    }
     places.push_back(i);
     asked.push_back(urls[i]);
     seen.push_back(fileStatus(urls[i]));
   }
   const auto failures = readers.failuresOf(asked);
   for (size_t i = 0; i < asked.size(); ++i) {
-    areWhole[places[i]] = !failures[i];
+    areWhole[places[i]] = isWhole(failures[i]);
     if (failures[i]) failed.keep(asked[i], seen[i], *failures[i]);
   }
   return areWhole;

@@ -1,8 +1,10 @@
 #include "platform/linux/files/HeldFiles.h"
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <cstdlib>
@@ -21,6 +23,13 @@ std::optional<FileURL> placeOf(int descriptor) {
   const ssize_t length = ::readlink(("/proc/self/fd/" + std::to_string(descriptor)).c_str(), path.data(), path.size());
   if (length <= 0) return std::nullopt;
   return FileURL::fromPath(std::string_view(path.data(), static_cast<size_t>(length)));
+}
+
+/// The rest of the program needs descriptors too.
+size_t mostToHold() {
+  rlimit limit{};
+  if (::getrlimit(RLIMIT_NOFILE, &limit) != 0) return HeldFiles::kMost;
+  return std::min<size_t>(HeldFiles::kMost, limit.rlim_cur / 4);
 }
 
 }  // namespace
@@ -43,9 +52,10 @@ bool HeldFiles::canHoldIn(const FileURL& folder) const {
 void HeldFiles::hold(const std::vector<FileURL>& files) {
   std::map<FileURL, Held> next;
   std::map<FileURL, bool> folders;
+  const size_t most = mostToHold();
   const std::lock_guard lock(mutex_);
   for (const FileURL& file : files) {
-    if (next.size() == kMost) break;
+    if (next.size() >= most) break;
     const auto now = fileStatus(file);
     if (const auto kept = files_.find(file); kept != files_.end() && (!now || now->inode == kept->second.inode)) {
       next.insert(files_.extract(kept));

@@ -23,8 +23,8 @@ class HeldFiles {
   HeldFiles(const HeldFiles&) = delete;
   HeldFiles& operator=(const HeldFiles&) = delete;
 
-  /// These and no others, the first `kMost` of them. What was held and is not among them is let go, or its deletion
-  /// would not give its room back.
+  /// These and no others, the first `kMost` of them, or a quarter of what the process may open. What was held and is
+  /// not among them is let go, or its deletion would not give its room back.
   void hold(const std::vector<FileURL>& files);
   /// Where the held file with this inode is now; none when it is not held or has been deleted.
   std::optional<FileURL> place(uint64_t inode) const;

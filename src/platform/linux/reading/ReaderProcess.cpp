@@ -13,6 +13,7 @@
 #include <condition_variable>
 #include <fstream>
 #include <new>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -94,8 +95,9 @@ bool isStep(const Answer& answer, Step step) {
 /// is nobody's to wait for, since a process that a disk holds cannot even be killed.
 class ReaderProcess::Child {
  public:
+  /// Null also where there is no thread left.
   static std::shared_ptr<Child> start(const std::string& program, const char* task, Descriptor socket,
-                                      Descriptor signals) {
+                                      Descriptor signals) try {
     auto child = std::make_shared<Child>();
     std::thread([child, program, task, socket = std::move(socket), signals = std::move(signals)]() mutable {
       Inheritance inheritance;
@@ -110,6 +112,8 @@ class ReaderProcess::Child {
     std::unique_lock lock(child->mutex_);
     child->changed_.wait(lock, [&] { return child->isStarted_; });
     return child->process_ > 0 ? child : nullptr;
+  } catch (const std::system_error&) {
+    return nullptr;
   }
 
   void kill() {

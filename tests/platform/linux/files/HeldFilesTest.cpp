@@ -1,5 +1,6 @@
 #include "platform/linux/files/HeldFiles.h"
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include "foundation/FileStatus.h"
@@ -76,6 +77,21 @@ TEST_F(HeldFilesTest, OnlyRegularFilesAndOnlySoManyAreHeld) {
   }
   held.hold(many);
   EXPECT_EQ(held.count(), HeldFiles::kMost);
+}
+
+TEST_F(HeldFilesTest, WhereFewFilesCanBeOpenMostOfThemAreLeftToOthers) {
+  std::vector<FileURL> many;
+  for (int i = 0; i < 40; ++i) {
+    many.push_back(folder.file(std::to_string(i)));
+    writeFile(many.back(), "");
+  }
+  rlimit before{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+  const rlimit few{100, before.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
+  held.hold(many);
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+  EXPECT_EQ(held.count(), 25u);
 }
 
 TEST_F(HeldFilesTest, ADiskThatCanLeaveIsNotKeptFromIt) {
