@@ -78,7 +78,11 @@ class CrashedProgram {
     services.isSynced = &CloudFiles::isSynced;
     services.isVolumeMounted = [this](const FileURL& url) { return mounts_.isVolumeMounted(url); };
     services.hasScreenCaptureTag = [](const FileURL&) { return true; };
-    services.decodesCompletely = &ImageFile::decodesCompletely;
+    services.decodeCompletely = [](const std::vector<FileURL>& urls) {
+      std::vector<bool> whole;
+      for (const FileURL& url : urls) whole.push_back(ImageFile::decodesCompletely(url));
+      return whole;
+    };
     services.fileDates = [this](const FileURL& url) {
       const auto status = fileStatus(url);
       FileDates dates;
