@@ -32,12 +32,12 @@ def leave(desktop, number, chance):
     return place
 
 
-def gigantic():
-    """A picture whose head is true, and which nobody can decode."""
+def too_wide():
+    """A picture that is wider than any capture."""
     def chunk(kind, data):
         return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
-    head = struct.pack(">IIBBBBB", 200000, 200000, 8, 2, 0, 0, 0)
-    return b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", head) + chunk(b"IDAT", zlib.compress(bytes(100))) + chunk(b"IEND", b"")
+    head = struct.pack(">IIBBBBB", 1000001, 1, 8, 2, 0, 0, 0)
+    return b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", head) + chunk(b"IDAT", zlib.compress(bytes(3000004))) + chunk(b"IEND", b"")
 
 
 def journey(desktop):
@@ -54,7 +54,7 @@ def journey(desktop):
     expect("some are pictures all the same", {path_of(record) for record in desktop.records()} & set(files))
     costly = os.path.join(desktop.folder, captures.capture_name())
     with open(costly, "xb") as file:
-        file.write(gigantic())
+        file.write(too_wide())
     wait_until("one that is too costly is asked about without its picture",
                lambda: desktop.state_of(costly) == "pending")
     expect("none is gone", all(os.path.exists(place) for place in files))
