@@ -30,6 +30,7 @@ class LiveWorld {
    public:
     void present(const quillmere::ScreenshotItem&, quillmere::AppModel&) override {}
     void hide() override {}
+    void expect(const quillmere::FileURL&, quillmere::AppModel&) override {}
     void focusForReview() override {}
     bool isPointerEngaged() const override { return false; }
   };

@@ -63,7 +63,8 @@ void HeadByReader(benchmark::State& state) {
 }
 /// What the first picture of all waits for.
 void StartOfAReader(benchmark::State& state) {
-  for (auto _ : state) benchmark::DoNotOptimize(ReaderProcess::start(QUILLMERE_READER, "pictures", {}));
+  const std::atomic<bool> never = false;
+  for (auto _ : state) benchmark::DoNotOptimize(ReaderProcess::start(QUILLMERE_READER, "pictures", {}, never));
 }
 BENCHMARK(LoadHere)->UseRealTime();
 BENCHMARK(LoadByReader)->UseRealTime();

@@ -59,7 +59,6 @@ class Scene final : public testing::ModelFixture {
     services.sharing = &sharing_;
     services.screens = &screens_;
     services.windowSystem = &windowSystem_;
-    services.isDataless = [this](const FileURL& url) { return dataless.contains(url.path()); };
     services.captureRect = [](const FileURL&) { return std::nullopt; };
     popup_ = std::make_unique<CapturePromptPanelController>(std::move(services));
     chooseFolderBefore(shots);
