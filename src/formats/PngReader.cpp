@@ -11,8 +11,8 @@
 #include <optional>
 #include <vector>
 
-#include "foundation/LargeBuffer.h"
 #include "formats/PngFilters.h"
+#include "foundation/LargeBuffer.h"
 #include "pixels/Downscaler.h"
 #include "png/PlainPng.h"
 #include "png/PngChunks.h"

@@ -9,8 +9,8 @@
 #include <memory>
 #include <string>
 
-#include "foundation/LargeBuffer.h"
 #include "formats/PngRowFilter.h"
+#include "foundation/LargeBuffer.h"
 #include "png/PngChunks.h"
 
 namespace quillmere {

@@ -65,7 +65,7 @@ struct Snapshot {
   URLMap<Fingerprint> ignored;
   URLMap<ArrivalEvidence> evidence;
   bool includesNonCaptureImages = false;
-  bool seeksNewcomer = false;  ///< somebody wants to hear of it
+  bool seeksNewcomer = false;            ///< somebody wants to hear of it
   double localArrivalTolerance = 2.0;    ///< seconds
   double recentCaptureInterval = 120.0;  ///< seconds
   double oldCaptureInterval = 86400.0;   ///< seconds

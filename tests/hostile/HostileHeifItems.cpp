@@ -170,8 +170,8 @@ std::vector<HostilePicture> hostileHeifItems() {
       row("profile-of-no-colours", kFine, [] { return with(profile("prof", std::string(3000, 'p'))); }),
       row("profile-empty", kFine, [] { return with(profile("prof", "")); }),
       row(
-          "profile-of-twenty-megabytes", kTooCostly, [] { return with(profile("prof", std::string(20'000'000, '\0'))); },
-          90),
+          "profile-of-twenty-megabytes", kTooCostly,
+          [] { return with(profile("prof", std::string(20'000'000, '\0'))); }, 90),
       row("profile-of-another-kind", kNone, [] { return with(profile("evil", std::string(64, 'p'))); }),
       row("profile-of-numbers-that-are-none", kFine, [] { return with(profile("nclx", std::string(7, '\xFF'))); }),
       row("profile-of-numbers-cut", kNone, [] { return with(profile("nclx", "1")); }),
