@@ -52,6 +52,18 @@ TEST_F(QtExecutorTest, WhoWaitsForTheBackgroundFindsAllOfItDoneAndNothingTold) {
   EXPECT_TRUE(runLoopUntil([&] { return told == 6; }));
 }
 
+TEST_F(QtExecutorTest, WhoWaitsForTheBackgroundOnlySoLongHearsThatItIsNotOver) {
+  std::atomic<bool> mayEnd = false;
+  executor->runInBackground(
+      [&] {
+        while (!mayEnd) std::this_thread::yield();
+      },
+      [] {});
+  EXPECT_FALSE(executor->finishBackground(QDeadlineTimer(milliseconds(1))));
+  mayEnd = true;
+  EXPECT_TRUE(executor->finishBackground());
+}
+
 TEST_F(QtExecutorTest, ADelayIsOverOnlyAfterItsTime) {
   const Instant start = executor->instant();
   Instant stop;
