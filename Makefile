@@ -40,7 +40,7 @@ pictures:
 test:
 	tools/setup test
 	cmake --preset release -DQUILLMERE_TESTS=ON
-	$(BUILD) quillmere packaging/all tests/all detect-windows
+	$(BUILD) quillmere packaging/all tests/all detect-windows window-states
 	tools/test -j $(JOBS)
 
 # SEED chooses the mutants, COUNT how many, ONLY a single one by its number.

@@ -53,7 +53,7 @@ void ScanHere(benchmark::State& state) {
   for (auto _ : state) touch(ImageOperations::scanWindowsNow(world->large).value().image);
 }
 void ScanByReader(benchmark::State& state) {
-  for (auto _ : state) touch(world->readers->windows(world->large, kNever).value().image);
+  for (auto _ : state) touch(world->readers->windows(world->large, {}, kNever).value().image);
 }
 void HeadHere(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(ImageFile::head(world->large));

@@ -61,7 +61,7 @@ void ask(ReaderPool& pool, uint8_t what, std::string_view script) {
       if (const auto small = pool.thumbnail(script, kSmall)) looked(*small);
       return;
     case 5: {
-      const auto scan = pool.windows(written(script), kNever);
+      const auto scan = pool.windows(written(script), {}, kNever);
       if (!scan) return;
       looked(scan->image);
       for (const auto& window : scan->windows) {

@@ -4,6 +4,8 @@
 ///   --no-rectangles    as if the library's rectangle detector saw nothing
 ///   --rectangles FILE  what it saw instead, as lines of "x y width height"
 ///   --time N           the median milliseconds of N runs of each stage
+///   --states FILE      also which windows are known, by the window system's states in the file (see window-states)
+///   --only-known       nothing but those
 ///
 /// Reads PNG, JPEG, HEIC and 8-bit binary PGM. The bytes of a PGM are the gray picture as they stand.
 
@@ -19,6 +21,7 @@
 #include <string>
 #include <vector>
 
+#include "detection/CapturedWindows.h"
 #include "detection/EdgeMaps.h"
 #include "detection/ShadowFallOff.h"
 #include "detection/VisionRectangles.h"
@@ -27,6 +30,7 @@
 #include "formats/ImageOperations.h"
 #include "formats/ImageScale.h"
 #include "foundation/FileStatus.h"
+#include "platform/linux/passing/PassedWindowStates.h"
 
 using namespace quillmere;
 
@@ -37,6 +41,8 @@ struct Arguments {
   std::optional<double> scale;
   std::optional<std::vector<QRectF>> rectangles;  ///< instead of the library's
   int runs = 0;
+  std::string states;  ///< a file
+  bool isOnlyKnown = false;
 };
 
 /// The picture in the form that its file has: a PGM is gray already.
@@ -84,6 +90,10 @@ Arguments parse(int argc, char** argv) {
       arguments.scale = number(0);
     } else if (argument == "--time") {
       arguments.runs = static_cast<int>(number(1));
+    } else if (argument == "--states") {
+      arguments.states = next();
+    } else if (argument == "--only-known") {
+      arguments.isOnlyKnown = true;
     } else if (argument == "--no-rectangles") {
       arguments.rectangles.emplace();
     } else if (argument == "--rectangles") {
@@ -95,7 +105,7 @@ Arguments parse(int argc, char** argv) {
     }
   }
   if (arguments.image.isEmpty()) {
-    stop("IMAGE [--scale S] [--no-rectangles | --rectangles FILE] [--time N]");
+    stop("IMAGE [--scale S] [--no-rectangles | --rectangles FILE] [--time N] [--states FILE]");
   }
   return arguments;
 }
@@ -224,6 +234,37 @@ void writeWindow(Writer& out, const ImageOperations::DetectedWindow& window,
   out.EndObject();
 }
 
+/// Which windows the window system's states and the picture tell of together.
+void writeKnown(Writer& out, const QImage& picture, const std::string& path) {
+  const auto bytes = readFile(FileURL::fromPath(std::filesystem::weakly_canonical(path).string()));
+  const auto question = bytes ? PassedWindowStates::decoded(*bytes) : std::nullopt;
+  if (!question) stop(path + " has no states");
+  out.Key("known");
+  const auto known = CapturedWindows::resolve(picture, question->states, question->closedAt);
+  if (!known) {
+    out.Null();
+    return;
+  }
+  out.StartObject();
+  const auto kind = std::string(codedValue(known->kind));
+  writeText(out, "kind", kind.c_str());
+  out.Key("windows");
+  out.StartArray();
+  for (const auto& window : known->windows) {
+    out.StartObject();
+    writeWhole(out, "x", window.frame.x());
+    writeWhole(out, "y", window.frame.y());
+    writeWhole(out, "width", window.frame.width());
+    writeWhole(out, "height", window.frame.height());
+    writeFlag(out, "isCovered", window.isCovered);
+    out.EndObject();
+  }
+  out.EndArray();
+  out.Key("front");
+  known->front ? out.Uint64(*known->front) : out.Null();
+  out.EndObject();
+}
+
 double medianMilliseconds(int runs, const std::function<void()>& stage) {
   std::vector<double> times;
   for (int run = 0; run < runs; ++run) {
@@ -262,7 +303,7 @@ int main(int argc, char** argv) {
   WindowDetector::RectangleFinder rectangles = &WindowDetector::visionRectangles;
   if (arguments.rectangles) rectangles = [&](const GrayImage&) { return *arguments.rectangles; };
   // A gray picture that is too small for the detector is one in which nothing is found.
-  const bool isReadable = input.gray && input.width >= 9 && input.height >= 9;
+  const bool isReadable = !arguments.isOnlyKnown && input.gray && input.width >= 9 && input.height >= 9;
   const auto scale = arguments.scale ? arguments.scale
                      : input.picture ? ImageOperations::imageScale(arguments.image)
                                      : std::nullopt;
@@ -296,6 +337,7 @@ int main(int argc, char** argv) {
   } else {
     out.Null();
   }
+  if (!arguments.states.empty() && input.picture) writeKnown(out, *input.picture, arguments.states);
   if (arguments.runs > 0) writeTimes(out, arguments, input, rectangles, scale);
   out.EndObject();
   std::puts(buffer.GetString());

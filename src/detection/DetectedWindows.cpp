@@ -1,13 +1,56 @@
 #include "detection/DetectedWindows.h"
 
+#include <algorithm>
+
+#include "detection/CapturedWindows.h"
 #include "detection/VisionRectangles.h"
 #include "detection/WindowDetector.h"
 #include "detection/WindowShadow.h"
 #include "pixels/PixelRects.h"
 
 namespace quillmere::ImageOperations {
+namespace {
 
-std::vector<DetectedWindow> detectWindows(const QImage& image, std::optional<double> scale) {
+/// As the detector counts a window as enclosed.
+constexpr double kEnclosingMargin = 4;
+
+bool isOf(const QImage& image, const KnownWindows& known) {
+  return !known.windows.empty() && known.size == image.size() && known.checksum == CapturedWindows::checksum(image);
+}
+
+std::vector<DetectedWindow> standingIn(const QImage& image, std::optional<double> scale, const KnownWindows& known) {
+  const auto gray = grayImage(image);
+  std::vector<DetectedWindow> windows;
+  for (size_t i = 0; i < known.windows.size(); ++i) {
+    const auto& [frame, isCovered, shadow] = known.windows[i];
+    DetectedWindow window;
+    window.frame = QRectF(frame);
+    window.isFullyDrawn = true;
+    window.isCovered = isCovered;
+    if (shadow) {
+      window.shadow = *shadow;
+    } else if (gray) {
+      window.shadow = WindowShadow::measure(*gray, window.frame, scale).margin;
+    }
+    window.isInFront = known.front == i;
+    window.isEnclosed = std::any_of(known.windows.begin(), known.windows.end(), [&](const KnownWindows::Window& other) {
+      const QRectF grown =
+          QRectF(other.frame).adjusted(-kEnclosingMargin, -kEnclosingMargin, kEnclosingMargin, kEnclosingMargin);
+      return &other != &known.windows[i] && other.frame != frame && rectContains(grown, window.frame);
+    });
+    windows.push_back(window);
+  }
+  std::stable_sort(windows.begin(), windows.end(), [](const DetectedWindow& a, const DetectedWindow& b) {
+    return rectArea(a.frame) > rectArea(b.frame);
+  });
+  return windows;
+}
+
+}  // namespace
+
+std::vector<DetectedWindow> detectWindows(const QImage& image, std::optional<double> scale,
+                                          const std::optional<KnownWindows>& known) {
+  if (known && isOf(image, *known)) return standingIn(image, scale, *known);
   // One gray copy for the outlines and the shadows.
   const auto gray = grayImage(image);
   return gray ? detectWindows(*gray, scale, &WindowDetector::visionRectangles) : std::vector<DetectedWindow>();

@@ -15,31 +15,33 @@ bool isWanted(const std::function<bool()>& isStopped) {
 
 /// `picture` and the scale that its file tells of.
 Result<WindowScan, OperationError> found(ImageFile::Picture picture, const std::optional<double>& scale,
-                                         const std::function<bool()>& isStopped) {
+                                         const std::function<bool()>& isStopped,
+                                         const std::optional<KnownWindows>& known) {
   if (!picture) return operationError(picture.reason());
   if (!isWanted(isStopped)) return OperationError::unreadable;
   QImage image = *std::move(picture);
-  const auto windows = detectWindows(image, scale);
+  const auto windows = detectWindows(image, scale, known);
   return WindowScan{std::move(image), windows};
 }
 
 }  // namespace
 
-Result<WindowScan, OperationError> scanWindowsNow(const FileURL& url, const std::function<bool()>& isStopped) {
+Result<WindowScan, OperationError> scanWindowsNow(const FileURL& url, const std::function<bool()>& isStopped,
+                                                  const std::optional<KnownWindows>& known) {
   if (!isWanted(isStopped)) return OperationError::unreadable;
   std::optional<double> scale;
   auto picture = ImageFile::read(url, [&scale](std::string_view bytes) { scale = imageScale(bytes); });
-  return found(std::move(picture), scale, isStopped);
+  return found(std::move(picture), scale, isStopped, known);
 }
 
 Result<WindowScan, OperationError> scanWindowsNow(std::string bytes, const std::function<bool()>& isStopped,
-                                                  PixelMemory* memory) {
+                                                  PixelMemory* memory, const std::optional<KnownWindows>& known) {
   if (!isWanted(isStopped)) return OperationError::unreadable;
   std::optional<double> scale;
   auto picture = ImageFile::read(
       std::string_view(bytes), [&scale](std::string_view all) { scale = imageScale(all); }, {}, memory);
   std::string().swap(bytes);
-  return found(std::move(picture), scale, isStopped);
+  return found(std::move(picture), scale, isStopped, known);
 }
 
 }  // namespace quillmere::ImageOperations

@@ -33,6 +33,7 @@
 #include "model/ScreenshotFolderMatch.h"
 #include "model/Settings.h"
 #include "model/WindowExtractionRun.h"
+#include "model/WindowKnowledge.h"
 #include "records/MoveJournal.h"
 #include "records/ScreenshotList.h"
 #include "records/ScreenshotNaming.h"
@@ -43,6 +44,7 @@ namespace quillmere {
 /// operations; they decide nothing about files. Each group of operations stands in a file of its own, named in the
 /// comment above it.
 class AppModel : private AnalysisRecords,
+                 private CaptureRecords,
                  private PromptStage,
                  private ReconciledRecords,
                  private TransferSource,
@@ -600,6 +602,7 @@ class AppModel : private AnalysisRecords,
   bool expiryChangedRecords_ = false;
 
   AnalysisPipeline analysis_;
+  WindowKnowledge windowKnowledge_{dependencies_, *this};
 
   Lifetime lifetime_;
 };

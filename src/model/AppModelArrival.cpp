@@ -48,6 +48,7 @@ void AppModel::record(const FileURL& url, Origin origin) {
   saveInStream();
   if (arrivedFromElsewhere) return;
   if (!isRecovering_) enqueuePrompt(id);
+  windowKnowledge_.noteCapture(id);
   if (*settings_.analyzeScreenshots) startAnalysis(id);
 }
 

@@ -38,7 +38,7 @@ Task<Result<AppModel::OpenedPicture, OperationError>> AppModel::runOpening(Weak<
   const bool isUnwanted = co_await isCancelled;
   if (!self || isUnwanted) co_return OperationError::unreadable;
   if (detectsWindows) {
-    auto scanning = interruptible(self->dependencies_.scanWindows(item.url));
+    auto scanning = interruptible(self->dependencies_.scanWindows(item.url, knownWindows(item)));
     const auto scan = co_await scanning;
     if (!scan) co_return scan.reason();
     co_return OpenedPicture{scan->image, scan->windows, stamp};
@@ -129,6 +129,7 @@ void AppModel::fileWasReplaced(const UUID& id) {
     item.analysisFailure.reset();
     item.analysisRetryable.reset();
     item.captureKind.reset();
+    item.knownWindows.reset();
   });
   // A look at the files that is under way saw the old one.
   reconciliations_.noteArrival(id);

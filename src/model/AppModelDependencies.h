@@ -151,7 +151,11 @@ struct AppModelDependencies {
   TransferFiles transferFiles;
 
   std::shared_ptr<PictureReading> pictures;
-  std::function<Task<Result<ImageOperations::WindowScan, ImageOperations::OperationError>>(const FileURL&)> scanWindows;
+  std::function<Task<Result<ImageOperations::WindowScan, ImageOperations::OperationError>>(
+      const FileURL&, const std::optional<KnownWindows>&)>
+      scanWindows;
+  /// What the window system showed lately, oldest first; nothing where it cannot be told. Any thread.
+  std::function<std::vector<WindowStack>()> windowStates = [] { return std::vector<WindowStack>(); };
   std::function<Date()> now;
   std::function<QTimeZone()> timeZone;
   Duration saveCoalescingDelay = std::chrono::milliseconds(750);

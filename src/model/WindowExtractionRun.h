@@ -28,8 +28,9 @@ class WindowExtractionRun {
     overtaken,  ///< it was turned off, or the popup has gone on
   };
   /// Looks for the window of the screenshot in the popup. Where there is none and where that failed, the whole
-  /// screenshot is shown again.
-  Task<Result<Sought, ImageOperations::OperationError>> seek(UUID id, FileURL url);
+  /// screenshot is shown again. `known` are the windows that its record knows of.
+  Task<Result<Sought, ImageOperations::OperationError>> seek(UUID id, FileURL url,
+                                                             std::optional<KnownWindows> known = {});
   bool isSeeking(const UUID& id) const;
 
   /// The window that was found in the screenshot, also while it is being saved.
@@ -49,7 +50,7 @@ class WindowExtractionRun {
   using Scan = Task<Result<ImageOperations::WindowScan, ImageOperations::OperationError>>;
 
   static Task<Result<Sought, ImageOperations::OperationError>> runSeek(Weak<WindowExtractionRun> self, UUID id,
-                                                                       FileURL url);
+                                                                       FileURL url, std::optional<KnownWindows> known);
   template <typename Phase>
   bool isIn(const UUID& id) const;
 

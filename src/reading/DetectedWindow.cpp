@@ -18,6 +18,7 @@ bool isBetter(const DetectedWindow& a, const DetectedWindow& b) {
 std::optional<DetectedWindow> primaryWindow(const std::vector<DetectedWindow>& windows) {
   std::optional<DetectedWindow> best;
   for (const DetectedWindow& window : windows) {
+    if (window.isInFront) return window;
     if (!window.isEnclosed && (!best || isBetter(window, *best))) best = window;
   }
   return best;

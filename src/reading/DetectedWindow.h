@@ -31,10 +31,12 @@ struct DetectedWindow {
   bool isFullyDrawn = false;
   bool isCovered = false;
   bool isEnclosed = false;
+  bool isInFront = false;  ///< as the window system told: the one that a person means
   bool operator==(const DetectedWindow&) const = default;
 };
 
-/// The window to take without asking; none of none, or where all are enclosed in others.
+/// The window to take without asking: the one in front, where that is known. None of none, or where all are enclosed in
+/// others.
 std::optional<DetectedWindow> primaryWindow(const std::vector<DetectedWindow>& windows);
 
 }  // namespace ImageOperations

@@ -12,6 +12,7 @@
 #include "reading/OperationError.h"
 #include "reading/PictureError.h"
 #include "reading/WindowScan.h"
+#include "reading/WindowStack.h"
 #include "records/PictureFormat.h"
 
 namespace quillmere {
@@ -43,9 +44,13 @@ class PictureReading {
   virtual Picture thumbnail(const FileURL& url, int maxPixels, const Stop& isStopped) = 0;
   /// The same of a file that was read already.
   virtual Picture thumbnail(std::string_view bytes, int maxPixels) = 0;
-  /// The picture with the windows in it.
-  virtual Result<ImageOperations::WindowScan, ImageOperations::OperationError> windows(const FileURL& url,
-                                                                                       const Stop& isStopped) = 0;
+  /// The picture with the windows in it: those that are known, if they are so of these pixels.
+  virtual Result<ImageOperations::WindowScan, ImageOperations::OperationError> windows(
+      const FileURL& url, const std::optional<KnownWindows>& known, const Stop& isStopped) = 0;
+  /// Which windows the picture shows, by what the window system told and when the file was complete. None where that is
+  /// not sure.
+  virtual std::optional<KnownWindows> knownWindows(const FileURL& url, const std::vector<WindowStack>& states,
+                                                   Date closedAt, const Stop& isStopped) = 0;
   /// The lines of text joined with "\n", top to bottom; empty where there is none. Nothing where it cannot be read.
   virtual std::optional<QString> text(const FileURL& url, const Stop& isStopped) = 0;
   /// The picture alone with its colour space: no resolution, text or other data of its source. Fails as encoding.

@@ -9,6 +9,7 @@
 #include "foundation/FileURL.h"
 #include "foundation/Result.h"
 #include "reading/DetectedWindow.h"
+#include "reading/KnownWindows.h"
 #include "reading/OperationError.h"
 
 namespace quillmere {
@@ -22,10 +23,12 @@ struct WindowScan {
   std::vector<DetectedWindow> windows;  ///< largest first
 };
 
-/// Reads the picture and finds its windows in the background. A file that `isDataless` is not read and fails as
-/// unreadable; it is asked there too. One that is cancelled stops before its next step.
+/// Reads the picture and finds its windows in the background; those that are `known` of its pixels stand in for what
+/// would be found. A file that `isDataless` is not read and fails as unreadable; it is asked there too. One that is
+/// cancelled stops before its next step.
 Task<Result<WindowScan, OperationError>> scanWindows(Executor& executor, std::shared_ptr<PictureReading> pictures,
-                                                     FileURL url, std::function<bool(const FileURL&)> isDataless = {});
+                                                     FileURL url, std::optional<KnownWindows> known = {},
+                                                     std::function<bool(const FileURL&)> isDataless = {});
 
 }  // namespace ImageOperations
 }  // namespace quillmere

@@ -323,6 +323,10 @@ std::optional<ScreenshotItem> decodeItem(const Value& value) {
   item.arrivedFromElsewhere = reader.boolean("arrivedFromElsewhere");
   // As text: a kind that a newer version knows must not cost the record.
   if (const auto kind = reader.text("captureKind")) item.captureKind = captureKind(*kind);
+  // Nothing but what can be found again: in a form that is not known it costs no record.
+  if (const Value* known = reader.find("knownWindows"); known && known->IsString()) {
+    item.knownWindows = QByteArray(known->GetString(), static_cast<qsizetype>(known->GetStringLength()));
+  }
   item.hasMovedAway = reader.boolean("hasMovedAway");
   if (reader.failed()) return std::nullopt;
   return item;
@@ -350,6 +354,7 @@ void appendEncoded(std::string& out, const ScreenshotItem& item) {
   }
   object.boolean("arrivedFromElsewhere", item.arrivedFromElsewhere);
   if (item.captureKind) object.text("captureKind", codedValue(*item.captureKind));
+  object.text("knownWindows", item.knownWindows);
   object.boolean("hasMovedAway", item.hasMovedAway);
   object.finish();
 }

@@ -53,7 +53,8 @@ struct ScreenshotItem {
   std::optional<FileIdentity> fileIdentity;
   std::optional<bool> arrivedFromElsewhere;
   std::optional<CaptureKind> captureKind;
-  std::optional<bool> hasMovedAway;  ///< the file was seen to be moved away, and has not been found since
+  std::optional<QByteArray> knownWindows;  ///< which its picture shows, where the window system told; `KnownWindows`
+  std::optional<bool> hasMovedAway;        ///< the file was seen to be moved away, and has not been found since
 
   bool operator==(const ScreenshotItem&) const = default;
 };

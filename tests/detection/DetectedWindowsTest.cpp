@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "detection/CapturedWindows.h"
+#include "detection/DrawnScreen.h"
 #include "detection/WindowShadow.h"
 #include "support/DrawnPictures.h"
 
@@ -27,6 +29,39 @@ TEST(DetectWindowsTest, WindowsComeWithTheirShadows) {
   EXPECT_EQ(windows[0].shadow.source, WindowShadowMargin::Source::measured);
   EXPECT_EQ(windows[0].shadow.left, 45);
   EXPECT_LT(detectWindows(pictures::image(gray), std::nullopt)[0].shadow.left, 45) << "the scale decides";
+}
+
+TEST(DetectWindowsTest, WindowsThatAreKnownOfThesePixelsStandIn) {
+  CapturedWindows::DrawnScreen screen(QSize(800, 600));
+  screen.add(QRect(60, 50, 520, 400));
+  screen.add(QRect(200, 150, 300, 200), QColor(245, 240, 230));
+  const auto known = CapturedWindows::resolve(screen.image, {screen.stack}, Date{1000});
+  const auto windows = detectWindows(screen.image, 1, known);
+  ASSERT_EQ(windows.size(), 2u);
+  EXPECT_EQ(windows[0].frame, QRectF(60, 50, 520, 400)) << "the largest first";
+  EXPECT_TRUE(windows[0].isCovered);
+  EXPECT_FALSE(windows[0].isInFront);
+  EXPECT_TRUE(windows[1].isEnclosed);
+  EXPECT_TRUE(windows[1].isInFront);
+  EXPECT_EQ(primaryWindow(windows)->frame, QRectF(200, 150, 300, 200)) << "though it lies inside another";
+  EXPECT_EQ(windows[1].shadow, WindowShadow::margins({windows[1].frame}, screen.image, 1)[0]);
+
+  const auto found = detectWindows(screen.image, 1);
+  auto other = known;
+  other->checksum ^= 1;
+  EXPECT_EQ(detectWindows(screen.image, 1, other), found) << "of other pixels";
+  other = known;
+  other->windows.clear();
+  EXPECT_EQ(detectWindows(screen.image, 1, other), found);
+}
+
+TEST(DetectWindowsTest, AShadowThatIsKnownIsNotMeasured) {
+  CapturedWindows::DrawnScreen screen(QSize(800, 600));
+  screen.add(QRect(60, 50, 520, 400));
+  auto known = CapturedWindows::resolve(screen.image, {screen.stack}, Date{1000});
+  const WindowShadowMargin shadow{11, 7, 12, 15, WindowShadowMargin::Source::measured};
+  known->windows[0].shadow = shadow;
+  EXPECT_EQ(detectWindows(screen.image, 1, known)[0].shadow, shadow);
 }
 
 TEST(DetectWindowsTest, APictureWithoutWindowsHasNone) {

@@ -1,5 +1,6 @@
 #include "fakes/DecodedPictures.h"
 
+#include "detection/CapturedWindows.h"
 #include "detection/WindowScan.h"
 #include "formats/ImageEncoding.h"
 #include "formats/ImageFile.h"
@@ -32,9 +33,15 @@ PictureReading::Picture DecodedPictures::forScreen(Picture picture) {
   return pictureForScreen(*std::move(picture));
 }
 
-Result<ImageOperations::WindowScan, ImageOperations::OperationError> DecodedPictures::windows(const FileURL& url,
-                                                                                              const Stop& isStopped) {
-  return ImageOperations::scanWindowsNow(url, [&] { return isStopped.load(); });
+Result<ImageOperations::WindowScan, ImageOperations::OperationError> DecodedPictures::windows(
+    const FileURL& url, const std::optional<KnownWindows>& known, const Stop& isStopped) {
+  return ImageOperations::scanWindowsNow(
+      url, [&] { return isStopped.load(); }, known);
+}
+
+std::optional<KnownWindows> DecodedPictures::knownWindows(const FileURL& url, const std::vector<WindowStack>& states,
+                                                          Date closedAt, const Stop&) {
+  return CapturedWindows::resolve(ImageFile::picture(url), states, closedAt);
 }
 
 std::optional<QString> DecodedPictures::text(const FileURL& url, const Stop& isStopped) {

@@ -17,7 +17,10 @@ class DecodedPictures final : public PictureReading {
   Picture thumbnail(const FileURL& url, int maxPixels, const Stop& isStopped) override;
   Picture thumbnail(std::string_view bytes, int maxPixels) override;
   Result<ImageOperations::WindowScan, ImageOperations::OperationError> windows(const FileURL& url,
+                                                                               const std::optional<KnownWindows>& known,
                                                                                const Stop& isStopped) override;
+  std::optional<KnownWindows> knownWindows(const FileURL& url, const std::vector<WindowStack>& states, Date closedAt,
+                                           const Stop& isStopped) override;
   std::optional<QString> text(const FileURL& url, const Stop& isStopped) override;
   Result<QByteArray, ImageOperations::OperationError> encoded(const QImage& image, PictureFormat format) override;
 

@@ -2,8 +2,8 @@
 
 namespace quillmere::testing {
 
-Task<FakeWindowScanner::Outcome> FakeWindowScanner::scan(FileURL url) {
-  auto call = std::make_shared<Call>(Call{url, std::nullopt, nullptr});
+Task<FakeWindowScanner::Outcome> FakeWindowScanner::scan(FileURL url, std::optional<KnownWindows> known) {
+  auto call = std::make_shared<Call>(Call{url, known, std::nullopt, nullptr});
   calls.push_back(call);
   Open open{call};
   co_await open;

@@ -21,11 +21,12 @@ class FakeWindowScanner {
   using Outcome = Result<ImageOperations::WindowScan, ImageOperations::OperationError>;
   struct Call {
     FileURL url;
+    std::optional<KnownWindows> known;
     std::optional<Outcome> outcome;
     std::shared_ptr<Continuation> waiter;
   };
 
-  Task<Outcome> scan(FileURL url);
+  Task<Outcome> scan(FileURL url, std::optional<KnownWindows> known = {});
   void answer(size_t index, Outcome outcome);
   /// The picture with one window in it, or with none.
   void answer(size_t index, const QImage& image, std::optional<QRectF> window);

@@ -91,7 +91,10 @@ AppModelDependencies ModelFixture::dependencies() {
   world.pasteboard = &pasteboard;
   world.transferFiles = TransferFiles(transfers);
   world.pictures = decodedPictures();
-  world.scanWindows = [this](const FileURL& url) { return scanner.scan(url); };
+  world.scanWindows = [this](const FileURL& url, const std::optional<KnownWindows>& known) {
+    return scanner.scan(url, known);
+  };
+  world.windowStates = [this] { return windowStates; };
   world.analyzer = &analyzer;
   world.systemEvents = &systemEvents;
   world.now = [this] { return now(); };

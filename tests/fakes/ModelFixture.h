@@ -145,6 +145,7 @@ class ModelFixture : public ::testing::Test {
   std::optional<HotKeyShortcut> firstShortcut;
 
   std::map<std::string, std::optional<FileIdentity>> identities;
+  std::vector<WindowStack> windowStates;  ///< what the window system tells
   std::map<std::string, CaptureKind> captureKinds;
   std::set<std::string> unreachableFolders;
   std::set<std::string> dataless;

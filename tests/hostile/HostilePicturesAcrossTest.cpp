@@ -64,7 +64,7 @@ class ReadersAcross : public ::testing::Test {
     const auto small = pool->thumbnail(url, kSmall, never);
     const bool isRead = read.find('x') != std::string::npos;
     if ((small ? "" : testing::told(small.reason())) != (isRead ? "" : read)) return "unsteady: small";
-    const auto scan = pool->windows(url, never);
+    const auto scan = pool->windows(url, {}, never);
     if (scan.isDone() != isRead) return "unsteady: windows";
     constexpr size_t kMostWindows = 512;
     if (scan && scan->windows.size() > kMostWindows) return "unsteady: too many windows";

@@ -7,7 +7,6 @@ import os
 
 import captures
 from crop_sheet import CANCEL, ESTIMATED, HELP, KEEP, NOT_REPLACEABLE, REPLACE, SAVE, WHOLE, CropSheet, bytes_of, crop_of
-from detection import main_window
 from harness import expect, run_journey, wait_until
 from inbox_steps import keep_new, open_inbox
 from pictures import png_size
@@ -18,13 +17,13 @@ from windows import Windows, open_terminal
 def journey(desktop):
     desktop.choose_folder()
     desktop.launch("--autostart")
-    shot = capture_of_two_windows(desktop)
+    shot, frame = capture_of_two_windows(desktop)
     desktop.popup.wait_for(shot)
     desktop.popup.press("Keep")
     desktop.popup.wait_gone()
     open_inbox(desktop)
     sheet = CropSheet(desktop)
-    the_main_window(desktop, sheet, shot)
+    the_main_window(desktop, sheet, shot, frame)
     renamed_from_outside(desktop, sheet)
     kept_whole(desktop, sheet)
     expect("nothing was thrown away", not trashed_files(desktop))
@@ -43,15 +42,14 @@ def capture_of_two_windows(desktop):
         return all(min(windows.pixel(place)) > 240 for place in places)
 
     wait_until("both are drawn", are_drawn)
-    shot = captures.scrot_named(desktop)
+    shot, frame = captures.scrot_named(desktop), windows.outer_frame("Front")
     windows.close("Front")
     windows.close("Behind")
-    return shot
+    return shot, frame
 
 
-def the_main_window(desktop, sheet, shot):
+def the_main_window(desktop, sheet, shot, frame):
     before = bytes_of(shot)
-    frame = main_window(shot)
     sheet.open(shot, "Extract Window…", ESTIMATED)
     expect(f"the main window is selected: {sheet.bounds}, not {frame}", sheet.bounds == frame)
     sheet.press(SAVE)

@@ -6,14 +6,10 @@ import os
 import subprocess
 
 import captures
-from detection import main_window
 from harness import expect, run_journey, wait_until
 from pictures import png_size
 from steps import TrashEntry, popup_shows_picture
 from windows import Windows, open_terminal
-
-# How far the window found may be from the one that the display has, in pixels: a shadow blurs the edge.
-TOLERANCE = 8
 
 
 def journey(desktop):
@@ -25,6 +21,7 @@ def journey(desktop):
     windows = Windows(desktop)
     wait_until("both are drawn", lambda: are_drawn(windows))
     the_window_takes_the_place(desktop, windows)
+    a_picture_of_one(desktop)
     windows.close("Front")
     windows.close("Behind")
     a_picture_without_one(desktop)
@@ -42,10 +39,11 @@ def the_window_takes_the_place(desktop, windows):
     shot = captures.scrot_named(desktop)
     with open(shot, "rb") as file:
         whole = file.read()
-    frame = main_window(shot)
-    expect("the front window is found", is_near(frame, outer_frame(desktop, windows)))
-
+    frame = windows.outer_frame("Front")
     desktop.popup.wait_for(shot)
+    record = wait_until("it is known what it shows", lambda: known(desktop, shot))
+    expect(f"the window in front, to the pixel: {record}", f"^{geometry(frame)}" in record["knownWindows"])
+    expect("of the screen", record["captureKind"] == "display")
     popup_shows_picture(desktop, "Screenshot preview")
     desktop.popup.press("Extract Window", role="check box")
     popup_shows_picture(desktop, "Extracted window preview")
@@ -86,18 +84,27 @@ def a_picture_without_one(desktop):
     expect("as it was", bytes_of(region) == before)
 
 
-def outer_frame(desktop, windows):
-    """What the display has, with what the window manager puts around it."""
-    left, top, right, bottom = windows.frame("Front")
-    described = desktop.run("xprop", "-id", str(windows.find("Front")), "_NET_FRAME_EXTENTS")
-    around = [int(number) for number in described.split("=")[1].split(",")]
-    left, top = left - around[0], top - around[2]
-    return left, top, right + 1 + around[1] - left, bottom + 1 + around[3] - top
+def a_picture_of_one(desktop):
+    """Nobody marked it as one: its size is the window's."""
+    alone = os.path.join(desktop.folder, captures.capture_name())
+    desktop.run("scrot", "-u", "-b", alone, check=True)
+    desktop.popup.wait_for(alone)
+    wait_until("it is known for a window", lambda: (known(desktop, alone) or {}).get("captureKind") == "window")
+    popup_shows_picture(desktop, "Screenshot preview")
+    desktop.popup.press("Extract Window", role="check box")
+    wait_until("it says so", lambda: desktop.popup.find("This is already a window"))
+    desktop.popup.press("Keep")
+    desktop.popup.wait_gone()
 
 
-def is_near(frame, other):
-    edges = [(x, y, x + width, y + height) for x, y, width, height in (frame, other)]
-    return all(abs(one - another) <= TOLERANCE for one, another in zip(*edges))
+def known(desktop, path):
+    """Its record, once the windows in it are known."""
+    record = desktop.record_of(path)
+    return record if record and "knownWindows" in record else None
+
+
+def geometry(frame):
+    return "{2}x{3}+{0}+{1}".format(*frame)
 
 
 def whole_in_trash(desktop, shot):

@@ -38,6 +38,14 @@ class Windows:
         geometry, corner = window.get_geometry(), window.translate_coords(self.root, 0, 0)
         return -corner.x, -corner.y, geometry.width - corner.x - 1, geometry.height - corner.y - 1
 
+    def outer_frame(self, title):
+        """The same with what the window manager draws around it: x, y, width and height."""
+        left, top, right, bottom = self.frame(title)
+        described = self._desktop.run("xprop", "-id", str(self.find(title)), "_NET_FRAME_EXTENTS")
+        around = [int(number) for number in described.split("=")[1].split(",")]
+        left, top = left - around[0], top - around[2]
+        return left, top, right + 1 + around[1] - left, bottom + 1 + around[3] - top
+
     def card(self):
         """The popup's, from its first to its last pixel."""
         left, top, right, bottom = self.frame(POPUP_TITLE)

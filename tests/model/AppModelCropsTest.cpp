@@ -37,6 +37,7 @@ class AppModelReplacing : public PictureFixture {
     described.analysisFailure = AnalysisFailureCode::busy;
     described.analysisRetryable = true;
     described.captureKind = CaptureKind::display;
+    described.knownWindows = "display 20x10 0";
     storeRecords({described});
     launch();
   }

@@ -29,7 +29,9 @@ class WindowExtractionRunTest : public ::testing::Test {
     for (int number = 1; number <= 2; ++number) items.insertNewest(bareItem(number));
     world.promptPresenter = &presenter;
     world.announcer = &announcer;
-    world.scanWindows = [this](const FileURL& url) { return scanner.scan(url); };
+    world.scanWindows = [this](const FileURL& url, const std::optional<KnownWindows>& known) {
+      return scanner.scan(url, known);
+    };
     world.fileIdentity = [this](const FileURL&) { return std::optional(FileIdentity{"volume", inode, {}, 1}); };
     prompts.enqueue(uuid(1));
     prompts.enqueue(uuid(2));

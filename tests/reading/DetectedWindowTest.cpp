@@ -36,6 +36,12 @@ void expectBetter(const DetectedWindow& better, const DetectedWindow& other) {
   EXPECT_EQ(primaryWindow({other, better}), better);
 }
 
+TEST(PrimaryWindowTest, TheOneInFrontComesBeforeAll) {
+  DetectedWindow front = enclosed(covered(window(kSmall)));
+  front.isInFront = true;
+  expectBetter(front, withButtons(drawn(window(kLarge))));
+}
+
 TEST(PrimaryWindowTest, ThereIsNoneOfNoneOrOfEnclosedOnes) {
   EXPECT_EQ(primaryWindow({}), std::nullopt);
   EXPECT_EQ(primaryWindow({enclosed(window(kLarge)), enclosed(window(kSmall))}), std::nullopt);

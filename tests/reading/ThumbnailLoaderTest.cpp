@@ -165,8 +165,14 @@ class AnsweringPictures final : public PictureReading {
     return answer;
   }
   Picture thumbnail(std::string_view, int) override { return answer; }
-  Result<ImageOperations::WindowScan, ImageOperations::OperationError> windows(const FileURL&, const Stop&) override {
+  Result<ImageOperations::WindowScan, ImageOperations::OperationError> windows(const FileURL&,
+                                                                               const std::optional<KnownWindows>&,
+                                                                               const Stop&) override {
     return ImageOperations::operationError(answer);
+  }
+  std::optional<KnownWindows> knownWindows(const FileURL&, const std::vector<WindowStack>&, Date,
+                                           const Stop&) override {
+    return std::nullopt;
   }
   std::optional<QString> text(const FileURL&, const Stop&) override { return std::nullopt; }
   Result<QByteArray, ImageOperations::OperationError> encoded(const QImage&, PictureFormat) override {

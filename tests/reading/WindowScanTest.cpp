@@ -38,7 +38,7 @@ TEST_F(WindowScanTest, RunsInTheBackground) {
 TEST_F(WindowScanTest, DoesNotEvenLookAtTheFileOnceItIsCancelled) {
   int looks = 0;
   executor.holdBackground();
-  const auto task = ImageOperations::scanWindows(executor, decodedPictures(), savedPicture(), [&](const FileURL&) {
+  const auto task = ImageOperations::scanWindows(executor, decodedPictures(), savedPicture(), {}, [&](const FileURL&) {
     ++looks;
     return false;
   });
@@ -50,8 +50,8 @@ TEST_F(WindowScanTest, DoesNotEvenLookAtTheFileOnceItIsCancelled) {
 }
 
 TEST_F(WindowScanTest, DoesNotReadAFileThatIsNotHere) {
-  const auto task =
-      ImageOperations::scanWindows(executor, decodedPictures(), savedPicture(), [](const FileURL&) { return true; });
+  const auto task = ImageOperations::scanWindows(executor, decodedPictures(), savedPicture(), {},
+                                                 [](const FileURL&) { return true; });
   executor.drain();
   ASSERT_TRUE(task.isDone());
   EXPECT_EQ(task.await_resume().reason(), ImageOperations::OperationError::unreadable);

@@ -61,6 +61,20 @@ TEST(ScreenshotCoding, RecordWithEveryFieldIsWrittenInTheOrderOfTheFields) {
             R"("arrivedFromElsewhere":false,"captureKind":"selection"})");
 }
 
+TEST(ScreenshotCoding, KnownWindowsAreKeptAsTheyStand) {
+  ScreenshotItem item = bareItem();
+  item.knownWindows = "display 20x10 0 ^5x5+1+2";
+  EXPECT_TRUE(encoded(item).ends_with(R"("state":"pending","knownWindows":"display 20x10 0 ^5x5+1+2"})"));
+  const auto kept = decodeWith(R"(,"knownWindows":"anything")");
+  ASSERT_TRUE(kept);
+  EXPECT_EQ(kept->knownWindows, QByteArray("anything"));
+  for (const char* other : {R"(,"knownWindows":[1,2])", R"(,"knownWindows":null)", R"(,"knownWindows":7)"}) {
+    const auto read = decodeWith(other);
+    ASSERT_TRUE(read) << other;
+    EXPECT_EQ(read->knownWindows, std::nullopt) << other;
+  }
+}
+
 TEST(ScreenshotCoding, RecordWithTheRequiredFieldsAloneHasNoOtherKeys) {
   EXPECT_EQ(encoded(bareItem()), R"({"id":"00000000-0000-4000-8000-100000000001","url":"file:\/\/\/shots\/1.png",)"
                                  R"("createdAt":700000000.25,"state":"pending"})");

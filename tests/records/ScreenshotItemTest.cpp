@@ -13,7 +13,7 @@ TEST(ScreenshotItem, NewIsPendingAndKnowsNothingElse) {
   EXPECT_EQ(item.state, ScreenshotItem::State::pending);
   EXPECT_FALSE(item.expiresAt || item.suggestedName || item.recognizedText || item.imageDescription ||
                item.analysisFailure || item.analysisRetryable || item.sourceItemID || item.fileBookmark ||
-               item.fileIdentity || item.arrivedFromElsewhere || item.captureKind);
+               item.fileIdentity || item.arrivedFromElsewhere || item.captureKind || item.knownWindows);
 }
 
 TEST(ScreenshotItem, IsEqualOnlyInEveryField) {
@@ -34,8 +34,9 @@ TEST(ScreenshotItem, IsEqualOnlyInEveryField) {
       [](auto& item) { item.fileIdentity->size = 1; },
       [](auto& item) { item.arrivedFromElsewhere.reset(); },
       [](auto& item) { item.captureKind = CaptureKind::window; },
+      [](auto& item) { item.knownWindows = "display 20x10 0"; },
   };
-  EXPECT_EQ(changes.size(), 15u) << "one for each field";
+  EXPECT_EQ(changes.size(), 16u) << "one for each field";
   for (size_t field = 0; field < changes.size(); ++field) {
     ScreenshotItem changed = original;
     EXPECT_EQ(changed, original);

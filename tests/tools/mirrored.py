@@ -53,6 +53,8 @@ TESTED_ELSEWHERE = {
     "platform/linux/shortcuts/X11Modifiers": "What it finds is what is grabbed: platform/linux/shortcuts/X11HotKeysTest.",
     "platform/linux/signs/BusCaptureSigns": "Needs a bus that can be listened to: journey.next_capture.",
     "platform/linux/signs/X11CaptureSigns": "Needs an X server with keys: journey.next_capture.",
+    "platform/linux/windows/X11WindowReader": "Needs an X server and a window manager: journey.window_watch.",
+    "platform/linux/windows/X11WindowWatch": "Needs an X server and a window manager: journey.window_watch.",
     "platform/linux/tray/X11Tray": "Needs an X server: journey.login.tray-that-embeds.",
     "platform/linux/reader/entry/ReaderMain": "platform/linux/reading/ReaderPoolTest starts it for every test.",
     "platform/linux/reader/Reader": "What it answers: platform/linux/reading/ReaderPoolTest.",

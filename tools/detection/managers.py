@@ -90,6 +90,14 @@ def _metacity(desktop, is_dark):
     return [["metacity", "--sm-disable"]]
 
 
+def _kwin(desktop, is_dark):
+    save_settings(desktop, _common(desktop, is_dark))
+    values = {"org.kde.kdecoration2": {"library": "org.kde.breeze", "BorderSize": "Normal"},
+              "Compositing": {"Enabled": "true", "Backend": "XRender"}, "Desktops": {"Number": "4"}}
+    desktop.write(".config/kwinrc", _settings(values))
+    return [["kwin_x11"]]
+
+
 def _mutter(desktop, is_dark):
     save_settings(desktop, _common(desktop, is_dark))
     return [["mutter", "--x11", "--sm-disable"]]
@@ -101,6 +109,7 @@ MANAGERS = [
     Manager("xfwm4", ["xfwm4", "xfconf"], "its own", _xfwm4),
     Manager("marco", ["marco", "mate-themes", "mate-settings-daemon-common"], "its own", _marco),
     Manager("metacity", ["metacity"], "its own", _metacity),
+    Manager("kwin", ["kwin-x11", "breeze"], "its own, where it composites", _kwin),
     Manager("mutter", ["mutter", "libgl1-mesa-dri"], "its own", _mutter),
 ]
 

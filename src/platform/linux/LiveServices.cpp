@@ -118,6 +118,7 @@ LiveServices::LiveServices(const ApplicationPaths& paths)
                     &systemNow),
       analyzer(executor, languageModel, pictures, &CloudFiles::isDataless),
       monitor(executor, systemEvents, folderEvents, scanServices(), &systemNow),
+      windows(&systemNow, X11WindowWatch::baseOfApplication()),
       loginItems(liveLoginItem(QDBusConnection::sessionBus(), defaults)) {
   defaults.writeInBackground(executor, disk);
 }
@@ -192,9 +193,10 @@ AppModelDependencies LiveServices::dependencies(const ApplicationPaths& paths) {
   dependencies.pasteboard = &pasteboard;
   dependencies.transferFiles = TransferFiles(paths.transfers);
   dependencies.pictures = pictures;
-  dependencies.scanWindows = [this](const FileURL& url) {
-    return ImageOperations::scanWindows(executor, pictures, url, &CloudFiles::isDataless);
+  dependencies.scanWindows = [this](const FileURL& url, const std::optional<KnownWindows>& known) {
+    return ImageOperations::scanWindows(executor, pictures, url, known, &CloudFiles::isDataless);
   };
+  dependencies.windowStates = [this] { return windows.states(); };
   dependencies.analyzer = &analyzer;
   dependencies.systemEvents = &systemEvents;
   dependencies.now = &systemNow;

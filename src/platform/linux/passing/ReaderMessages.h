@@ -12,7 +12,7 @@ namespace ReaderMessages {
 
 inline constexpr uint32_t kMagic = 0x516D5244;
 /// Another one is another language.
-inline constexpr uint32_t kVersion = 4;
+inline constexpr uint32_t kVersion = 5;
 
 /// The descriptors that a reader starts with.
 inline constexpr int kSocket = 3;
@@ -34,7 +34,17 @@ struct Signals {
   std::atomic<bool> isStopped;
 };
 
-enum class Work : uint32_t { head = 1, wholeness, picture, thumbnail, windows, text, encoding, wholenesses };
+enum class Work : uint32_t {
+  head = 1,
+  wholeness,
+  picture,
+  thumbnail,
+  windows,
+  text,
+  encoding,
+  wholenesses,
+  knownWindows
+};
 
 /// A picture as numbers. Its rows stand at the beginning of the memory, then its colour table, then its colour profile.
 struct PictureShape {
@@ -53,11 +63,14 @@ struct PictureShape {
 inline constexpr size_t kMostFiles = 32;
 inline constexpr int64_t kMemoryOfEach = int64_t{64} << 20;
 
-/// With a file of the program's choice, or the memory of the picture that is to be encoded.
+/// With a file of the program's choice, or the memory of the picture that is to be encoded. Behind the file of windows
+/// to find may come a memory of those that are known of it, as a record keeps them, and behind that of windows to know
+/// one of what the window system told (`PassedWindowStates`).
 struct Request {
   uint32_t work = 0;
   int32_t number = 0;  ///< the most pixels of a thumbnail's side, or the format to encode in
   PictureShape shape{};
+  uint64_t besideBytes = 0;  ///< of the memory behind the file; 0 where there is none
 };
 
 enum class Step : uint32_t {
@@ -73,7 +86,7 @@ struct Answer {
   int32_t width = 0;    ///< of a head
   int32_t height = 0;
   PictureShape shape{};
-  uint64_t extraBytes = 0;  ///< of windows, text or an encoded picture, behind the picture
+  uint64_t extraBytes = 0;  ///< of windows, text, known windows or an encoded picture, behind the picture
   int64_t memory = 0;       ///< of a beginning: the bytes that decoding takes; above 0 the reader waits for its `Turn`
 };
 
@@ -99,7 +112,7 @@ struct Window {
   double x, y, width, height;
   double left, top, right, bottom;  ///< of its shadow
   uint32_t source;
-  uint32_t marks;  ///< bits: title bar buttons, fully drawn, covered, enclosed
+  uint32_t marks;  ///< bits: title bar buttons, fully drawn, covered, enclosed, in front
 };
 
 }  // namespace ReaderMessages

@@ -6,10 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "detection/CapturedWindows.h"
 #include "detection/WindowScan.h"
 #include "formats/ImageEncoding.h"
 #include "formats/ImageFile.h"
 #include "platform/linux/passing/PassedPicture.h"
+#include "platform/linux/passing/PassedWindowStates.h"
 #include "platform/linux/passing/SealedMemory.h"
 #include "platform/linux/passing/SharedPixels.h"
 #include "platform/linux/reader/Confinement.h"
@@ -95,19 +97,31 @@ std::string written(const std::vector<ImageOperations::DetectedWindow>& windows)
                                      .bottom = window.shadow.bottom,
                                      .source = static_cast<uint32_t>(window.shadow.source),
                                      .marks = mark(window.hasTitleBarButtons, 0) | mark(window.isFullyDrawn, 1) |
-                                              mark(window.isCovered, 2) | mark(window.isEnclosed, 3)};
+                                              mark(window.isCovered, 2) | mark(window.isEnclosed, 3) |
+                                              mark(window.isInFront, 4)};
     bytes.append(reinterpret_cast<const char*>(&one), sizeof one);
   }
   return bytes;
 }
 
-Outcome scanned(std::string bytes, const std::atomic<bool>& isStopped, PixelMemory& memory) {
+Outcome scanned(std::string bytes, std::string_view beside, const std::atomic<bool>& isStopped, PixelMemory& memory) {
+  const auto known = KnownWindows::fromCoded(QByteArray(beside.data(), static_cast<qsizetype>(beside.size())));
   auto scan = ImageOperations::scanWindowsNow(
-      std::move(bytes), [&] { return isStopped.load(); }, &memory);
+      std::move(bytes), [&] { return isStopped.load(); }, &memory, known);
   const bool isCostly = !scan && scan.reason() == ImageOperations::OperationError::tooCostly;
   if (!scan) return failed(isCostly ? PictureError::tooCostly : PictureError::unreadable);
   std::string windows = written(scan->windows);
   return {.isDone = true, .image = (*std::move(scan)).image, .extra = std::move(windows)};
+}
+
+Outcome known(std::string bytes, std::string_view beside) {
+  const auto question = PassedWindowStates::decoded(beside);
+  if (!question) return {};
+  const auto picture = ImageFile::read(std::string_view(bytes));
+  std::string().swap(bytes);
+  if (!picture) return failed(picture.reason());
+  const auto windows = CapturedWindows::resolve(*picture, question->states, question->closedAt);
+  return {.isDone = true, .extra = windows ? windows->coded().toStdString() : std::string()};
 }
 
 Outcome recognized(TextRecognizer* recognizer, std::string bytes, const std::atomic<bool>& isStopped) {
@@ -126,8 +140,8 @@ Outcome encoded(const QImage& image, int32_t format) {
   return bytes ? Outcome{.isDone = true, .extra = bytes->toStdString()} : Outcome();
 }
 
-Outcome worked(const Request& request, std::string bytes, const std::atomic<bool>& isStopped, TextRecognizer* texts,
-               PixelMemory& memory) {
+Outcome worked(const Request& request, std::string bytes, std::string_view beside, const std::atomic<bool>& isStopped,
+               TextRecognizer* texts, PixelMemory& memory) {
   switch (static_cast<Work>(request.work)) {
     case Work::wholeness:
       return judged(bytes);
@@ -136,7 +150,9 @@ Outcome worked(const Request& request, std::string bytes, const std::atomic<bool
     case Work::thumbnail:
       return forScreen(ImageFile::readSmall(std::string_view(bytes), request.number));
     case Work::windows:
-      return scanned(std::move(bytes), isStopped, memory);
+      return scanned(std::move(bytes), beside, isStopped, memory);
+    case Work::knownWindows:
+      return known(std::move(bytes), beside);
     case Work::text:
       return recognized(texts, std::move(bytes), isStopped);
     case Work::head:
@@ -183,7 +199,7 @@ void Reader::run() {
     if (static_cast<Work>(request->work) == Work::wholenesses) {
       judge(std::move(files));
     } else {
-      answer(*request, files.empty() ? Descriptor() : std::move(files.front()));
+      answer(*request, std::move(files));
     }
   }
 }
@@ -204,7 +220,9 @@ void Reader::judge(std::vector<Descriptor> files) {
   socket_.send(verdicts);
 }
 
-void Reader::answer(const Request& request, Descriptor file) {
+void Reader::answer(const Request& request, std::vector<Descriptor> files) {
+  Descriptor file = files.empty() ? Descriptor() : std::move(files.front());
+  const auto beside = files.size() > 1 ? SealedMemory::mapped(files[1], request.besideBytes) : nullptr;
   PixelsToPass pixels;
   Outcome outcome;
   try {
@@ -221,7 +239,8 @@ void Reader::answer(const Request& request, Descriptor file) {
         socket_.send(Answer{.step = static_cast<uint32_t>(Step::begun), .memory = *memory});
         if (!socket_.receive<ReaderMessages::Turn>()) return;
         const Confinement::MemoryAllowance allowance(allowedMemory(request, *memory));
-        outcome = worked(request, *std::move(bytes), signals_.isStopped, recognizer_, pixels);
+        outcome = worked(request, *std::move(bytes), beside ? beside->bytes() : std::string_view(), signals_.isStopped,
+                         recognizer_, pixels);
       } else {
         outcome = failed(memory.reason());
       }

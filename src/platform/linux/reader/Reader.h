@@ -22,7 +22,7 @@ class Reader {
   void run();
 
  private:
-  void answer(const ReaderMessages::Request& request, Descriptor file);
+  void answer(const ReaderMessages::Request& request, std::vector<Descriptor> files);
   void judge(std::vector<Descriptor> files);
 
   PacketSocket& socket_;

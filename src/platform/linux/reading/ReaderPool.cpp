@@ -11,6 +11,7 @@
 
 #include "foundation/FileStatus.h"
 #include "platform/linux/passing/PassedPicture.h"
+#include "platform/linux/passing/PassedWindowStates.h"
 #include "platform/linux/passing/Protections.h"
 
 namespace quillmere {
@@ -42,6 +43,7 @@ Request request(Work work, int32_t number = 0, const PictureShape& shape = {}) {
 uint64_t mostExtraBytes(const Request& request) {
   switch (static_cast<Work>(request.work)) {
     case Work::windows:
+    case Work::knownWindows:
       return kMostWindowBytes;
     case Work::text:
       return kMostTextBytes;
@@ -91,7 +93,8 @@ std::optional<DetectedWindow> windowOf(const Window& passed, const QSize& pictur
       has(0),
       has(1),
       has(2),
-      has(3)};
+      has(3),
+      has(4)};
 }
 
 std::optional<std::vector<DetectedWindow>> windowsIn(std::string_view bytes, const QSize& picture) {
@@ -216,13 +219,23 @@ PictureReading::Picture ReaderPool::pictureIn(Asked reply, int maxPixels) {
   return isFit ? Picture(std::move(image)) : Picture(PictureError::damaged);
 }
 
-Result<WindowScan, OperationError> ReaderPool::windows(const FileURL& url, const Stop& isStopped) {
-  auto reply = ask(request(Work::windows), url, isStopped);
+Result<WindowScan, OperationError> ReaderPool::windows(const FileURL& url, const std::optional<KnownWindows>& known,
+                                                       const Stop& isStopped) {
+  const QByteArray beside = known ? known->coded() : QByteArray();
+  auto reply = ask(request(Work::windows), url, isStopped, {beside.constData(), static_cast<size_t>(beside.size())});
   if (!reply) return ImageOperations::operationError(reply.reason());
   QImage image = std::move(reply.value().image);
   const auto windows = image.isNull() ? std::nullopt : windowsIn(reply->extra, image.size());
   if (!windows) return OperationError::unreadable;
   return WindowScan{std::move(image), *windows};
+}
+
+std::optional<KnownWindows> ReaderPool::knownWindows(const FileURL& url, const std::vector<WindowStack>& states,
+                                                     Date closedAt, const Stop& isStopped) {
+  const std::string question = PassedWindowStates::coded({states, closedAt});
+  const auto reply = ask(request(Work::knownWindows), url, isStopped, question);
+  if (!reply || isStopped) return std::nullopt;
+  return KnownWindows::fromCoded({reply->extra.data(), static_cast<qsizetype>(reply->extra.size())});
 }
 
 std::optional<QString> ReaderPool::text(const FileURL& url, const Stop& isStopped) {
@@ -241,12 +254,20 @@ Result<QByteArray, OperationError> ReaderPool::encoded(const QImage& image, Pict
   return QByteArray(reply->extra.data(), static_cast<qsizetype>(reply->extra.size()));
 }
 
-ReaderPool::Asked ReaderPool::ask(const Request& request, const FileURL& url, const Stop& isStopped) {
+ReaderPool::Asked ReaderPool::ask(Request request, const FileURL& url, const Stop& isStopped, std::string_view beside) {
   const Descriptor file = openPicture(url);
-  return file ? ask(request, file, isStopped) : Asked(PictureError::unreadable);
+  if (!file) return PictureError::unreadable;
+  if (beside.empty()) return ask(request, file, isStopped);
+  const auto memory = SealedMemory::of({beside});
+  if (!memory) return PictureError::unreadable;
+  request.besideBytes = beside.size();
+  return ask(request, file, isStopped, *memory);
 }
 
-ReaderPool::Asked ReaderPool::ask(const Request& request, const Descriptor& file, const Stop& isStopped) {
+ReaderPool::Asked ReaderPool::ask(const Request& request, const Descriptor& file, const Stop& isStopped,
+                                  const Descriptor& beside) {
+  std::vector<int> files{file.number()};
+  if (beside) files.push_back(beside.number());
   struct stat status {};
   if (::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) return PictureError::unreadable;
   const auto identity = BadPictures::fileOf(status);
@@ -258,7 +279,7 @@ ReaderPool::Asked ReaderPool::ask(const Request& request, const Descriptor& file
     // Of head and encoding no more is in memory than the program has anyhow.
     std::optional<PictureMemory::Share> all;
     if (status.st_size > kLargeFile && decodes(request)) all.emplace(memory_, kMemory);
-    ReaderProcess::Outcome outcome = process->ask(request, file.number(), all ? nullptr : &memory_, isStopped);
+    ReaderProcess::Outcome outcome = process->ask(request, files, all ? nullptr : &memory_, isStopped);
     auto reply = outcome.end == End::answered ? checked(request, outcome.answer, outcome.memory) : std::nullopt;
     if (reply) {
       lane.giveBack(process);

@@ -49,7 +49,10 @@ class ReaderPool final : public PictureReading, public std::enable_shared_from_t
   Picture thumbnail(const FileURL& url, int maxPixels, const Stop& isStopped) override;
   Picture thumbnail(std::string_view bytes, int maxPixels) override;
   Result<ImageOperations::WindowScan, ImageOperations::OperationError> windows(const FileURL& url,
+                                                                               const std::optional<KnownWindows>& known,
                                                                                const Stop& isStopped) override;
+  std::optional<KnownWindows> knownWindows(const FileURL& url, const std::vector<WindowStack>& states, Date closedAt,
+                                           const Stop& isStopped) override;
   std::optional<QString> text(const FileURL& url, const Stop& isStopped) override;
   Result<QByteArray, ImageOperations::OperationError> encoded(const QImage& image, PictureFormat format) override;
 
@@ -72,8 +75,9 @@ class ReaderPool final : public PictureReading, public std::enable_shared_from_t
   /// A file's failure, or none where it was not judged.
   std::vector<std::optional<Failure>> judged(const FileURL* urls, size_t count);
   std::shared_ptr<ReaderProcess> taken(ReaderLane& lane);
-  Asked ask(const Request& request, const FileURL& url, const Stop& isStopped);
-  Asked ask(const Request& request, const Descriptor& file, const Stop& isStopped);
+  /// `beside` goes with the file, if it is not empty.
+  Asked ask(Request request, const FileURL& url, const Stop& isStopped, std::string_view beside = {});
+  Asked ask(const Request& request, const Descriptor& file, const Stop& isStopped, const Descriptor& beside = {});
   static Picture pictureIn(Asked reply, int maxPixels);
   static std::optional<Reply> checked(const Request& request, const ReaderMessages::Answer& answer,
                                       const Descriptor& memory);

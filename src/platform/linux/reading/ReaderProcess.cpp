@@ -196,11 +196,11 @@ pid_t ReaderProcess::process() const {
   return child_ ? child_->process() : -1;
 }
 
-ReaderProcess::Outcome ReaderProcess::ask(const Request& request, int file, PictureMemory* memory,
+ReaderProcess::Outcome ReaderProcess::ask(const Request& request, const std::vector<int>& files, PictureMemory* memory,
                                           const std::atomic<bool>& isStopped) {
   signals_->isStopped = false;
   if (!hasSaidNothing()) return {End::lied};
-  if (!socket_.send(request, file)) return {End::gone};
+  if (!socket_.sendWith(request, files)) return {End::gone};
   const auto& patience = request.work == static_cast<uint32_t>(Work::text) ? patience_.texts : patience_.work;
   milliseconds atMost = patience_.file;
   bool hasBegun = false;

@@ -45,9 +45,9 @@ class ReaderProcess {
     ReaderMessages::Answer answer{};
     Descriptor memory{};
   };
-  /// Of `memory` it takes what the picture needs, and waits for it; none is needed where that is null. A reader that
-  /// did not answer is of no more use.
-  Outcome ask(const ReaderMessages::Request& request, int file, PictureMemory* memory,
+  /// `files` are the picture's and what comes behind it. Of `memory` it takes what the picture needs, and waits for it;
+  /// none is needed where that is null. A reader that did not answer is of no more use.
+  Outcome ask(const ReaderMessages::Request& request, const std::vector<int>& files, PictureMemory* memory,
               const std::atomic<bool>& isStopped);
 
   /// Of many files, `kMostFiles` at most. None where it did not answer; then it is of no more use, and no file is to

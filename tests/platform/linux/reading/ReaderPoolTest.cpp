@@ -98,7 +98,7 @@ TEST_F(ReaderPoolTest, ReadsLargePicturesOfEachKindAsTheyAre) {
     const QImage expected = imageIn(decoded.picture(url, never));
     EXPECT_EQ(picture, expected) << format;
     EXPECT_EQ(picture.colorSpace(), expected.colorSpace()) << format;
-    const auto scan = pool->windows(url, never);
+    const auto scan = pool->windows(url, {}, never);
     ASSERT_TRUE(scan) << format;
     EXPECT_EQ(scan->image, expected) << format;
     std::string bytes = readBytes(url);
@@ -111,12 +111,36 @@ TEST_F(ReaderPoolTest, ReadsLargePicturesOfEachKindAsTheyAre) {
 TEST_F(ReaderPoolTest, FindsTheSameWindows) {
   const auto pool = readers();
   const FileURL url = drawn();
-  const auto scan = pool->windows(url, never);
-  const auto expected = decoded.windows(url, never);
+  const auto scan = pool->windows(url, {}, never);
+  const auto expected = decoded.windows(url, {}, never);
   ASSERT_TRUE(scan && expected);
   EXPECT_EQ(scan->image, expected->image);
   ASSERT_FALSE(expected->windows.empty());
   EXPECT_EQ(scan->windows, expected->windows);
+}
+
+TEST_F(ReaderPoolTest, KnowsTheSameWindowsAndFindsThemAgain) {
+  const auto pool = readers();
+  const FileURL url = drawn();
+  const QSize size = imageIn(decoded.picture(url, never)).size();
+  WindowStack state;
+  state.root = QSize(4000, 3000);
+  state.monitors = {QRect(QPoint(), state.root)};
+  WindowStack::Window window;
+  window.frame = QRect(QPoint(17, 23), size);
+  state.windows.push_back(window);
+  const auto known = pool->knownWindows(url, {state}, Date{1}, never);
+  ASSERT_TRUE(known);
+  EXPECT_EQ(known, decoded.knownWindows(url, {state}, Date{1}, never));
+  EXPECT_EQ(known->kind, CaptureKind::window);
+  const auto scan = pool->windows(url, known, never);
+  ASSERT_TRUE(scan);
+  EXPECT_EQ(scan->windows, decoded.windows(url, known, never)->windows);
+  ASSERT_EQ(scan->windows.size(), 1u);
+  EXPECT_EQ(scan->windows[0].frame, QRectF(QPointF(), size));
+  EXPECT_TRUE(scan->windows[0].isInFront);
+  EXPECT_FALSE(pool->knownWindows(url, {WindowStack()}, Date{1}, never));
+  EXPECT_FALSE(pool->knownWindows(home.file("nowhere.png"), {state}, Date{1}, never));
 }
 
 TEST_F(ReaderPoolTest, ReadsTheText) {
@@ -146,7 +170,7 @@ TEST_F(ReaderPoolTest, SaysWhatCannotBeRead) {
   EXPECT_EQ(pool->head(text), std::nullopt);
   EXPECT_EQ(pool->failureOf(text), PictureError::noPicture);
   EXPECT_EQ(reason(*pool, text), PictureError::noPicture);
-  EXPECT_EQ(pool->windows(text, never).reason(), OperationError::unreadable);
+  EXPECT_EQ(pool->windows(text, {}, never).reason(), OperationError::unreadable);
   EXPECT_EQ(pool->text(text, never), std::nullopt);
   EXPECT_EQ(pool->thumbnail(std::string_view("no picture"), 10).reason(), PictureError::noPicture);
   EXPECT_EQ(pool->running(), 2u) << "which harms no reader";
@@ -160,12 +184,12 @@ TEST_F(ReaderPoolTest, SaysWhyAPictureIsNotRead) {
     writeFile(url, whole.substr(0, 60));
     EXPECT_EQ(reason(*pool, url), PictureError::damaged) << name;
     EXPECT_EQ(pool->failureOf(url), PictureError::damaged) << name;
-    EXPECT_EQ(pool->windows(url, never).reason(), OperationError::unreadable) << name;
+    EXPECT_EQ(pool->windows(url, {}, never).reason(), OperationError::unreadable) << name;
     writeFile(url, whole + std::string(40'000'000, 'x'));
     EXPECT_EQ(reason(*pool, url), PictureError::tooCostly) << name;
     EXPECT_EQ(pool->failureOf(url), PictureError::tooCostly) << name;
     EXPECT_EQ(pool->thumbnail(url, 100, never).reason(), PictureError::tooCostly) << name;
-    EXPECT_EQ(pool->windows(url, never).reason(), OperationError::tooCostly) << name;
+    EXPECT_EQ(pool->windows(url, {}, never).reason(), OperationError::tooCostly) << name;
     EXPECT_EQ(pool->text(url, never), std::nullopt) << name;
   }
   EXPECT_EQ(reason(*pool, home.file("missing.png")), PictureError::unreadable);
@@ -349,7 +373,7 @@ TEST_F(ReaderPoolTest, BelievesNothing) {
     EXPECT_TRUE(read(*pool, drawn()).isNull()) << kind;
     EXPECT_EQ(pool->running(), 0u) << kind << ": it is not asked again";
   }
-  EXPECT_FALSE(hostile("wrong-windows")->windows(drawn(), never));
+  EXPECT_FALSE(hostile("wrong-windows")->windows(drawn(), {}, never));
   EXPECT_FALSE(hostile("wrong-head")->head(drawn()));
   EXPECT_FALSE(hostile("well")->thumbnail(drawn(), 20, never)) << "larger than it was to be";
   EXPECT_EQ(hostile("well")->text(drawn(), never), std::nullopt) << "a picture was not asked for";
