@@ -22,13 +22,13 @@ std::vector<DetectedWindow> standingIn(const QImage& image, std::optional<double
   const auto gray = grayImage(image);
   std::vector<DetectedWindow> windows;
   for (size_t i = 0; i < known.windows.size(); ++i) {
-    const auto& [frame, isCovered, shadow] = known.windows[i];
+    const KnownWindows::Window& one = known.windows[i];
     DetectedWindow window;
-    window.frame = QRectF(frame);
+    window.frame = QRectF(one.frame);
     window.isFullyDrawn = true;
-    window.isCovered = isCovered;
-    if (shadow) {
-      window.shadow = *shadow;
+    window.isCovered = one.isCovered;
+    if (one.shadow) {
+      window.shadow = *one.shadow;
     } else if (gray) {
       window.shadow = WindowShadow::measure(*gray, window.frame, scale).margin;
     }
@@ -36,7 +36,7 @@ std::vector<DetectedWindow> standingIn(const QImage& image, std::optional<double
     window.isEnclosed = std::any_of(known.windows.begin(), known.windows.end(), [&](const KnownWindows::Window& other) {
       const QRectF grown =
           QRectF(other.frame).adjusted(-kEnclosingMargin, -kEnclosingMargin, kEnclosingMargin, kEnclosingMargin);
-      return &other != &known.windows[i] && other.frame != frame && rectContains(grown, window.frame);
+      return &other != &one && other.frame != one.frame && rectContains(grown, window.frame);
     });
     windows.push_back(window);
   }
