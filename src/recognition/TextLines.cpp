@@ -5,6 +5,8 @@
 #include <map>
 #include <numeric>
 
+#include "recognition/CrowdedInk.h"
+
 namespace quillmere {
 namespace {
 
@@ -17,7 +19,7 @@ constexpr int kTallestBar = 60;
 /// Less contrast is decoration.
 constexpr int kFaintest = 16;
 constexpr int kSmallestSolid = 10;
-/// More pieces are a photograph's; looking for lines among them would take seconds.
+/// More pieces are no text; looking for lines among them would take seconds.
 constexpr size_t kMostPieces = 30000;
 constexpr int kLowestLine = 5;
 /// Alone, nothing of this size is a word: the corner of a field.
@@ -294,14 +296,15 @@ int colorDistance(uint32_t a, uint32_t b) {
 
 std::vector<TextLine> textLines(const QImage& image, const TextGrounds& grounds) {
   std::vector<TextLine> lines;
-  for (InkPiece& piece : inkPieces(grounds)) {
+  auto pieces = inkPieces(grounds);
+  dropCrowded(pieces, image.size(), kMostPieces);
+  for (InkPiece& piece : pieces) {
     if (!canBeText(piece) || !findGround(piece, image, grounds) || isSolid(piece, image)) continue;
     TextLine line;
     line.box = piece.box;
     line.pieces.push_back(std::move(piece));
     lines.push_back(std::move(line));
   }
-  if (lines.size() > kMostPieces) return {};
   const Test neighbours = [](const TextLine& a, const TextLine& b) { return standSideBySide(a.box, b.box); };
   lines = joined(std::move(lines), neighbours);
   std::erase_if(lines, [](const TextLine& line) { return isRule(line.box.size()); });  // a dotted one
