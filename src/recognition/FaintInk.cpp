@@ -19,6 +19,7 @@ constexpr int kStrong = 90;
 constexpr int64_t kFlat = 1000;
 /// Nothing that is higher is faint text.
 constexpr int kTallest = 110;
+constexpr int kJpegReach = 4;
 constexpr int kRuleThickness = 4;
 constexpr int kShortestRule = 60;
 
@@ -144,6 +145,7 @@ std::vector<Run> joinedRuns(const QImage& image, const std::vector<Ground>& grou
 
 struct Piece {
   QRect box;
+  uint32_t groundColor = 0;
   int contrast = 0;
   int pixels = 0;
   bool isRule() const {
@@ -152,6 +154,17 @@ struct Piece {
   }
   bool isFaint() const { return contrast >= kFaintest && contrast < kStrong && box.height() <= kTallest; }
 };
+
+/// What JPEG leaves around letters is not faint text.
+bool isBesideStrongInk(const Piece& piece, const QImage& image) {
+  const QRect around = piece.box.adjusted(-kJpegReach, -kJpegReach, kJpegReach, kJpegReach) & image.rect();
+  for (int y = around.top(); y <= around.bottom(); ++y) {
+    const auto* pixels = reinterpret_cast<const uint32_t*>(image.constScanLine(y));
+    const auto isStrong = [&](uint32_t pixel) { return colorDistance(pixel, piece.groundColor) >= kStrong; };
+    if (std::any_of(pixels + around.left(), pixels + around.right() + 1, isStrong)) return true;
+  }
+  return false;
+}
 
 }  // namespace
 
@@ -162,15 +175,18 @@ void markFaintInk(const QImage& image, std::vector<Ground>& grounds) {
     const Run& run = runs[i];
     Piece& piece = pieces[root(runs, i)];
     piece.box |= QRect(QPoint(run.begin, run.y), QPoint(run.end - 1, run.y));
+    piece.groundColor = run.groundColor;
     piece.pixels += run.end - run.begin;
     const auto* pixels = reinterpret_cast<const uint32_t*>(image.constScanLine(run.y));
     for (int x = run.begin; x < run.end; ++x) {
       piece.contrast = std::max(piece.contrast, colorDistance(pixels[x], run.groundColor));
     }
   }
+  std::vector<bool> faint(pieces.size());
+  for (size_t i = 0; i < pieces.size(); ++i) faint[i] = pieces[i].isFaint() && !isBesideStrongInk(pieces[i], image);
   for (size_t i = 0; i < runs.size(); ++i) {
     const Piece& piece = pieces[root(runs, i)];
-    if (runs[i].isInk || !piece.isFaint()) continue;
+    if (runs[i].isInk || !faint[root(runs, i)]) continue;
     Ground* row = grounds.data() + static_cast<size_t>(runs[i].y) * static_cast<size_t>(image.width());
     std::fill(row + runs[i].begin, row + runs[i].end, piece.isRule() ? TextGrounds::kRule : TextGrounds::kInk);
   }
