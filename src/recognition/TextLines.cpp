@@ -44,6 +44,7 @@ constexpr double kReachBelow = 0.55;
 constexpr double kBarHeight = 0.26;
 /// How far two of them are apart at most, in their widths.
 constexpr double kBarGap = 1.8;
+constexpr int kLongestSign = 32;
 /// A leader's dots.
 constexpr int kLargestDot = 5;
 constexpr int kDotGap = 6;
@@ -52,6 +53,10 @@ constexpr size_t kLeader = 6;
 constexpr size_t kRow = 6;
 /// Each time, marks further away from the letters are attached to those that already are.
 constexpr int kAttachments = 4;
+/// Of an icon: how far it is from the letters and how high it is, in their heights.
+constexpr double kIconGap = 0.3;
+constexpr double kIconHeight = 1.15;
+constexpr size_t kFewestLetters = 3;
 /// The branches of a tree, a graph's curve: large and nearly empty.
 constexpr int kSmallestSparse = 900;
 constexpr double kSparse = 0.12;
@@ -247,6 +252,7 @@ bool isRowOfDots(const TextLine& marks) {
 bool areMarksInARow(const TextLine& a, const TextLine& b) {
   if (std::abs(a.box.bottom() - b.box.bottom()) > 1) return false;
   const int first = a.pieces[0].box.width(), second = b.pieces[0].box.width();
+  if (std::max(first, second) > kLongestSign) return false;
   return std::abs(first - second) <= 2 && gap(a.box, b.box) <= kBarGap * std::min(first, second) && isRowOfBars(a) &&
          isRowOfBars(b);
 }
@@ -407,6 +413,30 @@ void joinLeaders(std::vector<TextLine>& lines) {
   std::erase_if(lines, [](const TextLine& line) { return line.pieces.empty(); });
 }
 
+/// An icon before a label is as broad as high, higher than the letters, and stands apart.
+void dropIcon(TextLine& line) {
+  auto& pieces = line.pieces;
+  std::sort(pieces.begin(), pieces.end(),
+            [](const InkPiece& a, const InkPiece& b) { return a.box.left() < b.box.left(); });
+  QRect icon = pieces.front().box;
+  size_t end = 1;
+  while (end < pieces.size() && pieces[end].box.left() <= icon.right() + 1) icon |= pieces[end++].box;
+  std::vector<int> heights;
+  for (size_t i = end; i < pieces.size(); ++i) {
+    if (pieces[i].box.height() * 5 >= icon.height() * 2) heights.push_back(pieces[i].box.height());
+  }
+  if (heights.size() < kFewestLetters) return;
+  std::sort(heights.begin(), heights.end());
+  const int letters = heights[heights.size() * 9 / 10];
+  const bool isApart = pieces[end].box.left() - icon.right() - 1 >= std::max(3.0, kIconGap * letters);
+  if (!isApart || icon.height() < kIconHeight * letters || icon.width() * 4 < icon.height() * 3 ||
+      icon.width() * 4 > icon.height() * 5)
+    return;
+  pieces.erase(pieces.begin(), pieces.begin() + static_cast<std::ptrdiff_t>(end));
+  line.box = QRect();
+  for (const InkPiece& piece : pieces) line.box |= piece.box;
+}
+
 /// What stands side by side is read from left to right.
 void sortByRows(std::vector<TextLine>& lines) {
   std::sort(lines.begin(), lines.end(),
@@ -452,6 +482,7 @@ std::vector<TextLine> textLines(const QImage& image, const TextGrounds& grounds)
     if (isRowOfSigns(line)) return !isUnderWords(line, words);
     return line.box.height() < kLowestLine || std::max(line.box.width(), line.box.height()) <= kSpeck;
   });
+  for (TextLine& line : lines) dropIcon(line);
   sortByRows(lines);
   return lines;
 }

@@ -93,6 +93,14 @@ TEST(TextLines, UnderscoresAndBarsBelongToTheLettersBesideThem) {
   EXPECT_EQ(withBars({{20, 34, 20, 1}}), (Boxes{{20, 20, 15, 12}, {60, 20, 15, 12}})) << "an underline";
 }
 
+TEST(TextLines, AnIconBeforeALabelIsNoPartOfIt) {
+  const auto withIcon = [](const QRect& icon) { return boxes(DrawnText({300, 200}).fill(icon).word(44, 20)); };
+  EXPECT_EQ(withIcon({22, 18, 14, 15}), (Boxes{{44, 20, 33, 12}}));
+  EXPECT_EQ(withIcon({32, 18, 4, 15}), (Boxes{{32, 18, 45, 15}})) << "a bracket";
+  EXPECT_EQ(withIcon({27, 18, 15, 15}), (Boxes{{27, 18, 50, 15}})) << "a letter that stands close";
+  EXPECT_EQ(withIcon({22, 20, 14, 12}), (Boxes{{22, 20, 55, 12}})) << "a capital";
+}
+
 TEST(TextLines, ALeaderJoinsWhatItLeadsTo) {
   DrawnText drawn = DrawnText({400, 200}).word(20, 20, 2).word(300, 20, 2);
   for (int x = 40; x < 290; x += 8) drawn.fill({x, 30, 2, 2});
