@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <unordered_map>
 
+#include "recognition/FaintInk.h"
+
 namespace quillmere {
 namespace {
 
@@ -180,6 +182,7 @@ TextGrounds::TextGrounds(const QImage& image)
                                                                                        : kInk;
   }
   for (Ground& label : grounds_) label = roots[label];
+  markFaintInk(image, grounds_);
 }
 
 }  // namespace quillmere

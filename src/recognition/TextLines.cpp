@@ -5,6 +5,8 @@
 #include <map>
 #include <numeric>
 
+#include "recognition/CrowdedInk.h"
+
 namespace quillmere {
 namespace {
 
@@ -17,7 +19,7 @@ constexpr int kTallestBar = 60;
 /// Less contrast is decoration.
 constexpr int kFaintest = 16;
 constexpr int kSmallestSolid = 10;
-/// More pieces are a photograph's; looking for lines among them would take seconds.
+/// More pieces are no text; looking for lines among them would take seconds.
 constexpr size_t kMostPieces = 30000;
 constexpr int kLowestLine = 5;
 /// Alone, nothing of this size is a word: the corner of a field.
@@ -36,6 +38,25 @@ constexpr double kSmallHeight = 0.6;
 constexpr double kSmallWidth = 1;
 constexpr double kReachAbove = 0.35;
 constexpr double kReachBeside = 1.2;
+/// Of underscores, where no letter of their line goes below it.
+constexpr double kReachBelow = 0.55;
+/// Dashes, bars of equals signs and underscores: lower than this, in heights of their line.
+constexpr double kBarHeight = 0.26;
+/// How far two of them are apart at most, in their widths.
+constexpr double kBarGap = 1.8;
+constexpr int kLongestSign = 32;
+/// A leader's dots.
+constexpr int kLargestDot = 5;
+constexpr int kDotGap = 6;
+constexpr size_t kLeader = 6;
+/// As many of them in a row, without any letter, may be text.
+constexpr size_t kRow = 6;
+/// Each time, marks further away from the letters are attached to those that already are.
+constexpr int kAttachments = 4;
+/// Of an icon: how far it is from the letters and how high it is, in their heights.
+constexpr double kIconGap = 0.3;
+constexpr double kIconHeight = 1.15;
+constexpr size_t kFewestLetters = 3;
 /// The branches of a tree, a graph's curve: large and nearly empty.
 constexpr int kSmallestSparse = 900;
 constexpr double kSparse = 0.12;
@@ -195,6 +216,59 @@ bool standSideBySide(const QRect& a, const QRect& b) {
   return common >= kLeastCommon * tall && common * 10 >= 6 * low && gap(a, b) <= kGap * tall;
 }
 
+/// How far the letters reach below; what is attached to them does not count.
+int bottomOfLetters(const TextLine& line) {
+  int bottom = line.box.top();
+  for (const InkPiece& piece : line.pieces) {
+    if (piece.box.height() > kBarHeight * line.box.height()) bottom = std::max(bottom, piece.box.bottom());
+  }
+  return bottom;
+}
+
+int bottomOfMost(const TextLine& line) {
+  std::vector<int> bottoms;
+  for (const InkPiece& piece : line.pieces) bottoms.push_back(piece.box.bottom());
+  const auto half = bottoms.begin() + static_cast<std::ptrdiff_t>(bottoms.size() / 2);
+  std::nth_element(bottoms.begin(), half, bottoms.end());
+  return *half;
+}
+
+/// Only broad marks: a row of dots may as well be a frame.
+bool isRowOfBars(const TextLine& marks) {
+  return std::all_of(marks.pieces.begin(), marks.pieces.end(), [&](const InkPiece& piece) {
+    return piece.box.width() * 5 >= 7 * piece.box.height() && piece.box.height() * 2 > marks.box.height();
+  });
+}
+
+bool isDot(const InkPiece& piece) {
+  return std::max(piece.box.width(), piece.box.height()) <= kLargestDot &&
+         std::abs(piece.box.width() - piece.box.height()) <= 1;
+}
+bool isRowOfDots(const TextLine& marks) {
+  return std::all_of(marks.pieces.begin(), marks.pieces.end(), isDot);
+}
+
+/// Dashes, or the upper or lower bars of equals signs.
+bool areMarksInARow(const TextLine& a, const TextLine& b) {
+  if (std::abs(a.box.bottom() - b.box.bottom()) > 1) return false;
+  const int first = a.pieces[0].box.width(), second = b.pieces[0].box.width();
+  if (std::max(first, second) > kLongestSign) return false;
+  return std::abs(first - second) <= 2 && gap(a.box, b.box) <= kBarGap * std::min(first, second) && isRowOfBars(a) &&
+         isRowOfBars(b);
+}
+
+/// The two bars of each sign in a row of equals signs.
+bool areStacked(const TextLine& a, const TextLine& b) {
+  const auto isNear = [](int one, int other) { return std::abs(one - other) <= 1; };
+  return a.pieces.size() == b.pieces.size() && isNear(a.box.left(), b.box.left()) &&
+         isNear(a.box.right(), b.box.right()) && isRowOfBars(a) && isRowOfBars(b) &&
+         std::abs(a.box.top() - b.box.top()) <= a.pieces[0].box.width();
+}
+
+bool belongTogether(const TextLine& a, const TextLine& b) {
+  return standSideBySide(a.box, b.box) || areMarksInARow(a, b);
+}
+
 using Test = bool (*)(const TextLine&, const TextLine&);
 
 /// Joins the lines of one ground that pass the test, which holds only for lines close to each other.
@@ -204,7 +278,9 @@ std::vector<TextLine> joined(std::vector<TextLine> lines, Test test) {
   Groups groups(lines.size());
   for (size_t i = 0; i < lines.size(); ++i) {
     // Nothing that stands side by side with it is so much taller that it could be farther away.
-    const int reach = lines[i].box.right() + static_cast<int>(kGap * lines[i].box.height() / kLeastCommon) + 1;
+    const double farthest = std::max(kGap * lines[i].box.height() / kLeastCommon,
+                                     kBarGap * std::min(lines[i].pieces[0].box.width(), kLongestDash));
+    const int reach = lines[i].box.right() + static_cast<int>(farthest) + 1;
     for (size_t j = i + 1; j < lines.size() && lines[j].box.left() <= reach; ++j) {
       if (lines[i].pieces[0].ground == lines[j].pieces[0].ground && test(lines[i], lines[j])) groups.join(i, j);
     }
@@ -225,12 +301,24 @@ std::vector<TextLine> joined(std::vector<TextLine> lines, Test test) {
 }
 
 bool isSmallBeside(const TextLine& small, const TextLine& line) {
+  if (small.box.height() <= kBarHeight * line.box.height() && isRowOfBars(small)) {
+    // An underline is no text.
+    const auto isAboveOrBelow = [&](const InkPiece& piece) {
+      return piece.box.height() > small.box.height() && gap(piece.box, small.box) < -1;
+    };
+    if (std::none_of(line.pieces.begin(), line.pieces.end(), isAboveOrBelow)) return true;
+  }
+  if (small.pieces.size() >= kLeader && isRowOfDots(small)) {
+    // On the line that the letters stand on; a frame of dots stands apart.
+    return small.box.height() * 2 <= line.box.height() &&
+           std::abs(small.box.bottom() - bottomOfMost(line)) <= 1 + line.box.height() / 12;
+  }
   return small.pieces.size() <= kSmallPieces && small.box.height() <= kSmallHeight * line.box.height() &&
          small.box.width() <= kSmallWidth * line.box.height();
 }
 
 /// Dots, accents and quotes stand above or below what their neighbours reach.
-void attachSmall(std::vector<TextLine>& lines) {
+bool attachSmall(std::vector<TextLine>& lines) {
   const auto isHigher = [](const TextLine& a, const TextLine& b) { return a.box.top() < b.box.top(); };
   std::sort(lines.begin(), lines.end(), isHigher);
   // The boxes stay what they were meanwhile: a line must not grow along a dotted one.
@@ -249,7 +337,11 @@ void attachSmall(std::vector<TextLine>& lines) {
       const int distance = std::max(line.top() - small.center().y(), small.center().y() - line.bottom());
       const double reach = distance > 0 ? kReachAbove : kReachBeside;
       if (gap(line, small) > reach * line.height()) continue;
-      if (distance > kReachAbove * line.height() || (owners[i] != SIZE_MAX && distance >= bestDistance)) continue;
+      const bool isUnderscore = small.center().y() > line.bottom() && isRowOfBars(lines[i]);
+      if (isUnderscore && small.center().y() - bottomOfLetters(lines[j]) > kReachBelow * line.height()) continue;
+      if (distance > (isUnderscore ? kReachBelow : kReachAbove) * line.height() ||
+          (owners[i] != SIZE_MAX && distance >= bestDistance))
+        continue;
       owners[i] = j;
       bestDistance = distance;
     }
@@ -266,7 +358,83 @@ void attachSmall(std::vector<TextLine>& lines) {
     std::move(lines[i].pieces.begin(), lines[i].pieces.end(), std::back_inserter(line.pieces));
     lines[i].pieces.clear();
   }
+  return std::erase_if(lines, [](const TextLine& line) { return line.pieces.empty(); }) > 0;
+}
+
+bool isRowOfSigns(const TextLine& line) {
+  return line.pieces.size() >= kRow && std::all_of(line.pieces.begin(), line.pieces.end(), [](const InkPiece& piece) {
+           return piece.box.width() * 5 >= 7 * piece.box.height();
+         });
+}
+
+std::vector<QRect> boxesOfWords(const std::vector<TextLine>& lines) {
+  std::vector<QRect> boxes;
+  for (const TextLine& line : lines) {
+    if (line.box.height() >= kLowestLine && !isRowOfSigns(line)) boxes.push_back(line.box);
+  }
+  return boxes;
+}
+
+/// Whether it begins where words above or below begin that are of its size. Else it is a dashed frame.
+bool isUnderWords(const TextLine& row, const std::vector<QRect>& words) {
+  const double step = static_cast<double>(row.box.width()) / static_cast<double>(row.pieces.size()) *
+                      (row.box.height() > row.pieces[0].box.height() + 2 ? 2 : 1);
+  return std::any_of(words.begin(), words.end(), [&](const QRect& word) {
+    return std::abs(word.left() - row.box.left()) < 1.5 * step && word.height() > 0.8 * step &&
+           word.height() < 3 * step && -overlap(word, row.box) < 8 * step;
+  });
+}
+
+/// Joins dots of one size on one line at even distances.
+void joinLeaders(std::vector<TextLine>& lines) {
+  std::vector<TextLine*> dots;
+  for (TextLine& line : lines) {
+    if (line.pieces.size() == 1 && isRowOfDots(line)) dots.push_back(&line);
+  }
+  std::sort(dots.begin(), dots.end(), [](const TextLine* a, const TextLine* b) {
+    return a->box.bottom() != b->box.bottom() ? a->box.bottom() < b->box.bottom() : a->box.left() < b->box.left();
+  });
+  for (size_t begin = 0, end = 0; begin < dots.size(); begin = end) {
+    const auto step = [&](size_t i) { return dots[i + 1]->box.left() - dots[i]->box.left(); };
+    const auto goesOn = [&](size_t i) {
+      return dots[i + 1]->box.bottom() == dots[i]->box.bottom() &&
+             step(i) <= kDotGap * dots[i]->box.width() + kDotGap && std::abs(step(i) - step(begin)) <= 1;
+    };
+    end = begin + 1;
+    while (end < dots.size() && goesOn(end - 1)) ++end;
+    if (end - begin < kLeader) continue;
+    TextLine& whole = *dots[begin];
+    for (size_t i = begin + 1; i < end; ++i) {
+      whole.box |= dots[i]->box;
+      whole.pieces.push_back(std::move(dots[i]->pieces[0]));
+      dots[i]->pieces.clear();
+    }
+  }
   std::erase_if(lines, [](const TextLine& line) { return line.pieces.empty(); });
+}
+
+/// An icon before a label is as broad as high, higher than the letters, and stands apart.
+void dropIcon(TextLine& line) {
+  auto& pieces = line.pieces;
+  std::sort(pieces.begin(), pieces.end(),
+            [](const InkPiece& a, const InkPiece& b) { return a.box.left() < b.box.left(); });
+  QRect icon = pieces.front().box;
+  size_t end = 1;
+  while (end < pieces.size() && pieces[end].box.left() <= icon.right() + 1) icon |= pieces[end++].box;
+  std::vector<int> heights;
+  for (size_t i = end; i < pieces.size(); ++i) {
+    if (pieces[i].box.height() * 5 >= icon.height() * 2) heights.push_back(pieces[i].box.height());
+  }
+  if (heights.size() < kFewestLetters) return;
+  std::sort(heights.begin(), heights.end());
+  const int letters = heights[heights.size() * 9 / 10];
+  const bool isApart = pieces[end].box.left() - icon.right() - 1 >= std::max(3.0, kIconGap * letters);
+  if (!isApart || icon.height() < kIconHeight * letters || icon.width() * 4 < icon.height() * 3 ||
+      icon.width() * 4 > icon.height() * 5)
+    return;
+  pieces.erase(pieces.begin(), pieces.begin() + static_cast<std::ptrdiff_t>(end));
+  line.box = QRect();
+  for (const InkPiece& piece : pieces) line.box |= piece.box;
 }
 
 /// What stands side by side is read from left to right.
@@ -294,22 +462,27 @@ int colorDistance(uint32_t a, uint32_t b) {
 
 std::vector<TextLine> textLines(const QImage& image, const TextGrounds& grounds) {
   std::vector<TextLine> lines;
-  for (InkPiece& piece : inkPieces(grounds)) {
+  auto pieces = inkPieces(grounds);
+  dropCrowded(pieces, image.size(), kMostPieces);
+  for (InkPiece& piece : pieces) {
     if (!canBeText(piece) || !findGround(piece, image, grounds) || isSolid(piece, image)) continue;
     TextLine line;
     line.box = piece.box;
     line.pieces.push_back(std::move(piece));
     lines.push_back(std::move(line));
   }
-  if (lines.size() > kMostPieces) return {};
-  const Test neighbours = [](const TextLine& a, const TextLine& b) { return standSideBySide(a.box, b.box); };
-  lines = joined(std::move(lines), neighbours);
-  std::erase_if(lines, [](const TextLine& line) { return isRule(line.box.size()); });  // a dotted one
-  attachSmall(lines);
-  lines = joined(std::move(lines), neighbours);
-  std::erase_if(lines, [](const TextLine& line) {
+  joinLeaders(lines);
+  lines = joined(std::move(lines), belongTogether);
+  for (int i = 0; i < kAttachments && attachSmall(lines); ++i) lines = joined(std::move(lines), belongTogether);
+  std::erase_if(lines,
+                [](const TextLine& line) { return isRule(line.box.size()) && !isRowOfBars(line); });  // a dotted one
+  lines = joined(std::move(lines), areStacked);
+  const std::vector<QRect> words = boxesOfWords(lines);
+  std::erase_if(lines, [&](const TextLine& line) {
+    if (isRowOfSigns(line)) return !isUnderWords(line, words);
     return line.box.height() < kLowestLine || std::max(line.box.width(), line.box.height()) <= kSpeck;
   });
+  for (TextLine& line : lines) dropIcon(line);
   sortByRows(lines);
   return lines;
 }

@@ -63,7 +63,7 @@ QImage withMargins(const cv::Mat& part) {
 
 }  // namespace
 
-std::vector<QImage> preparedLine(const QImage& image, const TextGrounds& grounds, const TextLine& line) {
+std::vector<PreparedPart> preparedLine(const QImage& image, const TextGrounds& grounds, const TextLine& line) {
   // One pixel all around belongs to the letters too: the faintest of their edges count as ground.
   cv::Mat ink(line.box.height() + 2, line.box.width() + 2, CV_8UC1, cv::Scalar(kWhite));
   const QPoint origin = line.box.topLeft() - QPoint(1, 1);
@@ -93,10 +93,11 @@ std::vector<QImage> preparedLine(const QImage& image, const TextGrounds& grounds
   cv::Mat large;
   cv::resize(ink, large, cv::Size(), factor > 1 ? factor * kNarrowed : factor, factor,
              factor < 1 ? cv::INTER_AREA : cv::INTER_CUBIC);
-  std::vector<QImage> parts;
+  const double scale = static_cast<double>(large.cols) / ink.cols;
+  std::vector<PreparedPart> parts;
   for (int left = 0; left < large.cols;) {
     const auto [end, next] = endOfPart(large, left);
-    parts.push_back(withMargins(large.colRange(left, end)));
+    parts.push_back({withMargins(large.colRange(left, end)), origin.x() + (left - kSideMargin) / scale, scale});
     left = next;
   }
   return parts;

@@ -3,10 +3,12 @@
 #include <dlfcn.h>
 #include <tesseract/baseapi.h>
 #include <tesseract/ocrclass.h>
+#include <tesseract/resultiterator.h>
 #include <QtCore/QStringList>
 #include <QtGui/QPainter>
 #include <algorithm>
 
+#include "recognition/LineText.h"
 #include "recognition/TextPreparation.h"
 
 namespace quillmere {
@@ -25,6 +27,8 @@ constexpr int kWidest = 32767;
 constexpr int kDoubtful = 75;
 /// Of one or two characters below this, none is there: corners and icons.
 constexpr int kUnbelievable = 65;
+/// Fewer dashes alone are no text.
+constexpr size_t kFewestMarks = 6;
 /// What is printed; the engine's own guess at it from so small a picture costs time and is wrong.
 constexpr int kDotsPerInch = 200;
 
@@ -61,32 +65,45 @@ class TextRecognizer::Engine {
   }
 
   /// Empty when nothing is there or when it was cancelled.
-  QString read(const QImage& prepared, const std::atomic<bool>& isCancelled) {
-    Reading best = read(prepared, tesseract::PSM_RAW_LINE, isCancelled);
+  std::vector<ReadSymbol> read(const PreparedPart& part, const std::atomic<bool>& isCancelled) {
+    Reading best = read(part, tesseract::PSM_RAW_LINE, isCancelled);
     if (best.confidence < kDoubtful && !isCancelled) {
-      const Reading other = read(prepared, tesseract::PSM_SINGLE_LINE, isCancelled);
-      if (other.confidence > best.confidence) best = other;
+      Reading other = read(part, tesseract::PSM_SINGLE_LINE, isCancelled);
+      if (other.confidence > best.confidence) best = std::move(other);
     }
-    return best.text.size() <= 2 && best.confidence < kUnbelievable ? QString() : best.text;
+    if (best.symbols.size() <= 2 && best.confidence < kUnbelievable) best.symbols.clear();
+    return best.symbols;
   }
 
  private:
   struct Reading {
-    QString text;
+    std::vector<ReadSymbol> symbols;
     int confidence = 0;
   };
 
-  Reading read(const QImage& prepared, tesseract::PageSegMode mode, const std::atomic<bool>& isCancelled) {
+  Reading read(const PreparedPart& part, tesseract::PageSegMode mode, const std::atomic<bool>& isCancelled) {
     tesseract::ETEXT_DESC monitor;
     monitor.cancel_this = const_cast<std::atomic<bool>*>(&isCancelled);
     monitor.cancel = [](void* flag, int) { return static_cast<std::atomic<bool>*>(flag)->load(); };
+    const QImage& image = part.image;
     api_.SetPageSegMode(mode);
-    api_.SetImage(prepared.constBits(), prepared.width(), prepared.height(), 1,
-                  static_cast<int>(prepared.bytesPerLine()));
+    api_.SetImage(image.constBits(), image.width(), image.height(), 1, static_cast<int>(image.bytesPerLine()));
     api_.SetSourceResolution(kDotsPerInch);
     if (api_.Recognize(&monitor) != 0) return {};
-    const std::unique_ptr<char[]> text(api_.GetUTF8Text());
-    Reading reading{QString::fromUtf8(text.get()).simplified(), api_.MeanTextConf()};
+    Reading reading{{}, api_.MeanTextConf()};
+    const std::unique_ptr<tesseract::ResultIterator> found(api_.GetIterator());
+    constexpr auto kSymbol = tesseract::RIL_SYMBOL;
+    if (found) {
+      do {
+        const std::unique_ptr<char[]> text(found->GetUTF8Text(kSymbol));
+        int left = 0, top = 0, right = 0, bottom = 0;
+        if (!text || !found->BoundingBox(kSymbol, &left, &top, &right, &bottom)) continue;
+        const auto place = [&](int x) { return part.left + x / part.scale; };
+        const QString symbol = QString::fromUtf8(text.get()).simplified();
+        if (symbol.isEmpty()) continue;
+        reading.symbols.push_back({symbol, place(left), place(right), found->IsAtBeginningOf(tesseract::RIL_WORD)});
+      } while (found->Next(kSymbol));
+    }
     api_.Clear();
     return reading;
   }
@@ -142,13 +159,17 @@ std::optional<QString> TextRecognizer::recognizeText(const QImage& image, const 
     for (const TextLine& line : textLines(plain, grounds)) {
       const int middle = line.box.center().y();
       if (middle < first || middle >= last) continue;
-      QStringList parts;
-      for (const QImage& part : preparedLine(plain, grounds, line)) {
-        const QString text = engine_->read(part, isCancelled);
-        if (isCancelled) return std::nullopt;
-        if (!text.isEmpty()) parts += text;
+      const auto marks = textMarks(line);
+      std::vector<ReadSymbol> symbols;
+      for (const TextLine& piece : withoutLongRows(line, marks)) {
+        for (const PreparedPart& part : preparedLine(plain, grounds, piece)) {
+          const auto found = engine_->read(part, isCancelled);
+          if (isCancelled) return std::nullopt;
+          symbols.insert(symbols.end(), found.begin(), found.end());
+        }
       }
-      if (!parts.isEmpty()) texts += parts.join(' ');
+      if (symbols.empty() && marks.size() < kFewestMarks) continue;
+      texts += lineText(line, marks, std::move(symbols)).text;
     }
   }
   return texts.join('\n');

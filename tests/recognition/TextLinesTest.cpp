@@ -81,16 +81,40 @@ TEST(TextLines, OfAFramedButtonOnlyTheWordsAreLeft) {
   EXPECT_EQ(boxes(drawn), (Boxes{{30, 26, 24, 12}}));
 }
 
-TEST(TextLines, APhotographsThousandsOfPiecesAreNotLookedThrough) {
-  const auto rowsOf200 = [](int rows) {
-    DrawnText drawn({1220, 1420});
-    for (int row = 0; row < rows; ++row) {
-      for (int column = 0; column < 200; ++column) drawn.fill({10 + 6 * column, 10 + 9 * row, 4, 6});
-    }
-    return drawn.lines().size();
+TEST(TextLines, UnderscoresAndBarsBelongToTheLettersBesideThem) {
+  const auto withBars = [](const std::vector<QRect>& bars) {
+    DrawnText drawn = DrawnText({300, 200}).word(20, 20, 2).word(60, 20, 2);
+    for (const QRect& bar : bars) drawn.fill(bar);
+    return boxes(drawn);
   };
-  EXPECT_EQ(rowsOf200(150), 150u);
-  EXPECT_EQ(rowsOf200(151), 0u);
+  EXPECT_EQ(withBars({{38, 34, 18, 1}}), (Boxes{{20, 20, 55, 15}})) << "two underscores that touch";
+  EXPECT_EQ(withBars({{38, 24, 7, 1}, {38, 28, 7, 1}, {48, 24, 7, 1}, {48, 28, 7, 1}}), (Boxes{{20, 20, 55, 12}}))
+      << "two equals signs";
+  EXPECT_EQ(withBars({{20, 34, 20, 1}}), (Boxes{{20, 20, 15, 12}, {60, 20, 15, 12}})) << "an underline";
+}
+
+TEST(TextLines, AnIconBeforeALabelIsNoPartOfIt) {
+  const auto withIcon = [](const QRect& icon) { return boxes(DrawnText({300, 200}).fill(icon).word(44, 20)); };
+  EXPECT_EQ(withIcon({22, 18, 14, 15}), (Boxes{{44, 20, 33, 12}}));
+  EXPECT_EQ(withIcon({32, 18, 4, 15}), (Boxes{{32, 18, 45, 15}})) << "a bracket";
+  EXPECT_EQ(withIcon({27, 18, 15, 15}), (Boxes{{27, 18, 50, 15}})) << "a letter that stands close";
+  EXPECT_EQ(withIcon({22, 20, 14, 12}), (Boxes{{22, 20, 55, 12}})) << "a capital";
+}
+
+TEST(TextLines, ALeaderJoinsWhatItLeadsTo) {
+  DrawnText drawn = DrawnText({400, 200}).word(20, 20, 2).word(300, 20, 2);
+  for (int x = 40; x < 290; x += 8) drawn.fill({x, 30, 2, 2});
+  EXPECT_EQ(boxes(drawn), (Boxes{{20, 20, 295, 12}}));
+}
+
+TEST(TextLines, ARowOfDashesIsALineWhereItBeginsAsItsNeighbours) {
+  const auto with = [](int left) {
+    DrawnText drawn = DrawnText({300, 200}).word(20, 20);
+    for (int x = left; x < left + 150; x += 9) drawn.fill({x, 44, 5, 1});
+    return boxes(drawn).size();
+  };
+  EXPECT_EQ(with(20), 2u);
+  EXPECT_EQ(with(90), 1u) << "a dashed frame";
 }
 
 TEST(ColorDistance, IsThatOfTheChannelWhereTheyDifferMost) {

@@ -1,6 +1,7 @@
 #include "recognition/TextPreparation.h"
 
 #include <gtest/gtest.h>
+#include <cmath>
 
 #include "recognition/DrawnText.h"
 
@@ -15,7 +16,10 @@ constexpr int kTopMargin = 12;
 std::vector<QImage> prepared(const DrawnText& drawn) {
   const auto lines = drawn.lines();
   EXPECT_EQ(lines.size(), 1u);
-  return lines.empty() ? std::vector<QImage>() : preparedLine(drawn.image, drawn.grounds(), lines[0]);
+  std::vector<QImage> images;
+  if (lines.size() != 1) return images;
+  for (const PreparedPart& part : preparedLine(drawn.image, drawn.grounds(), lines[0])) images.push_back(part.image);
+  return images;
 }
 /// How many stretches of dark columns there are: letters.
 int letters(const QImage& part) {
@@ -81,6 +85,19 @@ TEST(TextPreparation, ALongLineIsCutBetweenWords) {
     sum += letters(part);
   }
   EXPECT_EQ(sum, count);
+}
+
+TEST(TextPreparation, EachPartTellsWhereItStandsInThePicture) {
+  DrawnText drawn({4000, 200});
+  for (int left = 20; left < 3900; left += 50) drawn.word(left, 20);
+  const auto parts = preparedLine(drawn.image, drawn.grounds(), drawn.lines()[0]);
+  ASSERT_GT(parts.size(), 1u);
+  for (const PreparedPart& part : parts) {
+    int dark = 0;
+    while (part.image.constScanLine(part.image.height() / 2)[dark] >= 128) ++dark;
+    const double place = part.left + dark / part.scale;
+    EXPECT_NEAR(std::remainder(place - 20, 50), 0, 1) << "where a word begins";
+  }
 }
 
 TEST(TextPreparation, WhatHasNoGapIsNotCut) {

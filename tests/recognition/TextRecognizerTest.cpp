@@ -95,6 +95,31 @@ TEST_F(TextRecognizerTest, ReadsFaintText) {
   EXPECT_EQ(read(painted(lines, {.ground = QColor(30, 30, 30), .text = QColor(120, 120, 120)})), text(lines));
 }
 
+TEST_F(TextRecognizerTest, ReadsTextThatCanHardlyBeSeen) {
+  EXPECT_EQ(read(painted(lines, {.ground = QColor("#f0f0f0"), .text = QColor("#c0c0c0")})), text(lines));
+  EXPECT_EQ(read(painted(lines, {.ground = QColor("#2b2b2b"), .text = QColor("#5a5a5a")})), text(lines));
+  EXPECT_EQ(read(painted(lines, {.ground = QColor("#1e1e1e"), .text = QColor("#3c3c3c")})), text(lines));
+}
+
+TEST_F(TextRecognizerTest, ReadsCodeAsItIsTyped) {
+  const QStringList code{"if __name__ == \"__main__\":", "self.read_only = a != b or c === d", "# ------------ done"};
+  EXPECT_EQ(read(painted(code, {.pixels = 14, .scale = 2, .family = "DejaVu Sans Mono"})), text(code));
+}
+
+TEST_F(TextRecognizerTest, ReadsTextBesideAGrainyPhotograph) {
+  QImage image = painted(lines, {}).copy(0, 0, 640, 112);
+  unsigned random = 1;
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 320; x < image.width(); ++x) {
+      const auto channel = [&] {
+        return 120 + static_cast<int>((random = random * 1103515245 + 12345) >> 16) % 29 - 14;
+      };
+      image.setPixel(x, y, qRgb(channel(), channel(), channel()));
+    }
+  }
+  EXPECT_EQ(read(image), text(lines));
+}
+
 TEST_F(TextRecognizerTest, ReadsWhatJpegHasBlurred) {
   QByteArray data;
   QBuffer buffer(&data);

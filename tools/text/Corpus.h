@@ -71,4 +71,9 @@ Screen widgetScreen(int kind, const Request& request);
 inline constexpr int kPageKinds = 5;
 Screen pageScreen(int kind, const Request& request, const QString& browser);
 
+/// Screens of the kinds that recognition is known to stumble over; needs a QGuiApplication.
+inline constexpr int kHardKinds = 8;
+QString hardName(int kind);
+Screen hardScreen(int kind, const Request& request);
+
 }  // namespace corpus

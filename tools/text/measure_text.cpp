@@ -27,9 +27,14 @@ namespace {
 
 struct Entry {
   QString name;
+  QString group;
+  int kind;
   Theme theme;
   int scale;
 };
+/// Of the kinds in the order widgets, pages, hard ones.
+constexpr int kFirstPage = corpus::kWidgetKinds;
+constexpr int kFirstHard = kFirstPage + corpus::kPageKinds;
 
 /// Processor time, which a busy machine does not lengthen as it does the time on the clock.
 double seconds(int who) {
@@ -46,7 +51,18 @@ std::vector<Entry> entries() {
   for (const Theme theme : corpus::kThemes) {
     for (const int scale : corpus::kScales) {
       for (int kind = 0; kind < corpus::kWidgetKinds + corpus::kPageKinds; ++kind) {
-        result.push_back({QString("%1-%2x-%3").arg(corpus::name(theme)).arg(scale).arg(kind), theme, scale});
+        const QString group = QString("%1 %2x").arg(corpus::name(theme)).arg(scale);
+        result.push_back(
+            {QString("%1-%2x-%3").arg(corpus::name(theme)).arg(scale).arg(kind), group, kind, theme, scale});
+      }
+    }
+  }
+  for (int kind = 0; kind < corpus::kHardKinds; ++kind) {
+    const QString group = corpus::hardName(kind);
+    for (const Theme theme : corpus::kThemes) {
+      for (const int scale : corpus::kScales) {
+        result.push_back({QString("hard-%1-%2-%3x").arg(group, corpus::name(theme)).arg(scale), group,
+                          kFirstHard + kind, theme, scale});
       }
     }
   }
@@ -57,14 +73,14 @@ void make(const QDir& folder, const QString& browser, unsigned seed) {
   const QStringList families{"DejaVu Sans", "Inter", "Cantarell", "DejaVu Serif"};
   unsigned number = 0;
   for (const Entry& entry : entries()) {
-    const int kind = entry.name.section('-', 2).toInt();
     ++number;
     if (QFile::exists(folder.filePath(entry.name + ".txt"))) continue;
     const corpus::Request request{entry.theme, entry.scale, static_cast<int>(10 + (number * 5 + seed) % 7),
                                   families[(number * 3 + seed) % 4], seed * 1000 + number};
-    const corpus::Screen screen = kind < corpus::kWidgetKinds
-                                      ? corpus::widgetScreen(kind, request)
-                                      : corpus::pageScreen(kind - corpus::kWidgetKinds, request, browser);
+    const corpus::Screen screen = entry.kind >= kFirstHard ? corpus::hardScreen(entry.kind - kFirstHard, request)
+                                  : entry.kind >= kFirstPage
+                                      ? corpus::pageScreen(entry.kind - kFirstPage, request, browser)
+                                      : corpus::widgetScreen(entry.kind, request);
     screen.image.save(folder.filePath(entry.name + ".png"));
     QFile file(folder.filePath(entry.name + ".txt"));
     if (file.open(QFile::WriteOnly)) file.write(screen.truth.join('\n').toUtf8());
@@ -166,7 +182,7 @@ int main(int argc, char** argv) {
     return 1;
   }
   TextRecognizer recognizer;
-  Sum total;
+  Sum own, hard, total;
   std::map<QString, Sum> groups;
   for (const Entry& entry : entries()) {
     if (std::getenv("T_ONLY") && !entry.name.contains(QRegularExpression(std::getenv("T_ONLY")))) continue;
@@ -175,16 +191,19 @@ int main(int argc, char** argv) {
     const Reading ours = byRecognizer(recognizer, path + ".png", truth, path + ".read");
     const Reading theirs = std::getenv("T_SKIP") ? Reading{} : byCommand(path + ".png", truth);
     if (arguments.contains("--each")) {
-      std::fprintf(stderr, "%-14s %5zu  %6.2f  %6.2f   %5.0f %5.0f\n", qPrintable(entry.name), ours.errors.characters,
+      std::fprintf(stderr, "%-26s %5zu  %6.2f  %6.2f   %5.0f %5.0f\n", qPrintable(entry.name), ours.errors.characters,
                    100 * ours.errors.rate(), 100 * theirs.errors.rate(), 1000 * ours.seconds, 1000 * theirs.seconds);
     }
     total.add(ours, theirs);
-    groups[QString("%1 %2x").arg(corpus::name(entry.theme)).arg(entry.scale)].add(ours, theirs);
+    (entry.kind >= kFirstHard ? hard : own).add(ours, theirs);
+    groups[entry.group].add(ours, theirs);
   }
   std::printf(
       "| screens | characters | errors | command's errors | ratio | time | command's time | ratio "
       "|\n|---|---|---|---|---|---|---|---|\n");
   for (const auto& [title, sum] : groups) print(title, sum);
+  print("all of widgets and pages", own);
+  print("all of the hard kinds", hard);
   print("all", total);
   return 0;
 }
