@@ -158,7 +158,9 @@ std::optional<KnownWindows> resolve(const QImage& picture, const std::vector<Win
       if (isRecent && isWindowOf(box.size(), *known[i])) return oneWindow(picture, box);
     }
   }
-  const EdgeBlocks edges(picture);
+  // Of a part of the screen the place is sought, and must be told to the pixel.
+  const int point = std::max(1, static_cast<int>(std::ceil(known.back()->scale)));
+  const EdgeBlocks edges(picture, isWhole ? point : 1);
   std::optional<RegionSearch> search;
   if (!isWhole) search.emplace(edges);
   std::vector<Placed> placed;

@@ -12,8 +12,7 @@ constexpr int kLeastStep = 2;
 /// A line begins where the step is so many times that of the pixel before.
 constexpr int kSteeper = 3;
 /// How many pixels of each side are looked at, past the line and what belongs to it.
-constexpr int kNearest = 2;
-constexpr int kFarthest = 5;
+constexpr int kLooked = 4;
 
 /// How far two colours are apart in the channel where they are most.
 int step(uint32_t a, uint32_t b) {
@@ -36,8 +35,9 @@ int steepest(const std::vector<uint16_t>& steps, int from, int to) {
 
 }  // namespace
 
-EdgeBlocks::EdgeBlocks(const QImage& image)
+EdgeBlocks::EdgeBlocks(const QImage& image, int reach)
     : pixels_(image.convertToFormat(QImage::Format_RGB32)),
+      reach_(reach),
       width_(image.width()),
       height_(image.height()),
       vertical_(static_cast<size_t>(rowCount()) * static_cast<size_t>(width_ + 1)),
@@ -84,19 +84,20 @@ int EdgeBlocks::horizontalStep(int x, int y) const {
 }
 
 /// `steps` has the sums of a block's steps before each position, and one more for the end.
-void EdgeBlocks::mark(const std::vector<uint16_t>& steps, uint8_t* marks) {
+void EdgeBlocks::mark(const std::vector<uint16_t>& steps, uint8_t* marks) const {
   const int length = static_cast<int>(steps.size()) - 1;
   const auto at = [&](int position) { return static_cast<int>(steps[static_cast<size_t>(position)]); };
   for (int position = 1; position < length; ++position) {
-    const int from = std::max(1, position - 1);
-    const int to = std::min(length - 1, position + 1);
+    const int from = std::max(1, position - reach_);
+    const int to = std::min(length - 1, position + reach_);
     const int best = steepest(steps, from, to);
     if (best < kLeastStep * kBlock) continue;
     // Where the picture ends, the other side tells.
-    const bool hasBefore = position - kFarthest >= 1;
-    const bool hasBehind = position + kFarthest <= length - 1;
-    const int before = hasBefore ? steepest(steps, position - kFarthest, position - kNearest) : 0;
-    const int behind = hasBehind ? steepest(steps, position + kNearest, position + kFarthest) : 0;
+    const int farthest = reach_ + kLooked;
+    const bool hasBefore = position - farthest >= 1;
+    const bool hasBehind = position + farthest <= length - 1;
+    const int before = hasBefore ? steepest(steps, position - farthest, position - reach_ - 1) : 0;
+    const int behind = hasBehind ? steepest(steps, position + reach_ + 1, position + farthest) : 0;
     const int smoother = hasBefore && hasBehind ? std::min(before, behind) : std::max(before, behind);
     if (2 * best < 3 * smoother + 2 * kBlock) continue;
     marks[position] = kNear;

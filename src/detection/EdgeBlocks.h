@@ -12,8 +12,9 @@ class EdgeBlocks {
  public:
   static constexpr int kBlock = 16;
 
-  /// What colour the picture has, without what shows through.
-  explicit EdgeBlocks(const QImage& image);
+  /// What colour the picture has, without what shows through. A line may be `reach` pixels off: as wide as a window's
+  /// thin border, which may lie just outside.
+  explicit EdgeBlocks(const QImage& image, int reach = 1);
 
   int width() const { return width_; }
   int height() const { return height_; }
@@ -21,7 +22,7 @@ class EdgeBlocks {
   int rowCount() const { return height_ / kBlock; }
   int columnCount() const { return width_ / kBlock; }
 
-  /// Whether a line runs between the columns `x` - 1 and `x`, or a pixel beside that, through the block of rows that
+  /// Whether a line runs between the columns `x` - 1 and `x`, or `reach` beside that, through the block of rows that
   /// begins at 16 times `row`.
   bool hasVertical(int x, int row) const { return (vertical_[at(x, row, width_)] & kNear) != 0; }
   bool hasHorizontal(int y, int column) const { return (horizontal_[at(y, column, height_)] & kNear) != 0; }
@@ -51,10 +52,11 @@ class EdgeBlocks {
   static size_t at(int position, int block, int length) {
     return static_cast<size_t>(block) * static_cast<size_t>(length + 1) + static_cast<size_t>(position);
   }
-  static void mark(const std::vector<uint16_t>& steps, uint8_t* marks);
+  void mark(const std::vector<uint16_t>& steps, uint8_t* marks) const;
   static std::vector<int> lines(const Marks& marks, int length, int blocks);
 
   QImage pixels_;  ///< opaque, 32 bits each
+  int reach_;
   int width_;
   int height_;
   Marks vertical_;  ///< by block and position

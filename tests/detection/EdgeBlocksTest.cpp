@@ -47,6 +47,17 @@ TEST(EdgeBlocksTest, TheSlopeOfAShadowIsNoLineButTheWindowsSideIs) {
   EXPECT_TRUE(edges.hasVertical(50, 0));
 }
 
+TEST(EdgeBlocksTest, AtTwoPixelsAPointABorderIsTwoPixelsWide) {
+  QImage image = plain(80, 32, QColor(120, 140, 160));
+  QPainter painter(&image);
+  painter.fillRect(38, 0, 42, 32, QColor(28, 30, 34));
+  painter.fillRect(40, 0, 40, 32, QColor(27, 27, 27));
+  painter.end();
+  EXPECT_FALSE(EdgeBlocks(image).hasVertical(40, 0)) << "the window begins behind its border";
+  EXPECT_TRUE(EdgeBlocks(image, 2).hasVertical(40, 0));
+  EXPECT_FALSE(EdgeBlocks(image, 2).hasVertical(41, 0));
+}
+
 TEST(EdgeBlocksTest, APictureSmallerThanABlockHasNone) {
   const EdgeBlocks edges(plain(9, 9));
   EXPECT_EQ(edges.rowCount(), 0);
