@@ -23,6 +23,8 @@ constexpr int kAbout = 3;
 /// With all the places that a part of the screen may have, older states fit by chance.
 constexpr int kAboutOfRegion = 35;
 constexpr int kHundred = 100;
+/// Nothing covers a window of whose outline so much is seen, in hundredths.
+constexpr int kWhole = 90;
 /// Only so many different states are looked for in a part of the screen.
 constexpr size_t kMostRegionStates = 24;
 
@@ -104,8 +106,11 @@ std::optional<KnownWindows> confirmed(const QImage& picture, const Placed& place
     const WindowStack::Window& window = placed.state->windows[i];
     if (!evidence.isEnough()) continue;
     if (!evidence.isCovered) {
-      topmost = known.windows.size();
-      if (window.id == placed.state->active) known.front = topmost;
+      const size_t place = known.windows.size();
+      const bool isWhole = evidence.hits() * kHundred >= kWhole * evidence.blocks();
+      // Of two windows of which one is not known of, neither can be told to lie above.
+      if (!placed.state->isPartial) topmost = place;
+      if (window.id == placed.state->active && (isWhole || !placed.state->isPartial)) known.front = place;
     }
     known.windows.push_back({window.frame.translated(-placed.origin) & whole, evidence.isCovered, std::nullopt});
   }

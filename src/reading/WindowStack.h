@@ -35,11 +35,13 @@ struct WindowStack {
   std::string manager;          ///< the window manager's name, where it tells one
   uint32_t active = 0;          ///< the window with the keyboard; 0 where there is none
   uint32_t desktop = 0;
+  bool isPartial = false;       ///< windows may be shown that it cannot know of: those of a Wayland compositor's own
   std::vector<Window> windows;  ///< lowest first
 
   bool showsTheSameAs(const WindowStack& other) const {
     return root == other.root && monitors == other.monitors && scale == other.scale && manager == other.manager &&
-           active == other.active && desktop == other.desktop && windows == other.windows;
+           active == other.active && desktop == other.desktop && isPartial == other.isPartial &&
+           windows == other.windows;
   }
 };
 

@@ -43,6 +43,22 @@ TEST(CapturedWindowsTest, InFrontIsTheActiveOneUnlessItIsCovered) {
   EXPECT_EQ(resolve(covered.image, {covered.stack}, kTaken)->front, 1u) << "the topmost that nothing covers";
 }
 
+TEST(CapturedWindowsTest, WhereOthersMayBeShownNoneIsInFrontForLackOfThem) {
+  DrawnScreen screen = twoWindows();
+  screen.stack.isPartial = true;
+  EXPECT_EQ(resolve(screen.image, {screen.stack}, kTaken)->front, 1u) << "it has the keyboard and is seen whole";
+  WindowStack other = screen.stack;
+  other.active = 0;
+  const auto known = resolve(screen.image, {other}, kTaken);
+  ASSERT_TRUE(known);
+  EXPECT_EQ(known->windows.size(), 2u);
+  EXPECT_EQ(known->front, std::nullopt);
+  QPainter(&screen.image).fillRect(QRect(700, 100, 280, 300), Qt::darkGreen);
+  const auto covered = resolve(screen.image, {screen.stack}, kTaken);
+  ASSERT_TRUE(covered);
+  EXPECT_EQ(covered->front, std::nullopt) << "by a window that nobody told of";
+}
+
 TEST(CapturedWindowsTest, OfTwoScreensEachIsAWhole) {
   DrawnScreen screen(QSize(1600, 600));
   screen.stack.monitors = {QRect(0, 0, 800, 600), QRect(800, 0, 800, 600)};

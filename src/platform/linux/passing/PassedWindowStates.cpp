@@ -16,7 +16,7 @@ constexpr uint32_t kMostOfOne = 4096;
 
 void write(QDataStream& out, const WindowStack& state) {
   out << state.since.seconds << state.root << state.scale << QByteArray::fromStdString(state.manager) << state.active
-      << state.desktop;
+      << state.desktop << state.isPartial;
   out << static_cast<quint32>(state.monitors.size());
   for (const QRect& monitor : state.monitors) out << monitor;
   out << static_cast<quint32>(state.windows.size());
@@ -37,7 +37,7 @@ bool readAll(QDataStream& in, std::vector<Item>& items, uint32_t most, Read read
 
 bool read(QDataStream& in, WindowStack& state) {
   QByteArray manager;
-  in >> state.since.seconds >> state.root >> state.scale >> manager >> state.active >> state.desktop;
+  in >> state.since.seconds >> state.root >> state.scale >> manager >> state.active >> state.desktop >> state.isPartial;
   state.manager = manager.toStdString();
   if (!readAll(in, state.monitors, kMostOfOne, [&](QRect& monitor) { in >> monitor; })) return false;
   return readAll(in, state.windows, kMostOfOne, [&](Window& window) {

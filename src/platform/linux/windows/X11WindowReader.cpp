@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <set>
+#include <string_view>
 #include <utility>
 
 namespace quillmere {
@@ -53,6 +54,10 @@ X11WindowReader::X11WindowReader(xcb_connection_t* connection, int screen, uint3
   const uint32_t mask =
       XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
   xcb_change_window_attributes(connection, display_.root(), XCB_CW_EVENT_MASK, &mask);
+  constexpr std::string_view kWayland = "XWAYLAND";
+  const auto wayland = X11Display::owned(xcb_query_extension_reply(
+      connection, xcb_query_extension(connection, kWayland.size(), kWayland.data()), nullptr));
+  isBesideWayland_ = wayland && wayland->present != 0;
   const auto* randr = xcb_get_extension_data(connection, &xcb_randr_id);
   if (randr && randr->present) {
     screenEvent_ = static_cast<uint8_t>(randr->first_event + XCB_RANDR_SCREEN_CHANGE_NOTIFY);
@@ -71,6 +76,7 @@ WindowStack X11WindowReader::read() {
   stack.monitors = monitors_;
   stack.scale = scale_;
   stack.manager = manager_;
+  stack.isPartial = isBesideWayland_;
   stack.active = display_.number(root, "_NET_ACTIVE_WINDOW");
   stack.desktop = display_.number(root, "_NET_CURRENT_DESKTOP");
   const auto tree = X11Display::owned(xcb_query_tree_reply(connection, xcb_query_tree(connection, root), nullptr));
@@ -250,6 +256,12 @@ void X11WindowReader::readScreens() {
       for (auto one = xcb_randr_get_monitors_monitors_iterator(reply.get()); one.rem > 0;
            xcb_randr_monitor_info_next(&one)) {
         monitors_.emplace_back(one.data->x, one.data->y, one.data->width, one.data->height);
+        const auto name = X11Display::owned(
+            xcb_get_atom_name_reply(connection, xcb_get_atom_name(connection, one.data->name), nullptr));
+        if (name && QByteArray(xcb_get_atom_name_name(name.get()), xcb_get_atom_name_name_length(name.get()))
+                        .startsWith("XWAYLAND")) {
+          isBesideWayland_ = true;
+        }
       }
     }
   }

@@ -57,6 +57,7 @@ class X11WindowReader {
   std::map<xcb_window_t, Child> children_;
   std::map<xcb_window_t, xcb_window_t> below_;   ///< the sibling just below each
   std::map<xcb_window_t, xcb_window_t> outers_;  ///< what is around each window that is shown
+  bool isBesideWayland_ = false;  ///< as newer servers say themselves, and older ones by their monitors' names
   bool knowsScreens_ = false;
   QSize root_;
   std::vector<QRect> monitors_;

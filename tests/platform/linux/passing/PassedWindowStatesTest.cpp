@@ -14,6 +14,7 @@ Question question() {
   state.manager = "Some manager";
   state.active = 7;
   state.desktop = 2;
+  state.isPartial = true;
   state.windows.push_back({.id = 7,
                            .type = WindowStack::Window::Type::panel,
                            .decoratesItself = true,
