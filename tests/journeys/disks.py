@@ -4,7 +4,7 @@ import ctypes
 import os
 import subprocess
 
-from harness import expect
+from harness import expect, wait_until
 
 _CLONE_NEWNS = 0x20000
 
@@ -34,9 +34,12 @@ class Disk:
         self._run("mount", "-o", "loop", self._image, self.point)
 
     def disconnect(self):
-        # Plainly: a watched folder must not keep its disk busy.
-        self._run("umount", self.point)
+        # Plainly: a watched folder must not keep its disk busy, but for the moment in which a new picture is read.
+        wait_until("the disk is let go", self._is_unmounted)
         os.rmdir(self.point)
+
+    def _is_unmounted(self):
+        return subprocess.run(["umount", self.point], capture_output=True, check=False).returncode == 0
 
     def pull_out(self):
         """Also while it is in use."""

@@ -138,7 +138,9 @@ def the_window_alone(desktop, target):
     open_terminal(desktop, "Behind", "60x22", (560, 60))
     open_terminal(desktop, "Front", "60x18", (640, 160))
     windows = Windows(desktop)
-    wait_until("it is drawn", lambda: min(windows.pixel(windows.frame("Front")[:2])) > 240)
+    # To its corner, and opaque: some window managers let it grow and fade in.
+    right, bottom = windows.frame("Front")[2:]
+    wait_until("it is drawn", lambda: min(windows.pixel((right - 3, bottom - 3))) == 255)
     shot = os.path.join(desktop.folder, captures.capture_name().replace(".png", ".jpg"))
     desktop.run("scrot", "-q", "95", shot, check=True)
     frame = windows.outer_frame("Front")

@@ -86,7 +86,7 @@ def change(desktop, table, by_keyboard):
             else:
                 desktop.click(toggle(desktop, name))
             wait_until(f"“{name}” turns", lambda name=name, was=was: toggle(desktop, name).is_checked != was)
-            expect(f"{key} is written at once", stored(desktop, key) == (not was))
+            wait_until(f"{key} is written", lambda key=key, was=was: stored(desktop, key) == (not was))
 
 
 def check_kept(desktop, table):
