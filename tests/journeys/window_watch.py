@@ -32,19 +32,15 @@ def journey(desktop):
 
     moved_after_the_capture(desktop, windows)
 
-    desktop.run("xdotool", "windowminimize", str(windows.find("First")), check=True)
-    wait_until("the other is seen whole", lambda: front_is(windows, "Second"))
+    first = str(windows.find("First"))
+    desktop.run("xdotool", "windowminimize", first, check=True)
+    wait_until("it is put away", lambda: "Iconic" in desktop.run("xprop", "-id", first, "WM_STATE"))
     in_front(desktop, windows, "Second", ["Second"])
 
 
 def is_drawn(windows, title):
     left, top, right, bottom = windows.frame(title)
     return min(windows.pixel((left + 20, bottom - 20))) > 200 or min(windows.pixel((right - 20, top + 20))) > 200
-
-
-def front_is(windows, title):
-    left, top, right, bottom = windows.frame(title)
-    return windows.at(((left + right) // 2, (top + bottom) // 2)) is not None
 
 
 def in_front(desktop, windows, front, shown):
