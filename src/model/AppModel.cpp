@@ -11,7 +11,6 @@ AppModel::AppModel(AppModelDependencies dependencies)
       settings_(*dependencies_.defaults, changed),
       prompts_(dependencies_, items_, *this, changed),
       extraction_(dependencies_, prompts_, changed),
-      expirationScheduler_(*dependencies_.executor, *dependencies_.systemEvents, dependencies_.now),
       popupAutoSaveScheduler_(*dependencies_.executor, dependencies_.now),
       access_(*dependencies_.securityScope),
       reconciliations_(*dependencies_.executor, *this),
@@ -62,7 +61,7 @@ void AppModel::start() {
   didStart_ = true;
   popupAutoSaveScheduler_.configure([this](const UUID& id) { return isPopupPaused(id); },
                                     [this](const UUID& id) { popupTimedOut(id); });
-  expirationScheduler_.start([this](const UUID& id) { expireOne(id); }, [this] { expireDue(); });
+  expiry_.start();
   transfers_.removeLeftCopies();
   restoreWatchFolder();
   replacement_.finishBegun(*watchFolderURL);
@@ -90,7 +89,7 @@ void AppModel::finishStart() {
   items_.forEach([&](const ScreenshotItem& item) {
     if (item.state == ScreenshotItem::State::temporary && item.expiresAt) expirations[item.id] = *item.expiresAt;
   });
-  expirationScheduler_.schedule(expirations);
+  expiry_.schedule(expirations);
   isRecovering_ = false;
   for (const UUID& id : pendingPrompts()) prompts_.enqueue(id);
   if (*settings_.analyzeScreenshots) startMissingAnalysis();
@@ -171,9 +170,7 @@ void AppModel::dismissBackgroundIssue() {
   switch ((*backgroundIssue)->kind) {
     case BackgroundIssue::Kind::expiredScreenshotsNotTrashed: {
       // Dismissing is an immediate retry with a fresh count.
-      UUIDMap<Date> retries;
-      for (const UUID& id : expiryRetries_.restart()) retries[id] = now();
-      expirationScheduler_.schedule(retries);
+      expiry_.retryRefused();
       backgroundIssue.set(std::nullopt);
       return;
     }

@@ -2,7 +2,6 @@
 
 #include <QtCore/QRectF>
 #include <QtGui/QImage>
-#include <atomic>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -13,10 +12,8 @@
 #include "model/AnalysisStatus.h"
 #include "model/AppModelDependencies.h"
 #include "model/CloudDownloads.h"
-#include "model/ExpirationScheduler.h"
-#include "model/ExpiryRetries.h"
+#include "model/DecisionsUnderWay.h"
 #include "model/FileDisposal.h"
-#include "model/FileExpiry.h"
 #include "model/FileRenaming.h"
 #include "model/FileReplacement.h"
 #include "model/FileStamp.h"
@@ -30,6 +27,7 @@
 #include "model/Published.h"
 #include "model/ReconciliationRuns.h"
 #include "model/RecordIndex.h"
+#include "model/ScreenshotExpiry.h"
 #include "model/ScreenshotFolderMatch.h"
 #include "model/Settings.h"
 #include "model/WindowExtractionRun.h"
@@ -45,6 +43,8 @@ namespace quillmere {
 /// comment above it.
 class AppModel : private AnalysisRecords,
                  private CaptureRecords,
+                 private DecidedRecords,
+                 private ExpiringRecords,
                  private PromptStage,
                  private ReconciledRecords,
                  private TransferSource,
@@ -65,7 +65,7 @@ class AppModel : private AnalysisRecords,
   void start();
   /// Has the list written in the background, as it is now or later. A failure is the banner, and is tried again with
   /// growing pauses.
-  void saveNow();
+  void saveNow() override;
   /// The same for what may come in thousands; all of it together about once a second.
   void saveInStream();
   /// Writes the list soon; for streams of small changes.
@@ -214,7 +214,7 @@ class AppModel : private AnalysisRecords,
   void protect(const UUID& id) override;
   void unprotect(const UUID& id) override;
   /// Forgets records; their files stay. The caller saves.
-  void removeRecords(const UUIDSet& ids);
+  void removeRecords(const UUIDSet& ids) override;
   /// Forgets every record, on disk too; all files stay.
   void clearRecords();
 
@@ -318,8 +318,8 @@ class AppModel : private AnalysisRecords,
   void download(const UUID& id);
 
   // --- Expiry: AppModelExpiry.cpp ---
-  void expire(const UUID& id);
-  const ExpirationScheduler& expirationScheduler() const { return expirationScheduler_; }
+  void expire(const UUID& id) { expiry_.expire(id); }
+  const ExpirationScheduler& expirationScheduler() const { return expiry_.scheduler(); }
 
  private:
   // AppModel.cpp
@@ -374,9 +374,9 @@ class AppModel : private AnalysisRecords,
   static Task<> leavePrompt(Weak<AppModel> self, UUID id);
   /// A decision about it is being carried out that takes time.
   bool isBeingDecided(const UUID& id) const;
-  void beginDeciding(const UUID& id);
-  void endDeciding(const UUID& id);
-  static Task<> leavePopupSoon(Weak<AppModel> self, UUID id);
+  bool isInPopups(const UUID& id) const override;
+  void leavePopup(const UUID& id) override { resolvePrompts({id}); }
+  void decisionEnded(const UUID& id, Ended ended) override;
   void makeTemporary(size_t index, TemporaryDuration duration, Date moment);
   void keepItem(size_t index);
 
@@ -446,10 +446,6 @@ class AppModel : private AnalysisRecords,
   void fileWasReplaced(const UUID& id) override;
   void fileWasPutAt(const UUID& id, const FileURL& url) override;
   Task<bool> whenReplacedIsSaved() override { return whenSaved(); }
-  Task<FileWorker::Hold> claimFile(const UUID& id) override {
-    const std::vector<UUID> only(1, id);
-    return claimFiles(lifetime_.weak(this), only);
-  }
   UUID addDerived(const FileURL& url, const UUID& source);
 
   // AppModelExtraction.cpp
@@ -496,6 +492,9 @@ class AppModel : private AnalysisRecords,
   // Work on files in the background: AppModelFileWork.cpp
   static Task<FileWorker::Hold> claimFiles(Weak<AppModel> self, std::vector<UUID> ids, std::set<FileURL> places = {},
                                            std::optional<QString> stem = {});
+  Task<FileWorker::Hold> claimFiles(std::vector<UUID> ids) override {
+    return claimFiles(lifetime_.weak(this), std::move(ids));
+  }
   FileClaim claimOf(const std::vector<UUID>& ids, const std::set<FileURL>& places,
                     const std::optional<QString>& stem) const;
   bool isInWork(const FileURL& url, const std::optional<FileIdentity>& identity);
@@ -518,19 +517,17 @@ class AppModel : private AnalysisRecords,
   void refreshAfterDownload(const UUID& id);
 
   // AppModelExpiry.cpp
-  void expireOne(const UUID& id);
-  void expireDue();
-  static Task<> runExpiries(Weak<AppModel> self, std::vector<UUID> ids);
-  bool canExpireNow(const UUID& id);
-  void prepareExpiry(const UUID& id, std::vector<ExpiryJob>& jobs);
-  void putOffExpiry(const UUID& id);
-  void adoptExpiry(const ExpiryJob& job, const ExpiryReport& report, UUIDSet& forgotten);
-  void adoptMissing(size_t index, bool isAbsent, UUIDSet& forgotten);
-  void retryUnreachable(const UUID& id);
-  void recordExpirationFailure(const UUID& id);
-  void tellOfKept();
-  void forget(const UUIDSet& ids);
-  void refreshExpirationBanner();
+  std::optional<WatchFolderPaths> accessibleWatchFolder() const override;
+  bool hasAccess(const UUID& id) const override;
+  bool deletesExpired() const override { return deletes(DisposalReason::expired); }
+  void keepExpired(const UUID& id) override { keepItem(*items_.indexOf(id)); }
+  void expiredHasMoved(const UUID& id, const ResolvedBookmark& place) override {
+    adoptMovedPlace(*items_.indexOf(id), place);
+  }
+  bool noteExpiredLeft(const UUID& id) override;
+  void expiredIsUnavailable(const UUID& id) override { setMember(unavailableItemIDs, id, true); }
+  void tellOfKept() override;
+  void tellOfRefused(int count) override;
 
   AppModelDependencies dependencies_;
   Settings settings_;
@@ -552,7 +549,6 @@ class AppModel : private AnalysisRecords,
   bool screensAsleep_ = false;
   bool sessionLocked_ = false;
 
-  ExpirationScheduler expirationScheduler_;
   PopupAutoSaveScheduler popupAutoSaveScheduler_;
   FolderAccess access_;
   ReconciliationRuns reconciliations_;
@@ -562,48 +558,22 @@ class AppModel : private AnalysisRecords,
 
   std::optional<PromptNameEdit> promptNameEdit_;
   std::optional<std::pair<UUID, FileStamp>> shownFile_;  ///< the file in the popup as it was when it came up
-  std::set<UUID> inQuestion_;                            ///< whether to delete them is being asked
 
   Task<> locationCheckTask_;
   CloudDownloads downloads_;
   PictureTransfers transfers_{dependencies_, items_, *this};
 
-  UUIDMap<int> protectedItems_;
-  /// What is being carried out about a record, and what is to follow.
-  struct Deciding {
-    int count = 0;
-    Task<> leaving = {};  ///< until its popup has waited long enough
-    bool hasLeftPopup = false;
-    bool isKept = false;  ///< the person wants to keep it, if it still is there
-  };
-  struct DecisionGuard {
-    DecisionGuard(Weak<AppModel> model, const UUID& id) : model_(std::move(model)), id_(id) {
-      model_->beginDeciding(id_);
-    }
-    DecisionGuard(const DecisionGuard&) = delete;
-    DecisionGuard& operator=(const DecisionGuard&) = delete;
-    ~DecisionGuard() {
-      if (model_) model_->endDeciding(id_);
-    }
-
-   private:
-    Weak<AppModel> model_;
-    UUID id_;
-  };
-  UUIDMap<Deciding> deciding_;
-  UUIDMap<std::shared_ptr<std::atomic<bool>>> expiring_;  ///< whether each is to stay after all
   FileWorker fileWorker_{*dependencies_.executor, [this] { fileWorkEnded(); }};
   std::vector<std::pair<FileURL, Origin>> laterArrivals_;  ///< of files that are being worked on
   Date laterArrivalsSince_;                                ///< of the first of them
   UUIDSet laterLooks_;                                     ///< were looked at while they were being worked on
   bool isToldWriting_ = false;
-  std::vector<UUID> due_;  ///< their time is up, all at once
-  ExpiryRetries expiryRetries_{dependencies_.unavailableRetryDelay};
-  bool expiryChangedRecords_ = false;
+  ScreenshotExpiry expiry_{dependencies_, items_, decisions_, fileWorker_, *this};
 
   AnalysisPipeline analysis_;
   WindowKnowledge windowKnowledge_{dependencies_, *this};
 
+  DecisionsUnderWay decisions_{*dependencies_.executor, *this};
   Lifetime lifetime_;
 };
 

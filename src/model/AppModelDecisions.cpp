@@ -5,7 +5,7 @@
 namespace quillmere {
 
 bool AppModel::isBeingDecided(const UUID& id) const {
-  return deciding_.contains(id) || extraction_.isSaving(id);
+  return decisions_.contains(id) || extraction_.isSaving(id);
 }
 
 bool AppModel::isUndecided(const UUID& id) const {
@@ -15,33 +15,16 @@ bool AppModel::isUndecided(const UUID& id) const {
 
 // --- While a decision is carried out ---
 
-/// Nothing else is decided about the record until `endDeciding`, and its popup waits for it only so long.
-void AppModel::beginDeciding(const UUID& id) {
-  Deciding& decision = deciding_[id];
+bool AppModel::isInPopups(const UUID& id) const {
   const auto& queue = *prompts_.queue;
-  const bool isInPopup = std::find(queue.begin(), queue.end(), id) != queue.end();
-  if (decision.count++ == 0 && isInPopup) decision.leaving = leavePopupSoon(lifetime_.weak(this), id);
+  return std::find(queue.begin(), queue.end(), id) != queue.end();
 }
 
-Task<> AppModel::leavePopupSoon(Weak<AppModel> self, UUID id) {
-  constexpr Duration kLongestWait = std::chrono::milliseconds(250);
-  auto pause = self->dependencies_.executor->sleep(kLongestWait);
-  const bool elapsed = co_await pause;
-  if (!elapsed || !self) co_return;
-  self->deciding_.at(id).hasLeftPopup = true;
-  self->resolvePrompts({id});
-}
-
-void AppModel::endDeciding(const UUID& id) {
-  const auto found = deciding_.find(id);
-  if (found == deciding_.end() || --found->second.count > 0) return;
-  const Deciding decision = std::move(found->second);
-  deciding_.erase(found);
-  decision.leaving.cancel();
+void AppModel::decisionEnded(const UUID& id, Ended ended) {
   if (!items_.find(id)) return;
-  if (decision.isKept) keepBatch({id});
+  if (ended.isKept) keepBatch({id});
   // Nothing came of it: the person is asked again.
-  if (decision.hasLeftPopup && isUndecided(id) && !unavailableItemIDs->contains(id)) enqueuePrompt(id);
+  if (ended.hasLeftPopup && isUndecided(id) && !unavailableItemIDs->contains(id)) enqueuePrompt(id);
 }
 
 /// What leaves the screen at once is on the disk: a disk that takes longer than a moment is not waited for, and what it
@@ -73,7 +56,7 @@ Task<> AppModel::runMarkTemporary(Weak<AppModel> self, UUID id, TemporaryDuratio
   const bool isCommitted = co_await committing;
   if (!isCommitted || !self || !self->isUndecided(id)) co_return;
   {
-    const DecisionGuard guard(self, id);
+    const DecisionsUnderWay::Guard guard(self->decisions_, id);
     if (name) {
       const auto renaming = renameBeforeDecision(self, id, *name);
       co_await renaming;
@@ -112,7 +95,7 @@ void AppModel::makeTemporary(size_t index, TemporaryDuration duration, Date mome
     item.state = ScreenshotItem::State::temporary;
     item.expiresAt = expiresAt;
   });
-  expirationScheduler_.schedule(items_[index].id, expiresAt);
+  expiry_.schedule(items_[index].id, expiresAt);
 }
 
 void AppModel::keepItem(size_t index) {
@@ -120,9 +103,7 @@ void AppModel::keepItem(size_t index) {
     item.state = ScreenshotItem::State::permanent;
     item.expiresAt.reset();
   });
-  const UUID id = items_[index].id;
-  expirationScheduler_.cancel(id);
-  if (expiryRetries_.forget(id)) refreshExpirationBanner();
+  expiry_.forget({items_[index].id});
 }
 
 Task<> AppModel::keepPrompt(UUID id, std::optional<QString> name) {
@@ -135,7 +116,7 @@ Task<> AppModel::runKeepPrompt(Weak<AppModel> self, UUID id, std::optional<QStri
   const bool isCommitted = co_await committing;
   if (!isCommitted || !self || !self->isUndecided(id)) co_return;
   {
-    const DecisionGuard guard(self, id);
+    const DecisionsUnderWay::Guard guard(self->decisions_, id);
     if (name) {
       const auto renaming = renameBeforeDecision(self, id, *name);
       co_await renaming;
@@ -155,8 +136,8 @@ void AppModel::keepBatch(const std::vector<UUID>& ids) {
     for (const UUID& id : ids) {
       const auto index = items_.indexOf(id);
       // It counts if nothing comes of what is being done.
-      if (const auto decision = deciding_.find(id); decision != deciding_.end()) decision->second.isKept = true;
-      putOffExpiry(id);
+      decisions_.keepAfterwards(id);
+      expiry_.putOff(id);
       if (!index || isBeingDecided(id) || unavailableItemIDs->contains(id)) continue;
       if (items_[*index].state == ScreenshotItem::State::permanent) continue;
       keepItem(*index);

@@ -56,13 +56,12 @@ Task<AppModel::ChosenDisposal> AppModel::runChosenDisposal(Weak<AppModel> self, 
   if (isInPopup) asked[id] = self->shownFile_->second;
   if (self->deletes(DisposalReason::chosen)) {
     if (!isInPopup) asked[id] = self->stampOf(chosen.url);
-    // The window that did not ask is still there to be clicked.
-    if (!self->inQuestion_.insert(id).second) co_return ChosenDisposal::declined;
+    if (!self->decisions_.beginQuestion(id)) co_return ChosenDisposal::declined;
     self->protect(id);
     const bool isConfirmed = self->dependencies_.confirmDeletion(chosen.url.displayName());
     if (!self) co_return ChosenDisposal::declined;
     self->unprotect(id);
-    self->inQuestion_.erase(id);
+    self->decisions_.endQuestion(id);
     if (!isConfirmed) co_return ChosenDisposal::declined;
   }
   const auto disposing = runDisposal(self, chosen, scope, DisposalReason::chosen, asked);
@@ -208,7 +207,7 @@ Task<std::vector<TrashOutcome>> AppModel::runDisposals(Weak<AppModel> self, std:
   if (!jobs->empty()) {
     for (DisposalJob& job : *jobs) {
       if (const auto& before = known[job.id].fileIdentity) job.identity = before;
-      self->beginDeciding(job.id);
+      self->decisions_.begin(job.id);
     }
     const std::function<std::vector<TrashOutcome>()> work = [jobs, services = FileServices::of(self->dependencies_)] {
       std::vector<TrashOutcome> done;
@@ -228,7 +227,7 @@ Task<std::vector<TrashOutcome>> AppModel::runDisposals(Weak<AppModel> self, std:
 /// Adds what is to be done about the record's file; what came of it already is the answer.
 TrashOutcome AppModel::prepareDisposal(const UUID& id, bool deletes, const UUIDMap<FileStamp>& asked,
                                        std::vector<DisposalJob>& jobs) {
-  if (protectedItems_.contains(id)) return TrashOutcome::inUse;
+  if (decisions_.isProtected(id)) return TrashOutcome::inUse;
   const ScreenshotItem* item = items_.find(id);
   if (!item) return TrashOutcome::notTracked;
   const auto stamp = asked.find(id);
@@ -262,7 +261,7 @@ void AppModel::adoptDisposals(const std::vector<DisposalJob>& jobs, const std::v
     if (outcome == TrashOutcome::replaced) adoptReplacement(id);
     if (outcome == TrashOutcome::unreachable) setMember(unavailableItemIDs, id, true);
   }
-  for (const DisposalJob& job : jobs) endDeciding(job.id);
+  for (const DisposalJob& job : jobs) decisions_.end(job.id);
 }
 
 void AppModel::clearRecords() {
@@ -276,14 +275,11 @@ void AppModel::removeRecords(const UUIDSet& ids) {
   resolvePrompts(ids);
   transfers_.forget(ids);
   setMembers(selectedItemIDs, ids, false);
-  bool failureWent = false;
   analysis_.cancel(std::vector<UUID>(ids.begin(), ids.end()));
   for (const UUID& id : ids) {
-    expirationScheduler_.cancel(id);
     access_.closeItem(id);
     endDownload(id);
-    failureWent = expiryRetries_.forget(id) || failureWent;
-    protectedItems_.erase(id);
+    decisions_.dropProtection(id);
     if (const ScreenshotItem* item = items_.find(id)) forgetInIndex(*item);
   }
   setMembers(unavailableItemIDs, ids, false);
@@ -292,17 +288,16 @@ void AppModel::removeRecords(const UUIDSet& ids) {
 
   auto indices = items_.remove(ids);
   if (!indices.empty()) changed(ModelChange{ModelField::items, ModelChange::Rows::removed, std::move(indices)});
-  if (failureWent) refreshExpirationBanner();
+  expiry_.forget(ids);
 }
 
 void AppModel::protect(const UUID& id) {
-  ++protectedItems_[id];
-  putOffExpiry(id);
+  decisions_.protect(id);
+  expiry_.putOff(id);
 }
 
 void AppModel::unprotect(const UUID& id) {
-  const auto found = protectedItems_.find(id);
-  if (found != protectedItems_.end() && --found->second == 0) protectedItems_.erase(found);
+  decisions_.unprotect(id);
 }
 
 }  // namespace quillmere

@@ -14,7 +14,7 @@ void AppModel::restartCountdown() {
 }
 
 bool AppModel::isPopupPaused(const UUID& id) const {
-  if (protectedItems_.contains(id) || fileWorker_.isBusy(id)) return true;
+  if (decisions_.isProtected(id) || fileWorker_.isBusy(id)) return true;
   if (promptNameEdit_ && promptNameEdit_->id == id && (promptNameEdit_->isEdited || promptNameEdit_->isFocused)) {
     return true;
   }
@@ -41,7 +41,7 @@ Task<> AppModel::keepAfterTimeout(Weak<AppModel> self, UUID id) {
   if (extractionFailure && extraction && extraction->itemID == id) self->extraction_.clear();
 
   using Kind = BackgroundIssue::Kind;
-  const DecisionGuard guard(self, id);
+  const DecisionsUnderWay::Guard guard(self->decisions_, id);
   RenameOutcome renamed = RenameOutcome::unchanged;
   if (name) {
     const auto renaming = renameItem(self, id, *name);
@@ -62,7 +62,7 @@ Task<> AppModel::keepAfterTimeout(Weak<AppModel> self, UUID id) {
   } else if (hasFailed) {
     self->backgroundIssue.set(BackgroundIssue{Kind::automaticRenameFailed});
   }
-  self->expirationScheduler_.cancel(id);
+  self->expiry_.forget({id});
   leavePrompt(self, id).detach();
 }
 

@@ -69,7 +69,8 @@ Task<std::optional<QString>> FileReplacement::run(Weak<FileReplacement> self, UU
   const auto temporary = co_await writing;
   FileWorker::Hold hold;
   if (self) {
-    const auto claiming = self->records_.claimFile(id);
+    const std::vector<UUID> only(1, id);
+    const auto claiming = self->records_.claimFiles(only);
     hold = co_await claiming;
   }
   if (!self) {

@@ -24,8 +24,8 @@ class ReplacedRecords {
   /// The record's file stays where it is until as many calls of `unprotect`.
   virtual void protect(const UUID& id) = 0;
   virtual void unprotect(const UUID& id) = 0;
-  /// Nothing else is done to the record's file as long as the hold is held.
-  virtual Task<FileWorker::Hold> claimFile(const UUID& id) = 0;
+  /// Nothing else is done to these records' files as long as the hold is held.
+  virtual Task<FileWorker::Hold> claimFiles(std::vector<UUID> ids) = 0;
   /// Another picture stands in the place of the record's file, of which nothing is known yet.
   virtual void fileWasReplaced(const UUID& id) = 0;
   /// The record's file has another name now.

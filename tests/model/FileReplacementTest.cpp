@@ -27,7 +27,7 @@ class FakeReplacedRecords final : public ReplacedRecords {
   void protect(const UUID& id) override { protectedIDs.insert(id); }
   void unprotect(const UUID& id) override { protectedIDs.erase(id); }
   /// There is nobody else.
-  Task<FileWorker::Hold> claimFile(const UUID&) override { co_return nullptr; }
+  Task<FileWorker::Hold> claimFiles(std::vector<UUID>) override { co_return nullptr; }
   void fileWasReplaced(const UUID& id) override {
     replaced.push_back(id);
     if (onReplaced) onReplaced();

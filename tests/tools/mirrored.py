@@ -22,6 +22,7 @@ TESTED_ELSEWHERE = {
                                "model/AppModelArrivalTest and model/AppModelWatchFolderTest.",
     "model/FileDisposal": "What is done to a file that is thrown away: model/AppModelDisposalTest.",
     "model/FileExpiry": "What is done to a file whose time is up: model/AppModelExpiryTest.",
+    "model/ScreenshotExpiry": "What becomes of records whose time is up: model/AppModelExpiryTest.",
     "model/FileExchange": "What is done to files of which one takes the other's place: model/FileReplacementTest.",
     "model/FileRenaming": "What is done to a file that gets another name: model/AppModelRenamingTest.",
     "model/FileServices": "Hands the world to work on files: model/AppModelDisposalTest and model/AppModelExpiryTest.",
