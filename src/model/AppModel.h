@@ -435,6 +435,8 @@ class AppModel : private AnalysisRecords,
   static Task<Result<OpenedPicture, ImageOperations::OperationError>> runOpening(Weak<AppModel> self,
                                                                                  ScreenshotItem item,
                                                                                  bool detectsWindows);
+  static Task<Result<ImageOperations::WindowScan, ImageOperations::OperationError>> scanWindows(Weak<AppModel> self,
+                                                                                                ScreenshotItem item);
   static Task<bool> runReplaceable(Weak<AppModel> self, UUID id, FileURL opened, FileStamp readFrom);
   static Task<Result<UUID, QString>> runSaveAsNew(Weak<AppModel> self, ScreenshotItem source, QImage image,
                                                   QRectF rect);

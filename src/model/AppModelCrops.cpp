@@ -25,6 +25,19 @@ Result<FileURL, Failure> writeCropAsNew(PictureReading& pictures, const FileURL&
 
 // --- A picture to take a part of ---
 
+/// Looks for the windows in the record's file, once that is known which the window system tells of.
+Task<Result<ImageOperations::WindowScan, OperationError>> AppModel::scanWindows(Weak<AppModel> self,
+                                                                                ScreenshotItem item) {
+  auto knowing = interruptible(self->windowKnowledge_.whenKnown(item.id));
+  co_await knowing;
+  const bool isUnwanted = co_await isCancelled;
+  if (!self || isUnwanted) co_return OperationError::unreadable;
+  const ScreenshotItem* present = self->items_.find(item.id);
+  auto scanning = interruptible(self->dependencies_.scanWindows(item.url, knownWindows(present ? *present : item)));
+  const auto scan = co_await scanning;
+  co_return scan;
+}
+
 Task<Result<AppModel::OpenedPicture, OperationError>> AppModel::openPicture(ScreenshotItem item, bool detectsWindows) {
   return runOpening(lifetime_.weak(this), std::move(item), detectsWindows);
 }
@@ -38,7 +51,7 @@ Task<Result<AppModel::OpenedPicture, OperationError>> AppModel::runOpening(Weak<
   const bool isUnwanted = co_await isCancelled;
   if (!self || isUnwanted) co_return OperationError::unreadable;
   if (detectsWindows) {
-    auto scanning = interruptible(self->dependencies_.scanWindows(item.url, knownWindows(item)));
+    auto scanning = interruptible(scanWindows(self, item));
     const auto scan = co_await scanning;
     if (!scan) co_return scan.reason();
     co_return OpenedPicture{scan->image, scan->windows, stamp};

@@ -156,6 +156,8 @@ struct AppModelDependencies {
       scanWindows;
   /// What the window system showed lately, oldest first; nothing where it cannot be told. Any thread.
   std::function<std::vector<WindowStack>()> windowStates = [] { return std::vector<WindowStack>(); };
+  /// Has the window system asked for what it does not tell by itself; `windowStates` has that a moment later.
+  std::function<void()> lookAtWindows = [] {};
   std::function<Date()> now;
   std::function<QTimeZone()> timeZone;
   Duration saveCoalescingDelay = std::chrono::milliseconds(750);

@@ -20,7 +20,7 @@ Task<std::optional<PromptPreviewNotice>> AppModel::runWindowExtraction(Weak<AppM
   if (item.captureKind == CaptureKind::window) co_return self->tell(PromptPreviewNotice::alreadyWindow);
   if (self->prompts_.front() != id) co_return std::nullopt;
 
-  const auto seeking = self->extraction_.seek(id, item.url, knownWindows(item));
+  const auto seeking = self->extraction_.seek(id, item.url, scanWindows(self, item));
   const auto sought = co_await seeking;
   if (!self) co_return std::nullopt;
   if (!sought) {

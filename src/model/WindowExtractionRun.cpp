@@ -11,16 +11,15 @@ WindowExtractionRun::WindowExtractionRun(const AppModelDependencies& dependencie
                                          Signal<const ModelChange&>& changed)
     : state(changed, ModelField::promptWindowExtraction), dependencies_(dependencies), prompts_(prompts) {}
 
-Task<Result<WindowExtractionRun::Sought, OperationError>> WindowExtractionRun::seek(UUID id, FileURL url,
-                                                                                    std::optional<KnownWindows> known) {
-  return runSeek(lifetime_.weak(this), id, std::move(url), std::move(known));
+Task<Result<WindowExtractionRun::Sought, OperationError>> WindowExtractionRun::seek(UUID id, FileURL url, Scan scan) {
+  return runSeek(lifetime_.weak(this), id, std::move(url), std::move(scan));
 }
 
-Task<Result<WindowExtractionRun::Sought, OperationError>> WindowExtractionRun::runSeek(
-    Weak<WindowExtractionRun> self, UUID id, FileURL url, std::optional<KnownWindows> known) {
+Task<Result<WindowExtractionRun::Sought, OperationError>> WindowExtractionRun::runSeek(Weak<WindowExtractionRun> self,
+                                                                                       UUID id, FileURL url,
+                                                                                       Scan scan) {
   self->state.set(Extraction{id, Extraction::Detecting{}});
   const FileStamp readFrom = fileStamp(url, self->dependencies_.fileIdentity);
-  const auto scan = self->dependencies_.scanWindows(url, known);
   self->scan_ = scan;
   const auto result = co_await scan;
   // The scan's own identity tells whether it is the one that is waited for.

@@ -27,10 +27,10 @@ class WindowExtractionRun {
     nothing,
     overtaken,  ///< it was turned off, or the popup has gone on
   };
-  /// Looks for the window of the screenshot in the popup. Where there is none and where that failed, the whole
-  /// screenshot is shown again. `known` are the windows that its record knows of.
-  Task<Result<Sought, ImageOperations::OperationError>> seek(UUID id, FileURL url,
-                                                             std::optional<KnownWindows> known = {});
+  using Scan = Task<Result<ImageOperations::WindowScan, ImageOperations::OperationError>>;
+  /// Shows the window of the screenshot in the popup, which `scan` looks for in the file at `url`. Where there is none
+  /// and where that failed, the whole screenshot is shown again.
+  Task<Result<Sought, ImageOperations::OperationError>> seek(UUID id, FileURL url, Scan scan);
   bool isSeeking(const UUID& id) const;
 
   /// The window that was found in the screenshot, also while it is being saved.
@@ -47,10 +47,8 @@ class WindowExtractionRun {
   void clear();
 
  private:
-  using Scan = Task<Result<ImageOperations::WindowScan, ImageOperations::OperationError>>;
-
   static Task<Result<Sought, ImageOperations::OperationError>> runSeek(Weak<WindowExtractionRun> self, UUID id,
-                                                                       FileURL url, std::optional<KnownWindows> known);
+                                                                       FileURL url, Scan scan);
   template <typename Phase>
   bool isIn(const UUID& id) const;
 

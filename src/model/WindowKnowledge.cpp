@@ -1,5 +1,6 @@
 #include "model/WindowKnowledge.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace quillmere {
@@ -23,6 +24,8 @@ void WindowKnowledge::noteCapture(const UUID& id) {
   const auto& identity = item->fileIdentity;
   const Date closedAt = identity && identity->modificationDate ? *identity->modificationDate : dependencies_.now();
   waiting_.push_back({id, item->url, identity, closedAt, std::move(states)});
+  looks_[id] = std::make_unique<AsyncGate>(0);
+  dependencies_.lookAtWindows();
   if (!std::exchange(isRunning_, true)) run(lifetime_.weak(this)).detach();
 }
 
@@ -30,8 +33,9 @@ Task<> WindowKnowledge::run(Weak<WindowKnowledge> self) {
   auto pause = self->dependencies_.executor->sleep(kDelay);
   const bool isOver = co_await pause;
   while (isOver && self && !self->waiting_.empty()) {
-    const Capture capture = std::move(self->waiting_.front());
+    Capture capture = std::move(self->waiting_.front());
     self->waiting_.pop_front();
+    self->takeNewStates(capture);
     const std::function<std::optional<KnownWindows>()> work = [capture, pictures = self->dependencies_.pictures,
                                                                isDataless = self->dependencies_.isDataless,
                                                                isStopped = self->isStopped_] {
@@ -40,9 +44,36 @@ Task<> WindowKnowledge::run(Weak<WindowKnowledge> self) {
     };
     auto looking = self->dependencies_.executor->background(work);
     const auto known = co_await looking;
-    if (self && known) self->keep(capture, *known);
+    if (!self) co_return;
+    if (known) self->keep(capture, *known);
+    const auto look = self->looks_.extract(capture.id);
+    if (look) look.mapped()->leave();
   }
   if (self) self->isRunning_ = false;
+}
+
+/// What was found out since the picture came. What changed after it was taken is told from that by its time.
+void WindowKnowledge::takeNewStates(Capture& capture) const {
+  const Date last = capture.states.back().since;
+  for (WindowStack& state : dependencies_.windowStates()) {
+    if (last < state.since) capture.states.push_back(std::move(state));
+  }
+}
+
+Task<> WindowKnowledge::whenKnown(UUID id) {
+  return runWait(lifetime_.weak(this), id);
+}
+
+Task<> WindowKnowledge::runWait(Weak<WindowKnowledge> self, UUID id) {
+  const auto look = self->looks_.find(id);
+  if (look == self->looks_.end()) co_return;
+  auto& waiting = self->waiting_;
+  const auto place = std::find_if(waiting.begin(), waiting.end(), [&](const Capture& one) { return one.id == id; });
+  if (place != waiting.end()) std::rotate(waiting.begin(), place, place + 1);
+  AsyncGate& gate = *look->second;
+  auto entering = gate.enter();
+  const bool isOpen = co_await entering;
+  if (isOpen) gate.leave();
 }
 
 /// What a tool marked its picture as counts more than what is found out.

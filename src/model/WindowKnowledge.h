@@ -8,6 +8,7 @@
 
 #include "foundation/Weak.h"
 #include "model/AppModelDependencies.h"
+#include "model/AsyncGate.h"
 
 namespace quillmere {
 
@@ -39,6 +40,8 @@ class WindowKnowledge {
 
   /// A picture that was taken just now has this record.
   void noteCapture(const UUID& id);
+  /// Done when everything is known of the record's picture that will be; it is the next one that is looked at.
+  Task<> whenKnown(UUID id);
 
  private:
   struct Capture {
@@ -50,11 +53,15 @@ class WindowKnowledge {
   };
 
   static Task<> run(Weak<WindowKnowledge> self);
+  static Task<> runWait(Weak<WindowKnowledge> self, UUID id);
+  void takeNewStates(Capture& capture) const;
   void keep(const Capture& capture, const KnownWindows& known);
 
   const AppModelDependencies& dependencies_;
   CaptureRecords& records_;
   std::deque<Capture> waiting_;
+  /// Opened when the picture has been looked at; until then nobody gets in.
+  UUIDMap<std::unique_ptr<AsyncGate>> looks_;
   bool isRunning_ = false;
   std::shared_ptr<std::atomic<bool>> isStopped_ = std::make_shared<std::atomic<bool>>(false);
   Lifetime lifetime_;

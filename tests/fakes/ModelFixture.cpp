@@ -95,6 +95,9 @@ AppModelDependencies ModelFixture::dependencies() {
     return scanner.scan(url, known);
   };
   world.windowStates = [this] { return windowStates; };
+  world.lookAtWindows = [this] {
+    if (onLookAtWindows) onLookAtWindows();
+  };
   world.analyzer = &analyzer;
   world.systemEvents = &systemEvents;
   world.now = [this] { return now(); };

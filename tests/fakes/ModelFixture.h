@@ -146,6 +146,7 @@ class ModelFixture : public ::testing::Test {
 
   std::map<std::string, std::optional<FileIdentity>> identities;
   std::vector<WindowStack> windowStates;  ///< what the window system tells
+  std::function<void()> onLookAtWindows;
   std::map<std::string, CaptureKind> captureKinds;
   std::set<std::string> unreachableFolders;
   std::set<std::string> dataless;

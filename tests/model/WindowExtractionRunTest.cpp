@@ -29,15 +29,15 @@ class WindowExtractionRunTest : public ::testing::Test {
     for (int number = 1; number <= 2; ++number) items.insertNewest(bareItem(number));
     world.promptPresenter = &presenter;
     world.announcer = &announcer;
-    world.scanWindows = [this](const FileURL& url, const std::optional<KnownWindows>& known) {
-      return scanner.scan(url, known);
-    };
     world.fileIdentity = [this](const FileURL&) { return std::optional(FileIdentity{"volume", inode, {}, 1}); };
     prompts.enqueue(uuid(1));
     prompts.enqueue(uuid(2));
   }
   using Seeking = Task<Result<Sought, OperationError>>;
-  Seeking seek() { return run->seek(uuid(1), items.find(uuid(1))->url); }
+  Seeking seek() {
+    const FileURL url = items.find(uuid(1))->url;
+    return run->seek(uuid(1), url, scanner.scan(url, {}));
+  }
   static QImage picture() {
     QImage image(60, 50, QImage::Format_RGB32);
     image.fill(Qt::blue);

@@ -1,6 +1,7 @@
 #include "model/WindowKnowledge.h"
 
 #include <QtGui/QPainter>
+#include <algorithm>
 
 #include "fakes/PictureFixture.h"
 #include "formats/ImageEncoding.h"
@@ -107,6 +108,74 @@ TEST_F(WindowKnowledgeTest, ExtractWindowAndTheCropEditorAreToldOfThem) {
   executor.drain();
   ASSERT_EQ(scanner.calls.size(), 2u);
   EXPECT_EQ(scanner.calls[1]->known, knownOf(id));
+}
+
+TEST_F(WindowKnowledgeTest, ExtractWindowWaitsUntilTheyAreKnown) {
+  windowStates = {state()};
+  const UUID id = arriveDesktop("shot.png");
+  model->setPromptWindowExtraction(item(id), true).detach();
+  const auto opening = model->openPicture(item(id), true);
+  executor.drain();
+  EXPECT_TRUE(scanner.calls.empty());
+  EXPECT_TRUE(model->isPopupPaused(id));
+  advance(0.3);
+  ASSERT_EQ(scanner.calls.size(), 2u);
+  ASSERT_TRUE(knownOf(id));
+  EXPECT_EQ(scanner.calls[0]->known, knownOf(id));
+  EXPECT_EQ(scanner.calls[1]->known, knownOf(id));
+}
+
+TEST_F(WindowKnowledgeTest, APictureThatIsWaitedForIsTheNext) {
+  windowStates = {state()};
+  std::vector<UUID> ids;
+  for (int i = 0; i < 3; ++i) ids.push_back(arriveDesktop("shot " + std::to_string(i) + ".png"));
+  std::vector<UUID> order;
+  const Connection following = model->changed.connect([&](const ModelChange& change) {
+    if (change.field != ModelField::items) return;
+    for (const UUID& one : ids) {
+      if (knownOf(one) && std::find(order.begin(), order.end(), one) == order.end()) order.push_back(one);
+    }
+  });
+  model->openPicture(item(ids[2]), true).detach();
+  advance(0.3);
+  EXPECT_THAT(order, ::testing::ElementsAre(ids[2], ids[0], ids[1]));
+}
+
+TEST_F(WindowKnowledgeTest, WhoeverWaitsInVainGoesOn) {
+  windowStates = {state()};
+  const UUID id = arriveDesktop("shot.png");
+  const ScreenshotItem before = item(id);
+  const auto opening = model->openPicture(before, true);
+  executor.drain();
+  model->removeRecords({id});
+  advance(0.3);
+  ASSERT_EQ(scanner.calls.size(), 1u);
+  EXPECT_EQ(scanner.calls[0]->known, std::nullopt);
+}
+
+TEST_F(WindowKnowledgeTest, AWaitThatIsGivenUpAsksNothing) {
+  windowStates = {state()};
+  const UUID id = arriveDesktop("shot.png");
+  const auto opening = model->openPicture(item(id), true);
+  executor.drain();
+  opening.cancel();
+  advance(0.3);
+  EXPECT_TRUE(scanner.calls.empty());
+  EXPECT_TRUE(knownOf(id));
+}
+
+TEST_F(WindowKnowledgeTest, WhatTheDesktopDoesNotTellByItselfIsAskedFor) {
+  windowStates = {state()};
+  WindowStack before = state();
+  before.windows[0].frame.translate(90, 60);
+  WindowStack found = state();
+  found.since = before.since + 1;
+  windowStates = {before};
+  onLookAtWindows = [&] { windowStates.push_back(found); };
+  const UUID id = arriveDesktop("shot.png");
+  advance(0.3);
+  ASSERT_TRUE(knownOf(id));
+  EXPECT_EQ(knownOf(id)->windows[0].frame, kFrame);
 }
 
 TEST_F(WindowKnowledgeTest, TheyStayOverARestart) {

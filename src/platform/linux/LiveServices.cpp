@@ -118,7 +118,6 @@ LiveServices::LiveServices(const ApplicationPaths& paths)
                     &systemNow),
       analyzer(executor, languageModel, pictures, &CloudFiles::isDataless),
       monitor(executor, systemEvents, folderEvents, scanServices(), &systemNow),
-      windows(&systemNow, X11WindowWatch::baseOfApplication()),
       loginItems(liveLoginItem(QDBusConnection::sessionBus(), defaults)) {
   defaults.writeInBackground(executor, disk);
 }
@@ -196,7 +195,8 @@ AppModelDependencies LiveServices::dependencies(const ApplicationPaths& paths) {
   dependencies.scanWindows = [this](const FileURL& url, const std::optional<KnownWindows>& known) {
     return ImageOperations::scanWindows(executor, pictures, url, known, &CloudFiles::isDataless);
   };
-  dependencies.windowStates = [this] { return windows.states(); };
+  dependencies.windowStates = [this] { return windows->states(); };
+  dependencies.lookAtWindows = [this] { windows->lookAgain(); };
   dependencies.analyzer = &analyzer;
   dependencies.systemEvents = &systemEvents;
   dependencies.now = &systemNow;

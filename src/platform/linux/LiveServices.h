@@ -21,7 +21,7 @@
 #include "platform/linux/sharing/LiveSharing.h"
 #include "platform/linux/shortcuts/SessionHotKeys.h"
 #include "platform/linux/thumbnails/LiveSharedThumbnails.h"
-#include "platform/linux/windows/X11WindowWatch.h"
+#include "platform/linux/windows/WindowWatch.h"
 
 namespace quillmere {
 
@@ -76,7 +76,7 @@ class LiveServices {
   LiveLanguageModel languageModel;
   LiveScreenshotAnalyzer analyzer;
   ScreenshotInboxMonitor monitor;
-  X11WindowWatch windows;
+  std::unique_ptr<WindowWatch> windows = WindowWatch::ofSession(&systemNow);
   std::unique_ptr<HotKeyRegistering> hotKeys = sessionHotKeys(executor);
   std::unique_ptr<LoginItemService> loginItems;
   QtExecutor disk{1};  ///< last, as what it does uses the above

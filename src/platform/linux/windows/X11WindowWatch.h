@@ -11,30 +11,28 @@
 
 #include "platform/linux/passing/Descriptor.h"
 #include "platform/linux/windows/WindowHistory.h"
+#include "platform/linux/windows/WindowWatch.h"
 
 namespace quillmere {
 class X11WindowReader;
 
 /// Follows which windows an X server shows, on a thread and a connection of its own: a server that is busy, or kept by
 /// some program, holds nobody up. Sleeps until something changes.
-class X11WindowWatch {
+class X11WindowWatch final : public WindowWatch {
  public:
-  /// A state is read when nothing has changed for that long, or the first change is that long ago.
-  static constexpr auto kQuiet = std::chrono::milliseconds(15);
-  static constexpr auto kLongest = std::chrono::milliseconds(60);
-
   /// Of the display that the environment names; follows nothing where there is none. Windows of the client whose
   /// identifiers begin with `ownBase` are left out.
   explicit X11WindowWatch(std::function<Date()> now, uint32_t ownBase = 0);
-  ~X11WindowWatch();
+  ~X11WindowWatch() override;
   X11WindowWatch(const X11WindowWatch&) = delete;
   X11WindowWatch& operator=(const X11WindowWatch&) = delete;
 
   /// How the identifiers of this application's own windows begin; 0 where it has none here.
   static uint32_t baseOfApplication();
 
-  /// The oldest first. Any thread.
-  std::vector<WindowStack> states() const;
+  std::vector<WindowStack> states() const override;
+  /// The server tells everything.
+  void lookAgain() override {}
 
  private:
   using Clock = std::chrono::steady_clock;
