@@ -60,12 +60,18 @@ def shown(desktop):
 
 
 def capture(desktop):
-    time.sleep(0.4)  # until it is drawn
     outside = os.path.join(desktop.home, "capture.png")
-    desktop.picture(outside)
+    wait_until("the screen has come to rest", lambda: look(desktop, outside) == look(desktop, outside))
     shot = os.path.join(desktop.folder, captures.capture_name())
     os.rename(outside, shot)
     return shot
+
+
+def look(desktop, path):
+    time.sleep(0.4)
+    desktop.picture(path)
+    with open(path, "rb") as file:
+        return file.read()
 
 
 def in_front(desktop, front, titles):
